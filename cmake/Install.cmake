@@ -1,0 +1,1 @@
+install(TARGETS mchost mclib EXPORT mclib-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})

@@ -1,0 +1,21 @@
+// What a session needs of the place where people meet it. A front end only shows state and feeds events; everything it
+// shows is UTF-8.
+#pragma once
+
+#include <string_view>
+
+namespace host {
+
+class Dialog;  // host/dialog/dialog.h
+
+class FrontEnd {
+  public:
+    virtual ~FrontEnd() = default;
+    virtual void console(std::string_view text) = 0;
+    virtual void messageField(int field, std::string_view text) = 0;
+    virtual void messageCenter(int priority, std::string_view brief, std::string_view details) = 0;
+    // Feeds events to an open modal dialog until it has ended. False when nobody can answer.
+    virtual bool runModal(Dialog& dialog) = 0;
+};
+
+}  // namespace host

@@ -1,0 +1,166 @@
+/* Dialogs: boxes made from layouts of a resource file, their items, the messages that hooks get, and drawing.
+ *
+ * A layout gives a dialog its id, title, size and hook, and each item its kind, id, label, size, access string and hook.
+ * An access string such as "mgdP->printDevice" names a value of a published structure; the manager moves values between
+ * it and the item. The manager calls hooks in the context of the application that opened the dialog; a hook gets one
+ * DialogMessage, sets `handled` to 1 when it takes it and else to 0.
+ * Drawing calls of hooks are kept as the window's display list, which a front end shows. */
+#ifndef HOST_MDL_DIALOG_H
+#define HOST_MDL_DIALOG_H
+
+#include "types.h"
+
+/* Message types. */
+enum {
+    DIALOG_CREATE = 0,
+    DIALOG_INIT = 1,
+    DIALOG_DESTROY = 2,
+    ITEM_CREATE = 50,
+    ITEM_DESTROY = 51,
+    ITEM_DRAW = 52,
+    ITEM_BUTTON = 54,
+    ITEM_ACTIVATED = 70,
+    ITEM_STATE_CHANGED = 71
+};
+
+/* Kinds of items; the value is the item's four-character type. */
+enum {
+    ITEM_PUSH_BUTTON = 0x6450424e,   /* dPBn */
+    ITEM_TEXT = 0x64547874,          /* dTxt */
+    ITEM_LABEL = 0x644c626c,         /* dLbl */
+    ITEM_LIST_BOX = 0x644c4278,      /* dLBx */
+    ITEM_GENERIC = 0x6447656e,       /* dGen */
+    ITEM_TOGGLE = 0x6454426e,        /* dTBn */
+    ITEM_OPTION_BUTTON = 0x644f426e, /* dOBn */
+    ITEM_GROUP_BOX = 0x64474278      /* dGBx */
+};
+enum { MDL_DIALOG_BOX = 0x64426f78 }; /* dBox: the type of a dialog box resource */
+
+typedef struct DialogMessage {
+    int32_t handled;        /* set by the hook */
+    int32_t type;           /* one of the types above */
+    MdlDialog *dialog;
+    MdlItem *item;          /* null in a message to the dialog */
+    int32_t hookId;
+    int32_t itemFlags;      /* ITEM_CREATE: low bit focus, next bit default; a hook may clear them */
+    int32_t state;          /* ITEM_BUTTON: 1 pressed, 0 released; others: the item's value as a number */
+    int32_t changed;        /* ITEM_STATE_CHANGED: 1 when the value isn't the one before */
+    int32_t attributes;     /* DIALOG_CREATE: attribute bits of the dialog, which the hook may add to */
+    int32_t reply;          /* DIALOG_DESTROY: the button that ended it, 0 when closed otherwise */
+} DialogMessage;
+
+typedef void (*DialogHookFunction)(DialogMessage *message);
+
+/* A row of a hook table. */
+typedef struct DialogHook {
+    int32_t id;
+    DialogHookFunction function;
+} DialogHook;
+
+/* Publishes hooks of the current application under their ids; an id that it has published already is replaced. A dialog
+ * looks for a hook in its own application first, then in the others. */
+MDL_EXPORT int mdlDialog_hookPublish(int32_t count, const DialogHook *hooks);
+
+/* ---- published data ---- */
+
+typedef struct SymbolSet SymbolSet;
+/* A set of names for access strings. Null when out of memory. */
+MDL_EXPORT SymbolSet *mdlCExpression_initializeSet(int32_t kinds, int32_t reserved1, int32_t reserved2);
+
+/* A field of a published structure. */
+typedef enum FieldType {
+    FIELD_INT32, FIELD_UINT32, FIELD_BYTE, FIELD_DOUBLE, FIELD_CHARS, FIELD_WCHARS, FIELD_STRUCT, FIELD_POINTER
+} FieldType;
+typedef struct StructField {
+    const char *name;       /* null ends a table */
+    FieldType type;
+    uint32_t offset;
+    uint32_t size;          /* bytes of one element */
+    uint32_t count;         /* elements of an array, else 1; text arrays count as one element */
+    const char *structName; /* FIELD_STRUCT and FIELD_POINTER: the structure it is or points to */
+} StructField;
+/* Tells the fields of a structure. The table must stay; a structure that is told again takes the new table. */
+MDL_EXPORT int mdlDialog_publishStructure(SymbolSet *set, const char *structName, const StructField *fields);
+/* Publishes the pointer variable at `address` to a structure as `name`: "name->field" then reads what the pointer holds
+ * at that moment. */
+MDL_EXPORT int mdlDialog_publishComplexPtr(SymbolSet *set, const char *structName, const char *name, void *address);
+
+/* The value of an access string as text (512 bytes), and back. MDL_ERROR for an unknown name or a null pointer. */
+MDL_EXPORT int mdlDialog_getAccessValue(char *text, int32_t size, const char *accessString);
+MDL_EXPORT int mdlDialog_setAccessValue(const char *accessString, const char *text);
+
+/* ---- dialogs ---- */
+
+/* Opens a dialog from its layout in `rscFile` (0: any open one), for the current application; null when there is no such
+ * layout. A dialog that the application has open already is brought to the front. */
+MDL_EXPORT MdlDialog *mdlDialog_open(RscHandle rscFile, int32_t dialogId);
+/* Opens it, runs it until a button (id -3 or -4 by its action) or a close ends it, and closes it. The id of the button's
+ * action goes to replyP: 3 the first button, 4 the second, also when the dialog was closed without one. MDL_ERROR, with
+ * the reply 4, when there is no such layout or nobody to answer. */
+MDL_EXPORT int mdlDialog_openModal(int32_t *replyP, RscHandle rscFile, int32_t dialogId);
+/* An open dialog of that id, of the given application (null: any). */
+MDL_EXPORT MdlDialog *mdlDialog_find(int32_t dialogId, MdlDesc *desc);
+/* The same by resource type, MDL_DIALOG_BOX. */
+MDL_EXPORT MdlDialog *mdlDialog_findByTypeAndId(int32_t type, int32_t dialogId, MdlDesc *desc);
+/* Closes at once. The two arguments are 0 and 1. */
+MDL_EXPORT int mdlWindow_close(MdlDialog *dialog, int32_t reserved, int32_t force);
+/* Closes when control is back in the host. */
+MDL_EXPORT int mdlDialog_closeCommandQueue(MdlDialog *dialog);
+MDL_EXPORT int32_t mdlDialog_getId(const MdlDialog *dialog);
+MDL_EXPORT void mdlWindow_titleSet(MdlDialog *dialog, const char *title);
+MDL_EXPORT void mdlWindow_extentSet(MdlDialog *dialog, int32_t width, int32_t height);
+MDL_EXPORT void mdlWindow_contentRectGet(DialogRect *rect, const MdlDialog *dialog); /* from (0, 0) */
+
+/* ---- items: numbered from 0 in order of the layout ---- */
+
+MDL_EXPORT MdlItem *mdlDialog_itemGetByIndex(MdlDialog *dialog, int32_t index);
+MDL_EXPORT MdlItem *mdlDialog_itemGetByTypeAndId(MdlDialog *dialog, int32_t type, int32_t id);
+MDL_EXPORT int32_t mdlDialog_itemType(const MdlItem *item);
+MDL_EXPORT int32_t mdlDialog_itemId(const MdlItem *item);
+MDL_EXPORT void mdlDialog_itemRect(DialogRect *rect, const MdlItem *item);
+MDL_EXPORT void mdlDialog_itemMove(MdlItem *item, int32_t left, int32_t top);
+MDL_EXPORT void mdlDialog_itemSetExtent(MdlItem *item, int32_t width, int32_t height);
+MDL_EXPORT void mdlDialog_itemSetLabel(MdlItem *item, const char *label);
+MDL_EXPORT const char *mdlDialog_itemGetLabel(const MdlItem *item);
+MDL_EXPORT void mdlDialog_itemShow(MdlItem *item, int32_t show);
+MDL_EXPORT void mdlDialog_itemEnable(MdlItem *item, int32_t enable);
+/* Takes the value from the access string, and shows it. */
+MDL_EXPORT int mdlDialog_itemSynch(MdlItem *item);
+MDL_EXPORT int mdlDialog_itemsSynch(MdlDialog *dialog);
+MDL_EXPORT const char *mdlDialog_itemGetValue(const MdlItem *item);
+/* Sets the value as a user would: access string and hooks with ITEM_STATE_CHANGED. */
+MDL_EXPORT int mdlDialog_itemSetValue(MdlItem *item, const char *value);
+/* Has the item's hook draw it again. */
+MDL_EXPORT void mdlDialog_itemDraw(MdlItem *item);
+
+/* Format of a text item that shows a number, such as "%8.3f" or "2f": 32 bytes. MDL_ERROR for another kind of item. */
+MDL_EXPORT int mdlDialog_textGetInfo(char *format, const MdlItem *item);
+MDL_EXPORT int mdlDialog_textSetInfo(MdlItem *item, const char *format);
+
+/* The string list of a list box, shown in `columns` columns (member row * columns + column); the list stays its owner's. */
+MDL_EXPORT int mdlDialog_listBoxSetStrListP(MdlItem *item, StringList *list, int32_t columns);
+MDL_EXPORT StringList *mdlDialog_listBoxGetStrListP(const MdlItem *item);
+MDL_EXPORT int mdlDialog_listBoxSelectRow(MdlItem *item, int32_t row); /* -1: none */
+MDL_EXPORT int32_t mdlDialog_listBoxGetSelectedRow(const MdlItem *item);
+
+/* Option buttons: rows of a label and a value; the item's value is that of the chosen row. */
+MDL_EXPORT int mdlDialog_optionButtonDeleteAll(MdlItem *item);
+MDL_EXPORT int mdlDialog_optionButtonInsert(MdlItem *item, const char *label, int32_t value);
+MDL_EXPORT int32_t mdlDialog_optionButtonCount(const MdlItem *item);
+MDL_EXPORT int mdlDialog_optionButtonGet(const MdlItem *item, int32_t row, const char **labelP, int32_t *valueP);
+
+/* ---- drawing into a window's display list; coordinates in pixels of the content area ---- */
+
+/* Fonts by index: 2 the dialog font, 4 the fixed font. Heights in pixels: 16 and 14. */
+MDL_EXPORT int32_t mdlDialog_fontHeight(int32_t fontIndex);
+MDL_EXPORT int32_t mdlDialog_stringWidth(const char *text, int32_t fontIndex);
+MDL_EXPORT void mdlDialog_setFontIndex(MdlDialog *dialog, int32_t fontIndex);
+MDL_EXPORT int32_t mdlDialog_getFontIndex(const MdlDialog *dialog);
+MDL_EXPORT int mdlDialog_textDrawCD(MdlDialog *dialog, int32_t x, int32_t y, const char *text);
+MDL_EXPORT int mdlDialog_rectDrawEdge(MdlDialog *dialog, const DialogRect *rect, int32_t sunken);
+MDL_EXPORT void mdlDialog_rectInset(DialogRect *rect, int32_t dx, int32_t dy);
+/* Draws the icon `iconId` in a fixed colour. MDL_ERROR when no open resource file has it. */
+MDL_EXPORT int mdlWindow_iconDraw(MdlDialog *dialog, RscHandle rscFile, int32_t iconId, int32_t x, int32_t y,
+                                  int32_t colorIndex);
+
+#endif

@@ -1,0 +1,78 @@
+/* Element descriptors: trees of elements in memory. A descriptor is the first of a chain of nodes; a header (a cell, a
+ * complex shape) has its components as children. Each node owns its element. A descriptor is freed as a whole. */
+#ifndef HOST_MDL_ELMDSCR_H
+#define HOST_MDL_ELMDSCR_H
+
+#include "element.h"
+
+struct ElementDescr {
+    ElementDescr *next, *previous; /* chain of the same level */
+    ElementDescr *parent;          /* the header that this is a component of, or null */
+    ElementDescr *firstChild, *lastChild;
+    ModelRef *model;               /* where it was read from or belongs; may be null */
+    FilePos filePos;               /* where it was read from; 0 none */
+    MSElementBuffer *element;      /* mdlElement_bytes(element) bytes; the node's own */
+};
+
+/* A new descriptor with a copy of the element in edPP. `model` null is the active one. */
+MDL_EXPORT int mdlElmdscr_new(ElementDescr **edPP, ModelRef *model, const MSElementBuffer *element);
+/* Appends a copy of the element: as the last component when ed is a header that takes components (cell, text node,
+ * complex shape), else at the end of ed's chain. */
+MDL_EXPORT int mdlElmdscr_appendElement(ElementDescr *ed, const MSElementBuffer *element);
+/* Appends a descriptor, which then belongs to ed, in the same way. */
+MDL_EXPORT int mdlElmdscr_appendDscr(ElementDescr *ed, ElementDescr *part);
+MDL_EXPORT int mdlElmdscr_duplicate(ElementDescr **edPP, const ElementDescr *ed); /* with chain and children */
+MDL_EXPORT void mdlElmdscr_freeAll(ElementDescr **edPP); /* frees chain and children; *edPP becomes null */
+
+/* Reads the element at a position, its components with it. The number of elements read; 0 when it can't be read. */
+MDL_EXPORT uint32_t mdlElmdscr_read(ElementDescr **edPP, FilePos position, ModelRef *model);
+/* The same, in the coordinates of the active model. */
+MDL_EXPORT uint32_t mdlElmdscr_readToMaster(ElementDescr **edPP, FilePos position, ModelRef *model);
+/* Writes the descriptor over the one at `position`; gives the new position, 0 on failure. */
+MDL_EXPORT FilePos mdlElmdscr_rewrite(ElementDescr *ed, FilePos position);
+/* Adds every descriptor of the chain to its model; the position of the first, 0 on failure. */
+MDL_EXPORT FilePos mdlElmdscr_add(ElementDescr *ed);
+MDL_EXPORT int mdlElmdscr_display(ElementDescr *ed, ModelRef *model, int32_t drawMode);
+
+/* Brings headers in line with their components. */
+MDL_EXPORT int mdlElmdscr_validate(ElementDescr *ed, ModelRef *model);
+/* The range of chain and children in UOR, whatever the current transform; transformed first when `transform` isn't
+ * null. MDL_ERROR, with low and high untouched, when nothing in it has an extent of its own. */
+MDL_EXPORT int mdlElmdscr_computeRange(Point3d *low, Point3d *high, const ElementDescr *ed, const Transform *transform);
+MDL_EXPORT int mdlElmdscr_transform(ElementDescr *ed, const Transform *transform);
+/* As mdlElement_stroke for a whole descriptor: the components of a complex shape in one run. Chain members behind ed
+ * aren't looked at. */
+MDL_EXPORT int mdlElmdscr_stroke(Point3d **pointsP, int32_t *countP, const ElementDescr *ed, double tolerance);
+
+/* Calls f for each element of chain and children: headers before their components. Stops at a non-zero result, which is
+ * the call's result. `order`: 1 headers, 2 components, 8 the whole chain; 11 is all. */
+typedef int (*MdlDescrFunction)(MSElementBuffer *element, void *userArg, int32_t order, int32_t offset,
+                                ElementDescr *node);
+MDL_EXPORT int mdlElmdscr_operation(ElementDescr *ed, MdlDescrFunction f, void *userArg, int32_t order);
+
+/* ---- elements in the active design file ---- */
+
+/* Reads an element without its components. The number of bytes; 0 when there is none. */
+MDL_EXPORT uint32_t mdlElement_read(MSElementBuffer *out, ModelRef *model, FilePos position);
+/* Adds an element to the active model; its position, 0 on failure. */
+MDL_EXPORT FilePos mdlElement_add(const MSElementBuffer *element);
+MDL_EXPORT FilePos mdlElement_rewrite(const MSElementBuffer *element, FilePos position);
+enum { MDL_DRAW = 0, MDL_ERASE = 1, MDL_HIGHLIGHT = 2 };
+MDL_EXPORT int mdlElement_display(const MSElementBuffer *element, int32_t drawMode);
+/* Deletes what lies at the position in the active model, components included, so that it can be brought back. */
+MDL_EXPORT int mdlElement_undoableDelete(const MSElementBuffer *element, FilePos position, int32_t display);
+/* Brings back the last deletion that hasn't been brought back; its position, 0 when there is none. */
+MDL_EXPORT FilePos mdlUndo_lastDelete(void);
+
+/* ---- modify ---- */
+
+enum { MDL_MODIFY_NONE = 0, MDL_MODIFY_CHANGED = 1, MDL_MODIFY_REMOVE = 2, MDL_MODIFY_REPLACE_DESCR = 16 };
+/* Gets each component: f may change *element in place (bytes beyond its size are free up to MDL_ELEMENT_BYTES) and
+ * answers MDL_MODIFY_CHANGED, or gives a new descriptor in *newDescrPP and answers MDL_MODIFY_REPLACE_DESCR. */
+typedef int (*MdlModifyFunction)(MSElementBuffer *element, void *userArg, ModelRef *model, ElementDescr *node,
+                                 ElementDescr **newDescrPP);
+/* Works on a descriptor in memory; *edPP may change, and is null when all was removed. The number of changes goes to
+ * the result. */
+MDL_EXPORT int mdlModify_elementDescr2(ElementDescr **edPP, ModelRef *model, MdlModifyFunction f, void *userArg);
+
+#endif

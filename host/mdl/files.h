@@ -1,0 +1,63 @@
+/* Files and paths.
+ *
+ * A path may be written with `\` or `/`. A drive letter ("c:\temp") stands for the folder that the configuration
+ * variable MC_DRIVE_C names, by default drive_c below the user's data folder (XDG_DATA_HOME or ~/.local/share, folder
+ * mchost). A path that begins with `/`, or with ":/", is a path of the system. */
+#ifndef HOST_MDL_FILES_H
+#define HOST_MDL_FILES_H
+
+#include "types.h"
+
+/* ---- streams: as fopen and fclose, on a host path ---- */
+MDL_EXPORT FILE *dlmSystem_mdlFopen(const char *name, const char *mode);
+MDL_EXPORT int dlmSystem_mdlFclose(FILE *stream);
+
+/* ---- text files ---- */
+typedef struct MdlTextFile MdlTextFile;
+enum { MDL_TEXT_READ = 0, MDL_TEXT_WRITE = 1, MDL_TEXT_APPEND = 2 };
+/* Opens a text file; null when it can't be opened. A folder can't be. */
+MDL_EXPORT MdlTextFile *mdlTextFile_open(const char *name, int mode);
+/* Closes and frees. 0, or the system's error number when what was written couldn't be stored. */
+MDL_EXPORT int mdlTextFile_close(MdlTextFile *file);
+/* The next line into `buffer` (`size` bytes, its NUL included), or null at the end of the file or on an error. With
+ * `keepNewline` non-zero the line ends in one "\n" whatever ended it in the file (LF, CR LF or the end of the file).
+ * A line that is longer than the buffer comes in pieces; only the last piece ends in "\n". A NUL in the file ends the
+ * text of its line. */
+MDL_EXPORT char *mdlTextFile_getString(char *buffer, int size, MdlTextFile *file, int keepNewline);
+/* Length of the text that the last mdlTextFile_getString gave, its line end included. */
+MDL_EXPORT int mdlTextFile_lastLength(const MdlTextFile *file);
+/* Writes the text and, with addNewline non-zero, a line end. 0 or MDL_ERROR. */
+MDL_EXPORT int mdlTextFile_putString(const char *text, MdlTextFile *file, int addNewline);
+MDL_EXPORT void mdlTextFile_rewind(MdlTextFile *file);
+MDL_EXPORT int mdlTextFile_eof(const MdlTextFile *file);   /* 1 when a read has met the end */
+MDL_EXPORT int mdlTextFile_error(const MdlTextFile *file); /* the system's error number of a failed read, else 0 */
+
+/* ---- names ---- */
+/* Finds a file: `name` as it stands, else in each folder of the configuration variable `searchVariable` (folders
+ * divided by `;`), each also with `defaultExtension` when the name has none. Both may be null. The full name of a file
+ * that was found goes to `result` (256 bytes, may be null). 0 for a file found. */
+MDL_EXPORT int mdlFile_find(char *result, const char *name, const char *searchVariable, const char *defaultExtension);
+/* Takes a name apart: device ("c:" or empty), directory (with its last separator), name, extension (without its dot).
+ * Each part may be null; each buffer holds 256 bytes. */
+MDL_EXPORT int mdlFile_parseName(const char *path, char *device, char *directory, char *name, char *extension);
+/* Puts a name together from the four parts; null or empty parts are left out. `path` holds 256 bytes; MDL_ERROR and an
+ * empty path when the result is longer. */
+MDL_EXPORT int mdlFile_buildName(char *path, const char *device, const char *directory, const char *name,
+                                 const char *extension);
+
+/* ---- folders ---- */
+enum { MDL_ATTRIBUTE_DIRECTORY = 128 };
+/* The entries that match `pattern` (a path whose last part may have * and ?) as a new string list, in order of name.
+ * With MDL_ATTRIBUTE_DIRECTORY only folders, else only files. 0, or MDL_ERROR with no list when the folder can't be
+ * read. An entry that is named without a wildcard gives a list of one, or an empty one. */
+MDL_EXPORT int mdlFileList_get(StringList **listP, const char *pattern, int attributes);
+
+/* ---- work files: a design file opened beside the active one ---- */
+/* Opens a design file to look at it. The model in modelP. 0 or MDL_ERROR. */
+MDL_EXPORT int mdlWorkDgn_openFile(ModelRef **modelP, const char *name);
+MDL_EXPORT int mdlWorkDgn_closeFile(ModelRef *model);
+
+/* The user's preference file of the host: a resource file that is made when it isn't there. Mode 0 reading, 1 writing. */
+MDL_EXPORT int mdlDialog_userPrefFileOpen(RscHandle *handleP, int mode);
+
+#endif

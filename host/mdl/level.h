@@ -1,0 +1,51 @@
+/* Levels and line styles of a model.
+ *
+ * A level has an id (from 1, never given twice), a code, a name, and symbology for the elements that take theirs by
+ * level. A new model has the level "Default", id 1, code 0. A level "Level N" or "N" with N from 1 to 63 gets the code
+ * N where that is free; every other one gets the next free code from 64 on. */
+#ifndef HOST_MDL_LEVEL_H
+#define HOST_MDL_LEVEL_H
+
+#include "types.h"
+
+MDL_EXPORT int mdlLevel_isValidByName(ModelRef *model, const wchar_t *name); /* 1 when the model has it */
+MDL_EXPORT int mdlLevel_getIdFromName(LevelId *idP, ModelRef *model, LevelId parent, const wchar_t *name);
+MDL_EXPORT int mdlLevel_getIdFromCode(LevelId *idP, ModelRef *model, int32_t code);
+MDL_EXPORT int mdlLevel_getName(wchar_t *name, int32_t size, ModelRef *model, LevelId id);
+MDL_EXPORT int mdlLevel_getCode(int32_t *codeP, ModelRef *model, LevelId id);
+/* Creates a level; MDL_ERROR for a name that is empty, too long (511 characters) or there already, or a model that can't
+ * be written. The level lasts until the session ends, and is stored by mdlLevelTable_rewrite or with the first element
+ * that is on it. */
+MDL_EXPORT int mdlLevel_create(LevelId *idP, ModelRef *model, const wchar_t *name);
+/* What elements on the level take by level: colour, style, modifiers of a named style (LineStyleParams), weight, fill
+ * colour. Null pointers leave alone. */
+MDL_EXPORT int mdlLevel_setElementSymbology(ModelRef *model, LevelId id, const uint32_t *color, const int32_t *style,
+                                            const void *styleParams, const uint32_t *weight,
+                                            const uint32_t *fillColor);
+/* What the level overrides while it is on; zeros are none. */
+MDL_EXPORT int mdlLevel_setSymbology(ModelRef *model, LevelId id, uint32_t color, int32_t style, uint32_t weight);
+MDL_EXPORT int mdlLevel_getElementSymbology(uint32_t *color, int32_t *style, uint32_t *weight, ModelRef *model,
+                                            LevelId id);
+/* Stores the levels of the model in its file. */
+MDL_EXPORT int mdlLevelTable_rewrite(ModelRef *model);
+/* The model of the level library, or null: the design file that the configuration variable MS_LEVELLIB names. */
+MDL_EXPORT ModelRef *mdlLevelLibrary_getModelRef(void);
+
+/* ---- line styles: 0 to 7 are built in and have no name; named ones have numbers below 0 ---- */
+
+/* Defines a named line style in the model: dashes and gaps in turn, in master units, at most 32. Its number (-1 and
+ * down, by file) goes to numberP. A name that is there is redefined under its number. */
+MDL_EXPORT int mdlLineStyle_define(int32_t *numberP, ModelRef *model, const char *name, const double *pattern,
+                                   int32_t count);
+/* The number of a named style; 0 and MDL_ERROR when the model hasn't one of that name. */
+MDL_EXPORT int mdlLineStyle_numberFromName(int32_t *numberP, const char *name, ModelRef *model);
+/* The name of a style number below 0 into `name` (64 bytes). */
+MDL_EXPORT int mdlLineStyle_nameFromNumber(char *name, int32_t number, ModelRef *model);
+
+/* Value of a row that is a named style in the list below. */
+enum { MDL_STYLE_NAMED = 0x7FFFFF00 };
+/* Fills a list model of one column with the model's styles: value the number 0 to 7, or MDL_STYLE_NAMED with the name as
+ * its text. MDL_ERROR without a model. */
+MDL_EXPORT int mdlLevelList_getStyleListModel(ListModel *list, ModelRef *model);
+
+#endif

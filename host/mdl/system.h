@@ -1,0 +1,123 @@
+/* The running system: applications and calls into them, memory, configuration variables, console and messages, ticks
+ * and timers, active parameters.
+ *
+ * All of it works without a session too (a process that only loads the library): there is then no application, memory
+ * is plain memory, configuration variables are the process environment and what was defined, and console lines go to
+ * standard error. */
+#ifndef HOST_MDL_SYSTEM_H
+#define HOST_MDL_SYSTEM_H
+
+#include "types.h"
+
+/* ---- applications ---- */
+
+/* The application on whose behalf the code runs; null when there is none. */
+MDL_EXPORT MdlDesc *mdlSystem_getCurrMdlDesc(void);
+/* The process number of an application, above 0 and never given twice in a session; 0 for null. */
+MDL_EXPORT int32_t mdlSystem_getProcessNumberFromMdlDesc(MdlDesc *desc);
+/* The application with that process number, or null once it has ended. */
+MDL_EXPORT MdlDesc *mdlSystem_getMdlDescFromProcessNumber(int32_t processNumber);
+/* The running application of that name (letter case doesn't count), or null. */
+MDL_EXPORT MdlDesc *mdlSystem_findMdlDesc(const char *taskName);
+/* Loads the program `program` (found along MS_MDL) as the task `taskName` and runs its main function with
+ * argv[1] = `argument`, or "USER" when that is null. 0, or MDL_ERROR when it can't be found or loaded. */
+MDL_EXPORT int mdlSystem_loadMdlProgram(const char *program, const char *taskName, const char *argument);
+/* Ends the current application when control is back in the host; `errorCode` becomes the exit status that the program
+ * reports when it isn't 0. `unload` non-zero removes it from memory. Returns to the caller. */
+MDL_EXPORT void mdlSystem_exit(int errorCode, int unload);
+
+/* ---- calls into an application ---- */
+
+/* Calls `function` in the context of the application `desc`: desc is the current application during the call, and the
+ * one before is current again afterwards. `signature` has a letter for each argument that follows: P pointer, I 32-bit
+ * integer, D double; empty for none, at most 16. Gives the function's 32-bit result (0 for a function without one), or
+ * MDL_ERROR for a bad signature or a null function. A null desc keeps the current application. */
+MDL_EXPORT int32_t dlmSystem_callAnyFunction(const char *signature, MdlDesc *desc, void *function, ...);
+/* The same, for a function that is known to lie in the application itself. */
+MDL_EXPORT int32_t dlmSystem_callMdlFunction(const char *signature, MdlDesc *desc, void *function, ...);
+
+/* Registers a function of the current application for a kind of event; null takes it back. One function for each
+ * application and kind. Kind 1: new design file, void f(char *fileName, int state), called with state 0 before the
+ * open file is closed and with state 1 when the new one is open. */
+enum { MDL_FUNCTION_NEW_DESIGN_FILE = 1 };
+MDL_EXPORT int mdlSystem_setFunction(int kind, void *function);
+/* Calls `function` (void f(int32_t id)) in the context of the current application once, after `ticks` ticks.
+ * Gives the timer's id in idP. */
+MDL_EXPORT int mdlSystem_setTimerFunction(int32_t *idP, int32_t ticks, void *function);
+MDL_EXPORT int mdlSystem_cancelTimer(int32_t id);
+/* Ticks since the session began: 60 a second. */
+MDL_EXPORT int32_t mdlSystem_getTicks(void);
+
+/* ---- memory: blocks come uncleared, null on failure; size 0 is granted ---- */
+
+MDL_EXPORT void *dlmSystem_mdlMalloc(size_t size);
+MDL_EXPORT void *dlmSystem_mdlRealloc(void *block, size_t size);
+MDL_EXPORT void dlmSystem_mdlFree(void *block);
+
+/* ---- configuration variables: session definitions over the environment ---- */
+
+/* Copies the value into `buffer` (at most size - 1 characters), which may be null for a test. 0 when defined. */
+MDL_EXPORT int mdlSystem_getenv(char *buffer, const char *name, int size);
+/* The same with the arguments in the other order, and the value fully expanded. */
+MDL_EXPORT int mdlSystem_getCfgVar(char *buffer, const char *name, int size);
+/* Defines a variable. Levels: 0 system, 1 application, 2 site, 3 project, 4 user. A higher level hides a lower one. */
+MDL_EXPORT int mdlSystem_defineCfgVar(const char *name, const char *value, int level);
+MDL_EXPORT int mdlSystem_deleteCfgVar(const char *name);
+/* The text with each $(NAME) and ${NAME} replaced by the variable's expanded value (nothing when undefined), in a new
+ * block that the caller frees with dlmSystem_mdlFree; null when out of memory. */
+MDL_EXPORT char *mdlSystem_expandCfgVar(const char *text);
+/* The expanded value of the variable in a new block that the caller frees, or null when it is undefined. */
+MDL_EXPORT char *mdlSystem_getExpandedCfgVar(const char *name);
+
+/* ---- console and messages ---- */
+
+/* A text on the host's console. */
+MDL_EXPORT int toolSubsystem_printf(const char *format, ...) __attribute__((format(printf, 1, 2)));
+/* A text on a stream that dlmSystem_mdlFopen gave; the number of bytes written, negative on failure. */
+MDL_EXPORT int toolSubsystem_fprintf(FILE *stream, const char *format, ...) __attribute__((format(printf, 2, 3)));
+/* A text in a message field: 1 status, 2 prompt, 3 error, 4 command. */
+MDL_EXPORT int mdlOutput_printf(int field, const char *format, ...) __attribute__((format(printf, 2, 3)));
+/* A message for the message centre. Priority 10 is an error, 11 a warning, 12 information. `openAlert` non-zero also
+ * asks the user to take note of it. */
+MDL_EXPORT int mdlOutput_messageCenter(int priority, const char *brief, const char *details, int openAlert);
+/* Formats the string `messageId` of the string list `listId` in `rscFile` (0: any open resource file) with the further
+ * values into `buffer` (512 bytes). 0, or MDL_ERROR with the buffer untouched when there is no such string. */
+MDL_EXPORT int mdlOutput_rscsPrintf(char *buffer, RscHandle rscFile, int32_t listId, int32_t messageId, ...);
+/* A text typed in on the user's behalf. `position` -1 puts it at the end of the input queue; `task` null sends it to
+ * the host. */
+MDL_EXPORT int mdlInput_sendKeyin(const char *text, int literal, int position, const char *task);
+/* Makes room for graphics when the host was showing text. */
+MDL_EXPORT void mdlSystem_enterGraphics(void);
+
+/* ---- settings ---- */
+
+/* The work mode: 0 "DGN", 1 "DWG", 2 "V7". */
+MDL_EXPORT int mdlSystem_getWorkmode(void);
+/* Raises the active graphic group by one. */
+MDL_EXPORT void mdlSystem_updateGraphicGroup(void);
+
+/* Active parameters by number. The value is the type that the number's row tells. */
+enum {
+    MDL_PARAM_STYLE = 3,          /* int32_t: line style */
+    MDL_PARAM_FONT = 7,           /* int32_t: font number */
+    MDL_PARAM_TEXT_SIZE = 11,     /* double: text height and width in UOR */
+    MDL_PARAM_LEVEL = 20,         /* int32_t: level id */
+    MDL_PARAM_COLOR = 21,         /* int32_t: colour index */
+    MDL_PARAM_WEIGHT = 22,        /* int32_t: line weight */
+    MDL_PARAM_LINE_STYLE_NAME = 44, /* char[]: line style by name; setting it sets parameter 3 too */
+    MDL_PARAM_GRAPHIC_GROUP = 59  /* int32_t: active graphic group */
+};
+MDL_EXPORT int mdlParams_getActive(void *valueP, int parameter);
+MDL_EXPORT int mdlParams_setActive(const void *valueP, int parameter);
+
+/* The active settings and the name of the open design file. */
+typedef struct MdlTcb {
+    char designFileName[256];    /* full name of the open design file; empty when none is open */
+    unsigned char readoutFormat; /* low three bits: decimals + 1 of a decimal readout; bits 3 to 7: fraction or long forms */
+    unsigned char readoutFlags;  /* bit 2: the long forms are in use */
+    double activeSlant;          /* degrees */
+    int32_t workmode;            /* as mdlSystem_getWorkmode */
+} MdlTcb;
+MDL_EXPORT MdlTcb *tcbP;
+
+#endif

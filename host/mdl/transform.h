@@ -1,0 +1,52 @@
+/* Vectors, matrices, the stack of current transforms, and units. */
+#ifndef HOST_MDL_TRANSFORM_H
+#define HOST_MDL_TRANSFORM_H
+
+#include "types.h"
+
+/* Numeric constants. */
+MDL_EXPORT const double *const fc_piP, *const fc_2piP, *const fc_piover2P, *const fc_piover4P, *const fc_piover6P;
+MDL_EXPORT const double *const fc_piover180P, *const fc_180overpiP;
+MDL_EXPORT const double *const fc_epsilonP;  /* 1e-8 */
+MDL_EXPORT const double *const fc_zeroP;
+MDL_EXPORT const double *const fc_rmaxi4P;   /* 2147483647 */
+MDL_EXPORT const double *const fc_rmaxui4P;  /* 4294967295 */
+
+/* ---- vectors ---- */
+MDL_EXPORT double mdlVec_distance(const Point3d *a, const Point3d *b);
+/* The unit vector from a towards b, and the distance as the result; (0, 0, 0) for equal points. */
+MDL_EXPORT double mdlVec_computeNormal(Point3d *out, const Point3d *a, const Point3d *b);
+
+/* ---- rotation matrices ---- */
+MDL_EXPORT void mdlRMatrix_getIdentity(RotMatrix *matrix);
+MDL_EXPORT void mdlRMatrix_fromAngle(RotMatrix *matrix, double angle); /* about the z axis */
+MDL_EXPORT void mdlRMatrix_rotatePoint(Point3d *point, const RotMatrix *matrix);
+MDL_EXPORT void mdlRMatrix_unrotatePoint(Point3d *point, const RotMatrix *matrix); /* by the transposed matrix */
+MDL_EXPORT void mdlRMatrix_rotatePointArray(Point3d *points, const RotMatrix *matrix, int32_t count);
+MDL_EXPORT void mdlRMatrix_unrotatePointArray(Point3d *points, const RotMatrix *matrix, int32_t count);
+/* The range of the turned box, in place. */
+MDL_EXPORT void mdlRMatrix_multiplyRange(Point3d *low, Point3d *high, const RotMatrix *matrix);
+
+/* ---- the current transform ----
+ * A stack. Inside begin and end, builders take and extractors give coordinates in the current system, and lengths
+ * (radii, text sizes, stroke tolerances) in its unit. begin copies the system around it; identity makes it UOR. */
+MDL_EXPORT int mdlCurrTrans_begin(void);
+MDL_EXPORT int mdlCurrTrans_end(void); /* MDL_ERROR when none is open */
+MDL_EXPORT int mdlCurrTrans_identity(void);
+/* Moves the origin of the current system to that point, given in the current system. */
+MDL_EXPORT int mdlCurrTrans_translateOrigin(const Point3d *origin);
+/* Adds the point, given in the outermost system (UOR), to the origin. */
+MDL_EXPORT int mdlCurrTrans_translateOriginWorld(const Point3d *origin);
+/* One unit of the new system is that many units of the old. A factor of 0 is MDL_ERROR. */
+MDL_EXPORT int mdlCurrTrans_scale(double sx, double sy, double sz);
+MDL_EXPORT int mdlCurrTrans_rotateByAngles(double ax, double ay, double az); /* about x, then y, then z */
+/* One unit of the new system is one master unit of the active model. */
+MDL_EXPORT int mdlCurrTrans_masterUnitsIdentity(void);
+/* The transforms between the current system and UOR; valid until the current system changes. Each may be null. */
+MDL_EXPORT int mdlCurrTrans_getAddresses(const Transform **toWorld, const Transform **fromWorld);
+
+/* ---- units: 1 master unit is mdlModelRef_getUorPerMaster UOR ---- */
+MDL_EXPORT double mdlCnv_masterToUOR(double *resultP, double master, ModelRef *model); /* also stored when not null */
+MDL_EXPORT double mdlCnv_UORToMaster(double *resultP, double uor, ModelRef *model);
+
+#endif
