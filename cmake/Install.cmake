@@ -1,1 +1,28 @@
+# What an installed MCLib is: two libraries, the programs, the headers as they stand in the folders, the resource file,
+# and the ways to find them (find_package(mclib), pkg-config mclib).
+include(CMakePackageConfigHelpers)
+
 install(TARGETS mchost mclib EXPORT mclib-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS mchost-program mcrsc RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+file(GLOB FAMILY_HEADERS RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS frame/*.h text/*.h elmattr/*.h geometry/*.h
+     arrows/*.h print/*.h forms/*.h project/*.h design/*.h batch/*.h host/mdl/*.h)
+foreach(header ${FAMILY_HEADERS})
+  file(STRINGS ${PROJECT_SOURCE_DIR}/${header} internal REGEX "^#pragma once")  # public headers are plain C with guards
+  if(NOT internal)
+    get_filename_component(folder ${header} DIRECTORY)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/mclib/${folder})
+  endif()
+endforeach()
+
+install(FILES ${CMAKE_BINARY_DIR}/lib/mclib.rsc DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
+install(FILES host/mchost.cfg DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
+
+install(EXPORT mclib-targets NAMESPACE mclib:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/mclib)
+configure_package_config_file(cmake/mclib-config.cmake.in mclib-config.cmake
+                              INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/mclib)
+write_basic_package_version_file(mclib-config-version.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/mclib-config.cmake ${CMAKE_CURRENT_BINARY_DIR}/mclib-config-version.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/mclib)
+configure_file(cmake/mclib.pc.in mclib.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/mclib.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
