@@ -67,4 +67,11 @@ class HOST_EXPORT ApplicationScope {
     MdlDesc* before_;
 };
 
+// Full path of the module that the application was loaded from; empty for one that lies in this process, and for null.
+HOST_EXPORT std::string modulePath(MdlDesc* desc);
+
+// Has `observer` called, as the current application, for each application that ends, while its code is still loaded: a
+// room then lets go of what it keeps for it. Observers stay for the life of the process and are told once each.
+HOST_EXPORT void observeApplicationEnd(void (*observer)(MdlDesc* desc));
+
 }  // namespace host
