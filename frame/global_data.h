@@ -8,7 +8,6 @@ struct ElmAttrGroup;      // elmattr/table.h
 struct ElmAttrRecord;     // elmattr/table.h
 struct ElmAttrEditBlock;  // the small attribute dialog's block
 struct PlotPage;          // a page of a plot
-struct IdentityBlock;     // company and super-user names
 
 // An open resource file: the host's handle and the file's name.
 struct McHandle {
@@ -50,6 +49,7 @@ struct ElmAttrEditBlock {
 };
 
 constexpr int maxInitApps = 10;
+constexpr int messageTitleSize = 513;
 
 struct GlobalData {
     uint8_t upfIsOpen;
@@ -60,7 +60,7 @@ struct GlobalData {
     char currentPageName[81];
     char applicationName[336];
     char introText[14][257];
-    char messageTitles[4][513];  // of the kinds 4, 8, 1, 2
+    char messageTitles[4][messageTitleSize];  // of the kinds 4, 8, 1, 2
     void* pdmMenu;
     double pageAngle;       // degrees
     double convertedValue;  // result of the last unit conversion
