@@ -7,8 +7,13 @@
 #ifndef MCLIB_H
 #define MCLIB_H
 
+#include "elmattr/attributes.h"
 #include "frame/error.h"
 #include "frame/main.h"
 #include "frame/util.h"
+#include "geometry/builders.h"
+#include "geometry/elmdscr.h"
+#include "geometry/textsize.h"
+#include "geometry/userdata.h"
 
 #endif
