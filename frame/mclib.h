@@ -15,5 +15,7 @@
 #include "geometry/elmdscr.h"
 #include "geometry/textsize.h"
 #include "geometry/userdata.h"
+#include "text/fii.h"
+#include "text/file.h"
 
 #endif

@@ -1,0 +1,456 @@
+#include "text/fii.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <optional>
+#include <string_view>
+
+#include "frame/error.h"
+#include "host/mdl/system.h"
+#include "text/char_set.h"
+
+namespace {
+
+constexpr int defaultFileBufferSize = 512;
+constexpr int defaultLineSize = 1024;
+constexpr const char* defaultSeparators = " \n\t";
+constexpr CharSet blanks(" \t\n\v\f\r");
+constexpr CharSet wholeCharacters("0123456789-+");
+constexpr CharSet numberCharacters("0123456789.eE-+");
+
+// Position after the last keyword test, of whichever reader: a hint that its separators are skipped already.
+const char* lastSeekPosition = nullptr;
+
+char noLine[1] = "";  // the line of a closed reader
+
+int fail(McFii& f, int32_t code) {
+    f.error = code;
+    return MCLIB_ERROR;
+}
+
+// ---- tokens ----
+
+// A set of delimiters that knows where a token ends: at one of them, or at the end of the line.
+struct Delimiters {
+    explicit Delimiters(const char* characters) : run(characters), stop(run) { stop.add('\0'); }
+    CharSet run, stop;
+};
+
+std::string_view tokenAt(const char* p, const Delimiters& delimiters) {
+    const char* end = p;
+    while (!delimiters.stop.has(*end)) ++end;
+    return {p, static_cast<size_t>(end - p)};
+}
+
+void advance(McFii& f, std::string_view token, const Delimiters& delimiters) {
+    f.position = delimiters.run.past(f.position + token.size());
+}
+
+// A copy of a token, cut at 255 characters.
+std::string_view copyCut(char* out, std::string_view token) {
+    const size_t length = token.copy(out, sizeof McFii{}.word - 1);
+    out[length] = '\0';
+    return {out, length};
+}
+
+char* takeToken(McFii& f, const Delimiters& delimiters, char* dest) {
+    const std::string_view token = tokenAt(f.position, delimiters);
+    copyCut(dest, token);
+    advance(f, token, delimiters);
+    return dest;
+}
+
+void skipSeparators(McFii& f) {
+    f.position = CharSet(f.separators).past(f.position);
+}
+
+void skipUnlessPacked(McFii& f) {
+    if (!f.pack) skipSeparators(f);
+}
+
+// ---- numbers: strtol and strtod without locale, hexadecimal, infinite and undefined values ----
+
+struct Digits {
+    const char *begin, *end;  // begin: after blanks and a plus sign
+};
+
+// Where from_chars can start; nothing when no number does.
+std::optional<Digits> digitsOf(std::string_view text) {
+    const char *p = text.data(), *end = p + text.size();
+    while (p != end && blanks.has(*p)) ++p;
+    if (p != end && *p == '+') {
+        ++p;
+        if (p != end && *p == '-') return {};
+    }
+    const char* first = p != end && *p == '-' ? p + 1 : p;
+    if (first == end || !(('0' <= *first && *first <= '9') || *first == '.')) return {};
+    return Digits{p, end};
+}
+
+// A number at the start of a text, and how it ended.
+template <typename T>
+struct Parsed {
+    T value = 0;
+    const char* end = nullptr;  // null: no number
+    bool inRange = true;
+};
+
+template <typename T>
+Parsed<T> parseNumber(std::string_view text) {
+    Parsed<T> parsed;
+    const std::optional<Digits> digits = digitsOf(text);
+    if (!digits) return parsed;
+    const auto [end, error] = std::from_chars(digits->begin, digits->end, parsed.value);
+    if (error == std::errc::invalid_argument) return parsed;
+    parsed.end = end;
+    parsed.inRange = error == std::errc();
+    return parsed;
+}
+
+// The value of a token that is a number entirely; 0 for an empty one.
+std::optional<int32_t> wholeNumber(std::string_view token) {
+    if (token.empty()) return 0;
+    const Parsed<int32_t> parsed = parseNumber<int32_t>(token);
+    if (parsed.end != token.data() + token.size() || !parsed.inRange) return {};
+    return parsed.value;
+}
+
+std::optional<double> number(std::string_view token) {
+    if (token.empty()) return 0.0;
+    const Parsed<double> parsed = parseNumber<double>(token);
+    if (parsed.end != token.data() + token.size() || !parsed.inRange || std::isinf(parsed.value)) return {};
+    return parsed.value;
+}
+
+template <typename T>
+int takeNumber(McFii& f, const char* delimiters, std::optional<T> (*parse)(std::string_view), T& value, int32_t error) {
+    const Delimiters set(delimiters);
+    const std::string_view token = tokenAt(f.position, set);
+    const std::optional<T> parsed = parse(copyCut(f.word, token));
+    if (!parsed) return fail(f, error);
+    value = *parsed;
+    advance(f, token, set);
+    return MCLIB_SUCCESS;
+}
+
+// ---- arrays of numbers ----
+
+// The text at p in which a number can lie: leading blanks, then a run of its characters.
+std::string_view numberAt(const char* p, const CharSet& characters) {
+    return {p, static_cast<size_t>(characters.past(blanks.past(p)) - p)};
+}
+
+double takeDouble(McFii& f) {
+    const double value = parseNumber<double>(numberAt(f.position, numberCharacters)).value;
+    f.position = numberCharacters.past(f.position);
+    return value;
+}
+
+int32_t takeWhole(McFii& f) {
+    const Parsed<int32_t> parsed = parseNumber<int32_t>(numberAt(f.position, wholeCharacters));
+    const bool negative = *blanks.past(f.position) == '-';
+    f.position = wholeCharacters.past(f.position);
+    if (parsed.inRange) return parsed.value;
+    return negative ? std::numeric_limits<int32_t>::min() : std::numeric_limits<int32_t>::max();
+}
+
+enum { numericDoubles = 1, numericWholes = 2, numericPairs = 3 };
+
+// ---- characters ----
+
+bool isLetter(char c) {
+    const auto u = static_cast<unsigned char>(c);
+    const unsigned char lower = u | 0x20;
+    return ('a' <= lower && lower <= 'z') || (u >= 0xC0 && u != 0xD7 && u != 0xF7);
+}
+
+char toUpper(char c) {
+    const auto u = static_cast<unsigned char>(c);
+    const bool lower = ('a' <= u && u <= 'z') || (u >= 0xE0 && u <= 0xFE && u != 0xF7);
+    return lower ? static_cast<char>(u - 0x20) : c;
+}
+
+bool equalIgnoringCase(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, toUpper, toUpper);
+}
+
+// ---- lines ----
+
+// Removes blanks outside double quotes.
+void packLine(char* line) {
+    bool quoted = false;
+    char* out = line;
+    for (const char* p = line; *p; ++p) {
+        if (*p == '"') quoted = !quoted;
+        if (quoted || (*p != ' ' && *p != '\t')) *out++ = *p;
+    }
+    *out = '\0';
+}
+
+void resetLine(McFii& f) {
+    f.line[0] = '\0';
+    f.longValue = 0;
+    f.doubleValue = 0;
+    f.error = FII_NONE;
+    f.lineNumber = 0;
+}
+
+const char* lineOf(const McFii& f) {
+    return f.line ? f.line : noLine;
+}
+
+int columnOf(const McFii& f) {
+    return f.line ? static_cast<int>(f.position - f.line) + 1 : 1;
+}
+
+template <typename T>
+void store(T* out, T value) {
+    if (out) *out = value;
+}
+
+}  // namespace
+
+// ---- the reader ----
+
+int mclibFii_open(McFii* f, const char* name, const char* mode) {
+    return mclibFii_openExtended(f, name, mode, "\\", "#", defaultFileBufferSize, defaultLineSize, defaultSeparators);
+}
+
+int mclibFii_openExtended(McFii* f, const char* name, const char* mode, const char* continuation, const char* comment,
+                          int fileBufferSize, int lineSize, const char* separators) {
+    if (!f) return MCLIB_ERROR;
+    *f = {};
+    f->position = noLine;
+    f->lineSize = lineSize;
+    lastSeekPosition = nullptr;
+    const std::string_view between = separators ? separators : defaultSeparators;
+    f->file = mclibFile_openExtended(name, mode, continuation, comment, fileBufferSize);
+    if (!f->file) return MCLIB_ERROR;
+    if (lineSize >= 1 && between.size() < sizeof f->separators)
+        f->line = static_cast<char*>(
+            mclibMem_mallocRscErrorPrintf(static_cast<size_t>(lineSize) + 1, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY));
+    if (!f->line) {
+        mclibFii_close(f);
+        return MCLIB_ERROR;
+    }
+    between.copy(f->separators, between.size());
+    f->position = f->line;
+    resetLine(*f);
+    return MCLIB_SUCCESS;
+}
+
+void mclibFii_close(McFii* f) {
+    if (f->file) mclibFile_close(f->file);
+    dlmSystem_mdlFree(f->line);
+    f->file = nullptr;
+    f->line = nullptr;
+    f->position = noLine;
+}
+
+void mclibFii_rewind(McFii* f) {
+    if (!f->file) return;
+    mclibFile_rewind(f->file);
+    resetLine(*f);
+}
+
+void mclibFii_packOn(McFii* f) {
+    f->pack = 1;
+}
+void mclibFii_packOff(McFii* f) {
+    f->pack = 0;
+}
+void mclibFii_caseSensitiveOn(McFii* f) {
+    f->caseSensitive = 1;
+}
+void mclibFii_caseSensitiveOff(McFii* f) {
+    f->caseSensitive = 0;
+}
+
+int mclibFii_readNewLine(McFii* f) {
+    if (!f->file) return fail(*f, FII_END_OF_FILE);
+    f->position = f->line;
+    const int lines = mclibFile_read(f->line, f->file, f->lineSize);
+    if (lines <= 0) {
+        f->line[0] = '\0';
+        return fail(*f, lines == 0 ? FII_END_OF_FILE : FII_READ_FAILED);
+    }
+    f->lineNumber += lines;
+    if (f->pack)
+        packLine(f->line);
+    else
+        skipSeparators(*f);
+    f->error = FII_NONE;
+    return MCLIB_SUCCESS;
+}
+
+int mclibFii_eol(McFii* f) {
+    skipUnlessPacked(*f);
+    return *f->position == '\0';
+}
+
+int mclibFii_eof(const McFii* f) {
+    return f->error == FII_END_OF_FILE;
+}
+
+// ---- numbers ----
+
+int mclibFii_isLong(McFii* f, const char* delimiters) {
+    return takeNumber(*f, delimiters, wholeNumber, f->longValue, FII_NOT_WHOLE);
+}
+
+int mclibFii_isDouble(McFii* f, const char* delimiters) {
+    return takeNumber(*f, delimiters, number, f->doubleValue, FII_NOT_NUMBER);
+}
+
+int32_t mclibFii_getLong(const McFii* f) {
+    return f->longValue;
+}
+
+double* mclibFii_getDoubleP(McFii* f) {
+    return &f->doubleValue;
+}
+
+int32_t mclibFii_readLong(McFii* f, const char* delimiters) {
+    return mclibFii_isLong(f, delimiters) == MCLIB_SUCCESS ? f->longValue : 0;
+}
+
+double* mclibFii_readDoubleP(McFii* f, const char* delimiters) {
+    static double zero;
+    if (mclibFii_isDouble(f, delimiters) == MCLIB_SUCCESS) return &f->doubleValue;
+    zero = 0.0;
+    return &zero;
+}
+
+int mclibFii_readNumeric(McFii* f, int32_t reserved, ...) {
+    va_list arguments;
+    va_start(arguments, reserved);
+    int status = MCLIB_SUCCESS;
+    for (int count; status == MCLIB_SUCCESS && (count = va_arg(arguments, int)) >= 0;) {
+        const int type = va_arg(arguments, int);
+        if (type == numericDoubles) {
+            double* values = va_arg(arguments, double*);
+            for (int i = 0; i < count; ++i) values[i] = takeDouble(*f);
+        } else if (type == numericWholes) {
+            int* values = va_arg(arguments, int*);
+            for (int i = 0; i < count; ++i) values[i] = takeWhole(*f);
+        } else if (type == numericPairs) {
+            double* first = va_arg(arguments, double*);
+            double* second = va_arg(arguments, double*);
+            for (int i = 0; i < count; ++i) {
+                first[i] = takeDouble(*f);
+                second[i] = takeDouble(*f);
+            }
+        } else {
+            toolSubsystem_printf("Error from mclibFii_readNumeric\nUnknown type\n");
+            status = MCLIB_ERROR;
+        }
+    }
+    va_end(arguments);
+    return status;
+}
+
+// ---- texts ----
+
+char mclibFii_readChar(McFii* f) {
+    skipUnlessPacked(*f);
+    if (*f->position == '\0') return ' ';
+    const char c = *f->position++;
+    if (!isLetter(c)) f->error = FII_NOT_LETTER;
+    return c;
+}
+
+char* mclibFii_readText(McFii* f, char* dest) {
+    const Delimiters separators(f->separators);
+    if (!f->pack) f->position = separators.run.past(f->position);
+    return takeToken(*f, separators, dest);
+}
+
+char* mclibFii_readString(McFii* f, const char* quote, char* dest) {
+    dest[0] = '\0';
+    skipUnlessPacked(*f);
+    if (mclibFii_isText(f, quote) != MCLIB_SUCCESS) return nullptr;
+    takeToken(*f, Delimiters(quote), dest);
+    skipSeparators(*f);
+    return dest;
+}
+
+char* mclibFii_readSubString(McFii* f, const char* delimiters, char* dest) {
+    skipUnlessPacked(*f);
+    takeToken(*f, Delimiters(delimiters), dest);
+    skipSeparators(*f);
+    return dest;
+}
+
+int mclibFii_getLine(McFii* f, char* dest) {
+    skipUnlessPacked(*f);
+    std::strcpy(dest, f->position);
+    return 0;
+}
+
+// ---- keywords ----
+
+int mclibFii_seekText(McFii* f, const char* text) {
+    if (f->position != lastSeekPosition) skipSeparators(*f);
+    lastSeekPosition = f->position;
+    const std::string_view wanted(text);
+    const std::string_view found(f->position, ::strnlen(f->position, wanted.size()));
+    if (f->caseSensitive) return found == wanted ? MCLIB_SUCCESS : MCLIB_ERROR;
+    if (wanted.size() >= sizeof f->word) return MCLIB_ERROR;
+    std::ranges::transform(copyCut(f->word, found), f->word, toUpper);
+    return equalIgnoringCase(f->word, wanted) ? MCLIB_SUCCESS : MCLIB_ERROR;
+}
+
+int mclibFii_isText(McFii* f, const char* text) {
+    if (mclibFii_seekText(f, text) != MCLIB_SUCCESS) return MCLIB_ERROR;
+    f->position += std::strlen(text);
+    return MCLIB_SUCCESS;
+}
+
+// ---- error reports ----
+
+int mclibFii_reportErr(McFii* f, int* code, int* lineNumber, int* column, char* text) {
+    if (f->error == FII_NONE) return MCLIB_ERROR;
+    store(code, f->error);
+    store(lineNumber, f->lineNumber);
+    store(column, columnOf(*f));
+    if (text) copyCut(text, lineOf(*f));
+    f->error = FII_NONE;
+    return MCLIB_SUCCESS;
+}
+
+int mclibFii_formatErr(const McFii* f, int* code, char* text) {
+    if (f->error == FII_NONE) return MCLIB_ERROR;
+    store(code, f->error);
+    mclibFii_makeErr(f, text);
+    return MCLIB_SUCCESS;
+}
+
+char* mclibFii_makeErr(const McFii* f, char* text) {
+    std::sprintf(text, "(%d) %s", f->lineNumber, lineOf(*f));
+    return text;
+}
+
+char* mclibFii_makeErr2(const McFii* f, char* text, int textSize) {
+    const std::string_view line = lineOf(*f);
+    const auto column = static_cast<size_t>(columnOf(*f));
+    if (textSize < 0 || static_cast<size_t>(textSize) < line.size() + column + 2) {
+        if (textSize > 0) text[0] = '\0';
+        return nullptr;
+    }
+    char* p = text + line.copy(text, line.size());
+    *p++ = '\n';
+    p = std::fill_n(p, column - 1, ' ');
+    *p++ = '^';
+    *p = '\0';
+    return text;
+}
+
+char* mclibFii_shrinkString(char*, char* result) {
+    toolSubsystem_printf("mclibFii_shrinkString is dummy\n");
+    return result;
+}
