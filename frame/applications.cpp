@@ -140,12 +140,12 @@ void mclibMain_setScaleFunction(void (*f)(double oldScale, double newScale)) {
 }
 
 void mclibMain_updateBeforeDialogOpen(int dialogId) {
-    GlobalData* current = findGlobalData();
+    const MdlDesc* current = mdlSystem_getCurrMdlDesc();
     for (int32_t i = 0; i < table.slotCount; ++i) {
         const ApplicationSlot slot = table.slots[i];
         if (isEmpty(slot) || !isLive(slot)) continue;
-        if (slot.globalData == current)
-            mgdP = current;
+        if (slot.mdlDesc == current)
+            mgdP = slot.globalData;
         else if (MdlDialog* dialog = mdlDialog_findByTypeAndId(MDL_DIALOG_BOX, dialogId, slot.mdlDesc))
             mdlWindow_close(dialog, 0, 1);
     }

@@ -70,7 +70,8 @@ MCLIB_EXPORT int mclibUtil_openUserPrefFile(int32_t *handleP, int mode);
 /* Shows a file or an address in the browser; a failed browser shows a message. MCLIB_SUCCESS or MCLIB_ERROR. */
 MCLIB_EXPORT int mclibWeb_openFile(const char *path);
 MCLIB_EXPORT int mclibWeb_openUrl(const char *url);
-/* The application's manual in the language in use, below MC_LOCAL or MC_DIR; nothing happens when it isn't there. */
+/* The application's manual in the language in use, below MC_LOCAL or MC_DIR; MCLIB_ERROR, and nothing happens, when it
+ * isn't there. */
 MCLIB_EXPORT int mclibWeb_openApplHelp(void);
 MCLIB_EXPORT int mclibWeb_openApplChmHelp(void);
 
