@@ -1,11 +1,8 @@
 # Resource files are compiled from text sources by mcrsc. mclib.rsc lies beside the programs and applications.
-file(GLOB MCRSC_MAIN CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/host/mcrsc.cpp)
 file(GLOB MCLIB_RESOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/resources/*.toml)
-if(MCRSC_MAIN)
-  add_executable(mcrsc ${PROJECT_SOURCE_DIR}/host/mcrsc.cpp)
-  target_link_libraries(mcrsc PRIVATE mchost)
-  set(MCLIB_RSC ${CMAKE_BINARY_DIR}/lib/mclib.rsc)
-  add_custom_command(OUTPUT ${MCLIB_RSC} COMMAND mcrsc -o ${MCLIB_RSC} ${MCLIB_RESOURCES}
-                     DEPENDS mcrsc ${MCLIB_RESOURCES} VERBATIM)
-  add_custom_target(mclib-resources ALL DEPENDS ${MCLIB_RSC})
-endif()
+add_executable(mcrsc ${PROJECT_SOURCE_DIR}/host/mcrsc.cpp)
+target_link_libraries(mcrsc PRIVATE mchost CLI11::CLI11)
+set(MCLIB_RSC ${CMAKE_BINARY_DIR}/lib/mclib.rsc)
+add_custom_command(OUTPUT ${MCLIB_RSC} COMMAND mcrsc -o ${MCLIB_RSC} ${MCLIB_RESOURCES}
+                   DEPENDS mcrsc ${MCLIB_RESOURCES} VERBATIM)
+add_custom_target(mclib-resources ALL DEPENDS ${MCLIB_RSC})

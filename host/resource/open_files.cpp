@@ -1,0 +1,177 @@
+#include "host/resource/open_files.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <vector>
+
+#include "host/mdl/files.h"
+#include "host/mdl/resource.h"
+#include "host/mdl/system.h"
+#include "host/session/guard.h"
+#include "host/session/session.h"
+
+namespace host {
+
+namespace {
+
+using SharedContents = std::shared_ptr<const ResourceContents>;
+
+// Tells one state of one file from all others.
+struct FileStamp {
+    dev_t device;
+    ino_t inode;
+    off_t size;
+    time_t seconds;
+    long nanoseconds;
+    bool operator==(const FileStamp&) const = default;
+};
+
+struct OpenFile {
+    RscHandle handle;
+    MdlDesc* owner;  // null: opened outside any application
+    FileStamp stamp;
+    SharedContents contents;
+};
+
+// Lives for the process; each application's files leave it when they are closed or the application ends.
+struct OpenFiles {
+    std::vector<OpenFile> files;  // in order of opening
+    RscHandle lastHandle = 0;
+};
+OpenFiles& openFiles() {
+    static OpenFiles state;
+    return state;
+}
+
+void closeFilesOf(MdlDesc* desc) {
+    std::erase_if(openFiles().files, [desc](const OpenFile& file) { return file.owner == desc; });
+}
+
+void watchApplications() {
+    static const bool watching = (observeApplicationEnd(closeFilesOf), true);
+    (void)watching;
+}
+
+std::optional<FileStamp> stampOf(const std::string& path) {
+    struct stat info;
+    if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
+    return FileStamp{info.st_dev, info.st_ino, info.st_size, info.st_mtim.tv_sec, info.st_mtim.tv_nsec};
+}
+
+// A file that some application has open is read once.
+SharedContents contentsOf(const std::string& path, const FileStamp& stamp) {
+    for (const OpenFile& file : openFiles().files)
+        if (file.stamp == stamp) return file.contents;
+    return std::make_shared<const ResourceContents>(readContainer(path));
+}
+
+std::string variable(const char* name) {
+    char value[4096];
+    return mdlSystem_getCfgVar(value, name, sizeof value) == MDL_SUCCESS ? value : std::string();
+}
+
+// Empty when the current application has no file of its own.
+std::string ownFile() {
+    const std::string module = modulePath(mdlSystem_getCurrMdlDesc());
+    if (!module.empty()) {
+        const std::string beside = std::filesystem::path(module).replace_extension(".rsc").string();
+        if (stampOf(beside)) return beside;
+    }
+    return variable("MS_APPRSC");
+}
+
+std::string systemPathOf(const char* name) {
+    char found[256];
+    return mdlFile_find(found, name, nullptr, "rsc") == MDL_SUCCESS ? found : std::string();
+}
+
+RscHandle openFile(const std::string& path, int mode) {
+    const std::optional<FileStamp> stamp = stampOf(path);
+    if (!stamp || (mode == MDL_RSC_WRITE && access(path.c_str(), W_OK) != 0)) return 0;
+    SharedContents contents = contentsOf(path, *stamp);
+    watchApplications();
+    const RscHandle handle = openFiles().lastHandle + 1;
+    openFiles().files.push_back({handle, mdlSystem_getCurrMdlDesc(), *stamp, std::move(contents)});
+    return openFiles().lastHandle = handle;
+}
+
+// Calls `look` for the file of that handle, or for all in order of search, until it gives something.
+template <class Look>
+auto search(RscHandle handle, Look look) -> decltype(look(std::declval<const OpenFile&>())) {
+    const auto& files = openFiles().files;
+    if (handle != 0) {
+        const auto file = std::ranges::find(files, handle, &OpenFile::handle);
+        return file == files.end() ? nullptr : look(*file);
+    }
+    MdlDesc* const current = mdlSystem_getCurrMdlDesc();
+    for (const bool own : {true, false})
+        for (auto file = files.rbegin(); file != files.rend(); ++file)
+            if ((file->owner == current) == own)
+                if (auto found = look(*file)) return found;
+    return nullptr;
+}
+
+// What `part` of a file holds under `key`.
+template <class Value, class Key>
+std::shared_ptr<const Value> find(RscHandle handle, const std::map<Key, Value> ResourceContents::*part,
+                                  const Key& key) {
+    return search(handle, [&](const OpenFile& file) -> std::shared_ptr<const Value> {
+        const auto& values = (*file.contents).*part;
+        const auto found = values.find(key);
+        if (found == values.end()) return nullptr;
+        return std::shared_ptr<const Value>(file.contents, &found->second);
+    });
+}
+
+}  // namespace
+
+std::string currentLanguage() {
+    std::string language = variable("MS_LANGUAGE");
+    for (char& c : language)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    return language.empty() ? std::string(fallbackLanguage) : language;
+}
+
+std::shared_ptr<const DialogLayout> findDialogLayout(RscHandle file, int32_t dialogId) {
+    return find(file, &ResourceContents::dialogs, dialogId);
+}
+
+std::shared_ptr<const Icon> findIcon(RscHandle file, int32_t iconId) {
+    return find(file, &ResourceContents::icons, iconId);
+}
+
+}  // namespace host
+
+int mdlResource_openFile(RscHandle* handleP, const char* name, int mode) {
+    if (handleP) *handleP = 0;
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        if (mode != MDL_RSC_READ && mode != MDL_RSC_WRITE) return MDL_ERROR;
+        const std::string path = name ? host::systemPathOf(name) : host::ownFile();
+        const RscHandle handle = path.empty() ? 0 : host::openFile(path, mode);
+        if (handleP) *handleP = handle;
+        return handle == 0 ? MDL_ERROR : MDL_SUCCESS;
+    });
+}
+
+int mdlResource_closeFile(RscHandle handle) {
+    const auto closed =
+        std::erase_if(host::openFiles().files, [handle](const host::OpenFile& file) { return file.handle == handle; });
+    return closed ? MDL_SUCCESS : MDL_ERROR;
+}
+
+int mdlResource_loadFromStringList(char* buffer, RscHandle rscFile, int32_t listId, int32_t messageId) {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto texts = host::find(rscFile, &host::ResourceContents::strings, std::pair(listId, messageId));
+        const std::string* text = texts ? texts->in(host::currentLanguage()) : nullptr;
+        if (!buffer || !text) return MDL_ERROR;
+        const size_t size = std::min(text->size(), host::longestString);
+        std::memcpy(buffer, text->data(), size);
+        buffer[size] = '\0';
+        return MDL_SUCCESS;
+    });
+}

@@ -1,0 +1,20 @@
+// The resource files that are open, for the other rooms of the host. A handle 0 stands for all of them: those of the
+// current application first, the last opened first.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "host/mdl/types.h"
+#include "host/resource/container.h"
+
+namespace host {
+
+// The language of MS_LANGUAGE in small letters; the fallback when it isn't defined.
+std::string currentLanguage();
+
+// What such a file holds under the id, kept alive with its file; null when there is none.
+std::shared_ptr<const DialogLayout> findDialogLayout(RscHandle file, int32_t dialogId);
+std::shared_ptr<const Icon> findIcon(RscHandle file, int32_t iconId);
+
+}  // namespace host
