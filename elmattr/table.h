@@ -35,13 +35,13 @@ namespace elmattr {
 // The first record of that id; null when there is none.
 ElmAttrRecord* findRecord(const GlobalData& gd, int id);
 
-// Swap the record with its neighbour in the list, whatever that one's group; nothing happens to the first or last record
-// of its group. The dialog is brought up to date. MCLIB_ERROR for an unknown id.
+// Swap the record with its neighbour in the list, whatever that one's group; nothing happens to the first or last
+// record of its group. The dialog is brought up to date. MCLIB_ERROR for an unknown id.
 int moveUp(GlobalData& gd, int id);
 int moveDown(GlobalData& gd, int id);
 
-// The rows of the group's attributes for the dialog's list box: attributeRowCells members each, the id in info field 1 of
-// the first. Raises nextAttributeId above every id met. The caller owns the list; null when out of memory.
+// The rows of the group's attributes for the dialog's list box: attributeRowCells members each, the id in info field 1
+// of the first. Raises nextAttributeId above every id met. The caller owns the list; null when out of memory.
 StringList* createRows(GlobalData& gd, int group);
 // Sets the cells behind the label of a row.
 void setRow(StringList* list, int row, const ElmAttrRecord& record);

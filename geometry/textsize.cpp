@@ -1,0 +1,57 @@
+// The size of a text, by building it.
+#include "geometry/textsize.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "frame/util.h"
+#include "geometry/builders.h"
+#include "host/mdl/element.h"
+#include "host/mdl/text.h"
+
+namespace {
+
+constexpr size_t maxText = 512;
+using TextBuffer = std::array<char, maxText + 1>;
+
+struct Extent {
+    double width = 0.0, height = 0.0;
+};
+
+// Builds a line in *dgnBufP and measures it.
+Extent measureLine(const char* line, double scale, int attrId) {
+    dgnBufP->head = {};
+    mclibElement_createText(nullptr, line, scale, nullptr, attrId, nullptr);
+    Point3d box[5];
+    if (mdlText_extractShape(box, nullptr, dgnBufP, 0, 0) != MDL_SUCCESS) return {};
+    return {box[1].x - box[0].x, box[2].y - box[1].y};
+}
+
+}  // namespace
+
+void mclibUtil_extractTextSize(const char* text, double scale, int attrId, double lineSpacing, double* widthP,
+                               double* lineHeightP, double* totalHeightP, void* justP) {
+    TextBuffer line{}, rest{};
+    std::memcpy(line.data(), text, strnlen(text, maxText));
+    double width = 0.0, height = 0.0;
+    int lines = 0;
+    bool more = true;
+    while (more) {
+        more = mclibUtil_splitText(line.data(), rest.data()) != 0;
+        const Extent extent = measureLine(line.data(), scale, attrId);
+        width = std::max(width, extent.width);
+        height = extent.height;
+        ++lines;
+        line = rest;
+    }
+    if (widthP != nullptr) *widthP = width;
+    if (lineHeightP != nullptr) {
+        *lineHeightP = height;
+        if (totalHeightP != nullptr) *totalHeightP = (lines - 1) * lineSpacing + lines * height;
+    }
+    if (justP != nullptr) {
+        mdlText_extract(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, static_cast<int32_t*>(justP),
+                        nullptr, nullptr, dgnBufP);
+    }
+}
