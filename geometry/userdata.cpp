@@ -18,8 +18,13 @@ namespace {
 
 constexpr size_t keysAt = sizeof(LinkageHeader);
 constexpr size_t dataAt = keysAt + 2 * sizeof(int16_t);
-constexpr size_t maxLinkageBytes = 8192;
-constexpr size_t workBytes = dataAt + MCLIB_MAX_USER_DATA;  // a little more than the longest linkage
+
+// Length of the linkage that holds so many bytes of data, in words: a multiple of 4.
+constexpr uint32_t linkageWords(uint32_t size) {
+    return ((size + 1) / 2 + 7) / 4 * 4;
+}
+constexpr size_t maxLinkageBytes = 2 * linkageWords(MCLIB_MAX_USER_DATA);
+static_assert(maxLinkageBytes == 8200);
 
 struct Keys {
     int16_t key1, key2;
@@ -111,9 +116,9 @@ int mclibAttrib_appendElementUserData(short key1, short key2, MSElementBuffer* e
         toolSubsystem_printf("Userdata er for stor. buffersize=%d\n", static_cast<int>(size));
         return MCLIB_ERROR;
     }
-    alignas(LinkageHeader) std::array<uint8_t, workBytes> block{};
+    alignas(LinkageHeader) std::array<uint8_t, maxLinkageBytes> block{};
     LinkageHeader header = {MDL_LINKAGE_USER, MCLIB_USER_DATA_ID};
-    mdlLinkage_setWords(&header, ((size + 1) / 2 + 7) / 4 * 4);
+    mdlLinkage_setWords(&header, linkageWords(size));
     const Keys keys = {key1, key2};
     std::memcpy(&block[keysAt], &keys, sizeof keys);
     if (size > 0) std::memcpy(&block[dataAt], data, size);

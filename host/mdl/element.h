@@ -143,14 +143,15 @@ typedef struct LinkageHeader {
 } LinkageHeader;
 enum { MDL_LINKAGE_USER = 0x1000 }; /* user-data flag of the header word; also allows lengths over 255 words */
 
-/* Length in 16-bit words, header included, a multiple of 4, at most 4096. */
+enum { MDL_MAX_LINKAGE_WORDS = 4100 };
+/* Length in 16-bit words, header included, a multiple of 4, at most MDL_MAX_LINKAGE_WORDS. */
 MDL_EXPORT void mdlLinkage_setWords(LinkageHeader *header, uint32_t words);
 MDL_EXPORT uint32_t mdlLinkage_getWords(const LinkageHeader *header);
 /* Appends a linkage: the header, then the data behind it (words * 2 - 4 bytes). The last two arguments are 0. MDL_ERROR
  * when it doesn't fit the element. */
 MDL_EXPORT int mdlLinkage_appendToElement(MSElementBuffer *element, const LinkageHeader *header, const void *data,
                                           int32_t reserved1, int32_t reserved2);
-/* Copies the first user linkage with that primary id, header included, to `linkage` (8192 bytes, null for a test).
+/* Copies the first user linkage with that primary id, header included, to `linkage` (8200 bytes, null for a test).
  * The pointers: skip function and its argument, words found, offset found; the library gives 0. MDL_ERROR when there is
  * none. */
 MDL_EXPORT int mdlLinkage_extractFromElement(void *linkage, const MSElementBuffer *element, uint16_t primaryId,
