@@ -75,6 +75,11 @@ McFile* endOfChain(McFile* f) {
     return f;
 }
 
+McFile* topOfChain(McFile* f) {
+    while (f->parent) f = f->parent;
+    return f;
+}
+
 // Where an include's file lies: by its expanded name, as it stands, or beside the file that includes it.
 void includePath(char (&path)[256], const McFile& parent, const char* name) {
     char* expanded = mdlSystem_expandCfgVar(name);
@@ -92,7 +97,9 @@ bool openInclude(McFile& parent, const char* name, bool mustExist) {
     includePath(path, parent, name);
     McFile* f = openStream(path, MDL_TEXT_READ);
     if (!f) {
-        if (mustExist) cannotOpenFile(*path ? path : name);
+        if (!mustExist) return false;
+        cannotOpenFile(*path ? path : name);
+        ++topOfChain(&parent)->lostIncludes;
         return false;
     }
     f->isInclude = 1;
@@ -141,6 +148,7 @@ bool nextPiece(McFile* f, bool begins, Piece& piece) {
             mclibFile_close(reader);
             continue;
         }
+        if (begins) ++reader->lineNumber;
         const auto length = static_cast<size_t>(mdlTextFile_lastLength(reader->stream));
         piece.ended = length > 0 && piece.text[length - 1] == '\n';
         piece.length = piece.ended ? length - 1 : length;
@@ -298,6 +306,7 @@ int mclibFile_close(McFile* f) {
 void mclibFile_rewind(McFile* f) {
     if (f->child) mclibFile_close(f->child);
     mdlTextFile_rewind(f->stream);
+    f->lineNumber = f->lostIncludes = 0;
 }
 
 char* mclibFile_fgets(char*, int, McFile* f) {

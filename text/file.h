@@ -21,6 +21,8 @@ typedef struct McFile {
     char name[256];        /* as opened */
     struct McFile *child;  /* the include that is being read, or null */
     struct McFile *parent; /* the file with the include line, or null */
+    int32_t lineNumber;    /* physical lines begun in this file itself */
+    int32_t lostIncludes;  /* top file: include lines, here and below, whose file couldn't be opened */
 } McFile;
 
 /* Opens a file with the default characters and buffer. mode is exactly "w", "a" or "r". Null, with a message, for
