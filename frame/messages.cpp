@@ -204,6 +204,7 @@ void* mclibMem_reallocRscErrorPrintf(void* p, size_t oldSize, size_t newSize, in
 
 char* mclibUtil_getLanguageText(int n) {
     static char text[messageFormatSize];
+    text[0] = '\0';  // what it stays when there is no such text
     mdlOutput_rscsPrintf(text, 0, MCLIB_LANGUAGE_TEXTS, n);
     return text;
 }
