@@ -10,12 +10,11 @@
 #include <utility>
 #include <vector>
 
+#include "host/export.h"
 #include "host/front/front_end.h"
 #include "host/mdl/types.h"
 
 namespace host {
-
-#define HOST_EXPORT __attribute__((visibility("default")))
 
 struct SessionOptions {
     std::unique_ptr<FrontEnd> frontEnd;  // null: lines to the standard streams, and nobody answers
@@ -33,20 +32,28 @@ class HOST_EXPORT Session {
     static Session* current();  // null when there is none
 
     // Starts an application that lies in this process: gives it a descriptor and a process number and runs `main` with
-    // argv[0] = argv0 (the task name when empty), argv[1] = listName and the further arguments.
+    // argv[0] = argv0 (the task name when empty), argv[1] = listName and the further arguments. Null when the
+    // application has ended by the time that `main` is over. What `main` returns goes to exitStatus; the application
+    // stays.
     MdlDesc* startApplication(std::string_view taskName, MainFunction main, std::string_view listName = "USER",
                               const std::vector<std::string>& arguments = {}, std::string_view argv0 = {});
     // Loads a shared object and starts its `main`. Null, with one line in the message centre, when it can't be loaded.
     MdlDesc* loadApplication(const std::string& path, std::string_view taskName, std::string_view listName = "USER",
                              const std::vector<std::string>& arguments = {});
-    void endApplication(MdlDesc* desc);  // its process number is never given again
-    int exitStatus() const;              // what main functions and mdlSystem_exit left behind; 0 when all went well
+    // Ends an application, or, while a call into it hasn't come back, as soon as it has. Its process number is never
+    // given again.
+    void endApplication(MdlDesc* desc);
+    // The first non-zero value that a main function or mdlSystem_exit left behind, or 1 when a finished command
+    // couldn't be stored; 0 when all went well.
+    int exitStatus() const;
 
     // The front end; never null.
     FrontEnd& frontEnd();
 
     // Turns the clock by hand: from the first call on time stands still between calls. Timers that fall due run.
     void advanceTicks(int32_t ticks);
+    // Runs the timers that are due by now. Whoever waits for events calls it now and then.
+    void runDueTimers();
 
     struct State;
     State& state();
@@ -55,7 +62,9 @@ class HOST_EXPORT Session {
     std::unique_ptr<State> state_;
 };
 
-// Makes an application the current one for as long as this stands.
+// A call of the host into an application: makes it the current one for as long as this stands; null keeps the one that
+// is current. With the end of the outermost call the command is finished: applications that asked for it are ended, and
+// what was changed in the design file is stored.
 class HOST_EXPORT ApplicationScope {
   public:
     explicit ApplicationScope(MdlDesc* desc);
@@ -65,6 +74,7 @@ class HOST_EXPORT ApplicationScope {
 
   private:
     MdlDesc* before_;
+    MdlDesc* entered_;
 };
 
 // Full path of the module that the application was loaded from; empty for one that lies in this process, and for null.
@@ -73,5 +83,13 @@ HOST_EXPORT std::string modulePath(MdlDesc* desc);
 // Has `observer` called, as the current application, for each application that ends, while its code is still loaded: a
 // room then lets go of what it keeps for it. Observers stay for the life of the process and are told once each.
 HOST_EXPORT void observeApplicationEnd(void (*observer)(MdlDesc* desc));
+
+// The same for the end of a session, when all applications have ended: the design file is closed then. The session
+// still stands and can show messages; the observer told last is called first.
+HOST_EXPORT void observeSessionEnd(void (*observer)());
+
+// Calls the new-design-file functions of all applications: state 0 before the open file is closed, 1 when the new one
+// is open.
+HOST_EXPORT void fireNewDesignFile(const char* name, int state);
 
 }  // namespace host

@@ -1,0 +1,121 @@
+#include "host/session/memory.h"
+
+#include <dlfcn.h>
+#include <malloc.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <mutex>
+
+#include "host/mdl/system.h"
+
+namespace host {
+
+namespace {
+
+std::atomic<size_t> blocksInUse{0};
+std::atomic<size_t> bytesInUse{0};
+std::atomic<int> callsUntilFailure{0};  // 0: none fails; 1: every one does
+
+bool failsNow() {
+    int left = callsUntilFailure.load(std::memory_order_relaxed);
+    if (left == 0) return false;
+    if (left > 1) callsUntilFailure.store(left - 1, std::memory_order_relaxed);
+    return left == 1;
+}
+
+// Who took which block, while MCHOST_TRACE_MEMORY is set.
+class Trace {
+  public:
+    static Trace* active() {
+        static Trace* const trace = std::getenv("MCHOST_TRACE_MEMORY") == nullptr ? nullptr : start();
+        return trace;
+    }
+    void add(void* block, void* caller) {
+        const std::lock_guard lock(mutex_);
+        callers_[block] = caller;
+    }
+    void remove(void* block) {
+        const std::lock_guard lock(mutex_);
+        callers_.erase(block);
+    }
+
+  private:
+    static Trace* start() {
+        static Trace trace;
+        std::atexit([] { trace.report(); });
+        return &trace;
+    }
+    void report() {
+        const std::lock_guard lock(mutex_);
+        for (const auto& [block, caller] : callers_) {
+            Dl_info info{};
+            const bool known = dladdr(caller, &info) != 0;
+            const char* file = known && info.dli_fname != nullptr ? info.dli_fname : "?";
+            const size_t offset =
+                known ? static_cast<size_t>(static_cast<char*>(caller) - static_cast<char*>(info.dli_fbase)) : 0;
+            std::fprintf(stderr, "not freed: %zu bytes taken by %s (%s+0x%zx)\n", malloc_usable_size(block),
+                         known && info.dli_sname != nullptr ? info.dli_sname : "?", file, offset);
+        }
+    }
+    std::mutex mutex_;
+    std::map<void*, void*> callers_;
+};
+
+void count(void* block, void* caller) {
+    blocksInUse.fetch_add(1, std::memory_order_relaxed);
+    bytesInUse.fetch_add(malloc_usable_size(block), std::memory_order_relaxed);
+    if (Trace* trace = Trace::active()) trace->add(block, caller);
+}
+
+void uncount(void* block) {
+    blocksInUse.fetch_sub(1, std::memory_order_relaxed);
+    bytesInUse.fetch_sub(malloc_usable_size(block), std::memory_order_relaxed);
+    if (Trace* trace = Trace::active()) trace->remove(block);
+}
+
+}  // namespace
+
+MemoryUse memoryUse() {
+    return {blocksInUse.load(), bytesInUse.load()};
+}
+
+void failMemoryFrom(int call) {
+    callsUntilFailure.store(call);
+}
+
+}  // namespace host
+
+using namespace host;
+
+void* dlmSystem_mdlMalloc(size_t size) {
+    void* block = failsNow() ? nullptr : std::malloc(size == 0 ? 1 : size);
+    if (block != nullptr) count(block, __builtin_return_address(0));
+    return block;
+}
+
+void* dlmSystem_mdlRealloc(void* block, size_t size) {
+    if (failsNow()) return nullptr;
+    const size_t before = block == nullptr ? 0 : malloc_usable_size(block);
+    if (block != nullptr && Trace::active() != nullptr) Trace::active()->remove(block);
+    void* grown = std::realloc(block, size == 0 ? 1 : size);
+    void* const caller = __builtin_return_address(0);
+    if (grown == nullptr) {
+        if (block != nullptr && Trace::active() != nullptr) Trace::active()->add(block, caller);
+        return nullptr;
+    }
+    if (block != nullptr) {
+        blocksInUse.fetch_sub(1, std::memory_order_relaxed);
+        bytesInUse.fetch_sub(before, std::memory_order_relaxed);
+    }
+    count(grown, caller);
+    return grown;
+}
+
+void dlmSystem_mdlFree(void* block) {
+    if (block == nullptr) return;
+    uncount(block);
+    std::free(block);
+}

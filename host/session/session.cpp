@@ -1,0 +1,106 @@
+#include "host/session/session.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <stdexcept>
+
+#include "host/mdl/model.h"
+#include "host/session/applications.h"
+#include "host/session/guard.h"
+#include "host/session/state.h"
+
+#pragma weak mdlModelRef_getActive
+#pragma weak mdlSystem_saveDesignFile
+
+namespace host {
+
+Session::State* activeState = nullptr;
+MdlDesc* currentApplication = nullptr;
+
+namespace {
+
+Session* activeSession = nullptr;
+
+// Lines to the standard streams; nobody answers.
+class PlainFrontEnd : public FrontEnd {
+  public:
+    void console(std::string_view text) override { std::fwrite(text.data(), 1, text.size(), stdout); }
+    void messageField(int, std::string_view) override {}
+    void messageCenter(int, std::string_view brief, std::string_view details) override {
+        std::fprintf(stderr, "%.*s%s%.*s\n", static_cast<int>(brief.size()), brief.data(), details.empty() ? "" : ": ",
+                     static_cast<int>(details.size()), details.data());
+    }
+    bool runModal(Dialog&) override { return false; }
+};
+
+std::vector<void (*)()>& sessionEndObservers() {
+    static std::vector<void (*)()> observers;
+    return observers;
+}
+
+// Stores what the command that is now finished changed.
+void finishCommand(Session::State& state) {
+    if (&mdlModelRef_getActive == nullptr || mdlModelRef_getActive() == nullptr) return;
+    if (mdlSystem_saveDesignFile() != MDL_SUCCESS && state.exitStatus == 0) state.exitStatus = 1;
+}
+
+}  // namespace
+
+Session::Session(SessionOptions options) : state_(std::make_unique<State>()) {
+    if (activeSession != nullptr) throw std::logic_error("a session is running already in this process");
+    state_->frontEnd = options.frontEnd ? std::move(options.frontEnd) : std::make_unique<PlainFrontEnd>();
+    for (const auto& [name, value] : options.variables)
+        state_->variables.define(name, value, Variables::levelCount - 1);
+    activeSession = this;
+    activeState = state_.get();
+    startClock();
+    resetParameters();
+}
+
+Session::~Session() {
+    for (size_t i = state_->applications.size(); i-- > 0;) endApplication(state_->applications[i].get());
+    finishCommand(*state_);
+    auto& observers = sessionEndObservers();
+    for (size_t i = observers.size(); i-- > 0;) observers[i]();
+    resetParameters();
+    currentApplication = nullptr;
+    activeSession = nullptr;
+    activeState = nullptr;
+}
+
+Session* Session::current() {
+    return activeSession;
+}
+
+int Session::exitStatus() const {
+    return state_->exitStatus;
+}
+
+FrontEnd& Session::frontEnd() {
+    return *state_->frontEnd;
+}
+
+Session::State& Session::state() {
+    return *state_;
+}
+
+void observeSessionEnd(void (*observer)()) {
+    sessionEndObservers().push_back(observer);
+}
+
+ApplicationScope::ApplicationScope(MdlDesc* desc) : before_(currentApplication), entered_(desc) {
+    if (activeState != nullptr) ++activeState->depth;
+    if (desc == nullptr) return;
+    ++desc->depth;
+    currentApplication = desc;
+}
+
+ApplicationScope::~ApplicationScope() {
+    currentApplication = before_;
+    if (activeState == nullptr) return;
+    if (entered_ != nullptr && --entered_->depth == 0 && entered_->ending) finishApplication(*entered_);
+    if (activeState->depth == 1) guarded<int>(0, [] { return finishCommand(*activeState), 0; });
+    --activeState->depth;
+}
+
+}  // namespace host

@@ -1,0 +1,119 @@
+// Finding files along search paths, and taking names apart and putting them together.
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+
+#include "host/mdl/files.h"
+#include "host/session/guard.h"
+#include "host/session/state.h"
+#include "host/system/paths.h"
+
+namespace host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The full host name of a file that is there; a folder isn't a file.
+std::optional<std::string> fullNameOfFile(const std::string& name) {
+    const fs::path path = systemPath(name);
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (!fs::exists(status) || fs::is_directory(status)) return std::nullopt;
+    if (path.is_absolute()) return name;
+    return hostName(fs::absolute(path, error).lexically_normal().string());
+}
+
+std::optional<std::string> findWithExtension(const std::string& name, std::string_view extension) {
+    if (auto found = fullNameOfFile(name)) return found;
+    if (extension.empty() || !partsOf(name).extension.empty()) return std::nullopt;
+    return fullNameOfFile(name + (extension.starts_with('.') ? "" : ".") + std::string(extension));
+}
+
+std::string inFolder(std::string folder, std::string_view name) {
+    if (!folder.ends_with('/') && !folder.ends_with('\\')) folder += '/';
+    return folder.append(name);
+}
+
+bool isAbsolute(std::string_view name) {
+    const NameParts parts = partsOf(name);
+    return !parts.device.empty() || parts.directory.starts_with('/') || parts.directory.starts_with('\\');
+}
+
+std::optional<std::string> findAlong(const std::string& name, const char* searchVariable, std::string_view extension) {
+    if (name.empty()) return std::nullopt;
+    if (auto found = findWithExtension(name, extension)) return found;
+    if (searchVariable == nullptr || isAbsolute(name)) return std::nullopt;
+    const std::string folders = variables().expandedValue(searchVariable).value_or("");
+    for (std::string_view left = folders; !left.empty();) {
+        const std::string_view folder = left.substr(0, left.find(';'));
+        left.remove_prefix(std::min(left.size(), folder.size() + 1));
+        if (folder.empty()) continue;
+        if (auto found = findWithExtension(inFolder(std::string(folder), name), extension)) return found;
+    }
+    return std::nullopt;
+}
+
+void copyPart(char* buffer, std::string_view part) {
+    if (buffer == nullptr) return;
+    std::memcpy(buffer, part.data(), part.size());
+    buffer[part.size()] = '\0';
+}
+
+std::string_view textOf(const char* part) {
+    return part == nullptr ? std::string_view() : part;
+}
+
+std::string builtName(std::string_view device, std::string_view directory, std::string_view name,
+                      std::string_view extension) {
+    std::string path(device);
+    if (!device.empty() && !device.ends_with(':')) path += ':';
+    path += directory;
+    const bool followed = !name.empty() || !extension.empty();
+    if (!directory.empty() && followed && !directory.ends_with('/') && !directory.ends_with('\\')) {
+        path += path.find('/') != std::string::npos ? '/' : '\\';
+    }
+    path += name;
+    if (extension.empty()) return path;
+    return path.append(extension.starts_with('.') ? "" : ".").append(extension);
+}
+
+}  // namespace
+
+}  // namespace host
+
+using namespace host;
+
+int mdlFile_find(char* result, const char* name, const char* searchVariable, const char* defaultExtension) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        if (name == nullptr) return MDL_ERROR;
+        const std::optional<std::string> found = findAlong(name, searchVariable, textOf(defaultExtension));
+        if (!found || found->size() > longestHostName) return MDL_ERROR;
+        copyPart(result, *found);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlFile_parseName(const char* path, char* device, char* directory, char* name, char* extension) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const std::string copy(textOf(path));  // a buffer may be the path's own
+        const bool good = path != nullptr && copy.size() <= longestHostName;
+        const NameParts parts = good ? partsOf(copy) : NameParts{};
+        copyPart(device, parts.device);
+        copyPart(directory, parts.directory);
+        copyPart(name, parts.name);
+        copyPart(extension, parts.extension);
+        return good ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
+int mdlFile_buildName(char* path, const char* device, const char* directory, const char* name, const char* extension) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        if (path == nullptr) return MDL_ERROR;
+        const std::string built = builtName(textOf(device), textOf(directory), textOf(name), textOf(extension));
+        const bool good = built.size() <= longestHostName;
+        copyPart(path, good ? std::string_view(built) : std::string_view());
+        return good ? MDL_SUCCESS : MDL_ERROR;
+    });
+}

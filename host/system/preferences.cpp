@@ -1,0 +1,42 @@
+// The host's user preference file.
+#include <filesystem>
+
+#include "host/mdl/files.h"
+#include "host/mdl/resource.h"
+#include "host/session/guard.h"
+#include "host/session/state.h"
+#include "host/system/paths.h"
+
+namespace host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+fs::path preferenceFile() {
+    const std::string named = variables().expandedValue("MS_USERPREF").value_or("");
+    return named.empty() ? userDataFolder() / "user.rsc" : fs::path(systemPath(named));
+}
+
+// Opening for writing makes the file.
+void makeFile(const fs::path& path) {
+    std::error_code ignored;  // what fails here fails again when the file is opened
+    fs::create_directories(path.parent_path(), ignored);
+    RscHandle handle = 0;
+    if (mdlResource_openFile(&handle, hostName(path.string()).c_str(), MDL_RSC_WRITE) == MDL_SUCCESS) {
+        mdlResource_closeFile(handle);
+    }
+}
+
+}  // namespace
+
+}  // namespace host
+
+int mdlDialog_userPrefFileOpen(RscHandle* handleP, int mode) {
+    return host::guarded<int>(MDL_ERROR, [&] {
+        const host::fs::path path = host::preferenceFile();
+        std::error_code error;
+        if (!host::fs::exists(path, error)) host::makeFile(path);
+        return mdlResource_openFile(handleP, host::hostName(path.string()).c_str(), mode);
+    });
+}

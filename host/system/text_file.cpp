@@ -1,0 +1,175 @@
+// Text files, line by line.
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "host/mdl/files.h"
+#include "host/session/guard.h"
+#include "host/system/streams.h"
+
+// Reading goes through a window of its own on the file, so that a line is found with one search and copied once.
+struct MdlTextFile {
+    FILE* stream;
+    std::vector<char> window;
+    size_t begin = 0;  // what is left to read: [begin, end)
+    size_t end = 0;
+    bool drained = false;   // the stream has nothing more
+    bool openLine = false;  // the last piece didn't end its line
+    bool atEnd = false;
+    int readError = 0;
+    int writeError = 0;
+    int lastLength = 0;
+};
+
+namespace host {
+
+namespace {
+
+constexpr size_t windowSize = 65536;
+
+std::string_view rest(const MdlTextFile& file) {
+    return {file.window.data() + file.begin, file.end - file.begin};
+}
+
+void refill(MdlTextFile& file) {
+    std::memmove(file.window.data(), file.window.data() + file.begin, file.end - file.begin);
+    file.end -= std::exchange(file.begin, 0);
+    errno = 0;
+    const size_t count = std::fread(file.window.data() + file.end, 1, file.window.size() - file.end, file.stream);
+    file.end += count;
+    file.drained = count == 0;
+    if (count == 0 && std::ferror(file.stream)) file.readError = errno == 0 ? EIO : errno;
+}
+
+// Brings at least `count` bytes into the window, or all that there are.
+void require(MdlTextFile& file, size_t count) {
+    if (file.window.size() < count) file.window.resize(std::max(count, windowSize));
+    while (file.end - file.begin < count && !file.drained) refill(file);
+}
+
+// Moves behind the line feed that ends the line.
+void skipLine(MdlTextFile& file) {
+    for (;;) {
+        const size_t feed = rest(file).find('\n');
+        if (feed != std::string_view::npos) {
+            file.begin += feed + 1;
+            return;
+        }
+        file.begin = file.end;
+        require(file, 1);
+        if (file.begin == file.end) return;
+    }
+}
+
+// What lies ahead: the text of the line as far as it is looked at, and whether its end is seen.
+struct Ahead {
+    size_t length;   // of the text without its line end
+    size_t lineEnd;  // bytes of the line end: 0 at the end of the file
+    bool complete;
+};
+
+Ahead lookAhead(MdlTextFile& file, size_t space) {
+    require(file, space + 2);
+    const std::string_view text = rest(file).substr(0, space + 2);
+    const auto* feed = static_cast<const char*>(std::memchr(text.data(), '\n', text.size()));
+    if (feed == nullptr) {
+        const bool all = file.drained && text.size() == file.end - file.begin;
+        return {text.size(), 0, all};
+    }
+    const auto length = static_cast<size_t>(feed - text.data());
+    const bool carriageReturn = length > 0 && text[length - 1] == '\r';
+    return {length - (carriageReturn ? 1 : 0), carriageReturn ? size_t{2} : size_t{1}, true};
+}
+
+char* finish(MdlTextFile& file, char* buffer, size_t length, bool newline) {
+    if (newline) buffer[length++] = '\n';
+    buffer[length] = '\0';
+    file.lastLength = static_cast<int>(length);
+    return buffer;
+}
+
+// The next piece of at most `space` bytes.
+char* nextPiece(MdlTextFile& file, char* buffer, size_t space, bool keepNewline) {
+    const Ahead ahead = lookAhead(file, space);
+    if (file.begin == file.end && !(file.openLine && keepNewline)) {
+        file.atEnd = file.readError == 0;
+        return nullptr;
+    }
+    const bool fits = ahead.complete && ahead.length + (keepNewline ? 1 : 0) <= space;
+    const size_t length = std::min(ahead.length, space);
+    const char* text = file.window.data() + file.begin;
+    if (length > 0) std::memcpy(buffer, text, length);
+    const auto* nul = static_cast<const char*>(std::memchr(buffer, '\0', length));
+    if (nul != nullptr) {
+        skipLine(file);
+        file.openLine = false;
+        return finish(file, buffer, static_cast<size_t>(nul - buffer), keepNewline);
+    }
+    file.begin += length + (fits ? ahead.lineEnd : 0);
+    file.openLine = !fits;
+    if (fits && ahead.lineEnd == 0) file.atEnd = true;
+    return finish(file, buffer, length, fits && keepNewline);
+}
+
+int closeAndFree(MdlTextFile* file) {
+    const std::unique_ptr<MdlTextFile> owner(file);
+    const int error = closeStream(file->stream);
+    return file->writeError != 0 ? file->writeError : error;
+}
+
+}  // namespace
+
+}  // namespace host
+
+using namespace host;
+
+MdlTextFile* mdlTextFile_open(const char* name, int mode) {
+    return guarded<MdlTextFile*>(nullptr, [&]() -> MdlTextFile* {
+        if (mode < MDL_TEXT_READ || mode > MDL_TEXT_APPEND) return nullptr;
+        auto file = std::make_unique<MdlTextFile>();
+        file->stream = openStream(name, mode == MDL_TEXT_READ ? "rb" : mode == MDL_TEXT_WRITE ? "wb" : "ab");
+        if (file->stream == nullptr) return nullptr;
+        if (mode == MDL_TEXT_READ) std::setvbuf(file->stream, nullptr, _IONBF, 0);
+        return file.release();
+    });
+}
+
+int mdlTextFile_close(MdlTextFile* file) {
+    return guarded<int>(MDL_ERROR, [&] { return file == nullptr ? int{MDL_ERROR} : closeAndFree(file); });
+}
+
+char* mdlTextFile_getString(char* buffer, int size, MdlTextFile* file, int keepNewline) {
+    return guarded<char*>(nullptr, [&]() -> char* {
+        if (buffer == nullptr || size < 2 || file == nullptr) return nullptr;
+        return nextPiece(*file, buffer, static_cast<size_t>(size) - 1, keepNewline != 0);
+    });
+}
+
+int mdlTextFile_lastLength(const MdlTextFile* file) {
+    return file == nullptr ? 0 : file->lastLength;
+}
+
+int mdlTextFile_putString(const char* text, MdlTextFile* file, int addNewline) {
+    if (text == nullptr || file == nullptr) return MDL_ERROR;
+    errno = 0;
+    const bool good = std::fputs(text, file->stream) >= 0 && (addNewline == 0 || std::fputc('\n', file->stream) != EOF);
+    if (!good && file->writeError == 0) file->writeError = errno == 0 ? EIO : errno;
+    return good ? MDL_SUCCESS : MDL_ERROR;
+}
+
+void mdlTextFile_rewind(MdlTextFile* file) {
+    if (file == nullptr) return;
+    std::rewind(file->stream);
+    *file = MdlTextFile{.stream = file->stream, .window = std::move(file->window), .writeError = file->writeError};
+}
+
+int mdlTextFile_eof(const MdlTextFile* file) {
+    return file != nullptr && file->atEnd ? 1 : 0;
+}
+
+int mdlTextFile_error(const MdlTextFile* file) {
+    return file == nullptr ? 0 : file->readError;
+}

@@ -1,0 +1,63 @@
+#include "tests/support/session_fixture.h"
+
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "host/mdl/system.h"
+
+namespace {
+
+std::filesystem::path newFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "mclib-test-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no folder for the test in " + pattern);
+    return pattern;
+}
+
+}  // namespace
+
+std::string RecordingFrontEnd::field(int number) const {
+    for (auto shown = fields.rbegin(); shown != fields.rend(); ++shown) {
+        if (shown->first == number) return shown->second;
+    }
+    return {};
+}
+
+void RecordingFrontEnd::clear() {
+    consoleText.clear();
+    fields.clear();
+    messages.clear();
+    dialogs = 0;
+}
+
+SessionTest::SessionTest(std::vector<std::pair<std::string, std::string>> variables) : folder_(newFolder()) {
+    std::filesystem::create_directory(folder_ / "drive_c");
+    auto front = std::make_unique<RecordingFrontEnd>();
+    front_ = front.get();
+    variables.emplace_back("MC_DRIVE_C", (folder_ / "drive_c").string());
+    variables.emplace_back("MS_USERPREF", (folder_ / "user.rsc").string());
+    session_ = std::make_unique<host::Session>(
+        host::SessionOptions{.frontEnd = std::move(front), .variables = std::move(variables)});
+}
+
+SessionTest::~SessionTest() {
+    session_.reset();
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+}
+
+std::string SessionTest::writeFile(std::string_view name, std::string_view bytes) const {
+    std::ofstream(path(name), std::ios::binary) << bytes;
+    return path(name);
+}
+
+std::string SessionTest::readFile(std::string_view name) const {
+    std::ostringstream bytes;
+    bytes << std::ifstream(path(name), std::ios::binary).rdbuf();
+    return bytes.str();
+}
+
+MdlDesc* SessionTest::application(std::string_view name) {
+    MdlDesc* running = mdlSystem_findMdlDesc(std::string(name).c_str());
+    return running != nullptr ? running : session_->startApplication(name, [](int, char**) { return 0; });
+}

@@ -1,0 +1,77 @@
+// A host session for tests: a front end that records what is shown and answers by script, a folder of its own, and code
+// run as an application.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "host/front/front_end.h"
+#include "host/session/session.h"
+
+// Texts are UTF-8, as a front end gets them.
+class RecordingFrontEnd : public host::FrontEnd {
+  public:
+    struct Line {
+        int priority;
+        std::string brief, details;
+    };
+
+    std::string consoleText;
+    std::vector<std::pair<int, std::string>> fields;  // each text that a message field was given, in order
+    std::vector<Line> messages;                       // of the message centre
+    std::function<bool(host::Dialog&)> answer;        // feeds events to a modal dialog until it has ended; none: false
+    int dialogs = 0;                                  // modal dialogs that were opened
+
+    // The last text of a message field; empty when it was given none.
+    std::string field(int number) const;
+    // Forgets what was recorded so far.
+    void clear();
+
+    void console(std::string_view text) override { consoleText += text; }
+    void messageField(int field, std::string_view text) override { fields.emplace_back(field, text); }
+    void messageCenter(int priority, std::string_view brief, std::string_view details) override {
+        messages.push_back({priority, std::string(brief), std::string(details)});
+    }
+    bool runModal(host::Dialog& dialog) override {
+        ++dialogs;
+        return answer && answer(dialog);
+    }
+};
+
+class SessionTest : public testing::Test {
+  protected:
+    // Variables are defined at user level in the session that starts; a derived fixture gives its own.
+    explicit SessionTest(std::vector<std::pair<std::string, std::string>> variables = {});
+    ~SessionTest() override;
+
+    // The session ends when the test wants to see what is left behind.
+    void endSession() { session_.reset(); }
+    host::Session& session() { return *session_; }
+    RecordingFrontEnd& front() { return *front_; }  // until the session ends
+
+    // A path in the test's own folder, which is removed behind the test. The drive c: is "drive_c" in it.
+    std::string path(std::string_view name) const { return (folder_ / name).string(); }
+    std::string writeFile(std::string_view name, std::string_view bytes) const;  // gives its path
+    std::string readFile(std::string_view name) const;
+
+    // The application of that name, which is started when it isn't there; its main function does nothing.
+    MdlDesc* application(std::string_view name);
+    // Runs code as a call of the host into the application, and gives its result.
+    template <class Body>
+    auto asApplication(std::string_view name, Body&& body) {
+        const host::ApplicationScope scope(application(name));
+        return body();
+    }
+
+  private:
+    std::filesystem::path folder_;
+    RecordingFrontEnd* front_;
+    std::unique_ptr<host::Session> session_;
+};
