@@ -18,6 +18,9 @@ MDL_EXPORT int mdlSystem_newDesignFile(const char *name, int readOnly);
 /* Stores what was changed since the last time. MDL_ERROR, with a line in the message centre, when it can't be stored;
  * the file then holds what it held before. */
 MDL_EXPORT int mdlSystem_saveDesignFile(void);
+/* Stores what was changed and closes the open design file, so that none is open; its file may then be moved. MDL_ERROR
+ * when it couldn't be stored, with a line in the message centre, or none is open; it is closed in any case. */
+MDL_EXPORT int mdlSystem_closeDesignFile(void);
 
 MDL_EXPORT ModelRef *mdlModelRef_getActive(void); /* null when no design file is open */
 MDL_EXPORT int mdlModelRef_isReadOnly(ModelRef *model);
