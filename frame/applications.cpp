@@ -29,10 +29,6 @@ struct ApplicationTable {
 };
 ApplicationTable table;
 
-bool isEmpty(const ApplicationSlot& slot) {
-    return !slot.mdlDesc && !slot.globalData;
-}
-
 bool isLive(const ApplicationSlot& slot) {
     return mdlSystem_getMdlDescFromProcessNumber(slot.processNumber) != nullptr;
 }
@@ -41,7 +37,7 @@ bool isLive(const ApplicationSlot& slot) {
 ApplicationSlot& takeSlot() {
     ApplicationSlot* free = nullptr;
     for (ApplicationSlot& slot : table.used()) {
-        if (!isEmpty(slot) && isLive(slot)) continue;
+        if (isLive(slot)) continue;
         slot = {};
         if (!free) free = &slot;
     }
@@ -99,7 +95,7 @@ void notifyScaleChange(double oldScale, double newScale, int includeCurrent) {
     // By index: a scale function may have applications come and go.
     for (int32_t i = 0; i < table.slotCount; ++i) {
         const ApplicationSlot slot = table.slots[i];
-        if (isEmpty(slot) || !isLive(slot) || (!includeCurrent && slot.globalData == current)) continue;
+        if (!isLive(slot) || (!includeCurrent && slot.globalData == current)) continue;
         if (auto* function = slot.globalData->scaleFunction)
             dlmSystem_callAnyFunction("DD", slot.mdlDesc, reinterpret_cast<void*>(function), oldScale, newScale);
     }
@@ -143,7 +139,7 @@ void mclibMain_updateBeforeDialogOpen(int dialogId) {
     const MdlDesc* current = mdlSystem_getCurrMdlDesc();
     for (int32_t i = 0; i < table.slotCount; ++i) {
         const ApplicationSlot slot = table.slots[i];
-        if (isEmpty(slot) || !isLive(slot)) continue;
+        if (!isLive(slot)) continue;
         if (slot.mdlDesc == current)
             mgdP = slot.globalData;
         else if (MdlDialog* dialog = mdlDialog_findByTypeAndId(MDL_DIALOG_BOX, dialogId, slot.mdlDesc))
