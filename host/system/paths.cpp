@@ -72,8 +72,8 @@ std::string systemPath(std::string_view name) {
     if (!hasDrive(path)) return path;
     std::string folder = driveFolder(path[0]);
     if (!folder.ends_with('/')) folder += '/';
-    return folder + path.substr(path.find_first_not_of('/', 2) == std::string::npos ? path.size()
-                                                                                    : path.find_first_not_of('/', 2));
+    const size_t below = std::min(path.find_first_not_of('/', 2), path.size());
+    return folder + path.substr(below);
 }
 
 std::string hostName(std::string_view path) {
