@@ -44,8 +44,9 @@ MDL_EXPORT int mdlElmdscr_transform(ElementDescr *ed, const Transform *transform
  * aren't looked at. */
 MDL_EXPORT int mdlElmdscr_stroke(Point3d **pointsP, int32_t *countP, const ElementDescr *ed, double tolerance);
 
-/* Calls f for each element of chain and children: headers before their components. Stops at a non-zero result, which is
- * the call's result. `order`: 1 headers, 2 components, 8 the whole chain; 11 is all. */
+/* Calls f for each element of the chain and its children: headers before their components. Stops at a non-zero result,
+ * which is the call's result. `order` says for which: 1 elements that aren't headers, 2 headers in the chain itself, 8
+ * headers within headers; 11 is all. f gets the one that it is called for, and how many headers it lies in as `offset`. */
 typedef int (*MdlDescrFunction)(MSElementBuffer *element, void *userArg, int32_t order, int32_t offset,
                                 ElementDescr *node);
 MDL_EXPORT int mdlElmdscr_operation(ElementDescr *ed, MdlDescrFunction f, void *userArg, int32_t order);

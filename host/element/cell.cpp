@@ -1,0 +1,108 @@
+// Cell headers: origin, name and description.
+#include <cwchar>
+#include <vector>
+
+#include "host/element/build.h"
+#include "host/mdl/model.h"
+#include "host/session/guard.h"
+
+using namespace host;
+
+namespace {
+
+constexpr size_t mostCharacters = 511;
+constexpr size_t linkageBytes = 8192;
+
+bool isCell(const MSElementBuffer* element) {
+    return element && headOf(element).type == MDL_CELL_HEADER;
+}
+
+// A text in a linkage: header, count of characters, then 16-bit characters up to a multiple of 8 bytes.
+constexpr size_t charactersAt = 6;
+
+std::vector<uint8_t> textLinkage(uint16_t id, const wchar_t* text, size_t count) {
+    const size_t bytes = (charactersAt + count * 2 + 7) & ~size_t{7};
+    std::vector<uint8_t> linkage(bytes);
+    LinkageHeader header{MDL_LINKAGE_USER, id};
+    mdlLinkage_setWords(&header, static_cast<uint32_t>(bytes / 2));
+    const auto stored = static_cast<uint16_t>(count);
+    std::memcpy(linkage.data(), &header, sizeof header);
+    std::memcpy(linkage.data() + sizeof header, &stored, sizeof stored);
+    for (size_t i = 0; i < count; ++i) {
+        const auto unit = static_cast<uint16_t>(text[i] >= 0 && text[i] <= 0xFFFF ? text[i] : '?');
+        std::memcpy(linkage.data() + charactersAt + i * 2, &unit, sizeof unit);
+    }
+    return linkage;
+}
+
+int setText(MSElementBuffer* element, uint16_t id, const wchar_t* text) {
+    const size_t count = text ? std::wcslen(text) : 0;
+    if (!isCell(element) || !text || count > mostCharacters) return MDL_ERROR;
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto linkage = textLinkage(id, text, count);
+        if (mdlElement_bytes(element) + linkage.size() > MDL_ELEMENT_BYTES) return MDL_ERROR;
+        if (mdlLinkage_deleteFromElement(element, id, nullptr, nullptr, nullptr, nullptr) != MDL_SUCCESS)
+            return MDL_ERROR;
+        LinkageHeader header;
+        std::memcpy(&header, linkage.data(), sizeof header);
+        return mdlLinkage_appendToElement(element, &header, linkage.data() + sizeof header, 0, 0);
+    });
+}
+
+int getText(wchar_t* text, int32_t size, const MSElementBuffer* element, uint16_t id) {
+    uint8_t linkage[linkageBytes];
+    uint32_t words = 0;
+    if (!isCell(element) || !text || size < 1) return MDL_ERROR;
+    if (mdlLinkage_extractFromElement(linkage, element, id, nullptr, nullptr, &words, nullptr) != MDL_SUCCESS)
+        return MDL_ERROR;
+    uint16_t count;
+    std::memcpy(&count, linkage + sizeof(LinkageHeader), sizeof count);
+    if (charactersAt + count * 2u > words * 2) return MDL_ERROR;
+    const size_t copied = std::min<size_t>(count, static_cast<size_t>(size) - 1);
+    for (size_t i = 0; i < copied; ++i) {
+        uint16_t unit;
+        std::memcpy(&unit, linkage + charactersAt + i * 2, sizeof unit);
+        text[i] = unit;
+    }
+    text[copied] = 0;
+    return MDL_SUCCESS;
+}
+
+CellBody3d body3d(const Point3d& origin) {
+    CellBody3d body{};
+    body.is3d = 1;
+    body.axes[0].x = body.axes[1].y = body.axes[2].z = 1;
+    body.origin = body.low = body.high = origin;
+    return body;
+}
+
+CellBody2d body2d(const Point3d& o) {
+    return {0, 0, {}, {o.x, o.y}, {o.x, o.y}, {{1, 0}, {0, 1}}, {o.x, o.y}};
+}
+
+}  // namespace
+
+int mdlCell_create(MSElementBuffer* out, const wchar_t* name, const Point3d* origin, int32_t is3d) {
+    if (!out || !name || std::wcslen(name) > mostCharacters) return MDL_ERROR;
+    const Point3d at = applyToPoint(currentToWorld(), origin ? *origin : Point3d{});
+    if (!isFinite(at)) return MDL_ERROR;
+    NewElement made(out, nullptr, MDL_CELL_HEADER);
+    const int status = is3d ? finish(std::move(made), body3d(at)) : finish(std::move(made), body2d(at));
+    return status == MDL_SUCCESS ? mdlCell_setName(out, name) : status;
+}
+
+int mdlCell_extractName(wchar_t* name, int32_t size, const MSElementBuffer* element) {
+    return getText(name, size, element, linkageCellName);
+}
+
+int mdlCell_setName(MSElementBuffer* element, const wchar_t* name) {
+    return setText(element, linkageCellName, name);
+}
+
+int mdlCell_extractDescription(wchar_t* description, int32_t size, const MSElementBuffer* element) {
+    return getText(description, size, element, linkageCellDescription);
+}
+
+int mdlCell_setDescription(MSElementBuffer* element, const wchar_t* description) {
+    return setText(element, linkageCellDescription, description);
+}

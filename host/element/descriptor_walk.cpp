@@ -1,0 +1,217 @@
+// Going through a descriptor: calls for each element, range, transform, strokes, changes.
+#include <memory>
+#include <vector>
+
+#include "host/element/descriptor.h"
+#include "host/element/geometry.h"
+#include "host/element/points.h"
+#include "host/element/range.h"
+#include "host/session/guard.h"
+#include "host/space/current.h"
+
+namespace host {
+namespace {
+
+enum Order { visitComponents = 1, visitHeaders = 2, visitNestedHeaders = 8 };
+
+struct Visit {
+    MdlDescrFunction function;
+    void* userArg;
+    int32_t order;
+};
+
+int visitChain(const Visit& visit, ElementDescr* ed, int32_t depth) {
+    for (ElementDescr* next; ed; ed = next) {
+        next = ed->next;
+        const bool header = ed->firstChild || isHeaderType(headOf(ed->element).type);
+        const int32_t kind = !header ? visitComponents : depth == 0 ? visitHeaders : visitNestedHeaders;
+        if (visit.order & kind)
+            if (const int status = visit.function(ed->element, visit.userArg, kind, depth, ed)) return status;
+        if (const int status = visitChain(visit, ed->firstChild, depth + 1)) return status;
+    }
+    return 0;
+}
+
+void addRange(RangeBuilder& all, const ElementDescr* ed, const Transform* t) {
+    for (; ed; ed = ed->next) {
+        Range3d range;
+        if (t ? elementRange(ed->element, range, *t) : elementRange(ed->element, range)) all.add(range);
+        addRange(all, ed->firstChild, t);
+    }
+}
+
+bool canTransformChain(const ElementDescr* ed, const Transform& t) {
+    for (; ed; ed = ed->next)
+        if (!canTransform(ed->element, t) || !canTransformChain(ed->firstChild, t)) return false;
+    return true;
+}
+
+void transformChain(ElementDescr* ed, const Transform& t) {
+    for (; ed; ed = ed->next) {
+        transformElement(ed->element, t);
+        transformChain(ed->firstChild, t);
+    }
+}
+
+size_t childCount(const ElementDescr* header) {
+    size_t count = 0;
+    for (const ElementDescr* child = header->firstChild; child; child = child->next) ++count;
+    return count;
+}
+
+void setComplexCount(ElementDescr* header) {
+    if (size_t{headOf(header->element).attributeOffset} * 2 < headBytes + sizeof(ComplexBody)) return;
+    storeAt(header->element, headBytes, ComplexBody{static_cast<uint32_t>(childCount(header)), 0});
+}
+
+void setCellRange(ElementDescr* header, const Range3d& r) {
+    const size_t body = size_t{headOf(header->element).attributeOffset} * 2 - headBytes;
+    if (body >= sizeof(CellBody3d) && loadAt<uint32_t>(header->element, headBytes)) {
+        storeAt(header->element, headBytes + offsetof(CellBody3d, low), r);
+    } else if (body >= sizeof(CellBody2d)) {
+        const double plane[] = {r.low.x, r.low.y, r.high.x, r.high.y};
+        storeAt(header->element, headBytes + offsetof(CellBody2d, low), plane);
+    }
+}
+
+void validateChain(ElementDescr* ed) {
+    for (; ed; ed = ed->next) {
+        validateChain(ed->firstChild);
+        const int type = headOf(ed->element).type;
+        if (type == MDL_COMPLEX_SHAPE || type == MDL_TEXT_NODE) setComplexCount(ed);
+        if (type != MDL_CELL_HEADER) continue;
+        RangeBuilder all;
+        addRange(all, ed->firstChild, nullptr);
+        if (all.any()) setCellRange(ed, all.range());
+    }
+}
+
+// The components one after the other; a point that repeats the end of the component before it is left out.
+bool strokeComponents(std::vector<Point3d>& points, const ElementDescr* header, double tolerance,
+                      const Transform& transform) {
+    for (const ElementDescr* child = header->firstChild; child; child = child->next) {
+        const size_t before = points.size();
+        const bool stroked = child->firstChild ? strokeComponents(points, child, tolerance, transform)
+                                               : strokeElement(points, child->element, tolerance, transform);
+        if (!stroked) return false;
+        const auto joint = points.begin() + static_cast<ptrdiff_t>(before);
+        if (before > 0 && distance(points[before - 1], points[before]) <= tolerance * 1e-3) points.erase(joint);
+    }
+    return !points.empty();
+}
+
+// The run of a modification over a descriptor.
+struct Modification {
+    ModelRef* model;
+    MdlModifyFunction function;
+    void* userArg;
+    std::unique_ptr<MSElementBuffer> scratch = std::make_unique<MSElementBuffer>();
+    int changes = 0;
+};
+
+ElementDescr* lastOf(ElementDescr* ed) {
+    while (ed->next) ed = ed->next;
+    return ed;
+}
+
+// Puts the chain `by` in the place of the node, which is freed.
+void replaceNode(ElementDescr* node, ElementDescr* by) {
+    ElementDescr *last = lastOf(by), *header = node->parent, *before = node->previous, *behind = node->next;
+    unlinkNode(node);
+    for (ElementDescr* part = by; part; part = part->next) part->parent = header;
+    by->previous = before;
+    last->next = behind;
+    if (before) before->next = by;
+    if (behind) behind->previous = last;
+    if (header && !before) header->firstChild = by;
+    if (header && !behind) header->lastChild = last;
+    mdlElmdscr_freeAll(&node);
+}
+
+// Asks the function about one element and does what it answers. The result is what stands in the node's place: the
+// node, the first of the new ones, or null.
+ElementDescr* modifyNode(Modification& run, ElementDescr* node) {
+    ElementDescr* replacement = nullptr;
+    mdlElement_memcpy(run.scratch.get(), node->element);
+    switch (run.function(run.scratch.get(), run.userArg, run.model, node, &replacement)) {
+        case MDL_MODIFY_CHANGED:
+            if (setNodeElement(node, run.scratch.get())) ++run.changes;
+            return node;
+        case MDL_MODIFY_REMOVE:
+            unlinkNode(node);
+            mdlElmdscr_freeAll(&node);
+            ++run.changes;
+            return nullptr;
+        case MDL_MODIFY_REPLACE_DESCR:
+            if (!replacement || replacement == node) return node;
+            replaceNode(node, replacement);
+            ++run.changes;
+            return replacement;
+        default: return node;
+    }
+}
+
+// The chain after the run; its first node may be another, and is null when nothing is left.
+ElementDescr* modifyChain(Modification& run, ElementDescr* first) {
+    for (ElementDescr *ed = first, *next; ed; ed = next) {
+        next = ed->next;
+        if (isHeaderType(headOf(ed->element).type)) {
+            modifyChain(run, ed->firstChild);
+            continue;
+        }
+        ElementDescr* now = modifyNode(run, ed);
+        if (ed == first) first = now ? now : next;
+    }
+    return first;
+}
+
+}  // namespace
+}  // namespace host
+
+using namespace host;
+
+int mdlElmdscr_operation(ElementDescr* ed, MdlDescrFunction f, void* userArg, int32_t order) {
+    return f ? visitChain({f, userArg, order}, ed, 0) : MDL_ERROR;
+}
+
+int mdlElmdscr_validate(ElementDescr* ed, ModelRef*) {
+    if (!ed) return MDL_ERROR;
+    validateChain(ed);
+    return MDL_SUCCESS;
+}
+
+int mdlElmdscr_computeRange(Point3d* low, Point3d* high, const ElementDescr* ed, const Transform* transform) {
+    RangeBuilder all;
+    addRange(all, ed, transform);
+    if (!all.any()) return MDL_ERROR;
+    if (low) *low = all.range().low;
+    if (high) *high = all.range().high;
+    return MDL_SUCCESS;
+}
+
+int mdlElmdscr_transform(ElementDescr* ed, const Transform* transform) {
+    if (!ed || !transform || !canTransformChain(ed, *transform)) return MDL_ERROR;
+    transformChain(ed, *transform);
+    return MDL_SUCCESS;
+}
+
+int mdlElmdscr_stroke(Point3d** pointsP, int32_t* countP, const ElementDescr* ed, double tolerance) {
+    if (!pointsP || !countP || !ed) return MDL_ERROR;
+    if (headOf(ed->element).type != MDL_COMPLEX_SHAPE)
+        return mdlElement_stroke(pointsP, countP, ed->element, tolerance);
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        std::vector<Point3d> points;
+        if (!(tolerance > 0) || !strokeComponents(points, ed, tolerance, currentFromWorld())) return MDL_ERROR;
+        if (!(points.front() == points.back())) points.push_back(points.front());
+        return givePoints(pointsP, countP, points);
+    });
+}
+
+int mdlModify_elementDescr2(ElementDescr** edPP, ModelRef* model, MdlModifyFunction f, void* userArg) {
+    if (!edPP || !*edPP || !f) return 0;
+    return guarded<int>(0, [&] {
+        Modification run{model, f, userArg};
+        *edPP = modifyChain(run, *edPP);
+        return run.changes;
+    });
+}
