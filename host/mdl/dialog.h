@@ -4,6 +4,12 @@
  * An access string such as "mgdP->printDevice" names a value of a published structure; the manager moves values between
  * it and the item. The manager calls hooks in the context of the application that opened the dialog; a hook gets one
  * DialogMessage, sets `handled` to 1 when it takes it and else to 0.
+ * Opening sends DIALOG_CREATE (the items can be found already), ITEM_CREATE to each item, takes the items' values from
+ * their access strings, and sends DIALOG_INIT; items are drawn when the dialog is shown, and again when they were moved
+ * or the window's extent changed. Pressing a button sends one ITEM_BUTTON with state 1 and ITEM_ACTIVATED; a release
+ * isn't sent. A change by the user sends ITEM_STATE_CHANGED, a double click or Enter ITEM_ACTIVATED. Closing sends
+ * ITEM_DESTROY to each item and DIALOG_DESTROY. The dialogs of an application that ends are closed in this way.
+ * A handle of a dialog or item that is gone is harmless: calls on it fail, or give 0 or null.
  * Drawing calls of hooks are kept as the window's display list, which a front end shows. */
 #ifndef HOST_MDL_DIALOG_H
 #define HOST_MDL_DIALOG_H
@@ -43,7 +49,7 @@ typedef struct DialogMessage {
     MdlItem *item;          /* null in a message to the dialog */
     int32_t hookId;
     int32_t itemFlags;      /* ITEM_CREATE: low bit focus, next bit default; a hook may clear them */
-    int32_t state;          /* ITEM_BUTTON: 1 pressed, 0 released; others: the item's value as a number */
+    int32_t state;          /* ITEM_BUTTON: 1, pressed; others: the item's value as a number, 0 for other texts */
     int32_t changed;        /* ITEM_STATE_CHANGED: 1 when the value isn't the one before */
     int32_t attributes;     /* DIALOG_CREATE: attribute bits of the dialog, which the hook may add to */
     int32_t reply;          /* DIALOG_DESTROY: the button that ended it, 0 when closed otherwise */
@@ -118,6 +124,7 @@ MDL_EXPORT MdlItem *mdlDialog_itemGetByTypeAndId(MdlDialog *dialog, int32_t type
 MDL_EXPORT int32_t mdlDialog_itemType(const MdlItem *item);
 MDL_EXPORT int32_t mdlDialog_itemId(const MdlItem *item);
 MDL_EXPORT void mdlDialog_itemRect(DialogRect *rect, const MdlItem *item);
+/* Places on the offset scale: a pixel counts 1, and a negative offset means the same place as the positive one. */
 MDL_EXPORT void mdlDialog_itemMove(MdlItem *item, int32_t left, int32_t top);
 MDL_EXPORT void mdlDialog_itemSetExtent(MdlItem *item, int32_t width, int32_t height);
 MDL_EXPORT void mdlDialog_itemSetLabel(MdlItem *item, const char *label);
@@ -133,7 +140,8 @@ MDL_EXPORT int mdlDialog_itemSetValue(MdlItem *item, const char *value);
 /* Has the item's hook draw it again. */
 MDL_EXPORT void mdlDialog_itemDraw(MdlItem *item);
 
-/* Format of a text item that shows a number, such as "%8.3f" or "2f": 32 bytes. MDL_ERROR for another kind of item. */
+/* Format of a text item that shows a number, such as "%8.3f": 32 bytes, empty when it has none. MDL_ERROR for another kind
+ * of item, and for a format to be set that is longer or hasn't exactly one conversion; an empty one takes it away. */
 MDL_EXPORT int mdlDialog_textGetInfo(char *format, const MdlItem *item);
 MDL_EXPORT int mdlDialog_textSetInfo(MdlItem *item, const char *format);
 

@@ -1,0 +1,145 @@
+// Open dialogs. A dialog is state: its items with their values, and the drawing that hooks left. A front end shows that
+// state and calls the event functions; hooks run inside them and may close, open or change any dialog meanwhile.
+//
+// Handles (MdlDialog*, MdlItem*) are numbers that are never given twice, not addresses: one that outlives its dialog
+// finds nothing and does no harm.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/export.h"
+#include "host/mdl/dialog.h"
+#include "host/resource/container.h"
+
+namespace host {
+
+// One drawing call of a hook; pixels of the content area.
+struct DrawCall {
+    enum class Kind { text, edge, icon };
+    Kind kind;
+    DialogRect rect;  // of a text and an icon: what it covers
+    std::string text;
+    int32_t font;
+    bool sunken;
+    std::shared_ptr<const Icon> icon;
+    int32_t color;  // index of a fixed colour
+};
+
+struct OptionRow {
+    std::string label;
+    int32_t value;
+};
+
+struct DialogItem {
+    int32_t kind;  // ITEM_...
+    int32_t id;
+    int32_t hook;  // 0: none
+    DialogRect rect;
+    std::string label;
+    std::string access;  // access string, or empty
+    std::string format;  // of a number, or empty
+    std::string value;   // a text; "0" or "1" of a toggle; the chosen row's value of an option button
+    std::vector<OptionRow> rows;
+    bool shown = true;
+    bool enabled = true;
+    bool takesFocus = true;
+    bool isDefault = false;
+    bool drawn = false;          // false: its hook has to draw it
+    StringList* list = nullptr;  // of a list box; its owner's
+    int32_t columns = 1;
+    int32_t selectedRow = -1;
+    std::vector<DrawCall> drawing;
+};
+
+class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
+  public:
+    Dialog(const DialogLayout& layout, MdlDesc* owner, bool modal, const std::string& language);
+
+    // ---- what a front end shows ----
+
+    int32_t id() const { return id_; }
+    bool modal() const { return modal_; }
+    bool ended() const { return life_ == Life::ended; }
+    int32_t width() const { return width_; }
+    int32_t height() const { return height_; }
+    const std::string& title() const { return title_; }
+    const std::vector<DialogItem>& items() const { return items_; }
+    // What hooks drew: of the dialog itself first, then of the items that are shown.
+    std::vector<DrawCall> drawing() const;
+    // Has the items drawn whose drawing is out of date. To be called before the dialog is shown.
+    void refresh();
+    // Text in a cell of a list box; empty where there is none.
+    static std::string cellText(const DialogItem& item, int32_t row, int32_t column);
+    static int32_t rowCount(const DialogItem& item);
+
+    // ---- events; false when the item isn't there, isn't one of that kind, or can't be used ----
+
+    // Presses a push button. Those with the ids -3 and -4 end the dialog.
+    bool press(size_t index);
+    // Sets a text, a toggle or the choice of an option button. Also false for a value that the item can't take.
+    bool setValue(size_t index, std::string_view value);
+    bool selectRow(size_t index, int32_t row);
+    // A double click or Enter on an item.
+    bool activate(size_t index);
+    void close() { end(0); }
+
+    // ---- for the calls of the host ----
+
+    MdlDesc* owner() const { return owner_; }
+    int32_t reply() const { return reply_; }  // id of the action that ended it, 0 when it was closed otherwise
+    DialogItem* itemAt(int32_t index);
+    int32_t indexOf(int32_t kind, int32_t id) const;  // -1: none
+    void setTitle(std::string title) { title_ = std::move(title); }
+    void setExtent(int32_t width, int32_t height);
+    int32_t font() const { return font_; }
+    void setFont(int32_t font) { font_ = font; }
+    bool open();  // sends the messages of creation; false when a hook closed it meanwhile
+    void end(int32_t reply);
+    bool synch(DialogItem& item);
+    bool change(size_t index, std::string_view value);  // as a user would, whatever the item's state
+    void draw(size_t index);                            // at once; an item that isn't on show yet when it is
+    void add(DrawCall call);                            // to the item whose hook is drawing, else to the dialog
+    // Its end has begun: no event reaches it any more.
+    bool ending() const { return life_ == Life::closing || life_ == Life::ended; }
+    MdlDialog* handle() const;
+    MdlItem* itemHandle(size_t index) const;
+
+  private:
+    enum class Life { opening, open, closing, ended };
+
+    bool usable(size_t index) const;
+    void sendToDialog(int32_t type);
+    // The message as the hook left it. `state` is that of ITEM_BUTTON; other messages take the item's value.
+    DialogMessage sendToItem(size_t index, int32_t type, int32_t state = 0, int32_t changed = 0);
+    void createItems();
+    void synchItems();
+    bool changeSelection(size_t index, int32_t row);
+
+    uintptr_t serial_;  // above 0, never given twice
+    int32_t id_;
+    int32_t hook_;
+    int32_t width_, height_;
+    int32_t attributes_ = 0;
+    int32_t reply_ = 0;
+    int32_t font_;
+    bool modal_;
+    Life life_ = Life::opening;
+    MdlDesc* owner_;
+    std::string title_;
+    std::vector<DialogItem> items_;
+    std::vector<DrawCall> drawing_;
+    int32_t drawingItem_ = -1;
+};
+
+// Dialogs that were told to close when control is back in the host. The host calls this where it has control.
+HOST_EXPORT void closeQueuedDialogs();
+
+// ---- fonts ----
+enum { FONT_DIALOG = 2, FONT_FIXED = 4 };
+HOST_EXPORT int32_t widthOfText(std::string_view narrow, int32_t font);
+
+}  // namespace host

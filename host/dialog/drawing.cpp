@@ -1,0 +1,108 @@
+// Fonts, and the drawing calls that a dialog keeps.
+#include <array>
+#include <string_view>
+
+#include "host/dialog/registry.h"
+#include "host/resource/open_files.h"
+#include "host/session/guard.h"
+
+namespace host {
+
+namespace {
+
+constexpr int32_t dialogFontHeight = 16, fixedFontHeight = 14;
+constexpr int32_t fixedAdvance = 8;
+
+// Advances of the dialog font, in pixels: close to those of a common screen face at this height, and the same anywhere.
+struct Advance {
+    std::string_view letters;
+    int32_t pixels;
+};
+constexpr auto advances = std::to_array<Advance>({
+    {"ijlI|!.,:;'`", 4},
+    {" frt()[]{}/\\\"-", 5},
+    {"mwMW@%", 12},
+    {"ABCDEFGHJKLNOPQRSTUVXYZ&\xc6\xd8\xc5+=<>~#", 9},
+});
+constexpr int32_t usualAdvance = 7;
+
+int32_t advanceOf(char c) {
+    for (const Advance& row : advances)
+        if (row.letters.find(c) != std::string_view::npos) return row.pixels;
+    return usualAdvance;
+}
+
+int32_t heightOfFont(int32_t font) {
+    return font == FONT_FIXED ? fixedFontHeight : dialogFontHeight;
+}
+
+template <class Body>
+int onDialog(const MdlDialog* handle, Body body) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto dialog = dialogOf(handle);
+        return dialog ? body(*dialog) : MDL_ERROR;
+    });
+}
+
+}  // namespace
+
+int32_t widthOfText(std::string_view narrow, int32_t font) {
+    if (font == FONT_FIXED) return static_cast<int32_t>(narrow.size()) * fixedAdvance;
+    int32_t width = 0;
+    for (const char c : narrow) width += advanceOf(c);
+    return width;
+}
+
+}  // namespace host
+
+using host::Dialog;
+using host::DrawCall;
+
+int32_t mdlDialog_fontHeight(int32_t fontIndex) {
+    return host::heightOfFont(fontIndex);
+}
+
+int32_t mdlDialog_stringWidth(const char* text, int32_t fontIndex) {
+    return text ? host::widthOfText(text, fontIndex) : 0;
+}
+
+void mdlDialog_setFontIndex(MdlDialog* handle, int32_t fontIndex) {
+    if (const auto dialog = host::dialogOf(handle)) dialog->setFont(fontIndex);
+}
+
+int32_t mdlDialog_getFontIndex(const MdlDialog* handle) {
+    const auto dialog = host::dialogOf(handle);
+    return dialog ? dialog->font() : static_cast<int32_t>(host::FONT_DIALOG);
+}
+
+int mdlDialog_textDrawCD(MdlDialog* handle, int32_t x, int32_t y, const char* text) {
+    return host::onDialog(handle, [&](Dialog& dialog) -> int {
+        if (!text) return MDL_ERROR;
+        const int32_t font = dialog.font();
+        const DialogRect rect{x, y, x + host::widthOfText(text, font), y + host::heightOfFont(font)};
+        dialog.add({DrawCall::Kind::text, rect, text, font, false, nullptr, 0});
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_rectDrawEdge(MdlDialog* handle, const DialogRect* rect, int32_t sunken) {
+    return host::onDialog(handle, [&](Dialog& dialog) -> int {
+        if (!rect) return MDL_ERROR;
+        dialog.add({DrawCall::Kind::edge, *rect, {}, 0, sunken != 0, nullptr, 0});
+        return MDL_SUCCESS;
+    });
+}
+
+void mdlDialog_rectInset(DialogRect* rect, int32_t dx, int32_t dy) {
+    if (rect) *rect = {rect->left + dx, rect->top + dy, rect->right - dx, rect->bottom - dy};
+}
+
+int mdlWindow_iconDraw(MdlDialog* handle, RscHandle rscFile, int32_t iconId, int32_t x, int32_t y, int32_t colorIndex) {
+    return host::onDialog(handle, [&](Dialog& dialog) -> int {
+        auto icon = host::findIcon(rscFile, iconId);
+        if (!icon) return MDL_ERROR;
+        const DialogRect rect{x, y, x + icon->size, y + icon->size};
+        dialog.add({DrawCall::Kind::icon, rect, {}, 0, false, std::move(icon), colorIndex});
+        return MDL_SUCCESS;
+    });
+}

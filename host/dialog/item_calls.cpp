@@ -1,0 +1,225 @@
+// The calls on items.
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "host/dialog/number_format.h"
+#include "host/dialog/registry.h"
+#include "host/session/guard.h"
+
+namespace host {
+
+namespace {
+
+constexpr size_t formatSize = 32;  // bytes, its NUL included
+
+// The item when it is of that kind.
+ItemRef itemOfKind(const MdlItem* handle, int32_t kind) {
+    ItemRef item = itemOf(handle);
+    return item && item->kind == kind ? item : ItemRef{};
+}
+
+// Runs `body` on an item that is there and, unless kind is 0, of that kind; MDL_ERROR otherwise and when it throws.
+template <class Body>
+int onItem(const MdlItem* handle, int32_t kind, Body body) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const ItemRef item = kind == 0 ? itemOf(handle) : itemOfKind(handle, kind);
+        return item ? body(item) : MDL_ERROR;
+    });
+}
+
+}  // namespace
+
+}  // namespace host
+
+using host::ItemRef;
+
+MdlItem* mdlDialog_itemGetByIndex(MdlDialog* handle, int32_t index) {
+    const auto dialog = host::dialogOf(handle);
+    return dialog && index >= 0 ? dialog->itemHandle(static_cast<size_t>(index)) : nullptr;
+}
+
+MdlItem* mdlDialog_itemGetByTypeAndId(MdlDialog* handle, int32_t type, int32_t id) {
+    const auto dialog = host::dialogOf(handle);
+    return dialog ? mdlDialog_itemGetByIndex(handle, dialog->indexOf(type, id)) : nullptr;
+}
+
+int32_t mdlDialog_itemType(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item ? item->kind : 0;
+}
+
+int32_t mdlDialog_itemId(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item ? item->id : 0;
+}
+
+void mdlDialog_itemRect(DialogRect* rect, const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    if (rect) *rect = item ? item->rect : DialogRect{};
+}
+
+void mdlDialog_itemMove(MdlItem* handle, int32_t left, int32_t top) {
+    host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        const int32_t x = std::abs(left), y = std::abs(top);
+        const DialogRect& r = item->rect;
+        item->rect = {x, y, x + (r.right - r.left), y + (r.bottom - r.top)};
+        item->drawn = false;
+        return MDL_SUCCESS;
+    });
+}
+
+void mdlDialog_itemSetExtent(MdlItem* handle, int32_t width, int32_t height) {
+    host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        item->rect.right = item->rect.left + std::max(width, 0);
+        item->rect.bottom = item->rect.top + std::max(height, 0);
+        item->drawn = false;
+        return MDL_SUCCESS;
+    });
+}
+
+void mdlDialog_itemSetLabel(MdlItem* handle, const char* label) {
+    host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        if (label) item->label = std::string(label);
+        return MDL_SUCCESS;
+    });
+}
+
+const char* mdlDialog_itemGetLabel(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item ? item->label.c_str() : nullptr;
+}
+
+void mdlDialog_itemShow(MdlItem* handle, int32_t show) {
+    host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        item->drawn = item->drawn && item->shown && show;
+        item->shown = show != 0;
+        return MDL_SUCCESS;
+    });
+}
+
+void mdlDialog_itemEnable(MdlItem* handle, int32_t enable) {
+    host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        item->enabled = enable != 0;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_itemSynch(MdlItem* handle) {
+    return host::onItem(handle, 0,
+                        [](const ItemRef& item) -> int { return item.dialog->synch(*item) ? MDL_SUCCESS : MDL_ERROR; });
+}
+
+int mdlDialog_itemsSynch(MdlDialog* handle) {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto dialog = host::dialogOf(handle);
+        if (!dialog) return MDL_ERROR;
+        int status = MDL_SUCCESS;
+        for (int32_t i = 0; host::DialogItem* item = dialog->itemAt(i); ++i)
+            if (!item->access.empty() && !dialog->synch(*item)) status = MDL_ERROR;
+        return status;
+    });
+}
+
+const char* mdlDialog_itemGetValue(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item ? item->value.c_str() : nullptr;
+}
+
+int mdlDialog_itemSetValue(MdlItem* handle, const char* value) {
+    return host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        return value && item.dialog->change(item.index, value) ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
+void mdlDialog_itemDraw(MdlItem* handle) {
+    host::onItem(handle, 0, [](const ItemRef& item) -> int {
+        item.dialog->draw(item.index);
+        return MDL_SUCCESS;
+    });
+}
+
+// ---- texts ----
+
+int mdlDialog_textGetInfo(char* format, const MdlItem* handle) {
+    return host::onItem(handle, ITEM_TEXT, [&](const ItemRef& item) -> int {
+        if (!format) return MDL_ERROR;
+        const size_t length = std::min(item->format.size(), host::formatSize - 1);
+        std::memcpy(format, item->format.data(), length);
+        format[length] = '\0';
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_textSetInfo(MdlItem* handle, const char* format) {
+    return host::onItem(handle, ITEM_TEXT, [&](const ItemRef& item) -> int {
+        const std::string next = format ? format : "";
+        if (next.size() >= host::formatSize || (!next.empty() && !host::isValueFormat(next))) return MDL_ERROR;
+        item->format = next;
+        return MDL_SUCCESS;
+    });
+}
+
+// ---- list boxes ----
+
+int mdlDialog_listBoxSetStrListP(MdlItem* handle, StringList* list, int32_t columns) {
+    return host::onItem(handle, ITEM_LIST_BOX, [&](const ItemRef& item) -> int {
+        if (columns < 1) return MDL_ERROR;
+        item->list = list;
+        item->columns = columns;
+        if (item->selectedRow >= host::Dialog::rowCount(*item)) item->selectedRow = -1;
+        return MDL_SUCCESS;
+    });
+}
+
+StringList* mdlDialog_listBoxGetStrListP(const MdlItem* handle) {
+    const ItemRef item = host::itemOfKind(handle, ITEM_LIST_BOX);
+    return item ? item->list : nullptr;
+}
+
+int mdlDialog_listBoxSelectRow(MdlItem* handle, int32_t row) {
+    return host::onItem(handle, ITEM_LIST_BOX, [&](const ItemRef& item) -> int {
+        if (row < -1 || row >= host::Dialog::rowCount(*item)) return MDL_ERROR;
+        item->selectedRow = row;
+        item->value = std::to_string(row);
+        return MDL_SUCCESS;
+    });
+}
+
+int32_t mdlDialog_listBoxGetSelectedRow(const MdlItem* handle) {
+    const ItemRef item = host::itemOfKind(handle, ITEM_LIST_BOX);
+    return item ? item->selectedRow : -1;
+}
+
+// ---- option buttons ----
+
+int mdlDialog_optionButtonDeleteAll(MdlItem* handle) {
+    return host::onItem(handle, ITEM_OPTION_BUTTON, [](const ItemRef& item) -> int {
+        item->rows.clear();
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_optionButtonInsert(MdlItem* handle, const char* label, int32_t value) {
+    return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
+        if (!label) return MDL_ERROR;
+        item->rows.push_back({label, value});
+        if (item->value.empty()) item->value = std::to_string(value);
+        return MDL_SUCCESS;
+    });
+}
+
+int32_t mdlDialog_optionButtonCount(const MdlItem* handle) {
+    const ItemRef item = host::itemOfKind(handle, ITEM_OPTION_BUTTON);
+    return item ? static_cast<int32_t>(item->rows.size()) : 0;
+}
+
+int mdlDialog_optionButtonGet(const MdlItem* handle, int32_t row, const char** labelP, int32_t* valueP) {
+    return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
+        if (row < 0 || static_cast<size_t>(row) >= item->rows.size()) return MDL_ERROR;
+        const host::OptionRow& found = item->rows[static_cast<size_t>(row)];
+        if (labelP) *labelP = found.label.c_str();
+        if (valueP) *valueP = found.value;
+        return MDL_SUCCESS;
+    });
+}
