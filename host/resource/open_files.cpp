@@ -14,6 +14,7 @@
 #include "host/mdl/system.h"
 #include "host/session/guard.h"
 #include "host/session/session.h"
+#include "host/system/paths.h"
 
 namespace host {
 
@@ -82,12 +83,18 @@ std::string ownFile() {
         const std::string beside = std::filesystem::path(module).replace_extension(".rsc").string();
         if (stampOf(beside)) return beside;
     }
-    return variable("MS_APPRSC");
+    const std::string named = variable("MS_APPRSC");
+    return named.empty() ? named : systemPath(named);
 }
 
-std::string systemPathOf(const char* name) {
+// The file of that name, which is made when it isn't there and is to be written; empty when there is none.
+std::string namedFile(const char* name, int mode) {
     char found[256];
-    return mdlFile_find(found, name, nullptr, "rsc") == MDL_SUCCESS ? found : std::string();
+    if (mdlFile_find(found, name, nullptr, "rsc") == MDL_SUCCESS) return systemPath(found);
+    if (mode != MDL_RSC_WRITE || *name == '\0') return {};
+    const std::string path = systemPath(name);
+    writeContainer(path, {});
+    return path;
 }
 
 RscHandle openFile(const std::string& path, int mode) {
@@ -151,7 +158,7 @@ int mdlResource_openFile(RscHandle* handleP, const char* name, int mode) {
     if (handleP) *handleP = 0;
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (mode != MDL_RSC_READ && mode != MDL_RSC_WRITE) return MDL_ERROR;
-        const std::string path = name ? host::systemPathOf(name) : host::ownFile();
+        const std::string path = name ? host::namedFile(name, mode) : host::ownFile();
         const RscHandle handle = path.empty() ? 0 : host::openFile(path, mode);
         if (handleP) *handleP = handle;
         return handle == 0 ? MDL_ERROR : MDL_SUCCESS;

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "host/dialog/dialog.h"
 #include "host/mdl/model.h"
 #include "host/session/applications.h"
 #include "host/session/guard.h"
@@ -38,8 +39,9 @@ std::vector<void (*)()>& sessionEndObservers() {
     return observers;
 }
 
-// Stores what the command that is now finished changed.
+// Control is back in the host: closes the dialogs that wait for that, and stores what the finished command changed.
 void finishCommand(Session::State& state) {
+    closeQueuedDialogs();
     if (&mdlModelRef_getActive == nullptr || mdlModelRef_getActive() == nullptr) return;
     if (mdlSystem_saveDesignFile() != MDL_SUCCESS && state.exitStatus == 0) state.exitStatus = 1;
 }
