@@ -17,6 +17,8 @@
 #include "geometry/lines.h"
 #include "geometry/textsize.h"
 #include "geometry/userdata.h"
+#include "print/print.h"
+#include "print/ps.h"
 #include "text/fii.h"
 #include "text/file.h"
 

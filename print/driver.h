@@ -1,0 +1,41 @@
+// The contract between the page walker and a print device.
+#pragma once
+
+#include <cstdint>
+
+#include "host/mdl/types.h"
+
+struct LineStyle;  // print/styles.h
+
+// A polyline. gray from 0 (black) to 1 (white) asks for the closed outline to be filled; any other value for a line.
+struct Stroke {
+    const Point3d* points;
+    int32_t count;  // at least 2
+    double width;   // of the pen
+    const LineStyle* style;
+    double gray;
+};
+
+// A text on its base line.
+struct Label {
+    double x, y;
+    const char* text;
+    double height;  // 1.3 times the height of the text's box
+    double angle;
+    int32_t just;  // 0 centred, 1 right-aligned, else left-aligned
+};
+
+// What a print device does. Lengths are millimetres on the paper, x right, y up, origin at the sheet's lower left
+// corner; angles are degrees, counter-clockwise. A driver keeps one module-wide output; what is drawn while it isn't
+// open does nothing. A null member: the device has no such operation.
+struct PrintDriver {
+    bool quarterTurn;                                     // the walker turns the picture
+    int32_t (*open)(const char* fileName, int pageCode);  // 1, or 0 when the file can't be opened
+    void (*newPage)();
+    void (*close)();
+    int32_t (*jobStatus)();  // MCLIB_SUCCESS or MCLIB_ERROR: was all of the last job written?
+    void (*stroke)(const Stroke&);
+    void (*label)(const Label&);
+};
+
+extern const PrintDriver psDriver;

@@ -1,0 +1,68 @@
+// Numbers as the printf format "%.2f" writes them.
+#pragma once
+
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cstdint>
+#include <cstring>
+
+// The most characters that putHundredths writes: sign, 309 digits, point, two decimals.
+constexpr size_t hundredthsRoom = 320;
+
+namespace hundredths {
+
+constexpr auto digitPairs = [] {
+    std::array<char, 200> pairs{};
+    for (size_t i = 0; i < 100; ++i) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}();
+
+inline char* putPair(char* p, uint64_t n) {
+    std::memcpy(p, &digitPairs[2 * n], 2);
+    return p + 2;
+}
+
+inline char* putWhole(char* p, uint64_t n) {
+    if (n < 10) {
+        *p = static_cast<char>('0' + n);
+        return p + 1;
+    }
+    if (n < 100) return putPair(p, n);
+    if (n < 1000) {
+        *p = static_cast<char>('0' + n / 100);
+        return putPair(p + 1, n % 100);
+    }
+    if (n < 10000) return putPair(putPair(p, n / 100), n % 100);
+    p = putWhole(p, n / 10000);
+    return putPair(putPair(p, n / 100 % 100), n % 100);
+}
+
+}  // namespace hundredths
+
+// Writes v with two decimals: the exact binary value rounded, halves to the even digit, "-0.00" for what is below 0 and
+// rounds to it, nan and inf by name. Needs hundredthsRoom characters at p; gives the end of what it wrote.
+inline char* putHundredths(char* p, double v) {
+    const auto bits = std::bit_cast<uint64_t>(v);
+    const auto exponent = static_cast<int>(bits >> 52 & 0x7FF);
+    constexpr int whole = 1075;  // from this exponent on there are no binary places, or no number
+    if (exponent >= whole) return std::to_chars(p, p + hundredthsRoom, v, std::chars_format::fixed, 2).ptr;
+    *p = '-';
+    p += bits >> 63;
+    // |v| is mantissa / 2^places, and the mantissa times 100 stays below 2^60.
+    const uint64_t mantissa = (bits & 0xFFFFFFFFFFFFF) | (exponent ? uint64_t{1} << 52 : 0);
+    const int places = whole - (exponent ? exponent : 1);
+    uint64_t n = 0;
+    if (places <= 60) {
+        const uint64_t scaled = mantissa * 100, half = uint64_t{1} << (places - 1);
+        const uint64_t rest = scaled & (2 * half - 1);
+        n = scaled >> places;
+        n += rest > half || (rest == half && (n & 1));
+    }
+    p = hundredths::putWhole(p, n / 100);
+    *p++ = '.';
+    return hundredths::putPair(p, n % 100);
+}

@@ -1,0 +1,89 @@
+#include "print/print.h"
+
+#include <algorithm>
+#include <array>
+
+#include "frame/global_data.h"
+#include "frame/main.h"
+#include "print/driver.h"
+#include "print/walker.h"
+
+namespace {
+
+// The drivers by print device.
+constexpr auto drivers = std::to_array<const PrintDriver*>({
+    &psDriver, nullptr, nullptr, nullptr,  // 0 PostScript
+    nullptr, nullptr, nullptr,             // 6 is the host's plotter, which gets no file
+});
+
+struct PageSize {
+    int32_t code;
+    double width, height;  // mm
+};
+
+// clang-format off
+constexpr auto pageSizes = std::to_array<PageSize>({
+    // code  width   height
+    {  1,    841.0, 1189.0 },  // A0 portrait
+    {  2,   1189.0,  841.0 },  // A0 landscape
+    {  3,    594.0,  841.0 },  // A1 portrait
+    {  4,    841.0,  594.0 },  // A1 landscape
+    {  5,    420.0,  594.0 },  // A2 portrait
+    {  6,    594.0,  420.0 },  // A2 landscape
+    {  7,    297.0,  420.0 },  // A3 portrait
+    {  8,    420.0,  297.0 },  // A3 landscape
+    {  9,    210.0,  297.0 },  // A4 portrait
+    { 10,    297.0,  210.0 },  // A4 landscape
+    { 11,    148.5,  210.0 },  // A5 portrait
+    { 12,    210.0,  148.5 },  // A5 landscape
+});
+// clang-format on
+static_assert(std::ranges::all_of(pageSizes, [](const PageSize& p) { return &p - pageSizes.data() + 1 == p.code; }));
+
+const PrintDriver* driverOf(int32_t device) {
+    return 0 <= device && device < static_cast<int32_t>(drivers.size()) ? drivers[static_cast<size_t>(device)]
+                                                                        : nullptr;
+}
+
+const PrintDriver* currentDriver() {
+    const GlobalData* gd = mclibMain_getGlobalDataP();
+    return gd ? driverOf(gd->printDevice) : nullptr;
+}
+
+}  // namespace
+
+int mclibPrint_fopen(const char* fileName, int device) {
+    GlobalData* gd = mclibMain_getGlobalDataP();
+    if (!gd) return 0;
+    gd->printDevice = device;
+    const PrintDriver* driver = driverOf(device);
+    return driver ? driver->open(fileName, gd->printPageCode) : 1;
+}
+
+void mclibPrint_newPage(void) {
+    const PrintDriver* driver = currentDriver();
+    if (driver && driver->newPage) driver->newPage();
+}
+
+void mclibPrint_fclose(void) {
+    if (const PrintDriver* driver = currentDriver()) driver->close();
+}
+
+int mclibPrint_jobStatus(void) {
+    const GlobalData* gd = mclibMain_getGlobalDataP();
+    if (!gd) return MCLIB_ERROR;
+    const PrintDriver* driver = driverOf(gd->printDevice);
+    return driver ? driver->jobStatus() : MCLIB_SUCCESS;
+}
+
+void mclibPrint_getPageSize(double* width, double* height, int pageCode) {
+    if (GlobalData* gd = mclibMain_getGlobalDataP()) gd->printPageCode = pageCode;
+    if (pageCode < 1 || pageCode > static_cast<int>(pageSizes.size())) return;
+    const PageSize& size = pageSizes[static_cast<size_t>(pageCode) - 1];
+    *width = size.width;
+    *height = size.height;
+}
+
+void mclibPrint_printElementDescr(ElementDescr* page, double x, double y, double width, double height) {
+    if (const PrintDriver* driver = currentDriver()) walkPage(*driver, page, {x, y, width, height});
+}

@@ -1,0 +1,295 @@
+// The output: the prolog, then one line of text for each drawing step, in points, on one open page after the other.
+// Lines are put together in a block, which goes to the stream whenever it is full.
+#include "print/ps.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <numbers>
+#include <string_view>
+
+#include "host/mdl/files.h"
+#include "host/mdl/system.h"
+#include "print/driver.h"
+#include "print/hundredths.h"
+#include "print/ps_prolog.h"
+#include "print/styles.h"
+
+namespace {
+
+// Points in a millimetre. Differs from 72 / 25.4 in the eighth decimal; every PostScript file is made with this value.
+constexpr double pointsPerMm = 2.834645651435303;
+
+// Room for the longest line of numbers, or for a text with its numbers.
+constexpr size_t lineRoom = 2560;
+static_assert(lineRoom > 6 * hundredthsRoom + 256);
+
+// The job: open while `stream` isn't null. `failed` and `fileName` live on until the next job.
+struct PsState {
+    FILE* stream;
+    bool failed;
+    char fileName[256];
+    char* end;  // of what waits in the block
+    char block[size_t{1} << 16];
+};
+PsState state;
+
+// ---- the block ----
+
+// Bytes to the stream; a NUL, which may stand in an included file, goes by itself.
+void writeBytes(std::string_view bytes) {
+    while (!bytes.empty() && !state.failed) {
+        const std::string_view text = bytes.substr(0, bytes.find('\0'));
+        const int written =
+            text.empty() ? toolSubsystem_fprintf(state.stream, "%c", '\0')
+                         : toolSubsystem_fprintf(state.stream, "%.*s", static_cast<int>(text.size()), text.data());
+        if (written <= 0) state.failed = true;
+        bytes.remove_prefix(std::max<size_t>(text.size(), 1));
+    }
+}
+
+void flush() {
+    writeBytes({state.block, static_cast<size_t>(state.end - state.block)});
+    state.end = state.block;
+}
+
+// Room for one line at the end of the block. What is written there counts from taken() on.
+inline char* line() {
+    if (state.end > state.block + sizeof state.block - lineRoom) flush();
+    return state.end;
+}
+
+inline void taken(char* end) {
+    state.end = end;
+}
+
+inline char* put(char* p, std::string_view text) {
+    return p + text.copy(p, text.size());
+}
+
+inline char* putNumber(char* p, double v) {
+    p = putHundredths(p, v);
+    *p++ = ' ';
+    return p;
+}
+
+inline char* putLength(char* p, double mm) {
+    return putNumber(p, mm * pointsPerMm);
+}
+
+void write(std::string_view text) {
+    while (!text.empty()) {
+        const std::string_view part = text.substr(0, lineRoom);
+        taken(put(line(), part));
+        text.remove_prefix(part.size());
+    }
+}
+
+inline void writePoint(const Point3d& point, std::string_view operation) {
+    taken(put(putLength(putLength(line(), point.x), point.y), operation));
+}
+
+void writeGray(double gray) {
+    taken(put(putNumber(line(), gray), "setgray\n"));
+}
+
+void writeLineWidth(double width) {
+    taken(put(putLength(line(), width), "setlinewidth\n"));
+}
+
+void writeArc(double x, double y, double radius, double startAngle, double endAngle) {
+    char* p = putLength(putLength(putLength(line(), x), y), radius);
+    taken(put(putNumber(putNumber(p, startAngle), endAngle), "arc\n"));
+}
+
+// ---- texts ----
+
+constexpr size_t escapedTextSize = 256;  // its NUL included
+
+// A text between the parentheses of a string: backslashes doubled, and a backslash before each parenthesis that has no
+// partner.
+class EscapedText {
+  public:
+    explicit EscapedText(std::string_view text) {
+        text = text.substr(0, escapedTextSize - 1);
+        if (text.find_first_of("\\()") == text.npos) {
+            length = text.copy(buffer, text.size());
+            return;
+        }
+        while (!escape(text)) text.remove_suffix(1);
+    }
+
+    std::string_view view() const { return {buffer, length}; }
+
+  private:
+    // False when the result doesn't fit. A shorter text can lack a parenthesis that was a partner.
+    bool escape(std::string_view text) {
+        bool alone[escapedTextSize] = {};
+        size_t open[escapedTextSize], depth = 0;
+        for (size_t i = 0; i < text.size(); ++i) {
+            if (text[i] == '(') open[depth++] = i;
+            if (text[i] == ')' && depth-- == 0) alone[i] = true, depth = 0;
+        }
+        for (size_t i = 0; i < depth; ++i) alone[open[i]] = true;
+        length = 0;
+        for (size_t i = 0; i < text.size(); ++i) {
+            const bool escaped = text[i] == '\\' || alone[i];
+            if (length + escaped + 1 >= escapedTextSize) return false;
+            if (escaped) buffer[length++] = '\\';
+            buffer[length++] = text[i];
+        }
+        return true;
+    }
+
+    char buffer[escapedTextSize];
+    size_t length = 0;
+};
+
+constexpr std::string_view textProcedure(int just) {
+    switch (just) {
+        case 0: return "_dtfc\n";
+        case 1: return "_dtfr\n";
+        default: return "_dtfl\n";
+    }
+}
+
+// ---- files ----
+
+struct CloseStream {
+    void operator()(FILE* stream) const { dlmSystem_mdlFclose(stream); }
+};
+using Stream = std::unique_ptr<FILE, CloseStream>;
+
+int cannotLoad(const char* fileName) {
+    toolSubsystem_printf("mcpslib: unable to load %s.\n", fileName);
+    return 0;
+}
+
+char* putThousandths(char* p, double v) {
+    p = std::to_chars(p, p + hundredthsRoom, v, std::chars_format::fixed, 3).ptr;
+    *p++ = ' ';
+    return p;
+}
+
+bool isGray(double gray) {
+    return 0.0 <= gray && gray <= 1.0;
+}
+
+}  // namespace
+
+// ---- the job ----
+
+int mclibPs_fopen(const char* fileName) {
+    if (state.stream) mclibPs_fclose();
+    state.fileName[std::string_view(fileName).copy(state.fileName, sizeof state.fileName - 1)] = '\0';
+    state.end = state.block;
+    state.stream = dlmSystem_mdlFopen(fileName, "w");
+    state.failed = !state.stream;
+    if (state.failed) {
+        toolSubsystem_printf("mcpslib: cannot open %s.\n", fileName);
+        return 0;
+    }
+    write(psProlog);
+    return 1;
+}
+
+void mclibPs_newPage(void) {
+    if (state.stream) write("showpage\n");
+}
+
+void mclibPs_fclose(void) {
+    if (!state.stream) return;
+    mclibPs_newPage();
+    flush();
+    if (dlmSystem_mdlFclose(state.stream) != 0) state.failed = true;
+    state.stream = nullptr;
+    if (state.failed)
+        toolSubsystem_printf("mcpslib: cannot write all of %s; make room on its disk and print again.\n",
+                             state.fileName);
+}
+
+int mclibPs_jobStatus(void) {
+    return state.failed ? MCLIB_ERROR : MCLIB_SUCCESS;
+}
+
+// ---- drawing ----
+
+void mclibPs_drawLine(float x1, float y1, float x2, float y2, float width) {
+    if (!state.stream) return;
+    char* p = line();
+    for (const float value : {x1, y1, x2, y2, width}) p = putLength(p, value);
+    taken(put(p, "_dl\n"));
+}
+
+void mclibPs_drawPolyline(const Point3d* points, int count, double width, double gray) {
+    if (!state.stream || count < 1) return;
+    const bool filled = isGray(gray);
+    if (filled) writeGray(gray);
+    writeLineWidth(width);
+    writePoint(points[0], "moveto\n");
+    for (int i = 1; i < count; ++i) writePoint(points[i], "lineto\n");
+    write(filled ? "closepath fill\n0.00 setgray\n" : "stroke\n");
+}
+
+void mclibPs_drawPolylineExtended(const Point3d* points, int count, double width, const char* dash, double gray) {
+    if (!state.stream || count < 1) return;
+    write("[");
+    write(dash);
+    write("] 0 setdash\n");
+    mclibPs_drawPolyline(points, count, width, gray);
+}
+
+void mclibPs_drawText(double x, double y, const char* text, double height, double angle, int just) {
+    if (!state.stream) return;
+    char* p = putLength(putLength(line(), x), y);
+    p = put(put(put(p, "("), EscapedText(text).view()), ") ");
+    taken(put(putNumber(putLength(p, height), angle), textProcedure(just)));
+}
+
+void mclibPs_drawArc(double x, double y, double radius, double startAngle, double endAngle, double width) {
+    if (!state.stream) return;
+    const double start = startAngle * std::numbers::pi / 180;
+    writeLineWidth(width);
+    writePoint({x + radius * std::cos(start), y + radius * std::sin(start), 0}, "moveto\n");
+    writeArc(x, y, radius, startAngle, endAngle);
+    write("stroke\n");
+}
+
+void mclibPs_fillCirc(double x, double y, double radius, double startAngle, double endAngle, double gray) {
+    if (!state.stream) return;
+    writeGray(gray);
+    writePoint({x, y, 0}, "moveto\n");
+    writeArc(x, y, radius, startAngle, endAngle);
+    write("closepath fill\n0.00 setgray\n");
+}
+
+int mclibPs_includeEPSFile(const char* fileName, double scaleX, double scaleY, double x, double y, double rotation) {
+    if (!state.stream) return 0;
+    char buffer[4096];
+    const Stream eps(dlmSystem_mdlFopen(fileName, "r"));
+    size_t length = eps ? std::fread(buffer, 1, sizeof buffer, eps.get()) : 0;
+    if (!eps || std::ferror(eps.get())) return cannotLoad(fileName);
+    write("/EPSsave save def\n/showpage {} def\n");
+    char* p = put(putLength(putLength(line(), x), y), "translate ");
+    p = put(putThousandths(putThousandths(p, scaleX), scaleY), "scale ");
+    taken(put(putNumber(p, rotation), "rotate\n"));
+    write("% begin included EPS file\n");
+    for (; length > 0; length = std::fread(buffer, 1, sizeof buffer, eps.get())) write({buffer, length});
+    write("% end included EPS file\nEPSsave restore\n");
+    return std::ferror(eps.get()) ? cannotLoad(fileName) : 1;
+}
+
+// ---- the contract ----
+
+constexpr PrintDriver psDriver = {
+    .quarterTurn = false,
+    .open = [](const char* fileName, int) { return mclibPs_fopen(fileName); },
+    .newPage = mclibPs_newPage,
+    .close = mclibPs_fclose,
+    .jobStatus = mclibPs_jobStatus,
+    .stroke =
+        [](const Stroke& s) { mclibPs_drawPolylineExtended(s.points, s.count, s.width, s.style->psDash, s.gray); },
+    .label = [](const Label& l) { mclibPs_drawText(l.x, l.y, l.text, l.height, l.angle, l.just); },
+};
