@@ -42,6 +42,9 @@ MDL_EXPORT int mdlLineStyle_numberFromName(int32_t *numberP, const char *name, M
 /* The name of a style number below 0 into `name` (64 bytes). */
 MDL_EXPORT int mdlLineStyle_nameFromNumber(char *name, int32_t number, ModelRef *model);
 
+/* The dashes and gaps of a style number below 0, in master units, into `pattern` (32 values). */
+MDL_EXPORT int mdlLineStyle_getPattern(double *pattern, int32_t *countP, int32_t number, ModelRef *model);
+
 /* Value of a row that is a named style in the list below. */
 enum { MDL_STYLE_NAMED = 0x7FFFFF00 };
 /* Fills a list model of one column with the model's styles: value the number 0 to 7, or MDL_STYLE_NAMED with the name as

@@ -1,0 +1,51 @@
+// A design file on disk: an SQLite database whose application_id tells the kind and whose user_version tells the
+// format.
+//
+// Tables: `model`, one row a model, with a digest of that row and of the model's rows in `level`, `line_style` and
+// `text_style`; `chunk`, the chunks of ElementStore in order, each with its digest. While changes are stored the
+// database is in WAL mode, so a killed process leaves the last state that was stored whole; a file at rest is one plain
+// file. A file that is only read isn't touched.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+#include "host/model/model.h"
+#include "host/model/sqlite.h"
+
+namespace host {
+
+// Why a file can't be used: words that go behind the file's name and a colon, what to do included.
+struct FileProblem : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// Makes an empty design file; FileProblem when the name is taken or it can't be written, and nothing is left then.
+void createContainer(const std::string& path, bool is3d);
+
+// Reads and checks all of a file. FileProblem when it can't be used.
+void loadContainer(const std::string& path, ModelRef& model);
+
+// Stores the changes of a model that was loaded from the file.
+class ContainerWriter {
+  public:
+    explicit ContainerWriter(std::string path) : path_(std::move(path)) {}
+    ~ContainerWriter() { close(); }
+
+    // All changes, or none: FileProblem when they can't be stored, and they are still known as changes then.
+    void save(ModelRef& model);
+    // Brings all into the one file and ends the database. What was saved is safe also when this fails.
+    void close() noexcept;
+    // Gives the disk back what the file no longer needs; it stays as it is when that fails.
+    void shrink() noexcept;
+
+  private:
+    void open();
+
+    std::string path_;
+    Database database_;
+};
+
+bool hasChanges(ModelRef& model);
+
+}  // namespace host

@@ -1,0 +1,58 @@
+// Design files that are open: the active one and work files beside it.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+
+#include "host/model/container.h"
+#include "host/model/model.h"
+
+namespace host {
+
+// Holds a file against other writers, in this process and in others, for as long as it stands.
+class WriterLock {
+  public:
+    WriterLock() = default;
+    ~WriterLock();
+    WriterLock(const WriterLock&) = delete;
+    WriterLock& operator=(const WriterLock&) = delete;
+    void take(const std::string& path);  // FileProblem when another one has it
+
+  private:
+    int file_ = -1;
+};
+
+class DesignFile {
+  public:
+    enum class Use { write, read };
+
+    // `path` is a full path of the system. Opened to write, a file that can't be written is read-only. FileProblem when
+    // it can't be used.
+    DesignFile(const std::string& path, Use use);
+    DesignFile(const DesignFile&) = delete;
+    DesignFile& operator=(const DesignFile&) = delete;
+
+    const std::string& path() const { return path_; }
+    std::string name() const;  // as users write it
+    bool isReadOnly() const { return readOnly_; }
+    bool is(const std::string& path) const;  // whether that path leads to this file
+
+    void save();           // FileProblem when the changes can't be stored
+    void saveAndShrink();  // before it is closed: also gives back what deleted elements took, when that is much
+
+    ModelRef model;
+
+  private:
+    std::string path_;
+    dev_t device_ = 0;
+    ino_t inode_ = 0;
+    bool readOnly_;
+    WriterLock lock_;  // ends after the writer: closing any handle of a file drops the locks that SQLite has on it
+    ContainerWriter writer_;
+};
+
+// Closes the active file and all work files without storing anything.
+void dropDesignFiles();
+
+}  // namespace host

@@ -1,0 +1,218 @@
+// Elements and descriptors to and from the open design files.
+#include <algorithm>
+#include <cstring>
+
+#include "host/element/range.h"
+#include "host/mdl/elmdscr.h"
+#include "host/model/model.h"
+#include "host/session/guard.h"
+
+namespace host {
+namespace {
+
+using Unit = std::vector<StoredNode>;
+
+void flatten(const ElementDescr* node, uint32_t depth, Unit& unit) {
+    unit.push_back({depth, node->element});
+    for (const ElementDescr* child = node->firstChild; child != nullptr; child = child->next) {
+        flatten(child, depth + 1, unit);
+    }
+}
+
+Unit unitOf(const ElementDescr* node) {
+    Unit unit;
+    flatten(node, 0, unit);
+    return unit;
+}
+
+// Whether the model can take the unit; a line in the message centre when it can't.
+bool canBeStored(const ModelRef& model, std::span<const StoredNode> unit) {
+    const bool sound = std::ranges::all_of(
+        unit, [](const StoredNode& n) { return n.element != nullptr && elementIsSound(n.element, MDL_ELEMENT_BYTES); });
+    if (!sound) {
+        fileProblem("An element isn't stored: its size and the offset of its attributes don't fit. Build it anew.");
+    } else if (ElementStore::unitBytes(unit) > ElementStore::maxUnitBytes) {
+        fileProblem("An element isn't stored: it is larger than 256 MB with its components. Divide it.");
+    } else if (model.elements.nextPosition() == UINT32_MAX) {
+        fileProblem("An element isn't stored: the file has had all the elements that it can number. Copy it.");
+    } else {
+        return true;
+    }
+    return false;
+}
+
+void noteStored(ModelRef& model, FilePos position, std::span<const StoredNode> unit) {
+    if (model.unstoredLevels != 0) {
+        for (const StoredNode& node : unit) storeLevel(model, node.element->head.level);
+    }
+    updateRange(model, position);
+}
+
+FilePos addUnit(ModelRef& model, std::span<const StoredNode> unit) {
+    const FilePos position = model.elements.add(unit);
+    noteStored(model, position, unit);
+    return position;
+}
+
+FilePos replaceUnit(ModelRef& model, FilePos position, std::span<const StoredNode> unit) {
+    model.elements.replace(position, unit);
+    noteStored(model, position, unit);
+    return position;
+}
+
+// The units of a chain; empty when one of them can't be stored.
+std::vector<Unit> chainUnits(const ModelRef& model, const ElementDescr* first) {
+    std::vector<Unit> units;
+    for (const ElementDescr* node = first; node != nullptr; node = node->next) {
+        units.push_back(unitOf(node));
+        if (!canBeStored(model, units.back())) return {};
+    }
+    return units;
+}
+
+void addAsLastChild(ElementDescr* parent, ElementDescr* child) {
+    child->parent = parent;
+    child->previous = parent->lastChild;
+    (parent->lastChild ? parent->lastChild->next : parent->firstChild) = child;
+    parent->lastChild = child;
+}
+
+// The element at the position as a descriptor, null when out of memory; counts its nodes.
+ElementDescr* readUnit(ModelRef& model, FilePos position, uint32_t& count) {
+    std::vector<ElementDescr*> path;  // from the element to the last node read
+    bool complete = true;
+    forEachNode(model.elements.record(position), [&](const StoredNode& stored) {
+        ElementDescr* node = nullptr;
+        if (!complete || mdlElmdscr_new(&node, &model, stored.element) != MDL_SUCCESS) {
+            complete = false;
+            return;
+        }
+        if (stored.depth != 0) {
+            path.resize(stored.depth);
+            addAsLastChild(path.back(), node);
+        }
+        path.push_back(node);
+        ++count;
+    });
+    ElementDescr* top = path.empty() ? nullptr : path.front();
+    if (!complete) {
+        mdlElmdscr_freeAll(&top);
+        count = 0;
+    } else {
+        top->filePos = position;
+    }
+    return top;
+}
+
+}  // namespace
+}  // namespace host
+
+using namespace host;
+
+// ---- elements ----
+
+uint32_t mdlElement_read(MSElementBuffer* out, ModelRef* model, FilePos position) {
+    const ModelRef* found = openModel(model);
+    const MSElementBuffer* element = found ? found->elements.element(position) : nullptr;
+    if (element == nullptr || out == nullptr) return 0;
+    std::memcpy(out, element, elementBytes(element));
+    return elementBytes(element);
+}
+
+FilePos mdlElement_add(const MSElementBuffer* element) {
+    return guarded<FilePos>(0, [&]() -> FilePos {
+        ModelRef* model = writableModel(nullptr);
+        const StoredNode unit[] = {{0, element}};
+        return model && canBeStored(*model, unit) ? addUnit(*model, unit) : 0;
+    });
+}
+
+FilePos mdlElement_rewrite(const MSElementBuffer* element, FilePos position) {
+    return guarded<FilePos>(0, [&]() -> FilePos {
+        ModelRef* model = writableModel(nullptr);
+        if (model == nullptr || !model->elements.isLive(position)) return 0;
+        Unit unit;
+        forEachNode(model->elements.record(position), [&](const StoredNode& node) { unit.push_back(node); });
+        unit.front().element = element;
+        return canBeStored(*model, unit) ? replaceUnit(*model, position, unit) : 0;
+    });
+}
+
+int mdlElement_undoableDelete(const MSElementBuffer*, FilePos position, int32_t) {
+    return guarded(int{MDL_ERROR}, [&]() -> int {
+        ModelRef* model = writableModel(nullptr);
+        if (model == nullptr || !model->elements.isLive(position)) return MDL_ERROR;
+        model->deleted.push_back(position);
+        try {
+            model->elements.remove(position);
+        } catch (...) {
+            model->deleted.pop_back();
+            throw;
+        }
+        return MDL_SUCCESS;
+    });
+}
+
+FilePos mdlUndo_lastDelete(void) {
+    return guarded<FilePos>(0, []() -> FilePos {
+        ModelRef* model = openModel(nullptr);
+        if (model == nullptr || model->deleted.empty()) return 0;
+        const FilePos position = model->deleted.back();
+        model->elements.restore(position);
+        model->deleted.pop_back();
+        updateRange(*model, position);
+        return position;
+    });
+}
+
+int mdlElement_display(const MSElementBuffer* element, int32_t drawMode) {
+    const bool known = drawMode >= MDL_DRAW && drawMode <= MDL_HIGHLIGHT;
+    return known && element && elementIsSound(element, MDL_ELEMENT_BYTES) ? int{MDL_SUCCESS} : int{MDL_ERROR};
+}
+
+// ---- descriptors ----
+
+uint32_t mdlElmdscr_read(ElementDescr** edPP, FilePos position, ModelRef* model) {
+    if (edPP == nullptr) return 0;
+    *edPP = nullptr;
+    return guarded<uint32_t>(0, [&]() -> uint32_t {
+        ModelRef* found = openModel(model);
+        if (found == nullptr || !found->elements.isLive(position)) return 0;
+        uint32_t count = 0;
+        *edPP = readUnit(*found, position, count);
+        return count;
+    });
+}
+
+uint32_t mdlElmdscr_readToMaster(ElementDescr** edPP, FilePos position, ModelRef* model) {
+    return mdlElmdscr_read(edPP, position, model);
+}
+
+FilePos mdlElmdscr_add(ElementDescr* ed) {
+    return guarded<FilePos>(0, [&]() -> FilePos {
+        ModelRef* model = ed ? writableModel(ed->model) : nullptr;
+        if (model == nullptr) return 0;
+        FilePos first = 0;
+        for (const Unit& unit : chainUnits(*model, ed)) {
+            const FilePos position = addUnit(*model, unit);
+            if (first == 0) first = position;
+        }
+        return first;
+    });
+}
+
+FilePos mdlElmdscr_rewrite(ElementDescr* ed, FilePos position) {
+    return guarded<FilePos>(0, [&]() -> FilePos {
+        ModelRef* model = ed ? writableModel(ed->model) : nullptr;
+        if (model == nullptr || !model->elements.isLive(position)) return 0;
+        const std::vector<Unit> units = chainUnits(*model, ed);
+        if (units.empty()) return 0;
+        replaceUnit(*model, position, units.front());
+        for (const Unit& unit : std::span(units).subspan(1)) addUnit(*model, unit);
+        return position;
+    });
+}
+
+int mdlElmdscr_display(ElementDescr* ed, ModelRef*, int32_t drawMode) {
+    return ed ? mdlElement_display(ed->element, drawMode) : int{MDL_ERROR};
+}

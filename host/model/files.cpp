@@ -1,0 +1,263 @@
+// Which design files are open, and the calls that open, store and close them.
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "host/mdl/files.h"
+#include "host/mdl/level.h"
+#include "host/mdl/model.h"
+#include "host/mdl/system.h"
+#include "host/model/design_file.h"
+#include "host/session/guard.h"
+#include "host/session/session.h"
+#include "host/system/paths.h"
+
+namespace {
+
+unsigned char modes[8];  // the first byte: the open design file is 3D
+
+}  // namespace
+
+unsigned char* mgds_modesP = modes;
+
+namespace host {
+namespace {
+
+struct LevelLibrary {
+    std::unique_ptr<DesignFile> file;
+    std::filesystem::file_time_type time;
+};
+
+// Lives for the process; emptied when a session ends.
+struct OpenFiles {
+    std::unique_ptr<DesignFile> active;
+    std::vector<std::unique_ptr<DesignFile>> work;
+    LevelLibrary levelLibrary;
+    bool switching = false;  // one design file is being exchanged for another
+} files;
+
+std::string fullPath(const char* name) {
+    return std::filesystem::absolute(systemPath(name)).lexically_normal().string();
+}
+
+// "Can't WHAT the design file "NAME": WHY"
+int cannot(const char* what, std::string_view name, const FileProblem& problem) {
+    return fileProblem(std::string("Can't ") + what + " the design file \"" + std::string(name) +
+                       "\": " + problem.what());
+}
+
+// Runs a call that gives a file's name; 0, or MDL_ERROR with a line.
+template <class Body>
+int withFile(const char* what, const char* name, Body body) {
+    return guarded(int{MDL_ERROR}, [&]() -> int {
+        const char* given = name ? name : "";
+        try {
+            if (*given == '\0') throw FileProblem("no name was given. Give the name of a design file (.mcd).");
+            return body(fullPath(given));
+        } catch (const FileProblem& problem) {
+            return cannot(what, given, problem);
+        }
+    });
+}
+
+void publishActive() {
+    const std::string name = files.active ? files.active->name() : std::string();
+    std::memcpy(tcbP->designFileName, name.c_str(), name.size() + 1);
+    modes[0] = files.active && files.active->model.is3d;
+}
+
+void closeActive() {
+    if (!files.active) return;
+    files.active->saveAndShrink();
+    files.active.reset();
+    publishActive();
+}
+
+void closeAtSessionEnd() {
+    const std::string name = files.active ? files.active->name() : std::string();
+    try {
+        closeActive();
+    } catch (const FileProblem& problem) {
+        cannot("store", name, problem);
+    }
+    dropDesignFiles();
+}
+
+void watchSession() {
+    static const bool watching = (observeSessionEnd(closeAtSessionEnd), true);
+    (void)watching;
+}
+
+// Opens `path` in place of the active file, which stays open when that fails. A file that is opened again is closed
+// first, so that it isn't its own rival.
+void exchangeActive(const std::string& path, bool readOnly) {
+    const std::string name = hostName(path);
+    if (name.size() >= sizeof tcbP->designFileName) {
+        throw FileProblem("its full name is longer than 255 characters. Move it to a folder with a shorter name.");
+    }
+    const auto use = readOnly ? DesignFile::Use::read : DesignFile::Use::write;
+    const bool again = files.active && files.active->is(path);
+    std::unique_ptr<DesignFile> next = again ? nullptr : std::make_unique<DesignFile>(path, use);
+    if (files.active) {
+        files.active->save();
+        fireNewDesignFile(name.c_str(), 0);
+        closeActive();
+    }
+    files.active = again ? std::make_unique<DesignFile>(path, use) : std::move(next);
+    publishActive();
+    fireNewDesignFile(name.c_str(), 1);
+}
+
+struct SwitchingScope {
+    SwitchingScope() { files.switching = true; }
+    ~SwitchingScope() { files.switching = false; }
+};
+
+// The level library, read anew when the file has changed. Null without one.
+ModelRef* levelLibrary(const std::string& path) {
+    LevelLibrary& library = files.levelLibrary;
+    std::error_code failed;
+    const auto time = std::filesystem::last_write_time(path, failed);
+    if (failed) return nullptr;
+    if (!library.file || !library.file->is(path) || library.time != time) {
+        library.file = std::make_unique<DesignFile>(path, DesignFile::Use::read);
+        library.time = time;
+    }
+    return &library.file->model;
+}
+
+}  // namespace
+
+void dropDesignFiles() {
+    files = {};
+    publishActive();
+}
+
+int fileProblem(std::string_view line) {
+    mdlOutput_messageCenter(10, std::string(line).c_str(), "", 0);
+    return MDL_ERROR;
+}
+
+ModelRef* openModel(ModelRef* model) {
+    ModelRef* active = files.active ? &files.active->model : nullptr;
+    if (model == nullptr || model == active) return active;
+    if (files.levelLibrary.file && model == &files.levelLibrary.file->model) return model;
+    const bool isWork = std::ranges::any_of(files.work, [&](const auto& file) { return &file->model == model; });
+    return isWork ? model : nullptr;
+}
+
+ModelRef* writableModel(ModelRef* model) {
+    ModelRef* found = openModel(model);
+    if (found == nullptr) {
+        fileProblem("Can't change a design file that isn't open: open it first.");
+        return nullptr;
+    }
+    const bool isActive = files.active && found == &files.active->model;
+    if (isActive && !files.active->isReadOnly()) return found;
+    fileProblem("Can't change the design file \"" + found->file->name() +
+                "\": it is open to be read only. Open it to be written, or copy it first.");
+    return nullptr;
+}
+
+}  // namespace host
+
+using namespace host;
+
+int mdlSystem_createDesignFile(const char* name, int is3d) {
+    return withFile("make", name, [&](const std::string& path) {
+        createContainer(path, is3d != 0);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlSystem_newDesignFile(const char* name, int readOnly) {
+    return withFile("open", name, [&](const std::string& path) {
+        if (files.switching) throw FileProblem("another one is being opened. Open it when that is done.");
+        const SwitchingScope scope;
+        watchSession();
+        exchangeActive(path, readOnly != 0);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlSystem_saveDesignFile(void) {
+    if (!files.active) return MDL_SUCCESS;
+    return withFile("store", files.active->name().c_str(), [](const std::string&) {
+        files.active->save();
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlWorkDgn_openFile(ModelRef** modelP, const char* name) {
+    if (modelP == nullptr) return MDL_ERROR;
+    return withFile("open", name, [&](const std::string& path) {
+        watchSession();
+        if (files.active && files.active->is(path)) {
+            *modelP = &files.active->model;
+            return MDL_SUCCESS;
+        }
+        files.work.push_back(std::make_unique<DesignFile>(path, DesignFile::Use::read));
+        *modelP = &files.work.back()->model;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlWorkDgn_closeFile(ModelRef* model) {
+    if (model == nullptr) return MDL_ERROR;
+    if (std::erase_if(files.work, [&](const auto& file) { return &file->model == model; }) != 0) return MDL_SUCCESS;
+    return model == mdlModelRef_getActive() ? MDL_SUCCESS : MDL_ERROR;
+}
+
+ModelRef* mdlLevelLibrary_getModelRef(void) {
+    return guarded<ModelRef*>(nullptr, []() -> ModelRef* {
+        const std::unique_ptr<char, void (*)(void*)> name(mdlSystem_getExpandedCfgVar("MS_LEVELLIB"),
+                                                          dlmSystem_mdlFree);
+        if (!name || *name == '\0') return nullptr;
+        watchSession();
+        try {
+            return levelLibrary(fullPath(name.get()));
+        } catch (const FileProblem& problem) {
+            cannot("read the level library from", name.get(), problem);
+            return nullptr;
+        }
+    });
+}
+
+// ---- models ----
+
+ModelRef* mdlModelRef_getActive(void) {
+    return openModel(nullptr);
+}
+
+int mdlModelRef_isReadOnly(ModelRef* model) {
+    const ModelRef* found = openModel(model);
+    return found == nullptr || found->file->isReadOnly();
+}
+
+int mdlModelRef_is3D(ModelRef* model) {
+    const ModelRef* found = openModel(model);
+    return found != nullptr && found->is3d;
+}
+
+double mdlModelRef_getUorPerMaster(ModelRef* model) {
+    const ModelRef* found = openModel(model);
+    return found ? found->uorPerMaster : 1;
+}
+
+uint32_t mdlModelRef_getElementCount(ModelRef* model) {
+    const ModelRef* found = openModel(model);
+    return found ? found->elements.liveCount() : 0;
+}
+
+int mdlModelRef_getRange(ModelRef* model, Range3d* range) {
+    return guarded(int{MDL_ERROR}, [&]() -> int {
+        ModelRef* found = openModel(model);
+        if (found == nullptr || range == nullptr) return MDL_ERROR;
+        const std::optional<Range3d> all = modelRange(*found);
+        if (!all) return MDL_ERROR;
+        *range = *all;
+        return MDL_SUCCESS;
+    });
+}

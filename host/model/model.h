@@ -1,0 +1,94 @@
+// A model in memory, and what is open.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/mdl/element.h"
+#include "host/mdl/text.h"
+#include "host/model/element_store.h"
+#include "host/model/range_index.h"
+
+namespace host {
+
+struct LevelSymbology {
+    uint32_t color = 0;
+    int32_t style = 0;
+    uint32_t weight = 0;
+    uint32_t fillColor = 0;
+    LineStyleParams styleParams = {0, 1, 0, 0};
+};
+
+struct LevelOverride {
+    uint32_t color = 0;
+    int32_t style = 0;
+    uint32_t weight = 0;
+};
+
+struct Level {
+    LevelId id;
+    int32_t code;
+    std::wstring name;
+    LevelSymbology byLevel;
+    LevelOverride override;
+    bool stored;  // belongs into the file
+};
+
+struct LineStyle {
+    int32_t number;  // below 0
+    std::string name;
+    std::vector<double> pattern;  // dashes and gaps in turn, master units
+};
+
+struct TextStyle {
+    TextParams params;
+    TextSize size;
+};
+
+class DesignFile;
+
+}  // namespace host
+
+struct ModelRef {
+    host::DesignFile* file;
+    uint64_t serial;  // differs for every model that was ever open, while the address may come again
+    bool is3d = false;
+    double uorPerMaster = 10000;
+    host::ElementStore elements;
+    std::vector<host::Level> levels;  // in order of id
+    LevelId nextLevel = 1;
+    std::vector<host::LineStyle> lineStyles;  // in order of their numbers from -1 down
+    std::map<std::wstring, host::TextStyle> textStyles;
+    bool tablesChanged = false;   // levels or styles, since they were last stored
+    uint32_t unstoredLevels = 0;  // levels that aren't to be stored so far
+
+    std::vector<FilePos> deleted;  // what can be brought back, the last one last
+    host::RangeIndex ranges;       // filled at the first search by window
+    bool rangesFilled = false;
+};
+
+namespace host {
+
+// The model that a caller means: the active one for null. Null for a model that isn't open any more.
+ModelRef* openModel(ModelRef* model);
+// The same when it can be written, else null with a line in the message centre.
+ModelRef* writableModel(ModelRef* model);
+
+const Level* findLevel(const ModelRef& model, LevelId id);
+const LineStyle* findLineStyle(const ModelRef& model, int32_t number);
+// Marks a level as one that belongs into the file.
+void storeLevel(ModelRef& model, LevelId id);
+
+// The index of ranges of the model, made at the first call.
+RangeIndex& rangesOf(ModelRef& model);
+// Brings the index in line with the element at the position, if there is an index already.
+void updateRange(ModelRef& model, FilePos position) noexcept;
+std::optional<Range3d> modelRange(ModelRef& model);  // of all elements
+
+// Adds a line to the message centre that says what went wrong, with which file, and what to do. Gives MDL_ERROR.
+int fileProblem(std::string_view line);
+
+}  // namespace host

@@ -1,0 +1,206 @@
+// Scans over the elements of a model.
+#include "host/mdl/scan.h"
+
+#include <algorithm>
+#include <bit>
+#include <optional>
+
+#include "host/model/model.h"
+#include "host/session/guard.h"
+
+struct ScanCriteria {
+    ModelRef* model = nullptr;  // null: the active one
+    std::vector<uint16_t> types;
+    std::vector<LevelId> levels;
+    uint32_t classMask = 0;
+    std::optional<Range3d> window;
+    bool oneElement = false;
+
+    // What the scan has found, fixed with its first portion.
+    uint64_t modelSerial = 0;  // 0: none so far
+    std::vector<FilePos> found;
+    size_t next = 0;  // in found: what the next portion begins with
+};
+
+namespace host {
+namespace {
+
+constexpr int32_t returnPositions = 1;
+constexpr int32_t wordsPerPosition = sizeof(FilePos) / sizeof(uint16_t);
+
+template <class Value>
+bool passes(const std::vector<Value>& wanted, Value value) {
+    return wanted.empty() || std::ranges::find(wanted, value) != wanted.end();
+}
+
+bool passes(const ScanCriteria& criteria, const ElementKey& key) {
+    return key.live && passes(criteria.types, key.type) && passes(criteria.levels, key.level) &&
+           (criteria.classMask == 0 || (criteria.classMask >> key.elementClass & 1) != 0);
+}
+
+bool takesAll(const ScanCriteria& criteria) {
+    return criteria.types.empty() && criteria.levels.empty() && criteria.classMask == 0;
+}
+
+// Sorts positions, each there once. Many of them go through one bit for each position of the model, which takes two
+// short runs over memory; few are sorted as they stand.
+void sortPositions(std::vector<FilePos>& positions, uint32_t positionLimit) {
+    if (positions.size() < positionLimit / 512) {
+        std::ranges::sort(positions);
+        return;
+    }
+    std::vector<uint64_t> bits(positionLimit / 64 + 1);
+    for (const FilePos position : positions) bits[position / 64] |= uint64_t{1} << position % 64;
+    FilePos* out = positions.data();
+    for (size_t word = 0; word < bits.size(); ++word) {
+        for (uint64_t left = bits[word]; left != 0; left &= left - 1) {
+            *out++ = static_cast<FilePos>(64 * word + std::countr_zero(left));
+        }
+    }
+}
+
+void findInWindow(const ScanCriteria& criteria, ModelRef& model, std::vector<FilePos>& found) {
+    rangesOf(model).search(*criteria.window, found);
+    sortPositions(found, model.elements.nextPosition());
+    if (takesAll(criteria) && model.elements.liveCount() + 1 == model.elements.nextPosition()) return;
+    const std::span<const ElementKey> keys = model.elements.keys();
+    std::erase_if(found, [&](FilePos position) { return !passes(criteria, keys[position]); });
+}
+
+void findAnywhere(const ScanCriteria& criteria, const ModelRef& model, std::vector<FilePos>& found) {
+    const std::span<const ElementKey> keys = model.elements.keys();
+    if (takesAll(criteria)) found.reserve(model.elements.liveCount());
+    for (FilePos position = 1; position < keys.size(); ++position) {
+        if (passes(criteria, keys[position])) found.push_back(position);
+    }
+}
+
+void fixResult(ScanCriteria& criteria, ModelRef& model) {
+    criteria.found.clear();
+    criteria.next = 0;
+    if (criteria.window) {
+        findInWindow(criteria, model, criteria.found);
+    } else {
+        findAnywhere(criteria, model, criteria.found);
+    }
+    criteria.modelSerial = model.serial;
+}
+
+void forgetResult(ScanCriteria& criteria) {
+    criteria.found = {};
+    criteria.modelSerial = 0;
+}
+
+// Moves `next` to the first element that hasn't been deleted since; false at the end.
+bool moveToLive(ScanCriteria& criteria, const ModelRef& model) {
+    while (criteria.next < criteria.found.size() && !model.elements.isLive(criteria.found[criteria.next])) {
+        ++criteria.next;
+    }
+    return criteria.next < criteria.found.size();
+}
+
+void placeBehind(ScanCriteria& criteria, FilePos start) {
+    criteria.next = static_cast<size_t>(std::ranges::upper_bound(criteria.found, start) - criteria.found.begin());
+}
+
+// Fills the buffer; true when elements follow those in it.
+bool fillPortion(ScanCriteria& criteria, const ModelRef& model, std::span<FilePos> buffer, size_t& count) {
+    for (count = 0; moveToLive(criteria, model); ++count) {
+        if (count == buffer.size()) return true;
+        buffer[count] = criteria.found[criteria.next++];
+    }
+    return false;
+}
+
+int scan(ScanCriteria& criteria, std::span<FilePos> buffer, int32_t* sizeP, FilePos* startP) {
+    *sizeP = 0;
+    ModelRef* model = openModel(criteria.model);
+    if (model == nullptr || buffer.empty()) return MDL_ERROR;
+    const bool begins = startP && *startP == 0;
+    if (begins || criteria.modelSerial != model->serial) fixResult(criteria, *model);
+    if (startP) placeBehind(criteria, *startP);
+    size_t count = 0;
+    bool more = fillPortion(criteria, *model, criteria.oneElement ? buffer.first(1) : buffer, count);
+    if (criteria.oneElement) more = count != 0;
+    *sizeP = static_cast<int32_t>(count) * wordsPerPosition;
+    if (startP && count != 0) *startP = buffer[count - 1];
+    if (!more) forgetResult(criteria);
+    return more ? int{MDL_SCAN_MORE} : int{MDL_SUCCESS};
+}
+
+// Changes what is asked for; a scan that has begun begins anew.
+template <class Change>
+int change(ScanCriteria* criteria, Change apply) {
+    return guarded(int{MDL_ERROR}, [&]() -> int {
+        if (criteria == nullptr) return MDL_ERROR;
+        forgetResult(*criteria);
+        return apply(*criteria);
+    });
+}
+
+}  // namespace
+}  // namespace host
+
+using namespace host;
+
+ScanCriteria* mdlScanCriteria_create(void) {
+    return guarded<ScanCriteria*>(nullptr, [] { return new ScanCriteria; });
+}
+
+void mdlScanCriteria_free(ScanCriteria** criteriaP) {
+    if (criteriaP == nullptr) return;
+    delete *criteriaP;
+    *criteriaP = nullptr;
+}
+
+int mdlScanCriteria_setModel(ScanCriteria* criteria, ModelRef* model) {
+    return change(criteria, [&](ScanCriteria& c) -> int {
+        if (openModel(model) == nullptr) return MDL_ERROR;
+        c.model = model;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlScanCriteria_addSingleElementTypeTest(ScanCriteria* criteria, int32_t type) {
+    return change(criteria, [&](ScanCriteria& c) -> int {
+        if (type <= 0 || type > UINT16_MAX) return MDL_ERROR;
+        c.types.push_back(static_cast<uint16_t>(type));
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlScanCriteria_addSingleLevelTest(ScanCriteria* criteria, LevelId level) {
+    return change(criteria, [&](ScanCriteria& c) -> int {
+        c.levels.push_back(level);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlScanCriteria_setClassTest(ScanCriteria* criteria, uint32_t classMask) {
+    return change(criteria, [&](ScanCriteria& c) -> int {
+        c.classMask = classMask;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlScanCriteria_setRangeTest(ScanCriteria* criteria, const Range3d* range) {
+    return change(criteria, [&](ScanCriteria& c) -> int {
+        c.window = range ? std::optional(*range) : std::nullopt;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlScanCriteria_setReturnType(ScanCriteria* criteria, int32_t type, int32_t oneElement, int32_t) {
+    return change(criteria, [&](ScanCriteria& c) -> int {
+        if (type != returnPositions) return MDL_ERROR;
+        c.oneElement = oneElement != 0;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlScanCriteria_scan(ScanCriteria* criteria, FilePos* buffer, int32_t* sizeP, FilePos* startP) {
+    return guarded(int{MDL_ERROR}, [&]() -> int {
+        if (criteria == nullptr || buffer == nullptr || sizeP == nullptr || *sizeP < 0) return MDL_ERROR;
+        return scan(*criteria, std::span(buffer, static_cast<size_t>(*sizeP / wordsPerPosition)), sizeP, startP);
+    });
+}

@@ -1,0 +1,71 @@
+#include "host/model/sqlite.h"
+
+namespace host {
+
+void Database::open(const std::string& name, int flags) {
+    const int result = sqlite3_open_v2(name.c_str(), &handle_, flags, nullptr);
+    if (result == SQLITE_OK) return;
+    const SqliteFailure failure(result & 0xFF, handle_ ? sqlite3_errmsg(handle_) : sqlite3_errstr(result));
+    close();
+    throw failure;
+}
+
+void Database::run(const std::string& sql) {
+    const int result = sqlite3_exec(handle_, sql.c_str(), nullptr, nullptr, nullptr);
+    if (result != SQLITE_OK) throw SqliteFailure(result & 0xFF, sqlite3_errmsg(handle_));
+}
+
+int64_t Database::number(const std::string& sql) {
+    Statement statement(*this, sql);
+    return statement.step() ? statement.integer(0) : 0;
+}
+
+void Database::close() noexcept {
+    sqlite3_close_v2(handle_);
+    handle_ = nullptr;
+}
+
+Statement::Statement(Database& database, std::string_view sql) : database_(database) {
+    check(sqlite3_prepare_v2(database.handle(), sql.data(), static_cast<int>(sql.size()), &handle_, nullptr));
+}
+
+bool Statement::step() {
+    const int result = sqlite3_step(handle_);
+    if (result == SQLITE_ROW) return true;
+    if (result == SQLITE_DONE) return false;
+    const SqliteFailure failure(result & 0xFF, sqlite3_errmsg(database_.handle()));
+    sqlite3_reset(handle_);
+    throw failure;
+}
+
+std::string_view Statement::text(int column) const {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(handle_, column));
+    return {text ? text : "", static_cast<size_t>(sqlite3_column_bytes(handle_, column))};
+}
+
+std::span<const std::byte> Statement::blob(int column) const {
+    const auto* bytes = static_cast<const std::byte*>(sqlite3_column_blob(handle_, column));
+    return {bytes, static_cast<size_t>(sqlite3_column_bytes(handle_, column))};
+}
+
+void Statement::bind(int index, std::string_view value) {
+    check(sqlite3_bind_text(handle_, index, value.data() ? value.data() : "", static_cast<int>(value.size()),
+                            SQLITE_STATIC));
+}
+
+void Statement::bind(int index, std::span<const std::byte> value) {
+    if (value.empty()) return check(sqlite3_bind_zeroblob(handle_, index, 0));
+    check(sqlite3_bind_blob64(handle_, index, value.data(), value.size(), SQLITE_STATIC));
+}
+
+void Statement::check(int result) const {
+    if (result != SQLITE_OK) throw SqliteFailure(result & 0xFF, sqlite3_errmsg(database_.handle()));
+}
+
+Transaction::~Transaction() {
+    if (open_ && !sqlite3_get_autocommit(database_.handle())) {
+        sqlite3_exec(database_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);
+    }
+}
+
+}  // namespace host
