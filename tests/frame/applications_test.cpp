@@ -239,9 +239,10 @@ TEST_F(Frame, SharesTheBlocksAmongApplicationsAndMakesThemAnewAfterTheLast) {
 }
 
 TEST_F(Frame, MakesTheBlocksAnewWhenTheOnlyApplicationHasEnded) {
-    session().endApplication(start("first"));
+    MdlDesc* first = start("first");
     EXPECT_EQ(mdlDialog_setAccessValue("mclibsd->revs", "B"), MDL_SUCCESS);
     EXPECT_EQ(mdlDialog_setAccessValue("mcScaleP->activeIndex", "7"), MDL_SUCCESS);
+    session().endApplication(first);
     start("second");
     EXPECT_EQ(valueOf("mclibsd->revs"), "");
     EXPECT_EQ(valueOf("mcScaleP->activeIndex"), "0");
