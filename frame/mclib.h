@@ -17,6 +17,8 @@
 #include "geometry/lines.h"
 #include "geometry/textsize.h"
 #include "geometry/userdata.h"
+#include "text/formula.h"
+#include "text/tagstring.h"
 #include "print/print.h"
 #include "print/ps.h"
 #include "text/fii.h"

@@ -1,0 +1,451 @@
+// One pass over the text with a stack of the symbols that are still open: an operator is worked out as soon as the next
+// token binds no tighter, which gives the order of an LR parser's reductions. The next token is read before the
+// operators in front of it are worked out, so a console line about it comes first.
+#include "text/formula.h"
+
+#include <math.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstring>
+#include <limits>
+#include <string_view>
+
+#include "host/mdl/system.h"
+#include "host/mdl/transform.h"
+
+namespace {
+
+// ---- characters and names ----
+
+enum class Token : uint8_t { plus, minus, times, divide, power, open, close, number, function, end, bad };
+enum class CharKind : uint8_t { other, space, digit, letter };
+
+constexpr auto charKinds = [] {
+    std::array<CharKind, 256> kinds{};
+    kinds[' '] = CharKind::space;
+    for (int c = '0'; c <= '9'; ++c) kinds[c] = CharKind::digit;
+    for (int c = 'A'; c <= 'Z'; ++c) kinds[c] = kinds[c + 'a' - 'A'] = CharKind::letter;
+    return kinds;
+}();
+
+constexpr auto singleTokens = [] {
+    std::array<Token, 256> tokens;
+    tokens.fill(Token::bad);
+    tokens['+'] = Token::plus;
+    tokens['-'] = Token::minus;
+    tokens['*'] = Token::times;
+    tokens['/'] = Token::divide;
+    tokens['^'] = Token::power;
+    tokens['('] = Token::open;
+    tokens[')'] = Token::close;
+    tokens['\0'] = Token::end;
+    return tokens;
+}();
+
+constexpr CharKind kindOf(char c) {
+    return charKinds[static_cast<uint8_t>(c)];
+}
+constexpr bool isDigit(char c) {
+    return kindOf(c) == CharKind::digit;
+}
+constexpr bool isNameChar(char c) {
+    return kindOf(c) >= CharKind::digit;
+}
+constexpr char upper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+// A name as a number, so that names compare at once: its characters in base 256. 0 is no name.
+constexpr size_t longestKey = 8;
+constexpr uint64_t addToKey(uint64_t key, char c) {
+    return key << 8 | static_cast<uint8_t>(c);
+}
+constexpr uint64_t keyOf(std::string_view name) {
+    uint64_t key = 0;
+    for (const char c : name) key = addToKey(key, c);
+    return key;
+}
+
+// ---- functions ----
+
+enum class Domain : uint8_t { all, unit /* -1 to 1 */, notNegative };
+
+struct Function {
+    std::string_view name;
+    double (*value)(double);
+    Domain domain = Domain::all;
+};
+
+// Without its fraction and within 32 bits; what is no number is 0.
+double wholeNumber(double x) {
+    constexpr double lowest = std::numeric_limits<int32_t>::min(), highest = std::numeric_limits<int32_t>::max();
+    return isnan(x) ? 0.0 : static_cast<double>(static_cast<int32_t>(std::clamp(x, lowest, highest)));
+}
+
+double halvesAwayFromZero(double x) {
+    return wholeNumber(x < 0.0 ? x - 0.5 : x + 0.5);
+}
+double square(double x) {
+    return x * x;
+}
+// x to the power 10, not 10 to the power x.
+double tenthPower(double x) {
+    return pow(x, 10.0);
+}
+
+// A correction that is the same for every x; the console tells what it was asked for.
+double xCorrection(double x) {
+    toolSubsystem_printf("X_Correction. inn=%f\n", x);
+    return 20.0;
+}
+
+constexpr auto functions = [] {
+    // clang-format off
+    auto rows = std::to_array<Function>({
+        {"ABS",   fabs},
+        {"ACOS",  acos, Domain::unit},
+        {"ASIN",  asin, Domain::unit},
+        {"ATAN",  atan},
+        {"COS",   cos},
+        {"COSH",  cosh},
+        {"EXP",   exp},
+        {"LOG",   log},
+        {"LOG10", log10},
+        {"POW10", tenthPower},
+        {"ROUND", halvesAwayFromZero},
+        {"SIN",   sin},
+        {"SINH",  sinh},
+        {"SQR",   square},
+        {"SQRT",  sqrt, Domain::notNegative},
+        {"TAN",   tan},
+        {"TANH",  tanh},
+        {"TRUNC", wholeNumber},
+        {"XCORR", xCorrection},
+    });
+    // clang-format on
+    std::ranges::sort(rows, {}, [](const Function& f) { return keyOf(f.name); });
+    return rows;
+}();
+
+constexpr auto functionKeys = [] {
+    std::array<uint64_t, functions.size()> keys{};
+    std::ranges::transform(functions, keys.begin(), [](const Function& f) { return keyOf(f.name); });
+    return keys;
+}();
+
+const Function* findFunction(uint64_t key) {
+    const auto found = std::ranges::lower_bound(functionKeys, key);
+    return found != functionKeys.end() && *found == key ? &functions[found - functionKeys.begin()] : nullptr;
+}
+
+bool inDomain(Domain domain, double x) {
+    switch (domain) {
+        case Domain::all: return true;
+        case Domain::unit: return !(x < -1.0 || x > 1.0);
+        case Domain::notNegative: return !(x < 0.0);
+    }
+    return true;
+}
+
+// ---- parameters ----
+
+struct Parameters {
+    int count = 0;
+    const double* values = nullptr;
+    std::array<uint64_t, MCLIB_FORMULA_PARAMETERS> keys;
+};
+
+// Upper-cases the names where they stand. A slot without NUL ends with its last byte.
+void record(Parameters& parameters, int count, char* names, const double* values) {
+    parameters.count = count;
+    parameters.values = values;
+    for (int i = 0; i < count; ++i, names += MCLIB_FORMULA_NAME_SIZE) {
+        uint64_t key = 0;
+        for (int j = 0; j < MCLIB_FORMULA_NAME_SIZE && names[j]; ++j) key = addToKey(key, names[j] = upper(names[j]));
+        parameters.keys[i] = key;
+    }
+}
+
+const double* findParameter(const Parameters& parameters, uint64_t key) {
+    for (int i = 0; i < parameters.count; ++i) {
+        if (parameters.keys[i] == key) return &parameters.values[i];
+    }
+    return nullptr;
+}
+
+// ---- scanner ----
+
+void printUnknownName(const char* rest) {
+    char text[MCLIB_FORMULA_LENGTH + 1];
+    size_t length = 0;
+    for (; rest[length]; ++length) text[length] = upper(rest[length]);
+    text[length] = '\0';
+    toolSubsystem_printf("Error '%s' in cmParse\n", text);
+}
+
+// The exact powers of ten: a whole number below 2^53 times or divided by one of them is rounded once, as a reader of
+// decimal numbers must (W. D. Clinger, "How to read floating point numbers accurately").
+constexpr std::array powersOfTen{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr ptrdiff_t exactDigits = 15;
+
+// Any number of the scanner's form, as atof reads it. `magnitude` is the power of ten of its first digit that counts.
+double longNumber(const char* first, const char* last, ptrdiff_t magnitude) {
+    double value = 0.0;
+    if (std::from_chars(first, last, value).ec != std::errc::result_out_of_range) return value;
+    return magnitude > 0 ? HUGE_VAL : 0.0;
+}
+
+struct Scanner {
+    const char* at;
+    const Parameters& parameters;
+    Token token = Token::bad;
+    double value = 0.0;                  // of a number
+    const Function* function = nullptr;  // of a function
+
+    void next();
+
+  private:
+    Token number();
+    Token word();
+    void skipDigits(uint64_t& digits) {
+        for (; isDigit(*at); ++at) digits = digits * 10 + static_cast<uint64_t>(*at - '0');
+    }
+    int exponent();
+};
+
+void Scanner::next() {
+    while (*at == ' ') ++at;
+    const CharKind kind = kindOf(*at);
+    if (kind == CharKind::digit || *at == '.') {
+        token = number();
+    } else if (kind == CharKind::letter) {
+        token = word();
+    } else {
+        token = singleTokens[static_cast<uint8_t>(*at)];
+        if (token != Token::end) ++at;
+    }
+}
+
+// Digits with at most one point and perhaps an exponent.
+Token Scanner::number() {
+    const char* const start = at;
+    uint64_t mantissa = 0;
+    skipDigits(mantissa);
+    ptrdiff_t digits = at - start, decimals = 0;
+    if (*at == '.') {
+        const char* const fraction = ++at;
+        skipDigits(mantissa);
+        decimals = at - fraction;
+        digits += decimals;
+        if (digits == 0) return Token::bad;
+    }
+    const ptrdiff_t scale = exponent() - decimals;
+    if (at - start > MCLIB_FORMULA_NUMBER_LENGTH) return Token::bad;
+    if (digits > exactDigits || std::abs(scale) >= std::ssize(powersOfTen)) {
+        value = longNumber(start, at, scale + digits - 1);
+    } else {
+        value = static_cast<double>(mantissa);
+        value = scale < 0 ? value / powersOfTen[-scale] : value * powersOfTen[scale];
+    }
+    return Token::number;
+}
+
+// An E, a sign or none, and up to 3 digits, which may be missing.
+int Scanner::exponent() {
+    if (upper(*at) != 'E') return 0;
+    ++at;
+    const bool negative = *at == '-';
+    if (*at == '+' || *at == '-') ++at;
+    int power = 0;
+    for (int i = 0; i < 3 && isDigit(*at); ++i) power = power * 10 + (*at++ - '0');
+    return negative ? -power : power;
+}
+
+Token Scanner::word() {
+    const char* const start = at;
+    uint64_t key = 0;
+    for (; isNameChar(*at); ++at) key = addToKey(key, upper(*at));
+    if (at - start <= static_cast<ptrdiff_t>(longestKey)) {
+        if ((function = findFunction(key))) return Token::function;
+        if (key == keyOf("PI")) {
+            value = *fc_piP;
+            return Token::number;
+        }
+        if (const double* parameter = findParameter(parameters, key)) {
+            value = *parameter;
+            return Token::number;
+        }
+    }
+    printUnknownName(start);
+    return Token::bad;
+}
+
+// ---- parser ----
+
+enum class Symbol : uint8_t { start, open, function, sum, difference, product, quotient, power, negation, operand };
+
+struct ParseEntry {
+    Symbol symbol;
+    const Function* function;  // of a function
+    double value;              // of an operand
+};
+
+// What stands between two operands: its symbol, how tightly it holds the operand on its left, and (as a token) up to
+// which strength it lets that operand be taken by the symbol before it. All other tokens take no operand: everything up
+// to the last bracket is worked out in front of them.
+constexpr auto symbolStrength = std::to_array<uint8_t>({/* start, open, function */ 0, 0, 0, /* sum, difference */ 1, 1,
+                                                        /* product, quotient */ 2, 2, /* power */ 3, /* negation */ 5});
+constexpr auto tokenStrength = std::to_array<uint8_t>({/* plus, minus */ 1, 1, /* times, divide */ 2, 2,
+                                                       /* power, from right to left */ 4,
+                                                       /* open, close, number, function, end, bad */ 1, 1, 1, 1, 1, 1});
+constexpr bool isOperator(Token token) {
+    return token <= Token::power;
+}
+constexpr Symbol symbolOf(Token token) {
+    return static_cast<Symbol>(static_cast<int>(Symbol::sum) + static_cast<int>(token));
+}
+static_assert(symbolOf(Token::power) == Symbol::power);
+
+// Of the last call: its result is the value of entry 1, above the start.
+struct FormulaState {
+    std::array<ParseEntry, MCLIB_FORMULA_NESTING + 1> stack;
+    double failureResult;
+};
+FormulaState state;
+
+class Parser {
+  public:
+    Parser(const char* formula, const Parameters& parameters) : scanner{formula, parameters} {
+        *top = {Symbol::start, nullptr, 0.0};
+    }
+    // The value, or null.
+    double* run();
+
+  private:
+    bool readOperand();
+    bool reduce();
+    bool applyOperator(Symbol symbol);
+    bool closeBracket();
+    bool push(Symbol symbol);
+
+    Scanner scanner;
+    ParseEntry* top = state.stack.data();
+};
+
+double* Parser::run() {
+    scanner.next();
+    while (readOperand()) {
+        if (!reduce()) return nullptr;
+        while (scanner.token == Token::close) {
+            if (!closeBracket() || !reduce()) return nullptr;
+        }
+        if (!isOperator(scanner.token))
+            return scanner.token == Token::end && top == &state.stack[1] ? &top->value : nullptr;
+        if (!push(symbolOf(scanner.token))) return nullptr;
+    }
+    return nullptr;
+}
+
+// Takes the token as `symbol` and reads the next one.
+bool Parser::push(Symbol symbol) {
+    if (top == &state.stack.back()) return false;
+    *++top = {symbol, scanner.function, scanner.value};
+    scanner.next();
+    return true;
+}
+
+// Reads up to a number: signs, functions and brackets stay open in front of it.
+bool Parser::readOperand() {
+    for (;;) {
+        switch (scanner.token) {
+            case Token::number: return push(Symbol::operand);
+            case Token::minus:
+                if (top->symbol == Symbol::negation || !push(Symbol::negation)) return false;
+                break;
+            case Token::function:
+                if (!push(Symbol::function) || scanner.token != Token::open) return false;
+                break;
+            case Token::open:
+                if (!push(Symbol::open)) return false;
+                break;
+            default: return false;
+        }
+    }
+}
+
+// Works out all in front of the operand on top that holds it tighter than the next token does.
+bool Parser::reduce() {
+    const uint8_t strength = tokenStrength[static_cast<int>(scanner.token)];
+    for (Symbol symbol = top[-1].symbol; symbolStrength[static_cast<int>(symbol)] >= strength;
+         symbol = top[-1].symbol) {
+        if (!applyOperator(symbol)) return false;
+    }
+    return true;
+}
+
+bool Parser::applyOperator(Symbol symbol) {
+    const double right = top->value;
+    if (symbol == Symbol::negation) {
+        *--top = {Symbol::operand, nullptr, -right};
+        return true;
+    }
+    double& left = (top -= 2)->value;
+    switch (symbol) {
+        case Symbol::sum: left += right; break;
+        case Symbol::difference: left -= right; break;
+        case Symbol::product: left *= right; break;
+        case Symbol::quotient: left /= right; return right != 0.0;
+        default: left = pow(left, right);
+    }
+    return true;
+}
+
+// Takes the closing bracket: the operand within takes the place of its bracket, and of the function in front.
+bool Parser::closeBracket() {
+    if (top[-1].symbol != Symbol::open) return false;
+    scanner.next();
+    double value = top->value;
+    --top;
+    if (top[-1].symbol == Symbol::function) {
+        const Function& function = *(--top)->function;
+        if (!inDomain(function.domain, value)) return false;
+        value = function.value(value);
+    }
+    *top = {Symbol::operand, nullptr, value};
+    return true;
+}
+
+// ---- one call ----
+
+// Tells of everything that is over a limit.
+bool withinLimits(const char* formula, int parameterCount) {
+    const bool tooMany = parameterCount > MCLIB_FORMULA_PARAMETERS;
+    const bool tooLong = strnlen(formula, MCLIB_FORMULA_LENGTH + 1) > MCLIB_FORMULA_LENGTH;
+    if (tooMany) {
+        toolSubsystem_printf("Feil i mclibParse_parseFormula: For mange parametre %d (max %d)\n", parameterCount,
+                             MCLIB_FORMULA_PARAMETERS);
+    }
+    if (tooLong) toolSubsystem_printf("Feil i mclibParse_parseFormula: For lang ligning\n");
+    return !tooMany && !tooLong;
+}
+
+double* evaluate(const char* formula, int count, char* names, const double* values) {
+    if (!formula || !withinLimits(formula, count)) return nullptr;
+    Parameters parameters;
+    if (names && values) record(parameters, count, names, values);
+    return Parser(formula, parameters).run();
+}
+
+}  // namespace
+
+double* mclibParse_parseFormulaP(const char* formula, int* errorP, int parameterCount, char* parameterNames,
+                                 const double* parameterValues) {
+    double* const value = evaluate(formula, parameterCount, parameterNames, parameterValues);
+    if (errorP) *errorP = value ? 0 : 1;
+    if (value) return value;
+    state.failureResult = 0.0;
+    return &state.failureResult;
+}
