@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "batch/message_dialogs.h"
 #include "elmattr/table.h"
 #include "frame/applications.h"
 #include "frame/error.h"
@@ -79,7 +80,11 @@ void startAttributes(GlobalData& data) {
     data.attributeList = nullptr;
 }
 
-constexpr Room rooms[] = {startAttributes};
+void startMessageDialogs(GlobalData&) {
+    publishMessageDialogHooks();
+}
+
+constexpr Room rooms[] = {startMessageDialogs, startAttributes};
 
 struct PublishedBlock {
     const char* structName;

@@ -13,7 +13,8 @@ enum { MDL_RSC_READ = 0, MDL_RSC_WRITE = 1 };
  * To be written the file must be writable; a name that isn't there makes a new one. A name without an extension is also
  * tried with ".rsc".
  * 0, or MDL_ERROR with the handle 0; a file that isn't a resource file, or is damaged, also gets a line in the message
- * centre, and stays as it is. The same file is kept in memory once, however often it is open. What an application leaves open is closed when it ends. */
+ * centre, and stays as it is. The same file is kept in memory once, however often it is open. What an application
+ * leaves open is closed when it ends. */
 MDL_EXPORT int mdlResource_openFile(RscHandle *handleP, const char *name, int mode);
 MDL_EXPORT int mdlResource_closeFile(RscHandle handle);
 /* The string `messageId` of list `listId` into `buffer` (512 bytes, cut there). `rscFile` 0 looks in the files of the
