@@ -1,0 +1,71 @@
+#include "host/front/scripted.h"
+
+#include <utility>
+
+namespace host {
+
+namespace {
+
+// Out of all items when there is none: the event functions refuse it.
+size_t placeOf(const Dialog& dialog, int32_t kind, int32_t id) {
+    const int32_t index = dialog.indexOf(kind, id);
+    return index < 0 ? dialog.items().size() : static_cast<size_t>(index);
+}
+
+}  // namespace
+
+DialogScript& DialogScript::add(std::string name, std::function<bool(Dialog&)> take) {
+    steps_.push_back({std::move(name), std::move(take)});
+    return *this;
+}
+
+DialogScript& DialogScript::press(int32_t buttonId) {
+    return add("press " + std::to_string(buttonId),
+               [=](Dialog& dialog) { return dialog.press(placeOf(dialog, ITEM_PUSH_BUTTON, buttonId)); });
+}
+
+DialogScript& DialogScript::setValue(int32_t kind, int32_t id, std::string value) {
+    return add("set " + std::to_string(id) + " to \"" + value + "\"",
+               [=](Dialog& dialog) { return dialog.setValue(placeOf(dialog, kind, id), value); });
+}
+
+DialogScript& DialogScript::selectRow(int32_t listBoxId, int32_t row) {
+    return add("select row " + std::to_string(row) + " of " + std::to_string(listBoxId),
+               [=](Dialog& dialog) { return dialog.selectRow(placeOf(dialog, ITEM_LIST_BOX, listBoxId), row); });
+}
+
+DialogScript& DialogScript::activate(int32_t kind, int32_t id) {
+    return add("activate " + std::to_string(id),
+               [=](Dialog& dialog) { return dialog.activate(placeOf(dialog, kind, id)); });
+}
+
+DialogScript& DialogScript::close() {
+    return add("close", [](Dialog& dialog) {
+        dialog.close();
+        return true;
+    });
+}
+
+DialogScript& DialogScript::check(std::function<void(Dialog&)> look) {
+    return add("check", [look = std::move(look)](Dialog& dialog) {
+        look(dialog);
+        return true;
+    });
+}
+
+bool DialogScript::operator()(Dialog& dialog) {
+    while (!dialog.ended()) {
+        dialog.refresh();
+        if (steps_.empty() || !fault_.empty()) return false;
+        // The step leaves the queue first: a hook that it runs may open a dialog, which takes the steps behind it.
+        const Step step = std::move(steps_.front());
+        steps_.pop_front();
+        if (!step.take(dialog)) {
+            fault_ = "dialog " + std::to_string(dialog.id()) + " refused: " + step.name;
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace host

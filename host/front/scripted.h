@@ -1,0 +1,43 @@
+// Answers by script: a queue of steps that dialogs take as they are run, each dialog until it has ended.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <string>
+
+#include "host/dialog/dialog.h"
+#include "host/export.h"
+
+namespace host {
+
+class HOST_EXPORT DialogScript {
+  public:
+    // Steps; each gives the script again. Texts are Windows-1252.
+    DialogScript& press(int32_t buttonId);
+    DialogScript& setValue(int32_t kind, int32_t id, std::string value);
+    DialogScript& selectRow(int32_t listBoxId, int32_t row);
+    DialogScript& activate(int32_t kind, int32_t id);
+    DialogScript& close();
+    // Looks at the dialog, or does something beside it; the step is good.
+    DialogScript& check(std::function<void(Dialog&)> look);
+
+    // Takes steps until the dialog has ended. False when no step is left, so that nobody answers, and when a step can't
+    // be taken: then fault() tells which, and no further step is.
+    bool operator()(Dialog& dialog);
+
+    bool finished() const { return steps_.empty(); }
+    const std::string& fault() const { return fault_; }
+
+  private:
+    struct Step {
+        std::string name;
+        std::function<bool(Dialog&)> take;
+    };
+    DialogScript& add(std::string name, std::function<bool(Dialog&)> take);
+
+    std::deque<Step> steps_;
+    std::string fault_;
+};
+
+}  // namespace host

@@ -1,0 +1,247 @@
+#include "host/front/terminal.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <deque>
+#include <fstream>
+#include <stdexcept>
+
+#include "host/front/dialog_text.h"
+#include "host/session/session.h"
+#include "host/system/charset.h"
+
+namespace host {
+
+namespace {
+
+enum { STATUS_FIELD = 1, ERROR_FIELD = 3 };
+enum { BUTTON_FIRST = -3 };
+
+std::string_view trimmed(std::string_view text) {
+    const size_t first = text.find_first_not_of(" \t\r");
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+// Without letter case, for the letters of Windows-1252.
+std::string folded(std::string_view narrow) {
+    std::string result;
+    for (const char c : narrow) {
+        const auto code = static_cast<unsigned char>(c);
+        const bool capital = (code >= 'A' && code <= 'Z') || (code >= 0xc0 && code <= 0xde && code != 0xd7);
+        result.push_back(static_cast<char>(capital ? code + 0x20 : code));
+    }
+    return result;
+}
+
+std::deque<std::string> linesOf(const std::string& path) {
+    std::deque<std::string> lines;
+    if (path.empty()) return lines;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) lines.push_back(line);
+    if (!file.eof()) throw std::runtime_error(path + ": the file of answers can't be read; check its name");
+    return lines;
+}
+
+std::optional<size_t> numberIn(std::string_view text) {
+    size_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return number;
+}
+
+// ---- what an answer does ----
+
+std::vector<size_t> usableButtons(const Dialog& dialog) {
+    std::vector<size_t> buttons = usableItems(dialog);
+    std::erase_if(buttons, [&](size_t i) { return dialog.items()[i].kind != ITEM_PUSH_BUTTON; });
+    return buttons;
+}
+
+// The one that an unattended run presses: that with the id -3, else the first in the layout.
+std::optional<size_t> firstButton(const Dialog& dialog) {
+    const std::vector<size_t> buttons = usableButtons(dialog);
+    if (buttons.empty()) return std::nullopt;
+    const auto first = std::ranges::find_if(buttons, [&](size_t i) { return dialog.items()[i].id == BUTTON_FIRST; });
+    return first == buttons.end() ? buttons[0] : *first;
+}
+
+std::optional<size_t> defaultButton(const Dialog& dialog) {
+    for (const size_t button : usableButtons(dialog))
+        if (dialog.items()[button].isDefault) return button;
+    return std::nullopt;
+}
+
+// The one button whose label is, or else begins with, the answer.
+std::optional<size_t> buttonLabelled(const Dialog& dialog, std::string_view answer) {
+    const std::string wanted = folded(answer);
+    std::vector<size_t> beginning;
+    for (const size_t button : usableButtons(dialog)) {
+        const std::string label = folded(dialog.items()[button].label);
+        if (label == wanted) return button;
+        if (label.starts_with(wanted)) beginning.push_back(button);
+    }
+    return beginning.size() == 1 ? std::optional(beginning[0]) : std::nullopt;
+}
+
+bool choose(Dialog& dialog, size_t index, std::string_view value) {
+    const std::vector<OptionRow>& rows = dialog.items()[index].rows;
+    const std::string wanted = folded(value);
+    auto row = std::ranges::find_if(rows, [&](const OptionRow& r) { return folded(r.label) == wanted; });
+    if (const auto number = numberIn(value); row == rows.end() && number && *number >= 1 && *number <= rows.size())
+        row = rows.begin() + static_cast<ptrdiff_t>(*number - 1);
+    return row != rows.end() && dialog.setValue(index, std::to_string(row->value));
+}
+
+bool setItem(Dialog& dialog, size_t index, std::string_view value) {
+    switch (dialog.items()[index].kind) {
+        case ITEM_OPTION_BUTTON: return choose(dialog, index, value);
+        case ITEM_LIST_BOX: {
+            const auto row = numberIn(value);
+            return row && *row >= 1 && *row <= INT32_MAX && dialog.selectRow(index, static_cast<int32_t>(*row) - 1);
+        }
+        case ITEM_PUSH_BUTTON: return false;
+        default: return dialog.setValue(index, value);
+    }
+}
+
+// ---- the front end ----
+
+class TerminalFrontEnd : public FrontEnd {
+  public:
+    explicit TerminalFrontEnd(TerminalOptions options)
+        : answers_(linesOf(options.answersFile)),
+          asks_(options.asks.value_or(isatty(fileno(options.input)))),
+          showsProgress_(options.showsProgress.value_or(isatty(fileno(options.errors)))),
+          options_(std::move(options)) {}
+    ~TerminalFrontEnd() override { endProgress(); }
+
+    void console(std::string_view text) override {
+        endProgress();
+        std::fwrite(text.data(), 1, text.size(), options_.output);
+        std::fflush(options_.output);
+    }
+
+    void messageField(int field, std::string_view text) override {
+        if (field == ERROR_FIELD && !text.empty()) show(std::string(text) + "\n");
+        if (field != STATUS_FIELD || !showsProgress_) return;
+        std::fprintf(options_.errors, "\r%.*s\x1b[K", static_cast<int>(text.size()), text.data());
+        std::fflush(options_.errors);
+        progressShown_ = !text.empty();
+    }
+
+    void messageCenter(int, std::string_view brief, std::string_view details) override {
+        show(std::string(brief) + (details.empty() ? "" : ": ") + std::string(details) + "\n");
+    }
+
+    bool runModal(Dialog& dialog) override {
+        while (!dialog.ended()) {
+            if (Session* session = Session::current()) session->runDueTimers();
+            dialog.refresh();
+            if (dialog.ended()) break;
+            show(textOf(dialog));
+            if (const auto answer = nextAnswer(dialog))
+                take(dialog, *answer);
+            else if (!answerUnattended(dialog))
+                return false;
+        }
+        return true;
+    }
+
+  private:
+    // What comes from files and drawings can't steer the terminal.
+    void show(std::string text) {
+        endProgress();
+        std::ranges::replace_if(
+            text, [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\n'; }, ' ');
+        std::fwrite(text.data(), 1, text.size(), options_.errors);
+        std::fflush(options_.errors);
+    }
+
+    void endProgress() {
+        if (progressShown_) std::fputc('\n', options_.errors);
+        progressShown_ = false;
+    }
+
+    // A line of the file of answers, or of the terminal; nothing when there is neither. A terminal that has ended (or
+    // Ctrl-D) closes the dialog, and isn't asked again.
+    std::optional<std::string> nextAnswer(Dialog& dialog) {
+        if (!answers_.empty()) {
+            std::string answer = std::move(answers_.front());
+            answers_.pop_front();
+            show("> " + answer + "\n");
+            return answer;
+        }
+        if (options_.yes || !asks_) return std::nullopt;
+        show(question(dialog));
+        std::string line;
+        int c;
+        while ((c = std::fgetc(options_.input)) != EOF && c != '\n') line.push_back(static_cast<char>(c));
+        if (c != EOF || !line.empty()) return line;
+        show("\n");
+        asks_ = false;
+        return std::nullopt;
+    }
+
+    static std::string question(const Dialog& dialog) {
+        const auto button = defaultButton(dialog);
+        return button ? "[" + utf8FromNarrow(dialog.items()[*button].label) + "] > " : "> ";
+    }
+
+    void take(Dialog& dialog, std::string_view answer) {
+        const NarrowText narrow = narrowFromUtf8(trimmed(answer));
+        if (narrow.badPosition) return show("There is a character in this answer that can't be used.\n");
+        if (!follow(dialog, narrow.text))
+            show("This can't be done here: \"" + std::string(trimmed(answer)) +
+                 "\". Give the number or label of a button, or number=value for another item.\n");
+    }
+
+    bool follow(Dialog& dialog, std::string_view answer) {
+        if (answer.empty()) {
+            const auto button = defaultButton(dialog);
+            return button && dialog.press(*button);
+        }
+        const size_t equals = answer.find('=');
+        const std::vector<size_t> usable = usableItems(dialog);
+        const auto number = numberIn(trimmed(answer.substr(0, equals)));
+        if (!number || *number < 1 || *number > usable.size()) {
+            const auto button = buttonLabelled(dialog, answer);
+            return button && dialog.press(*button);
+        }
+        const size_t index = usable[*number - 1];
+        if (equals != std::string_view::npos) return setItem(dialog, index, trimmed(answer.substr(equals + 1)));
+        const DialogItem& item = dialog.items()[index];
+        if (item.kind == ITEM_TOGGLE) return dialog.setValue(index, item.value == "1" ? "0" : "1");
+        return item.kind == ITEM_PUSH_BUTTON && dialog.press(index);
+    }
+
+    bool answerUnattended(Dialog& dialog) {
+        const auto button = firstButton(dialog);
+        const bool onlyOne = usableButtons(dialog).size() == 1;
+        if (!button || !(options_.yes || onlyOne)) {
+            show("Nobody answers. Answer at a terminal, or run with --yes or --answers FILE.\n");
+            return false;
+        }
+        if (options_.yes) show("> " + utf8FromNarrow(dialog.items()[*button].label) + "\n");
+        dialog.press(*button);
+        dialog.close();  // where the button didn't
+        return true;
+    }
+
+    std::deque<std::string> answers_;
+    bool asks_;
+    bool showsProgress_;
+    bool progressShown_ = false;
+    TerminalOptions options_;
+};
+
+}  // namespace
+
+std::unique_ptr<FrontEnd> makeTerminalFrontEnd(TerminalOptions options) {
+    return std::make_unique<TerminalFrontEnd>(std::move(options));
+}
+
+}  // namespace host

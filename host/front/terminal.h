@@ -1,0 +1,33 @@
+// The front end of a terminal, and of programs that run unattended.
+//
+// A modal dialog is shown as text: its title, what its hooks drew in reading order, its items. Whoever answers gives
+// the number of a button or item, the label of a button or its beginning, an empty line for the default button, or
+// "number=value" for a text, a choice or a row of a list. Answers come from a file first, line by line; then, with
+// `yes`, the first button is pressed everywhere; then the terminal is asked. Where none of them is there, a dialog with
+// one button counts as pressed, and any other one is answered by nobody.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "host/export.h"
+#include "host/front/front_end.h"
+
+namespace host {
+
+struct TerminalOptions {
+    bool yes = false;
+    std::string answersFile;  // UTF-8; empty for none
+    std::FILE* input = stdin;
+    std::FILE* output = stdout;         // console lines
+    std::FILE* errors = stderr;         // messages, dialogs and questions
+    std::optional<bool> asks;           // whether somebody sits at the input; else it is asked whether it is a terminal
+    std::optional<bool> showsProgress;  // whether `errors` shows progress on one line; else when it is a terminal
+};
+
+// Throws std::runtime_error, with a line that tells it, when the file of answers can't be read.
+HOST_EXPORT std::unique_ptr<FrontEnd> makeTerminalFrontEnd(TerminalOptions options);
+
+}  // namespace host
