@@ -2,8 +2,9 @@
 
 #include <dlfcn.h>
 
-#include <cstring>
+#include <algorithm>
 #include <filesystem>
+#include <utility>
 
 #include "host/mdl/files.h"
 #include "host/mdl/system.h"

@@ -12,6 +12,7 @@
 
 #pragma weak mdlModelRef_getActive
 #pragma weak mdlSystem_saveDesignFile
+#pragma weak mdlSystem_closeDesignFile
 
 namespace host {
 
@@ -39,11 +40,18 @@ std::vector<void (*)()>& sessionEndObservers() {
     return observers;
 }
 
+bool designFileIsOpen() {
+    return &mdlModelRef_getActive != nullptr && mdlModelRef_getActive() != nullptr;
+}
+
 // Control is back in the host: closes the dialogs that wait for that, and stores what the finished command changed.
 void finishCommand(Session::State& state) {
     closeQueuedDialogs();
-    if (&mdlModelRef_getActive == nullptr || mdlModelRef_getActive() == nullptr) return;
-    if (mdlSystem_saveDesignFile() != MDL_SUCCESS && state.exitStatus == 0) state.exitStatus = 1;
+    if (designFileIsOpen() && mdlSystem_saveDesignFile() != MDL_SUCCESS && state.exitStatus == 0) state.exitStatus = 1;
+}
+
+void closeDesignFile(Session::State& state) {
+    if (designFileIsOpen() && mdlSystem_closeDesignFile() != MDL_SUCCESS && state.exitStatus == 0) state.exitStatus = 1;
 }
 
 }  // namespace
@@ -60,14 +68,18 @@ Session::Session(SessionOptions options) : state_(std::make_unique<State>()) {
 }
 
 Session::~Session() {
-    for (size_t i = state_->applications.size(); i-- > 0;) endApplication(state_->applications[i].get());
-    finishCommand(*state_);
+    finish();
     auto& observers = sessionEndObservers();
-    for (size_t i = observers.size(); i-- > 0;) observers[i]();
+    for (size_t i = observers.size(); i-- > 0;) guarded<int>(0, [&] { return observers[i](), 0; });
     resetParameters();
     currentApplication = nullptr;
     activeSession = nullptr;
     activeState = nullptr;
+}
+
+void Session::finish() {
+    for (size_t i = state_->applications.size(); i-- > 0;) endApplication(state_->applications[i].get());
+    closeDesignFile(*state_);
 }
 
 Session* Session::current() {

@@ -26,7 +26,7 @@ class HOST_EXPORT Session {
     using MainFunction = int (*)(int argc, char** argv);
 
     explicit Session(SessionOptions options = {});
-    ~Session();
+    ~Session();  // as finish
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     static Session* current();  // null when there is none
@@ -43,6 +43,8 @@ class HOST_EXPORT Session {
     // Ends an application, or, while a call into it hasn't come back, as soon as it has. Its process number is never
     // given again.
     void endApplication(MdlDesc* desc);
+    // Ends all applications and stores and closes the design file; the session can still show messages.
+    void finish();
     // The first non-zero value that a main function or mdlSystem_exit left behind, or 1 when a finished command
     // couldn't be stored; 0 when all went well.
     int exitStatus() const;

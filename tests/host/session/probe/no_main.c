@@ -1,0 +1,5 @@
+int mean(void);
+
+int mean(void) {
+    return 1;
+}
