@@ -158,7 +158,6 @@ bool openDesignFile(const Options& options) {
     return mdlSystem_newDesignFile(hostName.c_str(), 0) == MDL_SUCCESS;
 }
 
-// Null when it couldn't be started, or has ended already.
 bool runApplication(host::Session& session, const Options& options) {
     const std::optional<fs::path> module = findApplication(options.application);
     if (!module) {
@@ -169,7 +168,7 @@ bool runApplication(host::Session& session, const Options& options) {
     std::vector<std::string> arguments;
     for (const std::string& argument : options.arguments) arguments.push_back(host::hostName(argument));
     return session.loadApplication(host::hostName(module->string()), host::hostName(module->stem().string()),
-                                   options.listName, arguments);
+                                   options.listName, arguments) != nullptr;
 }
 
 // An application of a start list runs before a design file is open, and hears of it then.
@@ -202,8 +201,7 @@ std::string checkedSetting(const std::string& setting) {
 int parse(CLI::App& cli, Options& options, int argc, char** argv) {
     cli.add_option("--set", options.settings, "Define a configuration variable")
         ->type_name("VAR=VALUE")
-        ->expected(1)
-        ->take_all()
+        ->allow_extra_args(false)
         ->check(CLI::Validator(checkedSetting, ""));
     cli.add_option("--config", options.configFile, "Read configuration variables from a file")->type_name("FILE");
     auto* open = cli.add_option("--open", options.openFile, "Open a design file")->type_name("FILE.mcd");

@@ -48,14 +48,11 @@ void leaveStatus(Session::State& state, int status) {
     if (state.exitStatus == 0) state.exitStatus = status;
 }
 
-// Runs the main function; null when the application has ended by then.
 MdlDesc* runMain(Session::State& state, MdlDesc* desc, Session::MainFunction main) {
-    {
-        ApplicationScope scope(desc);
-        const auto body = [&] { return main(static_cast<int>(desc->argv.size()) - 1, desc->argv.data()); };
-        leaveStatus(state, guarded<int>(1, body));
-    }
-    return desc->ended ? nullptr : desc;
+    const ApplicationScope scope(desc);
+    const auto body = [&] { return main(static_cast<int>(desc->argv.size()) - 1, desc->argv.data()); };
+    leaveStatus(state, guarded<int>(1, body));
+    return desc;
 }
 
 MdlDesc* refuse(const std::string& brief, const std::string& details) {
@@ -183,10 +180,9 @@ int mdlSystem_loadMdlProgram(const char* program, const char* taskName, const ch
     return guarded<int>(MDL_ERROR, [&]() -> int {
         char path[256];
         if (activeState == nullptr || program == nullptr || !findProgram(path, program)) return MDL_ERROR;
-        const size_t before = activeState->applications.size();
-        Session::current()->loadApplication(path, taskName == nullptr ? program : taskName,
-                                            argument == nullptr ? "USER" : argument);
-        return activeState->applications.size() > before ? MDL_SUCCESS : MDL_ERROR;
+        const MdlDesc* loaded = Session::current()->loadApplication(path, taskName == nullptr ? program : taskName,
+                                                                    argument == nullptr ? "USER" : argument);
+        return loaded != nullptr ? MDL_SUCCESS : MDL_ERROR;
     });
 }
 

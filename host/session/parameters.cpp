@@ -8,8 +8,6 @@
 #include "host/session/guard.h"
 #include "host/session/state.h"
 
-#pragma weak mdlModelRef_getActive
-
 namespace host {
 
 namespace {

@@ -10,10 +10,6 @@
 #include "host/session/guard.h"
 #include "host/session/state.h"
 
-#pragma weak mdlModelRef_getActive
-#pragma weak mdlSystem_saveDesignFile
-#pragma weak mdlSystem_closeDesignFile
-
 namespace host {
 
 Session::State* activeState = nullptr;
@@ -41,7 +37,7 @@ std::vector<void (*)()>& sessionEndObservers() {
 }
 
 bool designFileIsOpen() {
-    return &mdlModelRef_getActive != nullptr && mdlModelRef_getActive() != nullptr;
+    return mdlModelRef_getActive() != nullptr;
 }
 
 // Control is back in the host: closes the dialogs that wait for that, and stores what the finished command changed.

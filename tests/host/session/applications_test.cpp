@@ -95,9 +95,11 @@ TEST_F(Applications, EndOnlyWhenNoCallIsInsideOfThemAnyMore) {
     EXPECT_EQ(session().exitStatus(), 7);
 }
 
-TEST_F(Applications, AnExitInMainGivesNoDescriptor) {
-    EXPECT_EQ(session().startApplication("gone", [](int, char**) { return mdlSystem_exit(0, 1), 0; }), nullptr);
-    EXPECT_NE(session().startApplication("bad", [](int, char**) { return 3; }), nullptr);
+TEST_F(Applications, AnExitInMainEndsItAndAStatusDoesNot) {
+    session().startApplication("gone", [](int, char**) { return mdlSystem_exit(0, 1), 0; });
+    session().startApplication("bad", [](int, char**) { return 3; });
+    EXPECT_EQ(mdlSystem_findMdlDesc("gone"), nullptr);
+    EXPECT_NE(mdlSystem_findMdlDesc("bad"), nullptr);
     EXPECT_EQ(session().exitStatus(), 3);
 }
 

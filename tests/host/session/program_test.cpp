@@ -24,7 +24,8 @@ TEST_F(LoadedApplications, RunTheirMainAndLeaveMemoryAtTheEnd) {
     EXPECT_NE(GetModuleHandleA("probe.dll"), nullptr);
     session().endApplication(desc);
     EXPECT_EQ(GetModuleHandleA("probe.dll"), nullptr);
-    EXPECT_EQ(session().loadApplication(modules + "probe.so", "PROBE", "USER", {"exit", "4"}), nullptr);
+    session().loadApplication(modules + "probe.so", "PROBE", "USER", {"exit", "4"});
+    EXPECT_EQ(mdlSystem_findMdlDesc("PROBE"), nullptr);
     EXPECT_EQ(session().exitStatus(), 4);
 }
 
