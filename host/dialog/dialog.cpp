@@ -76,7 +76,7 @@ std::optional<std::string> acceptable(const DialogItem& item, std::string_view v
 }
 
 bool sameOrigin(const DrawCall& a, const DrawCall& b) {
-    return a.kind == b.kind && a.rect.left == b.rect.left && a.rect.top == b.rect.top;
+    return a.kind == b.kind && a.rect.left == b.rect.left && a.rect.top == b.rect.top && a.points == b.points;
 }
 
 void tellBadAccess(int32_t dialogId, const DialogItem& item, const std::string& fault) {

@@ -19,14 +19,15 @@ namespace host {
 
 // One drawing call of a hook; pixels of the content area.
 struct DrawCall {
-    enum class Kind { text, edge, icon };
+    enum class Kind { text, edge, icon, line };
     Kind kind;
-    DialogRect rect;  // of a text and an icon: what it covers
+    DialogRect rect;  // of a text, an icon and a line: what it covers
     std::string text;
     int32_t font;
     bool sunken;
     std::shared_ptr<const Icon> icon;
-    int32_t color;  // index of a fixed colour
+    int32_t color;                // index of a fixed colour; of a line: of an element's colour
+    std::vector<int32_t> points;  // of a line: x and y in turn
 };
 
 struct OptionRow {

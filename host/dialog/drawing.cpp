@@ -1,4 +1,5 @@
 // Fonts, and the drawing calls that a dialog keeps.
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -80,7 +81,20 @@ int mdlDialog_textDrawCD(MdlDialog* handle, int32_t x, int32_t y, const char* te
         if (!text) return MDL_ERROR;
         const int32_t font = dialog.font();
         const DialogRect rect{x, y, x + host::widthOfText(text, font), y + host::heightOfFont(font)};
-        dialog.add({DrawCall::Kind::text, rect, text, font, false, nullptr, 0});
+        dialog.add({DrawCall::Kind::text, rect, text, font, false, nullptr, 0, {}});
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlWindow_polylineDraw(MdlDialog* handle, const int32_t* points, int32_t count, int32_t color) {
+    return host::onDialog(handle, [&](Dialog& dialog) -> int {
+        if (!points || count < 2) return MDL_ERROR;
+        DialogRect rect{points[0], points[1], points[0], points[1]};
+        for (int32_t i = 0; i < count; ++i) {
+            const int32_t x = points[2 * i], y = points[2 * i + 1];
+            rect = {std::min(rect.left, x), std::min(rect.top, y), std::max(rect.right, x), std::max(rect.bottom, y)};
+        }
+        dialog.add({DrawCall::Kind::line, rect, {}, 0, false, nullptr, color, {points, points + 2 * count}});
         return MDL_SUCCESS;
     });
 }
@@ -88,7 +102,7 @@ int mdlDialog_textDrawCD(MdlDialog* handle, int32_t x, int32_t y, const char* te
 int mdlDialog_rectDrawEdge(MdlDialog* handle, const DialogRect* rect, int32_t sunken) {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!rect) return MDL_ERROR;
-        dialog.add({DrawCall::Kind::edge, *rect, {}, 0, sunken != 0, nullptr, 0});
+        dialog.add({DrawCall::Kind::edge, *rect, {}, 0, sunken != 0, nullptr, 0, {}});
         return MDL_SUCCESS;
     });
 }
@@ -102,7 +116,7 @@ int mdlWindow_iconDraw(MdlDialog* handle, RscHandle rscFile, int32_t iconId, int
         auto icon = host::findIcon(rscFile, iconId);
         if (!icon) return MDL_ERROR;
         const DialogRect rect{x, y, x + icon->size, y + icon->size};
-        dialog.add({DrawCall::Kind::icon, rect, {}, 0, false, std::move(icon), colorIndex});
+        dialog.add({DrawCall::Kind::icon, rect, {}, 0, false, std::move(icon), colorIndex, {}});
         return MDL_SUCCESS;
     });
 }

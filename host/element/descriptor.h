@@ -1,6 +1,8 @@
 // What lies behind the nodes of a descriptor.
 #pragma once
 
+#include <vector>
+
 #include "host/mdl/elmdscr.h"
 
 namespace host {
@@ -11,5 +13,8 @@ bool setNodeElement(ElementDescr* node, const MSElementBuffer* element);
 
 // Takes a node, with its children, out of the chain and the header that it stands in.
 void unlinkNode(ElementDescr* node);
+
+// As strokeElement for a node: the components of a complex shape in one run that ends where it began.
+bool strokeNode(std::vector<Point3d>& points, const ElementDescr* node, double tolerance, const Transform& transform);
 
 }  // namespace host

@@ -166,6 +166,17 @@ ElementDescr* modifyChain(Modification& run, ElementDescr* first) {
 }
 
 }  // namespace
+
+bool strokeNode(std::vector<Point3d>& points, const ElementDescr* node, double tolerance, const Transform& transform) {
+    if (headOf(node->element).type != MDL_COMPLEX_SHAPE)
+        return strokeElement(points, node->element, tolerance, transform);
+    std::vector<Point3d> outline;
+    if (!(tolerance > 0) || !strokeComponents(outline, node, tolerance, transform)) return false;
+    if (!(outline.front() == outline.back())) outline.push_back(outline.front());
+    points.insert(points.end(), outline.begin(), outline.end());
+    return true;
+}
+
 }  // namespace host
 
 using namespace host;
@@ -197,12 +208,9 @@ int mdlElmdscr_transform(ElementDescr* ed, const Transform* transform) {
 
 int mdlElmdscr_stroke(Point3d** pointsP, int32_t* countP, const ElementDescr* ed, double tolerance) {
     if (!pointsP || !countP || !ed) return MDL_ERROR;
-    if (headOf(ed->element).type != MDL_COMPLEX_SHAPE)
-        return mdlElement_stroke(pointsP, countP, ed->element, tolerance);
     return guarded<int>(MDL_ERROR, [&]() -> int {
         std::vector<Point3d> points;
-        if (!(tolerance > 0) || !strokeComponents(points, ed, tolerance, currentFromWorld())) return MDL_ERROR;
-        if (!(points.front() == points.back())) points.push_back(points.front());
+        if (!strokeNode(points, ed, tolerance, currentFromWorld())) return MDL_ERROR;
         return givePoints(pointsP, countP, points);
     });
 }

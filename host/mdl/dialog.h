@@ -165,6 +165,8 @@ MDL_EXPORT int32_t mdlDialog_stringWidth(const char *text, int32_t fontIndex);
 MDL_EXPORT void mdlDialog_setFontIndex(MdlDialog *dialog, int32_t fontIndex);
 MDL_EXPORT int32_t mdlDialog_getFontIndex(const MdlDialog *dialog);
 MDL_EXPORT int mdlDialog_textDrawCD(MdlDialog *dialog, int32_t x, int32_t y, const char *text);
+/* A line through `count` points (2 or more), x and y of each in turn; `color` is an element's colour index. */
+MDL_EXPORT int mdlWindow_polylineDraw(MdlDialog *dialog, const int32_t *points, int32_t count, int32_t color);
 MDL_EXPORT int mdlDialog_rectDrawEdge(MdlDialog *dialog, const DialogRect *rect, int32_t sunken);
 MDL_EXPORT void mdlDialog_rectInset(DialogRect *rect, int32_t dx, int32_t dy);
 /* Draws the icon `iconId` in a fixed colour. MDL_ERROR when no open resource file has it. */

@@ -1,0 +1,30 @@
+// A descriptor as what a pen draws: lines, filled outlines and texts, each with its look.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "host/element/text.h"
+#include "host/mdl/elmdscr.h"
+#include "host/space/vector.h"
+
+namespace host {
+
+// What an element is drawn with: the symbology in effect for it.
+struct Look {
+    int32_t color = 0, weight = 0, style = 0;
+    double styleScale = 1, styleWidth = 0;
+    bool filled = false;
+    ModelRef* model = nullptr;
+};
+
+struct Pen {
+    std::function<void(const std::vector<Point3d>& points, const Look& look)> line;
+    std::function<void(const TextView& text, const Look& look)> text;
+};
+
+// Calls the pen for chain and children, in UOR, in their order. Elements without a look of their own (headers,
+// application data) and elements outside `range` are left out; `tolerance` is that of strokes, in UOR.
+void draw(const ElementDescr* ed, const Range3d* range, double tolerance, const Pen& pen);
+
+}  // namespace host

@@ -1,0 +1,161 @@
+// Pictures of descriptors and models as files.
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/mdl/model.h"
+#include "host/mdl/scan.h"
+#include "host/mdl/view.h"
+#include "host/picture/sheet.h"
+#include "host/session/guard.h"
+#include "host/system/charset.h"
+#include "host/system/paths.h"
+
+namespace host {
+namespace {
+
+struct Suffix {
+    std::string_view text;
+    PictureKind kind;
+};
+constexpr auto suffixes = std::to_array<Suffix>({
+    {".png", PictureKind::png},
+    {".svg", PictureKind::svg},
+    {".pdf", PictureKind::pdf},
+});
+
+constexpr double mostMm = 10000, mostPixels = 30000;
+
+std::optional<PictureKind> kindOf(const std::filesystem::path& path) {
+    std::string suffix = path.extension().string();
+    for (char& c : suffix) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    for (const Suffix& row : suffixes)
+        if (row.text == suffix) return row.kind;
+    return {};
+}
+
+int fail(const std::string& path, const char* why) {
+    const std::string text = "The picture \"" + path + "\" wasn't made: " + why;
+    reportError(narrowFromUtf8(text).text.c_str());
+    return MDL_ERROR;
+}
+
+bool wholeRange(const ElementDescr* ed, Range3d& range) {
+    if (ed) return mdlElmdscr_computeRange(&range.low, &range.high, ed, nullptr) == MDL_SUCCESS;
+    ModelRef* model = mdlModelRef_getActive();
+    return model && mdlModelRef_getRange(model, &range) == MDL_SUCCESS;
+}
+
+// Room around the drawing for its pens, and a second dimension for a drawing that has only one.
+Range3d withMargin(Range3d range) {
+    const Point3d span = range.high - range.low;
+    const double longer = std::max({span.x, span.y, 1.0}), margin = 0.02 * longer;
+    const double x = margin + std::max(0.0, 0.01 * longer - span.x), y = margin + std::max(0.0, 0.01 * longer - span.y);
+    range.low = range.low - Point3d{x, y, 0};
+    range.high = range.high + Point3d{x, y, 0};
+    return range;
+}
+
+bool isUsable(const Range3d& r) {
+    return isFinite(r.low) && isFinite(r.high) && r.low.x < r.high.x && r.low.y < r.high.y;
+}
+
+struct CriteriaHolder {
+    ScanCriteria* criteria = mdlScanCriteria_create();
+    ~CriteriaHolder() {
+        if (criteria) mdlScanCriteria_free(&criteria);
+    }
+};
+
+void drawAt(FilePos position, ModelRef* model, const Range3d& range, double tolerance, const Pen& pen) {
+    ElementDescr* ed = nullptr;
+    if (mdlElmdscr_read(&ed, position, model) == 0) return;
+    draw(ed, &range, tolerance, pen);
+    mdlElmdscr_freeAll(&ed);
+}
+
+// The elements of the active model that meet the range as seen from above.
+bool drawModel(const Range3d& range, double tolerance, const Pen& pen) {
+    ModelRef* model = mdlModelRef_getActive();
+    CriteriaHolder scan;
+    if (!scan.criteria) return false;
+    Range3d column = range;
+    column.low.z = -1e300, column.high.z = 1e300;
+    mdlScanCriteria_setModel(scan.criteria, model);
+    mdlScanCriteria_setRangeTest(scan.criteria, &column);
+    mdlScanCriteria_setReturnType(scan.criteria, 1, 0, 0);
+    std::array<FilePos, 1024> positions;
+    FilePos start = 0;
+    for (int status = MDL_SCAN_MORE; status == MDL_SCAN_MORE;) {
+        auto words = static_cast<int32_t>(sizeof positions / 2);
+        status = mdlScanCriteria_scan(scan.criteria, positions.data(), &words, &start);
+        if (status != MDL_SUCCESS && status != MDL_SCAN_MORE) return false;
+        for (int32_t i = 0; i < words / 2; ++i) drawAt(positions[static_cast<size_t>(i)], model, range, tolerance, pen);
+    }
+    return true;
+}
+
+// A file beside the one to be made, removed unless it has taken its place.
+class Draft {
+  public:
+    explicit Draft(const std::filesystem::path& target)
+        : target_(target), path_(target.string() + ".part" + std::to_string(getpid())) {}
+    ~Draft() {
+        std::error_code ignored;
+        if (!placed_) std::filesystem::remove(path_, ignored);
+    }
+    const std::string& path() const { return path_; }
+    bool place() {
+        std::error_code failed;
+        std::filesystem::rename(path_, target_, failed);
+        placed_ = !failed;
+        return placed_;
+    }
+
+  private:
+    std::filesystem::path target_;
+    std::string path_;
+    bool placed_ = false;
+};
+
+int writePicture(const std::string& path, const ElementDescr* ed, const Range3d* given, double widthMm, double dpi) {
+    const auto kind = kindOf(path);
+    if (!kind) return fail(path, "the name must end in .png, .svg or .pdf");
+    if (!(widthMm > 0 && widthMm <= mostMm)) return fail(path, "the width must be above 0 and at most 10000 mm");
+    if (*kind == PictureKind::png && !(dpi > 0)) return fail(path, "the resolution must be above 0");
+    Range3d range;
+    if (given)
+        range = *given;
+    else if (wholeRange(ed, range))
+        range = withMargin(range);
+    else
+        return fail(path, "there is nothing to show");
+    if (!isUsable(range)) return fail(path, "the range to show is empty");
+    const double heightMm = widthMm * ((range.high.y - range.low.y) / (range.high.x - range.low.x));
+    const bool tooLarge = *kind == PictureKind::png && std::max(widthMm, heightMm) / 25.4 * dpi > mostPixels;
+    if (!(heightMm > 0 && heightMm <= mostMm) || tooLarge)
+        return fail(path, "it would be too large; take a smaller width or resolution");
+
+    Draft draft(path);
+    Sheet sheet(*kind, draft.path(), range, widthMm, dpi);
+    if (ed)
+        draw(ed, &range, sheet.tolerance(), sheet.pen());
+    else if (!drawModel(range, sheet.tolerance(), sheet.pen()))
+        return fail(path, "the model can't be read");
+    if (const char* why = sheet.finish()) return fail(path, why);
+    return draft.place() ? MDL_SUCCESS : fail(path, "no file of that name can be put there");
+}
+
+}  // namespace
+}  // namespace host
+
+int mdlPicture_write(const char* fileName, const ElementDescr* ed, const Range3d* range, double widthMm, double dpi) {
+    if (!fileName) return MDL_ERROR;
+    return host::guarded<int>(MDL_ERROR,
+                              [&] { return host::writePicture(host::systemPath(fileName), ed, range, widthMm, dpi); });
+}

@@ -1,0 +1,41 @@
+// A sheet of paper that cairo draws on, and the pen for it.
+#pragma once
+
+#include <cairo.h>
+
+#include <memory>
+#include <string>
+
+#include "host/picture/drawing.h"
+
+namespace host {
+
+enum class PictureKind { png, svg, pdf };
+
+class Sheet {
+  public:
+    // The sheet shows `range`, seen from above, on widthMm of paper. SVG and PDF are written to `path` as they are
+    // drawn.
+    Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi);
+
+    double tolerance() const;  // of strokes, in UOR: what the picture can't show
+    Pen pen();
+    // Writes what was drawn; a text that tells what failed, or null.
+    const char* finish();
+
+  private:
+    void line(const std::vector<Point3d>& points, const Look& look);
+    void text(const TextView& text, const Look& look);
+    void setDashes(const Look& look);
+    Point3d onPaper(const Point3d& p) const;
+
+    PictureKind kind_;
+    std::string path_;
+    Range3d range_;
+    double scale_;      // mm for a UOR
+    double precision_;  // mm
+    std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface_;
+    std::unique_ptr<cairo_t, decltype(&cairo_destroy)> pen_;
+};
+
+}  // namespace host

@@ -1,0 +1,116 @@
+// Standard views, and descriptors in the windows of dialogs.
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "host/mdl/dialog.h"
+#include "host/mdl/view.h"
+#include "host/picture/drawing.h"
+#include "host/session/guard.h"
+
+using namespace host;
+
+namespace {
+
+// clang-format off
+constexpr auto standardViews = std::to_array<RotMatrix>({
+    {{{ 1,  0, 0}, { 0,  1, 0}, { 0,  0,  1}}},  // top
+    {{{ 1,  0, 0}, { 0, -1, 0}, { 0,  0, -1}}},  // bottom
+    {{{ 0, -1, 0}, { 0,  0, 1}, {-1,  0,  0}}},  // left
+    {{{ 0,  1, 0}, { 0,  0, 1}, { 1,  0,  0}}},  // right
+    {{{ 1,  0, 0}, { 0,  0, 1}, { 0, -1,  0}}},  // front
+    {{{-1,  0, 0}, { 0,  0, 1}, { 0,  1,  0}}},  // back
+});
+// clang-format on
+
+// From UOR to pixels: the largest even scale at which the volume fits the rectangle, y downwards.
+class WindowMap {
+  public:
+    WindowMap(const DialogRect& rect, const RotMatrix& matrix, const Point3d& origin, const Point3d& extent)
+        : matrix_(matrix), origin_(origin) {
+        const double width = rect.right - rect.left, height = rect.bottom - rect.top;
+        const double x = std::max(extent.x, 0.0), y = std::max(extent.y, 0.0);
+        if (x > 0 || y > 0) scale_ = std::min(x > 0 ? width / x : HUGE_VAL, y > 0 ? height / y : HUGE_VAL);
+        left_ = rect.left + (width - x * scale_) / 2;
+        bottom_ = rect.bottom - (height - y * scale_) / 2;
+    }
+    double scale() const { return scale_; }
+    bool isUsable() const { return std::isfinite(left_) && std::isfinite(bottom_) && scale_ > 0; }
+    Point3d at(const Point3d& p) const {
+        const Point3d seen = rotate(matrix_, p - origin_);
+        return {left_ + seen.x * scale_, bottom_ - seen.y * scale_, 0};
+    }
+
+  private:
+    RotMatrix matrix_;
+    Point3d origin_;
+    double scale_ = 1, left_, bottom_;
+};
+
+int32_t pixel(double value) {
+    constexpr double farOff = 1e6;
+    return static_cast<int32_t>(std::lround(std::clamp(value, -farOff, farOff)));
+}
+
+class WindowPen {
+  public:
+    WindowPen(MdlDialog* window, const WindowMap& map) : window_(window), map_(map) {}
+
+    void line(const std::vector<Point3d>& points, const Look& look) {
+        std::vector<int32_t> pixels;
+        for (const Point3d& p : points) {
+            const Point3d at = map_.at(p);
+            pixels.push_back(pixel(at.x));
+            pixels.push_back(pixel(at.y));
+        }
+        const auto count = static_cast<int32_t>(points.size());
+        if (mdlWindow_polylineDraw(window_, pixels.data(), count, look.color) != MDL_SUCCESS) failed_ = true;
+    }
+
+    void text(const TextView& text, const Look& look) {
+        const TextBox box = textBox(text);
+        const Point3d upperLeft = box.lowerLeft + box.up;
+        const double height = length(box.up) * map_.scale();
+        if (height < 0.5 * mdlDialog_fontHeight(mdlDialog_getFontIndex(window_))) {
+            const Point3d right = box.lowerLeft + box.along;
+            line({box.lowerLeft, right, right + box.up, upperLeft, box.lowerLeft}, look);
+            return;
+        }
+        std::string narrow;
+        for (uint32_t i = 0; i < text.body.count; ++i) narrow.push_back(static_cast<char>(textCharacter(text, i)));
+        const Point3d at = map_.at(upperLeft);
+        if (mdlDialog_textDrawCD(window_, pixel(at.x), pixel(at.y), narrow.c_str()) != MDL_SUCCESS) failed_ = true;
+    }
+
+    bool failed() const { return failed_; }
+
+  private:
+    MdlDialog* window_;
+    const WindowMap& map_;
+    bool failed_ = false;
+};
+
+}  // namespace
+
+int mdlView_getStandard(RotMatrix* matrix, int32_t view) {
+    if (!matrix || view < 1 || view > static_cast<int32_t>(standardViews.size())) return MDL_ERROR;
+    *matrix = standardViews[static_cast<size_t>(view) - 1];
+    return MDL_SUCCESS;
+}
+
+int mdlElmdscr_displayToWindow(MdlDialog* window, const DialogRect* rect, const ViewFlags*, ElementDescr* ed,
+                               const RotMatrix* matrix, const Point3d* origin, const Point3d* extent, int32_t,
+                               int32_t) {
+    if (!window || !rect || !ed || !matrix || !origin || !extent) return MDL_ERROR;
+    if (rect->right <= rect->left || rect->bottom <= rect->top) return MDL_ERROR;
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const WindowMap map(*rect, *matrix, *origin, *extent);
+        if (!map.isUsable()) return MDL_ERROR;
+        constexpr double tolerance = 0.5;  // pixels
+        WindowPen pen(window, map);
+        draw(ed, nullptr, tolerance / map.scale(),
+             {[&](const auto& points, const Look& look) { pen.line(points, look); },
+              [&](const TextView& text, const Look& look) { pen.text(text, look); }});
+        return pen.failed() ? MDL_ERROR : MDL_SUCCESS;
+    });
+}
