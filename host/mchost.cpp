@@ -4,10 +4,14 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "host/front/terminal.h"
 #include "host/mdl/model.h"
 #include "host/mdl/system.h"
 #include "host/session/session.h"
@@ -179,7 +183,15 @@ bool run(host::Session& session, const Options& options) {
 }
 
 int work(const Options& options) {
-    host::Session session;
+    host::TerminalOptions terminal{.yes = options.yes, .answersFile = options.answersFile};
+    std::unique_ptr<host::FrontEnd> frontEnd;
+    try {
+        frontEnd = host::makeTerminalFrontEnd(std::move(terminal));
+    } catch (const std::runtime_error& error) {
+        tell(error.what());
+        return statusFailed;
+    }
+    host::Session session({.frontEnd = std::move(frontEnd)});
     const bool done = configure(options) && run(session, options);
     session.finish();
     std::fflush(stdout);
