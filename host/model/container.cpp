@@ -93,10 +93,10 @@ void forEachTextStyleRow(const ModelRef& model, Row row) {
     }
 }
 
-int64_t modelDigest(const ModelRef& model, int64_t chunkCount) {
+int64_t modelDigest(const ModelRef& model, int64_t nextPosition, int64_t chunkCount) {
     Description all;
     const auto row = [&](const auto&... values) { all.row(values...); };
-    all.row(model.is3d, model.uorPerMaster, model.elements.nextPosition(), model.nextLevel, chunkCount);
+    all.row(model.is3d, model.uorPerMaster, nextPosition, model.nextLevel, chunkCount);
     forEachLevelRow(model, row);
     for (const LineStyle& style : model.lineStyles) all.row(style.number, style.name, patternBytes(style));
     forEachTextStyleRow(model, row);
@@ -118,7 +118,7 @@ void storeTables(Database& database, const ModelRef& model) {
 void storeModelRow(Database& database, const ModelRef& model, int64_t chunkCount) {
     Statement row(database, "INSERT OR REPLACE INTO model VALUES(?,?,?,?,?,?,?)");
     row.execute(onlyModel, int32_t{model.is3d}, model.uorPerMaster, model.elements.nextPosition(), model.nextLevel,
-                chunkCount, modelDigest(model, chunkCount));
+                chunkCount, modelDigest(model, model.elements.nextPosition(), chunkCount));
 }
 
 void loadLevels(Database& database, ModelRef& model) {
@@ -208,16 +208,24 @@ std::string immutableName(const std::string& path) {
     return name + "?immutable=1";
 }
 
+off_t sizeOf(const std::string& path) {
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 ? info.st_size : 0;
+}
+
+bool folderCanBeWritten(const std::string& path) {
+    const std::string folder = path.substr(0, path.find_last_of('/') + 1) + ".";
+    return faccessat(AT_FDCWD, folder.c_str(), W_OK, AT_EACCESS) == 0;
+}
+
 // A database to read from. A file that was left in WAL mode needs its companion files, which can't be made in a folder
-// that can't be written; without a log that holds something the file by itself is whole.
+// that can't be written; without a log that holds something the file by itself is whole. A session that was killed
+// while it changed the mode has left a journal, which only a database that may be written goes back by.
 void openForReading(Database& database, const std::string& path, const FileHead& head) {
-    if (headIsWal(head) && access(path.substr(0, path.find_last_of('/') + 1).append(".").c_str(), W_OK) != 0) {
-        struct stat log;
-        if (stat((path + "-wal").c_str(), &log) != 0 || log.st_size == 0) {
-            return database.open(immutableName(path), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
-        }
+    if (headIsWal(head) && sizeOf(path + "-wal") == 0 && !folderCanBeWritten(path)) {
+        return database.open(immutableName(path), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
     }
-    database.open(path, SQLITE_OPEN_READONLY);
+    database.open(path, sizeOf(path + "-journal") != 0 ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY);
     database.run("PRAGMA busy_timeout=2000");
 }
 
@@ -265,8 +273,8 @@ void loadModel(Database& database, ModelRef& model) {
     loadLevels(database, model);
     loadLineStyles(database, model);
     loadTextStyles(database, model);
+    if (modelDigest(model, nextPosition, chunkCount) != sum) throw FileProblem(damaged);
     model.elements.reservePositions(static_cast<uint32_t>(nextPosition));
-    if (modelDigest(model, chunkCount) != sum) throw FileProblem(damaged);
     loadChunks(database, model, chunkCount);
 }
 
@@ -333,6 +341,8 @@ void giveName(const std::string& temporary, const std::string& path) {
 void createContainer(const std::string& path, bool is3d) {
     struct stat there;
     if (lstat(path.c_str(), &there) == 0) throw FileProblem("a file of that name is there. Give another name.");
+    // The log of a file that was removed would be taken for the new file's own.
+    for (const char* companion : {"-wal", "-shm", "-journal"}) unlink((path + companion).c_str());
     const std::string temporary = path + "." + std::to_string(getpid()) + ".new";
     try {
         writeEmpty(temporary, is3d);
@@ -382,6 +392,16 @@ void ContainerWriter::save(ModelRef& model) {
     }
     for (ElementStore::Chunk& chunk : model.elements.chunks()) chunk.changed = false;
     model.tablesChanged = false;
+}
+
+void ContainerWriter::takeInLog() noexcept {
+    if (sizeOf(path_ + "-wal") == 0) return;
+    try {
+        open();
+    } catch (const SqliteFailure&) {
+        // The log stays where it is and goes on being read.
+    }
+    close();
 }
 
 void ContainerWriter::shrink() noexcept {

@@ -36,6 +36,8 @@ class ContainerWriter {
     void save(ModelRef& model);
     // Brings all into the one file and ends the database. What was saved is safe also when this fails.
     void close() noexcept;
+    // Brings in what a killed session left beside the file.
+    void takeInLog() noexcept;
     // Gives the disk back what the file no longer needs; it stays as it is when that fails.
     void shrink() noexcept;
 

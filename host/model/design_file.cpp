@@ -47,10 +47,12 @@ void WriterLock::take(const std::string& path) {
 DesignFile::DesignFile(const std::string& path, Use use)
     : model{.file = this, .serial = nextSerial()},
       path_(path),
-      readOnly_(!fileAndFolderCanBeWritten(path)),
+      readOnly_(use == Use::read || !fileAndFolderCanBeWritten(path)),
       writer_(path) {
-    if (use == Use::write && !readOnly_) lock_.take(path);
+    const bool writes = use == Use::write && !readOnly_;
+    if (writes) lock_.take(path);
     loadContainer(path, model);
+    if (writes) writer_.takeInLog();
     struct stat info;
     if (stat(path.c_str(), &info) == 0) {
         device_ = info.st_dev;

@@ -25,7 +25,11 @@ class WriterLock {
 
 class DesignFile {
   public:
-    enum class Use { write, read };
+    enum class Use {
+        write,
+        read,
+        look,  // reading too, while isReadOnly tells of the file itself
+    };
 
     // `path` is a full path of the system. Opened to write, a file that can't be written is read-only. FileProblem when
     // it can't be used.

@@ -122,7 +122,7 @@ ModelRef* levelLibrary(const std::string& path) {
     const auto time = std::filesystem::last_write_time(path, failed);
     if (failed) return nullptr;
     if (!library.file || !library.file->is(path) || library.time != time) {
-        library.file = std::make_unique<DesignFile>(path, DesignFile::Use::read);
+        library.file = std::make_unique<DesignFile>(path, DesignFile::Use::look);
         library.time = time;
     }
     return &library.file->model;
@@ -198,7 +198,7 @@ int mdlWorkDgn_openFile(ModelRef** modelP, const char* name) {
             *modelP = &files.active->model;
             return MDL_SUCCESS;
         }
-        files.work.push_back(std::make_unique<DesignFile>(path, DesignFile::Use::read));
+        files.work.push_back(std::make_unique<DesignFile>(path, DesignFile::Use::look));
         *modelP = &files.work.back()->model;
         return MDL_SUCCESS;
     });
