@@ -123,8 +123,12 @@ std::optional<int32_t> wholeNumber(std::string_view token) {
 std::optional<double> number(std::string_view token) {
     if (token.empty()) return 0.0;
     const Parsed<double> parsed = parseNumber<double>(token);
-    if (parsed.end != token.data() + token.size() || !parsed.inRange || std::isinf(parsed.value)) return {};
-    return parsed.value;
+    if (parsed.end != token.data() + token.size() || std::isinf(parsed.value)) return {};
+    if (parsed.inRange) return parsed.value;
+    const size_t exponent = token.find_first_of("eE");
+    const bool tooSmall = exponent != token.npos && token[exponent + 1] == '-';
+    if (!tooSmall) return {};
+    return std::copysign(0.0, token.find('-') < token.find_first_of("0123456789.") ? -1.0 : 1.0);
 }
 
 template <typename T>

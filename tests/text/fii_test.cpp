@@ -70,7 +70,7 @@ TEST(FiiReader, LeadingBlanksBelongToANumber) {
 
 TEST(FiiReader, RealNumbersAreThoseOfTheSystem) {
     for (const char* text : {"3.5", ".5", "5.", "-0.25e3", "1E-3", "+1e+2", "-0", "0.1", "123456789.123456789",
-                             "2.2250738585072014e-308", "4.9e-324", "1e-400", "1.7976931348623157e308"}) {
+                             "2.2250738585072014e-308", "4.9e-324", "1e-400", "-1e-400", "1.7976931348623157e308"}) {
         SCOPED_TRACE(text);
         LineReader fii(text);
         ASSERT_EQ(mclibFii_isDouble(fii.get(), " "), MCLIB_SUCCESS);

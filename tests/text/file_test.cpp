@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+
 #include <memory>
 #include <vector>
 
@@ -128,12 +130,14 @@ TEST(FileLayer, IncludeThatCantBeFollowedIsAComment) {
 TEST(FileLayer, FileThatIncludesItselfEnds) {
     const TextFiles files;
     const std::string top = files.write("self.txt", "a\n%include self.txt\n");
+    const rlimit few = {64, 64};
+    setrlimit(RLIMIT_NOFILE, &few);
     const File f = open(top);
     char line[64];
     int lines = 0;
-    while (mclibFile_read(line, f.get(), sizeof line) > 0 && lines < 1000000) ++lines;
+    while (mclibFile_read(line, f.get(), sizeof line) > 0 && lines < 1000) ++lines;
     EXPECT_GT(lines, 1);  // until the system opens no more files
-    EXPECT_LT(lines, 1000000);
+    EXPECT_LT(lines, 64);
 }
 
 TEST(FileLayer, RewindLeavesTheInclude) {
