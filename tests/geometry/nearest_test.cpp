@@ -60,7 +60,7 @@ TEST_F(GeometryElements, NearestPointLooksThroughAllRunsOfALongElement) {
     append(0);
     Point3d* points = nullptr;
     int32_t count = 0;
-    mdlElement_stroke(&points, &count, &element, *fc_epsilonP + 10);
+    mdlElement_stroke(&points, &count, &element, 10);
     dlmSystem_mdlFree(points);
     EXPECT_GT(count, MDL_MAX_POINTS);
     for (const double angle : {0.1, 2.0, 4.0, 6.0}) {
