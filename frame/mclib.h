@@ -21,6 +21,7 @@
 #include "text/tagstring.h"
 #include "print/print.h"
 #include "print/ps.h"
+#include "print/raster.h"
 #include "text/fii.h"
 #include "text/file.h"
 

@@ -75,7 +75,7 @@ MDL_EXPORT char *mdlSystem_getExpandedCfgVar(const char *name);
 MDL_EXPORT int toolSubsystem_printf(const char *format, ...) __attribute__((format(printf, 1, 2)));
 /* A text on a stream that dlmSystem_mdlFopen gave; the number of bytes written, negative on failure. */
 MDL_EXPORT int toolSubsystem_fprintf(FILE *stream, const char *format, ...) __attribute__((format(printf, 2, 3)));
-/* A text in a message field: 1 status, 2 prompt, 3 error, 4 command. */
+/* A text in a message field: 0 message, 1 status, 2 prompt, 3 error, 4 command. */
 MDL_EXPORT int mdlOutput_printf(int field, const char *format, ...) __attribute__((format(printf, 2, 3)));
 /* A message for the message centre. Priority 10 is an error, 11 a warning, 12 information. `openAlert` non-zero also
  * asks the user to take note of it. */

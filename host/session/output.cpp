@@ -93,7 +93,7 @@ int mdlOutput_printf(int field, const char* format, ...) {
     va_start(arguments, format);
     const int status = guarded<int>(MDL_ERROR, [&]() -> int {
         const std::optional<std::string> text = formatted(format, arguments);
-        if (!text || field < 1 || field > 4) return MDL_ERROR;
+        if (!text || field < 0 || field > 4) return MDL_ERROR;
         if (activeState != nullptr) activeState->frontEnd->messageField(field, utf8FromNarrow(*text));
         return MDL_SUCCESS;
     });
