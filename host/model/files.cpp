@@ -115,6 +115,15 @@ struct SwitchingScope {
     ~SwitchingScope() { files.switching = false; }
 };
 
+// Leaves no active file behind, however its closing ends.
+struct Dropped {
+    ~Dropped() {
+        if (!files.active) return;
+        files.active.reset();
+        publishActive();
+    }
+};
+
 // The level library, read anew when the file has changed. Null without one.
 ModelRef* levelLibrary(const std::string& path) {
     LevelLibrary& library = files.levelLibrary;
@@ -186,6 +195,20 @@ int mdlSystem_saveDesignFile(void) {
     if (!files.active) return MDL_SUCCESS;
     return withFile("store", files.active->name().c_str(), [](const std::string&) {
         files.active->save();
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlSystem_closeDesignFile(void) {
+    if (!files.active) return MDL_ERROR;
+    return withFile("close", files.active->name().c_str(), [](const std::string&) {
+        if (files.switching) throw FileProblem("another one is being opened. Close it when that is done.");
+        const SwitchingScope scope;
+        const std::string name = files.active->name();
+        const Dropped dropped;
+        files.active->save();
+        fireNewDesignFile(name.c_str(), 0);
+        closeActive();
         return MDL_SUCCESS;
     });
 }
