@@ -33,11 +33,12 @@ bool isLive(const ApplicationSlot& slot) {
     return mdlSystem_getMdlDescFromProcessNumber(slot.processNumber) != nullptr;
 }
 
-// Clears the slots of ended applications; the first free one, which may be a new one at the end.
-ApplicationSlot& takeSlot() {
+// Clears the slots of ended applications, and that of the caller if it registers anew; the first free one, which may be
+// a new one at the end.
+ApplicationSlot& takeSlot(const MdlDesc* caller) {
     ApplicationSlot* free = nullptr;
     for (ApplicationSlot& slot : table.used()) {
-        if (isLive(slot)) continue;
+        if (isLive(slot) && slot.mdlDesc != caller) continue;
         slot = {};
         if (!free) free = &slot;
     }
@@ -58,7 +59,7 @@ void setDefaults(GlobalData& data) {
 GlobalData* registerApplication() {
     MdlDesc* desc = mdlSystem_getCurrMdlDesc();
     // A mark of 50 refuses everyone, also where a slot is free: it serves 49 applications.
-    ApplicationSlot* slot = desc ? &takeSlot() : nullptr;
+    ApplicationSlot* slot = desc ? &takeSlot(desc) : nullptr;
     if (!slot || table.slotCount == maxSlots) {
         toolSubsystem_printf("Error in mclib_InitGlobalData\n");
         return nullptr;

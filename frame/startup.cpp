@@ -6,7 +6,6 @@
 #include <string_view>
 
 #include "batch/message_dialogs.h"
-#include "batch/message_dialogs.h"
 #include "elmattr/table.h"
 #include "frame/applications.h"
 #include "frame/error.h"

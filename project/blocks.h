@@ -1,6 +1,6 @@
-/* What the title blocks of a drawing say: of the project, and of one page. One block of each for all applications; dialogs
- * reach them as mclibpd and mclibsd. All fields are Windows-1252 texts that end in a NUL. Of the three sign-offs U, R and
- * S, Nav is a name, Sig a signature and Dat a date. */
+/* What the title blocks of a drawing say: of the project, and of one page. One block of each for all applications;
+ * dialogs reach them as mclibpd and mclibsd. All fields are Windows-1252 texts that end in a NUL. Of the three
+ * sign-offs U, R and S, Nav is a name, Sig a signature and Dat a date. */
 #ifndef MCLIB_PROJECT_BLOCKS_H
 #define MCLIB_PROJECT_BLOCKS_H
 

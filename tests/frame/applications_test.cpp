@@ -123,6 +123,18 @@ TEST_F(Frame, GivesApplicationsOfOneNameABlockEach) {
     EXPECT_NE(blockOf(first), blockOf(second));
 }
 
+TEST_F(Frame, ANewSessionStartsWithoutTheApplicationsBefore) {
+    startMany(mostApplications);
+    endSession();
+    const host::Session next({.frontEnd = nullptr, .variables = {{"MC_DIR", "c:\\mc\\"}}});
+    for (int i = 0; i < mostApplications; ++i) {
+        const std::string name = "new" + std::to_string(i);
+        MdlDesc* desc = host::Session::current()->startApplication(name, registerMain, "USER", {name});
+        ASSERT_EQ(lastStatus, MCLIB_SUCCESS) << i;
+        EXPECT_EQ(nameOf(desc), name);
+    }
+}
+
 TEST_F(Frame, TellsACallerThatIsntRegistered) {
     MdlDesc* registered = start("one");
     front().clear();
