@@ -111,7 +111,7 @@ Sheet::Sheet(PictureKind kind, const std::string& path, const Range3d& range, do
     cairo_font_options_set_hint_style(unhinted, CAIRO_HINT_STYLE_NONE);
     cairo_set_font_options(pen_.get(), unhinted);
     cairo_font_options_destroy(unhinted);
-    cairo_select_font_face(pen_.get(), "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+    cairo_select_font_face(pen_.get(), "Helvetica", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
 }
 
 double Sheet::tolerance() const {
