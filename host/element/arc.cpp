@@ -22,8 +22,7 @@ EllipseBody makeEllipse(const Point3d& center, double axis1, double axis2, const
 }
 
 int finishArc(MSElementBuffer* out, const MSElementBuffer* templateP, const ArcBody& arc) {
-    const bool swept = std::isfinite(arc.start) && arc.sweep != 0 && std::fabs(arc.sweep) <= 2 * pi + 1e-9;
-    if (!swept || !isUsable(arc.ellipse)) return MDL_ERROR;
+    if (!isArcSweep(arc.start, arc.sweep) || !isUsable(arc.ellipse)) return MDL_ERROR;
     return finish(NewElement(out, templateP, MDL_ARC), arc);
 }
 

@@ -86,6 +86,11 @@ void validateChain(ElementDescr* ed) {
     }
 }
 
+// Whether two ends are the same point but for rounding.
+bool isJoint(const Point3d& a, const Point3d& b, double tolerance) {
+    return distance(a, b) <= tolerance * 1e-3;
+}
+
 // The components one after the other; a point that repeats the end of the component before it is left out.
 bool strokeComponents(std::vector<Point3d>& points, const ElementDescr* header, double tolerance,
                       const Transform& transform) {
@@ -95,7 +100,7 @@ bool strokeComponents(std::vector<Point3d>& points, const ElementDescr* header, 
                                                : strokeElement(points, child->element, tolerance, transform);
         if (!stroked) return false;
         const auto joint = points.begin() + static_cast<ptrdiff_t>(before);
-        if (before > 0 && distance(points[before - 1], points[before]) <= tolerance * 1e-3) points.erase(joint);
+        if (before > 0 && isJoint(points[before - 1], points[before], tolerance)) points.erase(joint);
     }
     return !points.empty();
 }
@@ -172,7 +177,8 @@ bool strokeNode(std::vector<Point3d>& points, const ElementDescr* node, double t
         return strokeElement(points, node->element, tolerance, transform);
     std::vector<Point3d> outline;
     if (!(tolerance > 0) || !strokeComponents(outline, node, tolerance, transform)) return false;
-    if (!(outline.front() == outline.back())) outline.push_back(outline.front());
+    if (outline.size() > 2 && isJoint(outline.front(), outline.back(), tolerance)) outline.pop_back();
+    outline.push_back(outline.front());
     points.insert(points.end(), outline.begin(), outline.end());
     return true;
 }

@@ -1,5 +1,6 @@
 #include "host/element/layout.h"
 
+#include <cmath>
 #include <numbers>
 
 #include "host/element/range.h"
@@ -21,6 +22,11 @@ std::optional<Body> bodyOf(const MSElementBuffer* element, size_t available) {
 }
 
 }  // namespace
+
+bool isArcSweep(double start, double sweep) {
+    constexpr double turn = 2 * std::numbers::pi + 1e-9;
+    return std::isfinite(start) && sweep != 0 && std::fabs(sweep) <= turn;
+}
 
 bool elementIsSound(const void* bytes, size_t available) {
     if (!bytes || available < headBytes) return false;
@@ -48,7 +54,11 @@ std::optional<PointsView> verticesOf(const MSElementBuffer* element) {
 
 std::optional<ArcBody> arcOf(const MSElementBuffer* element) {
     const uint16_t type = headOf(element).type;
-    if (type == MDL_ARC) return bodyOf<ArcBody>(element, bodyBytes(element));
+    if (type == MDL_ARC) {
+        const auto arc = bodyOf<ArcBody>(element, bodyBytes(element));
+        if (!arc || !isArcSweep(arc->start, arc->sweep)) return {};
+        return arc;
+    }
     if (type != MDL_ELLIPSE) return {};
     const auto ellipse = bodyOf<EllipseBody>(element, bodyBytes(element));
     if (!ellipse) return {};

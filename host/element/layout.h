@@ -127,6 +127,9 @@ class PointsView {
     uint32_t count_ = 0;
 };
 
+// Whether an arc may have these: from any angle, by at most a full turn either way.
+bool isArcSweep(double start, double sweep);
+
 // What the body of an element holds; nothing for another type or a body that the element is too small for.
 std::optional<PointsView> verticesOf(const MSElementBuffer* element);  // line, line string, shape
 std::optional<ArcBody> arcOf(const MSElementBuffer* element);          // an ellipse is an arc from 0 by 2 pi

@@ -6,7 +6,7 @@
 namespace host {
 namespace {
 
-constexpr int mostSegments = 100000;  // of one span
+constexpr int mostSegments = 20000;  // of one span
 constexpr int mostHalvings = 16;
 
 size_t spanOf(std::span<const double> knots, size_t poles, int order, double knot) {

@@ -47,7 +47,7 @@ bool strokeUnchecked(std::vector<Point3d>& points, const MSElementBuffer* elemen
     if (auto arc = arcOf(element)) {
         EllipseBody& e = arc->ellipse;
         e = {applyToPoint(t, e.center), applyToVector(t, e.axis0), applyToVector(t, e.axis90)};
-        if (!std::isfinite(arc->start) || !std::isfinite(arc->sweep)) return false;
+        if (!isFinite(e.center) || !isFinite(e.axis0) || !isFinite(e.axis90)) return false;
         strokeArc(points, *arc, tolerance, headOf(element).type == MDL_ELLIPSE);
         return true;
     }

@@ -120,8 +120,8 @@ TEST(Cells, NamesAndDescriptionsOfFullLengthComeBack) {
 // Whatever bytes an element has, nobody reads beyond them (the blocks are exactly as large as the elements say).
 TEST(DamagedElements, AreReadWithinTheirBytes) {
     std::mt19937 random(7);
-    const auto upTo = [&](uint32_t most) { return random() % (most + 1); };
-    for (int round = 0; round < 20000; ++round) {
+    const auto upTo = [&](uint32_t most) { return static_cast<uint32_t>(random() % (most + 1)); };
+    for (int round = 0; round < 5000; ++round) {
         const uint32_t words = 16 + upTo(120);
         std::vector<uint64_t> block((words * 2 + 7) / 8);
         auto* e = reinterpret_cast<MSElementBuffer*>(block.data());
