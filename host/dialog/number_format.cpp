@@ -81,8 +81,11 @@ std::optional<std::string> formatNumber(const std::string& format, double value)
 }
 
 std::string shortestNumber(double value) {
+    const bool plain = value == 0 || (std::abs(value) >= 1e-5 && std::abs(value) < 1e15);
     std::array<char, 32> buffer;
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                   plain ? std::chars_format::fixed : std::chars_format::scientific)
+                         .ptr;
     return std::string(buffer.data(), end);
 }
 
