@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "host/dialog/dialog.h"
+#include "host/dialog/registry.h"
+#include "host/mdl/elmdscr.h"
+#include "host/mdl/resource.h"
+#include "host/mdl/text.h"
+#include "host/mdl/view.h"
+#include "host/resource/container.h"
+#include "tests/support/session_fixture.h"
+
+namespace {
+
+using host::DrawCall;
+
+class WindowTest : public SessionTest {
+  protected:
+    WindowTest() {
+        host::ResourceContents contents;
+        contents.dialogs[1] = {1, 400, 300, 0, {}, {}};
+        host::writeContainer(path("window.rsc"), contents);
+        window = asApplication("owner", [&] {
+            mdlResource_openFile(nullptr, path("window.rsc").c_str(), MDL_RSC_READ);
+            return mdlDialog_open(0, 1);
+        });
+        const Point3d line[] = {{100, 50, 0}, {300, 50, 0}};
+        mdlLine_create(dgnBufP, nullptr, line);
+        mdlElmdscr_new(&ed, nullptr, dgnBufP);
+    }
+    ~WindowTest() override { mdlElmdscr_freeAll(&ed); }
+
+    void addText(double height) {
+        const Point3d origin{100, 50, 0};
+        const TextSize size{1, height, height, 1};
+        mdlText_createWide(dgnBufP, nullptr, L"A1", &origin, nullptr, &size, nullptr, 0);
+        mdlElmdscr_appendElement(ed, dgnBufP);
+    }
+    // The volume from (100, 0), 200 wide and 100 high, in a square of 100 pixels at (10, 20).
+    int display(const Point3d& extent = {200, 100, 0}) {
+        const DialogRect rect{10, 20, 110, 120};
+        const Point3d origin{100, 0, 0};
+        RotMatrix top;
+        mdlView_getStandard(&top, 1);
+        return mdlElmdscr_displayToWindow(window, &rect, nullptr, ed, &top, &origin, &extent, 0, -1);
+    }
+    std::vector<DrawCall> drawn() { return host::dialogOf(window)->drawing(); }
+
+    MdlDialog* window = nullptr;
+    ElementDescr* ed = nullptr;
+};
+
+TEST_F(WindowTest, DrawingFillsTheRectangleAndIsCentred) {
+    ASSERT_NE(window, nullptr);
+    ASSERT_EQ(display(), MDL_SUCCESS);
+    const auto calls = drawn();
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0].kind, DrawCall::Kind::line);
+    EXPECT_EQ(calls[0].points, (std::vector<int32_t>{10, 70, 110, 70}));
+    display();
+    EXPECT_EQ(drawn().size(), 1u) << "drawn again at its place";
+}
+
+TEST_F(WindowTest, LargeTextsAreLettersAndSmallOnesTheirBoxes) {
+    addText(40);
+    addText(4);
+    ASSERT_EQ(display(), MDL_SUCCESS);
+    const auto calls = drawn();
+    ASSERT_EQ(calls.size(), 3u);
+    EXPECT_EQ(calls[1].kind, DrawCall::Kind::text);
+    EXPECT_EQ(calls[1].text, "A1");
+    EXPECT_EQ(calls[1].rect.left, 10);
+    EXPECT_EQ(calls[1].rect.top, 50);
+    EXPECT_EQ(calls[2].kind, DrawCall::Kind::line);
+    EXPECT_EQ(calls[2].points.size(), 10u);
+}
+
+TEST_F(WindowTest, DepthOfTheVolumeDoesNotCountAndEmptyOnesAreDrawn) {
+    EXPECT_EQ(display({200, 100, 4294967295.0}), MDL_SUCCESS);
+    EXPECT_EQ(display({0, 0, 0}), MDL_SUCCESS);
+    EXPECT_EQ(display({NAN, 1, 0}), MDL_ERROR);
+    const DialogRect flat{10, 20, 10, 40};
+    const Point3d p{0, 0, 0};
+    const RotMatrix m{};
+    EXPECT_EQ(mdlElmdscr_displayToWindow(window, &flat, nullptr, ed, &m, &p, &p, 0, 0), MDL_ERROR);
+    EXPECT_EQ(mdlElmdscr_displayToWindow(nullptr, &flat, nullptr, ed, &m, &p, &p, 0, 0), MDL_ERROR);
+}
+
+}  // namespace
