@@ -1,0 +1,234 @@
+// The terminal's front end, answered through a pipe, from a file and by nobody.
+#include "host/front/terminal.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "host/mdl/dialog.h"
+#include "host/mdl/lists.h"
+#include "host/mdl/resource.h"
+#include "host/mdl/system.h"
+#include "host/resource/container.h"
+#include "host/session/session.h"
+
+namespace {
+
+using testing::HasSubstr;
+namespace fs = std::filesystem;
+
+enum { NOTICE = 1, QUESTION = 2, FORM = 3 };
+enum { HOOK = 7, LIST_HOOK = 8 };
+
+host::ItemLayout item(int32_t kind, int32_t id, const char* label, int32_t hook = 0) {
+    host::ItemLayout layout{kind, id, 0, 0, 10, 10, hook, "", "", {}, {}};
+    layout.label.set("en", label);
+    return layout;
+}
+
+host::ResourceContents layouts() {
+    host::ResourceContents contents;
+    contents.icons[5] = {5, 2, {true, true, true, true}, "!"};
+    const auto dialog = [&](int32_t id, const char* title, std::vector<host::ItemLayout> items) {
+        host::DialogLayout& made = contents.dialogs[id] = {id, 100, 100, 0, {}, std::move(items)};
+        made.title.set("en", title);
+    };
+    dialog(NOTICE, "Melding", {item(ITEM_GENERIC, 1, "", HOOK), item(ITEM_PUSH_BUTTON, -3, "OK")});
+    dialog(QUESTION, "Sp\xf8rsm\xe5l", {item(ITEM_PUSH_BUTTON, -4, "Nei"), item(ITEM_PUSH_BUTTON, -3, "\xc5ja")});
+    host::ItemLayout device = item(ITEM_OPTION_BUTTON, 2, "Device");
+    for (int32_t value : {10, 20}) {
+        device.rows.push_back({value, {}});
+        device.rows.back().label.set("en", value == 10 ? "Paper" : "Sk\xe6rm");
+    }
+    dialog(
+        FORM, "Form",
+        {item(ITEM_TEXT, 1, "Name"), device, item(ITEM_TOGGLE, 3, "Frame"), item(ITEM_LIST_BOX, 4, "Rows", LIST_HOOK),
+         item(ITEM_PUSH_BUTTON, -3, "Print"), item(ITEM_PUSH_BUTTON, -4, "Preview")});
+    return contents;
+}
+
+StringList* rows = nullptr;
+
+void hook(DialogMessage* message) {
+    if (message->hookId == LIST_HOOK) {
+        if (message->type == ITEM_CREATE) mdlDialog_listBoxSetStrListP(message->item, rows, 1);
+        return;
+    }
+    if (message->type != ITEM_DRAW) return;
+    mdlDialog_textDrawCD(message->dialog, 60, 36, "lower \xe5 \x1b[31m");
+    mdlDialog_textDrawCD(message->dialog, 60, 20, "upper \x80");
+    mdlDialog_textDrawCD(message->dialog, 160, 20, "beside");
+    mdlWindow_iconDraw(message->dialog, 0, 5, 0, 20, 4);
+}
+
+class Terminal : public testing::Test {
+  protected:
+    Terminal() {
+        std::string pattern = (fs::temp_directory_path() / "terminal-XXXXXX").string();
+        folder = mkdtemp(pattern.data());
+        host::writeContainer(folder / "dialogs.rsc", layouts());
+        rows = mdlStringList_create(2, 0);
+        mdlStringList_setMember(rows, 0, "first", nullptr);
+        mdlStringList_setMember(rows, 1, "second", nullptr);
+        options.asks = false;
+        options.showsProgress = false;
+    }
+    ~Terminal() override {
+        mdlStringList_destroy(rows);
+        fs::remove_all(folder);
+    }
+
+    void typed(const std::string& lines) {
+        std::ofstream(folder / "input") << lines;
+        options.asks = true;
+    }
+    void answers(const std::string& lines) {
+        std::ofstream(folder / "answers") << lines;
+        options.answersFile = folder / "answers";
+    }
+
+    // Runs `body` in a session with this terminal.
+    template <class Body>
+    void inSession(Body body) {
+        std::ofstream(folder / "input", std::ios::app).flush();
+        options.input = std::fopen((folder / "input").c_str(), "r");
+        options.output = std::fopen((folder / "output").c_str(), "w");
+        options.errors = std::fopen((folder / "errors").c_str(), "w");
+        {
+            host::Session session({.frontEnd = host::makeTerminalFrontEnd(options), .variables = {}});
+            RscHandle file = 0;
+            mdlResource_openFile(&file, (folder / "dialogs.rsc").c_str(), MDL_RSC_READ);
+            const DialogHook hooks[] = {{HOOK, hook}, {LIST_HOOK, hook}};
+            mdlDialog_hookPublish(2, hooks);
+            body();
+            mdlResource_closeFile(file);
+        }
+        for (std::FILE* file : {options.input, options.output, options.errors}) std::fclose(file);
+        shown = contentsOf("errors");
+    }
+    int32_t run(int32_t dialog) {
+        int32_t reply = -1;
+        inSession([&] { mdlDialog_openModal(&reply, 0, dialog); });
+        return reply;
+    }
+    std::string contentsOf(const char* name) const {
+        std::ostringstream bytes;
+        bytes << std::ifstream(folder / name).rdbuf();
+        return bytes.str();
+    }
+
+    fs::path folder;
+    host::TerminalOptions options;
+    std::string shown;
+};
+
+TEST_F(Terminal, ShowsDrawnLinesInReadingOrderWithTheIconsSign) {
+    typed("\n");
+    EXPECT_EQ(run(NOTICE), 3);
+    EXPECT_EQ(shown, "--- Melding ---\n(!) upper \xe2\x82\xac  beside\n    lower \xc3\xa5  [31m\n  1) OK\n[OK] > ")
+        << "what is drawn can't steer the terminal";
+}
+
+TEST_F(Terminal, TakesAButtonByNumberLabelOrBeginning) {
+    struct Case {
+        const char* line;
+        int32_t reply;
+    };
+    const Case cases[] = {{"1\n", 4},           {"2\r\n", 3},    {"\n", 3}, {"nei\n", 4}, {"\xc3\xa5ja\n", 3},
+                          {" \xc3\x85J \n", 3}, {"3\nNEI\n", 4}, {"", 4},   {"1", 4},     {"x\n1=2\n\xff\n2\n", 3}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.line);
+        typed(c.line);
+        EXPECT_EQ(run(QUESTION), c.reply);
+        EXPECT_THAT(shown, HasSubstr("--- Sp\xc3\xb8rsm\xc3\xa5l ---\n  1) Nei  2) \xc3\x85ja\n"));
+    }
+}
+
+TEST_F(Terminal, AnAnswerThatFitsTwoButtonsIsRefused) {
+    typed("pr\nprev\n");
+    EXPECT_EQ(run(FORM), 4);
+    EXPECT_THAT(shown, HasSubstr("This can't be done here: \"pr\""));
+}
+
+TEST_F(Terminal, SetsTextsChoicesTogglesAndRowsByNumber) {
+    typed("1= \xc3\x86 b=c \n2=sk\xc3\xa6rm\n3\n4=2\nprint\n");
+    EXPECT_EQ(run(FORM), 3);
+    EXPECT_THAT(shown, HasSubstr("1) Name: \n2) Device: Paper (Paper, Sk\xc3\xa6rm)\n3) [ ] Frame\n4) Rows\n"
+                                 "      1.  first\n      2.  second\n  5) Print  6) Preview\n"));
+    EXPECT_THAT(shown,
+                HasSubstr("1) Name: \xc3\x86 b=c\n2) Device: Sk\xc3\xa6rm (Paper, Sk\xc3\xa6rm)\n3) [x] Frame\n"));
+    EXPECT_THAT(shown, HasSubstr("    * 2.  second\n"));
+}
+
+TEST_F(Terminal, WrongAnswersAreToldAndAskedAgain) {
+    typed("2=3\n3=maybe\n4=9\n4=0\n9=x\n1\n1=\xe6\x97\xa5\n5\n");
+    EXPECT_EQ(run(FORM), 3);
+    size_t told = 0;
+    for (size_t at = shown.find("can't be"); at != std::string::npos; at = shown.find("can't be", at + 1)) ++told;
+    EXPECT_EQ(told, 7u);
+}
+
+TEST_F(Terminal, YesPressesTheFirstButtonAndSaysSo) {
+    options.yes = true;
+    EXPECT_EQ(run(QUESTION), 3);
+    EXPECT_THAT(shown, HasSubstr("> \xc3\x85ja\n"));
+}
+
+TEST_F(Terminal, AFileOfAnswersGoesBeforeYesAndTheTerminal) {
+    answers("Nei\n");
+    options.yes = true;
+    int32_t first = 0, second = 0;
+    inSession([&] {
+        mdlDialog_openModal(&first, 0, QUESTION);
+        mdlDialog_openModal(&second, 0, QUESTION);
+    });
+    EXPECT_EQ(first, 4);
+    EXPECT_EQ(second, 3);
+    EXPECT_THAT(shown, HasSubstr("> Nei\n"));
+}
+
+TEST_F(Terminal, AFileOfAnswersThatCannotBeReadIsTold) {
+    options.answersFile = folder / "missing";
+    EXPECT_THROW(host::makeTerminalFrontEnd(options), std::runtime_error);
+    options.answersFile = folder;
+    EXPECT_THROW(host::makeTerminalFrontEnd(options), std::runtime_error);
+}
+
+TEST_F(Terminal, WithNobodyThereANoticeCountsAsReadAndAQuestionAsDeclined) {
+    EXPECT_EQ(run(NOTICE), 3);
+    EXPECT_THAT(shown, HasSubstr("upper"));
+    EXPECT_EQ(run(QUESTION), 4);
+    EXPECT_THAT(shown, HasSubstr("--- Sp\xc3\xb8rsm\xc3\xa5l ---"));
+    EXPECT_THAT(shown, HasSubstr("Nobody answers. Answer at a terminal, or run with --yes or --answers FILE.\n"));
+}
+
+TEST_F(Terminal, AnInputThatEndsLetsTheDialogGo) {
+    typed("no such button\n");
+    EXPECT_EQ(run(QUESTION), 4);
+    EXPECT_THAT(shown, HasSubstr("Nobody answers."));
+}
+
+TEST_F(Terminal, ProgressKeepsToOneLineAndEndsBeforeAnythingElse) {
+    options.showsProgress = true;
+    inSession([] {
+        mdlOutput_printf(1, "%s", "10 %");
+        mdlOutput_printf(1, "%s", "20 %");
+        mdlOutput_messageCenter(10, "bl\xe5.mcd", "not found", 0);
+        mdlOutput_printf(1, "%s", "30 %");
+    });
+    EXPECT_EQ(shown, "\r10 %\x1b[K\r20 %\x1b[K\nbl\xc3\xa5.mcd: not found\n\r30 %\x1b[K\n");
+    options.showsProgress = false;
+    inSession([] { mdlOutput_printf(1, "%s", "10 %"); });
+    EXPECT_EQ(shown, "");
+}
+
+TEST_F(Terminal, ConsoleLinesGoToTheOutputAlone) {
+    inSession([] { toolSubsystem_printf("stasjon %d \xf8\n", 5); });
+    EXPECT_EQ(contentsOf("output"), "stasjon 5 \xc3\xb8\n");
+    EXPECT_EQ(shown, "");
+}
+
+}  // namespace
