@@ -121,7 +121,9 @@ TEST_F(MessageDialogs, FlagsChooseLabelsTitleAndIcon) {
         show(c.flags, "text", [&](Dialog& d) {
             EXPECT_EQ(buttonOf(d, -3).label, c.first);
             EXPECT_EQ(buttonOf(d, -4).shown, c.second != nullptr);
-            if (c.second) EXPECT_EQ(buttonOf(d, -4).label, c.second);
+            if (c.second) {
+                EXPECT_EQ(buttonOf(d, -4).label, c.second);
+            }
             const auto icons = callsOf(d, DrawCall::Kind::icon);
             ASSERT_EQ(icons.size(), 1u);
             EXPECT_EQ(icons[0].icon->sign, c.sign);
