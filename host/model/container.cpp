@@ -314,6 +314,8 @@ void writeEmpty(const std::string& path, bool is3d) {
     model.nextLevel = 2;
     Database database;
     database.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    // Nobody knows the file before it has its name, so one wait for the disk behind it all is enough.
+    database.run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF");
     database.run("PRAGMA page_size=" + std::to_string(pageBytes) + "; PRAGMA application_id=" +
                  std::to_string(applicationId) + "; PRAGMA user_version=" + std::to_string(formatVersion));
     Transaction transaction(database);
@@ -321,6 +323,14 @@ void writeEmpty(const std::string& path, bool is3d) {
     storeTables(database, model);
     storeModelRow(database, model, 0);
     transaction.commit();
+}
+
+void waitForDisk(const std::string& path) {
+    const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
+    const bool stored = file >= 0 && fsync(file) == 0;
+    const std::string reason = systemReason(errno);
+    if (file >= 0) ::close(file);
+    if (!stored) throw FileProblem("it can't be made (" + reason + "). Give another name or folder.");
 }
 
 // Gives the new file its name, which nobody else has taken in the meantime.
@@ -346,9 +356,13 @@ void createContainer(const std::string& path, bool is3d) {
     const std::string temporary = path + "." + std::to_string(getpid()) + ".new";
     try {
         writeEmpty(temporary, is3d);
+        waitForDisk(temporary);
     } catch (const SqliteFailure& failure) {
         unlink(temporary.c_str());
         throw FileProblem(sqliteReason(failure));
+    } catch (const FileProblem&) {
+        unlink(temporary.c_str());
+        throw;
     }
     giveName(temporary, path);
 }

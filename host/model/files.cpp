@@ -76,12 +76,7 @@ void closeActive() {
 }
 
 void closeAtSessionEnd() {
-    const std::string name = files.active ? files.active->name() : std::string();
-    try {
-        closeActive();
-    } catch (const FileProblem& problem) {
-        cannot("store", name, problem);
-    }
+    if (files.active) mdlSystem_closeDesignFile();
     dropDesignFiles();
 }
 

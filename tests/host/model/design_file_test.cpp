@@ -60,6 +60,20 @@ TEST_F(DesignFile, OpeningAndClosingLeavesTheFileAsItIs) {
     EXPECT_EQ(readFile("a.mcd"), before);
 }
 
+TEST_F(DesignFile, ClosedFileMayBeMoved) {
+    EXPECT_EQ(mdlSystem_closeDesignFile(), MDL_ERROR);
+    create();
+    open();
+    mdlElement_add(numbered(1));
+    EXPECT_EQ(mdlSystem_closeDesignFile(), MDL_SUCCESS);
+    EXPECT_EQ(mdlModelRef_getActive(), nullptr);
+    EXPECT_STREQ(tcbP->designFileName, "");
+    const std::string moved = path("moved.mcd");
+    std::filesystem::rename(file, moved);
+    EXPECT_EQ(mdlSystem_newDesignFile(moved.c_str(), 0), MDL_SUCCESS);
+    EXPECT_EQ(allNumbers(), (std::vector<uint32_t>{1}));
+}
+
 TEST_F(DesignFile, NewFileTellsItsKindAndUnits) {
     for (const int is3d : {0, 1}) {
         const std::string name = path(is3d ? "3d.mcd" : "2d.mcd");
@@ -343,9 +357,9 @@ TEST_F(DesignFile, FullDiskLosesNothing) {
                       if (mdlSystem_saveDesignFile() != MDL_ERROR || front().messages.size() != 1) return 3;
                       if (mdlSystem_newDesignFile(file.c_str(), 0) != MDL_ERROR) return 4;
                       if (mdlModelRef_getElementCount(nullptr) != 20000) return 5;
-                      if (!roomIsMade) return 0;
+                      if (!roomIsMade) return mdlSystem_closeDesignFile() == MDL_ERROR ? 0 : 6;
                       limitFileSize(RLIM_INFINITY);
-                      return mdlSystem_saveDesignFile() == MDL_SUCCESS ? 0 : 6;
+                      return mdlSystem_saveDesignFile() == MDL_SUCCESS ? 0 : 7;
                   }),
                   0);
         const uint32_t kept = roomIsMade ? 20000 : 100;
