@@ -76,7 +76,7 @@ std::optional<std::string> acceptable(const DialogItem& item, std::string_view v
 }
 
 bool sameOrigin(const DrawCall& a, const DrawCall& b) {
-    return a.kind == b.kind && a.rect.left == b.rect.left && a.rect.top == b.rect.top && a.points == b.points;
+    return a.kind == b.kind && a.rect.left == b.rect.left && a.rect.top == b.rect.top;
 }
 
 void tellBadAccess(int32_t dialogId, const DialogItem& item, const std::string& fault) {
@@ -311,13 +311,17 @@ void Dialog::draw(size_t index) {
     drawingItem_ = outer;
 }
 
-// A call at the place of an earlier one of its kind takes that one's place, so the list doesn't grow as drawing
-// repeats.
+// What an item's hook draws is dropped before the hook draws again. Elsewhere a call takes the place of the earlier one
+// of its kind at the same origin, so that the list doesn't grow as drawing repeats; lines of whole drawings are too
+// many to be compared, and stay until the window's extent is set.
 void Dialog::add(DrawCall call) {
-    auto& calls = drawingItem_ < 0 ? drawing_ : items_[static_cast<size_t>(drawingItem_)].drawing;
-    const auto same = std::ranges::find_if(calls, [&](const DrawCall& known) { return sameOrigin(known, call); });
-    if (same == calls.end())
-        calls.push_back(std::move(call));
+    if (drawingItem_ >= 0) return items_[static_cast<size_t>(drawingItem_)].drawing.push_back(std::move(call));
+    const auto same =
+        call.kind == DrawCall::Kind::line
+            ? drawing_.end()
+            : std::ranges::find_if(drawing_, [&](const DrawCall& known) { return sameOrigin(known, call); });
+    if (same == drawing_.end())
+        drawing_.push_back(std::move(call));
     else
         *same = std::move(call);
 }

@@ -72,8 +72,9 @@ void record(DialogMessage* message) {
     trace += std::to_string(message->hookId) + ":" + std::to_string(message->type) + " ";
     contexts.push_back(mdlSystem_getCurrMdlDesc());
     const auto action = actions.find({message->hookId, message->type});
-    if (action != actions.end()) action->second(*message);
-    message->handled = 1;
+    if (action == actions.end()) return;
+    const auto run = action->second;  // it may replace itself
+    run(*message);
 }
 
 class Dialogs : public SessionTest {
