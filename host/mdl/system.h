@@ -30,8 +30,9 @@ MDL_EXPORT void mdlSystem_exit(int errorCode, int unload);
 
 /* Calls `function` in the context of the application `desc`: desc is the current application during the call, and the
  * one before is current again afterwards. `signature` has a letter for each argument that follows: P pointer, I 32-bit
- * integer, D double; empty for none, at most 16. Gives the function's 32-bit result (0 for a function without one), or
- * MDL_ERROR for a bad signature or a null function. A null desc keeps the current application. */
+ * integer, D double; empty for none, at most 16. Gives the function's 32-bit result, which means nothing for a function
+ * without one, or MDL_ERROR for a bad signature, a null function or an application that has ended. A null desc keeps the
+ * current application. */
 MDL_EXPORT int32_t dlmSystem_callAnyFunction(const char *signature, MdlDesc *desc, void *function, ...);
 /* The same, for a function that is known to lie in the application itself. */
 MDL_EXPORT int32_t dlmSystem_callMdlFunction(const char *signature, MdlDesc *desc, void *function, ...);
@@ -42,7 +43,7 @@ MDL_EXPORT int32_t dlmSystem_callMdlFunction(const char *signature, MdlDesc *des
 enum { MDL_FUNCTION_NEW_DESIGN_FILE = 1 };
 MDL_EXPORT int mdlSystem_setFunction(int kind, void *function);
 /* Calls `function` (void f(int32_t id)) in the context of the current application once, after `ticks` ticks.
- * Gives the timer's id in idP. */
+ * Gives the timer's id in idP. MDL_ERROR without a current application. Less than one tick counts as one. */
 MDL_EXPORT int mdlSystem_setTimerFunction(int32_t *idP, int32_t ticks, void *function);
 MDL_EXPORT int mdlSystem_cancelTimer(int32_t id);
 /* Ticks since the session began: 60 a second. */
@@ -58,13 +59,15 @@ MDL_EXPORT void dlmSystem_mdlFree(void *block);
 
 /* Copies the value into `buffer` (at most size - 1 characters), which may be null for a test. 0 when defined. */
 MDL_EXPORT int mdlSystem_getenv(char *buffer, const char *name, int size);
-/* The same with the arguments in the other order, and the value fully expanded. */
+/* The same with the value fully expanded. */
 MDL_EXPORT int mdlSystem_getCfgVar(char *buffer, const char *name, int size);
 /* Defines a variable. Levels: 0 system, 1 application, 2 site, 3 project, 4 user. A higher level hides a lower one. */
 MDL_EXPORT int mdlSystem_defineCfgVar(const char *name, const char *value, int level);
+/* Removes a variable on all levels; one of the environment is hidden. MDL_ERROR when it wasn't defined. */
 MDL_EXPORT int mdlSystem_deleteCfgVar(const char *name);
-/* The text with each $(NAME) and ${NAME} replaced by the variable's expanded value (nothing when undefined), in a new
- * block that the caller frees with dlmSystem_mdlFree; null when out of memory. */
+/* The text with each $(NAME) and ${NAME} replaced by the variable's expanded value (nothing when undefined, and for a
+ * variable within its own value), at most 65,536 characters, in a new block that the caller frees with
+ * dlmSystem_mdlFree; null when out of memory. */
 MDL_EXPORT char *mdlSystem_expandCfgVar(const char *text);
 /* The expanded value of the variable in a new block that the caller frees, or null when it is undefined. */
 MDL_EXPORT char *mdlSystem_getExpandedCfgVar(const char *name);

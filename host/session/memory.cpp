@@ -4,6 +4,7 @@
 #include <malloc.h>
 
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -18,6 +19,11 @@ namespace {
 std::atomic<size_t> blocksInUse{0};
 std::atomic<size_t> bytesInUse{0};
 std::atomic<int> callsUntilFailure{0};  // 0: none fails; 1: every one does
+
+// A size that no block can have; the system's allocator would answer the same.
+bool isImpossible(size_t size) {
+    return size > PTRDIFF_MAX;
+}
 
 bool failsNow() {
     int left = callsUntilFailure.load(std::memory_order_relaxed);
@@ -91,13 +97,13 @@ void failMemoryFrom(int call) {
 using namespace host;
 
 void* dlmSystem_mdlMalloc(size_t size) {
-    void* block = failsNow() ? nullptr : std::malloc(size == 0 ? 1 : size);
+    void* block = failsNow() || isImpossible(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
     if (block != nullptr) count(block, __builtin_return_address(0));
     return block;
 }
 
 void* dlmSystem_mdlRealloc(void* block, size_t size) {
-    if (failsNow()) return nullptr;
+    if (failsNow() || isImpossible(size)) return nullptr;
     const size_t before = block == nullptr ? 0 : malloc_usable_size(block);
     if (block != nullptr && Trace::active() != nullptr) Trace::active()->remove(block);
     void* grown = std::realloc(block, size == 0 ? 1 : size);

@@ -1,6 +1,5 @@
 // Finding files along search paths, and taking names apart and putting them together.
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <optional>
 
@@ -57,7 +56,7 @@ std::optional<std::string> findAlong(const std::string& name, const char* search
 
 void copyPart(char* buffer, std::string_view part) {
     if (buffer == nullptr) return;
-    std::memcpy(buffer, part.data(), part.size());
+    std::ranges::copy(part, buffer);
     buffer[part.size()] = '\0';
 }
 
