@@ -127,6 +127,21 @@ TEST_F(Program, VariablesComeFromTheFilesAndTheCall) {
     EXPECT_EQ(run(probe_ + "variable MS_APPRSC").out, BUILD_DIR "/lib/mclib.rsc\n");
 }
 
+TEST_F(Program, DrawsInANewFileAndGoesOnInItLater) {
+    EXPECT_EQ(run("--new road.mcd " + probe_ + "draw").out, "1\n");
+    EXPECT_EQ(run("--open road.mcd " + probe_ + "draw").out, "2\n");
+    const Outcome again = run("--new road.mcd " + probe_ + "draw");
+    EXPECT_EQ(again.status, 1);
+    EXPECT_NE(again.error.find("road.mcd"), std::string::npos);
+    EXPECT_EQ(run("--open road.mcd " + probe_ + "draw").out, "3\n");
+    EXPECT_EQ(run(probe_ + "draw").status, 1) << "no design file";
+}
+
+TEST_F(Program, AnApplicationOfAStartListHearsOfTheFileThatOpens) {
+    EXPECT_EQ(run("--new a.mcd --list-name MS_DGNAPPS " + probe_ + "watch").out, "open: 0\na.mcd 1\n");
+    EXPECT_EQ(run("--open a.mcd " + probe_ + "watch").out, "open: 1\n");
+}
+
 TEST_F(Program, AMessageIsOneLineOnStandardError) {
     const Outcome outcome = run(probe_ + "say 'bl\xc3\xa5'");
     EXPECT_EQ(outcome.error, "bl\xc3\xa5: try again\n");

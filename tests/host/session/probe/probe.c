@@ -2,6 +2,9 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "host/mdl/element.h"
+#include "host/mdl/elmdscr.h"
+#include "host/mdl/model.h"
 #include "host/mdl/system.h"
 
 static int printArguments(int argc, char **argv) {
@@ -17,11 +20,32 @@ static int printVariable(const char *name) {
     return 0;
 }
 
+/* Adds a line, and tells how many elements there are. */
+static int draw(void) {
+    static MSElementBuffer line;
+    const Point3d ends[2] = {{0.0, 0.0, 0.0}, {100.0, 50.0, 0.0}};
+    if (mdlLine_create(&line, NULL, ends) != 0 || mdlElement_add(&line) == 0) return 1;
+    toolSubsystem_printf("%u\n", mdlModelRef_getElementCount(mdlModelRef_getActive()));
+    return 0;
+}
+
+static void heard(char *name, int state) {
+    const char *last = strrchr(name, '/');
+    toolSubsystem_printf("%s %d\n", last != NULL ? last + 1 : name, state);
+}
+
+static int watch(void) {
+    toolSubsystem_printf("open: %d\n", mdlModelRef_getActive() != NULL);
+    return mdlSystem_setFunction(MDL_FUNCTION_NEW_DESIGN_FILE, (void *)heard);
+}
+
 int main(int argc, char **argv) {
     const char *what = argc > 2 ? argv[2] : "";
     const char *value = argc > 3 ? argv[3] : "";
     if (strcmp(what, "arguments") == 0) return printArguments(argc, argv);
     if (strcmp(what, "variable") == 0) return printVariable(value);
+    if (strcmp(what, "draw") == 0) return draw();
+    if (strcmp(what, "watch") == 0) return watch();
     if (strcmp(what, "return") == 0) return atoi(value);
     if (strcmp(what, "exit") == 0) mdlSystem_exit(atoi(value), 1);
     if (strcmp(what, "say") == 0) mdlOutput_messageCenter(10, value, "try again", 0);
