@@ -274,7 +274,8 @@ bool Dialog::synch(DialogItem& item) {
 }
 
 int32_t Dialog::rowCount(const DialogItem& item) {
-    return item.columns < 1 ? 0 : (mdlStringList_size(item.list) + item.columns - 1) / item.columns;
+    const int32_t members = mdlStringList_size(item.list);
+    return members == 0 ? 0 : (members - 1) / item.columns + 1;
 }
 
 std::string Dialog::cellText(const DialogItem& item, int32_t row, int32_t column) {

@@ -89,10 +89,12 @@ std::string lineOf(const DialogItem& item, const std::string& number) {
 
 std::vector<size_t> usableItems(const Dialog& dialog) {
     std::vector<size_t> usable;
-    for (size_t i = 0; i < dialog.items().size(); ++i) {
-        const DialogItem& item = dialog.items()[i];
-        if (item.shown && item.enabled && isInput(item)) usable.push_back(i);
-    }
+    for (const bool buttons : {true, false})
+        for (size_t i = 0; i < dialog.items().size(); ++i) {
+            const DialogItem& item = dialog.items()[i];
+            if (item.shown && item.enabled && isInput(item) && (item.kind == ITEM_PUSH_BUTTON) == buttons)
+                usable.push_back(i);
+        }
     return usable;
 }
 

@@ -8,7 +8,7 @@
 
 namespace host {
 
-// The items that can be used, by their place in the dialog: number n on the screen is element n - 1.
+// The items that can be used, by their place in the dialog, buttons first: number n on the screen is element n - 1.
 std::vector<size_t> usableItems(const Dialog& dialog);
 
 // Title, drawing and items, each line ended; buttons last.

@@ -154,17 +154,17 @@ TEST_F(Terminal, AnAnswerThatFitsTwoButtonsIsRefused) {
 }
 
 TEST_F(Terminal, SetsTextsChoicesTogglesAndRowsByNumber) {
-    typed("1= \xc3\x86 b=c \n2=sk\xc3\xa6rm\n3\n4=2\nprint\n");
+    typed("3= \xc3\x86 b=c \n4=sk\xc3\xa6rm\n5\n6=2\nprint\n");
     EXPECT_EQ(run(FORM), 3);
-    EXPECT_THAT(shown, HasSubstr("1) Name: \n2) Device: Paper (Paper, Sk\xc3\xa6rm)\n3) [ ] Frame\n4) Rows\n"
-                                 "      1.  first\n      2.  second\n  5) Print  6) Preview\n"));
+    EXPECT_THAT(shown, HasSubstr("3) Name: \n4) Device: Paper (Paper, Sk\xc3\xa6rm)\n5) [ ] Frame\n6) Rows\n"
+                                 "      1.  first\n      2.  second\n  1) Print  2) Preview\n"));
     EXPECT_THAT(shown,
-                HasSubstr("1) Name: \xc3\x86 b=c\n2) Device: Sk\xc3\xa6rm (Paper, Sk\xc3\xa6rm)\n3) [x] Frame\n"));
+                HasSubstr("3) Name: \xc3\x86 b=c\n4) Device: Sk\xc3\xa6rm (Paper, Sk\xc3\xa6rm)\n5) [x] Frame\n"));
     EXPECT_THAT(shown, HasSubstr("    * 2.  second\n"));
 }
 
 TEST_F(Terminal, WrongAnswersAreToldAndAskedAgain) {
-    typed("2=3\n3=maybe\n4=9\n4=0\n9=x\n1\n1=\xe6\x97\xa5\n5\n");
+    typed("4=3\n5=maybe\n6=9\n6=0\n9=x\n3\n3=\xe6\x97\xa5\n1\n");
     EXPECT_EQ(run(FORM), 3);
     size_t told = 0;
     for (size_t at = shown.find("can't be"); at != std::string::npos; at = shown.find("can't be", at + 1)) ++told;
