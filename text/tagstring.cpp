@@ -108,11 +108,7 @@ int32_t divide(int32_t a, int32_t b) {
 // A text while it is built.
 class Text {
   public:
-    void append(View piece) {
-        piece = piece.substr(0, capacity - length);
-        std::memcpy(data + length, piece.data(), piece.size());
-        length += piece.size();
-    }
+    void append(View piece) { length += piece.copy(data + length, capacity - length); }
     void append(size_t count, char c) {
         count = std::min(count, capacity - length);
         std::memset(data + length, c, count);

@@ -129,7 +129,7 @@ void ElementStore::reservePositions(uint32_t nextPosition) {
 }
 
 ElementStore::Chunk& ElementStore::appendChunk(uint32_t capacity) {
-    return chunks_.emplace_back(std::unique_ptr<std::byte[]>(new std::byte[capacity]), 0, capacity, true);
+    return chunks_.emplace_back(Chunk{std::unique_ptr<std::byte[]>(new std::byte[capacity]), 0, capacity, true});
 }
 
 bool ElementStore::takeRecords() {
