@@ -195,7 +195,9 @@ int work(const Options& options) {
     const bool done = configure(options) && run(session, options);
     session.finish();
     std::fflush(stdout);
-    return done && session.exitStatus() == 0 ? statusGood : statusFailed;
+    if (!done) return statusFailed;
+    const int status = session.exitStatus();  // an application may find its own arguments wrong
+    return status == statusGood || status == statusWrongCall ? status : statusFailed;
 }
 
 // ---- the command line ----

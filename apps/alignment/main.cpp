@@ -1,0 +1,209 @@
+// alignment: from the horizontal alignment of a road in a text file to a drawing on paper.
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "checks.h"
+#include "drawing.h"
+#include "host/mdl/model.h"
+#include "host/mdl/view.h"
+#include "listing.h"
+#include "mclib.h"
+#include "outputs.h"
+#include "reader.h"
+#include "sheet.h"
+#include "tell.h"
+
+namespace alignment {
+namespace {
+
+namespace fs = std::filesystem;
+
+enum ExitStatus { done = 0, failed = 1, wrongCall = 2 };
+
+// clang-format off
+constexpr const char* usage =
+    "usage: mchost alignment ROAD.txt [options]\n"
+    "  --out NAME       where to make the files: a folder, or a path without suffix (default: the input's name in the\n"
+    "                   current folder)\n"
+    "  --paper A3       A0 to A5, lying; --portrait for standing\n"
+    "  --scale 5000     instead of the SCALE of the input\n"
+    "  --picture png    png or svg\n"
+    "  --overwrite      replace files that are there\n"
+    "  --list           print the station list, and make no files unless --out is given\n"
+    "  --step 20        metres between the rows of the list\n";
+// clang-format on
+
+struct Options {
+    std::string input, out, paper = "A3", picture = "png";
+    double scale = 0, step = 20;
+    bool portrait = false, overwrite = false, list = false;
+};
+
+// ---- arguments ----
+
+std::optional<double> positiveNumber(std::string_view text) {
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.begin(), text.end(), value);
+    if (error != std::errc() || end != text.end() || !(value > 0)) return {};
+    return value;
+}
+
+bool wrong(const std::string& what) {
+    fail(what);
+    toolSubsystem_printf("%s", usage);
+    return false;
+}
+
+bool setOption(Options& options, std::string_view name, const std::string& value) {
+    const auto number = [&](double& into) {
+        const std::optional<double> read = positiveNumber(value);
+        if (!read) return wrong(std::string(name) + " takes a number above 0, not \"" + value + "\"");
+        into = *read;
+        return true;
+    };
+    if (name == "--scale") return number(options.scale);
+    if (name == "--step") return number(options.step);
+    if (name == "--out") options.out = value;
+    if (name == "--paper") options.paper = value;
+    if (name == "--picture") options.picture = value;
+    if (!paperSize(options.paper, false)) return wrong("--paper takes A0 to A5, not \"" + value + "\"");
+    if (options.picture != "png" && options.picture != "svg") {
+        return wrong("--picture takes png or svg, not \"" + value + "\"");
+    }
+    return true;
+}
+
+std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
+    static constexpr std::string_view withValue[] = {"--scale", "--step", "--out", "--paper", "--picture"};
+    Options options;
+    for (size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        if (std::ranges::find(withValue, argument) != std::end(withValue)) {
+            if (i + 1 == arguments.size()) return wrong(argument + " needs a value"), std::nullopt;
+            if (!setOption(options, argument, arguments[++i])) return {};
+        } else if (argument == "--portrait") {
+            options.portrait = true;
+        } else if (argument == "--overwrite") {
+            options.overwrite = true;
+        } else if (argument == "--list") {
+            options.list = true;
+        } else if (argument.starts_with("-") || !options.input.empty()) {
+            return wrong("don't know what to do with \"" + argument + "\""), std::nullopt;
+        } else {
+            options.input = argument;
+        }
+    }
+    if (options.input.empty()) return wrong("the name of the input file is missing"), std::nullopt;
+    return options;
+}
+
+// ---- work ----
+
+void reportGaps(const Road& road) {
+    for (const Gap& gap : gaps(road)) {
+        char text[256];
+        std::snprintf(text, sizeof text, "gap at station %.3f: the elements lie %.4f m and turn %.4f gon apart",
+                      gap.station, gap.distance, -gap.angle * 200 / M_PI);
+        warn(text);
+    }
+}
+
+fs::path outputBase(const Options& options) {
+    const fs::path name = fs::path(options.input).stem();
+    if (options.out.empty()) return name;
+    const fs::path out = options.out;
+    return out.filename().empty() || fs::is_directory(out) ? out / name : out;
+}
+
+bool writeDesignFile(const std::string& name, ElementDescr* page) {
+    return (mdlElmdscr_add(page) != 0 && mdlSystem_saveDesignFile() == MDL_SUCCESS) ||
+           fail(name + ": the drawing can't be stored");
+}
+
+bool print(const std::string& name, ElementDescr* page, const Sheet& sheet) {
+    if (mclibPrint_fopen(name.c_str(), PRINT_POSTSCRIPT) == 0) return fail(name + ": the print file can't be opened");
+    mclibPrint_printElementDescr(page, margin, margin, sheet.width(), sheet.height());
+    mclibPrint_fclose();
+    return mclibPrint_jobStatus() == MCLIB_SUCCESS ||
+           fail(name + ": the print file can't be written; is the disk full?");
+}
+
+bool writePicture(const std::string& name, ElementDescr* page, const Sheet& sheet) {
+    constexpr double dpi = 150;
+    Range3d range = uprightFrame(sheet);
+    const double edge = sheet.metres(margin) * mdlModelRef_getUorPerMaster(mdlModelRef_getActive());
+    range.low.x -= edge;
+    range.low.y -= edge;
+    range.high.x += edge;
+    range.high.y += edge;
+    return mdlPicture_write(name.c_str(), page, &range, sheet.paper.width, dpi) == MDL_SUCCESS ||
+           fail(name + ": the picture can't be written");
+}
+
+// Closes the design file that the work was done in, however the work ends.
+class WorkFile {
+  public:
+    explicit WorkFile(const std::string& name) {
+        open_ = mdlSystem_createDesignFile(name.c_str(), 0) == MDL_SUCCESS &&
+                mdlSystem_newDesignFile(name.c_str(), 0) == MDL_SUCCESS;
+    }
+    ~WorkFile() { close(); }
+    WorkFile(const WorkFile&) = delete;
+    WorkFile& operator=(const WorkFile&) = delete;
+    bool isOpen() const { return open_; }
+    bool close() {
+        const bool wasOpen = open_;
+        open_ = false;
+        return !wasOpen || mdlSystem_closeDesignFile() == MDL_SUCCESS;
+    }
+
+  private:
+    bool open_ = false;
+};
+
+bool makeFiles(const Road& road, const Sheet& sheet, const Options& options) {
+    const std::string pictureSuffix = "." + options.picture;
+    Outputs outputs(outputBase(options), {".mcd", ".ps", pictureSuffix.c_str()});
+    if (!outputs.prepare(options.overwrite)) return false;
+    const std::string designName = outputs.temporary(".mcd");
+    WorkFile workFile(designName);
+    if (!workFile.isOpen()) return fail(designName + ": the design file can't be made");
+    const Page page = drawRoad(road, sheet);
+    if (!page || !writeDesignFile(designName, page.get())) return false;
+    turnUpright(page.get(), sheet);
+    if (!print(outputs.temporary(".ps"), page.get(), sheet)) return false;
+    if (!writePicture(outputs.temporary(pictureSuffix.c_str()), page.get(), sheet)) return false;
+    if (!workFile.close()) return fail(designName + ": the design file can't be stored");
+    if (!outputs.finish()) return false;
+    for (const fs::path& name : outputs.names()) toolSubsystem_printf("alignment: made %s\n", name.c_str());
+    return true;
+}
+
+bool work(const Options& options) {
+    std::optional<Road> road = readRoad(options.input);
+    if (!road) return false;
+    if (options.scale > 0) road->scale = options.scale;
+    reportGaps(*road);
+    if (options.list) printStations(*road, options.step);
+    if (options.list && options.out.empty()) return true;
+    const std::optional<Sheet> sheet = layOut(*road, *paperSize(options.paper, options.portrait));
+    return sheet && makeFiles(*road, *sheet, options);
+}
+
+}  // namespace
+}  // namespace alignment
+
+extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
+    using namespace alignment;
+    if (mclibMain_initMcLib("ALIGNMENT", argc, argv) != MCLIB_SUCCESS) return failed;
+    const std::optional<Options> options = optionsFrom({argv + std::min(argc, 2), argv + argc});
+    if (!options) return wrongCall;
+    return work(*options) ? done : failed;
+}

@@ -1,0 +1,33 @@
+// The files that a drawing becomes. They are made under temporary names and get their own when all of them are whole,
+// so a failure on the way leaves what was there as it was.
+#pragma once
+
+#include <filesystem>
+#include <vector>
+
+namespace alignment {
+
+class Outputs {
+  public:
+    // `base` is a path without suffix.
+    Outputs(const std::filesystem::path& base, const std::vector<const char*>& suffixes);
+    ~Outputs();  // removes what hasn't got its own name
+    Outputs(const Outputs&) = delete;
+    Outputs& operator=(const Outputs&) = delete;
+
+    // Whether the files can be made: none is there already unless it may be replaced, and the folder takes them. False
+    // after a message.
+    bool prepare(bool overwrite);
+    // The temporary name of the file with that suffix.
+    std::string temporary(const char* suffix) const;
+    // Gives the files their own names. False after a message.
+    bool finish();
+    const std::vector<std::filesystem::path>& names() const { return names_; }
+
+  private:
+    void removeTemporaries();
+
+    std::vector<std::filesystem::path> names_, temporaries_;
+};
+
+}  // namespace alignment
