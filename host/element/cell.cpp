@@ -11,7 +11,7 @@ using namespace host;
 namespace {
 
 constexpr size_t mostCharacters = 511;
-constexpr size_t linkageBytes = 8192;
+constexpr size_t linkageBytes = MDL_MAX_LINKAGE_WORDS * 2;
 
 bool isCell(const MSElementBuffer* element) {
     return element && headOf(element).type == MDL_CELL_HEADER;

@@ -6,14 +6,13 @@
 namespace host {
 namespace {
 
-constexpr uint32_t mostWords = 4096;
-// The low twelve bits of the header word are the length in words; 0 stands for 4096.
+constexpr uint32_t mostWords = MDL_MAX_LINKAGE_WORDS;
+// The low twelve bits of the header word are the length in units of four words.
 constexpr uint16_t lengthMask = 0x0FFF;
-// A length that no linkage can have.
-constexpr uint16_t noLength = 1;
+constexpr uint32_t unitWords = 4;
 
 constexpr bool isLength(uint32_t words) {
-    return words >= 4 && words <= mostWords && words % 4 == 0;
+    return words > 0 && words <= mostWords && words % unitWords == 0;
 }
 
 struct Found {
@@ -77,13 +76,12 @@ bool readLineStyleLinkage(const MSElementBuffer* element, LineStyleLinkage& styl
 using namespace host;
 
 void mdlLinkage_setWords(LinkageHeader* header, uint32_t words) {
-    const uint32_t length = isLength(words) ? words & lengthMask : noLength;
+    const uint32_t length = isLength(words) ? words / unitWords : 0;
     header->header = static_cast<uint16_t>((header->header & ~lengthMask) | length);
 }
 
 uint32_t mdlLinkage_getWords(const LinkageHeader* header) {
-    const uint32_t length = header->header & lengthMask;
-    return length ? length : mostWords;
+    return (header->header & lengthMask) * unitWords;
 }
 
 int mdlLinkage_appendToElement(MSElementBuffer* element, const LinkageHeader* header, const void* data, int32_t,

@@ -89,9 +89,14 @@ using namespace host;
 
 int mdlElement_stroke(Point3d** pointsP, int32_t* countP, const MSElementBuffer* element, double tolerance) {
     if (!pointsP || !countP || !element) return MDL_ERROR;
+    // A page has many elements with few points each: the room for them is kept from call to call.
+    static thread_local std::vector<Point3d> points;
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        std::vector<Point3d> points;
-        if (!strokeElement(points, element, tolerance, currentFromWorld())) return MDL_ERROR;
-        return givePoints(pointsP, countP, points);
+        constexpr size_t keptRoom = 10000;
+        points.clear();
+        const bool stroked = strokeElement(points, element, tolerance, currentFromWorld());
+        const int status = stroked ? givePoints(pointsP, countP, points) : MDL_ERROR;
+        if (points.capacity() > keptRoom) points = {};
+        return status;
     });
 }

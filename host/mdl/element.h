@@ -75,7 +75,8 @@ MDL_EXPORT int mdlElement_isFilled(const MSElementBuffer *element); /* 1 or 0 */
 /* Copies the element without any linkage. */
 MDL_EXPORT int mdlElement_stripAttributes(MSElementBuffer *out, const MSElementBuffer *in);
 
-/* Colour, weight and style; null pointers are left alone, on the element as in the result. */
+/* Colour, weight and style; null pointers are left alone, on the element as in the result. Another style loses the
+ * modifiers of the one before. MDL_ERROR for a weight above 32767 that isn't by level. */
 MDL_EXPORT int mdlElement_getSymbology(uint32_t *color, uint32_t *weight, int32_t *style, const MSElementBuffer *element);
 MDL_EXPORT int mdlElement_setSymbology(MSElementBuffer *element, const uint32_t *color, const uint32_t *weight,
                                        const int32_t *style);
@@ -91,8 +92,8 @@ MDL_EXPORT int mdlElement_setProperties(MSElementBuffer *element, const uint32_t
                                         const int32_t *modified, const int32_t *viewIndependent, const int32_t *hole);
 
 /* Points along the element within `tolerance` of it (units of the current transform), in a new array that the caller
- * frees with dlmSystem_mdlFree. A closed element gives its first point again as the last. 0, or MDL_ERROR for an element
- * without points of its own (texts, headers, application data). */
+ * frees with dlmSystem_mdlFree. A closed element gives its first point again as the last. 0, or MDL_ERROR for an
+ * element without points of its own (texts, headers, application data). */
 MDL_EXPORT int mdlElement_stroke(Point3d **pointsP, int32_t *countP, const MSElementBuffer *element, double tolerance);
 
 /* ---- builders ---- */
@@ -100,13 +101,14 @@ MDL_EXPORT int mdlElement_stroke(Point3d **pointsP, int32_t *countP, const MSEle
 MDL_EXPORT int mdlLine_create(MSElementBuffer *out, const MSElementBuffer *templateP, const Point3d *points);
 MDL_EXPORT int mdlLineString_create(MSElementBuffer *out, const MSElementBuffer *templateP, const Point3d *points,
                                     int32_t count);
-/* `fillMode` 0 none, other values filled. The last point needn't repeat the first. */
+/* `fillMode` 0 none, other values filled. The last point needn't repeat the first; it is then added, and counts. */
 MDL_EXPORT int mdlShape_create(MSElementBuffer *out, const MSElementBuffer *templateP, const Point3d *points,
                                int32_t count, int32_t fillMode);
+/* Axes above 0; the sweep is at most a full turn either way, and not 0. */
 MDL_EXPORT int mdlArc_create(MSElementBuffer *out, const MSElementBuffer *templateP, const Point3d *center,
                              double axis1, double axis2, const RotMatrix *rotation, double startAngle, double sweepAngle);
-/* The circular arc about `center` from `start` to the bearing of `end`: counter-clockwise, or clockwise when `clockwise`
- * isn't 0. `normal` (null: the z axis) is the axis that it turns about. */
+/* The circular arc about `center` from `start` to the bearing of `end`: counter-clockwise, or clockwise when
+ * `clockwise` isn't 0. `normal` (null: the z axis) is the axis that it turns about. */
 MDL_EXPORT int mdlArc_createByCenter(MSElementBuffer *out, const MSElementBuffer *templateP, const Point3d *start,
                                      const Point3d *center, const Point3d *end, int32_t clockwise, const Point3d *normal);
 MDL_EXPORT int mdlEllipse_create(MSElementBuffer *out, const MSElementBuffer *templateP, const Point3d *center,
@@ -116,6 +118,9 @@ MDL_EXPORT int mdlEllipse_create(MSElementBuffer *out, const MSElementBuffer *te
 
 /* The points of a line, line string or shape: at most `size` of them; the number that the element has in countP. */
 MDL_EXPORT int mdlLinear_extract(Point3d *points, int32_t *countP, const MSElementBuffer *element, int32_t size);
+/* Of an arc or ellipse (start 0, sweep 2 pi). What is a circle in one system may be an ellipse in another: the axes
+ * are then those of the ellipse. An arc parallel to the xy plane is told as seen from above: the rotation is about the
+ * z axis, and a clockwise arc has a negative sweep. */
 MDL_EXPORT int mdlArc_extract(Point3d *center, double *axis1, double *axis2, RotMatrix *rotation, double *startAngle,
                               double *sweepAngle, const MSElementBuffer *element);
 /* The point of a line, line string or shape that is nearest to *pointP replaces it; segment (two points, may be null)
@@ -144,7 +149,8 @@ typedef struct LinkageHeader {
 enum { MDL_LINKAGE_USER = 0x1000 }; /* user-data flag of the header word; also allows lengths over 255 words */
 
 enum { MDL_MAX_LINKAGE_WORDS = 4100 };
-/* Length in 16-bit words, header included, a multiple of 4, at most MDL_MAX_LINKAGE_WORDS. */
+/* Length in 16-bit words, header included, a multiple of 4, at most MDL_MAX_LINKAGE_WORDS. Any
+ * other length is stored as 0, which mdlLinkage_appendToElement refuses. */
 MDL_EXPORT void mdlLinkage_setWords(LinkageHeader *header, uint32_t words);
 MDL_EXPORT uint32_t mdlLinkage_getWords(const LinkageHeader *header);
 /* Appends a linkage: the header, then the data behind it (words * 2 - 4 bytes). The last two arguments are 0. MDL_ERROR
@@ -169,9 +175,10 @@ typedef struct LineStyleParams {
 } LineStyleParams;
 enum { LINE_STYLE_SCALE = 0x01, LINE_STYLE_START_WIDTH = 0x08, LINE_STYLE_END_WIDTH = 0x10 };
 
-/* Gives the element a named line style, with its modifiers kept in a linkage. MDL_ERROR for a name that the active model
- * hasn't. */
+/* Gives the element a named line style, with its modifiers kept in a linkage. MDL_ERROR for a name that the active
+ * model hasn't. */
 MDL_EXPORT int mdlElement_setLineStyle(MSElementBuffer *element, const char *name, const LineStyleParams *params);
+/* MDL_ERROR, with nothing stored, when the element has none. */
 MDL_EXPORT int mdlElement_getLineStyleParams(LineStyleParams *params, const MSElementBuffer *element);
 
 /* ---- B-spline curves ---- */
@@ -195,9 +202,9 @@ typedef struct BsplineCurve {
 
 /* Fits the curve, whose order (2 to 15) and numPoles are set, to points by least squares: clamped ends, so that it
  * begins at the first point and ends at the last. params (0 to 1, rising) may be null: chord length is then used. More
- * poles than points are as many as points. The mean and the greatest distance of the points from the curve go to the two
- * out-values. MDL_ERROR for fewer than 2 points, an order out of range or coincident points; the curve's arrays stay
- * null then. */
+ * poles than points are as many as points, and an order above the number of poles becomes that number. The mean and
+ * the greatest distance of the points from the curve go to the two out-values. MDL_ERROR for fewer than 2 points, an
+ * order out of range or coincident points; the curve's arrays stay null then. */
 MDL_EXPORT int mdlBspline_leastSquaresToCurve(BsplineCurve *curve, double *meanError, double *maxError,
                                               const Point3d *points, const double *params, int32_t count);
 /* The point at parameter 0 to 1. */

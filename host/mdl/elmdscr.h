@@ -39,14 +39,17 @@ MDL_EXPORT int mdlElmdscr_validate(ElementDescr *ed, ModelRef *model);
 /* The range of chain and children in UOR, whatever the current transform; transformed first when `transform` isn't
  * null. MDL_ERROR, with low and high untouched, when nothing in it has an extent of its own. */
 MDL_EXPORT int mdlElmdscr_computeRange(Point3d *low, Point3d *high, const ElementDescr *ed, const Transform *transform);
+/* Transforms every element, in UOR. MDL_ERROR, with all as it was, when a coordinate would leave the finite numbers. */
 MDL_EXPORT int mdlElmdscr_transform(ElementDescr *ed, const Transform *transform);
-/* As mdlElement_stroke for a whole descriptor: the components of a complex shape in one run. Chain members behind ed
+/* As mdlElement_stroke for a whole descriptor: the components of a complex shape, which follow each other, in one run
+ * that ends on its first point. Chain members behind ed
  * aren't looked at. */
 MDL_EXPORT int mdlElmdscr_stroke(Point3d **pointsP, int32_t *countP, const ElementDescr *ed, double tolerance);
 
 /* Calls f for each element of the chain and its children: headers before their components. Stops at a non-zero result,
  * which is the call's result. `order` says for which: 1 elements that aren't headers, 2 headers in the chain itself, 8
- * headers within headers; 11 is all. f gets the one that it is called for, and how many headers it lies in as `offset`. */
+ * headers within headers; 11 is all. f gets the one that it is called for, and how many headers it lies in as
+ * `offset`. */
 typedef int (*MdlDescrFunction)(MSElementBuffer *element, void *userArg, int32_t order, int32_t offset,
                                 ElementDescr *node);
 MDL_EXPORT int mdlElmdscr_operation(ElementDescr *ed, MdlDescrFunction f, void *userArg, int32_t order);
@@ -72,8 +75,8 @@ enum { MDL_MODIFY_NONE = 0, MDL_MODIFY_CHANGED = 1, MDL_MODIFY_REMOVE = 2, MDL_M
  * answers MDL_MODIFY_CHANGED, or gives a new descriptor in *newDescrPP and answers MDL_MODIFY_REPLACE_DESCR. */
 typedef int (*MdlModifyFunction)(MSElementBuffer *element, void *userArg, ModelRef *model, ElementDescr *node,
                                  ElementDescr **newDescrPP);
-/* Works on a descriptor in memory; *edPP may change, and is null when all was removed. The number of changes goes to
- * the result. */
+/* Calls f for each element of the chain and its children that isn't a header. Works on a descriptor in memory; *edPP
+ * may change, and is null when all was removed. The number of changes goes to the result. */
 MDL_EXPORT int mdlModify_elementDescr2(ElementDescr **edPP, ModelRef *model, MdlModifyFunction f, void *userArg);
 
 #endif

@@ -29,7 +29,9 @@ MDL_EXPORT void mdlRMatrix_multiplyRange(Point3d *low, Point3d *high, const RotM
 
 /* ---- the current transform ----
  * A stack. Inside begin and end, builders take and extractors give coordinates in the current system, and lengths
- * (radii, text sizes, stroke tolerances) in its unit. begin copies the system around it; identity makes it UOR. */
+ * (radii, text sizes, stroke tolerances) in its unit. begin copies the system around it; identity makes it UOR. Calls
+ * that change the system give MDL_ERROR and leave it when none is open, for values that aren't finite, and when it would
+ * have no way back. What an application leaves open is closed when it ends. */
 MDL_EXPORT int mdlCurrTrans_begin(void);
 MDL_EXPORT int mdlCurrTrans_end(void); /* MDL_ERROR when none is open */
 MDL_EXPORT int mdlCurrTrans_identity(void);

@@ -4,23 +4,30 @@
 #include <vector>
 
 #include "host/mdl/model.h"
+#include "host/mdl/system.h"
 #include "host/session/guard.h"
+#include "host/session/session.h"
 
 namespace host {
 namespace {
 
 struct System {
     Transform toWorld = identityTransform, fromWorld = identityTransform;
+    MdlDesc* owner = nullptr;  // the application that opened it
 };
 
 // The open systems, innermost last; lives for the process. Brackets nest within one command, so the stack is empty
-// between commands.
+// between commands; what an application leaves open ends with it.
 struct CurrentTransform {
     std::vector<System> open;
 };
 CurrentTransform state;
 
 constexpr System world;
+
+void closeThoseOf(MdlDesc* application) {
+    std::erase_if(state.open, [&](const System& system) { return system.owner == application; });
+}
 
 const System& innermost() {
     return state.open.empty() ? world : state.open.back();
@@ -54,7 +61,8 @@ bool invert(const Transform& t, Transform& inverse) {
 int setInnermost(const Transform& toWorld) {
     Transform inverse;
     if (state.open.empty() || !isFinite(toWorld) || !invert(toWorld, inverse)) return MDL_ERROR;
-    state.open.back() = {toWorld, inverse};
+    state.open.back().toWorld = toWorld;
+    state.open.back().fromWorld = inverse;
     return MDL_SUCCESS;
 }
 
@@ -100,8 +108,11 @@ using namespace host;
 
 int mdlCurrTrans_begin(void) {
     return guarded<int>(MDL_ERROR, [] {
-        const System around = innermost();
-        state.open.push_back(around);
+        static const bool observing = (observeApplicationEnd(closeThoseOf), true);
+        static_cast<void>(observing);
+        System inside = innermost();
+        inside.owner = mdlSystem_getCurrMdlDesc();
+        state.open.push_back(inside);
         return MDL_SUCCESS;
     });
 }

@@ -21,12 +21,12 @@ struct Block {
 };
 
 TEST(Linkages, EveryLengthComesBack) {
-    for (const uint32_t words : {4u, 8u, 252u, 256u, 260u, 4092u, 4096u}) {
+    for (const uint32_t words : {4u, 8u, 252u, 256u, 260u, 4092u, 4096u, 4100u}) {
         SCOPED_TRACE(words);
         TestElement e;
         mdlLine_create(e, nullptr, ends);
         ASSERT_EQ(Block(words).appendTo(e), MDL_SUCCESS);
-        std::vector<uint8_t> back(8192, 9);
+        std::vector<uint8_t> back(8200, 9);
         uint32_t found = 0;
         ASSERT_EQ(mdlLinkage_extractFromElement(back.data(), e, userId, nullptr, nullptr, &found, nullptr),
                   MDL_SUCCESS);
@@ -40,8 +40,8 @@ TEST(Linkages, LengthsThatNoneCanHaveAreRefused) {
     TestElement e;
     mdlLine_create(e, nullptr, ends);
     const uint32_t before = mdlElement_bytes(e);
-    for (const uint32_t words : {0u, 1u, 3u, 6u, 4097u, 4100u, 0xFFFFFFFCu}) {
-        Block block(4096);
+    for (const uint32_t words : {0u, 1u, 3u, 6u, 4097u, 4104u, 0xFFFFFFFCu}) {
+        Block block(4100);
         mdlLinkage_setWords(&block.header, words);
         EXPECT_EQ(block.appendTo(e), MDL_ERROR) << words;
     }
@@ -70,7 +70,7 @@ TEST(Linkages, DeletingKeepsThoseOfOthers) {
     int32_t deleted = 0;
     ASSERT_EQ(mdlLinkage_deleteFromElement(e, userId, nullptr, nullptr, nullptr, &deleted), MDL_SUCCESS);
     EXPECT_EQ(deleted, 2);
-    uint8_t back[8192];
+    uint8_t back[8200];
     EXPECT_EQ(mdlLinkage_extractFromElement(back, e, otherId, nullptr, nullptr, nullptr, nullptr), MDL_SUCCESS);
     EXPECT_EQ(back[15], 2);
     EXPECT_EQ(mdlLinkage_extractFromElement(nullptr, e, userId, nullptr, nullptr, nullptr, nullptr), MDL_ERROR);
@@ -84,7 +84,7 @@ TEST(Linkages, DamagedLengthEndsTheWalk) {
     const uint32_t first = mdlElement_bytes(e);
     Block(4, 1, otherId).appendTo(e);
     Block(4).appendTo(e);
-    for (const uint16_t word : {uint16_t{0x1FFC}, uint16_t{0x1001}, uint16_t{0x1000}}) {
+    for (const uint16_t word : {uint16_t{0x1FFF}, uint16_t{0x1004}, uint16_t{0x1000}}) {
         std::memcpy(e.get()->bytes + first, &word, 2);
         EXPECT_EQ(mdlLinkage_extractFromElement(nullptr, e, userId, nullptr, nullptr, nullptr, nullptr), MDL_ERROR);
     }
