@@ -32,7 +32,7 @@ namespace host {
 
 namespace {
 
-// In order of making. A set goes with its application, whose memory it may point to.
+// In order of making. A set goes with its application, whose memory it may point to, or else with the session.
 std::vector<std::unique_ptr<SymbolSet>>& symbolSets() {
     static std::vector<std::unique_ptr<SymbolSet>> sets;
     return sets;
@@ -43,7 +43,8 @@ void dropSetsOf(MdlDesc* desc) {
 }
 
 SymbolSet* makeSet() {
-    static const bool watching = (observeApplicationEnd(dropSetsOf), true);
+    static const bool watching =
+        (observeApplicationEnd(dropSetsOf), observeSessionEnd([] { dropSetsOf(nullptr); }), true);
     (void)watching;
     auto set = std::make_unique<SymbolSet>();
     set->owner = mdlSystem_getCurrMdlDesc();

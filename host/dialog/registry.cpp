@@ -19,7 +19,8 @@ struct PublishedHook {
     DialogHook hook;
 };
 
-// Lives for the process. Dialogs and hooks of an application leave it at the latest when the application ends.
+// Lives for the process. Dialogs and hooks of an application leave it at the latest when the application ends, others
+// with the session.
 struct Registry {
     std::vector<std::shared_ptr<Dialog>> dialogs;  // in order of opening
     std::vector<uintptr_t> queuedToClose;          // handles
@@ -39,7 +40,7 @@ void letGoOf(MdlDesc* desc) {
 }
 
 void watchApplications() {
-    static const bool watching = (observeApplicationEnd(letGoOf), true);
+    static const bool watching = (observeApplicationEnd(letGoOf), observeSessionEnd([] { letGoOf(nullptr); }), true);
     (void)watching;
 }
 

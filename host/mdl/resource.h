@@ -9,7 +9,8 @@
 
 enum { MDL_RSC_READ = 0, MDL_RSC_WRITE = 1 };
 /* Opens a resource file of the current application. A null name means the application's own: the .rsc file of the same
- * name beside its module, or, when it has none, the file that the configuration variable MS_APPRSC names.
+ * name beside its module, or, when it has none, the file that the configuration variable MS_APPRSC names. That one is
+ * also looked in for what an own file lacks.
  * To be written the file must be writable; a name that isn't there makes a new one. A name without an extension is also
  * tried with ".rsc".
  * 0, or MDL_ERROR with the handle 0; a file that isn't a resource file, or is damaged, also gets a line in the message

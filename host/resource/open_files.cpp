@@ -39,7 +39,8 @@ struct OpenFile {
     SharedContents contents;
 };
 
-// Lives for the process; each application's files leave it when they are closed or the application ends.
+// Lives for the process; an application's files leave it when they are closed or the application ends, others with the
+// session.
 struct OpenFiles {
     std::vector<OpenFile> files;  // in order of opening
     RscHandle lastHandle = 0;
@@ -54,7 +55,8 @@ void closeFilesOf(MdlDesc* desc) {
 }
 
 void watchApplications() {
-    static const bool watching = (observeApplicationEnd(closeFilesOf), true);
+    static const bool watching =
+        (observeApplicationEnd(closeFilesOf), observeSessionEnd([] { closeFilesOf(nullptr); }), true);
     (void)watching;
 }
 
@@ -76,13 +78,16 @@ std::string variable(const char* name) {
     return mdlSystem_getCfgVar(value, name, sizeof value) == MDL_SUCCESS ? value : std::string();
 }
 
-// Empty when the current application has no file of its own.
-std::string ownFile() {
+// The file beside the current application's module; empty when there is none.
+std::string fileBesideModule() {
     const std::string module = modulePath(mdlSystem_getCurrMdlDesc());
-    if (!module.empty()) {
-        const std::string beside = std::filesystem::path(module).replace_extension(".rsc").string();
-        if (stampOf(beside)) return beside;
-    }
+    if (module.empty()) return {};
+    const std::string beside = std::filesystem::path(module).replace_extension(".rsc").string();
+    return stampOf(beside) ? beside : std::string();
+}
+
+// The file that all applications share; empty when none is named.
+std::string sharedFile() {
     const std::string named = variable("MS_APPRSC");
     return named.empty() ? named : systemPath(named);
 }
@@ -105,6 +110,20 @@ RscHandle openFile(const std::string& path, int mode) {
     const RscHandle handle = openFiles().lastHandle + 1;
     openFiles().files.push_back({handle, mdlSystem_getCurrMdlDesc(), *stamp, std::move(contents)});
     return openFiles().lastHandle = handle;
+}
+
+// The shared file lies behind an application's own: what the own one lacks is found there.
+RscHandle openOwnFile(int mode) {
+    const std::string own = fileBesideModule(), shared = sharedFile();
+    if (!own.empty() && !shared.empty() && shared != own)
+        guarded<RscHandle>(0, [&] { return openFile(shared, MDL_RSC_READ); });
+    const std::string& path = own.empty() ? shared : own;
+    return path.empty() ? 0 : openFile(path, mode);
+}
+
+RscHandle openNamedFile(const char* name, int mode) {
+    const std::string path = namedFile(name, mode);
+    return path.empty() ? 0 : openFile(path, mode);
 }
 
 // Calls `look` for the file of that handle, or for all in order of search, until it gives something.
@@ -158,8 +177,7 @@ int mdlResource_openFile(RscHandle* handleP, const char* name, int mode) {
     if (handleP) *handleP = 0;
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (mode != MDL_RSC_READ && mode != MDL_RSC_WRITE) return MDL_ERROR;
-        const std::string path = name ? host::namedFile(name, mode) : host::ownFile();
-        const RscHandle handle = path.empty() ? 0 : host::openFile(path, mode);
+        const RscHandle handle = name ? host::openNamedFile(name, mode) : host::openOwnFile(mode);
         if (handleP) *handleP = handle;
         return handle == 0 ? MDL_ERROR : MDL_SUCCESS;
     });

@@ -112,6 +112,21 @@ TEST_F(ResourceFile, AnApplicationWithoutItsOwnFileTakesTheOneThatTheVariableNam
     EXPECT_EQ(load(handle, 1), "shared");
 }
 
+TEST_F(ResourceFile, AnApplicationsOwnFileLiesBeforeTheSharedOne) {
+    ResourceContents shared = withText(1, "shared");
+    shared.strings[{list, 2}].set("en", "shared alone");
+    mdlSystem_defineCfgVar("MS_APPRSC", make("shared.rsc", shared).c_str(), 1);
+    make("mine.rsc", withText(1, "mine"));
+    std::filesystem::copy(BUILD_DIR "/lib/c_register.so", path("mine.so"));
+    ASSERT_NE(session().loadApplication(path("mine.so"), "mine"), nullptr);  // it opens its own file
+    asApplication("mine", [&] {
+        EXPECT_EQ(load(0, 1), "mine");
+        EXPECT_EQ(load(0, 2), "shared alone");
+    });
+    session().endApplication(application("mine"));
+    EXPECT_EQ(load(0, 2), "(none)");
+}
+
 TEST_F(ResourceFile, OpeningForWritingMakesAFileThatIsNotThere) {
     RscHandle handle = 0;
     EXPECT_EQ(mdlResource_openFile(&handle, path("new.rsc").c_str(), MDL_RSC_READ), MDL_ERROR);
