@@ -30,7 +30,7 @@ struct ApplicationTable {
 ApplicationTable table;
 
 bool isLive(const ApplicationSlot& slot) {
-    return mdlSystem_getMdlDescFromProcessNumber(slot.processNumber) != nullptr;
+    return slot.mdlDesc && mdlSystem_getMdlDescFromProcessNumber(slot.processNumber) == slot.mdlDesc;
 }
 
 // Clears the slots of ended applications, and that of the caller if it registers anew; the first free one, which may be

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 #include <toml++/toml.h>
 
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -52,10 +52,12 @@ MessageTexts messagesIn(const std::string& language) {
 
 // The kinds of values that a format takes, in order: "sd" for "%s has %d lines".
 std::string valuesOf(const std::string& format) {
-    static const std::regex conversion("%[-+ #0-9.]*(?:ll|l|h)?([a-zA-Z%])");
     std::string kinds;
-    for (std::sregex_iterator at(format.begin(), format.end(), conversion), end; at != end; ++at)
-        if (at->str(1) != "%") kinds += at->str(1);
+    for (size_t i = format.find('%'); i < format.size(); i = format.find('%', i + 1)) {
+        i = format.find_first_not_of("-+ #0123456789.hl", i + 1);
+        if (i == std::string::npos) break;
+        if (format[i] != '%') kinds += format[i];
+    }
     return kinds;
 }
 
@@ -81,33 +83,51 @@ std::vector<std::string> argumentsAt(const std::string& text, size_t open) {
     return arguments;
 }
 
+struct Caller {
+    std::string name;
+    std::ptrdiff_t beforeList;  // arguments in front of the list; -1: it is always the language texts
+};
+const Caller callers[] = {{"mclibError_rscMsgBoxPrintf(", 1},
+                          {"mclibError_rscListPrintf(", 1},
+                          {"mclibMem_mallocRscErrorPrintf(", 1},
+                          {"mclibMem_reallocRscErrorPrintf(", 3},
+                          {"mclibUtil_getLanguageText(", -1}};
+
+bool isDefinition(const std::string& firstArgument) {
+    return firstArgument.starts_with("int") || firstArgument.starts_with("size_t") ||
+           firstArgument.starts_with("void*");
+}
+
 std::vector<Call> callsIn(const std::string& file, const std::string& text) {
-    static const std::regex name(
-        "mclib(?:Error_rscMsgBoxPrintf|Error_rscListPrintf|Mem_mallocRscErrorPrintf|Mem_reallocRscErrorPrintf|"
-        "Util_getLanguageText)(?=\\()");
     std::vector<Call> calls;
-    for (std::sregex_iterator at(text.begin(), text.end(), name), end; at != end; ++at) {
-        Call call{file, argumentsAt(text, static_cast<size_t>(at->position() + at->length()))};
-        auto& arguments = call.arguments;
-        if (arguments.front().starts_with("int") || arguments.front().starts_with("size_t") ||
-            arguments.front().starts_with("void*"))
-            continue;  // the definition
-        if (at->str() == "mclibUtil_getLanguageText")
-            arguments.insert(arguments.begin(), "MCLIB_LANGUAGE_TEXTS");
-        else
-            arguments.erase(arguments.begin(),
-                            arguments.begin() + (at->str().find("realloc") != std::string::npos ? 3 : 1));
-        calls.push_back(std::move(call));
-    }
+    for (const Caller& caller : callers)
+        for (size_t at = text.find(caller.name); at != std::string::npos; at = text.find(caller.name, at + 1)) {
+            std::vector<std::string> arguments = argumentsAt(text, at + caller.name.size() - 1);
+            if (isDefinition(arguments.front())) continue;
+            if (caller.beforeList < 0)
+                arguments.insert(arguments.begin(), "MCLIB_LANGUAGE_TEXTS");
+            else
+                arguments.erase(arguments.begin(), arguments.begin() + caller.beforeList);
+            calls.push_back({file, std::move(arguments)});
+        }
     return calls;
 }
 
-// Whole numbers that the file's text gives a name: constants and enumerators.
+bool isNameCharacter(char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) || c == '_';
+}
+
+// Whole numbers that the file's text gives a name: constants and enumerators, as in "name = 12".
 std::map<std::string, int> constantsIn(const std::string& text) {
-    static const std::regex definition("\\b([A-Za-z_][A-Za-z0-9_]*)\\s*=\\s*(\\d+)\\s*[,;}]");
     std::map<std::string, int> constants;
-    for (std::sregex_iterator at(text.begin(), text.end(), definition), end; at != end; ++at)
-        constants[at->str(1)] = std::stoi(at->str(2));
+    for (size_t at = text.find(" = "); at != std::string::npos; at = text.find(" = ", at + 1)) {
+        const size_t value = at + 3, end = text.find_first_not_of("0123456789", value);
+        size_t name = at;
+        while (name > 0 && isNameCharacter(text[name - 1])) --name;
+        if (end == value || end == std::string::npos || end - value > 6 || name == at) continue;
+        if (std::string_view(",;} ").find(text[end]) != std::string_view::npos)
+            constants[text.substr(name, at - name)] = std::stoi(text.substr(value, end - value));
+    }
     return constants;
 }
 
