@@ -14,7 +14,9 @@
 #include "host/front/terminal.h"
 #include "host/mdl/model.h"
 #include "host/mdl/system.h"
+#include "host/session/keyin.h"
 #include "host/session/session.h"
+#include "host/system/charset.h"
 #include "host/system/paths.h"
 
 namespace {
@@ -182,6 +184,19 @@ bool run(host::Session& session, const Options& options) {
     return openDesignFile(options) && runApplication(session, options);
 }
 
+// Key-ins are commands of a drawing program around the session; mchost has none to carry them out.
+void tellKeyIns() {
+    for (const host::KeyIn& keyIn : host::keyInQueue()) {
+        tell("not carried out, do it by hand: " + host::utf8FromNarrow(keyIn.text));
+    }
+}
+
+bool isWritten(std::FILE* stream) {
+    const bool good = std::fflush(stream) == 0 && std::ferror(stream) == 0;
+    if (!good) tell("what the application printed couldn't be written in full; is the disk full?");
+    return good;
+}
+
 int work(const Options& options) {
     host::TerminalOptions terminal{.yes = options.yes, .answersFile = options.answersFile};
     std::unique_ptr<host::FrontEnd> frontEnd;
@@ -194,8 +209,9 @@ int work(const Options& options) {
     host::Session session({.frontEnd = std::move(frontEnd)});
     const bool done = configure(options) && run(session, options);
     session.finish();
-    std::fflush(stdout);
-    if (!done) return statusFailed;
+    tellKeyIns();
+    const bool written = isWritten(stdout);
+    if (!done || !written) return statusFailed;
     const int status = session.exitStatus();  // an application may find its own arguments wrong
     return status == statusGood || status == statusWrongCall ? status : statusFailed;
 }

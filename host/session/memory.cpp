@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <map>
 #include <mutex>
+#include <string>
 
 #include "host/mdl/system.h"
 
@@ -32,7 +33,18 @@ bool failsNow() {
     return left == 1;
 }
 
-// Who took which block, while MCHOST_TRACE_MEMORY is set.
+// The place in the code that a return address lies in: function, file and offset, as addr2line takes them.
+std::string placeOf(void* caller) {
+    Dl_info info{};
+    if (dladdr(caller, &info) == 0 || info.dli_fname == nullptr) return "an unknown place";
+    char place[512];
+    std::snprintf(place, sizeof place, "%s (%s+0x%zx)", info.dli_sname == nullptr ? "?" : info.dli_sname,
+                  info.dli_fname, static_cast<size_t>(static_cast<char*>(caller) - static_cast<char*>(info.dli_fbase)));
+    return place;
+}
+
+// Who took which block, while MCHOST_TRACE_MEMORY is set. Stays to the end of the process, since blocks are freed until
+// then. The place is kept as text: its module may be gone when the report is made.
 class Trace {
   public:
     static Trace* active() {
@@ -41,33 +53,27 @@ class Trace {
     }
     void add(void* block, void* caller) {
         const std::lock_guard lock(mutex_);
-        callers_[block] = caller;
+        places_[block] = placeOf(caller);
     }
     void remove(void* block) {
         const std::lock_guard lock(mutex_);
-        callers_.erase(block);
+        places_.erase(block);
     }
 
   private:
     static Trace* start() {
-        static Trace trace;
-        std::atexit([] { trace.report(); });
-        return &trace;
+        static Trace* const trace = new Trace;
+        std::atexit([] { trace->report(); });
+        return trace;
     }
     void report() {
         const std::lock_guard lock(mutex_);
-        for (const auto& [block, caller] : callers_) {
-            Dl_info info{};
-            const bool known = dladdr(caller, &info) != 0;
-            const char* file = known && info.dli_fname != nullptr ? info.dli_fname : "?";
-            const size_t offset =
-                known ? static_cast<size_t>(static_cast<char*>(caller) - static_cast<char*>(info.dli_fbase)) : 0;
-            std::fprintf(stderr, "not freed: %zu bytes taken by %s (%s+0x%zx)\n", malloc_usable_size(block),
-                         known && info.dli_sname != nullptr ? info.dli_sname : "?", file, offset);
+        for (const auto& [block, place] : places_) {
+            std::fprintf(stderr, "not freed: %zu bytes taken by %s\n", malloc_usable_size(block), place.c_str());
         }
     }
     std::mutex mutex_;
-    std::map<void*, void*> callers_;
+    std::map<void*, std::string> places_;
 };
 
 void count(void* block, void* caller) {

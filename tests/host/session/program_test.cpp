@@ -58,9 +58,9 @@ struct Outcome {
 // Runs mchost in the test's folder by a shell.
 class Program : public SessionTest {
   protected:
-    Outcome run(const std::string& arguments) {
+    Outcome run(const std::string& arguments, const std::string& output = "out") {
         const std::string command = "cd '" + path("") + "' && unset MS_MDL && exec '" BUILD_DIR "/bin/mchost' " +
-                                    arguments + " >out 2>error </dev/null";
+                                    arguments + " >" + output + " 2>error </dev/null";
         const int status = std::system(command.c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile("out"), readFile("error")};
     }
@@ -146,6 +146,18 @@ TEST_F(Program, AMessageIsOneLineOnStandardError) {
     const Outcome outcome = run(probe_ + "say 'bl\xc3\xa5'");
     EXPECT_EQ(outcome.error, "bl\xc3\xa5: try again\n");
     EXPECT_EQ(outcome.out, "");
+}
+
+TEST_F(Program, WhatIsLostOrLeftOverIsTold) {
+    const Outcome full = run(probe_ + "arguments", "/dev/full");
+    EXPECT_EQ(full.status, 1);
+    EXPECT_NE(full.error.find("written in full"), std::string::npos);
+    EXPECT_NE(run(probe_ + "key 'browse url x'").error.find("browse url x"), std::string::npos);
+    setenv("MCHOST_TRACE_MEMORY", "1", 1);
+    const std::string error = run(probe_ + "leak").error;
+    unsetenv("MCHOST_TRACE_MEMORY");
+    EXPECT_EQ(error.substr(0, 11), "not freed: ");
+    EXPECT_NE(error.find("tests/probe.so"), std::string::npos);
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include <vector>
 
 #include "host/mdl/external.h"
+#include "host/mdl/files.h"
+#include "host/mdl/resource.h"
 #include "host/mdl/system.h"
 #include "host/session/keyin.h"
 #include "host/session/memory.h"
@@ -153,6 +155,19 @@ TEST_F(Settings, KeyInsWaitInTheirOrder) {
     EXPECT_EQ(queue[0].text + queue[1].text + queue[2].text, "firstsecondthird");
     EXPECT_EQ(queue[0].task, "ROADS");
     EXPECT_TRUE(queue[0].literal);
+}
+
+TEST_F(Settings, ThePreferenceFileIsMadeWhenItIsNotThere) {
+    for (const int mode : {MDL_RSC_READ, MDL_RSC_WRITE, MDL_RSC_READ}) {
+        RscHandle handle = 0;
+        EXPECT_EQ(mdlDialog_userPrefFileOpen(&handle, mode), MDL_SUCCESS);
+        EXPECT_NE(handle, 0);
+        EXPECT_EQ(mdlResource_closeFile(handle), MDL_SUCCESS);
+        EXPECT_TRUE(std::filesystem::exists(path("user.rsc")));
+    }
+    mdlSystem_defineCfgVar("MS_USERPREF", path("in/folders/user.rsc").c_str(), 4);
+    RscHandle handle = 0;
+    EXPECT_EQ(mdlDialog_userPrefFileOpen(&handle, MDL_RSC_READ), MDL_SUCCESS);
 }
 
 TEST_F(Settings, ProgramsStartWithTheirArguments) {

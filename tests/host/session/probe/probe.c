@@ -48,6 +48,8 @@ int main(int argc, char **argv) {
     if (strcmp(what, "watch") == 0) return watch();
     if (strcmp(what, "return") == 0) return atoi(value);
     if (strcmp(what, "exit") == 0) mdlSystem_exit(atoi(value), 1);
+    if (strcmp(what, "leak") == 0) dlmSystem_mdlMalloc(1000);
+    if (strcmp(what, "key") == 0) mdlInput_sendKeyin(value, 0, -1, NULL);
     if (strcmp(what, "say") == 0) mdlOutput_messageCenter(10, value, "try again", 0);
     return 0;
 }
