@@ -1,27 +1,22 @@
-// A set of 8-bit characters, cheap enough to be made for each token.
+// A fixed set of 8-bit characters, made while compiling.
 #pragma once
 
-#include <cstdint>
 #include <string_view>
 
 class CharSet {
   public:
     constexpr explicit CharSet(std::string_view characters) {
-        for (char c : characters) add(c);
+        for (char c : characters) member[static_cast<unsigned char>(c)] = true;
     }
-    constexpr void add(char c) { bits[index(c) >> 6] |= bit(c); }
-    constexpr bool has(char c) const { return bits[index(c) >> 6] & bit(c); }
+    constexpr bool has(char c) const { return member[static_cast<unsigned char>(c)]; }
 
     // The first character at or after p that isn't in the set; the set mustn't hold the NUL that ends the text.
-    template <typename Char>
-    Char* past(Char* p) const {
+    const char* past(const char* p) const {
         while (has(*p)) ++p;
         return p;
     }
+    char* past(char* p) const { return p + (past(static_cast<const char*>(p)) - p); }
 
   private:
-    static constexpr unsigned index(char c) { return static_cast<unsigned char>(c); }
-    static constexpr uint64_t bit(char c) { return uint64_t{1} << (index(c) & 63); }
-
-    uint64_t bits[4] = {};
+    bool member[256] = {};
 };

@@ -1,6 +1,7 @@
 #include "text/fii.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdarg>
@@ -26,7 +27,10 @@ constexpr CharSet numberCharacters("0123456789.eE-+");
 // Position after the last keyword test, of whichever reader: a hint that its separators are skipped already.
 const char* lastSeekPosition = nullptr;
 
-char noLine[1] = "";  // the line of a closed reader
+// Bytes that can be read behind a line's NUL.
+constexpr size_t lineMargin = 8;
+
+char noLine[1 + lineMargin] = "";  // the line of a closed reader
 
 int fail(McFii& f, int32_t code) {
     f.error = code;
@@ -35,38 +39,45 @@ int fail(McFii& f, int32_t code) {
 
 // ---- tokens ----
 
-// A set of delimiters that knows where a token ends: at one of them, or at the end of the line.
-struct Delimiters {
-    explicit Delimiters(const char* characters) : run(characters), stop(run) { stop.add('\0'); }
-    CharSet run, stop;
+constexpr size_t longestCopy = sizeof McFii{}.word - 1;
+
+// Past the run of these characters at p.
+char* pastRun(char* p, const char* characters) {
+    for (;; ++p) {
+        const char* c = characters;
+        while (*c != *p && *c) ++c;
+        if (*c == '\0') return p;
+    }
+}
+
+// A token in the line: as much of it as a copy holds, and where it ends.
+struct Token {
+    std::string_view text;
+    char* end;
 };
 
-std::string_view tokenAt(const char* p, const Delimiters& delimiters) {
-    const char* end = p;
-    while (!delimiters.stop.has(*end)) ++end;
-    return {p, static_cast<size_t>(end - p)};
+Token copyToken(char* from, const char* delimiters, char* copy) {
+    const size_t length = std::strcspn(from, delimiters);
+    const size_t copied = std::min(length, longestCopy);
+    std::memmove(copy, from, copied);  // unlike memcpy of so few bytes it isn't made a slow string instruction
+    copy[copied] = '\0';
+    return {{from, copied}, from + length};
 }
 
-void advance(McFii& f, std::string_view token, const Delimiters& delimiters) {
-    f.position = delimiters.run.past(f.position + token.size());
+char* takeToken(McFii& f, const char* delimiters, char* dest) {
+    f.position = pastRun(copyToken(f.position, delimiters, dest).end, delimiters);
+    return dest;
 }
 
-// A copy of a token, cut at 255 characters.
-std::string_view copyCut(char* out, std::string_view token) {
-    const size_t length = token.copy(out, sizeof McFii{}.word - 1);
+// A copy of a text, cut as a token's is.
+std::string_view copyCut(char* out, std::string_view text) {
+    const size_t length = text.copy(out, longestCopy);
     out[length] = '\0';
     return {out, length};
 }
 
-char* takeToken(McFii& f, const Delimiters& delimiters, char* dest) {
-    const std::string_view token = tokenAt(f.position, delimiters);
-    copyCut(dest, token);
-    advance(f, token, delimiters);
-    return dest;
-}
-
 void skipSeparators(McFii& f) {
-    f.position = CharSet(f.separators).past(f.position);
+    f.position = pastRun(f.position, f.separators);
 }
 
 void skipUnlessPacked(McFii& f) {
@@ -112,9 +123,74 @@ Parsed<T> parseNumber(std::string_view text) {
     return parsed;
 }
 
+// The run of digits at p, at most 8 of them, read in one step; 8 bytes must be readable. Each step of the sum brings
+// together two neighbours, the first of which stands in the lower bits.
+struct DigitRun {
+    uint64_t value;
+    int count;
+};
+
+DigitRun digitRun(const char* p) {
+    uint64_t v;
+    std::memcpy(&v, p, sizeof v);
+    if constexpr (std::endian::native == std::endian::big) v = __builtin_bswap64(v);
+    v ^= 0x3030303030303030;  // digits become 0 to 9
+    const uint64_t others = ((v + 0x7676767676767676) | v) & 0x8080808080808080;
+    const int count = others ? std::countr_zero(others) / 8 : 8;
+    if (count == 0) return {0, 0};
+    v <<= 64 - 8 * count;
+    v = (v * 10 + (v >> 8)) & 0x00FF00FF00FF00FF;
+    v = (v * 100 + (v >> 16)) & 0x0000FFFF0000FFFF;
+    v = (v * 10000 + (v >> 32)) & 0xFFFFFFFF;
+    return {v, count};
+}
+
+constexpr uint64_t wholePowersOfTen[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
+constexpr double signs[] = {1.0, -1.0};
+constexpr double powersOfTen[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
+
+// A plain decimal: a sign, up to 15 digits, at most 8 of them behind a point. Digits and power of ten are exact doubles
+// then, so that one division rounds the value as strtod does.
+struct Decimal {
+    int64_t digits = 0;
+    int places = 0;
+    bool negative = false, point = false;
+    bool plain = false;  // nothing else stands in the text
+
+    // The text lies in a reader's line.
+    explicit Decimal(std::string_view text) {
+        const char *p = text.data(), *end = p + text.size();
+        if (text.size() > 17) return;
+        const bool sign = *p == '-' || *p == '+';
+        negative = *p == '-';
+        p += sign;
+        DigitRun run = digitRun(p);
+        p += run.count;
+        uint64_t value = run.value;
+        if (run.count == 8) {
+            run = digitRun(p);
+            p += run.count;
+            value = value * wholePowersOfTen[run.count] + run.value;
+        }
+        if (*p == '.') {
+            point = true;
+            run = digitRun(p + 1);
+            p += 1 + run.count;
+            value = value * wholePowersOfTen[run.count] + run.value;
+            places = run.count;
+        }
+        const auto count = p - text.data() - point - sign;
+        plain = p == end && count > 0 && count <= 15;
+        digits = static_cast<int64_t>(value);
+    }
+};
+
 // The value of a token that is a number entirely; 0 for an empty one.
 std::optional<int32_t> wholeNumber(std::string_view token) {
     if (token.empty()) return 0;
+    const Decimal decimal(token);
+    if (decimal.plain && !decimal.point && decimal.digits <= std::numeric_limits<int32_t>::max())
+        return static_cast<int32_t>(decimal.negative ? -decimal.digits : decimal.digits);
     const Parsed<int32_t> parsed = parseNumber<int32_t>(token);
     if (parsed.end != token.data() + token.size() || !parsed.inRange) return {};
     return parsed.value;
@@ -122,6 +198,11 @@ std::optional<int32_t> wholeNumber(std::string_view token) {
 
 std::optional<double> number(std::string_view token) {
     if (token.empty()) return 0.0;
+    const Decimal decimal(token);
+    if (decimal.plain) {
+        const double value = static_cast<double>(decimal.digits) / powersOfTen[decimal.places];
+        return std::copysign(value, signs[decimal.negative]);
+    }
     const Parsed<double> parsed = parseNumber<double>(token);
     if (parsed.end != token.data() + token.size() || std::isinf(parsed.value)) return {};
     if (parsed.inRange) return parsed.value;
@@ -133,12 +214,11 @@ std::optional<double> number(std::string_view token) {
 
 template <typename T>
 int takeNumber(McFii& f, const char* delimiters, std::optional<T> (*parse)(std::string_view), T& value, int32_t error) {
-    const Delimiters set(delimiters);
-    const std::string_view token = tokenAt(f.position, set);
-    const std::optional<T> parsed = parse(copyCut(f.word, token));
+    const Token token = copyToken(f.position, delimiters, f.word);
+    const std::optional<T> parsed = parse(token.text);
     if (!parsed) return fail(f, error);
     value = *parsed;
-    advance(f, token, set);
+    f.position = pastRun(token.end, delimiters);
     return MCLIB_SUCCESS;
 }
 
@@ -236,8 +316,8 @@ int mclibFii_openExtended(McFii* f, const char* name, const char* mode, const ch
     f->file = mclibFile_openExtended(name, mode, continuation, comment, fileBufferSize);
     if (!f->file) return MCLIB_ERROR;
     if (lineSize >= 1 && between.size() < sizeof f->separators)
-        f->line = static_cast<char*>(
-            mclibMem_mallocRscErrorPrintf(static_cast<size_t>(lineSize) + 1, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY));
+        f->line = static_cast<char*>(mclibMem_mallocRscErrorPrintf(static_cast<size_t>(lineSize) + 1 + lineMargin,
+                                                                   MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY));
     if (!f->line) {
         mclibFii_close(f);
         return MCLIB_ERROR;
@@ -369,23 +449,22 @@ char mclibFii_readChar(McFii* f) {
 }
 
 char* mclibFii_readText(McFii* f, char* dest) {
-    const Delimiters separators(f->separators);
-    if (!f->pack) f->position = separators.run.past(f->position);
-    return takeToken(*f, separators, dest);
+    skipUnlessPacked(*f);
+    return takeToken(*f, f->separators, dest);
 }
 
 char* mclibFii_readString(McFii* f, const char* quote, char* dest) {
     dest[0] = '\0';
     skipUnlessPacked(*f);
     if (mclibFii_isText(f, quote) != MCLIB_SUCCESS) return nullptr;
-    takeToken(*f, Delimiters(quote), dest);
+    takeToken(*f, quote, dest);
     skipSeparators(*f);
     return dest;
 }
 
 char* mclibFii_readSubString(McFii* f, const char* delimiters, char* dest) {
     skipUnlessPacked(*f);
-    takeToken(*f, Delimiters(delimiters), dest);
+    takeToken(*f, delimiters, dest);
     skipSeparators(*f);
     return dest;
 }

@@ -204,6 +204,13 @@ bool isCommentOrBlank(std::string_view line, char commentChar) {
     return line.empty() || line[0] == commentChar || line.find_first_not_of(' ') == line.npos;
 }
 
+// Length without the blanks at the end.
+size_t visibleLength(std::string_view line) {
+    size_t length = line.size();
+    while (length > 0 && (line[length - 1] == ' ' || line[length - 1] == '\t')) --length;
+    return length;
+}
+
 enum class Got { line, nothing, tooLong };
 
 // Puts the next physical line, without comment and line end, into dest from `begin` on; `end` is where it ends.
@@ -239,7 +246,7 @@ bool atEnd(McFile* f) {
 }
 
 // Each physical line is read behind the text that continued lines left in dest, and trimmed there.
-int readLogicalLine(std::span<char> dest, McFile* f, TrailingComment comment) {
+int readLogicalLine(std::span<char> dest, McFile* f, TrailingComment&& comment) {
     if (dest.empty()) return fail(lineTooLong, 0);
     size_t total = 0;
     for (int lines = 1;; ++lines) {
@@ -252,9 +259,9 @@ int readLogicalLine(std::span<char> dest, McFile* f, TrailingComment comment) {
         }
         const std::string_view line(dest.data() + total, end - total);
         if (isCommentOrBlank(line, f->commentChar)) continue;
-        const size_t last = line.find_last_not_of(" \t");
-        const bool continues = last != line.npos && line[last] == f->continuationChar;
-        total += last + 1;  // npos + 1 is 0
+        const size_t visible = visibleLength(line);
+        const bool continues = visible > 0 && line[visible - 1] == f->continuationChar;
+        total += visible;
         if (continues) {
             dest[total - 1] = ' ';
             continue;

@@ -17,6 +17,7 @@ struct MdlTextFile {
     std::vector<char> window;
     size_t begin = 0;  // what is left to read: [begin, end)
     size_t end = 0;
+    size_t nul = 0;         // the first NUL that is left to read; `end` when there is none
     bool drained = false;   // the stream has nothing more
     bool openLine = false;  // the last piece didn't end its line
     bool atEnd = false;
@@ -35,12 +36,18 @@ std::string_view rest(const MdlTextFile& file) {
     return {file.window.data() + file.begin, file.end - file.begin};
 }
 
+size_t findNul(const MdlTextFile& file, size_t from) {
+    const size_t at = std::string_view(file.window.data() + from, file.end - from).find('\0');
+    return at == std::string_view::npos ? file.end : from + at;
+}
+
 void refill(MdlTextFile& file) {
     std::memmove(file.window.data(), file.window.data() + file.begin, file.end - file.begin);
     file.end -= std::exchange(file.begin, 0);
     errno = 0;
     const size_t count = std::fread(file.window.data() + file.end, 1, file.window.size() - file.end, file.stream);
     file.end += count;
+    file.nul = findNul(file, file.begin);
     file.drained = count == 0;
     if (count == 0 && std::ferror(file.stream)) file.readError = errno == 0 ? EIO : errno;
 }
@@ -103,11 +110,12 @@ char* nextPiece(MdlTextFile& file, char* buffer, size_t space, bool keepNewline)
     const size_t length = std::min(ahead.length, space);
     const char* text = file.window.data() + file.begin;
     if (length > 0) std::memcpy(buffer, text, length);
-    const auto* nul = static_cast<const char*>(std::memchr(buffer, '\0', length));
-    if (nul != nullptr) {
+    if (file.nul < file.begin + length) {
+        const size_t shortened = file.nul - file.begin;
         skipLine(file);
+        file.nul = findNul(file, file.begin);
         file.openLine = false;
-        return finish(file, buffer, static_cast<size_t>(nul - buffer), keepNewline);
+        return finish(file, buffer, shortened, keepNewline);
     }
     file.begin += length + (fits ? ahead.lineEnd : 0);
     file.openLine = !fits;

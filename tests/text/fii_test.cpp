@@ -5,7 +5,9 @@
 
 #include <cmath>
 #include <cstring>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "tests/text/text_files.h"
 
@@ -77,6 +79,26 @@ TEST(FiiReader, RealNumbersAreThoseOfTheSystem) {
         const double expected = std::strtod(text, nullptr);
         EXPECT_EQ(*mclibFii_getDoubleP(fii.get()), expected);
         EXPECT_EQ(std::signbit(fii->doubleValue), std::signbit(expected));
+    }
+}
+
+TEST(FiiReader, RandomNumbersAreThoseOfTheSystem) {
+    std::mt19937_64 random(7);
+    for (int i = 0; i < 300; ++i) {
+        std::string line;
+        std::vector<std::string> numbers;
+        for (int j = 0; j < 20; ++j) {
+            char text[64];
+            const double value = std::ldexp(static_cast<double>(random() >> 11), -static_cast<int>(random() % 70));
+            std::snprintf(text, sizeof text, j % 3 ? "%.*f" : "%.*e", static_cast<int>(random() % 12),
+                          random() % 2 ? value : -value);
+            numbers.push_back(text);
+            line += numbers.back() + ';';
+        }
+        LineReader fii(line);
+        for (const std::string& number : numbers)
+            ASSERT_EQ(*mclibFii_readDoubleP(fii.get(), ";"), std::strtod(number.c_str(), nullptr)) << number;
+        EXPECT_EQ(mclibFii_eol(fii.get()), 1);
     }
 }
 
