@@ -58,8 +58,6 @@ TEST_F(WindowTest, DrawingFillsTheRectangleAndIsCentred) {
     ASSERT_EQ(calls.size(), 1u);
     EXPECT_EQ(calls[0].kind, DrawCall::Kind::line);
     EXPECT_EQ(calls[0].points, (std::vector<int32_t>{10, 70, 110, 70}));
-    display();
-    EXPECT_EQ(drawn().size(), 1u) << "drawn again at its place";
 }
 
 TEST_F(WindowTest, LargeTextsAreLettersAndSmallOnesTheirBoxes) {
