@@ -19,6 +19,7 @@ constexpr uint32_t applicationId = 0x4D434431;  // "MCD1"
 constexpr uint32_t formatVersion = 1;
 constexpr int pageBytes = 8192;
 constexpr int64_t onlyModel = 1;
+constexpr uint32_t mostChunkBytes = ElementStore::maxUnitBytes + sizeof(RecordHead);
 
 constexpr std::array<const char*, 5> schema = {
     "CREATE TABLE model(id INTEGER PRIMARY KEY,is_3d INTEGER,uor_per_master REAL,next_position INTEGER,"
@@ -245,18 +246,20 @@ void checkFreePages(Database& database, const FileHead& head) {
 }
 
 void loadChunks(Database& database, ModelRef& model, int64_t count) {
-    Statement s(database, "SELECT number,digest,bytes FROM chunk WHERE model=1 ORDER BY number");
+    Statement s(database, "SELECT rowid,number,digest FROM chunk WHERE model=1 ORDER BY number");
+    BlobReader blob(database, "chunk", "bytes");
     for (int64_t number = 0; number < count; ++number) {
-        if (!s.step() || s.integer(0) != number) throw FileProblem(damaged);
-        const std::span<const std::byte> bytes = s.blob(2);
-        if (static_cast<int64_t>(digest(bytes)) != s.integer(1)) throw FileProblem(damaged);
-        const auto used = static_cast<uint32_t>(bytes.size());
+        if (!s.step() || s.integer(1) != number) throw FileProblem(damaged);
+        const uint32_t used = blob.open(s.integer(0));
+        if (used > mostChunkBytes) throw FileProblem(damaged);
         const bool isLast = number + 1 == count;  // it goes on being filled
         ElementStore::Chunk& chunk =
             model.elements.appendChunk(isLast ? std::max(used, ElementStore::chunkBytes) : used);
         chunk.used = used;
-        if (!bytes.empty()) std::memcpy(chunk.bytes.get(), bytes.data(), bytes.size());
         chunk.changed = false;
+        const std::span<std::byte> bytes(chunk.bytes.get(), used);
+        blob.read(bytes);
+        if (static_cast<int64_t>(digest(bytes)) != s.integer(2)) throw FileProblem(damaged);
         if (!model.elements.takeRecords()) throw FileProblem(damaged);
     }
     if (s.step()) throw FileProblem(damaged);

@@ -69,6 +69,7 @@ void ElementStore::remove(FilePos position) {
     append(position, {}, 0);
     keys_[position].live = false;
     --liveCount_;
+    ++removals_;
     wasteBytes_ += recordBytes(records_[position]) + sizeof(RecordHead);
 }
 

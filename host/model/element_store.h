@@ -90,6 +90,7 @@ class ElementStore {
 
     std::span<const ElementKey> keys() const { return keys_; }  // by position; the first one is no element
     uint32_t liveCount() const { return liveCount_; }
+    uint64_t removals() const { return removals_; }  // how often an element was removed so far
     uint32_t nextPosition() const { return static_cast<uint32_t>(keys_.size()); }
 
     // ---- the file ----
@@ -117,6 +118,7 @@ class ElementStore {
     std::vector<const RecordHead*> records_;  // by position; the last one with nodes
     std::vector<ElementKey> keys_;            // by position
     uint32_t liveCount_ = 0;
+    uint64_t removals_ = 0;
     uint64_t wasteBytes_ = 0;
     uint64_t usedBytes_ = 0;
 };

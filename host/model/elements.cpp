@@ -149,6 +149,7 @@ int mdlElement_undoableDelete(const MSElementBuffer*, FilePos position, int32_t)
             model->deleted.pop_back();
             throw;
         }
+        updateRange(*model, position);
         return MDL_SUCCESS;
     });
 }

@@ -82,9 +82,9 @@ const LineStyle* findLineStyle(const ModelRef& model, int32_t number);
 // Marks a level as one that belongs into the file.
 void storeLevel(ModelRef& model, LevelId id);
 
-// The index of ranges of the model, made at the first call.
+// The index of ranges of the model's elements, made at the first call.
 RangeIndex& rangesOf(ModelRef& model);
-// Brings the index in line with the element at the position, if there is an index already.
+// Brings the index in line with what is at the position now, if there is an index already.
 void updateRange(ModelRef& model, FilePos position) noexcept;
 std::optional<Range3d> modelRange(ModelRef& model);  // of all elements
 

@@ -162,6 +162,7 @@ void RangeIndex::repackWhenDue() {
 
 void RangeIndex::search(const Range3d& window, std::vector<FilePos>& found) {
     repackWhenDue();
+    found.reserve(found.size() + 1024);
     if (!boxes_.empty()) searchBelow(window, boxes_.size() - 1, 0, found);
     for (const Entry& entry : waiting_) {
         if (meets(window, entry.box)) found.push_back(entry.position);
@@ -182,7 +183,7 @@ void RangeIndex::searchBelow(const Range3d& window, size_t level, size_t node, s
         return;
     }
     for (size_t i = first; i < std::min(first + fanOut, packed_.size()); ++i) {
-        if (meets(window, packed_[i].box)) takeRun(i, i + 1, found);
+        if (meets(window, packed_[i].box) && (staleCount_ == 0 || !stale_[run_[i]])) found.push_back(run_[i]);
     }
 }
 

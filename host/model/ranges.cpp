@@ -53,7 +53,8 @@ RangeIndex& rangesOf(ModelRef& model) {
 
 void updateRange(ModelRef& model, FilePos position) noexcept try {
     if (!model.rangesFilled) return;
-    if (const auto range = unitRange(model.elements.record(position))) {
+    const bool live = model.elements.isLive(position);
+    if (const auto range = live ? unitRange(model.elements.record(position)) : std::nullopt) {
         model.ranges.put(position, *range);
     } else {
         model.ranges.drop(position);
@@ -64,9 +65,7 @@ void updateRange(ModelRef& model, FilePos position) noexcept try {
 
 std::optional<Range3d> modelRange(ModelRef& model) {
     std::optional<Range3d> all;
-    rangesOf(model).forEach([&](FilePos position, const Range3d& range) {
-        if (model.elements.isLive(position)) extend(all, range);
-    });
+    rangesOf(model).forEach([&](FilePos, const Range3d& range) { extend(all, range); });
     return all;
 }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <numeric>
 #include <optional>
 
 #include "host/model/model.h"
@@ -18,6 +19,7 @@ struct ScanCriteria {
 
     // What the scan has found, fixed with its first portion.
     uint64_t modelSerial = 0;  // 0: none so far
+    uint64_t removals = 0;     // of the model's elements at that time
     std::vector<FilePos> found;
     size_t next = 0;  // in found: what the next portion begins with
 };
@@ -42,27 +44,35 @@ bool takesAll(const ScanCriteria& criteria) {
     return criteria.types.empty() && criteria.levels.empty() && criteria.classMask == 0;
 }
 
-// Sorts positions, each there once. Many of them go through one bit for each position of the model, which takes two
-// short runs over memory; few are sorted as they stand.
-void sortPositions(std::vector<FilePos>& positions, uint32_t positionLimit) {
-    if (positions.size() < positionLimit / 512) {
+// Sorts positions below `limit` by digits of at most 11 bits, the lowest first.
+void sortPositions(std::vector<FilePos>& positions, uint32_t limit) {
+    if (positions.size() < 256) {
         std::ranges::sort(positions);
         return;
     }
-    std::vector<uint64_t> bits(positionLimit / 64 + 1);
-    for (const FilePos position : positions) bits[position / 64] |= uint64_t{1} << position % 64;
-    FilePos* out = positions.data();
-    for (size_t word = 0; word < bits.size(); ++word) {
-        for (uint64_t left = bits[word]; left != 0; left &= left - 1) {
-            *out++ = static_cast<FilePos>(64 * word + std::countr_zero(left));
-        }
+    constexpr int mostBits = 11, mostPasses = 3;
+    const int bits = std::bit_width(limit), passes = (bits + mostBits - 1) / mostBits;
+    const int digitBits = (bits + passes - 1) / passes;
+    const uint32_t digits = 1u << digitBits;
+    const auto digitOf = [&](FilePos position, int pass) { return position >> (pass * digitBits) & (digits - 1); };
+    uint32_t places[mostPasses][1 << mostBits];
+    for (int pass = 0; pass < passes; ++pass) std::fill_n(places[pass], digits, 0);
+    for (const FilePos position : positions) {
+        for (int pass = 0; pass < passes; ++pass) ++places[pass][digitOf(position, pass)];
+    }
+    std::vector<FilePos> sorted(positions.size());
+    for (int pass = 0; pass < passes; ++pass) {
+        uint32_t* place = places[pass];
+        std::exclusive_scan(place, place + digits, place, 0u);
+        for (const FilePos position : positions) sorted[place[digitOf(position, pass)]++] = position;
+        positions.swap(sorted);
     }
 }
 
 void findInWindow(const ScanCriteria& criteria, ModelRef& model, std::vector<FilePos>& found) {
     rangesOf(model).search(*criteria.window, found);
     sortPositions(found, model.elements.nextPosition());
-    if (takesAll(criteria) && model.elements.liveCount() + 1 == model.elements.nextPosition()) return;
+    if (takesAll(criteria)) return;
     const std::span<const ElementKey> keys = model.elements.keys();
     std::erase_if(found, [&](FilePos position) { return !passes(criteria, keys[position]); });
 }
@@ -84,6 +94,7 @@ void fixResult(ScanCriteria& criteria, ModelRef& model) {
         findAnywhere(criteria, model, criteria.found);
     }
     criteria.modelSerial = model.serial;
+    criteria.removals = model.elements.removals();
 }
 
 void forgetResult(ScanCriteria& criteria) {
@@ -105,6 +116,12 @@ void placeBehind(ScanCriteria& criteria, FilePos start) {
 
 // Fills the buffer; true when elements follow those in it.
 bool fillPortion(ScanCriteria& criteria, const ModelRef& model, std::span<FilePos> buffer, size_t& count) {
+    if (criteria.removals == model.elements.removals()) {
+        count = std::min(buffer.size(), criteria.found.size() - criteria.next);
+        std::copy_n(criteria.found.begin() + static_cast<ptrdiff_t>(criteria.next), count, buffer.begin());
+        criteria.next += count;
+        return criteria.next < criteria.found.size();
+    }
     for (count = 0; moveToLive(criteria, model); ++count) {
         if (count == buffer.size()) return true;
         buffer[count] = criteria.found[criteria.next++];

@@ -62,6 +62,20 @@ void Statement::check(int result) const {
     if (result != SQLITE_OK) throw SqliteFailure(result & 0xFF, sqlite3_errmsg(database_.handle()));
 }
 
+uint32_t BlobReader::open(int64_t row) {
+    check(handle_ ? sqlite3_blob_reopen(handle_, row)
+                  : sqlite3_blob_open(database_.handle(), "main", table_, column_, row, 0, &handle_));
+    return static_cast<uint32_t>(sqlite3_blob_bytes(handle_));
+}
+
+void BlobReader::read(std::span<std::byte> bytes) {
+    check(sqlite3_blob_read(handle_, bytes.data(), static_cast<int>(bytes.size()), 0));
+}
+
+void BlobReader::check(int result) const {
+    if (result != SQLITE_OK) throw SqliteFailure(result & 0xFF, sqlite3_errmsg(database_.handle()));
+}
+
 Transaction::~Transaction() {
     if (open_ && !sqlite3_get_autocommit(database_.handle())) {
         sqlite3_exec(database_.handle(), "ROLLBACK", nullptr, nullptr, nullptr);

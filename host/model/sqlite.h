@@ -72,6 +72,26 @@ class Statement {
     sqlite3_stmt* handle_ = nullptr;
 };
 
+// Reads blobs of one column straight into the reader's memory, one row after the other.
+class BlobReader {
+  public:
+    BlobReader(Database& database, const char* table, const char* column)
+        : database_(database), table_(table), column_(column) {}
+    ~BlobReader() { sqlite3_blob_close(handle_); }
+    BlobReader(const BlobReader&) = delete;
+    BlobReader& operator=(const BlobReader&) = delete;
+
+    uint32_t open(int64_t row);             // the size of the row's blob
+    void read(std::span<std::byte> bytes);  // its first bytes
+
+  private:
+    void check(int result) const;
+
+    Database& database_;
+    const char *table_, *column_;
+    sqlite3_blob* handle_ = nullptr;
+};
+
 // A transaction for writing; rolled back when it isn't committed.
 class Transaction {
   public:
