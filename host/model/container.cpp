@@ -412,7 +412,7 @@ void ContainerWriter::save(ModelRef& model) {
 }
 
 void ContainerWriter::takeInLog() noexcept {
-    if (sizeOf(path_ + "-wal") == 0) return;
+    if (access((path_ + "-wal").c_str(), F_OK) != 0) return;
     try {
         open();
     } catch (const SqliteFailure&) {
