@@ -26,19 +26,24 @@ inline char* putPair(char* p, uint64_t n) {
     return p + 2;
 }
 
+inline uint32_t pair(uint64_t n) {
+    uint16_t digits;
+    std::memcpy(&digits, &digitPairs[2 * n], 2);
+    return digits;
+}
+
+// Four digits are put together and the leading zeros pushed out, so that numbers of mixed lengths cost no branch.
 inline char* putWhole(char* p, uint64_t n) {
-    if (n < 10) {
-        *p = static_cast<char>('0' + n);
-        return p + 1;
+    if (n >= 10000) {
+        p = putWhole(p, n / 10000);
+        return putPair(putPair(p, n / 100 % 100), n % 100);
     }
-    if (n < 100) return putPair(p, n);
-    if (n < 1000) {
-        *p = static_cast<char>('0' + n / 100);
-        return putPair(p + 1, n % 100);
-    }
-    if (n < 10000) return putPair(putPair(p, n / 100), n % 100);
-    p = putWhole(p, n / 10000);
-    return putPair(putPair(p, n / 100 % 100), n % 100);
+    const int zeros = (n < 1000) + (n < 100) + (n < 10);
+    constexpr bool lowFirst = std::endian::native == std::endian::little;
+    const uint32_t high = pair(n / 100), low = pair(n % 100);
+    const uint32_t digits = lowFirst ? (high | low << 16) >> 8 * zeros : (high << 16 | low) << 8 * zeros;
+    std::memcpy(p, &digits, 4);
+    return p + 4 - zeros;
 }
 
 }  // namespace hundredths

@@ -55,14 +55,21 @@ void flush() {
     state.end = state.block;
 }
 
-// Room for one line at the end of the block. What is written there counts from taken() on.
-inline char* line() {
-    if (state.end > state.block + sizeof state.block - lineRoom) flush();
+inline void taken(char* end) {
+    state.end = end;
+}
+
+// Room for one line behind p, which is the end of the block: the block is written first when it is nearly full.
+inline char* roomAt(char* p) {
+    if (p <= state.block + sizeof state.block - lineRoom) return p;
+    taken(p);
+    flush();
     return state.end;
 }
 
-inline void taken(char* end) {
-    state.end = end;
+// Room for one line at the end of the block. What is written there counts from taken() on.
+inline char* line() {
+    return roomAt(state.end);
 }
 
 inline char* put(char* p, std::string_view text) {
@@ -87,22 +94,24 @@ void write(std::string_view text) {
     }
 }
 
-inline void writePoint(const Point3d& point, std::string_view operation) {
-    taken(put(putLength(putLength(line(), point.x), point.y), operation));
+inline char* putPoint(char* p, double x, double y, std::string_view operation) {
+    return put(putLength(putLength(p, x), y), operation);
 }
 
-void writeGray(double gray) {
-    taken(put(putNumber(line(), gray), "setgray\n"));
+char* putGray(char* p, double gray) {
+    return put(putNumber(p, gray), "setgray\n");
 }
 
-void writeLineWidth(double width) {
-    taken(put(putLength(line(), width), "setlinewidth\n"));
+char* putLineWidth(char* p, double width) {
+    return put(putLength(p, width), "setlinewidth\n");
 }
 
-void writeArc(double x, double y, double radius, double startAngle, double endAngle) {
-    char* p = putLength(putLength(putLength(line(), x), y), radius);
-    taken(put(putNumber(putNumber(p, startAngle), endAngle), "arc\n"));
+char* putArc(char* p, double x, double y, double radius, double startAngle, double endAngle) {
+    p = putLength(putLength(putLength(p, x), y), radius);
+    return put(putNumber(putNumber(p, startAngle), endAngle), "arc\n");
 }
+
+constexpr std::string_view fillOperations = "closepath fill\n0.00 setgray\n";
 
 // ---- texts ----
 
@@ -226,11 +235,12 @@ void mclibPs_drawLine(float x1, float y1, float x2, float y2, float width) {
 void mclibPs_drawPolyline(const Point3d* points, int count, double width, double gray) {
     if (!state.stream || count < 1) return;
     const bool filled = isGray(gray);
-    if (filled) writeGray(gray);
-    writeLineWidth(width);
-    writePoint(points[0], "moveto\n");
-    for (int i = 1; i < count; ++i) writePoint(points[i], "lineto\n");
-    write(filled ? "closepath fill\n0.00 setgray\n" : "stroke\n");
+    char* p = line();
+    if (filled) p = putGray(p, gray);
+    p = roomAt(putLineWidth(p, width));
+    p = putPoint(p, points[0].x, points[0].y, "moveto\n");
+    for (int i = 1; i < count; ++i) p = putPoint(roomAt(p), points[i].x, points[i].y, "lineto\n");
+    taken(put(roomAt(p), filled ? fillOperations : "stroke\n"));
 }
 
 void mclibPs_drawPolylineExtended(const Point3d* points, int count, double width, const char* dash, double gray) {
@@ -251,18 +261,15 @@ void mclibPs_drawText(double x, double y, const char* text, double height, doubl
 void mclibPs_drawArc(double x, double y, double radius, double startAngle, double endAngle, double width) {
     if (!state.stream) return;
     const double start = startAngle * std::numbers::pi / 180;
-    writeLineWidth(width);
-    writePoint({x + radius * std::cos(start), y + radius * std::sin(start), 0}, "moveto\n");
-    writeArc(x, y, radius, startAngle, endAngle);
-    write("stroke\n");
+    char* p = roomAt(putLineWidth(line(), width));
+    p = roomAt(putPoint(p, x + radius * std::cos(start), y + radius * std::sin(start), "moveto\n"));
+    taken(put(putArc(p, x, y, radius, startAngle, endAngle), "stroke\n"));
 }
 
 void mclibPs_fillCirc(double x, double y, double radius, double startAngle, double endAngle, double gray) {
     if (!state.stream) return;
-    writeGray(gray);
-    writePoint({x, y, 0}, "moveto\n");
-    writeArc(x, y, radius, startAngle, endAngle);
-    write("closepath fill\n0.00 setgray\n");
+    char* p = roomAt(putPoint(putGray(line(), gray), x, y, "moveto\n"));
+    taken(put(putArc(p, x, y, radius, startAngle, endAngle), fillOperations));
 }
 
 int mclibPs_includeEPSFile(const char* fileName, double scaleX, double scaleY, double x, double y, double rotation) {
