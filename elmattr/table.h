@@ -30,7 +30,8 @@ struct ElmAttrRecord {
     ElmAttrRecord* next;
 };
 
-namespace elmattr {
+// Visible from outside the library for its tests.
+namespace [[gnu::visibility("default")]] elmattr {
 
 // The first record of that id; null when there is none.
 ElmAttrRecord* findRecord(const GlobalData& gd, int id);
