@@ -1,0 +1,276 @@
+// The application alignment, run by mchost as a user would: what it makes of the example, and of input that is wrong.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+const std::string examples = PROJECT_SOURCE_DIR "/apps/alignment/examples/";
+const std::string mchost = BUILD_DIR "/bin/mchost";
+
+struct Outcome {
+    int status;
+    std::string output;  // both streams
+};
+
+std::string contents(const fs::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    std::ostringstream all;
+    all << in.rdbuf();
+    return all.str();
+}
+
+class Alignment : public testing::Test {
+  protected:
+    Alignment() : folder_(fs::temp_directory_path() / ("alignment_test_" + std::to_string(getpid()))) {
+        fs::create_directories(folder_);
+        fs::copy_file(examples + "attributes.txt", folder_ / "attributes.txt");
+    }
+    ~Alignment() override { fs::remove_all(folder_); }
+
+    // Runs a command of the shell in the test's folder.
+    Outcome shell(const std::string& command) const {
+        FILE* pipe = popen(("cd '" + folder_.string() + "' && (" + command + ") 2>&1 </dev/null").c_str(), "r");
+        Outcome run{};
+        char part[4096];
+        while (const size_t n = std::fread(part, 1, sizeof part, pipe)) run.output.append(part, n);
+        run.status = WEXITSTATUS(pclose(pipe));
+        return run;
+    }
+    Outcome alignment(const std::string& arguments) const { return shell("'" + mchost + "' alignment " + arguments); }
+    void write(const std::string& name, const std::string& text) const { std::ofstream(folder_ / name) << text; }
+    std::string read(const std::string& name) const { return contents(folder_ / name); }
+    std::vector<std::string> files() const {
+        std::vector<std::string> names;
+        for (const auto& entry : fs::directory_iterator(folder_)) names.push_back(entry.path().filename());
+        std::erase(names, "attributes.txt");
+        std::ranges::sort(names);
+        return names;
+    }
+    bool canRun(const char* program) const { return shell("command -v " + std::string(program)).status == 0; }
+
+    fs::path folder_;
+};
+
+const std::string head = "%include attributes.txt\nPROJECT \"P\"\nSCALE 1000\n";
+const std::string straight = "ELEMENT 0 0 100 0 0 0 0\n";
+
+// Numbers of a row of the station list.
+struct Row {
+    double station, x, y, bearing;
+    std::string radius;
+};
+
+std::vector<Row> rowsOf(const std::string& list) {
+    std::vector<Row> rows;
+    std::istringstream lines(list);
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        Row row{};
+        if (words >> row.station >> row.x >> row.y >> row.bearing >> row.radius) rows.push_back(row);
+    }
+    return rows;
+}
+
+TEST_F(Alignment, MakesADesignFileAPrintFileAndAPictureOfTheExample) {
+    const Outcome run = alignment(examples + "granlia.txt --out road");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_THAT(run.output, testing::Not(HasSubstr("gap")));
+    EXPECT_EQ(files(), (std::vector<std::string>{"road.mcd", "road.png", "road.ps"}));
+    EXPECT_EQ(read("road.png").substr(0, 8), "\x89PNG\r\n\x1a\n");
+    EXPECT_EQ(shell("'" + mchost + "' --open road.mcd alignment " + examples + "granlia.txt --list").status, 0);
+}
+
+TEST_F(Alignment, ThePrintedSheetIsTrueToScale) {
+    ASSERT_EQ(alignment(examples + "granlia.txt --out road").status, 0);
+    const std::string page = read("road.ps");
+    // The frame comes first: 400 by 277 mm, 10 mm from the paper's edge, in points.
+    EXPECT_THAT(page,
+                HasSubstr("28.35 28.35 moveto\n1162.20 28.35 lineto\n1162.20 813.54 lineto\n28.35 813.54 lineto\n"));
+    for (const char* text : {"(Fv 4127 Granlia - Tverrvik)", "(R = 280)", "(A = 165)", "(1740.86)", "(1700)", "(N)"}) {
+        EXPECT_THAT(page, HasSubstr(text));
+    }
+}
+
+TEST_F(Alignment, APagePrintedTwiceHasTheSameBytes) {
+    ASSERT_EQ(alignment(examples + "granlia.txt --out first").status, 0);
+    ASSERT_EQ(alignment(examples + "granlia.txt --out second --picture svg").status, 0);
+    EXPECT_EQ(read("first.ps"), read("second.ps"));
+    EXPECT_THAT(read("second.svg"), HasSubstr("<svg"));
+}
+
+TEST_F(Alignment, GhostscriptRendersTheSheet) {
+    if (!canRun("gs")) GTEST_SKIP() << "no Ghostscript";
+    ASSERT_EQ(alignment(examples + "granlia.txt --out road").status, 0);
+    const Outcome run = shell(
+        "timeout 60 gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=pgmraw -r50 -dDEVICEWIDTHPOINTS=1191 "
+        "-dDEVICEHEIGHTPOINTS=842 -dFIXEDMEDIA -sOutputFile=page%d.pgm road.ps");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.output, "");
+    EXPECT_FALSE(fs::exists(folder_ / "page2.pgm"));
+    const std::string image = read("page1.pgm");
+    const auto dark = std::ranges::count_if(image, [](char c) { return static_cast<unsigned char>(c) < 128; });
+    EXPECT_GT(dark, 3000);  // the frame alone has 2,600 points
+}
+
+TEST_F(Alignment, TheStationListFollowsTheRoad) {
+    const Outcome run = alignment(examples + "granlia.txt --list --step 1");
+    ASSERT_EQ(run.status, 0) << run.output;
+    EXPECT_TRUE(files().empty());
+    const std::vector<Row> rows = rowsOf(run.output);
+    ASSERT_GT(rows.size(), 1740u);
+    // From row to row the way is as long as the stations say, along the mean of the two bearings, to 1 mm.
+    for (size_t i = 1; i < rows.size(); ++i) {
+        const Row &a = rows[i - 1], &b = rows[i];
+        const double way = b.station - a.station;
+        const double bearing = (a.bearing + b.bearing) / 2 * M_PI / 200;
+        EXPECT_NEAR(b.x - a.x, way * std::sin(bearing), 0.0015) << b.station;
+        EXPECT_NEAR(b.y - a.y, way * std::cos(bearing), 0.0015) << b.station;
+    }
+    EXPECT_NEAR(rows.back().station, 1740.857, 0.001);
+    EXPECT_NEAR(rows.back().x, 572391.070, 0.001);
+}
+
+TEST_F(Alignment, APartialClothoidLeadsFromCircleToCircle) {
+    // R 200 to R 100 with A 100: series lengths 50 and 100, computed by integration.
+    write("egg.txt", head + "ELEMENT 0 0 49.0170442 8.2435272 200 100 100\n");
+    const Outcome run = alignment("egg.txt --list --step 10");
+    ASSERT_EQ(run.status, 0) << run.output;
+    const std::vector<Row> rows = rowsOf(run.output);
+    ASSERT_EQ(rows.size(), 6u);
+    EXPECT_EQ(rows.front().radius, "200.00");
+    EXPECT_EQ(rows.back().radius, "100.00");
+    EXPECT_NEAR(rows.front().bearing - rows.back().bearing, 0.375 * 200 / M_PI, 1e-4);  // left: the bearing falls
+    EXPECT_EQ(alignment("egg.txt --scale 250").status, 0);
+}
+
+TEST_F(Alignment, GapsAreReportedWithTheirStationAndTheRoadIsDrawn) {
+    write("gap.txt", head + straight + "ELEMENT 100 0.013 200 1 0 0 0\nELEMENT 200 1 300 1.987 0 0 0\n");
+    const Outcome run = alignment("gap.txt");
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_THAT(run.output, HasSubstr("gap at station 100.000: the elements lie 0.0130 m"));
+    EXPECT_THAT(run.output, testing::Not(HasSubstr("gap at station 200")));
+    EXPECT_TRUE(fs::exists(folder_ / "gap.mcd"));
+}
+
+TEST_F(Alignment, WrongInputIsToldWithItsPlaceAndMakesNothing) {
+    struct Case {
+        std::string input;
+        std::vector<const char*> told;
+    };
+    const std::string longText(256, 'x');
+    const std::vector<Case> cases = {
+        {head + "ELEMENT 0 0 1OO 0 0 0 0\n", {"line 4, column 13: x2 must be a number", "\n            ^"}},
+        {head + "ELEMENT 0 0 100 0 0 0\n", {"line 4, column 22: A is missing", "ELEMENT 0 0 100 0 0 0\n"}},
+        {head + straight + "100 0 200 0 0 0 0\n", {"line 5, column 1: a line begins with a keyword"}},
+        {head + straight + "SCALES 5\n", {"line 5, column 1: a line begins with a keyword"}},
+        {"%include attributes.txt\nPROJECT \"P\"\n" + straight, {"line 3, column 1: SCALE must come before"}},
+        {"SCALE 5\nPROJECT \"P\"\n" + straight, {"USE STRAIGHT must come before"}},
+        {head, {"the file ends without an ELEMENT"}},
+        {head + "ELEMENT 5 5 5 5 0 0 0\n", {"column 13", "no length", "            ^"}},
+        {head + "ELEMENT 0 0 100 0 40 40 0\n", {"column 19", "100.000 m apart", "diameter of 80.000 m"}},
+        {head + "ELEMENT 0 0 100 0 90 80 0\n", {"column 22", "one radius"}},
+        {head + "ELEMENT 0 0 100 0 0 80 0\n", {"column 19", "one radius"}},
+        {head + "ELEMENT 0 0 100 0 90 90 50\n", {"column 22", "two different radii"}},
+        {head + "ELEMENT 0 0 100 0 90 -80 50\n", {"column 22", "turn both ways"}},
+        {head + "ELEMENT 0 0 99 0 0 100 100\n", {"column 24", "100.000 m long with a chord of 98.893 m"}},
+        {head + "ELEMENT 0 0 100 0 0 0 0 77\n", {"column 25", "no attribute 77"}},
+        {head + "USE TICK 50\n" + straight, {"line 4, column 10", "no attribute 50"}},
+        {head + "USE TOCK 5\n" + straight, {"line 4, column 5: USE what?"}},
+        {head + "ATTRIBUTE 3 \"again\" 0 0 0 \"L\"\n", {"attribute 3 already"}},
+        {"PROJECT \"" + longText + "\"\n", {"line 1, column 9", "256 characters"}},
+        {"PROJECT \"P\n", {"column 9", "no closing quote"}},
+        {"SCALE -5\n", {"line 1, column 7: the scale must be above 0"}},
+        {"%include missing.txt\nSCALE 5\n", {"missing.txt", "%include"}},
+        {head + straight + "ELEMENT 100 0 300 0 0 0 0 \\\n  x\n", {"line 6", "must be a whole number"}},
+        {head + "ELEMENT 0 0 5000 0 0 0 0\n", {"doesn't fit on A3 at 1:1000; use --scale 20000"}},
+    };
+    for (const Case& c : cases) {
+        write("bad.txt", c.input);
+        const Outcome run = alignment("bad.txt");
+        EXPECT_EQ(run.status, 1) << c.input;
+        for (const char* told : c.told) EXPECT_THAT(run.output, HasSubstr(told)) << c.input;
+        EXPECT_EQ(files(), std::vector<std::string>{"bad.txt"}) << c.input;
+    }
+}
+
+TEST_F(Alignment, AnErrorInAnIncludedFileIsToldThere) {
+    write("shared.txt", "# shared\nSCALE 1000\nSCALE many\n");
+    write("road.txt", "# a\n# b\n%include shared.txt\nPROJECT 5\n");
+    EXPECT_THAT(alignment("road.txt").output, HasSubstr("shared.txt, line 3, column 7"));
+    write("shared.txt", "SCALE 1000\n");
+    EXPECT_THAT(alignment("road.txt").output, HasSubstr("road.txt, line 4, column 9"));
+}
+
+TEST_F(Alignment, NorwegianLettersComeThroughFromUtf8AndWindows1252) {
+    for (const char* name : {"Bl\xc3\xa5s\xc3\xb8r", "Bl\xe5s\xf8r"}) {
+        write("road.txt", "%include attributes.txt\nPROJECT \"" + std::string(name) + "\"\nSCALE 1000\n" + straight);
+        const Outcome run = alignment("road.txt --list --out road --overwrite");
+        EXPECT_EQ(run.status, 0) << run.output;
+        EXPECT_THAT(run.output, HasSubstr("Bl\xc3\xa5s\xc3\xb8r\n"));
+        EXPECT_THAT(read("road.ps"), HasSubstr("(Bl\xe5s\xf8r)"));
+    }
+}
+
+TEST_F(Alignment, FilesThatAreThereStayUnlessTheyMayBeReplaced) {
+    write("road.txt", head + straight);
+    write("road.ps", "mine");
+    const Outcome refused = alignment("road.txt");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.output, HasSubstr("road.ps: the file is there already; give --overwrite"));
+    EXPECT_EQ(read("road.ps"), "mine");
+    EXPECT_EQ(files(), (std::vector<std::string>{"road.ps", "road.txt"}));
+    EXPECT_EQ(alignment("road.txt --overwrite").status, 0);
+    EXPECT_EQ(files(), (std::vector<std::string>{"road.mcd", "road.png", "road.ps", "road.txt"}));
+    EXPECT_EQ(alignment("road.txt --overwrite").status, 0);
+}
+
+TEST_F(Alignment, WhatCantBeWrittenIsToldAndLosesNothing) {
+    fs::copy_file(examples + "granlia.txt", folder_ / "road.txt");
+    write("road.mcd", "mine");
+    EXPECT_THAT(alignment("road.txt --out /nonexistent/road").output,
+                HasSubstr("/nonexistent: the folder can't be written"));
+    // Blocks of 512 bytes that a file may have: too few for the design file, then for the picture.
+    for (const char* blocks : {"8", "250"}) {
+        const Outcome run = shell("trap '' XFSZ; ulimit -f " + std::string(blocks) + "; '" + mchost +
+                                  "' alignment road.txt --overwrite");
+        EXPECT_EQ(run.status, 1) << blocks << run.output;
+        EXPECT_THAT(run.output, HasSubstr("can't be")) << blocks;
+        EXPECT_TRUE(read("road.mcd") == "mine") << blocks;
+        EXPECT_EQ(files(), (std::vector<std::string>{"road.mcd", "road.txt"})) << blocks;
+    }
+}
+
+TEST_F(Alignment, ADesignFileThatIsNoneIsRefusedAndStays) {
+    write("road.txt", head + straight);
+    write("foreign.mcd", "not a design file");
+    const Outcome run = shell("'" + mchost + "' --open foreign.mcd alignment road.txt");
+    EXPECT_EQ(run.status, 1) << run.output;
+    EXPECT_EQ(read("foreign.mcd"), "not a design file");
+    EXPECT_EQ(files(), (std::vector<std::string>{"foreign.mcd", "road.txt"}));
+}
+
+TEST_F(Alignment, WrongArgumentsGiveTheUsageAndStatus2) {
+    for (const char* arguments : {"", "--bogus", "a.txt b.txt", "a.txt --scale", "a.txt --scale 0", "a.txt --scale 5x",
+                                  "a.txt --paper B5", "a.txt --picture gif"}) {
+        const Outcome run = alignment(arguments);
+        EXPECT_EQ(run.status, 2) << arguments;
+        EXPECT_THAT(run.output, HasSubstr("usage: mchost alignment ROAD.txt")) << arguments;
+    }
+    EXPECT_EQ(alignment("nowhere.txt").status, 1);
+}
+
+}  // namespace
