@@ -28,9 +28,11 @@ MDL_EXPORT void mdlElmdscr_freeAll(ElementDescr **edPP); /* frees chain and chil
 MDL_EXPORT uint32_t mdlElmdscr_read(ElementDescr **edPP, FilePos position, ModelRef *model);
 /* The same, in the coordinates of the active model. */
 MDL_EXPORT uint32_t mdlElmdscr_readToMaster(ElementDescr **edPP, FilePos position, ModelRef *model);
-/* Writes the descriptor over the one at `position`; gives the new position, 0 on failure. */
+/* Writes the descriptor over the one at `position` of the active model; gives the position, which stays, 0 on failure.
+ * What follows ed in its chain is added. */
 MDL_EXPORT FilePos mdlElmdscr_rewrite(ElementDescr *ed, FilePos position);
-/* Adds every descriptor of the chain to its model; the position of the first, 0 on failure. */
+/* Adds every descriptor of the chain to its model, which is the active one; the position of the first, or 0 on failure,
+ * and none is added then. */
 MDL_EXPORT FilePos mdlElmdscr_add(ElementDescr *ed);
 MDL_EXPORT int mdlElmdscr_display(ElementDescr *ed, ModelRef *model, int32_t drawMode);
 
@@ -60,12 +62,15 @@ MDL_EXPORT int mdlElmdscr_operation(ElementDescr *ed, MdlDescrFunction f, void *
 MDL_EXPORT uint32_t mdlElement_read(MSElementBuffer *out, ModelRef *model, FilePos position);
 /* Adds an element to the active model; its position, 0 on failure. */
 MDL_EXPORT FilePos mdlElement_add(const MSElementBuffer *element);
+/* Writes the element over the one at `position`, whose components stay; the position, 0 on failure. */
 MDL_EXPORT FilePos mdlElement_rewrite(const MSElementBuffer *element, FilePos position);
+/* A host without a screen of its own shows nothing; MDL_ERROR for a damaged element or an unknown mode. */
 enum { MDL_DRAW = 0, MDL_ERASE = 1, MDL_HIGHLIGHT = 2 };
 MDL_EXPORT int mdlElement_display(const MSElementBuffer *element, int32_t drawMode);
-/* Deletes what lies at the position in the active model, components included, so that it can be brought back. */
+/* Deletes what lies at the position in the active model, components included, so that it can be brought back until the
+ * file is closed. `element` and `display` have no effect. */
 MDL_EXPORT int mdlElement_undoableDelete(const MSElementBuffer *element, FilePos position, int32_t display);
-/* Brings back the last deletion that hasn't been brought back; its position, 0 when there is none. */
+/* Brings back the last deletion that hasn't been brought back, at the position that it had; 0 when there is none. */
 MDL_EXPORT FilePos mdlUndo_lastDelete(void);
 
 /* ---- modify ---- */

@@ -12,8 +12,9 @@
  * there or it can't be made. */
 MDL_EXPORT int mdlSystem_createDesignFile(const char *name, int is3d);
 /* Closes the open design file (what it holds is stored first), opens this one and calls the new-design-file functions.
- * MDL_ERROR, with a line in the message centre and the file before still open, when it isn't there, isn't a design file
- * or is damaged. */
+ * MDL_ERROR, with a line in the message centre and the file before still open, when it isn't there, isn't a design file,
+ * is damaged, or another session has it open to write. A file that can't be written, or lies in a folder that can't, is
+ * opened read-only. Any number of sessions may read; they see what was stored when they opened it. */
 MDL_EXPORT int mdlSystem_newDesignFile(const char *name, int readOnly);
 /* Stores what was changed since the last time. MDL_ERROR, with a line in the message centre, when it can't be stored;
  * the file then holds what it held before. */

@@ -16,13 +16,15 @@ MDL_EXPORT int mdlScanCriteria_addSingleElementTypeTest(ScanCriteria *criteria, 
 MDL_EXPORT int mdlScanCriteria_addSingleLevelTest(ScanCriteria *criteria, LevelId level);
 /* Classes as a mask: bit number class. 0 is all. */
 MDL_EXPORT int mdlScanCriteria_setClassTest(ScanCriteria *criteria, uint32_t classMask);
-/* Elements whose range meets the box (UOR). */
+/* Elements whose range meets the box (UOR), edges included; those without a range aren't found. Null clears the test. */
 MDL_EXPORT int mdlScanCriteria_setRangeTest(ScanCriteria *criteria, const Range3d *range);
-/* What a scan gives: 1 positions, the only type so far. `oneElement` 1 stops at the first; `nested` 0. */
+/* What a scan gives: 1 positions, the only type so far. With `oneElement` 1 each call gives the next position alone, with
+ * MDL_SCAN_MORE, and none with 0 when there is no further one. `nested` has no effect. */
 MDL_EXPORT int mdlScanCriteria_setReturnType(ScanCriteria *criteria, int32_t type, int32_t oneElement, int32_t nested);
 /* Fills `buffer` with positions in order of the file. *sizeP: room in 16-bit words (2 for a position) on entry, words
- * filled on return. *startP (may be null): position to begin behind, 0 for the first; updated. MDL_SCAN_MORE when the
- * buffer is full and more follow, 0 when the scan is at its end, MDL_ERROR when it can't be done. */
+ * filled on return. *startP: position to begin behind, 0 for a new scan from the first; updated. With startP null each
+ * call goes on where the last one ended, and after the end anew. MDL_SCAN_MORE when the buffer is full and more follow,
+ * 0 when the scan is at its end, MDL_ERROR when it can't be done: the model was closed, or the buffer has no room. */
 MDL_EXPORT int mdlScanCriteria_scan(ScanCriteria *criteria, FilePos *buffer, int32_t *sizeP, FilePos *startP);
 
 #endif

@@ -51,7 +51,10 @@ std::string systemReason(int error) {
 class Description {
   public:
     void add(int64_t value) { bytes_.append(reinterpret_cast<const char*>(&value), sizeof value); }
-    void add(double value) { bytes_.append(reinterpret_cast<const char*>(&value), sizeof value); }
+    void add(double value) {
+        value += 0.0;  // the database doesn't keep the sign of -0
+        bytes_.append(reinterpret_cast<const char*>(&value), sizeof value);
+    }
     void add(std::string_view text) {
         add(static_cast<int64_t>(text.size()));
         bytes_.append(text);
@@ -307,7 +310,7 @@ void storeChunks(Database& database, ModelRef& model) {
         if (chunk.changed) row.execute(onlyModel, number, static_cast<int64_t>(digest(bytes)), bytes);
         ++number;
     }
-    Statement(database, "DELETE FROM chunk WHERE number>=?").execute(number);
+    Statement(database, "DELETE FROM chunk WHERE model=? AND number>=?").execute(onlyModel, number);
 }
 
 void writeEmpty(const std::string& path, bool is3d) {

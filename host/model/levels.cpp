@@ -2,10 +2,12 @@
 #include "host/mdl/level.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cwchar>
 
 #include "host/mdl/element.h"
 #include "host/model/model.h"
+#include "host/model/utf8.h"
 #include "host/session/guard.h"
 
 namespace host {
@@ -54,6 +56,10 @@ int32_t codeFor(const ModelRef& model, std::wstring_view name) {
 template <class Value>
 void takeIfGiven(Value& to, const Value* from) {
     if (from) to = *from;
+}
+
+bool isFinite(const LineStyleParams& params) {
+    return std::isfinite(params.scale) && std::isfinite(params.startWidth) && std::isfinite(params.endWidth);
 }
 
 // Changes a level of a model that can be written.
@@ -128,6 +134,7 @@ int mdlLevel_getCode(int32_t* codeP, ModelRef* model, LevelId id) {
 int mdlLevel_create(LevelId* idP, ModelRef* model, const wchar_t* name) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         if (name == nullptr || *name == L'\0' || std::wcslen(name) > longestName) return MDL_ERROR;
+        if (!isUnicode(name)) return MDL_ERROR;
         ModelRef* found = writableModel(model);
         if (found == nullptr || levelByName(found, name) != nullptr) return MDL_ERROR;
         found->levels.push_back({.id = found->nextLevel, .code = codeFor(*found, name), .name = name, .stored = false});
@@ -140,10 +147,12 @@ int mdlLevel_create(LevelId* idP, ModelRef* model, const wchar_t* name) {
 
 int mdlLevel_setElementSymbology(ModelRef* model, LevelId id, const uint32_t* color, const int32_t* style,
                                  const void* styleParams, const uint32_t* weight, const uint32_t* fillColor) {
+    const auto* params = static_cast<const LineStyleParams*>(styleParams);
+    if (params && !isFinite(*params)) return MDL_ERROR;
     return changeLevel(model, id, [&](Level& level) {
         takeIfGiven(level.byLevel.color, color);
         takeIfGiven(level.byLevel.style, style);
-        takeIfGiven(level.byLevel.styleParams, static_cast<const LineStyleParams*>(styleParams));
+        takeIfGiven(level.byLevel.styleParams, params);
         takeIfGiven(level.byLevel.weight, weight);
         takeIfGiven(level.byLevel.fillColor, fillColor);
     });

@@ -9,6 +9,7 @@
 #include "host/mdl/lists.h"
 #include "host/mdl/text.h"
 #include "host/model/model.h"
+#include "host/model/utf8.h"
 #include "host/session/guard.h"
 
 struct MdlTextStyle {
@@ -146,7 +147,7 @@ int mdlTextStyle_define(ModelRef* model, const wchar_t* name, const TextParams* 
     return guarded(int{MDL_ERROR}, [&]() -> int {
         const TextStyle style = {params ? *params : openParams, size ? *size : openSize};
         if (name == nullptr || *name == L'\0' || std::wcslen(name) > longestTextStyleName) return MDL_ERROR;
-        if (!isFinite(style.params, style.size)) return MDL_ERROR;
+        if (!isUnicode(name) || !isFinite(style.params, style.size)) return MDL_ERROR;
         ModelRef* found = writableModel(model);
         if (found == nullptr) return MDL_ERROR;
         found->textStyles[name] = style;

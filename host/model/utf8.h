@@ -11,4 +11,9 @@ std::string toUtf8(std::wstring_view wide);
 // Bytes that aren't UTF-8 become U+FFFD.
 std::wstring fromUtf8(std::string_view bytes);
 
+// Whether a text comes back from UTF-8 as it was.
+inline bool isUnicode(std::wstring_view wide) {
+    return fromUtf8(toUtf8(wide)) == wide;
+}
+
 }  // namespace host

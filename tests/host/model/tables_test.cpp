@@ -71,7 +71,9 @@ TEST_F(Levels, ByLevelValuesComeFromTheLevel) {
     const uint32_t color = 5, weight = 3;
     const int32_t style = 2;
     const LineStyleParams params = {LINE_STYLE_SCALE | LINE_STYLE_START_WIDTH, 2.5, 4, 4};
+    const LineStyleParams endless = {LINE_STYLE_SCALE, std::numeric_limits<double>::quiet_NaN(), 0, 0};
     EXPECT_EQ(mdlLevel_setElementSymbology(nullptr, level, &color, &style, &params, &weight, nullptr), MDL_SUCCESS);
+    EXPECT_EQ(mdlLevel_setElementSymbology(nullptr, level, nullptr, nullptr, &endless, nullptr, nullptr), MDL_ERROR);
     EXPECT_EQ(mdlLevelTable_rewrite(nullptr), MDL_SUCCESS);
     reopen();
     struct Case {
@@ -172,7 +174,7 @@ TEST_F(Styles, ListModelHoldsBuiltInAndNamedLineStyles) {
 }
 
 TEST_F(Styles, TextStyleComesBackFromTheFile) {
-    const TextParams params = {3, 6, -1, -1, TEXT_FLAG_SLANT, 0.25, 1.5};
+    const TextParams params = {3, 6, -1, -1, TEXT_FLAG_SLANT, -0.0, 1.5};
     const TextSize size = {1, 250, 300, 0.8};
     EXPECT_EQ(mdlTextStyle_define(nullptr, L"T\u00E6xt", &params, &size), MDL_SUCCESS);
     reopen();
@@ -187,6 +189,8 @@ TEST_F(Styles, TextStyleComesBackFromTheFile) {
     EXPECT_EQ(gotParams.lineSpacing, 1.5);
     EXPECT_EQ(gotSize.height, 300);
     EXPECT_EQ(mdlTextStyle_getByName(L"none", nullptr), nullptr);
+    const wchar_t halfACharacter[] = {L'a', static_cast<wchar_t>(0xD800), 0};
+    EXPECT_EQ(mdlTextStyle_define(nullptr, halfACharacter, &params, &size), MDL_ERROR);
 }
 
 TEST_F(Levels, IteratorVisitsTheActiveModelAlone) {
