@@ -18,6 +18,10 @@ namespace {
 // Bit numbers and pixels need more than 32 bits, their products more than 64.
 __extension__ using Wide = __int128;
 
+struct Pixel {
+    int64_t x, y;
+};
+
 // ---- the bitmap ----
 
 class Bitmap {
@@ -32,45 +36,60 @@ class Bitmap {
     int64_t bitCount() const { return byteCount * 8; }
     Wide bitOf(int64_t x, int64_t y) const { return Wide(width) * y + x; }
 
+    // Whether all pixels of the box lie in the bitmap, and the word from each of them on.
+    bool holds(Pixel low, Pixel high) const {
+        return width >= 0 && bitOf(low.x, low.y) >= 0 && bitOf(high.x, high.y) + wordBits <= bitCount();
+    }
+
     // Draws the bits from `first` to `last`, both included, as far as the bitmap has them.
     void run(int64_t first, int64_t last) {
         first = std::max<int64_t>(first, 0);
         last = std::min(last, bitCount() - 1);
         if (first > last) return;
-        const int64_t byte = first / 8, offset = first % 8, length = last - first + 1;
-        if (offset + length <= 64 && byte + 8 <= byteCount) {
-            const uint64_t mask = (~0ULL << (64 - length)) >> offset;
-            storeWord(byte, (word(byte) & ~mask) | (ink & mask));
+        if (first + wordBits <= bitCount()) {
+            runInside(first, last);
         } else {
-            runOfBytes(byte, offset, last);
+            runOfBytes(first, last);
         }
+    }
+    // The same where the bitmap is known to hold the bits and the word from the first one on.
+    void runInside(int64_t first, int64_t last) {
+        const int64_t offset = first & 7, length = last - first + 1;
+        if (offset + length > wordBits) return runOfBytes(first, last);
+        apply(first, (~uint64_t{0} << (wordBits - length)) >> offset);
+    }
+    // One bit, or with `more` 1 that and the next, known to be held.
+    void pairInside(int64_t first, int64_t more) {
+        apply(first, static_cast<uint16_t>((more ? 0xC000 : 0x8000) >> (first & 7)));
     }
 
     const int64_t width, height;
 
   private:
-    static uint64_t highestBitFirst(uint64_t value) {
-        return std::endian::native == std::endian::little ? __builtin_bswap64(value) : value;
+    static constexpr int64_t wordBits = 64;
+
+    // Draws the bits of a mask whose highest bit is that of the byte of `first`.
+    template <class Mask>
+    void apply(int64_t first, Mask mask) {
+        if constexpr (std::endian::native == std::endian::little) mask = swapBytes(mask);
+        unsigned char* const at = bytes + (first >> 3);
+        Mask value;
+        std::memcpy(&value, at, sizeof value);
+        value = static_cast<Mask>((value & ~mask) | (static_cast<Mask>(ink) & mask));
+        std::memcpy(at, &value, sizeof value);
     }
-    uint64_t word(int64_t byte) const {
-        uint64_t value;
-        std::memcpy(&value, bytes + byte, sizeof value);
-        return highestBitFirst(value);
-    }
-    void storeWord(int64_t byte, uint64_t value) {
-        value = highestBitFirst(value);
-        std::memcpy(bytes + byte, &value, sizeof value);
-    }
-    void apply(int64_t byte, unsigned mask) {
-        bytes[byte] = static_cast<unsigned char>((bytes[byte] & ~mask) | (ink & mask));
-    }
-    void runOfBytes(int64_t byte, int64_t offset, int64_t last) {
-        const int64_t lastByte = last / 8;
-        const unsigned head = 0xFFU >> offset, tail = 0xFFU << (7 - last % 8) & 0xFFU;
-        if (byte == lastByte) return apply(byte, head & tail);
-        apply(byte, head);
+    static uint8_t swapBytes(uint8_t value) { return value; }
+    static uint16_t swapBytes(uint16_t value) { return __builtin_bswap16(value); }
+    static uint64_t swapBytes(uint64_t value) { return __builtin_bswap64(value); }
+
+    void runOfBytes(int64_t first, int64_t last) {
+        const int64_t byte = first >> 3, lastByte = last >> 3;
+        const auto head = static_cast<uint8_t>(0xFF >> (first & 7)),
+                   tail = static_cast<uint8_t>(0xFF << (7 - (last & 7)));
+        if (byte == lastByte) return apply(first, static_cast<uint8_t>(head & tail));
+        apply(first, head);
         std::memset(bytes + byte + 1, static_cast<int>(ink & 0xFF), static_cast<size_t>(lastByte - byte - 1));
-        apply(lastByte, tail);
+        apply(last, tail);
     }
 
     unsigned char* const bytes;
@@ -79,10 +98,6 @@ class Bitmap {
 };
 
 // ---- points ----
-
-struct Pixel {
-    int64_t x, y;
-};
 
 // The caller's points as pixels of a bitmap: y downwards from the top row.
 class Outline {
@@ -140,45 +155,66 @@ Rows rowsOnBitmap(const Bitmap& bitmap, Pixel start, Wide step, int64_t dy, int6
     return rowsWithin(bitmap.bitOf(start.x, start.y) * dy, step, last, -margin, Wide(bitmap.bitCount()) * dy + margin);
 }
 
-// Downwards from `start`, dy at least dx: in each row to `lastRow` the pixel that the line comes from and, where it
-// steps sideways, the one beside it. Bresenham's decision value.
-void drawSteep(Bitmap& bitmap, Pixel start, int64_t dx, int64_t dy, int sideways, int64_t lastRow) {
-    const Rows rows = rowsOnBitmap(bitmap, start, Wide(bitmap.width) * dy + sideways * dx, dy, lastRow, Wide(2) * dy);
+// Downwards from `start`, dy at least dx: in each row the pixel that the line comes from and, where it steps sideways,
+// the one beside it: draw(first bit, 1 with the other one). Bresenham's decision value.
+template <class Draw>
+void walkSteep(const Bitmap& bitmap, Pixel start, int64_t dx, int64_t dy, int sideways, Rows rows, Draw draw) {
     if (rows.first > rows.last) return;
     const Wide reached = rows.first == 0 ? 0 : (Wide(2) * dx * (rows.first - 1) + dy) / (Wide(2) * dy);
     auto decision = static_cast<int64_t>(Wide(2) * dx * rows.first - dy - Wide(2) * dy * reached);
     auto bit = static_cast<int64_t>(bitmap.bitOf(start.x, start.y + rows.first) + sideways * reached);
-    const int64_t toTheLeft = sideways < 0 ? 1 : 0;
+    const int64_t width = bitmap.width, toTheLeft = sideways < 0 ? 1 : 0;
     for (int64_t row = rows.first; row <= rows.last; ++row) {
         const int64_t stepped = decision >= 0;
-        const int64_t first = bit - (stepped & toTheLeft);
-        bitmap.run(first, first + stepped);
-        bit += bitmap.width + (stepped ? sideways : 0);
-        decision += 2 * dx - (stepped ? 2 * dy : 0);
+        draw(bit - (stepped & toTheLeft), stepped);
+        bit += width + (-stepped & sideways);
+        decision += 2 * dx - (-stepped & 2 * dy);
     }
 }
 
-// To the right from `start`, dx above dy: row by row the pixels up to the step to the next row and the one behind it.
-// The step to row j comes at the pixel dx * (2 * j - 1) / (2 * dy), rounded up.
-void drawFlat(Bitmap& bitmap, Pixel start, int64_t dx, int64_t dy, int upOrDown) {
-    const Rows rows = rowsOnBitmap(bitmap, start, Wide(upOrDown) * bitmap.width * dy + dx, dy, dy, dx + Wide(3) * dy);
+void drawSteep(Bitmap& bitmap, Pixel start, int64_t dx, int64_t dy, int sideways, int64_t lastRow) {
+    const int64_t left = sideways < 0 ? start.x - dx : start.x;
+    if (bitmap.holds({left, start.y}, {left + dx, start.y + dy})) {
+        walkSteep(bitmap, start, dx, dy, sideways, {0, lastRow},
+                  [&](int64_t first, int64_t more) { bitmap.pairInside(first, more); });
+    } else {
+        const Wide step = Wide(bitmap.width) * dy + sideways * dx;
+        walkSteep(bitmap, start, dx, dy, sideways, rowsOnBitmap(bitmap, start, step, dy, lastRow, Wide(2) * dy),
+                  [&](int64_t first, int64_t more) { bitmap.run(first, first + more); });
+    }
+}
+
+// To the right from `start`, dx above dy: row by row the pixels up to the step to the next row and the one behind it,
+// as draw(first bit, last bit). The step to row j comes at the pixel dx * (2 * j - 1) / (2 * dy), rounded up.
+template <class Draw>
+void walkFlat(const Bitmap& bitmap, Pixel start, int64_t dx, int64_t dy, int upOrDown, Rows rows, Draw draw) {
     if (rows.first > rows.last) return;
     const auto stepTo = [&](int64_t row) { return -floorDivide(-Wide(dx) * (2 * row - 1), Wide(2) * dy); };
     auto from = static_cast<int64_t>(rows.first == 0 ? 0 : stepTo(rows.first));
     auto to = static_cast<int64_t>(stepTo(rows.first + 1));
     auto roundedBy = static_cast<int64_t>(Wide(2) * dy * to - Wide(dx) * (2 * rows.first + 1));
     auto bit = static_cast<int64_t>(bitmap.bitOf(start.x, start.y + upOrDown * rows.first));
-    const int64_t length = dx / dy, remainder = 2 * (dx % dy);
+    const int64_t nextRow = upOrDown * bitmap.width, length = dx / dy, remainder = 2 * (dx % dy);
     for (int64_t row = rows.first; row <= rows.last; ++row) {
-        bitmap.run(bit + from, bit + std::min(to, dx));
-        bit += upOrDown * bitmap.width;
+        draw(bit + from, bit + std::min(to, dx));
+        bit += nextRow;
         from = to;
-        to += length;
         roundedBy -= remainder;
-        if (roundedBy < 0) {
-            ++to;
-            roundedBy += 2 * dy;
-        }
+        const int64_t over = roundedBy < 0;
+        to += length + over;
+        roundedBy += -over & 2 * dy;
+    }
+}
+
+void drawFlat(Bitmap& bitmap, Pixel start, int64_t dx, int64_t dy, int upOrDown) {
+    const int64_t top = upOrDown < 0 ? start.y - dy : start.y;
+    if (bitmap.holds({start.x, top}, {start.x + dx, top + dy})) {
+        walkFlat(bitmap, start, dx, dy, upOrDown, {0, dy},
+                 [&](int64_t first, int64_t last) { bitmap.runInside(first, last); });
+    } else {
+        const Wide step = Wide(upOrDown) * bitmap.width * dy + dx;
+        walkFlat(bitmap, start, dx, dy, upOrDown, rowsOnBitmap(bitmap, start, step, dy, dy, dx + Wide(3) * dy),
+                 [&](int64_t first, int64_t last) { bitmap.run(first, last); });
     }
 }
 

@@ -20,19 +20,14 @@ namespace {
 // ---- characters and names ----
 
 enum class Token : uint8_t { plus, minus, times, divide, power, open, close, number, function, end, bad };
-enum class CharKind : uint8_t { other, space, digit, letter };
 
-constexpr auto charKinds = [] {
-    std::array<CharKind, 256> kinds{};
-    kinds[' '] = CharKind::space;
-    for (int c = '0'; c <= '9'; ++c) kinds[c] = CharKind::digit;
-    for (int c = 'A'; c <= 'Z'; ++c) kinds[c] = kinds[c + 'a' - 'A'] = CharKind::letter;
-    return kinds;
-}();
-
-constexpr auto singleTokens = [] {
+// The token that begins with a character: number with a digit or a point, function with a letter, whatever the word is.
+constexpr auto tokenStarts = [] {
     std::array<Token, 256> tokens;
     tokens.fill(Token::bad);
+    for (int c = '0'; c <= '9'; ++c) tokens[c] = Token::number;
+    for (int c = 'A'; c <= 'Z'; ++c) tokens[c] = tokens[c + 'a' - 'A'] = Token::function;
+    tokens['.'] = Token::number;
     tokens['+'] = Token::plus;
     tokens['-'] = Token::minus;
     tokens['*'] = Token::times;
@@ -44,17 +39,24 @@ constexpr auto singleTokens = [] {
     return tokens;
 }();
 
-constexpr CharKind kindOf(char c) {
-    return charKinds[static_cast<uint8_t>(c)];
-}
-constexpr bool isDigit(char c) {
-    return kindOf(c) == CharKind::digit;
-}
-constexpr bool isNameChar(char c) {
-    return kindOf(c) >= CharKind::digit;
-}
 constexpr char upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+constexpr bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// What a letter or digit is in a name, upper case; 0 for all other characters.
+constexpr auto nameCharacters = [] {
+    std::array<char, 256> characters{};
+    for (int c = 0; c < 128; ++c) {
+        const char raised = upper(static_cast<char>(c));
+        if (isDigit(raised) || (raised >= 'A' && raised <= 'Z')) characters[c] = raised;
+    }
+    return characters;
+}();
+constexpr char nameCharacter(char c) {
+    return nameCharacters[static_cast<uint8_t>(c)];
 }
 
 // A name as a number, so that names compare at once: its characters in base 256. 0 is no name.
@@ -101,43 +103,67 @@ double xCorrection(double x) {
     return 20.0;
 }
 
-constexpr auto functions = [] {
-    // clang-format off
-    auto rows = std::to_array<Function>({
-        {"ABS",   fabs},
-        {"ACOS",  acos, Domain::unit},
-        {"ASIN",  asin, Domain::unit},
-        {"ATAN",  atan},
-        {"COS",   cos},
-        {"COSH",  cosh},
-        {"EXP",   exp},
-        {"LOG",   log},
-        {"LOG10", log10},
-        {"POW10", tenthPower},
-        {"ROUND", halvesAwayFromZero},
-        {"SIN",   sin},
-        {"SINH",  sinh},
-        {"SQR",   square},
-        {"SQRT",  sqrt, Domain::notNegative},
-        {"TAN",   tan},
-        {"TANH",  tanh},
-        {"TRUNC", wholeNumber},
-        {"XCORR", xCorrection},
-    });
-    // clang-format on
-    std::ranges::sort(rows, {}, [](const Function& f) { return keyOf(f.name); });
-    return rows;
+// clang-format off
+constexpr auto functions = std::to_array<Function>({
+    {"ABS",   fabs},
+    {"ACOS",  acos, Domain::unit},
+    {"ASIN",  asin, Domain::unit},
+    {"ATAN",  atan},
+    {"COS",   cos},
+    {"COSH",  cosh},
+    {"EXP",   exp},
+    {"LOG",   log},
+    {"LOG10", log10},
+    {"POW10", tenthPower},
+    {"ROUND", halvesAwayFromZero},
+    {"SIN",   sin},
+    {"SINH",  sinh},
+    {"SQR",   square},
+    {"SQRT",  sqrt, Domain::notNegative},
+    {"TAN",   tan},
+    {"TANH",  tanh},
+    {"TRUNC", wholeNumber},
+    {"XCORR", xCorrection},
+});
+// clang-format on
+
+// A table in which each name has a slot of its own: a name is found with one look.
+constexpr unsigned slotBits = 6;
+constexpr size_t slotOf(uint64_t key, uint64_t multiplier) {
+    return key * multiplier >> (64 - slotBits);
+}
+
+constexpr bool separatesAll(uint64_t multiplier) {
+    uint64_t taken = 0;
+    for (const Function& f : functions) {
+        const uint64_t slot = uint64_t{1} << slotOf(keyOf(f.name), multiplier);
+        if (taken & slot) return false;
+        taken |= slot;
+    }
+    return true;
+}
+static_assert((uint64_t{1} << slotBits) <= 64);
+
+constexpr uint64_t slotMultiplier = [] {
+    uint64_t multiplier = 0x9E3779B97F4A7C15;
+    while (!separatesAll(multiplier)) multiplier += 0x5851F42D4C957F2E;
+    return multiplier;
 }();
 
-constexpr auto functionKeys = [] {
-    std::array<uint64_t, functions.size()> keys{};
-    std::ranges::transform(functions, keys.begin(), [](const Function& f) { return keyOf(f.name); });
-    return keys;
+struct Slot {
+    uint64_t key = 0;
+    const Function* function = nullptr;
+};
+
+constexpr auto slots = [] {
+    std::array<Slot, size_t{1} << slotBits> all{};
+    for (const Function& f : functions) all[slotOf(keyOf(f.name), slotMultiplier)] = {keyOf(f.name), &f};
+    return all;
 }();
 
 const Function* findFunction(uint64_t key) {
-    const auto found = std::ranges::lower_bound(functionKeys, key);
-    return found != functionKeys.end() && *found == key ? &functions[found - functionKeys.begin()] : nullptr;
+    const Slot& slot = slots[slotOf(key, slotMultiplier)];
+    return slot.key == key ? slot.function : nullptr;
 }
 
 bool inDomain(Domain domain, double x) {
@@ -218,14 +244,13 @@ struct Scanner {
 
 void Scanner::next() {
     while (*at == ' ') ++at;
-    const CharKind kind = kindOf(*at);
-    if (kind == CharKind::digit || *at == '.') {
+    token = tokenStarts[static_cast<uint8_t>(*at)];
+    if (token == Token::number) {
         token = number();
-    } else if (kind == CharKind::letter) {
+    } else if (token == Token::function) {
         token = word();
-    } else {
-        token = singleTokens[static_cast<uint8_t>(*at)];
-        if (token != Token::end) ++at;
+    } else if (token != Token::end) {
+        ++at;
     }
 }
 
@@ -267,7 +292,10 @@ int Scanner::exponent() {
 Token Scanner::word() {
     const char* const start = at;
     uint64_t key = 0;
-    for (; isNameChar(*at); ++at) key = addToKey(key, upper(*at));
+    while (const char c = nameCharacter(*at)) {
+        key = addToKey(key, c);
+        ++at;
+    }
     if (at - start <= static_cast<ptrdiff_t>(longestKey)) {
         if ((function = findFunction(key))) return Token::function;
         if (key == keyOf("PI")) {
@@ -285,7 +313,20 @@ Token Scanner::word() {
 
 // ---- parser ----
 
-enum class Symbol : uint8_t { start, open, function, sum, difference, product, quotient, power, negation, operand };
+// What may stand on the stack: the start, what waits for an operand, and behind one an operator or the bracket's end.
+enum class Symbol : uint8_t {
+    start,
+    open,
+    function,
+    sum,
+    difference,
+    product,
+    quotient,
+    power,
+    negation,
+    operand,
+    close
+};
 
 struct ParseEntry {
     Symbol symbol;
@@ -293,9 +334,8 @@ struct ParseEntry {
     double value;              // of an operand
 };
 
-// What stands between two operands: its symbol, how tightly it holds the operand on its left, and (as a token) up to
-// which strength it lets that operand be taken by the symbol before it. All other tokens take no operand: everything up
-// to the last bracket is worked out in front of them.
+// How tightly a symbol holds the operand behind it, and up to which strength a token lets the operand in front of it be
+// taken. A token that is no operator takes no operand: everything up to the last bracket is worked out in front of it.
 constexpr auto symbolStrength = std::to_array<uint8_t>({/* start, open, function */ 0, 0, 0, /* sum, difference */ 1, 1,
                                                         /* product, quotient */ 2, 2, /* power */ 3, /* negation */ 5});
 constexpr auto tokenStrength = std::to_array<uint8_t>({/* plus, minus */ 1, 1, /* times, divide */ 2, 2,
@@ -319,65 +359,85 @@ FormulaState state;
 class Parser {
   public:
     Parser(const char* formula, const Parameters& parameters) : scanner{formula, parameters} {
-        *top = {Symbol::start, nullptr, 0.0};
+        top->symbol = Symbol::start;
     }
     // The value, or null.
     double* run();
 
   private:
-    bool readOperand();
-    bool reduce();
-    bool applyOperator(Symbol symbol);
-    bool closeBracket();
+    // Each takes the token; false when it can't stand here or nothing may follow.
+    bool takeBeforeOperand();
+    bool takeBehindOperand();
+
     bool push(Symbol symbol);
+    bool reduceBracket();
+    bool reduceOperators();
+    bool applyOperator(Symbol symbol);
 
     Scanner scanner;
     ParseEntry* top = state.stack.data();
+    bool accepted = false;
 };
 
 double* Parser::run() {
-    scanner.next();
-    while (readOperand()) {
-        if (!reduce()) return nullptr;
-        while (scanner.token == Token::close) {
-            if (!closeBracket() || !reduce()) return nullptr;
-        }
-        if (!isOperator(scanner.token))
-            return scanner.token == Token::end && top == &state.stack[1] ? &top->value : nullptr;
-        if (!push(symbolOf(scanner.token))) return nullptr;
-    }
-    return nullptr;
+    bool goesOn;
+    do {
+        scanner.next();
+        goesOn = top->symbol < Symbol::operand ? takeBeforeOperand() : takeBehindOperand();
+    } while (goesOn);
+    return accepted ? &top->value : nullptr;
 }
 
-// Takes the token as `symbol` and reads the next one.
 bool Parser::push(Symbol symbol) {
     if (top == &state.stack.back()) return false;
-    *++top = {symbol, scanner.function, scanner.value};
-    scanner.next();
+    (++top)->symbol = symbol;
     return true;
 }
 
-// Reads up to a number: signs, functions and brackets stay open in front of it.
-bool Parser::readOperand() {
-    for (;;) {
-        switch (scanner.token) {
-            case Token::number: return push(Symbol::operand);
-            case Token::minus:
-                if (top->symbol == Symbol::negation || !push(Symbol::negation)) return false;
-                break;
-            case Token::function:
-                if (!push(Symbol::function) || scanner.token != Token::open) return false;
-                break;
-            case Token::open:
-                if (!push(Symbol::open)) return false;
-                break;
-            default: return false;
-        }
+// A function's name takes its bracket alone, and a minus no other minus.
+bool Parser::takeBeforeOperand() {
+    const bool behindFunction = top->symbol == Symbol::function;
+    if (scanner.token == Token::open) return push(Symbol::open);
+    if (behindFunction) return false;
+    switch (scanner.token) {
+        case Token::number:
+            if (!push(Symbol::operand)) return false;
+            top->value = scanner.value;
+            return true;
+        case Token::function:
+            if (!push(Symbol::function)) return false;
+            top->function = scanner.function;
+            return true;
+        case Token::minus: return top->symbol != Symbol::negation && push(Symbol::negation);
+        default: return false;
     }
 }
 
-// Works out all in front of the operand on top that holds it tighter than the next token does.
-bool Parser::reduce() {
+bool Parser::takeBehindOperand() {
+    if (top->symbol == Symbol::close && !reduceBracket()) return false;
+    if (!reduceOperators()) return false;
+    if (isOperator(scanner.token)) return push(symbolOf(scanner.token));
+    if (scanner.token == Token::close) return top[-1].symbol == Symbol::open && push(Symbol::close);
+    accepted = scanner.token == Token::end && top[-1].symbol == Symbol::start;
+    return false;
+}
+
+// The operand in the bracket on top takes the place of the bracket, and of the function in front of it.
+bool Parser::reduceBracket() {
+    double value = top[-1].value;
+    top -= 2;
+    if (top[-1].symbol == Symbol::function) {
+        const Function& function = *(--top)->function;
+        if (!inDomain(function.domain, value)) return false;
+        value = function.value(value);
+    }
+    top->symbol = Symbol::operand;
+    top->value = value;
+    return true;
+}
+
+// Works out all in front of the operand on top that holds it tighter than the token does.
+bool Parser::reduceOperators() {
     const uint8_t strength = tokenStrength[static_cast<int>(scanner.token)];
     for (Symbol symbol = top[-1].symbol; symbolStrength[static_cast<int>(symbol)] >= strength;
          symbol = top[-1].symbol) {
@@ -389,10 +449,13 @@ bool Parser::reduce() {
 bool Parser::applyOperator(Symbol symbol) {
     const double right = top->value;
     if (symbol == Symbol::negation) {
-        *--top = {Symbol::operand, nullptr, -right};
+        --top;
+        top->symbol = Symbol::operand;
+        top->value = -right;
         return true;
     }
-    double& left = (top -= 2)->value;
+    top -= 2;
+    double& left = top->value;
     switch (symbol) {
         case Symbol::sum: left += right; break;
         case Symbol::difference: left -= right; break;
@@ -400,21 +463,6 @@ bool Parser::applyOperator(Symbol symbol) {
         case Symbol::quotient: left /= right; return right != 0.0;
         default: left = pow(left, right);
     }
-    return true;
-}
-
-// Takes the closing bracket: the operand within takes the place of its bracket, and of the function in front.
-bool Parser::closeBracket() {
-    if (top[-1].symbol != Symbol::open) return false;
-    scanner.next();
-    double value = top->value;
-    --top;
-    if (top[-1].symbol == Symbol::function) {
-        const Function& function = *(--top)->function;
-        if (!inDomain(function.domain, value)) return false;
-        value = function.value(value);
-    }
-    *top = {Symbol::operand, nullptr, value};
     return true;
 }
 

@@ -10,7 +10,8 @@
 #include "frame/export.h"
 
 /* Parameters of a call, characters of a formula, bytes of a parameter's slot (5 characters and NUL), characters of one
- * number, and what may be open at a time: each bracket, function, operator and operand counts one. */
+ * number, and symbols that may be open at a time: each bracket, function, operator and operand counts one, so that 47
+ * brackets may stand within each other. */
 enum {
     MCLIB_FORMULA_PARAMETERS = 50,
     MCLIB_FORMULA_LENGTH = 512,

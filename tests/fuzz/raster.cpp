@@ -21,7 +21,7 @@ Scene sceneOf(Bytes input) {
     scene.filled = flags & 1;
     scene.near = flags & 0xF2;  // most are: far ones take their time
     scene.mode = flags >> 2 & 1;
-    for (int& n : scene.size) n = input.take<uint8_t>();
+    for (int& n : scene.size) n = input.take<int16_t>();
     scene.bytes.assign(std::min<size_t>(input.take<uint16_t>(), 9000), flags & 8 ? 0xFF : 0);
     const auto coordinate = [&] { return scene.near ? input.take<int16_t>() / 32 : input.take<int32_t>(); };
     for (int& n : scene.origin) n = coordinate();

@@ -160,8 +160,9 @@ Scene randomScene(std::mt19937& random, int reach, size_t mostPoints) {
     const auto upTo = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
     Scene scene{{upTo(70), upTo(40)}, {upTo(9) - 4, upTo(9) - 4}, {}, {}};
     scene.bytes.resize(static_cast<size_t>(upTo(scene.size[0] * scene.size[1] / 8 + 12)), upTo(2) ? 0x5A : 0);
+    if (upTo(20) == 0) scene.size[0] = -scene.size[0];
     for (auto n = 2 + random() % mostPoints; n > 0; --n) {
-        scene.points.push_back(upTo(scene.size[0] + 2 * reach + 1) - reach);
+        scene.points.push_back(upTo(std::abs(scene.size[0]) + 2 * reach + 1) - reach);
         scene.points.push_back(upTo(scene.size[1] + 2 * reach + 1) - reach);
     }
     return scene;

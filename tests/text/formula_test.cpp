@@ -231,10 +231,10 @@ TEST(Formula, LimitsRefuseWithoutTouchingTheArrays) {
     expectRefused("1." + std::string(78, '0'));
     EXPECT_EQ(evaluate("0." + std::string(73, '0') + "1E74").value, 1);
 
-    EXPECT_EQ(evaluate(repeated(48, "(") + "1" + repeated(48, ")")).value, 1);
-    expectRefused(repeated(49, "(") + "1" + repeated(49, ")"));
-    EXPECT_TRUE(evaluate(repeated(24, "SIN(") + "1" + repeated(24, ")")).good);
-    expectRefused(repeated(25, "SIN(") + "1" + repeated(25, ")"));
+    EXPECT_EQ(evaluate(repeated(47, "(") + "1" + repeated(47, ")")).value, 1);
+    expectRefused(repeated(48, "(") + "1" + repeated(48, ")"));
+    EXPECT_TRUE(evaluate(repeated(23, "SIN(") + "1" + repeated(23, ")")).good);
+    expectRefused(repeated(24, "SIN(") + "1" + repeated(24, ")"));
     EXPECT_EQ(evaluate("1" + repeated(200, "+1")).value, 201) << "only what is open takes room";
 }
 
