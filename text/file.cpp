@@ -99,7 +99,8 @@ bool openInclude(McFile& parent, const char* name, bool mustExist) {
     if (!f) {
         if (!mustExist) return false;
         cannotOpenFile(*path ? path : name);
-        ++topOfChain(&parent)->lostIncludes;
+        McFile* top = topOfChain(&parent);
+        if (top->lostInclude == 0) top->lostInclude = top->lineNumber;
         return false;
     }
     f->isInclude = 1;
@@ -313,7 +314,7 @@ int mclibFile_close(McFile* f) {
 void mclibFile_rewind(McFile* f) {
     if (f->child) mclibFile_close(f->child);
     mdlTextFile_rewind(f->stream);
-    f->lineNumber = f->lostIncludes = 0;
+    f->lineNumber = f->lostInclude = 0;
 }
 
 char* mclibFile_fgets(char*, int, McFile* f) {

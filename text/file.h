@@ -22,7 +22,7 @@ typedef struct McFile {
     struct McFile *child;  /* the include that is being read, or null */
     struct McFile *parent; /* the file with the include line, or null */
     int32_t lineNumber;    /* physical lines begun in this file itself */
-    int32_t lostIncludes;  /* top file: include lines, here and below, whose file couldn't be opened */
+    int32_t lostInclude;   /* top file: its line at which an include, there or below, couldn't be opened first; or 0 */
 } McFile;
 
 /* Opens a file with the default characters and buffer. mode is exactly "w", "a" or "r". Null, with a message, for

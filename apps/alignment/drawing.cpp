@@ -22,9 +22,9 @@ enum Just { leftTop = 0, leftCentre = 1, leftBase = 2, centreCentre = 7, centreB
 constexpr double tickStep = 20, textStep = 100;                                                   // metres of station
 constexpr double tickLength = 1.2, longTickLength = 2.5, stationTextAt = 5.0;                     // millimetres
 constexpr double boundaryFrom = -2.0, boundaryTo = 7.0, boundaryTextAt = 8.0, boundaryDot = 0.9;  // from the axis
-constexpr double labelAt = 4.5, labelSpacing = 3.2;
+constexpr double labelAt = 4.5, labelSpacing = 3.2, labelClear = 0.5, outerLabelAt = 18.5;
 constexpr double northSize = 22;      // of the square that the north arrow takes
-constexpr double gridOverRoad = 16;   // a grid cross keeps that far from the road
+constexpr double clearOfRoad = 16;    // grid crosses and scale bar keep that far from the road
 constexpr double leastGridStep = 50;  // millimetres between grid crosses
 
 template <class... Values>
@@ -62,6 +62,7 @@ class Drawing {
     void titleStrip();
     void cell(double x1, double x2, const char* caption, const std::string& value);
     void northArrow();
+    void scaleBar();
     void grid();
     void gridCross(double x, double y);
     bool element(const Element& e);
@@ -167,17 +168,24 @@ bool Drawing::element(const Element& e) {
     }
 }
 
-// Radius or A, and the length, in two lines on the right of the element's middle.
+// Radius or A, and the length, in two lines on the right of the element's middle. An element that is shorter on paper
+// than its label has one line, beyond the stations of its ends.
 void Drawing::label(const Element& e) {
     const Place middle = placeOn(e, e.length / 2);
-    const std::array<std::string, 3> first = {"", formatted("R = %g", std::abs(e.r1)), formatted("A = %g", e.a)};
+    const std::array<std::string, 3> kinds = {"", formatted("R = %g", std::abs(e.r1)), formatted("A = %g", e.a)};
+    const std::string& kind = kinds[e.kind() - GEO_LINE];
     const std::string length = formatted("L = %.2f", e.length);
-    const std::string& kind = first[e.kind() - GEO_LINE];
+    double width = 0;
+    mclibUtil_extractTextSize(length.c_str(), 1 / sheet_.scale, attributeOf(Role::label), 0, &width, nullptr, nullptr,
+                              nullptr);
+    const auto write = [&](const std::string& words, double right) {
+        readableText(Role::label, beside(middle, 0, -right), words, middle.bearing, centreCentre);
+    };
+    if (width + 2 * sheet_.metres(labelClear) > e.length) return write(kind.empty() ? length : kind, outerLabelAt);
+    if (kind.empty()) return write(length, labelAt);
     const bool turned = mclibUtil_angleIn2Or3Quadrant(middle.bearing - sheet_.angle) != 0;
-    const double near = -labelAt, far = kind.empty() ? near : near - labelSpacing;
-    readableText(Role::label, beside(middle, 0, turned ? near : far), length, middle.bearing, centreCentre);
-    if (!kind.empty())
-        readableText(Role::label, beside(middle, 0, turned ? far : near), kind, middle.bearing, centreCentre);
+    write(kind, turned ? labelAt + labelSpacing : labelAt);
+    write(length, turned ? labelAt : labelAt + labelSpacing);
 }
 
 // A line across the road where two elements meet, with a dot on the axis and the station at its end.
@@ -272,7 +280,7 @@ void Drawing::gridCross(double x, double y) {
     const Point3d p = sheet_.onSheet(x, y);
     const double edge = 14;
     if (p.x < edge || p.x > sheet_.width() - edge || p.y < stripHeight + edge || p.y > sheet_.height() - edge) return;
-    if (distanceToRoad(p.x, p.y) < gridOverRoad || std::hypot(p.x - north_[0], p.y - north_[1]) < northSize) return;
+    if (distanceToRoad(p.x, p.y) < clearOfRoad || std::hypot(p.x - north_[0], p.y - north_[1]) < northSize) return;
     const double a = sheet_.metres(arm), gap = sheet_.metres(textGap);
     line(Role::grid, {x - a, y, 0}, {x + a, y, 0});
     line(Role::grid, {x, y - a, 0}, {x, y + a, 0});
@@ -280,13 +288,35 @@ void Drawing::gridCross(double x, double y) {
     text(Role::text, {x - gap, y + gap, 0}, formatted("x %.0f", x), M_PI / 2, leftBase);
 }
 
+// The length on the ground, 1, 2 or 5 times a power of ten, that is at least so long on paper.
+double roundLength(const Sheet& sheet, double millimetres) {
+    double step = 1;
+    for (int i = 0; step < sheet.metres(millimetres); ++i) step *= i % 3 == 1 ? 2.5 : 2;
+    return step;
+}
+
+// Four fields, black and white in turn, in the lower left corner; left out where the road comes near.
+void Drawing::scaleBar() {
+    constexpr double left = 8, bottom = stripHeight + 8, thickness = 1.4;
+    constexpr int fields = 4;
+    const double field = roundLength(sheet_, 10);
+    const double step = field * 1000 / sheet_.scale;
+    if (distanceToRoad(left + step * fields / 2, bottom) < step * fields / 2 + clearOfRoad) return;
+    for (int i = 0; i < fields; ++i) {
+        const double x = left + i * step;
+        const Point3d corners[4] = {sheet_.ground(x, bottom), sheet_.ground(x + step, bottom),
+                                    sheet_.ground(x + step, bottom + thickness), sheet_.ground(x, bottom + thickness)};
+        mclibElement_createShape(corners, 4, i % 2 == 0, attributeOf(Role::grid), page_.get());
+    }
+    for (const int i : {0, 1, 2, fields}) {
+        const char* unit = i == fields ? " m" : "";
+        sheetText(Role::text, left + i * step, bottom + thickness + 1, formatted("%g%s", i * field, unit), centreBase);
+    }
+}
+
 // Crosses at round coordinates, each with its own.
 void Drawing::grid() {
-    double step = 1;
-    for (const double factor : {2.0, 2.5, 2.0, 2.0, 2.5, 2.0, 2.0, 2.5, 2.0, 2.0, 2.5, 2.0}) {
-        if (step >= sheet_.metres(leastGridStep)) break;
-        step *= factor;
-    }
+    const double step = roundLength(sheet_, leastGridStep);
     const double reach = sheet_.metres(std::hypot(sheet_.width(), sheet_.height()) / 2);
     for (double x = std::ceil((sheet_.centre.x - reach) / step) * step; x < sheet_.centre.x + reach; x += step) {
         for (double y = std::ceil((sheet_.centre.y - reach) / step) * step; y < sheet_.centre.y + reach; y += step) {
@@ -305,6 +335,7 @@ bool Drawing::draw() {
     if (!frame()) return false;
     titleStrip();
     northArrow();
+    scaleBar();
     grid();
     stations();
     for (const Element& e : road_.elements) {

@@ -84,6 +84,8 @@ class Reader {
         return failHere(what);
     }
 
+    bool failAtInclude() const;  // the library has told which file is missing
+
     McFii fii_{};
     bool open_ = false;
     Road road_;
@@ -111,6 +113,11 @@ bool Reader::failHere(const std::string& what) {
     const auto column = fii_.position - fii_.line + 1;
     return fail(std::string(file->name) + ", line " + std::to_string(file->lineNumber) + ", column " +
                 std::to_string(column) + ": " + what + "\n" + lines);
+}
+
+bool Reader::failAtInclude() const {
+    return fail(std::string(fii_.file->name) + ", line " + std::to_string(fii_.file->lostInclude) +
+                ": the file that %include names can't be opened; put it beside this one, or give its path");
 }
 
 // ---- tokens ----
@@ -280,12 +287,12 @@ bool Reader::read(const std::string& fileName) {
     }
     open_ = true;
     while (mclibFii_readNewLine(&fii_) == MCLIB_SUCCESS) {
-        if (fii_.file->lostIncludes > 0) return failHere("a file that %include names above can't be opened");
+        if (fii_.file->lostInclude > 0) return failAtInclude();
         narrow(fii_.line);
         if (!line()) return false;
     }
     if (mclibFii_eof(&fii_) == 0) return failHere("the line can't be read; it has 2047 characters at most");
-    if (fii_.file->lostIncludes > 0) return failHere("a file that %include names can't be opened");
+    if (fii_.file->lostInclude > 0) return failAtInclude();
     return !road_.elements.empty() || failHere("the file ends without an ELEMENT");
 }
 

@@ -13,6 +13,12 @@
 #include <string>
 #include <vector>
 
+#include "host/mdl/elmdscr.h"
+#include "host/mdl/model.h"
+#include "host/mdl/scan.h"
+#include "host/mdl/system.h"
+#include "host/session/session.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -92,6 +98,49 @@ TEST_F(Alignment, MakesADesignFileAPrintFileAndAPictureOfTheExample) {
     EXPECT_EQ(files(), (std::vector<std::string>{"road.mcd", "road.png", "road.ps"}));
     EXPECT_EQ(read("road.png").substr(0, 8), "\x89PNG\r\n\x1a\n");
     EXPECT_EQ(shell("'" + mchost + "' --open road.mcd alignment " + examples + "granlia.txt --list").status, 0);
+}
+
+// Elements of a type in the open design file.
+std::vector<ElementDescr*> elementsOf(int type) {
+    std::vector<FilePos> positions(10000);
+    int32_t words = static_cast<int32_t>(positions.size()) * 2;
+    ScanCriteria* scan = mdlScanCriteria_create();
+    mdlScanCriteria_addSingleElementTypeTest(scan, type);
+    mdlScanCriteria_setReturnType(scan, 1, 0, 0);
+    mdlScanCriteria_scan(scan, positions.data(), &words, nullptr);
+    mdlScanCriteria_free(&scan);
+    std::vector<ElementDescr*> found(words / 2, nullptr);
+    for (size_t i = 0; i < found.size(); ++i) mdlElmdscr_read(&found[i], positions[i], mdlModelRef_getActive());
+    return found;
+}
+
+TEST_F(Alignment, TheDesignFileHoldsTheRoadAtItsTrueCoordinates) {
+    ASSERT_EQ(alignment(examples + "granlia.txt --out road").status, 0);
+    const std::vector<Row> rows = rowsOf(alignment(examples + "granlia.txt --list --step 1").output);
+    const host::Session session;
+    ASSERT_EQ(mdlSystem_newDesignFile((folder_ / "road.mcd").c_str(), 1), MDL_SUCCESS);
+    std::vector<ElementDescr*> curves = elementsOf(MDL_BSPLINE), arcs = elementsOf(MDL_ARC);
+    EXPECT_EQ(curves.size(), 6u);
+    EXPECT_EQ(arcs.size(), 3u);
+    curves.insert(curves.end(), arcs.begin(), arcs.end());
+    const double uor = mdlModelRef_getUorPerMaster(mdlModelRef_getActive());
+    for (ElementDescr*& curve : curves) {
+        Point3d* points = nullptr;
+        int32_t count = 0;
+        ASSERT_EQ(mdlElmdscr_stroke(&points, &count, curve, 0.0005 * uor), MDL_SUCCESS);
+        for (int32_t i = 0; i < count; ++i) {
+            const double x = points[i].x / uor, y = points[i].y / uor;
+            double distance = HUGE_VAL;  // to the row's tangent, near the row
+            for (const Row& row : rows) {
+                const double bearing = row.bearing * M_PI / 200, dx = x - row.x, dy = y - row.y;
+                if (std::hypot(dx, dy) > 1) continue;
+                distance = std::min(distance, std::abs(dx * std::cos(bearing) - dy * std::sin(bearing)));
+            }
+            EXPECT_LT(distance, 0.004) << x << " " << y;  // a metre of a circle of 280 m rises by 1.8 mm
+        }
+        dlmSystem_mdlFree(points);
+        mdlElmdscr_freeAll(&curve);
+    }
 }
 
 TEST_F(Alignment, ThePrintedSheetIsTrueToScale) {
@@ -194,7 +243,7 @@ TEST_F(Alignment, WrongInputIsToldWithItsPlaceAndMakesNothing) {
         {"PROJECT \"" + longText + "\"\n", {"line 1, column 9", "256 characters"}},
         {"PROJECT \"P\n", {"column 9", "no closing quote"}},
         {"SCALE -5\n", {"line 1, column 7: the scale must be above 0"}},
-        {"%include missing.txt\nSCALE 5\n", {"missing.txt", "%include"}},
+        {"%include missing.txt\nSCALE 5\n", {"missing.txt", "bad.txt, line 1: the file that %include names"}},
         {head + straight + "ELEMENT 100 0 300 0 0 0 0 \\\n  x\n", {"line 6", "must be a whole number"}},
         {head + "ELEMENT 0 0 5000 0 0 0 0\n", {"doesn't fit on A3 at 1:1000; use --scale 20000"}},
     };
