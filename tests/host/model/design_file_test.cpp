@@ -311,12 +311,17 @@ TEST_F(DesignFile, KilledWriterLeavesTheLastStoredState) {
         const pid_t writer = fork();
         if (writer == 0) writeUntilKilled(file, ends[1]);
         ::close(ends[1]);
-        usleep(500 + random() % 20'000);
+        // Some are killed while they open the file, the others while they store.
+        uint32_t first = 0;
+        if (round % 4 != 0) {
+            ASSERT_EQ(read(ends[0], &first, sizeof first), ssize_t{sizeof first});
+        }
+        usleep(500 + random() % 10'000);
         kill(writer, SIGKILL);
         int status = 0;
         waitpid(writer, &status, 0);
         ASSERT_TRUE(WIFSIGNALED(status)) << "the writer gave up with " << WEXITSTATUS(status);
-        stored = std::max(stored, lastNumberIn(ends[0]));
+        stored = std::max({stored, first, lastNumberIn(ends[0])});
         ::close(ends[0]);
 
         ModelRef* model = nullptr;
@@ -327,7 +332,7 @@ TEST_F(DesignFile, KilledWriterLeavesTheLastStoredState) {
         for (FilePos position = 1; position <= count; ++position) ASSERT_EQ(numberOf(position, model), position);
         mdlWorkDgn_closeFile(model);
     }
-    EXPECT_GT(stored, 100u);
+    EXPECT_GE(stored, 72u);
     open();
     EXPECT_FALSE(std::filesystem::exists(file + "-wal")) << "one file again";
     EXPECT_GE(mdlModelRef_getElementCount(nullptr), stored);
