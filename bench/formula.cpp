@@ -51,7 +51,7 @@ std::string randomFormula(std::mt19937& random, int depth) {
             default: return std::to_string(upTo(100)) + "." + std::to_string(1 + upTo(99));
         }
     }
-    constexpr const char* functions[] = {"sin", "cos", "atan", "exp", "abs"};
+    constexpr const char* functions[] = {"sin", "cos", "atan", "tanh", "abs"};
     const std::string left = randomFormula(random, depth - 1);
     if (upTo(5) == 0) return std::string(functions[upTo(5)]) + "(" + left + ")";
     return "(" + left + "+-*"[upTo(3)] + randomFormula(random, depth - 1) + ")";

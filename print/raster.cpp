@@ -30,7 +30,7 @@ class Bitmap {
         : width(size[0]),
           height(size[1]),
           bytes(bytes),
-          byteCount(std::max(byteCount, 0)),
+          byteCount(width > 0 ? std::max(byteCount, 0) : 0),
           ink(mode == 1 ? ~0ULL : 0) {}
 
     int64_t bitCount() const { return byteCount * 8; }
@@ -38,7 +38,7 @@ class Bitmap {
 
     // Whether all pixels of the box lie in the bitmap, and the word from each of them on.
     bool holds(Pixel low, Pixel high) const {
-        return width >= 0 && bitOf(low.x, low.y) >= 0 && bitOf(high.x, high.y) + wordBits <= bitCount();
+        return bitOf(low.x, low.y) >= 0 && bitOf(high.x, high.y) + wordBits <= bitCount();
     }
 
     // Draws the bits from `first` to `last`, both included, as far as the bitmap has them.
@@ -152,6 +152,7 @@ void drawHorizontal(Bitmap& bitmap, Pixel start, int64_t length) {
 // The rows of a sloping line that can meet the bitmap: bit `start` moves by step / dy a row, and a row's pixels lie
 // within margin / dy of it.
 Rows rowsOnBitmap(const Bitmap& bitmap, Pixel start, Wide step, int64_t dy, int64_t last, Wide margin) {
+    if (bitmap.bitCount() == 0) return {0, -1};
     return rowsWithin(bitmap.bitOf(start.x, start.y) * dy, step, last, -margin, Wide(bitmap.bitCount()) * dy + margin);
 }
 

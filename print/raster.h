@@ -2,9 +2,9 @@
  *
  * Pixel (x, y) is bit number width * y + x of the bitmap, from the highest bit of the first byte on: rows aren't padded, row
  * 0 is the top one, and a pixel left or right of its row is one of a neighbouring row. A pixel outside the `byteCount` bytes
- * is dropped. `size` is width and height in pixels. Points are x, y pairs with y upwards; `origin` is the point of the
- * bitmap's lower left pixel. Mode 1 sets pixels, any other mode clears the same ones. All arithmetic is on whole numbers,
- * and no coordinate is too large. */
+ * is dropped, and a bitmap whose width isn't above 0 has none. `size` is width and height in pixels. Points are x, y pairs
+ * with y upwards; `origin` is the point of the bitmap's lower left pixel. Mode 1 sets pixels, any other mode clears the same
+ * ones. All arithmetic is on whole numbers, and no coordinate is too large. */
 #ifndef MCLIB_RASTER_H
 #define MCLIB_RASTER_H
 

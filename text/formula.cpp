@@ -129,6 +129,7 @@ constexpr auto functions = std::to_array<Function>({
 
 // A table in which each name has a slot of its own: a name is found with one look.
 constexpr unsigned slotBits = 6;
+static_assert(slotBits <= 6, "a bit of 64 for each slot");
 constexpr size_t slotOf(uint64_t key, uint64_t multiplier) {
     return key * multiplier >> (64 - slotBits);
 }
@@ -142,7 +143,6 @@ constexpr bool separatesAll(uint64_t multiplier) {
     }
     return true;
 }
-static_assert((uint64_t{1} << slotBits) <= 64);
 
 constexpr uint64_t slotMultiplier = [] {
     uint64_t multiplier = 0x9E3779B97F4A7C15;

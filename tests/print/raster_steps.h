@@ -18,7 +18,7 @@ struct Target {
 
     void pixel(int64_t x, int64_t y) {
         const int64_t bit = width * y + x;
-        if (bit < 0 || bit / 8 >= static_cast<int64_t>(bytes.size())) return;
+        if (width <= 0 || bit < 0 || bit / 8 >= static_cast<int64_t>(bytes.size())) return;
         const auto mask = static_cast<uint8_t>(0x80 >> bit % 8);
         uint8_t& byte = bytes[static_cast<size_t>(bit / 8)];
         byte = static_cast<uint8_t>(set ? byte | mask : byte & ~mask);
