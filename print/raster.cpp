@@ -38,7 +38,7 @@ class Bitmap {
 
     // Whether all pixels of the box lie in the bitmap, and the word from each of them on.
     bool holds(Pixel low, Pixel high) const {
-        return bitOf(low.x, low.y) >= 0 && bitOf(high.x, high.y) + wordBits <= bitCount();
+        return width > 0 && bitOf(low.x, low.y) >= 0 && bitOf(high.x, high.y) + wordBits <= bitCount();
     }
 
     // Draws the bits from `first` to `last`, both included, as far as the bitmap has them.

@@ -22,8 +22,8 @@ MCLIB_EXPORT int mclibRaster_drawPoints(const int *points, const int *origin, in
 
 /* Fills one closed outline, whose last point must equal the first, by the even-odd rule. A pixel is inside when its left
  * side lies on or right of a left edge and left of the right edge: outlines that share an edge neither overlap nor leave
- * a gap, but that a pixel in which two edges of an outline cross a row may stay empty. Edges that begin above row 0 don't count, and nothing is filled below the first row that no edge crosses, or when
- * memory runs out. */
+ * a gap, but that a pixel in which two edges of an outline cross a row may stay empty. Edges that begin above row 0 don't
+ * count, and nothing is filled below the first row that no edge crosses, or when memory runs out. */
 MCLIB_EXPORT void mclibRaster_fillShape(const int *points, int count, const int *origin, int byteCount, const int *size,
                                         unsigned char *bitmap, int mode);
 
