@@ -1,0 +1,35 @@
+/* hello: a frame and a text, drawn by named attributes and printed on an A4 sheet. */
+#include <mclib.h>
+#include "host/mdl/elmdscr.h"
+
+enum { DRAWING = 1, FRAME = 10, TITLE = 11 };
+
+int main(int argc, char **argv)
+{
+    if (mclibMain_initMcLib("hello", argc, argv) != MCLIB_SUCCESS) return 1;
+    const char *file = argc > 2 ? argv[2] : "hello.ps";
+
+    /* How things look is said once, by number; the user may change it later. */
+    ElmAttrData frame = { .color = 0, .weight = 4, .useFlags = ATTR_USE_COLOR | ATTR_USE_WEIGHT };
+    ElmAttrData title = { .textWidth = 9, .textHeight = 9, .textJust = 7, .useFlags = ATTR_USE_SIZE | ATTR_USE_JUST };
+    mclibElmAttr_setGroupeNames(1, "Drawing", DRAWING, 0);
+    mclibElmAttr_addAttribute(FRAME, "Frame", DRAWING, ATTR_KIND_SYMBOLOGY, 0, NULL, 0, &frame);
+    mclibElmAttr_addAttribute(TITLE, "Title", DRAWING, ATTR_KIND_TEXT, 0, NULL, 0, &title);
+
+    /* The first element starts a descriptor, the others are hung on it. */
+    Point3d corners[5] = { { 0, 0, 0 }, { 170, 0, 0 }, { 170, 120, 0 }, { 0, 120, 0 }, { 0, 0, 0 } };
+    Point3d centre = { 85, 60, 0 };
+    ElementDescr *page = NULL;
+    mclibElement_createShape(corners, 5, 0, FRAME, NULL);
+    mdlElmdscr_new(&page, NULL, dgnBufP);
+    mclibElement_createText(&centre, "Hello, paper", 1.0, NULL, TITLE, page);
+
+    /* 170 x 120 mm, 20 mm from the left and 150 mm from the lower edge of the sheet. */
+    int opened = mclibPrint_fopen(file, 0);
+    if (opened) {
+        mclibPrint_printElementDescr(page, 20, 150, 170, 120);
+        mclibPrint_fclose();
+    }
+    mdlElmdscr_freeAll(&page);
+    return opened ? 0 : 1;
+}
