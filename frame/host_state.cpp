@@ -29,7 +29,7 @@ LevelId findLevel(ModelRef* model, const wchar_t* name) {
 void reportNoLevelInV7(const wchar_t* name) {
     std::string details = "Cannot create level '";
     details += mclibUtil_convertToMultibyteText(name);
-    details += "' because MicroStation is in 'V7 Workmode'.";
+    details += "' because the host is in 'V7 Workmode'.";
     mdlOutput_messageCenter(11, "NA in 'V7 Workmode'.", details.c_str(), 0);
 }
 
