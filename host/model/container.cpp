@@ -260,7 +260,7 @@ void loadChunks(Database& database, ModelRef& model, int64_t count) {
             model.elements.appendChunk(isLast ? std::max(used, ElementStore::chunkBytes) : used);
         chunk.used = used;
         chunk.changed = false;
-        const std::span<std::byte> bytes(chunk.bytes.get(), used);
+        const std::span<std::byte> bytes(chunk.bytes, used);
         blob.read(bytes);
         if (static_cast<int64_t>(digest(bytes)) != s.integer(2)) throw FileProblem(damaged);
         if (!model.elements.takeRecords()) throw FileProblem(damaged);
@@ -306,7 +306,7 @@ void storeChunks(Database& database, ModelRef& model) {
     Statement row(database, "INSERT OR REPLACE INTO chunk VALUES(?,?,?,?)");
     int64_t number = 0;
     for (const ElementStore::Chunk& chunk : model.elements.chunks()) {
-        const std::span<const std::byte> bytes(chunk.bytes.get(), chunk.used);
+        const std::span<const std::byte> bytes(chunk.bytes, chunk.used);
         if (chunk.changed) row.execute(onlyModel, number, static_cast<int64_t>(digest(bytes)), bytes);
         ++number;
     }

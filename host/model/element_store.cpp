@@ -88,7 +88,7 @@ std::byte* ElementStore::room(uint32_t bytes) {
         appendChunk(std::max(bytes, chunkBytes));
     }
     Chunk& chunk = chunks_.back();
-    std::byte* at = chunk.bytes.get() + chunk.used;
+    std::byte* at = chunk.bytes + chunk.used;
     chunk.used += bytes;
     chunk.changed = true;
     usedBytes_ += bytes;
@@ -130,7 +130,7 @@ void ElementStore::reservePositions(uint32_t nextPosition) {
 }
 
 ElementStore::Chunk& ElementStore::appendChunk(uint32_t capacity) {
-    return chunks_.emplace_back(Chunk{std::unique_ptr<std::byte[]>(new std::byte[capacity]), 0, capacity, true});
+    return chunks_.emplace_back(Chunk{memory_.take(capacity), 0, capacity, true});
 }
 
 bool ElementStore::takeRecords() {
@@ -138,7 +138,7 @@ bool ElementStore::takeRecords() {
     usedBytes_ += chunk.used;
     for (uint64_t at = 0; at < chunk.used;) {
         const uint64_t left = chunk.used - at;
-        const auto* record = reinterpret_cast<const RecordHead*>(chunk.bytes.get() + at);
+        const auto* record = reinterpret_cast<const RecordHead*>(chunk.bytes + at);
         if (left < sizeof(RecordHead) || left - sizeof(RecordHead) < record->bytes || !takeRecord(record)) return false;
         at += recordBytes(record);
     }

@@ -9,11 +9,11 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <vector>
 
 #include "host/mdl/element.h"
+#include "host/model/chunk_memory.h"
 
 namespace host {
 
@@ -68,7 +68,7 @@ class ElementStore {
     static constexpr uint32_t maxUnitBytes = 256 * 1024 * 1024;
 
     struct Chunk {
-        std::unique_ptr<std::byte[]> bytes;
+        std::byte* bytes = nullptr;  // in the store's memory
         uint32_t used = 0;
         uint32_t capacity = 0;
         bool changed = true;  // since it was last stored
@@ -114,6 +114,7 @@ class ElementStore {
     bool takeRecord(const RecordHead* record);
     void setKey(FilePos position, const RecordHead* record);
 
+    ChunkMemory memory_;
     std::vector<Chunk> chunks_;
     std::vector<const RecordHead*> records_;  // by position; the last one with nodes
     std::vector<ElementKey> keys_;            // by position
