@@ -205,5 +205,8 @@ extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv
     if (mclibMain_initMcLib("ALIGNMENT", argc, argv) != MCLIB_SUCCESS) return failed;
     const std::optional<Options> options = optionsFrom({argv + std::min(argc, 2), argv + argc});
     if (!options) return wrongCall;
-    return work(*options) ? done : failed;
+    const bool good = work(*options);
+    mclibElmAttr_freeAllAttribute();
+    mclibElmAttr_freeGroupeNames();
+    return good ? done : failed;
 }

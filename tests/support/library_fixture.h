@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "elmattr/attributes.h"
 #include "frame/main.h"
 #include "host/mdl/model.h"
 #include "tests/support/session_fixture.h"
@@ -14,7 +15,11 @@ class LibraryTest : public SessionTest {
                                    [](int argc, char** argv) { return mclibMain_initMcLib("Tester", argc, argv); });
         scope_.emplace(application("tester"));
     }
-    ~LibraryTest() override { scope_.reset(); }
+    ~LibraryTest() override {
+        mclibElmAttr_freeAllAttribute();
+        mclibElmAttr_freeGroupeNames();
+        scope_.reset();
+    }
 
     void openDesignFile() {
         ASSERT_EQ(mdlSystem_createDesignFile(path("test.mcd").c_str(), 0), MDL_SUCCESS);
