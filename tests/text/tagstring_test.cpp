@@ -40,7 +40,7 @@ class TagString : public testing::Test {
     }
     void setValue(const char* name, const std::string& value) {
         for (TagEntry& tag : tags) {
-            if (strcasecmp(tag.name, name) == 0) strncpy(tag.value, value.c_str(), sizeof tag.value);
+            if (strcasecmp(tag.name, name) == 0) tag.value[value.copy(tag.value, sizeof tag.value - 1)] = '\0';
         }
     }
 
