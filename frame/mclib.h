@@ -15,6 +15,7 @@
 #include "geometry/clothoid.h"
 #include "geometry/elmdscr.h"
 #include "geometry/lines.h"
+#include "geometry/plotfence.h"
 #include "geometry/textsize.h"
 #include "geometry/userdata.h"
 #include "text/formula.h"

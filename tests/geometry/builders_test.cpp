@@ -9,6 +9,7 @@
 #include "elmattr/attributes.h"
 #include "geometry/builders.h"
 #include "geometry/elmdscr.h"
+#include "geometry/plotfence.h"
 #include "geometry/textsize.h"
 #include "geometry/userdata.h"
 #include "host/mdl/elmdscr.h"
