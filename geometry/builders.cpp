@@ -112,7 +112,7 @@ void mclibElement_setSymbologyFromLevel(MSElementBuffer* element, LevelId level)
 }
 
 int mclibElement_stripAttributes(MSElementBuffer* out, const MSElementBuffer* in) {
-    mdlElement_memcpy(out, in);
+    if (const int status = mdlElement_memcpy(out, in); status != MDL_SUCCESS) return status;
     return mdlLinkage_deleteFromElement(out, MCLIB_USER_DATA_ID, nullptr, nullptr, nullptr, nullptr);
 }
 

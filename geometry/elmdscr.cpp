@@ -42,7 +42,7 @@ void mclibElemDscr_placeElementDescr(Point3d* box, int translate, ElementDescr* 
     const Point3d origin = {box[0].x + (width - scale * dx) / 2 - scale * range[0].x,
                             box[0].y + (height - scale * dy) / 2 - scale * range[0].y, box[0].z};
 
-    mdlCurrTrans_begin();
+    if (mdlCurrTrans_begin() != MDL_SUCCESS) return;
     mdlCurrTrans_identity();
     mdlCurrTrans_scale(scale, scale, scale);
     if (translate != 0) mdlCurrTrans_translateOriginWorld(&origin);

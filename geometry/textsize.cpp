@@ -33,7 +33,7 @@ Extent measureLine(const char* line, double scale, int attrId) {
 void mclibUtil_extractTextSize(const char* text, double scale, int attrId, double lineSpacing, double* widthP,
                                double* lineHeightP, double* totalHeightP, void* justP) {
     TextBuffer line{}, rest{};
-    std::memcpy(line.data(), text, strnlen(text, maxText));
+    if (text != nullptr) std::memcpy(line.data(), text, strnlen(text, maxText));
     double width = 0.0, height = 0.0;
     int lines = 0;
     bool more = true;
