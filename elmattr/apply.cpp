@@ -48,6 +48,8 @@ void applyLevel(MSElementBuffer* element, const ElmAttrData& data) {
     mdlElement_setProperties(element, &level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
+constexpr int32_t primaryClass = 0, constructionClass = 1;
+
 void apply(MSElementBuffer* element, const ElmAttrData& data) {
     if (uses(data, ATTR_USE_COLOR)) {
         const auto color = static_cast<uint32_t>(data.color);
@@ -66,8 +68,8 @@ void apply(MSElementBuffer* element, const ElmAttrData& data) {
     }
     if (uses(data, ATTR_USE_LEVEL)) applyLevel(element, data);
     if (uses(data, ATTR_USE_CLASS)) {
-        mdlElement_setProperties(element, nullptr, nullptr, &data.elementClass, nullptr, nullptr, nullptr, nullptr,
-                                 nullptr);
+        const int32_t elementClass = data.elementClass == 0 ? primaryClass : constructionClass;
+        mdlElement_setProperties(element, nullptr, nullptr, &elementClass, nullptr, nullptr, nullptr, nullptr, nullptr);
     }
 }
 

@@ -203,7 +203,7 @@ StringList* createRows(GlobalData& gd, int group) {
     StringList* list = mdlStringList_create(0, 2);
     for (const ElmAttrRecord* r = gd.attributeList; r != nullptr; r = r->next) {
         if (list != nullptr && r->group == group) appendRow(list, *r);
-        if (r->id >= gd.nextAttributeId) gd.nextAttributeId = r->id + 1;
+        if (r->id >= gd.nextAttributeId && r->id < INT32_MAX) gd.nextAttributeId = r->id + 1;
     }
     return list;
 }

@@ -42,7 +42,7 @@ int moveUp(GlobalData& gd, int id);
 int moveDown(GlobalData& gd, int id);
 
 // The rows of the group's attributes for the dialog's list box: attributeRowCells members each, the id in info field 1
-// of the first. Raises nextAttributeId above every id met. The caller owns the list; null when out of memory.
+// of the first. Raises nextAttributeId above every id met (but INT32_MAX). The caller owns the list; null when out of memory.
 StringList* createRows(GlobalData& gd, int group);
 // Sets the cells behind the label of a row.
 void setRow(StringList* list, int row, const ElmAttrRecord& record);

@@ -225,7 +225,7 @@ TEST_F(ApplyAttribute, OnlyFlaggedValuesReachTheElement) {
     data.color = 7;
     data.weight = 5;
     data.style = 3;
-    data.elementClass = 1;
+    data.elementClass = 2;
     std::wcscpy(data.levelName, L"Axis");
     const ElementHead before = line_.head;
     LevelId axis = 0;
