@@ -25,6 +25,14 @@ int checkRange(double g, double g1, double g2) {
     return MCLIB_SUCCESS;
 }
 
+// Half the angle of the shorter arc of a radius over a chord, signed as the radius is; nothing when the chord is too
+// long for it.
+std::optional<double> halfSweep(Point2d chord, double R) {
+    const double sine = lengthOf(chord) / (2 * R);
+    if (!(std::fabs(sine) <= 1 + rounding)) return {};
+    return std::asin(std::clamp(sine, -1.0, 1.0));
+}
+
 // How far the circle lies from its centre in one direction, at a distance in the other: signed as the radius is.
 std::optional<double> halfChord(double R, double distance) {
     const std::optional<double> root = rootOf(R * R - distance * distance, R * R);
@@ -70,16 +78,13 @@ int mclibGeo_getCircleCoord(double* xP, double* yP, double* angleP, double x1, d
     Point2d center;
     if (mclibGeo_getCircleCenter(&center.x, &center.y, x1, y1, x2, y2, R) != MCLIB_SUCCESS) return MCLIB_ERROR;
     const double b1 = bearingOf(Point2d{x1, y1} - center);
-    const double b2 = bearingOf(Point2d{x2, y2} - center);
     double t1 = b1 + (R > 0 ? pi / 2 : -pi / 2);
     if (t1 > 2 * pi)
         t1 -= 2 * pi;
     else if (t1 < 0)
         t1 += 2 * pi;
-    double sweep = b2 - b1;
-    if (R > 0 && sweep < 0) sweep += 2 * pi;
-    if (R < 0 && sweep > 0) sweep -= 2 * pi;
-    const double arcLength = std::fabs(sweep * R);
+    // Taken from the chord: the centre's rounding, far from the origin, would cut the last station off.
+    const double arcLength = 2 * R * *halfSweep({x2 - x1, y2 - y1}, R);
     if (!(s >= 0 && s <= arcLength * (1 + rounding))) return MCLIB_ERROR;
     const double turn = s / R;
     const Point2d p = center + alongBearing(b1 + turn, std::fabs(R));
@@ -98,9 +103,9 @@ int mclibGeo_getCircleCenter(double* xcP, double* ycP, double x1, double y1, dou
         return MCLIB_ERROR;
     }
     const Point2d chord = {x2 - x1, y2 - y1};
-    const double sine = lengthOf(chord) / (2 * R);
-    if (!(std::fabs(sine) <= 1 + rounding)) return MCLIB_ERROR;
-    const double tangent = bearingOf(chord) - std::asin(std::clamp(sine, -1.0, 1.0));
+    const std::optional<double> half = halfSweep(chord, R);
+    if (!half) return MCLIB_ERROR;
+    const double tangent = bearingOf(chord) - *half;
     *xcP = x1 - R * std::sin(tangent);
     *ycP = y1 + R * std::cos(tangent);
     return MCLIB_SUCCESS;

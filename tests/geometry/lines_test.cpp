@@ -118,6 +118,23 @@ TEST(Geometry, RandomArcsKeepTheirSideAndEnds) {
     }
 }
 
+// Coordinates of a map are millions of metres.
+TEST(Geometry, LastStationOfAnArcFarFromTheOriginIsOnIt) {
+    std::mt19937 random(4);
+    std::uniform_real_distribution<double> metre(0, 1), bearing(0, 2 * pi);
+    for (const double R : {50.0, -1e3, 1e5, -1e7}) {
+        SCOPED_TRACE(R);
+        for (int i = 0; i < 200; ++i) {
+            const double x1 = 600000 + metre(random), y1 = 6600000 + metre(random), b = bearing(random);
+            const double x2 = x1 + 60 * std::cos(b), y2 = y1 + 60 * std::sin(b);
+            const double chord = std::sqrt((x2 - x1) * (x2 - x1) + (y2 - y1) * (y2 - y1));
+            const Place p = at(x1, y1, x2, y2, R, 0, 0, 2 * R * std::asin(chord / (2 * R)));
+            ASSERT_EQ(p.status, MCLIB_SUCCESS);
+            EXPECT_NEAR(std::hypot(p.x - x2, p.y - y2), 0, 1e-6);
+        }
+    }
+}
+
 TEST(Geometry, CentreLiesOnTheSideOfTheTurn) {
     double x, y;
     EXPECT_EQ(mclibGeo_getCircleCenter(&x, &y, 0, 0, 10, 10, 10), MCLIB_SUCCESS);
