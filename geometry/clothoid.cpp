@@ -105,6 +105,7 @@ PointArray allocatePoints(int count) {
 int fitCurve(BsplineCurve& curve, int nPoints, int order, double x0, double y0, double R1, double R2, double A,
              double angle, Point2d shift) {
     curve = {};
+    if (A == 0) return MCLIB_ERROR;
     curve.curveDisplay = 1;
     curve.order = order;
     curve.numPoles = nPoints;
@@ -184,17 +185,14 @@ int mclibGeo_createKlotoide(Point3d* pointsP, int nPoints, double x0, double y0,
 
 int mclibGeo_createKlotoideByEndpoints(BsplineCurve* curveP, int nPoints, int order, double x1, double y1, double x2,
                                        double y2, double R1, double R2, double A) {
-    if (A == 0) {
-        *curveP = {};
-        return MCLIB_ERROR;
-    }
     const Layout layout = layoutOf(R1, R2, A);
     return fitCurve(*curveP, nPoints, order, x1, y1, R1, R2, A, chordTurn(layout, x1, y1, x2, y2), startOf(layout));
 }
 
 int mclibGeo_createKlotoideByTangent(BsplineCurve* curveP, int nPoints, int order, double x1, double y1, double x2,
                                      double y2, double R1, double R2, double A) {
-    return fitCurve(*curveP, nPoints, order, x1, y1, R1, R2, A, bearingOf({x2 - x1, y2 - y1}), {0, 0});
+    const Layout layout = layoutOf(R1, R2, A);
+    return fitCurve(*curveP, nPoints, order, x1, y1, R1, R2, A, bearingOf({x2 - x1, y2 - y1}), startOf(layout));
 }
 
 // ---- stations ----

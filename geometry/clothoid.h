@@ -44,8 +44,8 @@ MCLIB_EXPORT int mclibGeo_createKlotoide(Point3d *pointsP, int nPoints, double x
 /* ---- curves of the host, fitted through nPoints points with nPoints poles; free with mdlBspline_freeCurve ---- */
 
 /* From (x1, y1) towards (x2, y2). The radii and A alone give the size: the end lies on (x2, y2) when their chord is as
- * long as the distance of the end points. Returns the fit's status; MCLIB_ERROR as for mclibGeo_createKlotoide, with
- * the curve zeroed. */
+ * long as the distance of the end points. Returns the fit's status; MCLIB_ERROR as for mclibGeo_createKlotoide: the
+ * curve then holds nothing to free. */
 MCLIB_EXPORT int mclibGeo_createKlotoideByEndpoints(BsplineCurve *curveP, int nPoints, int order, double x1, double y1,
                                                     double x2, double y2, double R1, double R2, double A);
 /* From (x1, y1), with the series frame's x axis along the bearing from (x1, y1) to (x2, y2). */

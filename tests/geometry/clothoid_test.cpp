@@ -237,6 +237,19 @@ TEST(Clothoid, TangentCurveStartsAlongTheTangent) {
     mdlBspline_freeCurve(&curve);
 }
 
+TEST(Clothoid, TangentCurveStartsAtItsPointWhicheverRadii) {
+    for (const auto& [R1, R2] : radii) {
+        SCOPED_TRACE(testing::Message() << R1 << ' ' << R2);
+        BsplineCurve curve;
+        ASSERT_EQ(mclibGeo_createKlotoideByTangent(&curve, 9, 4, 10, 20, 20, 30, R1, R2, 100), MCLIB_SUCCESS);
+        Point3d start;
+        mdlBspline_evaluateCurvePoint(&start, &curve, 0);
+        EXPECT_NEAR(start.x, 10, printed);
+        EXPECT_NEAR(start.y, 20, printed);
+        mdlBspline_freeCurve(&curve);
+    }
+}
+
 TEST(Clothoid, ImpossibleRequestsStoreNothing) {
     Point3d points[2] = {{7, 7, 7}, {7, 7, 7}};
     EXPECT_EQ(mclibGeo_getKlotPoints(points, 0, 0, 100, 100), MCLIB_SUCCESS);
