@@ -80,11 +80,12 @@ McFile* topOfChain(McFile* f) {
     return f;
 }
 
-// Where an include's file lies: by its expanded name, as it stands, or beside the file that includes it.
+// Where an include's file lies: by its expanded name, as it stands, or beside the file that includes it. Empty when the
+// path is too long.
 void includePath(char (&path)[256], const McFile& parent, const char* name) {
     char* expanded = mdlSystem_expandCfgVar(name);
     const bool changed = expanded && std::strcmp(expanded, name) != 0;
-    if (changed) copyName(path, expanded);
+    if (changed && std::strlen(expanded) < sizeof path) copyName(path, expanded);
     dlmSystem_mdlFree(expanded);
     if (changed || mdlFile_find(path, name, nullptr, nullptr) == MDL_SUCCESS) return;
     char device[256] = "", directory[256] = "";
@@ -139,8 +140,8 @@ Include followInclude(McFile& reader, Piece& piece) {
     return Include::none;
 }
 
-// The next line or piece. `begins` tells that a line begins here: only there an include line can stand.
-bool nextPiece(McFile* f, bool begins, Piece& piece) {
+// The next line or piece. Only where a line begins an include line can stand.
+bool nextPiece(McFile* f, Piece& piece) {
     for (;;) {
         McFile* reader = endOfChain(f);
         piece.text = mdlTextFile_getString(reader->buffer, reader->bufferSize, reader->stream, 1);
@@ -149,10 +150,12 @@ bool nextPiece(McFile* f, bool begins, Piece& piece) {
             mclibFile_close(reader);
             continue;
         }
+        const bool begins = !reader->inLine;
         if (begins) ++reader->lineNumber;
         const auto length = static_cast<size_t>(mdlTextFile_lastLength(reader->stream));
         piece.ended = length > 0 && piece.text[length - 1] == '\n';
         piece.length = piece.ended ? length - 1 : length;
+        reader->inLine = !piece.ended;
         if (!begins || followInclude(*reader, piece) != Include::opened) return true;
     }
 }
@@ -219,12 +222,12 @@ Got physicalLine(std::span<char> dest, size_t begin, size_t& end, McFile* f, Tra
     Piece piece{nullptr, 0, false};
     end = begin;
     for (bool first = true; first || !piece.ended; first = false) {
-        if (!nextPiece(f, first, piece)) return first ? Got::nothing : Got::line;
+        if (!nextPiece(f, piece)) return Got::nothing;
         if (first) comment.beginLine();
         const std::string_view text = comment.split(piece, first);
         const size_t counted = text.size() + (piece.ended && !comment.splits() ? 1 : 0);
         if (counted + end >= dest.size()) {
-            while (!piece.ended && nextPiece(f, false, piece)) {
+            while (!piece.ended && nextPiece(f, piece)) {
             }
             return Got::tooLong;
         }
@@ -314,12 +317,12 @@ int mclibFile_close(McFile* f) {
 void mclibFile_rewind(McFile* f) {
     if (f->child) mclibFile_close(f->child);
     mdlTextFile_rewind(f->stream);
-    f->lineNumber = f->lostInclude = 0;
+    f->inLine = f->lineNumber = f->lostInclude = 0;
 }
 
 char* mclibFile_fgets(char*, int, McFile* f) {
     Piece piece;
-    return nextPiece(f, true, piece) ? piece.text : nullptr;
+    return nextPiece(f, piece) ? piece.text : nullptr;
 }
 
 int mclibFile_read(char* dest, McFile* f, int maxLength) {

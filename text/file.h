@@ -21,6 +21,7 @@ typedef struct McFile {
     char name[256];        /* as opened */
     struct McFile *child;  /* the include that is being read, or null */
     struct McFile *parent; /* the file with the include line, or null */
+    int32_t inLine;        /* 1: the piece that was read last didn't end its line */
     int32_t lineNumber;    /* physical lines begun in this file itself */
     int32_t lostInclude;   /* top file: its line at which an include, there or below, couldn't be opened first; or 0 */
 } McFile;

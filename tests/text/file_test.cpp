@@ -79,6 +79,16 @@ TEST(FileLayer, LineLongerThanTheBufferIsOneLine) {
                 ElementsAre(Read{3, "0123456789abcdefghij  x"}, Read{1, "y"}, Read{0, ""}));
 }
 
+TEST(FileLayer, PiecesOfALineAreOneLine) {
+    const TextFiles files;
+    files.write("inner.txt", "inner\n");
+    const File f = open(files.write("top.txt", "0123456789abcdefghi%include inner.txt\nx\n"), 20);
+    EXPECT_STREQ(mclibFile_fgets(nullptr, 0, f.get()), "0123456789abcdefghi");
+    EXPECT_STREQ(mclibFile_fgets(nullptr, 0, f.get()), "%include inner.txt\n");
+    EXPECT_STREQ(mclibFile_fgets(nullptr, 0, f.get()), "x\n");
+    EXPECT_EQ(f->lineNumber, 2);
+}
+
 TEST(FileLayer, TooLongLineFailsAndTheNextLineIsRead) {
     const TextFiles files;
     const std::string path = files.write("long.txt", "ab\\\n0123456789abcdefghij\nx\n0123456\n012345678\n");
