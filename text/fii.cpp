@@ -247,14 +247,19 @@ enum { numericDoubles = 1, numericWholes = 2, numericPairs = 3 };
 
 // ---- characters ----
 
+// Letters below the codes where accented letters stand side by side.
+constexpr CharSet scatteredLetters("\x83\x8A\x8C\x8E\x9A\x9C\x9E\x9F\xAA\xB5\xBA");
+
 bool isLetter(char c) {
     const auto u = static_cast<unsigned char>(c);
     const unsigned char lower = u | 0x20;
-    return ('a' <= lower && lower <= 'z') || (u >= 0xC0 && u != 0xD7 && u != 0xF7);
+    return ('a' <= lower && lower <= 'z') || (u >= 0xC0 && u != 0xD7 && u != 0xF7) || scatteredLetters.has(c);
 }
 
 char toUpper(char c) {
     const auto u = static_cast<unsigned char>(c);
+    if (u == 0x9A || u == 0x9C || u == 0x9E) return static_cast<char>(u - 0x10);
+    if (u == 0xFF) return '\x9F';
     const bool lower = ('a' <= u && u <= 'z') || (u >= 0xE0 && u <= 0xFE && u != 0xF7);
     return lower ? static_cast<char>(u - 0x20) : c;
 }

@@ -166,10 +166,11 @@ TEST(FiiReader, SeparatorsBehindTheLastTokenAreTheEndOfTheLine) {
 
 TEST(FiiReader, CharacterThatIsNoLetterIsPassedWithAnError) {
     LineReader fii(
-        " a \xE6"
+        " a \xE6\x8A"
         "5");
     EXPECT_EQ(mclibFii_readChar(fii.get()), 'a');
     EXPECT_EQ(mclibFii_readChar(fii.get()), '\xE6');  // the Norwegian ae
+    EXPECT_EQ(mclibFii_readChar(fii.get()), '\x8A');  // S with caron
     EXPECT_EQ(fii->error, FII_NONE);
     EXPECT_EQ(mclibFii_readChar(fii.get()), '5');
     EXPECT_EQ(fii->error, FII_NOT_LETTER);
@@ -191,6 +192,8 @@ TEST(FiiReader, KeywordsWithAndWithoutLetterCase) {
     EXPECT_STREQ(fii->position, "= 1");  // skipped separators stay skipped
     LineReader norwegian("N\xD8KKEL");
     EXPECT_EQ(mclibFii_isText(norwegian.get(), "n\xF8kkel"), MCLIB_SUCCESS);
+    LineReader saami("\x8AILJU \x9F");
+    EXPECT_EQ(mclibFii_isText(saami.get(), "\x9Ailju \xFF"), MCLIB_SUCCESS);
 }
 
 TEST(FiiReader, PackModeRemovesBlanksOutsideQuotesFromTheNextLine) {
