@@ -104,6 +104,7 @@ int mdlArc_extract(Point3d* center, double* axis1, double* axis2, RotMatrix* rot
     e = {applyToPoint(fromWorld, e.center), applyToVector(fromWorld, e.axis0), applyToVector(fromWorld, e.axis90)};
     straighten(*arc);
     turnUp(*arc);
+    if (headOf(element).type == MDL_ELLIPSE) arc->start = 0, arc->sweep = 2 * pi;
     if (center) *center = e.center;
     if (axis1) *axis1 = length(e.axis0);
     if (axis2) *axis2 = length(e.axis90);

@@ -107,7 +107,7 @@ enum {
     MDL_PARAM_LEVEL = 20,         /* int32_t: level id */
     MDL_PARAM_COLOR = 21,         /* int32_t: colour index */
     MDL_PARAM_WEIGHT = 22,        /* int32_t: line weight */
-    MDL_PARAM_LINE_STYLE_NAME = 44, /* char[]: line style by name; setting it sets parameter 3 too */
+    MDL_PARAM_LINE_STYLE_NAME = 44, /* char[64]: line style by name; setting it sets parameter 3 too */
     MDL_PARAM_GRAPHIC_GROUP = 59  /* int32_t: active graphic group */
 };
 MDL_EXPORT int mdlParams_getActive(void *valueP, int parameter);

@@ -126,6 +126,22 @@ TEST(Arcs, FullEllipseEndsOnItsFirstPoint) {
     EXPECT_GE(strokeOf(e, 1e9).size(), 5u) << "a dot still goes round";
 }
 
+TEST(Arcs, AnEllipseIsAWholeTurnInEverySystem) {
+    TestElement e;
+    const Point3d center{3, 4, 0};
+    RotMatrix turn;
+    mdlRMatrix_fromAngle(&turn, 0.4);
+    ASSERT_EQ(mdlEllipse_create(e, nullptr, &center, 7, 5, &turn, 0), MDL_SUCCESS);
+    for (const double sy : {1.0, -1.0, 2.0}) {
+        mdlCurrTrans_begin();
+        mdlCurrTrans_scale(1, sy, 1);
+        const Arc ellipse(e);
+        EXPECT_EQ(ellipse.start, 0) << sy;
+        EXPECT_NEAR(ellipse.sweep, 2 * M_PI, 1e-15) << sy;
+        mdlCurrTrans_end();
+    }
+}
+
 TEST(Arcs, RangeTouchesTheArcAndNoMore) {
     DescriptorHolder d;
     TestElement e;
