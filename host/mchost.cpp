@@ -222,7 +222,17 @@ struct HelpText : CLI::Formatter {
     std::string make_usage(const CLI::App*, std::string) const override {
         return "Usage: mchost [OPTIONS] APP [arguments of APP...]\n";
     }
+    // What can't go together stands in the descriptions.
+    std::string make_option_opts(const CLI::Option* option) const override {
+        return option->get_type_size() == 0 ? "" : " " + option->get_type_name();
+    }
 };
+
+int wrongCall(const CLI::App& cli, const std::string& what) {
+    tell(what);
+    std::fputs(cli.help().c_str(), stderr);
+    return statusWrongCall;
+}
 
 std::string checkedSetting(const std::string& setting) {
     return variableIn(setting) ? "" : "not VAR=VALUE: " + setting;
@@ -235,18 +245,20 @@ int parse(CLI::App& cli, Options& options, int argc, char** argv) {
         ->check(CLI::Validator(checkedSetting, ""));
     cli.add_option("--config", options.configFile, "Read configuration variables from a file")->type_name("FILE");
     auto* open = cli.add_option("--open", options.openFile, "Open a design file")->type_name("FILE.mcd");
-    cli.add_option("--new", options.newFile, "Make a design file and open it")->type_name("FILE.mcd")->excludes(open);
-    cli.add_flag("--3d", options.is3d, "Make the design file a 3D one");
+    auto* fresh = cli.add_option("--new", options.newFile, "Make a design file and open it; not with --open");
+    fresh->type_name("FILE.mcd")->excludes(open);
+    cli.add_flag("--3d", options.is3d, "Make the design file of --new a 3D one")->needs(fresh);
     cli.add_flag("--yes", options.yes, "Answer each question with its first button");
     cli.add_option("--answers", options.answersFile, "Answer questions from a file")->type_name("FILE");
-    cli.add_option("--list-name", options.listName, "The list that the application is loaded by")->type_name("NAME");
+    cli.add_option("--list-name", options.listName, "The list that the application is loaded by (USER)")
+        ->type_name("NAME");
     cli.set_version_flag("--version", "mchost " MCHOST_VERSION);
     cli.prefix_command();
     cli.formatter(std::make_shared<HelpText>());
     try {
         cli.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return cli.exit(error) == 0 ? statusGood : statusWrongCall;
+        return error.get_exit_code() == 0 ? cli.exit(error) : wrongCall(cli, error.what());
     }
     options.arguments = cli.remaining();
     return -1;
@@ -259,10 +271,9 @@ int main(int argc, char** argv) {
     Options options;
     const int ended = parse(cli, options, argc, argv);
     if (ended >= 0) return ended;
-    if (options.arguments.empty() || options.arguments.front().starts_with('-')) {
-        tell(options.arguments.empty() ? "no application is named" : "no such option: " + options.arguments.front());
-        std::fputs(cli.help().c_str(), stderr);
-        return statusWrongCall;
+    if (options.arguments.empty() || options.arguments.front().empty() || options.arguments.front().starts_with('-')) {
+        const bool noName = options.arguments.empty() || options.arguments.front().empty();
+        return wrongCall(cli, noName ? "no application is named" : "no such option: " + options.arguments.front());
     }
     options.application = options.arguments.front();
     options.arguments.erase(options.arguments.begin());
