@@ -97,13 +97,19 @@ MdlDesc* Session::loadApplication(const std::string& path, std::string_view task
                                   const std::vector<std::string>& arguments) {
     const std::string fullPath = std::filesystem::absolute(systemPath(path)).lexically_normal();
     void* module = dlopen(fullPath.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (module == nullptr) return refuse("Can't load the application " + path, narrowFromUtf8(dlerror()).text);
+    if (module == nullptr) {
+        return refuse("Can't load the application " + path,
+                      narrowFromUtf8(dlerror()).text +
+                          ". It must be a shared object for this machine, linked with all libraries that it needs.");
+    }
     const MainFunction main = mainOf(module);
     if (main == nullptr) {
         dlclose(module);
-        return refuse("Can't load the application " + path, "it has no function \"main\" that the host can see");
+        return refuse("Can't load the application " + path,
+                      "it has no function \"main\" that the host can see. Give it one, "
+                      "with C linkage and default visibility.");
     }
-    MdlDesc* desc = addApplication(*state_, taskName, path, listName, arguments);
+    MdlDesc* desc = addApplication(*state_, taskName, hostName(fullPath), listName, arguments);
     desc->module = module;
     desc->modulePath = fullPath;
     return runMain(*state_, desc, main);
