@@ -112,9 +112,18 @@ RscHandle openFile(const std::string& path, int mode) {
     return openFiles().lastHandle = handle;
 }
 
+// Without the shared file no message could be shown, which nobody would otherwise learn of.
+void tellMissingFile(const std::string& shared) {
+    if (shared.empty() || stampOf(shared)) return;
+    const std::string text = "The resource file \"" + shared + "\" isn't there, so messages can't be shown. " +
+                             "Check the configuration variable MS_APPRSC.";
+    mdlOutput_messageCenter(11, hostName(text).c_str(), "", 0);
+}
+
 // The shared file lies behind an application's own: what the own one lacks is found there.
 RscHandle openOwnFile(int mode) {
     const std::string own = fileBesideModule(), shared = sharedFile();
+    tellMissingFile(shared);
     if (!own.empty() && !shared.empty() && shared != own)
         guarded<RscHandle>(0, [&] { return openFile(shared, MDL_RSC_READ); });
     const std::string& path = own.empty() ? shared : own;

@@ -107,6 +107,10 @@ TEST_F(ResourceFile, AnApplicationWithoutItsOwnFileTakesTheOneThatTheVariableNam
     EXPECT_EQ(mdlResource_openFile(&handle, nullptr, MDL_RSC_READ), MDL_ERROR);
     EXPECT_EQ(handle, 0);
     EXPECT_TRUE(front().messages.empty());
+    mdlSystem_defineCfgVar("MS_APPRSC", path("none.rsc").c_str(), 1);
+    EXPECT_EQ(mdlResource_openFile(&handle, nullptr, MDL_RSC_READ), MDL_ERROR);
+    ASSERT_EQ(front().messages.size(), 1u);
+    EXPECT_NE(front().messages[0].brief.find("none.rsc"), std::string::npos);
     mdlSystem_defineCfgVar("MS_APPRSC", make("shared.rsc", withText(1, "shared")).c_str(), 1);
     EXPECT_EQ(mdlResource_openFile(&handle, nullptr, MDL_RSC_READ), MDL_SUCCESS);
     EXPECT_EQ(load(handle, 1), "shared");
