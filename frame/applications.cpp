@@ -18,7 +18,7 @@ struct ApplicationSlot {
     GlobalData* globalData;
 };
 
-constexpr int32_t maxSlots = 50;
+constexpr int32_t maxSlots = mostApplications + 1;  // a mark at the last one refuses
 
 // Lives as long as the module. slotCount never goes down; slots of ended applications are used again below it.
 struct ApplicationTable {
@@ -60,7 +60,7 @@ GlobalData* registerApplication() {
     MdlDesc* desc = mdlSystem_getCurrMdlDesc();
     // A mark of 50 refuses everyone, also where a slot is free: it serves 49 applications.
     ApplicationSlot* slot = desc ? &takeSlot(desc) : nullptr;
-    if (!slot || table.slotCount == maxSlots) {
+    if (!slot || tableIsFull()) {
         toolSubsystem_printf("Error in mclib_InitGlobalData\n");
         return nullptr;
     }
@@ -80,6 +80,10 @@ void forgetApplication(const GlobalData* data) {
 
 int32_t slotsHandedOut() {
     return table.slotCount;
+}
+
+bool tableIsFull() {
+    return table.slotCount == maxSlots;
 }
 
 GlobalData* findGlobalData() {

@@ -181,6 +181,13 @@ void refreshLineStyles() {
 
 // ---- initialisation ----
 
+void reportFullTable(const char* applicationName) {
+    const std::string brief = std::string("The application ") + (applicationName ? applicationName : "") +
+                              " can't start: " + std::to_string(mostApplications) +
+                              " applications are running, which is the most";
+    mdlOutput_messageCenter(10, brief.c_str(), "End the session, and start it with fewer applications.", 0);
+}
+
 bool isInitList(std::string_view listName) {
     return listName == "MS_DGNAPPS" || listName == "MS_INITAPPS";
 }
@@ -201,7 +208,10 @@ int mclibMain_initMcLib(const char* applicationName, int argc, char** argv) {
 
 int mclibMain_initMcLibExtended(const char* applicationName, int argc, char** argv, int rscMode) {
     GlobalData* data = registerApplication();
-    if (!data) return MCLIB_ERROR;
+    if (!data) {
+        if (tableIsFull()) reportFullTable(applicationName);
+        return MCLIB_ERROR;
+    }
     mgdP = data;
     if (argc > 1 && argv && argv[1]) data->isInitApp = isInitList(argv[1]);
     mdlResource_openFile(&data->appRscHandle, nullptr, rscMode);

@@ -111,6 +111,8 @@ TEST_F(Frame, RefusesEveryoneOnceFiftySlotsWereHandedOut) {
     std::vector<MdlDesc*> descs = startMany(mostApplications);
     start("late");
     ASSERT_EQ(lastStatus, MCLIB_ERROR);
+    ASSERT_EQ(front().messages.size(), 1u);
+    EXPECT_NE(front().messages[0].brief.find("late"), std::string::npos);
     for (size_t i = 0; i < 10; ++i) session().endApplication(descs[i]);
     start("later");
     EXPECT_EQ(lastStatus, MCLIB_ERROR);
