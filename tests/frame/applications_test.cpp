@@ -12,12 +12,6 @@
 #include "host/session/memory.h"
 #include "tests/support/session_fixture.h"
 
-// The blocks of ended applications are left behind when their slots are used again.
-extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
-    return "leak:mclibMain_initMcLibExtended\n";
-}
-
 namespace {
 
 constexpr int mostApplications = 49;

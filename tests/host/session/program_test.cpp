@@ -88,8 +88,7 @@ TEST_F(Program, FindsAnApplicationAlongThePathThatIsSet) {
 
 TEST_F(Program, AWrongCallShowsUsage) {
     for (const char* call : {"", "--nosuchoption app", "--open", "--set novalue app", "--set =x app",
-                             "--set 'a b=x' app", "--open a.mcd --new b.mcd app", "--set A=B", "--3d app",
-                             "''"}) {
+                             "--set 'a b=x' app", "--open a.mcd --new b.mcd app", "--set A=B", "--3d app", "''"}) {
         SCOPED_TRACE(call);
         const Outcome outcome = run(call);
         EXPECT_EQ(outcome.status, 2);
