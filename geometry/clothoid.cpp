@@ -1,11 +1,10 @@
 #include "geometry/clothoid.h"
 
 #include <algorithm>
-#include <memory>
 
 #include "frame/error.h"
+#include "frame/host_ptr.h"
 #include "geometry/plane.h"
-#include "host/mdl/system.h"
 
 namespace {
 
@@ -92,10 +91,7 @@ double startBearing(const Layout& layout, double R1, double R2) {
 
 // ---- curves ----
 
-struct FreeBlock {
-    void operator()(void* block) const { dlmSystem_mdlFree(block); }
-};
-using PointArray = std::unique_ptr<Point3d[], FreeBlock>;
+using PointArray = HostPtr<Point3d[]>;
 
 PointArray allocatePoints(int count) {
     const size_t bytes = static_cast<size_t>(std::max(count, 0)) * sizeof(Point3d);

@@ -1,10 +1,10 @@
 // The geometry of alignments on elements of the host: lines and arcs made, and the nearest point found.
 #include <algorithm>
 
+#include "frame/host_ptr.h"
 #include "frame/util.h"
 #include "geometry/plane.h"
 #include "host/mdl/model.h"
-#include "host/mdl/system.h"
 #include "host/mdl/transform.h"
 
 namespace {
@@ -52,14 +52,15 @@ int searchComponent(MSElementBuffer* element, void* argument, int32_t, int32_t, 
     if (!(search.classMask >> (elementClass & 31) & 1)) return 0;
     Point3d* points = nullptr;
     int32_t left = 0;
-    if (mdlElement_stroke(&points, &left, element, search.tolerance) != MDL_SUCCESS) return 0;
+    const int status = mdlElement_stroke(&points, &left, element, search.tolerance);
+    const HostPtr<Point3d[]> owned(points);
+    if (status != MDL_SUCCESS) return 0;
     for (const Point3d* run = points; left >= 2;) {
         const int32_t count = std::min<int32_t>(left, MDL_MAX_POINTS);
         searchRun(search, run, count);
         run += count;
         left -= count;
     }
-    dlmSystem_mdlFree(points);
     return 0;
 }
 

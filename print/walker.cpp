@@ -2,15 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <numbers>
 #include <string_view>
 
+#include "frame/host_ptr.h"
 #include "frame/util.h"
 #include "geometry/elmdscr.h"
 #include "host/mdl/level.h"
 #include "host/mdl/model.h"
-#include "host/mdl/system.h"
 #include "host/mdl/text.h"
 #include "host/mdl/transform.h"
 #include "print/styles.h"
@@ -62,10 +61,7 @@ class PaperTransform {
 
 // ---- one element ----
 
-struct FreeBlock {
-    void operator()(void* block) const { dlmSystem_mdlFree(block); }
-};
-using PointArray = std::unique_ptr<Point3d[], FreeBlock>;
+using PointArray = HostPtr<Point3d[]>;
 
 struct Symbology {
     int32_t color, weight, style;
