@@ -236,8 +236,16 @@ Got physicalLine(std::span<char> dest, size_t begin, size_t& end, McFile* f, Tra
     return Got::line;
 }
 
-int fail(int message, int value = 0) {
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, message, value);
+int failTooLong(McFile* f, size_t maxLength) {
+    const McFile* reader = endOfChain(f);
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, lineTooLong, static_cast<int>(maxLength), reader->name,
+                               reader->lineNumber);
+    return -1;
+}
+
+int failUnreadable(McFile* f) {
+    const McFile* reader = endOfChain(f);
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, cannotRead, reader->name, reader->lineNumber);
     return -1;
 }
 
@@ -251,15 +259,15 @@ bool atEnd(McFile* f) {
 
 // Each physical line is read behind the text that continued lines left in dest, and trimmed there.
 int readLogicalLine(std::span<char> dest, McFile* f, TrailingComment&& comment) {
-    if (dest.empty()) return fail(lineTooLong, 0);
+    if (dest.empty()) return failTooLong(f, 0);
     size_t total = 0;
     for (int lines = 1;; ++lines) {
         size_t end = 0;
         const Got got = physicalLine(dest, total, end, f, comment);
         if (got != Got::line) {
             dest[total] = '\0';
-            if (got == Got::tooLong) return fail(lineTooLong, static_cast<int>(dest.size()));
-            return atEnd(f) ? 0 : fail(cannotRead);
+            if (got == Got::tooLong) return failTooLong(f, dest.size());
+            return atEnd(f) ? 0 : failUnreadable(f);
         }
         const std::string_view line(dest.data() + total, end - total);
         if (isCommentOrBlank(line, f->commentChar)) continue;
@@ -305,7 +313,7 @@ McFile* mclibFile_openExtended(const char* name, const char* mode, const char* c
 int mclibFile_close(McFile* f) {
     if (f->child) mclibFile_close(f->child);
     const int status = mdlTextFile_close(f->stream);
-    if (status != MDL_SUCCESS) mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, cannotClose);
+    if (status != MDL_SUCCESS) mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, cannotClose, f->name);
     if (f->parent)
         f->parent->child = nullptr;
     else

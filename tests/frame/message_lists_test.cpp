@@ -28,7 +28,6 @@ const std::map<std::string, int> listNames = {{"MCLIB_QUESTIONS", 20003},
 const std::map<std::string, std::set<Message>> passedOn = {
     {"frame/units.cpp", {{20007, 2}, {20007, 13}, {20007, 14}, {20007, 20}}},  // firsts and lasts of months and days
     {"frame/startup.cpp", {{20007, 38}, {20007, 39}, {20007, 40}, {20007, 41}}},
-    {"text/file.cpp", {{20005, 3}, {20005, 4}}},
     {"batch/message_dialogs.cpp", {{20007, 25}, {20007, 26}, {20007, 27}, {20007, 28}, {20007, 29}, {20007, 30}}},
 };
 
