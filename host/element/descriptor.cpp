@@ -89,6 +89,19 @@ void appendToChain(ElementDescr* ed, ElementDescr* part) {
     nodeOf(ed)->tail = part;
 }
 
+void append(ElementDescr* ed, ElementDescr* part) {
+    if (isHeaderType(headOf(ed->element).type))
+        appendChildren(ed, part);
+    else
+        appendToChain(ed, part);
+}
+
+// The first node of the descriptor that the node stands in.
+const ElementDescr* topOf(const ElementDescr* ed) {
+    while (ed->parent || ed->previous) ed = ed->parent ? ed->parent : ed->previous;
+    return ed;
+}
+
 ElementDescr* copyOf(const ElementDescr* ed);
 
 // The chain from ed on; null, with nothing left behind, when memory is out.
@@ -161,15 +174,14 @@ int mdlElmdscr_new(ElementDescr** edPP, ModelRef* model, const MSElementBuffer* 
 
 int mdlElmdscr_appendElement(ElementDescr* ed, const MSElementBuffer* element) {
     ElementDescr* part = ed ? makeNode(ed->model, element) : nullptr;
-    return part ? mdlElmdscr_appendDscr(ed, part) : MDL_ERROR;
+    if (!part) return MDL_ERROR;
+    append(ed, part);
+    return MDL_SUCCESS;
 }
 
 int mdlElmdscr_appendDscr(ElementDescr* ed, ElementDescr* part) {
-    if (!ed || !part || ed == part || part->parent || part->previous) return MDL_ERROR;
-    if (isHeaderType(headOf(ed->element).type))
-        appendChildren(ed, part);
-    else
-        appendToChain(ed, part);
+    if (!ed || !part || part->parent || part->previous || topOf(ed) == part) return MDL_ERROR;
+    append(ed, part);
     return MDL_SUCCESS;
 }
 

@@ -19,7 +19,8 @@ MDL_EXPORT int mdlElmdscr_new(ElementDescr **edPP, ModelRef *model, const MSElem
 /* Appends a copy of the element: as the last component when ed is a header that takes components (cell, text node,
  * complex shape), else at the end of ed's chain. */
 MDL_EXPORT int mdlElmdscr_appendElement(ElementDescr *ed, const MSElementBuffer *element);
-/* Appends a descriptor, which then belongs to ed, in the same way. */
+/* Appends a descriptor, which then belongs to ed, in the same way. MDL_ERROR, with both as they were, when it stands in a
+ * chain or header already, or ed is a part of it. */
 MDL_EXPORT int mdlElmdscr_appendDscr(ElementDescr *ed, ElementDescr *part);
 MDL_EXPORT int mdlElmdscr_duplicate(ElementDescr **edPP, const ElementDescr *ed); /* with chain and children */
 MDL_EXPORT void mdlElmdscr_freeAll(ElementDescr **edPP); /* frees chain and children; *edPP becomes null */

@@ -102,6 +102,8 @@ TEST_F(Descriptors, PartsThatStandSomewhereCantBeAppendedAgain) {
     makeTree();
     EXPECT_EQ(mdlElmdscr_appendDscr(tree.ed, tree.ed), MDL_ERROR);
     EXPECT_EQ(mdlElmdscr_appendDscr(tree.ed, tree.ed->next->firstChild), MDL_ERROR);
+    EXPECT_EQ(mdlElmdscr_appendDscr(tree.ed->next, tree.ed), MDL_ERROR) << "into its own chain";
+    EXPECT_EQ(mdlElmdscr_appendDscr(tree.ed->next->firstChild, tree.ed), MDL_ERROR) << "into its own component";
     EXPECT_EQ(mdlElmdscr_appendElement(nullptr, line(1)), MDL_ERROR);
     expectWhole(tree.ed);
 }
