@@ -118,11 +118,15 @@ MCLIB_EXPORT void mclibElmAttr_freeGroupeNames(void);
 MCLIB_EXPORT int mclibElmAttr_addAttribute(int id, const char *label, int group, int kind, int lockMask,
                                            ElmAttrHook hook, int refresh, const ElmAttrData *data, ...);
 /* Inserts a copy of the attribute `beforeId` in front of it, with an id of its own, the group that the dialog shows, and
- * the given label, lockMask and data. The dialog is always brought up to date. */
+ * the given label, lockMask and data. The dialog is always brought up to date. MCLIB_ERROR, with nothing changed, for an
+ * unknown id, as from the three calls below, and when there is no memory. */
 MCLIB_EXPORT int mclibElmAttr_insertAttribute(int beforeId, const char *label, int lockMask, const ElmAttrData *data);
+/* Gives an attribute other values; Extended: and another hook (null: none), whatever its group. */
 MCLIB_EXPORT int mclibElmAttr_editAttribute(int id, int refresh, const ElmAttrData *data);
 MCLIB_EXPORT int mclibElmAttr_editAttributeExtended(int id, int refresh, const ElmAttrData *data, ElmAttrHook hook);
+/* Takes an attribute off the list. The dialog, if asked for, then shows the one that stood before it. */
 MCLIB_EXPORT int mclibElmAttr_deleteAttribute(int id, int refresh);
+/* Takes all attributes off the list; the groups stay. */
 MCLIB_EXPORT void mclibElmAttr_freeAllAttribute(void);
 
 /* ---- looking up ---- */
