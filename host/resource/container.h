@@ -2,7 +2,7 @@
 //
 //   string(list, number, language, text)            text as Windows-1252 bytes
 //   dialog(id, width, height, hook)
-//   item(dialog, place, kind, id, x, y, width, height, access, hook, format)
+//   item(dialog, place, kind, id, x, y, width, height, hook, access, format)
 //   row(dialog, place, number, value)               rows of an option button
 //   label(dialog, place, number, language, text)    title: place -1; label of an item: number -1; else label of a row
 //   icon(id, size, pixels, sign)
