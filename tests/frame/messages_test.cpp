@@ -13,6 +13,7 @@
 #include "host/mdl/system.h"
 #include "host/session/memory.h"
 #include "tests/support/session_fixture.h"
+#include "text/file.h"
 
 namespace {
 
@@ -144,6 +145,23 @@ TEST_F(Boxes, TakeMessagesFromTheListsInTheLanguageInUse) {
     EXPECT_EQ(mclibError_rscMsgBoxPrintf(17, MCLIB_ERRORS, 9999), MCLIB_NOT_SHOWN);
     EXPECT_EQ(mclibError_rscListPrintf(LIST_COLLECT, 19999, 1), MCLIB_NOT_SHOWN);
     EXPECT_EQ(shown.size(), 2u);
+}
+
+TEST_F(Boxes, OnALongLineNameItsFileAndPlace) {
+    writeFile("in.txt", "short\na line of more than twenty characters\n");
+    writeFile("top.txt", "first\n%include in.txt\n");
+    McFile* file = mclibFile_open(path("top.txt").c_str(), "r");
+    ASSERT_NE(file, nullptr);
+    char line[20];
+    int status = 0;
+    while ((status = mclibFile_read(line, file, sizeof line)) > 0) {
+    }
+    EXPECT_EQ(status, -1);
+    ASSERT_EQ(shown.size(), 1u);
+    ASSERT_EQ(shown[0].lines.size(), 3u);
+    EXPECT_NE(shown[0].lines[0].find("20"), std::string::npos);
+    EXPECT_EQ(shown[0].lines[1], path("in.txt") + ", line 2");
+    EXPECT_EQ(mclibFile_close(file), 0);
 }
 
 TEST_F(Boxes, MayOpenOverEachOther) {
