@@ -227,9 +227,11 @@ double longNumber(const char* first, const char* last, ptrdiff_t magnitude) {
 struct Scanner {
     const char* at;
     const Parameters& parameters;
+    const char* start = at;  // of the token
     Token token = Token::bad;
     double value = 0.0;                  // of a number
     const Function* function = nullptr;  // of a function
+    int badness = MCLIB_FORMULA_SYNTAX;  // why a bad token is bad
 
     void next();
 
@@ -244,6 +246,7 @@ struct Scanner {
 
 void Scanner::next() {
     while (*at == ' ') ++at;
+    start = at;
     token = tokenStarts[static_cast<uint8_t>(*at)];
     if (token == Token::number) {
         token = number();
@@ -256,7 +259,6 @@ void Scanner::next() {
 
 // Digits with at most one point and perhaps an exponent.
 Token Scanner::number() {
-    const char* const start = at;
     uint64_t mantissa = 0;
     skipDigits(mantissa);
     ptrdiff_t digits = at - start, decimals = 0;
@@ -268,7 +270,10 @@ Token Scanner::number() {
         if (digits == 0) return Token::bad;
     }
     const ptrdiff_t scale = exponent() - decimals;
-    if (at - start > MCLIB_FORMULA_NUMBER_LENGTH) return Token::bad;
+    if (at - start > MCLIB_FORMULA_NUMBER_LENGTH) {
+        badness = MCLIB_FORMULA_LIMIT;
+        return Token::bad;
+    }
     if (digits > exactDigits || std::abs(scale) >= std::ssize(powersOfTen)) {
         value = longNumber(start, at, scale + digits - 1);
     } else {
@@ -290,7 +295,6 @@ int Scanner::exponent() {
 }
 
 Token Scanner::word() {
-    const char* const start = at;
     uint64_t key = 0;
     while (const char c = nameCharacter(*at)) {
         key = addToKey(key, c);
@@ -308,6 +312,7 @@ Token Scanner::word() {
         }
     }
     printUnknownName(start);
+    badness = MCLIB_FORMULA_UNKNOWN_NAME;
     return Token::bad;
 }
 
@@ -353,6 +358,8 @@ static_assert(symbolOf(Token::power) == Symbol::power);
 struct FormulaState {
     std::array<ParseEntry, MCLIB_FORMULA_NESTING + 1> stack;
     double failureResult;
+    int error;
+    int column;  // where it is, from 1
 };
 FormulaState state;
 
@@ -361,11 +368,11 @@ class Parser {
     Parser(const char* formula, const Parameters& parameters) : scanner{formula, parameters} {
         top->symbol = Symbol::start;
     }
-    // The value, or null.
+    // The value; or null, and the reason and place in the state.
     double* run();
 
   private:
-    // Each takes the token; false when it can't stand here or nothing may follow.
+    // Each takes the token; false when it is the end or something is wrong.
     bool takeBeforeOperand();
     bool takeBehindOperand();
 
@@ -374,22 +381,32 @@ class Parser {
     bool reduceOperators();
     bool applyOperator(Symbol symbol);
 
+    bool fail(int error) {
+        outcome = error;
+        return false;
+    }
+    bool failAtToken() { return fail(scanner.token == Token::bad ? scanner.badness : MCLIB_FORMULA_SYNTAX); }
+
     Scanner scanner;
     ParseEntry* top = state.stack.data();
-    bool accepted = false;
+    int outcome = MCLIB_FORMULA_GOOD;
 };
 
 double* Parser::run() {
+    const char* const formula = scanner.at;
     bool goesOn;
     do {
         scanner.next();
         goesOn = top->symbol < Symbol::operand ? takeBeforeOperand() : takeBehindOperand();
     } while (goesOn);
-    return accepted ? &top->value : nullptr;
+    state.error = outcome;
+    if (outcome == MCLIB_FORMULA_GOOD) return &top->value;
+    state.column = static_cast<int>(scanner.start - formula) + 1;
+    return nullptr;
 }
 
 bool Parser::push(Symbol symbol) {
-    if (top == &state.stack.back()) return false;
+    if (top == &state.stack.back()) return fail(MCLIB_FORMULA_LIMIT);
     (++top)->symbol = symbol;
     return true;
 }
@@ -398,7 +415,7 @@ bool Parser::push(Symbol symbol) {
 bool Parser::takeBeforeOperand() {
     const bool behindFunction = top->symbol == Symbol::function;
     if (scanner.token == Token::open) return push(Symbol::open);
-    if (behindFunction) return false;
+    if (behindFunction) return failAtToken();
     switch (scanner.token) {
         case Token::number:
             if (!push(Symbol::operand)) return false;
@@ -408,8 +425,10 @@ bool Parser::takeBeforeOperand() {
             if (!push(Symbol::function)) return false;
             top->function = scanner.function;
             return true;
-        case Token::minus: return top->symbol != Symbol::negation && push(Symbol::negation);
-        default: return false;
+        case Token::minus:
+            if (top->symbol == Symbol::negation) return failAtToken();
+            return push(Symbol::negation);
+        default: return failAtToken();
     }
 }
 
@@ -417,9 +436,9 @@ bool Parser::takeBehindOperand() {
     if (top->symbol == Symbol::close && !reduceBracket()) return false;
     if (!reduceOperators()) return false;
     if (isOperator(scanner.token)) return push(symbolOf(scanner.token));
-    if (scanner.token == Token::close) return top[-1].symbol == Symbol::open && push(Symbol::close);
-    accepted = scanner.token == Token::end && top[-1].symbol == Symbol::start;
-    return false;
+    if (scanner.token == Token::close && top[-1].symbol == Symbol::open) return push(Symbol::close);
+    if (scanner.token == Token::end && top[-1].symbol == Symbol::start) return false;
+    return failAtToken();
 }
 
 // The operand in the bracket on top takes the place of the bracket, and of the function in front of it.
@@ -428,7 +447,7 @@ bool Parser::reduceBracket() {
     top -= 2;
     if (top[-1].symbol == Symbol::function) {
         const Function& function = *(--top)->function;
-        if (!inDomain(function.domain, value)) return false;
+        if (!inDomain(function.domain, value)) return fail(MCLIB_FORMULA_RANGE);
         value = function.value(value);
     }
     top->symbol = Symbol::operand;
@@ -460,7 +479,10 @@ bool Parser::applyOperator(Symbol symbol) {
         case Symbol::sum: left += right; break;
         case Symbol::difference: left -= right; break;
         case Symbol::product: left *= right; break;
-        case Symbol::quotient: left /= right; return right != 0.0;
+        case Symbol::quotient:
+            if (right == 0.0) return fail(MCLIB_FORMULA_DIVISION);
+            left /= right;
+            break;
         default: left = pow(left, right);
     }
     return true;
@@ -481,6 +503,8 @@ bool withinLimits(const char* formula, int parameterCount) {
 }
 
 double* evaluate(const char* formula, int count, char* names, const double* values) {
+    state.column = 1;
+    state.error = formula ? MCLIB_FORMULA_LIMIT : MCLIB_FORMULA_SYNTAX;
     if (!formula || !withinLimits(formula, count)) return nullptr;
     Parameters parameters;
     if (names && values) record(parameters, count, names, values);
@@ -496,4 +520,9 @@ double* mclibParse_parseFormulaP(const char* formula, int* errorP, int parameter
     if (value) return value;
     state.failureResult = 0.0;
     return &state.failureResult;
+}
+
+int mclibParse_getFormulaError(int* columnP) {
+    if (columnP) *columnP = state.column;
+    return state.error;
 }

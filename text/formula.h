@@ -29,4 +29,18 @@ enum {
 MCLIB_EXPORT double *mclibParse_parseFormulaP(const char *formula, int *errorP, int parameterCount, char *parameterNames,
                                               const double *parameterValues);
 
+/* Why a formula has no value. */
+enum {
+    MCLIB_FORMULA_GOOD = 0,
+    MCLIB_FORMULA_SYNTAX = 1,       /* what stands here can't stand here, or something is missing */
+    MCLIB_FORMULA_UNKNOWN_NAME = 2,
+    MCLIB_FORMULA_DIVISION = 3,     /* by 0, in front of here */
+    MCLIB_FORMULA_RANGE = 4,        /* a function of a value that it doesn't take, in front of here */
+    MCLIB_FORMULA_LIMIT = 5         /* over one of the limits above */
+};
+
+/* What the last call of mclibParse_parseFormulaP ended with. *columnP, which may be null, gets the column, from 1, of the
+ * number, name or sign at which it ended; 1 for a good formula and for a limit of the whole call. */
+MCLIB_EXPORT int mclibParse_getFormulaError(int *columnP);
+
 #endif

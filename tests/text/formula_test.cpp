@@ -238,6 +238,41 @@ TEST(Formula, LimitsRefuseWithoutTouchingTheArrays) {
     EXPECT_EQ(evaluate("1" + repeated(200, "+1")).value, 201) << "only what is open takes room";
 }
 
+TEST(Formula, AFailureTellsItsReasonAndColumn) {
+    struct Failure {
+        std::string formula;
+        int reason, column;
+    };
+    const std::string deep(49, '(');
+    const std::initializer_list<Failure> failures = {
+        {"1+2", MCLIB_FORMULA_GOOD, 1},
+        {"", MCLIB_FORMULA_SYNTAX, 1},
+        {"1+ ", MCLIB_FORMULA_SYNTAX, 4},
+        {"1 + * 2", MCLIB_FORMULA_SYNTAX, 5},
+        {"2 12.5", MCLIB_FORMULA_SYNTAX, 3},
+        {"(1+2", MCLIB_FORMULA_SYNTAX, 5},
+        {"1)", MCLIB_FORMULA_SYNTAX, 2},
+        {"--2", MCLIB_FORMULA_SYNTAX, 2},
+        {"SIN 2", MCLIB_FORMULA_SYNTAX, 5},
+        {"1+\t2", MCLIB_FORMULA_SYNTAX, 3},
+        {"2*width", MCLIB_FORMULA_UNKNOWN_NAME, 3},
+        {"1/(2-2)*3", MCLIB_FORMULA_DIVISION, 8},
+        {"1/0*", MCLIB_FORMULA_DIVISION, 4},
+        {"2+SQRT(1-2)", MCLIB_FORMULA_RANGE, 12},
+        {"1+" + std::string(80, '1'), MCLIB_FORMULA_LIMIT, 3},
+        {deep + "1", MCLIB_FORMULA_LIMIT, 50},
+        {std::string(513, ' '), MCLIB_FORMULA_LIMIT, 1},
+        {"1+2", MCLIB_FORMULA_GOOD, 1},
+    };
+    for (const Failure& f : failures) {
+        int error = -1, column = -1;
+        mclibParse_parseFormulaP(f.formula.c_str(), &error, 0, nullptr, nullptr);
+        EXPECT_EQ(mclibParse_getFormulaError(&column), f.reason) << f.formula;
+        EXPECT_EQ(column, f.column) << f.formula;
+        EXPECT_EQ(error, f.reason == MCLIB_FORMULA_GOOD ? 0 : 1) << f.formula;
+    }
+}
+
 TEST(Formula, ResultOfAFailureIsZeroEvenIfTheCallerWroteThere) {
     int error = 0;
     *mclibParse_parseFormulaP("", &error, 0, nullptr, nullptr) = 5.0;
