@@ -1,11 +1,8 @@
 // The output: the prolog, then one line of text for each drawing step, in points, on one open page after the other.
-// Lines are put together in a block, which goes to the stream whenever it is full.
 #include "print/ps.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <numbers>
 #include <string_view>
@@ -13,7 +10,7 @@
 #include "host/mdl/files.h"
 #include "host/mdl/system.h"
 #include "print/driver.h"
-#include "print/hundredths.h"
+#include "print/output.h"
 #include "print/ps_prolog.h"
 #include "print/styles.h"
 
@@ -22,59 +19,7 @@ namespace {
 // Points in a millimetre. Differs from 72 / 25.4 in the eighth decimal; every PostScript file is made with this value.
 constexpr double pointsPerMm = 2.834645651435303;
 
-// Room for the longest line of numbers, or for a text with its numbers.
-constexpr size_t lineRoom = 2560;
-static_assert(lineRoom > 6 * hundredthsRoom + 256);
-
-// The job: open while `stream` isn't null. `failed` and `fileName` live on until the next job.
-struct PsState {
-    FILE* stream;
-    bool failed;
-    char fileName[256];
-    char* end;  // of what waits in the block
-    char block[size_t{1} << 16];
-};
-PsState state;
-
-// ---- the block ----
-
-// Bytes to the stream; a NUL, which may stand in an included file, goes by itself.
-void writeBytes(std::string_view bytes) {
-    while (!bytes.empty() && !state.failed) {
-        const std::string_view text = bytes.substr(0, bytes.find('\0'));
-        const int written =
-            text.empty() ? toolSubsystem_fprintf(state.stream, "%c", '\0')
-                         : toolSubsystem_fprintf(state.stream, "%.*s", static_cast<int>(text.size()), text.data());
-        if (written <= 0) state.failed = true;
-        bytes.remove_prefix(std::max<size_t>(text.size(), 1));
-    }
-}
-
-void flush() {
-    writeBytes({state.block, static_cast<size_t>(state.end - state.block)});
-    state.end = state.block;
-}
-
-inline void taken(char* end) {
-    state.end = end;
-}
-
-// Room for one line behind p, which is the end of the block: the block is written first when it is nearly full.
-inline char* roomAt(char* p) {
-    if (p <= state.block + sizeof state.block - lineRoom) return p;
-    taken(p);
-    flush();
-    return state.end;
-}
-
-// Room for one line at the end of the block. What is written there counts from taken() on.
-inline char* line() {
-    return roomAt(state.end);
-}
-
-inline char* put(char* p, std::string_view text) {
-    return p + text.copy(p, text.size());
-}
+PrintOutput output;
 
 inline char* putNumber(char* p, double v) {
     p = putHundredths(p, v);
@@ -84,14 +29,6 @@ inline char* putNumber(char* p, double v) {
 
 inline char* putLength(char* p, double mm) {
     return putNumber(p, mm * pointsPerMm);
-}
-
-void write(std::string_view text) {
-    while (!text.empty()) {
-        const std::string_view part = text.substr(0, lineRoom);
-        taken(put(line(), part));
-        text.remove_prefix(part.size());
-    }
 }
 
 inline char* putPoint(char* p, double x, double y, std::string_view operation) {
@@ -177,13 +114,9 @@ int cannotLoad(const char* fileName) {
 }
 
 char* putThousandths(char* p, double v) {
-    p = std::to_chars(p, p + hundredthsRoom, v, std::chars_format::fixed, 3).ptr;
+    p = std::to_chars(p, p + numberRoom, v, std::chars_format::fixed, 3).ptr;
     *p++ = ' ';
     return p;
-}
-
-bool isGray(double gray) {
-    return 0.0 <= gray && gray <= 1.0;
 }
 
 }  // namespace
@@ -191,100 +124,88 @@ bool isGray(double gray) {
 // ---- the job ----
 
 int mclibPs_fopen(const char* fileName) {
-    if (state.stream) mclibPs_fclose();
-    state.fileName[std::string_view(fileName).copy(state.fileName, sizeof state.fileName - 1)] = '\0';
-    state.end = state.block;
-    state.stream = dlmSystem_mdlFopen(fileName, "w");
-    state.failed = !state.stream;
-    if (state.failed) {
-        toolSubsystem_printf("mcpslib: cannot open %s.\n", fileName);
-        return 0;
-    }
-    write(psProlog);
+    mclibPs_fclose();
+    if (!output.open("mcpslib", fileName)) return 0;
+    output.write(psProlog);
     return 1;
 }
 
 void mclibPs_newPage(void) {
-    if (state.stream) write("showpage\n");
+    if (output.isOpen()) output.write("showpage\n");
 }
 
 void mclibPs_fclose(void) {
-    if (!state.stream) return;
+    if (!output.isOpen()) return;
     mclibPs_newPage();
-    flush();
-    if (dlmSystem_mdlFclose(state.stream) != 0) state.failed = true;
-    state.stream = nullptr;
-    if (state.failed)
-        toolSubsystem_printf("mcpslib: cannot write all of %s; make room on its disk and print again.\n",
-                             state.fileName);
+    output.close();
 }
 
 int mclibPs_jobStatus(void) {
-    return state.failed ? MCLIB_ERROR : MCLIB_SUCCESS;
+    return output.status();
 }
 
 // ---- drawing ----
 
 void mclibPs_drawLine(float x1, float y1, float x2, float y2, float width) {
-    if (!state.stream) return;
-    char* p = line();
+    if (!output.isOpen()) return;
+    char* p = output.line();
     for (const float value : {x1, y1, x2, y2, width}) p = putLength(p, value);
-    taken(put(p, "_dl\n"));
+    output.taken(put(p, "_dl\n"));
 }
 
 void mclibPs_drawPolyline(const Point3d* points, int count, double width, double gray) {
-    if (!state.stream || count < 1) return;
+    if (!output.isOpen() || count < 1) return;
     const bool filled = isGray(gray);
-    char* p = line();
+    char* p = output.line();
     if (filled) p = putGray(p, gray);
-    p = roomAt(putLineWidth(p, width));
+    p = output.roomAt(putLineWidth(p, width));
     p = putPoint(p, points[0].x, points[0].y, "moveto\n");
-    for (int i = 1; i < count; ++i) p = putPoint(roomAt(p), points[i].x, points[i].y, "lineto\n");
-    taken(put(roomAt(p), filled ? fillOperations : "stroke\n"));
+    for (int i = 1; i < count; ++i) p = putPoint(output.roomAt(p), points[i].x, points[i].y, "lineto\n");
+    output.taken(put(output.roomAt(p), filled ? fillOperations : "stroke\n"));
 }
 
 void mclibPs_drawPolylineExtended(const Point3d* points, int count, double width, const char* dash, double gray) {
-    if (!state.stream || count < 1) return;
-    write("[");
-    write(dash);
-    write("] 0 setdash\n");
+    if (!output.isOpen() || count < 1) return;
+    output.write("[");
+    output.write(dash);
+    output.write("] 0 setdash\n");
     mclibPs_drawPolyline(points, count, width, gray);
 }
 
 void mclibPs_drawText(double x, double y, const char* text, double height, double angle, int just) {
-    if (!state.stream) return;
-    char* p = putLength(putLength(line(), x), y);
+    if (!output.isOpen()) return;
+    char* p = putLength(putLength(output.line(), x), y);
     p = put(put(put(p, "("), EscapedText(text).view()), ") ");
-    taken(put(putNumber(putLength(p, height), angle), textProcedure(just)));
+    output.taken(put(putNumber(putLength(p, height), angle), textProcedure(just)));
 }
 
 void mclibPs_drawArc(double x, double y, double radius, double startAngle, double endAngle, double width) {
-    if (!state.stream) return;
+    if (!output.isOpen()) return;
     const double start = startAngle * std::numbers::pi / 180;
-    char* p = roomAt(putLineWidth(line(), width));
-    p = roomAt(putPoint(p, x + radius * std::cos(start), y + radius * std::sin(start), "moveto\n"));
-    taken(put(putArc(p, x, y, radius, startAngle, endAngle), "stroke\n"));
+    char* p = output.roomAt(putLineWidth(output.line(), width));
+    p = output.roomAt(putPoint(p, x + radius * std::cos(start), y + radius * std::sin(start), "moveto\n"));
+    output.taken(put(putArc(p, x, y, radius, startAngle, endAngle), "stroke\n"));
 }
 
 void mclibPs_fillCirc(double x, double y, double radius, double startAngle, double endAngle, double gray) {
-    if (!state.stream) return;
-    char* p = roomAt(putPoint(putGray(line(), gray), x, y, "moveto\n"));
-    taken(put(putArc(p, x, y, radius, startAngle, endAngle), fillOperations));
+    if (!output.isOpen()) return;
+    char* p = output.roomAt(putPoint(putGray(output.line(), gray), x, y, "moveto\n"));
+    output.taken(put(putArc(p, x, y, radius, startAngle, endAngle), fillOperations));
 }
 
 int mclibPs_includeEPSFile(const char* fileName, double scaleX, double scaleY, double x, double y, double rotation) {
-    if (!state.stream) return 0;
+    if (!output.isOpen()) return 0;
     char buffer[4096];
     const Stream eps(dlmSystem_mdlFopen(fileName, "r"));
     size_t length = eps ? std::fread(buffer, 1, sizeof buffer, eps.get()) : 0;
     if (!eps || std::ferror(eps.get())) return cannotLoad(fileName);
-    write("/EPSsave save def\n/showpage {} def\n");
-    char* p = put(putLength(putLength(line(), x), y), "translate ");
+    output.write("/EPSsave save def\n/showpage {} def\n");
+    char* p = put(putLength(putLength(output.line(), x), y), "translate ");
     p = put(putThousandths(putThousandths(p, scaleX), scaleY), "scale ");
-    taken(put(putNumber(p, rotation), "rotate\n"));
-    write("% begin included EPS file\n");
-    for (; length > 0; length = std::fread(buffer, 1, sizeof buffer, eps.get())) write({buffer, length});
-    write("% end included EPS file\nEPSsave restore\n");
+    output.taken(put(putNumber(p, rotation), "rotate\n"));
+    output.write("% begin included EPS file\n");
+    for (; length > 0; length = std::fread(buffer, 1, sizeof buffer, eps.get())) output.write({buffer, length});
+    output.write("% end included EPS file\nEPSsave restore\n");
     return std::ferror(eps.get()) ? cannotLoad(fileName) : 1;
 }
 

@@ -1,37 +1,17 @@
 // The PostScript driver, without an application.
 #include "print/ps.h"
 
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
+#include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <limits>
-#include <sstream>
-#include <string>
 
 #include "print/ps_prolog.h"
+#include "tests/print/file_fixture.h"
 
 namespace {
 
-std::string read(const std::filesystem::path& path) {
-    std::ostringstream bytes;
-    bytes << std::ifstream(path, std::ios::binary).rdbuf();
-    return bytes.str();
-}
-
-// A folder of its own, with one print file.
-class PostScript : public testing::Test {
+class PostScript : public PrintFileTest {
   protected:
-    PostScript() {
-        std::string name = (std::filesystem::temp_directory_path() / "mclib_ps_XXXXXX").string();
-        folder = mkdtemp(name.data());
-        file = (folder / "page.ps").string();
-    }
-    ~PostScript() override { std::filesystem::remove_all(folder); }
-
     // What drawing writes to a page.
     template <class Draw>
     std::string page(Draw draw) {
@@ -49,12 +29,7 @@ class PostScript : public testing::Test {
     std::string text(const std::string& characters, int just = 2) {
         return page([&] { mclibPs_drawText(0, 0, characters.c_str(), 1, 0, just); });
     }
-
-    std::filesystem::path folder;
-    std::string file;
 };
-
-const Point3d corner[] = {{10, 20, 9}, {30, 20, 9}, {30, 40, 9}};
 
 std::string textLine(const std::string& escaped) {
     return "0.00 0.00 (" + escaped + ") 2.83 0.00 _dtfl\n";

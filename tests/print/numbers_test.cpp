@@ -1,5 +1,5 @@
-// Numbers with two decimals, held against printf.
-#include "print/hundredths.h"
+// Numbers held against printf.
+#include "print/numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -12,25 +12,28 @@
 
 namespace {
 
-std::string formatted(double v) {
-    char text[hundredthsRoom];
-    return {text, putHundredths(text, v)};
-}
+using Room = char[numberRoom];
 
-std::string printed(double v) {
+template <class Value>
+std::string printed(const char* format, Value v) {
     char text[400];
-    std::snprintf(text, sizeof text, "%.2f", v);
+    std::snprintf(text, sizeof text, format, v);
     return text;
 }
 
 void expectAsPrinted(double v) {
-    for (const double signedValue : {v, -v})
-        ASSERT_EQ(formatted(signedValue), printed(signedValue)) << std::hexfloat << signedValue;
+    for (const double signedValue : {v, -v}) {
+        Room text;
+        ASSERT_EQ(std::string(text, putHundredths(text, signedValue)), printed("%.2f", signedValue))
+            << std::hexfloat << signedValue;
+        ASSERT_EQ(std::string(text, putTenths(text, signedValue)), printed("%.1f", signedValue))
+            << std::hexfloat << signedValue;
+    }
 }
 
 }  // namespace
 
-TEST(Hundredths, EdgesAreThoseOfPrintf) {
+TEST(Numbers, EdgesAreThoseOfPrintf) {
     using limits = std::numeric_limits<double>;
     for (const double v : {0.0,
                            0.004,
@@ -63,16 +66,33 @@ TEST(Hundredths, EdgesAreThoseOfPrintf) {
     }
 }
 
-TEST(Hundredths, HalvesGoToTheEvenDigit) {
-    // With a binary fraction of eighths the hundredths are exact halves.
+TEST(Numbers, HalvesGoToTheEvenDigit) {
+    // With a binary fraction of eighths the hundredths are exact halves, with one of quarters the tenths.
     for (int i = 0; i < 100000; ++i) expectAsPrinted(i * 0.125);
 }
 
-TEST(Hundredths, RandomNumbersAreThoseOfPrintf) {
+TEST(Numbers, RandomNumbersAreThoseOfPrintf) {
     std::mt19937_64 random(11);
     for (int i = 0; i < 50000; ++i) {
         expectAsPrinted(std::bit_cast<double>(random()));  // of any size
         expectAsPrinted(std::ldexp(static_cast<double>(random() >> 11), -static_cast<int>(random() % 64)));
         expectAsPrinted(static_cast<double>(random() % 100000000) / 1000);  // near halves
+    }
+}
+
+TEST(Numbers, WholeNumbersAreCutTowardsZeroAndHeldAtTheirLimits) {
+    using limits = std::numeric_limits<double>;
+    struct Case {
+        double v;
+        int32_t whole;
+    };
+    for (const Case& c : {Case{2.999, 2}, Case{-2.999, -2}, Case{-0.5, 0}, Case{2147483646.5, 2147483646},
+                          Case{2147483647.0, INT32_MAX}, Case{1e300, INT32_MAX}, Case{limits::infinity(), INT32_MAX},
+                          Case{-2147483647.5, -2147483647}, Case{-2147483648.0, INT32_MIN}, Case{-1e300, INT32_MIN},
+                          Case{limits::quiet_NaN(), 0}})
+        EXPECT_EQ(truncated(c.v), c.whole) << c.v;
+    for (const int32_t v : {0, 7, -7, 10, 99, 100, 9999, 10000, -12345678, INT32_MAX, INT32_MIN}) {
+        Room text;
+        EXPECT_EQ(std::string(text, putInteger(text, v)), printed("%d", v));
     }
 }
