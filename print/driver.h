@@ -15,14 +15,20 @@ struct Stroke {
     const LineStyle* style;
     double gray;
 };
+constexpr bool isGray(double gray) {
+    return 0.0 <= gray && gray <= 1.0;
+}
 
 // A text on its base line.
 struct Label {
     double x, y;
-    const char* text;
+    char* text;     // HP-GL replaces letters in it
     double height;  // 1.3 times the height of the text's box
     double angle;
-    int32_t just;  // 0 centred, 1 right-aligned, else left-aligned
+    int32_t just;          // 0 centred, 1 right-aligned, else left-aligned
+    const Point3d* shape;  // the five points of its box, turned about the sheet's origin so that the text lies level
+    double size;           // as the host tells it
+    double pageAngle;      // direction of reading of the page
 };
 
 // What a print device does. Lengths are millimetres on the paper, x right, y up, origin at the sheet's lower left
@@ -38,4 +44,4 @@ struct PrintDriver {
     void (*label)(const Label&);
 };
 
-extern const PrintDriver psDriver;
+extern const PrintDriver psDriver, hpglDriver, asciiDriver, pclDriver;

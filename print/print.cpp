@@ -12,8 +12,8 @@ namespace {
 
 // The drivers by print device.
 constexpr auto drivers = std::to_array<const PrintDriver*>({
-    &psDriver, nullptr, nullptr, nullptr,  // 0 PostScript
-    nullptr, nullptr, nullptr,             // 6 is the host's plotter, which gets no file
+    &psDriver, &hpglDriver, nullptr, nullptr,  // 0 PostScript, 1 HP-GL
+    &asciiDriver, &pclDriver, nullptr,         // 4 ASCII, 5 PCL, 6 is the host's plotter, which gets no file
 });
 
 struct PageSize {

@@ -5,7 +5,9 @@
 #include <numbers>
 #include <string_view>
 
+#include "frame/global_data.h"
 #include "frame/host_ptr.h"
+#include "frame/main.h"
 #include "frame/util.h"
 #include "geometry/elmdscr.h"
 #include "host/mdl/level.h"
@@ -72,6 +74,7 @@ struct Symbology {
 struct Pass {
     const PrintDriver& driver;
     ModelRef* model;
+    double pageAngle;
     int32_t filter;
     LevelId knownLevel = 0;  // the level that was looked up last, and its code
     int32_t knownCode = 0;
@@ -150,12 +153,16 @@ void printText(const Pass& pass, const MSElementBuffer* element) {
     const double height = mdlVec_distance(&box[1], &box[2]);
     const Anchor anchor = anchorOf(just);
     const double down = anchor.halves * height * 0.5;
+    mdlRMatrix_unrotatePointArray(box, &rotation, static_cast<int32_t>(std::size(box)));
     pass.driver.label({.x = origin.x + std::sin(angle) * down,
                        .y = origin.y - std::cos(angle) * down,
                        .text = text,
                        .height = height * heightOfBox,
                        .angle = angle * 180 / pi,
-                       .just = anchor.just});
+                       .just = anchor.just,
+                       .shape = box,
+                       .size = size,
+                       .pageAngle = pass.pageAngle});
 }
 
 // ---- lines and closed shapes ----
@@ -224,8 +231,10 @@ void walkPage(const PrintDriver& driver, ElementDescr* page, const PaperBox& box
     if (!page || mclibElemDscr_getRange(range, page) != MDL_SUCCESS) return;
     PaperTransform transform;
     if (!transform.fit(range, box, driver.quarterTurn)) return;
+    const GlobalData* gd = mclibMain_getGlobalDataP();
+    const double pageAngle = gd ? gd->pageAngle : 0.0;
     for (const int32_t filter : {backgroundLevel, -backgroundLevel}) {
-        Pass pass{.driver = driver, .model = mdlModelRef_getActive(), .filter = filter};
+        Pass pass{.driver = driver, .model = mdlModelRef_getActive(), .pageAngle = pageAngle, .filter = filter};
         mdlElmdscr_operation(page, printElement, &pass, visitAll);
     }
 }
