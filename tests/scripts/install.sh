@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# install.sh SOURCE_DIR BUILD_DIR: an application is built against an installed library, by pkg-config and by CMake, and
+# runs, as the README tells.
+set -euo pipefail
+source=$1 build=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cmake --install "$build" --prefix "$work/mclib" >/dev/null
+cd "$work"
+export PKG_CONFIG_PATH=$work/mclib/lib/pkgconfig
+cc -shared -fPIC -o hello.so "$source/apps/hello/hello.c" $(pkg-config --cflags --libs mclib)
+mclib/bin/mchost ./hello.so by-hand.ps
+cat >CMakeLists.txt <<TEXT
+cmake_minimum_required(VERSION 3.25)
+project(hello C)
+find_package(mclib 6.14 REQUIRED)
+mclib_application(hello $source/apps/hello/hello.c)
+TEXT
+cmake -B build -DCMAKE_PREFIX_PATH="$work/mclib" >/dev/null
+cmake --build build >/dev/null
+mclib/bin/mchost build/hello.so by-cmake.ps
+cmp by-hand.ps by-cmake.ps
