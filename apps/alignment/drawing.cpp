@@ -6,13 +6,15 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "apps/shared/tell.h"
 #include "host/mdl/element.h"
 #include "host/mdl/model.h"
 #include "host/mdl/transform.h"
 #include "mclib.h"
-#include "tell.h"
 
 namespace alignment {
+
+using app::fail;
 
 namespace {
 

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "apps/shared/tell.h"
 #include "checks.h"
 #include "drawing.h"
 #include "host/mdl/model.h"
@@ -18,9 +19,11 @@
 #include "outputs.h"
 #include "reader.h"
 #include "sheet.h"
-#include "tell.h"
 
 namespace alignment {
+
+using app::fail;
+using app::warn;
 namespace {
 
 namespace fs = std::filesystem;

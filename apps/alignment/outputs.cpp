@@ -6,9 +6,11 @@
 #include <cstring>
 #include <fstream>
 
-#include "tell.h"
+#include "apps/shared/tell.h"
 
 namespace alignment {
+
+using app::fail;
 
 namespace fs = std::filesystem;
 

@@ -6,10 +6,12 @@
 #include <cstdio>
 #include <limits>
 
+#include "apps/shared/tell.h"
 #include "mclib.h"
-#include "tell.h"
 
 namespace alignment {
+
+using app::fail;
 
 namespace {
 

@@ -114,7 +114,7 @@ void restOfLine(McFii& f) {
 }
 
 void reports(McFii& f, const std::string& text) {
-    std::vector<char> line(static_cast<size_t>(f.lineSize) + 15), copy(textSize), two(text.size() * text.size());
+    std::vector<char> line(static_cast<size_t>(f.lineSize) + 15), copy(textSize), two(text.size() * 8);
     mclibFii_makeErr(&f, line.data());
     mclibFii_makeErr2(&f, two.data(), static_cast<int>(two.size()));
     int code = 0, lineNumber = 0, column = 0;

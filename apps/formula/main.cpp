@@ -1,0 +1,174 @@
+// formula: a calculator, and a checker of formulas and tag strings in a file.
+#include <charconv>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "apps/shared/tell.h"
+#include "job.h"
+#include "mclib.h"
+#include "table.h"
+#include "values.h"
+
+namespace formula {
+namespace {
+
+using app::fail;
+
+enum ExitStatus { done = 0, failed = 1, wrongCall = 2 };
+
+// clang-format off
+constexpr const char* usage =
+    "usage: mchost formula \"FORMULA\" [NAME=NUMBER]...      the value of a formula\n"
+    "       mchost formula --tag \"STRING\" [NAME=TEXT]...    the text of a tag string\n"
+    "       mchost formula --file FILE.txt [NAME=NUMBER]... all of a file, with other values for its parameters\n"
+    "  --decimals N   0 to 12; without it as many as a number needs, and 3 in a file that tells none\n";
+// clang-format on
+
+enum class Mode { formula, tag, file };
+
+struct Given {
+    std::string name, value;
+};
+
+struct Options {
+    Mode mode = Mode::formula;
+    std::optional<std::string> subject;  // the formula, the tag string or the name of the file
+    std::vector<Given> given;
+    std::optional<int> decimals;
+};
+
+// ---- arguments ----
+
+bool wrong(const std::string& what) {
+    fail(what);
+    toolSubsystem_printf("%s", usage);
+    return false;
+}
+
+template <class Number>
+std::optional<Number> numberIn(std::string_view text) {
+    Number value = 0;
+    const auto [end, error] = std::from_chars(text.begin(), text.end(), value);
+    if (error != std::errc() || end != text.end()) return {};
+    return value;
+}
+
+bool setSubject(Options& options, const std::string& subject) {
+    if (options.subject) return wrong("don't know what to do with \"" + subject + "\"");
+    options.subject = subject;
+    return true;
+}
+
+bool setOption(Options& options, const std::string& name, const std::string& value) {
+    if (name == "--decimals") {
+        options.decimals = numberIn<int>(value);
+        const bool good = options.decimals && *options.decimals >= 0 && *options.decimals <= mostDecimals;
+        return good || wrong("--decimals takes 0 to " + std::to_string(mostDecimals) + ", not \"" + value + "\"");
+    }
+    options.mode = name == "--tag" ? Mode::tag : Mode::file;
+    return setSubject(options, value);
+}
+
+std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
+    Options options;
+    for (size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        const size_t equals = argument.find('=');
+        if (argument == "--tag" || argument == "--file" || argument == "--decimals") {
+            if (i + 1 == arguments.size()) return wrong(argument + " needs a value"), std::nullopt;
+            if (!setOption(options, argument, arguments[++i])) return {};
+        } else if (equals != argument.npos) {
+            options.given.push_back({argument.substr(0, equals), argument.substr(equals + 1)});
+        } else if (!setSubject(options, argument)) {
+            return {};
+        }
+    }
+    if (!options.subject) return wrong("a formula, --tag or --file is missing"), std::nullopt;
+    return options;
+}
+
+// The numbers that were given; nothing after a message.
+std::optional<std::vector<GivenNumber>> numbersOf(const std::vector<Given>& given) {
+    std::vector<GivenNumber> numbers;
+    for (const Given& g : given) {
+        const std::optional<double> value = numberIn<double>(g.value);
+        if (!value) return wrong(g.name + " must be a number, not \"" + g.value + "\""), std::nullopt;
+        numbers.push_back({g.name, *value});
+    }
+    return numbers;
+}
+
+// ---- work ----
+
+constexpr int asNeeded = -1;
+constexpr int decimalsOfFiles = 3;
+
+ExitStatus calculate(const Options& options) {
+    const auto numbers = numbersOf(options.given);
+    if (!numbers) return wrongCall;
+    Values values;
+    for (const auto& [name, value] : *numbers) {
+        const std::string why = values.numberNameRefusal(name);
+        if (!why.empty()) return wrong(why), wrongCall;
+        values.addNumber(name, value, "");
+    }
+    const Outcome outcome = values.evaluate(*options.subject);
+    if (!outcome.value) {
+        const std::string caret(static_cast<size_t>(outcome.column) - 1, ' ');
+        fail("column " + std::to_string(outcome.column) + ": " + outcome.why + "\n" + *options.subject + "\n" + caret +
+             "^");
+        return failed;
+    }
+    toolSubsystem_printf("%s\n", shown(*outcome.value, options.decimals.value_or(asNeeded)).c_str());
+    return done;
+}
+
+ExitStatus expandTag(const Options& options) {
+    Values values;
+    for (const auto& [name, text] : options.given) {
+        const std::string why = values.textNameRefusal(name);
+        if (!why.empty()) return wrong(why), wrongCall;
+        if (text.size() > longestText) {
+            return wrong("the text of " + name + " is longer than " + std::to_string(longestText) + " characters"),
+                   wrongCall;
+        }
+        values.addText(name, text);
+    }
+    const std::optional<std::string> text = values.expand(*options.subject);
+    if (!text) {
+        fail("an element of the tag string is missing, or a bracket or quote isn't closed\n" + *options.subject);
+        return failed;
+    }
+    toolSubsystem_printf("%s\n", text->c_str());
+    return done;
+}
+
+ExitStatus workOutFile(const Options& options) {
+    const auto numbers = numbersOf(options.given);
+    if (!numbers) return wrongCall;
+    Table table;
+    const bool good = workOut(*options.subject, *numbers, options.decimals.value_or(decimalsOfFiles), table);
+    print(table);
+    return good ? done : failed;
+}
+
+ExitStatus work(const Options& options) {
+    switch (options.mode) {
+        case Mode::formula: return calculate(options);
+        case Mode::tag: return expandTag(options);
+        case Mode::file: return workOutFile(options);
+    }
+    return wrongCall;
+}
+
+}  // namespace
+}  // namespace formula
+
+extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
+    using namespace formula;
+    if (mclibMain_initMcLib("FORMULA", argc, argv) != MCLIB_SUCCESS) return failed;
+    const std::optional<Options> options = optionsFrom({argv + std::min(argc, 2), argv + argc});
+    return options ? work(*options) : wrongCall;
+}

@@ -1,0 +1,48 @@
+// Named values: numbers that formulas use, and texts that tag strings use. Letter case of a name doesn't count.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "mclib.h"
+#include "text/formula.h"
+#include "text/tagstring.h"
+
+namespace formula {
+
+// What a formula came to.
+struct Outcome {
+    std::optional<double> value;
+    std::string why;  // without a value: the reason, as a message tells it
+    int column = 1;   // and where it showed, from 1
+};
+
+class Values {
+  public:
+    // Why a name can't be given to a number, or to a text; empty when it can.
+    std::string numberNameRefusal(const std::string& name) const;
+    std::string textNameRefusal(const std::string& name) const;
+
+    // For names that aren't refused. A number is known to tag strings too, as the text that it is shown with.
+    void addNumber(const std::string& name, double value, const std::string& shown);
+    void addText(const std::string& name, const std::string& text);
+
+    Outcome evaluate(const std::string& formula);
+    // Nothing when an element is missing, or a bracket or quote isn't closed.
+    std::optional<std::string> expand(const std::string& tagString);
+
+  private:
+    using FormulaName = std::array<char, MCLIB_FORMULA_NAME_SIZE>;
+    std::vector<FormulaName> names_;
+    std::vector<double> numbers_;
+    std::vector<TagEntry> tags_;
+};
+
+bool sameName(std::string_view a, std::string_view b);
+
+constexpr size_t longestText = sizeof TagEntry{}.value - 1;
+
+}  // namespace formula
