@@ -117,6 +117,12 @@ void layOutTexts(const AsciiText* texts, size_t count) {
     }
 }
 
+void tellCutGaps() {
+    toolSubsystem_printf(
+        "mclibAscii: gaps over %.0f lines or columns are cut in %s; look for a text far off the page.\n", mostGap,
+        output.name());
+}
+
 }  // namespace
 
 // ---- the job ----
@@ -133,9 +139,7 @@ void mclibAscii_fclose(void) {
     if (!output.isOpen()) return;
     sortRows(state.texts.data, state.texts.count);
     layOutTexts(state.texts.data, state.texts.count);
-    if (state.gapCut)
-        toolSubsystem_printf(
-            "mclibAscii: texts stand too far apart; gaps over %.0f lines or columns are cut to that.\n", mostGap);
+    if (state.gapCut) tellCutGaps();
     state.texts.release();
     state.characters.release();
     output.write("\n");

@@ -28,6 +28,7 @@ class PrintOutput {
     void close();
     // MCLIB_SUCCESS or MCLIB_ERROR: was the file opened, and all written so far?
     int32_t status() const;
+    const char* name() const { return fileName; }  // cut at 255 characters
 
     // Room for one line at the end of the block. What is written there counts from taken() on.
     char* line() { return roomAt(end); }

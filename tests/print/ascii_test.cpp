@@ -114,7 +114,8 @@ TEST_F(Ascii, TextsInSenselessPlacesNeitherHangNorFillTheDisk) {
     EXPECT_EQ(laidOut({{-huge, huge, "a"}, {2147483647.0, -2147483648.0, "b"}}),
               "a" + std::string(100000, '\n') + std::string(100000, ' ') + "b");
     const std::string told = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(told, "mclibAscii: texts stand too far apart; gaps over 100000 lines or columns are cut to that.\n");
+    EXPECT_EQ(told, "mclibAscii: gaps over 100000 lines or columns are cut in " + file +
+                        "; look for a text far off the page.\n");
 }
 
 TEST_F(Ascii, TextWithoutMemoryIsLeftOut) {

@@ -164,22 +164,3 @@ TEST_F(PostScript, NothingIsDrawnWithoutAJob) {
     EXPECT_EQ(mclibPs_jobStatus(), MCLIB_ERROR);
     EXPECT_EQ(page([] {}), "");  // the next job is a good one
 }
-
-TEST_F(PostScript, JobLeftOpenEndsBeforeTheNext) {
-    const std::string other = (folder / "other.ps").string();
-    mclibPs_fopen(other.c_str());
-    mclibPs_drawLine(0, 0, 0, 0, 0);
-    EXPECT_EQ(page([] {}), "");
-    EXPECT_EQ(read(other), std::string(psProlog) + "0.00 0.00 0.00 0.00 0.00 _dl\nshowpage\n");
-}
-
-TEST_F(PostScript, FullDiskIsToldOnceWithTheName) {
-    ASSERT_EQ(mclibPs_fopen("/dev/full"), 1);
-    testing::internal::CaptureStderr();
-    for (int i = 0; i < 10000; ++i) mclibPs_drawPolyline(corner, 3, 1, -1);
-    mclibPs_fclose();
-    const std::string told = testing::internal::GetCapturedStderr();
-    EXPECT_NE(told.find("/dev/full"), std::string::npos) << told;
-    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), 1);
-    EXPECT_EQ(mclibPs_jobStatus(), MCLIB_ERROR);
-}
