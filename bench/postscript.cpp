@@ -2,18 +2,16 @@
 // end.
 #include <benchmark/benchmark.h>
 #include <cairo-ps.h>
-#include <unistd.h>
 
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <random>
-#include <sstream>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "bench/race.h"
+#include "bench/sheet.h"
 #include "frame/main.h"
 #include "host/front/front_end.h"
 #include "host/mdl/elmdscr.h"
@@ -26,37 +24,7 @@
 namespace {
 
 constexpr double pointsPerMm = 2.834645651435303;
-constexpr int polylineCount = 1'000'000, textCount = 100'000, pointsOfEach = 4;
-
-// Two print files in the temporary folder.
-struct PrintFiles {
-    std::filesystem::path folder =
-        std::filesystem::temp_directory_path() / ("bench_postscript_" + std::to_string(getpid()));
-    std::string peer = folder / "peer.ps", ours = folder / "ours.ps";
-
-    PrintFiles() { std::filesystem::create_directory(folder); }
-    ~PrintFiles() { std::filesystem::remove_all(folder); }
-
-    static std::string read(const std::string& path) {
-        std::ostringstream bytes;
-        bytes << std::ifstream(path, std::ios::binary).rdbuf();
-        return bytes.str();
-    }
-    bool same() const { return read(peer) == read(ours); }
-};
-
-// Places on an A0 sheet, the same in each run.
-std::vector<Point3d> randomPoints() {
-    std::mt19937 random(2);
-    std::uniform_real_distribution<double> x(0, 1189), y(0, 841);
-    std::vector<Point3d> points(4096 + pointsOfEach);
-    for (Point3d& p : points) p = {x(random), y(random), 0};
-    return points;
-}
-const std::vector<Point3d> places = randomPoints();
-const Point3d* pointsOf(int i) {
-    return &places[static_cast<size_t>(i) % 4096];
-}
+constexpr int polylineCount = 1'000'000, textCount = 100'000;
 
 constexpr const char* label = "Station 1234.567";
 
