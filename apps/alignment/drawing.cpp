@@ -18,9 +18,6 @@ using app::fail;
 
 namespace {
 
-// Justification codes of the host.
-enum Just { leftTop = 0, leftCentre = 1, leftBase = 2, centreCentre = 7, centreBase = 8, rightCentre = 13 };
-
 constexpr double tickStep = 20, textStep = 100;                                                   // metres of station
 constexpr double tickLength = 1.2, longTickLength = 2.5, stationTextAt = 5.0;                     // millimetres
 constexpr double boundaryFrom = -2.0, boundaryTo = 7.0, boundaryTextAt = 8.0, boundaryDot = 0.9;  // from the axis
@@ -36,17 +33,14 @@ std::string formatted(const char* format, Values... values) {
     return text;
 }
 
-// Master units of the active model as long as it stands.
-class MasterUnits {
-  public:
-    MasterUnits() {
-        mdlCurrTrans_begin();
-        mdlCurrTrans_masterUnitsIdentity();
-    }
-    ~MasterUnits() { mdlCurrTrans_end(); }
-    MasterUnits(const MasterUnits&) = delete;
-    MasterUnits& operator=(const MasterUnits&) = delete;
-};
+// Texts of an attribute are set so from now on.
+void setJustification(int attribute, int just) {
+    auto data = std::make_unique<ElmAttrData>();
+    mclibElmAttr_extractData(attribute, data.get());
+    data->useFlags |= ATTR_USE_JUST;
+    data->textJust = just;
+    mclibElmAttr_editAttribute(attribute, 0, data.get());
+}
 
 class Drawing {
   public:
@@ -108,11 +102,7 @@ void Drawing::sheetLine(Role role, SheetPoint from, SheetPoint to) {
 
 void Drawing::text(Role role, const Point3d& at, const std::string& text, double angle, int just) {
     const int id = attributeOf(role);
-    auto data = std::make_unique<ElmAttrData>();
-    mclibElmAttr_extractData(id, data.get());
-    data->useFlags |= ATTR_USE_JUST;
-    data->textJust = just;
-    mclibElmAttr_editAttribute(id, 0, data.get());
+    setJustification(id, just);
     RotMatrix rotation;
     mdlRMatrix_fromAngle(&rotation, angle);
     // Text sizes are metres on paper.

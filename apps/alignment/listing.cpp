@@ -4,8 +4,11 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <memory>
 
+#include "apps/shared/tell.h"
 #include "host/mdl/system.h"
+#include "host/mdl/transform.h"
 #include "mclib.h"
 
 namespace alignment {
@@ -15,11 +18,25 @@ namespace {
 constexpr double sameStation = 1e-6;    // metres
 constexpr double straightRadius = 1e7;  // beyond this a radius counts as infinite
 
-std::string radiusText(double curvature) {
-    if (std::abs(curvature) < 1 / straightRadius) return "-";
-    char text[32];
-    std::snprintf(text, sizeof text, "%.2f", 1 / curvature);
+// A line of the list: what stands in which column.
+struct Cell {
+    size_t column;
+    std::string text;
+};
+using Line = std::vector<Cell>;
+
+// Where the columns of numbers end, and where the last one begins.
+constexpr std::array<size_t, 5> ends = {12, 27, 42, 54, 66};
+constexpr size_t remarkColumn = 68;
+
+std::string formatted(const char* format, double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, value);
     return text;
+}
+
+std::string radiusText(double curvature) {
+    return std::abs(curvature) < 1 / straightRadius ? "-" : formatted("%.2f", 1 / curvature);
 }
 
 const char* kindName(const Element& e) {
@@ -27,27 +44,105 @@ const char* kindName(const Element& e) {
     return names[e.kind() - GEO_LINE];
 }
 
-void printRow(const Place& p, const char* begins) {
-    toolSubsystem_printf("%12.3f %14.3f %14.3f %11.5f %11s%s%s\n", p.station, p.x, p.y, gonFromNorth(p.bearing),
-                         radiusText(p.curvature).c_str(), *begins == '\0' ? "" : "  ", begins);
+Line row(const std::array<std::string, ends.size()>& numbers, const char* remark) {
+    Line line;
+    for (size_t i = 0; i < ends.size(); ++i) {
+        const size_t begin = line.empty() ? 0 : line.back().column + line.back().text.size() + 1;
+        const size_t length = numbers[i].size();
+        line.push_back({std::max(begin, ends[i] - std::min(ends[i], length)), numbers[i]});
+    }
+    if (*remark != '\0') line.push_back({remarkColumn, remark});
+    return line;
+}
+
+Line rowOf(const Place& p, const char* begins) {
+    return row({formatted("%.3f", p.station), formatted("%.3f", p.x), formatted("%.3f", p.y),
+                formatted("%.5f", gonFromNorth(p.bearing)), radiusText(p.curvature)},
+               begins);
+}
+
+std::vector<Line> stationList(const Road& road, double step) {
+    std::vector<Line> lines = {
+        {{0, road.project}},
+        {{0, "Lengths in metres, x east, y north; bearings in gon, clockwise from north;"}},
+        {{0, "radii positive to the left, - on a straight."}},
+        {},
+        row({"station", "x", "y", "bearing", "radius"}, "begins"),
+    };
+    for (const Element& e : road.elements) {
+        lines.push_back(rowOf(placeOn(e, 0), kindName(e)));
+        for (const double station : roundStations(road, step)) {
+            if (station > e.start + sameStation && station < e.start + e.length - sameStation) {
+                lines.push_back(rowOf(placeOn(e, station - e.start), ""));
+            }
+        }
+    }
+    lines.push_back(rowOf(placeOn(road.elements.back(), road.elements.back().length), "end"));
+    return lines;
+}
+
+// ---- on a page ----
+
+// What a device of lines and columns takes for one: more than 2 mm down is a new line, and each 2 mm more another; a
+// column is 1.2 mm. A text begins well within its column.
+constexpr double lineHeight = 2.5, columnWidth = 1.2, insideColumn = 0.3;
+constexpr double letterWidth = 1.0;
+
+size_t columnsOf(const std::vector<Line>& lines) {
+    size_t columns = 1;
+    for (const Line& line : lines) {
+        for (const Cell& cell : line) columns = std::max(columns, cell.column + cell.text.size());
+    }
+    return columns;
+}
+
+// From now on the attribute's texts are as small as the columns need.
+void setSize(int attribute) {
+    auto data = std::make_unique<ElmAttrData>();
+    mclibElmAttr_extractData(attribute, data.get());
+    data->useFlags |= ATTR_USE_SIZE | ATTR_USE_JUST;
+    data->textWidth = data->textHeight = letterWidth;
+    data->textJust = leftBase;
+    mclibElmAttr_editAttribute(attribute, 0, data.get());
+}
+
+void addText(ElementDescr* page, const Cell& cell, double y, int attribute) {
+    const Point3d at = {static_cast<double>(cell.column) * columnWidth + (cell.column > 0 ? insideColumn : 0), y, 0};
+    if (!cell.text.empty()) mclibElement_createText(&at, cell.text.c_str(), 1.0, nullptr, attribute, page);
 }
 
 }  // namespace
 
 void printStations(const Road& road, double step) {
-    toolSubsystem_printf("%s\n", road.project.c_str());
-    toolSubsystem_printf("Lengths in metres, x east, y north; bearings in gon, clockwise from north;\n");
-    toolSubsystem_printf("radii positive to the left, - on a straight.\n\n");
-    toolSubsystem_printf("%12s %14s %14s %11s %11s  %s\n", "station", "x", "y", "bearing", "radius", "begins");
-    for (const Element& e : road.elements) {
-        printRow(placeOn(e, 0), kindName(e));
-        for (const double station : roundStations(road, step)) {
-            if (station > e.start + sameStation && station < e.start + e.length - sameStation) {
-                printRow(placeOn(e, station - e.start), "");
-            }
-        }
+    for (const Line& line : stationList(road, step)) {
+        std::string text;
+        for (const Cell& cell : line) text.append(cell.column - text.size(), ' ') += cell.text;
+        toolSubsystem_printf("%s\n", text.c_str());
     }
-    printRow(placeOn(road.elements.back(), road.elements.back().length), "end");
+}
+
+ListPage stationPage(const Road& road, double step) {
+    const MasterUnits units;
+    const std::vector<Line> lines = stationList(road, step);
+    ListPage list{nullptr, static_cast<double>(columnsOf(lines) + 1) * columnWidth,
+                  static_cast<double>(lines.size() + 1) * lineHeight};
+    // The frame is the page's extent.
+    const Point3d corners[4] = {{0, 0, 0}, {list.width, 0, 0}, {list.width, list.height, 0}, {0, list.height, 0}};
+    mclibElement_createShape(corners, 4, 0, road.attributeOf(Role::frame), nullptr);
+    ElementDescr* page = nullptr;
+    if (mdlElmdscr_new(&page, nullptr, dgnBufP) != MDL_SUCCESS) {
+        app::fail("no memory for the station list");
+        return list;
+    }
+    list.page.reset(page);
+    const int attribute = road.attributeOf(Role::text);
+    setSize(attribute);
+    double y = list.height;
+    for (const Line& line : lines) {
+        y -= lineHeight;
+        for (const Cell& cell : line) addText(page, cell, y, attribute);
+    }
+    return list;
 }
 
 }  // namespace alignment

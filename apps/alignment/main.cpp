@@ -17,6 +17,7 @@
 #include "listing.h"
 #include "mclib.h"
 #include "outputs.h"
+#include "raster.h"
 #include "reader.h"
 #include "sheet.h"
 
@@ -28,6 +29,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* rasterSuffix = ".pbm";
+
 enum ExitStatus { done = 0, failed = 1, wrongCall = 2 };
 
 // clang-format off
@@ -37,14 +40,30 @@ constexpr const char* usage =
     "                   current folder)\n"
     "  --paper A3       A0 to A5, lying; --portrait for standing\n"
     "  --scale 5000     instead of the SCALE of the input\n"
+    "  --device postscript   of the print file: postscript, hpgl, pcl, or ascii for the station list as a text file\n"
     "  --picture png    png or svg\n"
+    "  --raster 1600x1130    a PBM picture of so many pixels as well: black lines on white\n"
     "  --overwrite      replace files that are there\n"
     "  --list           print the station list, and make no files unless --out is given\n"
     "  --step 20        metres between the rows of the list\n";
+
+struct Device {
+    std::string_view name;
+    int number;
+    const char* suffix;  // of the print file
+};
+constexpr auto devices = std::to_array<Device>({
+    {"postscript", PRINT_POSTSCRIPT, ".ps"},
+    {"hpgl",       PRINT_HPGL,       ".hpgl"},
+    {"pcl",        PRINT_PCL,        ".pcl"},
+    {"ascii",      PRINT_ASCII,      ".txt"},
+});
 // clang-format on
 
 struct Options {
     std::string input, out, paper = "A3", picture = "png";
+    const Device* device = &devices[0];
+    std::optional<RasterSize> raster;
     double scale = 0, step = 20;
     bool portrait = false, overwrite = false, list = false;
 };
@@ -64,6 +83,35 @@ bool wrong(const std::string& what) {
     return false;
 }
 
+// Such as "1600x1130".
+std::optional<RasterSize> rasterSize(std::string_view text) {
+    const auto side = [](std::string_view digits) {
+        int value = 0;
+        const auto [end, error] = std::from_chars(digits.begin(), digits.end(), value);
+        const bool good = error == std::errc() && end == digits.end() && value >= 1 && value <= largestRasterSide;
+        return good ? value : 0;
+    };
+    const size_t cross = text.find('x');
+    if (cross == text.npos) return {};
+    const RasterSize size = {side(text.substr(0, cross)), side(text.substr(cross + 1))};
+    if (size.width == 0 || size.height == 0) return {};
+    return size;
+}
+
+bool setDevice(Options& options, std::string_view name) {
+    const auto device = std::ranges::find(devices, name, &Device::name);
+    if (device == devices.end())
+        return wrong("--device takes postscript, hpgl, pcl or ascii, not \"" + std::string(name) + "\"");
+    options.device = &*device;
+    return true;
+}
+
+bool setRaster(Options& options, const std::string& value) {
+    options.raster = rasterSize(value);
+    return options.raster.has_value() || wrong("--raster takes WIDTHxHEIGHT, each 1 to " +
+                                               std::to_string(largestRasterSide) + " pixels, not \"" + value + "\"");
+}
+
 bool setOption(Options& options, std::string_view name, const std::string& value) {
     const auto number = [&](double& into) {
         const std::optional<double> read = positiveNumber(value);
@@ -73,6 +121,8 @@ bool setOption(Options& options, std::string_view name, const std::string& value
     };
     if (name == "--scale") return number(options.scale);
     if (name == "--step") return number(options.step);
+    if (name == "--device") return setDevice(options, value);
+    if (name == "--raster") return setRaster(options, value);
     if (name == "--out") options.out = value;
     if (name == "--paper") options.paper = value;
     if (name == "--picture") options.picture = value;
@@ -84,7 +134,8 @@ bool setOption(Options& options, std::string_view name, const std::string& value
 }
 
 std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
-    static constexpr std::string_view withValue[] = {"--scale", "--step", "--out", "--paper", "--picture"};
+    static constexpr std::string_view withValue[] = {"--scale",  "--step",    "--out",   "--paper",
+                                                     "--device", "--picture", "--raster"};
     Options options;
     for (size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
@@ -130,12 +181,25 @@ bool writeDesignFile(const std::string& name, ElementDescr* page) {
            fail(name + ": the drawing can't be stored");
 }
 
-bool print(const std::string& name, ElementDescr* page, const Sheet& sheet) {
-    if (mclibPrint_fopen(name.c_str(), PRINT_POSTSCRIPT) == 0) return fail(name + ": the print file can't be opened");
-    mclibPrint_printElementDescr(page, margin, margin, sheet.width(), sheet.height());
+// In millimetres on the paper.
+struct PaperBox {
+    double x, y, width, height;
+};
+
+bool printPage(const std::string& name, int device, ElementDescr* page, const PaperBox& box) {
+    if (mclibPrint_fopen(name.c_str(), device) == 0) return fail(name + ": the print file can't be opened");
+    mclibPrint_printElementDescr(page, box.x, box.y, box.width, box.height);
     mclibPrint_fclose();
     return mclibPrint_jobStatus() == MCLIB_SUCCESS ||
            fail(name + ": the print file can't be written; is the disk full?");
+}
+
+// The sheet; the station list on a device that has nothing but texts.
+bool print(const std::string& name, ElementDescr* page, const Road& road, const Sheet& sheet, const Options& options) {
+    const int device = options.device->number;
+    if (device != PRINT_ASCII) return printPage(name, device, page, {margin, margin, sheet.width(), sheet.height()});
+    const ListPage list = stationPage(road, options.step);
+    return list.page && printPage(name, device, list.page.get(), {0, 0, list.width, list.height});
 }
 
 bool writePicture(const std::string& name, ElementDescr* page, const Sheet& sheet) {
@@ -173,16 +237,21 @@ class WorkFile {
 
 bool makeFiles(const Road& road, const Sheet& sheet, const Options& options) {
     const std::string pictureSuffix = "." + options.picture;
-    Outputs outputs(outputBase(options), {".mcd", ".ps", pictureSuffix.c_str()});
-    if (!outputs.prepare(options.overwrite)) return false;
+    const char* const printSuffix = options.device->suffix;
+    std::vector<const char*> suffixes = {".mcd", printSuffix, pictureSuffix.c_str()};
+    if (options.raster) suffixes.push_back(rasterSuffix);
+    Outputs outputs(outputBase(options), suffixes);
+    if (!outputs.prepare(options.input, options.overwrite)) return false;
     const std::string designName = outputs.temporary(".mcd");
     WorkFile workFile(designName);
     if (!workFile.isOpen()) return fail(designName + ": the design file can't be made");
     const Page page = drawRoad(road, sheet);
     if (!page || !writeDesignFile(designName, page.get())) return false;
     turnUpright(page.get(), sheet);
-    if (!print(outputs.temporary(".ps"), page.get(), sheet)) return false;
+    if (!print(outputs.temporary(printSuffix), page.get(), road, sheet, options)) return false;
     if (!writePicture(outputs.temporary(pictureSuffix.c_str()), page.get(), sheet)) return false;
+    if (options.raster && !writeRaster(outputs.temporary(rasterSuffix), page.get(), sheet, *options.raster))
+        return false;
     if (!workFile.close()) return fail(designName + ": the design file can't be stored");
     if (!outputs.finish()) return false;
     for (const fs::path& name : outputs.names()) toolSubsystem_printf("alignment: made %s\n", name.c_str());

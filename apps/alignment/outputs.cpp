@@ -31,13 +31,15 @@ void Outputs::removeTemporaries() {
     for (const fs::path& file : temporaries_) fs::remove(file, ignored);
 }
 
-bool Outputs::prepare(bool overwrite) {
+bool Outputs::prepare(const fs::path& input, bool overwrite) {
     std::error_code error;
     for (const fs::path& name : names_) {
         const fs::file_status status = fs::symlink_status(name, error);
         if (!fs::exists(status)) continue;
         if (fs::is_directory(status))
             return fail(name.string() + ": a folder has that name; give another one with --out");
+        if (fs::equivalent(name, input, error))
+            return fail(name.string() + ": that is the input; give another name with --out");
         if (!overwrite) {
             return fail(name.string() + ": the file is there already; give --overwrite or another name with --out");
         }

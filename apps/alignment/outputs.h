@@ -15,9 +15,9 @@ class Outputs {
     Outputs(const Outputs&) = delete;
     Outputs& operator=(const Outputs&) = delete;
 
-    // Whether the files can be made: none is there already unless it may be replaced, and the folder takes them. False
-    // after a message.
-    bool prepare(bool overwrite);
+    // Whether the files can be made: none is the input or is there already unless it may be replaced, and the folder
+    // takes them. False after a message.
+    bool prepare(const std::filesystem::path& input, bool overwrite);
     // The temporary name of the file with that suffix.
     std::string temporary(const char* suffix) const;
     // Gives the files their own names. False after a message.

@@ -13,7 +13,8 @@ struct Paper {
     std::string name;      // such as "A3"
     double width, height;  // millimetres
 };
-// A paper size by name, "A0" to "A5", lying or standing. Nothing for another name.
+// A paper size by name, "A0" to "A5", lying or standing. Nothing for another name. Print files are for
+// the paper that was asked for last.
 std::optional<Paper> paperSize(const std::string& name, bool portrait);
 
 constexpr double margin = 10;       // from the paper's edge to the frame, millimetres

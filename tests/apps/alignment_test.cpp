@@ -218,6 +218,103 @@ TEST_F(Alignment, GapsAreReportedWithTheirStationAndTheRoadIsDrawn) {
     EXPECT_TRUE(fs::exists(folder_ / "gap.mcd"));
 }
 
+TEST_F(Alignment, PrintsForEveryDevice) {
+    struct Case {
+        const char *device, *suffix, *begins;
+    };
+    for (const Case& c : {Case{"postscript", ".ps", "%!PS"}, Case{"hpgl", ".hpgl", "IN;"},
+                          Case{"pcl", ".pcl",
+                               "\x1b"
+                               "E\x1b"},
+                          Case{"ascii", ".txt", "Fv 4127 Granlia - Tverrvik\n"}}) {
+        const std::string name = c.device;
+        const Outcome run = alignment(examples + "granlia.txt --out " + name + " --device " + name);
+        EXPECT_EQ(run.status, 0) << run.output;
+        EXPECT_THAT(run.output, HasSubstr("made " + name + c.suffix + "\n"));
+        EXPECT_THAT(read(name + c.suffix), testing::StartsWith(c.begins)) << name;
+    }
+    EXPECT_EQ(files().size(), 12u);
+}
+
+TEST_F(Alignment, TheAsciiDeviceGivesTheStationListAsItIsPrinted) {
+    // No text has a size of its own there.
+    write("short.txt", head + "ATTRIBUTE 99 \"plain\" 0 0 0 \"L\"\nUSE TEXT 99\n" + straight);
+    for (const std::string& input : {examples + "granlia.txt", std::string("short.txt")}) {
+        ASSERT_EQ(alignment(input + " --step 7 --device ascii --out list --overwrite").status, 0);
+        EXPECT_EQ(read("list.txt"), shell("'" + mchost + "' alignment " + input + " --step 7 --list 2>&-").output);
+    }
+}
+
+TEST_F(Alignment, APrintFileNeverTakesThePlaceOfTheInput) {
+    write("road.txt", head + straight);
+    const Outcome run = alignment("road.txt --device ascii --overwrite");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.output, HasSubstr("road.txt: that is the input; give another name with --out"));
+    EXPECT_EQ(read("road.txt"), head + straight);
+}
+
+// A picture of one bit a pixel.
+class Pbm {
+  public:
+    explicit Pbm(const std::string& file) {
+        std::istringstream in(file);
+        std::string kind;
+        in >> kind >> width_ >> height_;
+        in.get();
+        good_ = kind == "P4" && width_ > 0 && height_ > 0;
+        bytes_ = file.substr(std::min<size_t>(file.size(), in.tellg()));
+        good_ = good_ && bytes_.size() == size_t(rowSize()) * height_;
+    }
+    bool good() const { return good_; }
+    int width() const { return width_; }
+    int height() const { return height_; }
+    bool black(int x, int y) const { return bytes_[y * rowSize() + x / 8] & (0x80 >> x % 8); }
+    int blackIn(int x1, int y1, int x2, int y2) const {
+        int count = 0;
+        for (int y = y1; y <= y2; ++y) {
+            for (int x = x1; x <= x2; ++x) count += black(x, y);
+        }
+        return count;
+    }
+
+  private:
+    int rowSize() const { return (width_ + 7) / 8; }
+    int width_ = 0, height_ = 0;
+    bool good_ = false;
+    std::string bytes_;
+};
+
+TEST_F(Alignment, TheRasterShowsTheSheetTheRightWayUp) {
+    // Two pixels a millimetre, and 3 pixels more than A3 has in height.
+    ASSERT_EQ(alignment(examples + "granlia.txt --out road --raster 841x597").status, 0);
+    const Pbm picture(read("road.pbm"));
+    ASSERT_TRUE(picture.good() && picture.width() == 841 && picture.height() == 597);
+    // The frame stands 10 mm inside the paper; nothing lies outside.
+    const int left = 20, top = 21, right = 820, bottom = 575;
+    EXPECT_GT(picture.blackIn(left + 10, top - 1, right - 10, top + 1), right - left - 40);
+    EXPECT_GT(picture.blackIn(left + 10, bottom - 1, right - 10, bottom + 1), right - left - 40);
+    EXPECT_GT(picture.blackIn(left - 1, top + 10, left + 1, bottom - 10), bottom - top - 40);
+    EXPECT_GT(picture.blackIn(right - 1, top + 10, right + 1, bottom - 10), bottom - top - 40);
+    EXPECT_EQ(picture.blackIn(0, 0, 840, top - 4), 0);
+    EXPECT_EQ(picture.blackIn(0, bottom + 4, 840, 596), 0);
+    EXPECT_EQ(picture.blackIn(0, 0, left - 4, 596), 0);
+    EXPECT_EQ(picture.blackIn(right + 4, 0, 840, 596), 0);
+    // The title strip is at the bottom, and the road climbs from the lower left to the upper right.
+    EXPECT_GT(picture.blackIn(left + 10, bottom - 45, right - 10, bottom - 43), right - left - 40);
+    EXPECT_GT(picture.blackIn(110, 430, 200, 460), 100);
+    EXPECT_LT(picture.blackIn(110, 100, 200, 130), 20);
+}
+
+TEST_F(Alignment, TheRasterMayHaveAnyShape) {
+    for (const char* size : {"1x1", "1x300", "300x1", "37x11", "8x8"}) {
+        const Outcome run = alignment(examples + "granlia.txt --out road --overwrite --raster " + std::string(size));
+        EXPECT_EQ(run.status, 0) << size << run.output;
+        const Pbm picture(read("road.pbm"));
+        EXPECT_TRUE(picture.good()) << size;
+        EXPECT_EQ(std::to_string(picture.width()) + "x" + std::to_string(picture.height()), size);
+    }
+}
+
 TEST_F(Alignment, WrongInputIsToldWithItsPlaceAndMakesNothing) {
     struct Case {
         std::string input;
@@ -316,8 +413,10 @@ TEST_F(Alignment, ADesignFileThatIsNoneIsRefusedAndStays) {
 }
 
 TEST_F(Alignment, WrongArgumentsGiveTheUsageAndStatus2) {
-    for (const char* arguments : {"", "--bogus", "a.txt b.txt", "a.txt --scale", "a.txt --scale 0", "a.txt --scale 5x",
-                                  "a.txt --paper B5", "a.txt --picture gif"}) {
+    for (const char* arguments :
+         {"", "--bogus", "a.txt b.txt", "a.txt --scale", "a.txt --scale 0", "a.txt --scale 5x", "a.txt --paper B5",
+          "a.txt --picture gif", "a.txt --device laser", "a.txt --raster", "a.txt --raster 100", "a.txt --raster 0x5",
+          "a.txt --raster 5x", "a.txt --raster 5x-5", "a.txt --raster 5x5x5", "a.txt --raster 30001x1"}) {
         const Outcome run = alignment(arguments);
         EXPECT_EQ(run.status, 2) << arguments;
         EXPECT_THAT(run.output, HasSubstr("usage: mchost alignment ROAD.txt")) << arguments;

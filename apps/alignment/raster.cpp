@@ -1,0 +1,202 @@
+#include "raster.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "apps/shared/tell.h"
+#include "host/mdl/element.h"
+#include "host/mdl/model.h"
+#include "host/mdl/system.h"
+#include "mclib.h"
+#include "print/raster.h"
+
+namespace alignment {
+
+namespace {
+
+struct Pixel {
+    double x, y;  // y upwards
+};
+using Outline = std::vector<Pixel>;
+
+// ---- the bitmap ----
+
+// The rasteriser's bitmap. It has no edges at the left and right, so that what is drawn is cut to its pixels before.
+class Bitmap {
+  public:
+    explicit Bitmap(RasterSize size)
+        : size_{size.width, size.height},
+          bytes_((static_cast<size_t>(size.width) * static_cast<size_t>(size.height) + 7) / 8) {}
+
+    void line(Pixel from, Pixel to);
+    void polyline(std::span<const Pixel> points);
+    void fill(Outline outline);  // closed by itself
+    void write(std::ostream& out) const;
+
+  private:
+    // Where a value lies beside a line of the bitmap's border: below 0 is outside.
+    using Side = std::function<double(const Pixel&)>;
+    std::array<Side, 4> sides() const {
+        const double right = size_[0] - 1, top = size_[1] - 1;
+        return {[](const Pixel& p) { return p.x; }, [=](const Pixel& p) { return right - p.x; },
+                [](const Pixel& p) { return p.y; }, [=](const Pixel& p) { return top - p.y; }};
+    }
+    std::vector<int> whole(std::span<const Pixel> points) const;
+    int byteCount() const { return static_cast<int>(bytes_.size()); }
+
+    static constexpr int origin_[2] = {0, 0};
+    static constexpr int set_ = 1;
+    int size_[2];
+    std::vector<uint8_t> bytes_;
+};
+
+Pixel between(const Pixel& a, const Pixel& b, double sideOfA, double sideOfB) {
+    const double t = sideOfA / (sideOfA - sideOfB);
+    return {a.x + t * (b.x - a.x), a.y + t * (b.y - a.y)};
+}
+
+std::vector<int> Bitmap::whole(std::span<const Pixel> points) const {
+    std::vector<int> pairs;
+    for (const Pixel& p : points) {
+        pairs.push_back(std::clamp(static_cast<int>(std::lround(p.x)), 0, size_[0] - 1));
+        pairs.push_back(std::clamp(static_cast<int>(std::lround(p.y)), 0, size_[1] - 1));
+    }
+    return pairs;
+}
+
+void Bitmap::line(Pixel from, Pixel to) {
+    for (const Side& side : sides()) {
+        const double a = side(from), b = side(to);
+        if (!(a >= 0 || b >= 0)) return;
+        if (a < 0) from = between(from, to, a, b);
+        if (b < 0) to = between(from, to, side(from), b);
+    }
+    const std::vector<int> ends = whole(std::array{from, to});
+    mclibRaster_drawPoints(ends.data(), origin_, 2, byteCount(), size_, bytes_.data(), set_);
+}
+
+void Bitmap::polyline(std::span<const Pixel> points) {
+    for (size_t i = 1; i < points.size(); ++i) line(points[i - 1], points[i]);
+}
+
+// Cuts the outline along each side of the bitmap in turn (Sutherland and Hodgman, "Reentrant polygon clipping").
+void Bitmap::fill(Outline outline) {
+    for (const Side& side : sides()) {
+        Outline inside;
+        for (size_t i = 0; i < outline.size(); ++i) {
+            const Pixel &p = outline[i], &next = outline[(i + 1) % outline.size()];
+            const double a = side(p), b = side(next);
+            if (a >= 0) inside.push_back(p);
+            if ((a < 0) != (b < 0)) inside.push_back(between(p, next, a, b));
+        }
+        outline = std::move(inside);
+    }
+    if (outline.size() < 3) return;
+    outline.push_back(outline.front());
+    const std::vector<int> points = whole(outline);
+    mclibRaster_fillShape(points.data(), static_cast<int>(outline.size()), origin_, byteCount(), size_, bytes_.data(),
+                          set_);
+}
+
+// PBM pads each row to whole bytes, the bitmap doesn't.
+void Bitmap::write(std::ostream& out) const {
+    out << "P4\n" << size_[0] << ' ' << size_[1] << '\n';
+    const auto width = static_cast<size_t>(size_[0]);
+    std::string row((width + 7) / 8, '\0');
+    for (size_t y = 0; y < static_cast<size_t>(size_[1]); ++y) {
+        std::ranges::fill(row, '\0');
+        for (size_t x = 0; x < width; ++x) {
+            const size_t bit = y * width + x;
+            if (bytes_[bit / 8] & (0x80 >> bit % 8)) row[x / 8] = static_cast<char>(row[x / 8] | 0x80 >> x % 8);
+        }
+        out << row;
+    }
+}
+
+// ---- from the page to pixels ----
+
+struct FreePoints {
+    void operator()(Point3d* points) const { dlmSystem_mdlFree(points); }
+};
+
+class Rasterising {
+  public:
+    Rasterising(Bitmap& bitmap, const Sheet& sheet, RasterSize size)
+        : bitmap_(bitmap), corner_(uprightFrame(sheet).low), model_(mdlModelRef_getActive()) {
+        unitsPerMm_ = sheet.metres(1) * mdlModelRef_getUorPerMaster(model_);
+        pixelsPerMm_ = std::min(size.width / sheet.paper.width, size.height / sheet.paper.height);
+        // The middle of the lower left pixel is the point 0, 0.
+        left_ = (size.width - 1 - sheet.paper.width * pixelsPerMm_) / 2 + margin * pixelsPerMm_;
+        bottom_ = (size.height - 1 - sheet.paper.height * pixelsPerMm_) / 2 + margin * pixelsPerMm_;
+    }
+    void draw(const MSElementBuffer* element);
+
+  private:
+    Pixel pixelOf(const Point3d& p) const {
+        const double pixelsPerUnit = pixelsPerMm_ / unitsPerMm_;
+        return {left_ + (p.x - corner_.x) * pixelsPerUnit, bottom_ + (p.y - corner_.y) * pixelsPerUnit};
+    }
+    void stroke(const Outline& points, double width);
+
+    Bitmap& bitmap_;
+    Point3d corner_;
+    ModelRef* model_;
+    double unitsPerMm_, pixelsPerMm_, left_, bottom_;
+};
+
+// A line that is wider than a pixel is filled piece by piece.
+void Rasterising::stroke(const Outline& points, double width) {
+    bitmap_.polyline(points);
+    if (width < 1.5) return;
+    for (size_t i = 1; i < points.size(); ++i) {
+        const Pixel &a = points[i - 1], &b = points[i];
+        const double length = std::hypot(b.x - a.x, b.y - a.y);
+        if (length == 0) continue;
+        const double x = -(b.y - a.y) / length * width / 2, y = (b.x - a.x) / length * width / 2;
+        bitmap_.fill({{a.x + x, a.y + y}, {b.x + x, b.y + y}, {b.x - x, b.y - y}, {a.x - x, a.y - y}});
+    }
+}
+
+// About what the print devices give a line's weight, in millimetres.
+double penWidth(int weight) {
+    return 0.1 + 0.15 * weight;
+}
+
+void Rasterising::draw(const MSElementBuffer* element) {
+    constexpr double tolerance = 0.2;  // pixels
+    Point3d* stroked = nullptr;
+    int32_t count = 0;
+    if (mdlElement_stroke(&stroked, &count, element, tolerance * unitsPerMm_ / pixelsPerMm_) != MDL_SUCCESS) return;
+    const std::unique_ptr<Point3d[], FreePoints> owned(stroked);
+    Outline points;
+    for (const Point3d& p : std::span(stroked, static_cast<size_t>(count))) points.push_back(pixelOf(p));
+    int32_t color = 0, weight = 0, style = 0;
+    mdlElement_getEffectiveSymbology(&color, &weight, &style, nullptr, nullptr, element, model_);
+    if (mdlElement_isFilled(element)) bitmap_.fill(points);
+    stroke(points, penWidth(weight) * pixelsPerMm_);
+}
+
+int drawElement(MSElementBuffer* element, void* rasterising, int32_t, int32_t, ElementDescr*) {
+    static_cast<Rasterising*>(rasterising)->draw(element);
+    return 0;
+}
+
+}  // namespace
+
+bool writeRaster(const std::string& name, ElementDescr* page, const Sheet& sheet, RasterSize size) {
+    constexpr int visitAll = 11;  // headers and components of the whole chain
+    Bitmap bitmap(size);
+    Rasterising rasterising(bitmap, sheet, size);
+    mdlElmdscr_operation(page, drawElement, &rasterising, visitAll);
+    std::ofstream out(name, std::ios::binary);
+    bitmap.write(out);
+    out.close();
+    return out.good() || app::fail(name + ": the picture can't be written; is the disk full?");
+}
+
+}  // namespace alignment
