@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "apps/shared/tell.h"
+#include "apps/common/tell.h"
 #include "host/mdl/element.h"
 #include "host/mdl/model.h"
 #include "host/mdl/transform.h"

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "apps/shared/tell.h"
+#include "apps/common/tell.h"
 #include "host/mdl/system.h"
 #include "host/mdl/transform.h"
 #include "mclib.h"

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/shared/tell.h"
+#include "apps/common/tell.h"
 #include "checks.h"
 #include "drawing.h"
 #include "host/mdl/model.h"

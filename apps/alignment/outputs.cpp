@@ -6,7 +6,7 @@
 #include <cstring>
 #include <fstream>
 
-#include "apps/shared/tell.h"
+#include "apps/common/tell.h"
 
 namespace alignment {
 

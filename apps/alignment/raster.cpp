@@ -1,17 +1,21 @@
 #include "raster.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstring>
 #include <fstream>
 #include <functional>
 #include <memory>
 #include <span>
 #include <vector>
 
-#include "apps/shared/tell.h"
+#include "apps/common/tell.h"
 #include "host/mdl/element.h"
 #include "host/mdl/model.h"
 #include "host/mdl/system.h"
+#include "host/mdl/text.h"
+#include "letters.h"
 #include "mclib.h"
 #include "print/raster.h"
 
@@ -137,6 +141,7 @@ class Rasterising {
     void draw(const MSElementBuffer* element);
 
   private:
+    void drawText(const MSElementBuffer* element);
     Pixel pixelOf(const Point3d& p) const {
         const double pixelsPerUnit = pixelsPerMm_ / unitsPerMm_;
         return {left_ + (p.x - corner_.x) * pixelsPerUnit, bottom_ + (p.y - corner_.y) * pixelsPerUnit};
@@ -167,7 +172,35 @@ double penWidth(int weight) {
     return 0.1 + 0.15 * weight;
 }
 
+// The host gives a text no lines: letters of lines take its box. What is too low for them is a line in its middle.
+void Rasterising::drawText(const MSElementBuffer* element) {
+    constexpr double leastHeight = 5;  // pixels
+    char text[256] = "";
+    Point3d box[5];  // the lower left corner first, the lower right one next
+    if (mdlText_extract(nullptr, nullptr, nullptr, nullptr, text, nullptr, nullptr, nullptr, nullptr, nullptr,
+                        element) != MDL_SUCCESS ||
+        *text == '\0' || mdlText_extractShape(box, nullptr, element, 0, 0) != MDL_SUCCESS) {
+        return;
+    }
+    const Pixel origin = pixelOf(box[0]), right = pixelOf(box[1]), top = pixelOf(box[3]);
+    const double width = static_cast<double>(std::strlen(text)) * letterAdvance - letterGap;
+    const auto at = [&](double x, double y) {
+        return Pixel{origin.x + (right.x - origin.x) * x / width + (top.x - origin.x) * y / letterHeight,
+                     origin.y + (right.y - origin.y) * x / width + (top.y - origin.y) * y / letterHeight};
+    };
+    if (std::hypot(top.x - origin.x, top.y - origin.y) < leastHeight)
+        return bitmap_.line(at(0, letterHeight / 2.0), at(width, letterHeight / 2.0));
+    for (size_t i = 0; text[i] != '\0'; ++i) {
+        for (const LetterLine& line : letterLines(text[i])) {
+            Outline points;
+            for (const auto& [x, y] : line) points.push_back(at(static_cast<double>(i) * letterAdvance + x, y));
+            bitmap_.polyline(points);
+        }
+    }
+}
+
 void Rasterising::draw(const MSElementBuffer* element) {
+    if (mdlElement_getType(element) == MDL_TEXT) return drawText(element);
     constexpr double tolerance = 0.2;  // pixels
     Point3d* stroked = nullptr;
     int32_t count = 0;

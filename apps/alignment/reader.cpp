@@ -5,8 +5,8 @@
 #include <memory>
 #include <set>
 
-#include "apps/shared/input.h"
-#include "apps/shared/tell.h"
+#include "apps/common/input.h"
+#include "apps/common/tell.h"
 #include "checks.h"
 #include "host/mdl/text.h"
 #include "mclib.h"

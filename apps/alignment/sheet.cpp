@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <limits>
 
-#include "apps/shared/tell.h"
+#include "apps/common/tell.h"
 #include "mclib.h"
 
 namespace alignment {

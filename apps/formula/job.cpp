@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "apps/shared/input.h"
-#include "apps/shared/tell.h"
+#include "apps/common/input.h"
+#include "apps/common/tell.h"
 #include "values.h"
 
 namespace formula {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/shared/tell.h"
+#include "apps/common/tell.h"
 #include "job.h"
 #include "mclib.h"
 #include "table.h"

@@ -302,6 +302,7 @@ TEST_F(Alignment, TheRasterShowsTheSheetTheRightWayUp) {
     // The title strip is at the bottom, and the road climbs from the lower left to the upper right.
     EXPECT_GT(picture.blackIn(left + 10, bottom - 45, right - 10, bottom - 43), right - left - 40);
     EXPECT_GT(picture.blackIn(110, 430, 200, 460), 100);
+    EXPECT_GT(picture.blackIn(left + 4, bottom - 20, left + 160, bottom - 8), 300) << "the project's name";
     EXPECT_LT(picture.blackIn(110, 100, 200, 130), 20);
 }
 

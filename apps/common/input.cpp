@@ -1,9 +1,9 @@
-#include "apps/shared/input.h"
+#include "apps/common/input.h"
 
 #include <cstring>
 #include <filesystem>
 
-#include "apps/shared/tell.h"
+#include "apps/common/tell.h"
 #include "host/mdl/text.h"
 
 namespace app {
