@@ -177,20 +177,21 @@ bool inDomain(Domain domain, double x) {
 
 // ---- parameters ----
 
+// The values are copies: the caller's may be the result of the last call, which stands on the stack.
 struct Parameters {
     int count = 0;
-    const double* values = nullptr;
+    std::array<double, MCLIB_FORMULA_PARAMETERS> values;
     std::array<uint64_t, MCLIB_FORMULA_PARAMETERS> keys;
 };
 
 // Upper-cases the names where they stand. A slot without NUL ends with its last byte.
 void record(Parameters& parameters, int count, char* names, const double* values) {
     parameters.count = count;
-    parameters.values = values;
     for (int i = 0; i < count; ++i, names += MCLIB_FORMULA_NAME_SIZE) {
         uint64_t key = 0;
         for (int j = 0; j < MCLIB_FORMULA_NAME_SIZE && names[j]; ++j) key = addToKey(key, names[j] = upper(names[j]));
         parameters.keys[i] = key;
+        parameters.values[i] = values[i];
     }
 }
 

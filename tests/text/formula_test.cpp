@@ -203,6 +203,13 @@ TEST(Formula, ParametersHaveTheirValuesAndAreUpperCasedInPlace) {
     EXPECT_EQ(value("B2(1)").good, false);
 }
 
+TEST(Formula, ResultOfTheLastCallMayBeAParameter) {
+    char names[6] = "a";
+    int error = 1;
+    const double* const last = mclibParse_parseFormulaP("3", &error, 0, nullptr, nullptr);
+    EXPECT_EQ(*mclibParse_parseFormulaP("1+a", &error, 1, names, last), 4);
+}
+
 TEST(Formula, NamesEndWithTheirSlot) {
     char names[][6] = {{'l', 'o', 'n', 'g', 'e', 'r'}, "ab"};
     names[1][3] = 'x';
