@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
+#include <string_view>
 
 #include "frame/error.h"
 #include "host/mdl/system.h"
@@ -158,11 +158,11 @@ void mclibAscii_drawText(const Point3d* shape, const char* text, double, double,
     if (!std::isfinite(place.x) || !std::isfinite(place.y)) return;
     GrowingBlock<char>& characters = state.characters;
     GrowingBlock<AsciiText>& texts = state.texts;
-    const size_t length = std::strlen(text);
-    if (!characters.makeRoom(length) || !texts.makeRoom(texts.count + 2)) return;
-    std::memcpy(characters.data + characters.count, text, length);
-    texts.data[texts.count++] = {.offset = characters.count, .length = length, .x = place.x, .y = place.y};
-    characters.count += length;
+    const std::string_view whole = text;
+    if (!characters.makeRoom(whole.size()) || !texts.makeRoom(texts.count + 2)) return;
+    put(characters.data + characters.count, whole);
+    texts.data[texts.count++] = {.offset = characters.count, .length = whole.size(), .x = place.x, .y = place.y};
+    characters.count += whole.size();
     state.minX = std::min(state.minX, place.x);
 }
 

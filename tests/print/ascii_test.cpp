@@ -46,6 +46,7 @@ class Ascii : public PrintFileTest {
 
 TEST_F(Ascii, TextsStandInColumnsAndRows) {
     EXPECT_EQ(laidOut({}), "");
+    EXPECT_EQ(laidOut({{50, 7, ""}}), "");
     EXPECT_EQ(laidOut({{50, 7, "alone"}}), "alone");
     EXPECT_EQ(laidOut({{42, 10, "c"}, {20, 10, "a"}, {30, 10, "b"}}), "a       b         c");  // columns 8 and 18
     EXPECT_EQ(laidOut({{0, 10, "high"}, {12, 8.5, "low"}}), "high      low");
