@@ -236,6 +236,19 @@ TEST_F(Alignment, PrintsForEveryDevice) {
     EXPECT_EQ(files().size(), 12u);
 }
 
+TEST_F(Alignment, PclFilesTellTheWayTheirPaperLies) {
+    for (const auto& [arguments, command] :
+         {std::pair("--paper A4", "\x1b&l26a1O"), std::pair("--paper A4 --portrait", "\x1b&l26a0O")}) {
+        const Outcome run =
+            alignment(examples + "granlia.txt --scale 10000 --device pcl --out road --overwrite " + arguments);
+        EXPECT_EQ(run.status, 0) << run.output;
+        EXPECT_THAT(run.output, testing::Not(HasSubstr("A4 paper")));
+        EXPECT_THAT(read("road.pcl"), HasSubstr(command)) << arguments;
+    }
+    EXPECT_THAT(alignment(examples + "granlia.txt --device pcl").output,
+                HasSubstr("PCL files are for A4 paper, and A3 is cut there; use --paper A4"));
+}
+
 TEST_F(Alignment, TheAsciiDeviceGivesTheStationListAsItIsPrinted) {
     // No text has a size of its own there.
     write("short.txt", head + "ATTRIBUTE 99 \"plain\" 0 0 0 \"L\"\nUSE TEXT 99\n" + straight);
