@@ -14,6 +14,7 @@
 
 #include "host/mdl/system.h"
 #include "host/mdl/transform.h"
+#include "text/ascii_characters.h"
 
 namespace {
 
@@ -38,13 +39,6 @@ constexpr auto tokenStarts = [] {
     tokens['\0'] = Token::end;
     return tokens;
 }();
-
-constexpr char upper(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-constexpr bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 // What a letter or digit is in a name, upper case; 0 for all other characters.
 constexpr auto nameCharacters = [] {

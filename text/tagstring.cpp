@@ -12,6 +12,7 @@
 #include "frame/error.h"
 #include "frame/host_ptr.h"
 #include "host/mdl/system.h"
+#include "text/ascii_characters.h"
 
 namespace {
 
@@ -25,12 +26,6 @@ using View = std::string_view;
 
 // ---- characters ----
 
-constexpr char upper(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-constexpr bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 constexpr bool isWhite(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
