@@ -31,7 +31,8 @@ struct ElmAttrRecord {
 };
 
 // Visible from outside the library for its tests.
-namespace [[gnu::visibility("default")]] elmattr {
+#pragma GCC visibility push(default)
+namespace elmattr {
 
 // The first record of that id; null when there is none.
 ElmAttrRecord* findRecord(const GlobalData& gd, int id);
@@ -42,7 +43,8 @@ int moveUp(GlobalData& gd, int id);
 int moveDown(GlobalData& gd, int id);
 
 // The rows of the group's attributes for the dialog's list box: attributeRowCells members each, the id in info field 1
-// of the first. Raises nextAttributeId above every id met (but INT32_MAX). The caller owns the list; null when out of memory.
+// of the first. Raises nextAttributeId above every id met (but INT32_MAX). The caller owns the list; null when out of
+// memory.
 StringList* createRows(GlobalData& gd, int group);
 // Sets the cells behind the label of a row.
 void setRow(StringList* list, int row, const ElmAttrRecord& record);
@@ -56,3 +58,4 @@ void refreshDialog(GlobalData& gd, int id);
 void bringStyleNumbersInStep();
 
 }  // namespace elmattr
+#pragma GCC visibility pop

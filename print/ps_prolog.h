@@ -1,6 +1,6 @@
-// The head of every PostScript file: Helvetica with the Norwegian letters under the name Helvetica-Norsk, a procedure for
-// a line (x1 y1 x2 y2 width _dl) and three for a text (x y string height angle), which stands left-aligned at the point
-// (_dtfl), right-aligned (_dtfr) or centred (_dtfc).
+// The head of every PostScript file: Helvetica with the Norwegian letters under the name Helvetica-Norsk, a procedure
+// for a line (x1 y1 x2 y2 width _dl) and three for a text (x y string height angle), which stands left-aligned at the
+// point (_dtfl), right-aligned (_dtfr) or centred (_dtfc).
 #pragma once
 
 #include <string_view>

@@ -37,7 +37,8 @@ class HOST_EXPORT Session {
     // stays.
     MdlDesc* startApplication(std::string_view taskName, MainFunction main, std::string_view listName = "USER",
                               const std::vector<std::string>& arguments = {}, std::string_view argv0 = {});
-    // Loads a shared object and starts its `main`, with the object's full path as argv[0]. Null, with one line in the message centre, when it can't be loaded.
+    // Loads a shared object and starts its `main`, with the object's full path as argv[0]. Null, with one line in the
+    // message centre, when it can't be loaded.
     MdlDesc* loadApplication(const std::string& path, std::string_view taskName, std::string_view listName = "USER",
                              const std::vector<std::string>& arguments = {});
     // Ends an application, or, while a call into it hasn't come back, as soon as it has. Its process number is never

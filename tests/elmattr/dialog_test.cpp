@@ -84,7 +84,7 @@ TEST_F(AttributeDialog, TheListFollowsTheTableWhereACallAsksForIt) {
     EXPECT_EQ(selectedRow(), 1);
     StringList* list = mdlDialog_listBoxGetStrListP(item(ITEM_LIST_BOX, listBox));
     mdlWindow_close(mdlDialog_find(attributeDialog, nullptr), 0, 1);
-    mdlStringList_destroy(list);  // it was never the dialog's
+    mdlStringList_destroy(list);    // it was never the dialog's
     add(4, shownGroup, "four", 1);  // nothing is open: nothing happens
 }
 
