@@ -95,15 +95,17 @@ int32_t call(const char* signature, MdlDesc* desc, void* function, va_list list)
     return static_cast<int32_t>(result);
 }
 
-}  // namespace
+int32_t guardedCall(const char* signature, MdlDesc* desc, void* function, va_list list) {
+    return guarded<int32_t>(MDL_ERROR, [&] { return call(signature, desc, function, list); });
+}
 
+}  // namespace
 }  // namespace host
 
 int32_t dlmSystem_callAnyFunction(const char* signature, MdlDesc* desc, void* function, ...) {
     va_list list;
     va_start(list, function);
-    const int32_t result =
-        host::guarded<int32_t>(MDL_ERROR, [&] { return host::call(signature, desc, function, list); });
+    const int32_t result = host::guardedCall(signature, desc, function, list);
     va_end(list);
     return result;
 }
@@ -111,8 +113,7 @@ int32_t dlmSystem_callAnyFunction(const char* signature, MdlDesc* desc, void* fu
 int32_t dlmSystem_callMdlFunction(const char* signature, MdlDesc* desc, void* function, ...) {
     va_list list;
     va_start(list, function);
-    const int32_t result =
-        host::guarded<int32_t>(MDL_ERROR, [&] { return host::call(signature, desc, function, list); });
+    const int32_t result = host::guardedCall(signature, desc, function, list);
     va_end(list);
     return result;
 }
