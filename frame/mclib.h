@@ -8,6 +8,7 @@
 #define MCLIB_H
 
 #include "elmattr/attributes.h"
+#include "forms/preview.h"
 #include "frame/error.h"
 #include "frame/main.h"
 #include "frame/util.h"

@@ -1,0 +1,128 @@
+#include "forms/pages.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+#include "frame/error.h"
+#include "frame/text_buffer.h"
+#include "geometry/elmdscr.h"
+#include "host/mdl/system.h"
+#include "print/shared.h"
+
+namespace forms {
+
+namespace {
+
+enum { orientationTurned = 0, orientationByShape = 2 };
+
+// Of the preview that was opened last; they stay until the next one opens.
+struct ApplicationFunctions {
+    McPageFunction page = nullptr;
+    McPageListFunction pageList = nullptr;
+    McUserPrintFunction userPrint = nullptr;
+};
+ApplicationFunctions functions;
+
+void freePageNames(GlobalData& data) {
+    for (char** name = data.pageNames; name && *name; ++name) dlmSystem_mdlFree(*name);
+    dlmSystem_mdlFree(data.pageNames);
+    data.pageNames = nullptr;
+}
+
+// An array for `count` names and the null behind them.
+char** nameArray(int32_t count) {
+    const size_t size = (static_cast<size_t>(count) + 1) * sizeof(char*);
+    return static_cast<char**>(mclibMem_mallocRscErrorPrintf(size, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY));
+}
+
+char* copyOf(std::string_view name) {
+    void* copy = mclibMem_mallocRscErrorPrintf(name.size() + 1, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY);
+    if (copy) std::memcpy(copy, name.data(), name.size());
+    return static_cast<char*>(copy);
+}
+
+}  // namespace
+
+// ---- names ----
+
+int32_t pageCount(const GlobalData& data) {
+    int32_t count = 0;
+    while (data.pageNames && data.pageNames[count]) ++count;
+    return count;
+}
+
+const char* pageName(const GlobalData& data, int32_t page) {
+    return 0 <= page && page < pageCount(data) ? data.pageNames[page] : "";
+}
+
+bool setPageNames(GlobalData& data, int32_t count, char* const* names) {
+    freePageNames(data);
+    char** const copies = nameArray(std::max(count, 0));
+    if (!copies) return false;
+    data.pageNames = copies;
+    for (int32_t i = 0; i < count; ++i) {
+        copies[i] = copyOf(names && names[i] ? names[i] : "");
+        if (!copies[i]) {
+            freePageNames(data);
+            return false;
+        }
+    }
+    return true;
+}
+
+// ---- making ----
+
+void setFunctions(McPageFunction page, McPageListFunction pageList) {
+    functions = {page, pageList, nullptr};
+}
+
+void setUserPrintFunction(McUserPrintFunction function) {
+    functions.userPrint = function;
+}
+
+McPageListFunction pageListFunction() {
+    return functions.pageList;
+}
+
+McUserPrintFunction userPrintFunction() {
+    return functions.userPrint;
+}
+
+bool canMakePages() {
+    return functions.page != nullptr;
+}
+
+void makePage(GlobalData& data, int32_t page, bool inDrawing, ElementDescr** result) {
+    *result = nullptr;
+    copyText(data.currentPageName, pageName(data, page));
+    if (!functions.page || page < 0 || page >= pageCount(data)) return;
+    dlmSystem_callAnyFunction("IPPI", mdlSystem_getCurrMdlDesc(), reinterpret_cast<void*>(functions.page), page,
+                              data.pageNames[page], result, inDrawing ? 1 : 0);
+}
+
+PageSpan pagesToPrint(const GlobalData& data) {
+    const FileDialogBlock& choice = *data.fileDialogP;
+    const int32_t last = pageCount(data) - 1;
+    switch (choice.printRange) {
+        case printAllPages: return {0, last};
+        case printPagesFromTo: return {std::max(choice.firstPage, 0), std::min(choice.lastPage, last)};
+        default: return {data.previewPage, std::min(data.previewPage, last)};
+    }
+}
+
+// ---- on the sheet ----
+
+// A page whose aspect is exactly 1 is turned on every sheet.
+bool isTurned(const ElementDescr* page) {
+    if (mclibpsd->orientation != orientationByShape) return mclibpsd->orientation == orientationTurned;
+    Point3d range[2];
+    if (!page || mclibElemDscr_getRange(range, page) != MDL_SUCCESS) return false;
+    const double pageAspect = std::fabs((range[1].y - range[0].y) / (range[1].x - range[0].x));
+    const double sheetAspect = std::fabs(mclibpsd->pageHeight / mclibpsd->pageWidth);
+    if (pageAspect > 1) return !(sheetAspect > 1);
+    if (pageAspect < 1) return !(sheetAspect < 1);
+    return pageAspect == 1;  // a page without extent has none
+}
+
+}  // namespace forms
