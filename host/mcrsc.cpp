@@ -18,7 +18,8 @@
 //     height = 120
 //     hook = 20035                     # 0 or left out: none
 //     [[dialog.item]]
-//     kind = "push button"             # push button, text, label, list box, generic, toggle, option button, group box
+//     kind = "push button"             # push button, text, label, list box, combo box, generic, toggle, option button,
+//                                      # group box
 //     id = -3
 //     x = 15
 //     y = 80
@@ -28,6 +29,7 @@
 //     access = "mgdP->printDevice"     # published value that the item shows
 //     format = "%8.3f"                 # of a number in a text item
 //     hook = 20033
+//     group = 20001                    # id of a group box of this dialog, which shows and hides the item with itself
 //     rows = [ { value = 1, label = { en = "One", no = "En" } } ]   # of an option button
 //
 //     [[icon]]
@@ -77,6 +79,7 @@ constexpr auto kindNames = std::to_array<KindName>({
     {"toggle", ITEM_TOGGLE},
     {"option button", ITEM_OPTION_BUTTON},
     {"group box", ITEM_GROUP_BOX},
+    {"combo box", ITEM_COMBO_BOX},
 });
 constexpr int32_t usualItemHeight = 20;
 
@@ -228,7 +231,8 @@ void Compiler::compileList(const toml::table& list) {
 }
 
 ItemLayout Compiler::compileItem(const toml::table& source, const std::string& dialog) {
-    requireKeys(source, {"kind", "id", "x", "y", "width", "height", "hook", "access", "format", "label", "rows"});
+    requireKeys(source,
+                {"kind", "id", "x", "y", "width", "height", "hook", "access", "format", "label", "rows", "group"});
     ItemLayout item;
     const std::string name = source["kind"].value_or(std::string());
     const auto kind =
@@ -243,6 +247,7 @@ ItemLayout Compiler::compileItem(const toml::table& source, const std::string& d
     item.width = number(source, "width");
     item.height = number(source, "height", usualItemHeight);
     item.hook = number(source, "hook", 0);
+    item.group = number(source, "group", 0);
     const std::string what = dialog + ", " + name + " " + std::to_string(item.id);
     item.access = plainText(source, "access", what);
     item.format = plainText(source, "format", what);
@@ -263,13 +268,17 @@ void Compiler::compileDialog(const toml::table& source) {
     dialog.hook = number(source, "hook", 0);
     const std::string what = "dialog " + std::to_string(dialog.id);
     dialog.title = texts(source, "title", what);
-    std::set<std::pair<int32_t, int32_t>> seen;
+    std::set<std::pair<int32_t, int32_t>> seen;  // kinds and ids
     eachTable(source, "item", [&](const toml::table& item) {
         dialog.items.push_back(compileItem(item, what));
         const ItemLayout& last = dialog.items.back();
         if (!seen.emplace(last.kind, last.id).second)
             fault(item, what + ": has an item of this kind and id " + std::to_string(last.id) + " already");
     });
+    for (const ItemLayout& item : dialog.items)
+        if (item.group != 0 && !seen.contains({ITEM_GROUP_BOX, item.group}))
+            fault(source,
+                  what + ", item " + std::to_string(item.id) + ": there is no group box " + std::to_string(item.group));
     if (!contents_.dialogs.emplace(dialog.id, std::move(dialog)).second) fault(source, what + ": comes twice");
 }
 

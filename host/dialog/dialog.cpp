@@ -45,9 +45,10 @@ DialogItem itemFrom(const ItemLayout& layout, const std::string& language) {
     item.label = layout.label.textIn(language);
     item.access = layout.access;
     item.format = isValueFormat(layout.format) ? layout.format : std::string();
+    item.group = layout.group;
     item.takesFocus = layout.kind != ITEM_LABEL && layout.kind != ITEM_GROUP_BOX;
     item.isDefault = layout.kind == ITEM_PUSH_BUTTON && layout.id == BUTTON_FIRST;
-    for (const RowLayout& row : layout.rows) item.rows.push_back({row.label.textIn(language), row.value});
+    for (const RowLayout& row : layout.rows) item.rows.push_back({row.label.textIn(language), row.value, true});
     if (item.kind == ITEM_TOGGLE) item.value = "0";
     if (item.kind == ITEM_OPTION_BUTTON && !item.rows.empty()) item.value = std::to_string(item.rows[0].value);
     return item;
@@ -73,6 +74,10 @@ std::optional<std::string> acceptable(const DialogItem& item, std::string_view v
         }
         default: return std::nullopt;
     }
+}
+
+bool hasList(const DialogItem& item) {
+    return item.kind == ITEM_LIST_BOX || item.kind == ITEM_COMBO_BOX;
 }
 
 bool sameOrigin(const DrawCall& a, const DrawCall& b) {
@@ -111,18 +116,19 @@ void callHook(int32_t hookId, MdlDesc* owner, DialogMessage& message) {
 
 }  // namespace
 
-void Dialog::sendToDialog(int32_t type) {
+void Dialog::sendToDialog(int32_t type, int32_t resized) {
     DialogMessage message{};
     message.type = type;
     message.dialog = handle();
     message.hookId = hook_;
     message.attributes = attributes_;
     message.reply = reply_;
+    message.resized = resized;
     callHook(hook_, owner_, message);
     attributes_ = message.attributes;
 }
 
-DialogMessage Dialog::sendToItem(size_t index, int32_t type, int32_t state, int32_t changed) {
+DialogMessage Dialog::messageTo(size_t index, int32_t type) const {
     const DialogItem& item = items_[index];
     DialogMessage message{};
     message.type = type;
@@ -130,10 +136,26 @@ DialogMessage Dialog::sendToItem(size_t index, int32_t type, int32_t state, int3
     message.item = itemHandle(index);
     message.hookId = item.hook;
     message.itemFlags = (item.takesFocus ? FLAG_FOCUS : 0) | (item.isDefault ? FLAG_DEFAULT : 0);
-    message.state = type == ITEM_BUTTON ? state : asNumber(item.value);
-    message.changed = changed;
-    callHook(item.hook, owner_, message);
+    message.state = asNumber(item.value);
     return message;
+}
+
+DialogMessage Dialog::sendToItem(size_t index, int32_t type, int32_t state, int32_t changed) {
+    DialogMessage message = messageTo(index, type);
+    if (type == ITEM_BUTTON) message.state = state;
+    message.changed = changed;
+    callHook(message.hookId, owner_, message);
+    return message;
+}
+
+void Dialog::signal(size_t index, int32_t signal, int32_t value) {
+    if (ending()) return;
+    const auto self = shared_from_this();
+    const EventScope scope;
+    DialogMessage message = messageTo(index, ITEM_SIGNAL);
+    message.signal = signal;
+    message.signalValue = value;
+    callHook(message.hookId, owner_, message);
 }
 
 // ---- life ----
@@ -158,6 +180,7 @@ void Dialog::createItems() {
 }
 
 void Dialog::synchItems() {
+    for (size_t i = 0; i < items_.size() && life_ == Life::opening; ++i) sendToItem(i, ITEM_FILL);
     for (DialogItem& item : items_) {
         if (item.access.empty() || life_ != Life::opening || synch(item)) continue;
         const AccessResult result = resolveAccess(item.access);
@@ -169,6 +192,8 @@ void Dialog::end(int32_t reply) {
     if (ending()) return;
     const auto self = shared_from_this();
     const EventScope scope;
+    if (reply == ACTION_FIRST) setFocus(noItem);
+    if (ending()) return;
     life_ = Life::closing;
     reply_ = reply;
     for (size_t i = 0; i < items_.size(); ++i) sendToItem(i, ITEM_DESTROY);
@@ -181,7 +206,7 @@ void Dialog::end(int32_t reply) {
 // ---- events ----
 
 bool Dialog::usable(size_t index) const {
-    return life_ == Life::open && index < items_.size() && items_[index].shown && items_[index].enabled;
+    return life_ == Life::open && index < items_.size() && isVisible(items_[index]) && items_[index].enabled;
 }
 
 bool Dialog::press(size_t index) {
@@ -197,11 +222,54 @@ bool Dialog::press(size_t index) {
 }
 
 bool Dialog::setValue(size_t index, std::string_view value) {
+    if (!usable(index)) return false;
+    const auto isDisabled = [&](const OptionRow& row) { return !row.enabled && std::to_string(row.value) == value; };
+    if (std::ranges::any_of(items_[index].rows, isDisabled)) return false;
+    setFocus(index);
     return usable(index) && change(index, value);
 }
 
 bool Dialog::selectRow(size_t index, int32_t row) {
-    return usable(index) && items_[index].kind == ITEM_LIST_BOX && changeSelection(index, row);
+    if (!usable(index) || !hasList(items_[index])) return false;
+    setFocus(index);
+    return usable(index) && changeSelection(index, row);
+}
+
+bool Dialog::type(size_t index, std::string text) {
+    if (!usable(index) || items_[index].kind != ITEM_TEXT || !setFocus(index)) return false;
+    edit_ = std::move(text);
+    return true;
+}
+
+bool Dialog::resize(int32_t width, int32_t height) {
+    if (life_ != Life::open || !sizable() || width < 1 || height < 1) return false;
+    const auto self = shared_from_this();
+    const EventScope scope;
+    const bool resized = width != width_ || height != height_;
+    if (resized) setExtent(width, height);
+    sendToDialog(DIALOG_RESIZE, resized);
+    return true;
+}
+
+bool Dialog::setFocus(size_t index) {
+    const bool possible = index == noItem || (usable(index) && items_[index].takesFocus);
+    if (!possible) return false;
+    if (index == focus_) return true;
+    const auto self = shared_from_this();
+    endEdit();
+    focus_ = index;
+    return true;
+}
+
+// The focus is still where the text was typed.
+void Dialog::endEdit() {
+    if (!edit_) return;
+    const std::string text = *std::exchange(edit_, std::nullopt);
+    change(focus_, text);
+}
+
+const std::string* Dialog::edit(size_t index) const {
+    return edit_ && index == focus_ ? &*edit_ : nullptr;
 }
 
 bool Dialog::activate(size_t index) {
@@ -215,7 +283,7 @@ bool Dialog::activate(size_t index) {
 bool Dialog::change(size_t index, std::string_view value) {
     if (ending() || index >= items_.size()) return false;
     DialogItem& item = items_[index];
-    if (item.kind == ITEM_LIST_BOX) {
+    if (hasList(item)) {
         const std::optional<long long> row = wholeNumberOf(value);
         return row && *row >= -1 && *row <= INT32_MAX && changeSelection(index, static_cast<int32_t>(*row));
     }
@@ -236,17 +304,33 @@ bool Dialog::change(size_t index, std::string_view value) {
 
 bool Dialog::changeSelection(size_t index, int32_t row) {
     DialogItem& item = items_[index];
-    if (row < -1 || row >= rowCount(item)) return false;
     const auto self = shared_from_this();
     const EventScope scope;
     const bool changed = item.selectedRow != row;
-    item.selectedRow = row;
-    item.value = std::to_string(row);
+    if (!select(item, row)) return false;
     sendToItem(index, ITEM_STATE_CHANGED, 0, changed);
     return true;
 }
 
 // ---- state ----
+
+bool Dialog::isVisible(const DialogItem& item) const {
+    if (!item.shown || item.group == 0) return item.shown;
+    const int32_t box = indexOf(ITEM_GROUP_BOX, item.group);
+    return box < 0 || items_[static_cast<size_t>(box)].shown;
+}
+
+bool Dialog::select(DialogItem& item, int32_t row) {
+    if (row < -1 || row >= rowCount(item)) return false;
+    const std::string value = std::to_string(row);
+    if (!item.access.empty()) {
+        const AccessResult result = resolveAccess(item.access);
+        if (!result.place || !writePlace(*result.place, value)) return false;
+    }
+    item.selectedRow = row;
+    item.value = value;
+    return true;
+}
 
 DialogItem* Dialog::itemAt(int32_t index) {
     return index >= 0 && static_cast<size_t>(index) < items_.size() ? &items_[static_cast<size_t>(index)] : nullptr;
@@ -270,6 +354,10 @@ bool Dialog::synch(DialogItem& item) {
     const AccessResult result = resolveAccess(item.access);
     if (!result.place) return false;
     item.value = readPlace(*result.place, item.format);
+    if (hasList(item)) {
+        const int32_t row = asNumber(item.value);
+        item.selectedRow = row >= 0 && row < rowCount(item) ? row : -1;
+    }
     return true;
 }
 
@@ -290,7 +378,7 @@ std::string Dialog::cellText(const DialogItem& item, int32_t row, int32_t column
 std::vector<DrawCall> Dialog::drawing() const {
     std::vector<DrawCall> all = drawing_;
     for (const DialogItem& item : items_)
-        if (item.shown) all.insert(all.end(), item.drawing.begin(), item.drawing.end());
+        if (isVisible(item)) all.insert(all.end(), item.drawing.begin(), item.drawing.end());
     return all;
 }
 
@@ -302,7 +390,7 @@ void Dialog::refresh() {
 
 void Dialog::draw(size_t index) {
     items_[index].drawn = false;
-    if (life_ != Life::open || !items_[index].shown) return;
+    if (life_ != Life::open || !isVisible(items_[index])) return;
     const auto self = shared_from_this();
     const EventScope scope;
     items_[index].drawing.clear();
@@ -310,6 +398,11 @@ void Dialog::draw(size_t index) {
     const int32_t outer = std::exchange(drawingItem_, static_cast<int32_t>(index));
     sendToItem(index, ITEM_DRAW);
     drawingItem_ = outer;
+}
+
+void Dialog::clear() {
+    drawing_.clear();
+    if (drawingItem_ >= 0) items_[static_cast<size_t>(drawingItem_)].drawing.clear();
 }
 
 // What an item's hook draws is dropped before the hook draws again. Elsewhere a call takes the place of the earlier one

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,7 @@ struct DrawCall {
 struct OptionRow {
     std::string label;
     int32_t value;
+    bool enabled = true;
 };
 
 struct DialogItem {
@@ -43,15 +45,16 @@ struct DialogItem {
     std::string label;
     std::string access;  // access string, or empty
     std::string format;  // of a number, or empty
-    std::string value;   // a text; "0" or "1" of a toggle; the chosen row's value of an option button
+    std::string value;   // a text; "0" or "1" of a toggle; the chosen row's value of an option button; else its number
+    int32_t group = 0;   // id of the group box that it is a member of; 0: none
     std::vector<OptionRow> rows;
     bool shown = true;
     bool enabled = true;
     bool takesFocus = true;
     bool isDefault = false;
     bool drawn = false;          // false: its hook has to draw it
-    StringList* list = nullptr;  // of a list box; its owner's
-    int32_t columns = 1;
+    StringList* list = nullptr;  // of a list box or combo box; its owner's
+    int32_t columns = 1;         // members of the list in a row
     int32_t selectedRow = -1;
     std::vector<DrawCall> drawing;
 };
@@ -67,13 +70,20 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     bool ended() const { return life_ == Life::ended; }
     int32_t width() const { return width_; }
     int32_t height() const { return height_; }
+    bool sizable() const { return attributes_ & DIALOG_SIZABLE; }
     const std::string& title() const { return title_; }
     const std::vector<DialogItem>& items() const { return items_; }
     // What hooks drew: of the dialog itself first, then of the items that are shown.
     std::vector<DrawCall> drawing() const;
     // Has the items drawn whose drawing is out of date. To be called before the dialog is shown.
     void refresh();
-    // Text in a cell of a list box; empty where there is none.
+    // Neither the item nor its group box is hidden.
+    bool isVisible(const DialogItem& item) const;
+    // The text that is being typed into a text item, which the item hasn't taken yet; null when none is.
+    const std::string* edit(size_t index) const;
+    size_t focus() const { return focus_; }  // the item that has it, or noItem
+    static constexpr size_t noItem = SIZE_MAX;
+    // Text in a cell of a list box or combo box; empty where there is none.
     static std::string cellText(const DialogItem& item, int32_t row, int32_t column);
     static int32_t rowCount(const DialogItem& item);
 
@@ -84,6 +94,11 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     // Sets a text, a toggle or the choice of an option button. Also false for a value that the item can't take.
     bool setValue(size_t index, std::string_view value);
     bool selectRow(size_t index, int32_t row);
+    // Types into a text item without leaving it: it takes the text when the focus moves, or the first button is
+    // pressed.
+    bool type(size_t index, std::string text);
+    // Draws the window to another size.
+    bool resize(int32_t width, int32_t height);
     // A double click or Enter on an item.
     bool activate(size_t index);
     void close() { end(0); }
@@ -102,8 +117,12 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     void end(int32_t reply);
     bool synch(DialogItem& item);
     bool change(size_t index, std::string_view value);  // as a user would, whatever the item's state
-    void draw(size_t index);                            // at once; an item that isn't on show yet when it is
-    void add(DrawCall call);                            // to the item whose hook is drawing, else to the dialog
+    bool setFocus(size_t index);                        // noItem: away from all; a running edit ends
+    void signal(size_t index, int32_t signal, int32_t value);
+    bool select(DialogItem& item, int32_t row);  // a row, or -1, without a message; its access string keeps it
+    void clear();                                // the display list, and that of the item whose hook is drawing
+    void draw(size_t index);                     // at once; an item that isn't on show yet when it is
+    void add(DrawCall call);                     // to the item whose hook is drawing, else to the dialog
     // Its end has begun: no event reaches it any more.
     bool ending() const { return life_ == Life::closing || life_ == Life::ended; }
     MdlDialog* handle() const;
@@ -113,9 +132,11 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     enum class Life { opening, open, closing, ended };
 
     bool usable(size_t index) const;
-    void sendToDialog(int32_t type);
+    void sendToDialog(int32_t type, int32_t resized = 0);
     // The message as the hook left it. `state` is that of ITEM_BUTTON; other messages take the item's value.
     DialogMessage sendToItem(size_t index, int32_t type, int32_t state = 0, int32_t changed = 0);
+    DialogMessage messageTo(size_t index, int32_t type) const;
+    void endEdit();
     void createItems();
     void synchItems();
     bool changeSelection(size_t index, int32_t row);
@@ -134,6 +155,8 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     std::vector<DialogItem> items_;
     std::vector<DrawCall> drawing_;
     int32_t drawingItem_ = -1;
+    size_t focus_ = noItem;
+    std::optional<std::string> edit_;  // of the item that has the focus
 };
 
 // Dialogs that were told to close when control is back in the host. The host calls this where it has control.

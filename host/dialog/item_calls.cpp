@@ -39,6 +39,23 @@ MdlItem* mdlDialog_itemGetByIndex(MdlDialog* handle, int32_t index) {
     return dialog && index >= 0 ? dialog->itemHandle(static_cast<size_t>(index)) : nullptr;
 }
 
+int32_t mdlDialog_itemCount(const MdlDialog* handle) {
+    const auto dialog = host::dialogOf(handle);
+    return dialog ? static_cast<int32_t>(dialog->items().size()) : 0;
+}
+
+int32_t mdlDialog_itemIndex(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item ? static_cast<int32_t>(item.index) : -1;
+}
+
+MdlItem* mdlDialog_itemNeighbour(const MdlItem* handle, int32_t steps) {
+    const ItemRef item = host::itemOf(handle);
+    if (!item) return nullptr;
+    const int64_t index = static_cast<int64_t>(item.index) + steps;
+    return index < 0 ? nullptr : item.dialog->itemHandle(static_cast<size_t>(index));
+}
+
 MdlItem* mdlDialog_itemGetByTypeAndId(MdlDialog* handle, int32_t type, int32_t id) {
     const auto dialog = host::dialogOf(handle);
     return dialog ? mdlDialog_itemGetByIndex(handle, dialog->indexOf(type, id)) : nullptr;
@@ -98,6 +115,16 @@ void mdlDialog_itemShow(MdlItem* handle, int32_t show) {
     });
 }
 
+int mdlDialog_itemIsShown(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item && item.dialog->isVisible(*item);
+}
+
+int mdlDialog_itemIsEnabled(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item && item->enabled;
+}
+
 void mdlDialog_itemEnable(MdlItem* handle, int32_t enable) {
     host::onItem(handle, 0, [&](const ItemRef& item) -> int {
         item->enabled = enable != 0;
@@ -139,6 +166,22 @@ void mdlDialog_itemDraw(MdlItem* handle) {
     });
 }
 
+int mdlDialog_itemSignal(MdlItem* handle, int32_t signal, int32_t value) {
+    return host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        item.dialog->signal(item.index, signal, value);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_setFocus(MdlDialog* handle, MdlItem* itemHandle) {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto dialog = host::dialogOf(handle);
+        const ItemRef item = host::itemOf(itemHandle);
+        if (!dialog || (itemHandle && item.dialog != dialog)) return MDL_ERROR;
+        return dialog->setFocus(itemHandle ? item.index : host::Dialog::noItem) ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
 // ---- texts ----
 
 int mdlDialog_textGetInfo(char* format, const MdlItem* handle) {
@@ -160,35 +203,72 @@ int mdlDialog_textSetInfo(MdlItem* handle, const char* format) {
     });
 }
 
-// ---- list boxes ----
+// ---- list boxes and combo boxes ----
 
-int mdlDialog_listBoxSetStrListP(MdlItem* handle, StringList* list, int32_t columns) {
-    return host::onItem(handle, ITEM_LIST_BOX, [&](const ItemRef& item) -> int {
+namespace host {
+
+namespace {
+
+int setList(MdlItem* handle, int32_t kind, StringList* list, int32_t columns) {
+    return onItem(handle, kind, [&](const ItemRef& item) -> int {
         if (columns < 1) return MDL_ERROR;
         item->list = list;
         item->columns = columns;
-        if (item->selectedRow >= host::Dialog::rowCount(*item)) item->selectedRow = -1;
+        if (item->selectedRow >= Dialog::rowCount(*item)) item->selectedRow = -1;
         return MDL_SUCCESS;
     });
 }
 
-StringList* mdlDialog_listBoxGetStrListP(const MdlItem* handle) {
-    const ItemRef item = host::itemOfKind(handle, ITEM_LIST_BOX);
+StringList* listOf(const MdlItem* handle, int32_t kind) {
+    const ItemRef item = itemOfKind(handle, kind);
     return item ? item->list : nullptr;
 }
 
-int mdlDialog_listBoxSelectRow(MdlItem* handle, int32_t row) {
-    return host::onItem(handle, ITEM_LIST_BOX, [&](const ItemRef& item) -> int {
-        if (row < -1 || row >= host::Dialog::rowCount(*item)) return MDL_ERROR;
-        item->selectedRow = row;
-        item->value = std::to_string(row);
-        return MDL_SUCCESS;
+int selectRow(MdlItem* handle, int32_t kind, int32_t row) {
+    return onItem(handle, kind, [&](const ItemRef& item) -> int {
+        return item.dialog->select(*item, row) ? MDL_SUCCESS : MDL_ERROR;
     });
 }
 
-int32_t mdlDialog_listBoxGetSelectedRow(const MdlItem* handle) {
-    const ItemRef item = host::itemOfKind(handle, ITEM_LIST_BOX);
+int32_t selectedRow(const MdlItem* handle, int32_t kind) {
+    const ItemRef item = itemOfKind(handle, kind);
     return item ? item->selectedRow : -1;
+}
+
+}  // namespace
+
+}  // namespace host
+
+int mdlDialog_listBoxSetStrListP(MdlItem* item, StringList* list, int32_t columns) {
+    return host::setList(item, ITEM_LIST_BOX, list, columns);
+}
+
+StringList* mdlDialog_listBoxGetStrListP(const MdlItem* item) {
+    return host::listOf(item, ITEM_LIST_BOX);
+}
+
+int mdlDialog_listBoxSelectRow(MdlItem* item, int32_t row) {
+    return host::selectRow(item, ITEM_LIST_BOX, row);
+}
+
+int32_t mdlDialog_listBoxGetSelectedRow(const MdlItem* item) {
+    return host::selectedRow(item, ITEM_LIST_BOX);
+}
+
+int mdlDialog_comboBoxSetStrListP(MdlItem* item, StringList* list, int32_t stringsPerRow) {
+    return host::setList(item, ITEM_COMBO_BOX, list, stringsPerRow);
+}
+
+StringList* mdlDialog_comboBoxGetStrListP(const MdlItem* item) {
+    return host::listOf(item, ITEM_COMBO_BOX);
+}
+
+int mdlDialog_comboBoxSelectRow(MdlItem* item, int32_t row) {
+    return host::selectRow(item, ITEM_COMBO_BOX, row);
+}
+
+int32_t mdlDialog_comboBoxGetSelectedRow(const MdlItem* item) {
+    return host::selectedRow(item, ITEM_COMBO_BOX);
 }
 
 // ---- option buttons ----
@@ -203,7 +283,7 @@ int mdlDialog_optionButtonDeleteAll(MdlItem* handle) {
 int mdlDialog_optionButtonInsert(MdlItem* handle, const char* label, int32_t value) {
     return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
         if (!label) return MDL_ERROR;
-        item->rows.push_back({label, value});
+        item->rows.push_back({label, value, true});
         if (item->value.empty()) item->value = std::to_string(value);
         return MDL_SUCCESS;
     });
@@ -222,4 +302,18 @@ int mdlDialog_optionButtonGet(const MdlItem* handle, int32_t row, const char** l
         if (valueP) *valueP = found.value;
         return MDL_SUCCESS;
     });
+}
+
+int mdlDialog_optionButtonEnableRow(MdlItem* handle, int32_t row, int32_t enable) {
+    return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
+        if (row < 0 || static_cast<size_t>(row) >= item->rows.size()) return MDL_ERROR;
+        item->rows[static_cast<size_t>(row)].enabled = enable != 0;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_optionButtonRowIsEnabled(const MdlItem* handle, int32_t row) {
+    const ItemRef item = host::itemOfKind(handle, ITEM_OPTION_BUTTON);
+    return item && row >= 0 && static_cast<size_t>(row) < item->rows.size() &&
+           item->rows[static_cast<size_t>(row)].enabled;
 }

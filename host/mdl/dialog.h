@@ -5,10 +5,11 @@
  * it and the item. The manager calls hooks in the context of the application that opened the dialog; a hook gets one
  * DialogMessage, sets `handled` to 1 when it takes it and else to 0.
  * Opening sends DIALOG_CREATE (the items can be found already), ITEM_CREATE to each item, takes the items' values from
- * their access strings, and sends DIALOG_INIT; items are drawn when the dialog is shown, and again when they were moved
+ * their access strings (each item gets ITEM_FILL just before), and sends DIALOG_INIT; items are drawn when the dialog is shown, and again when they were moved
  * or the window's extent changed. Pressing a button sends one ITEM_BUTTON with state 1 and ITEM_ACTIVATED; a release
- * isn't sent. A change by the user sends ITEM_STATE_CHANGED, a double click or Enter ITEM_ACTIVATED. Closing sends
- * ITEM_DESTROY to each item and DIALOG_DESTROY. The dialogs of an application that ends are closed in this way.
+ * isn't sent. A change by the user sends ITEM_STATE_CHANGED, a double click or Enter ITEM_ACTIVATED. A window that its
+ * user has drawn to another size sends DIALOG_RESIZE. Closing sends ITEM_DESTROY to each item and DIALOG_DESTROY. The
+ * dialogs of an application that ends are closed in this way.
  * A handle of a dialog or item that is gone is harmless: calls on it fail, or give 0 or null.
  * Drawing calls of hooks are kept as the window's display list, which a front end shows. */
 #ifndef HOST_MDL_DIALOG_H
@@ -21,13 +22,19 @@ enum {
     DIALOG_CREATE = 0,
     DIALOG_INIT = 1,
     DIALOG_DESTROY = 2,
+    DIALOG_RESIZE = 4,      /* of a dialog with DIALOG_SIZABLE: its user has let go of the window's edge */
     ITEM_CREATE = 50,
     ITEM_DESTROY = 51,
     ITEM_DRAW = 52,
     ITEM_BUTTON = 54,
+    ITEM_FILL = 69,         /* once, before the item first takes its value: the time to give it its rows */
     ITEM_ACTIVATED = 70,
-    ITEM_STATE_CHANGED = 71
+    ITEM_STATE_CHANGED = 71,
+    ITEM_SIGNAL = 72        /* sent by a program: mdlDialog_itemSignal */
 };
+
+/* Attribute bits of a dialog, which the hook sets on DIALOG_CREATE. */
+enum { DIALOG_SIZABLE = 0x40 }; /* its user may draw the window to another size */
 
 /* Kinds of items; the value is the item's four-character type. */
 enum {
@@ -38,7 +45,8 @@ enum {
     ITEM_GENERIC = 0x6447656e,       /* dGen */
     ITEM_TOGGLE = 0x6454426e,        /* dTBn */
     ITEM_OPTION_BUTTON = 0x644f426e, /* dOBn */
-    ITEM_GROUP_BOX = 0x64474278      /* dGBx */
+    ITEM_GROUP_BOX = 0x64474278,     /* dGBx */
+    ITEM_COMBO_BOX = 0x64434278      /* dCBx */
 };
 enum { MDL_DIALOG_BOX = 0x64426f78 }; /* dBox: the type of a dialog box resource */
 
@@ -53,6 +61,9 @@ typedef struct DialogMessage {
     int32_t changed;        /* ITEM_STATE_CHANGED: 1 when the value isn't the one before */
     int32_t attributes;     /* DIALOG_CREATE: attribute bits of the dialog, which the hook may add to */
     int32_t reply;          /* DIALOG_DESTROY: the button that ended it, 0 when closed otherwise */
+    int32_t resized;        /* DIALOG_RESIZE: 1 when the size isn't the one before */
+    int32_t signal;         /* ITEM_SIGNAL: the two numbers that were sent */
+    int32_t signalValue;
 } DialogMessage;
 
 typedef void (*DialogHookFunction)(DialogMessage *message);
@@ -114,12 +125,22 @@ MDL_EXPORT int mdlWindow_close(MdlDialog *dialog, int32_t reserved, int32_t forc
 MDL_EXPORT int mdlDialog_closeCommandQueue(MdlDialog *dialog);
 MDL_EXPORT int32_t mdlDialog_getId(const MdlDialog *dialog);
 MDL_EXPORT void mdlWindow_titleSet(MdlDialog *dialog, const char *title);
+/* Sets the size of the content area. No DIALOG_RESIZE is sent. What hooks drew is dropped, and is drawn anew. */
 MDL_EXPORT void mdlWindow_extentSet(MdlDialog *dialog, int32_t width, int32_t height);
+/* Empties the content area: drops what hooks drew outside of items and, while an item's hook draws, what it has drawn. */
+MDL_EXPORT void mdlWindow_clear(MdlDialog *dialog);
+/* Moves the focus to an item (null: away from all). A running edit of a text item ends: its text is taken as if the
+ * user had entered it, or, when the item can't take it, dropped. MDL_ERROR for an item that can't have the focus. */
+MDL_EXPORT int mdlDialog_setFocus(MdlDialog *dialog, MdlItem *item);
 MDL_EXPORT void mdlWindow_contentRectGet(DialogRect *rect, const MdlDialog *dialog); /* from (0, 0) */
 
 /* ---- items: numbered from 0 in order of the layout ---- */
 
+MDL_EXPORT int32_t mdlDialog_itemCount(const MdlDialog *dialog);
 MDL_EXPORT MdlItem *mdlDialog_itemGetByIndex(MdlDialog *dialog, int32_t index);
+/* The item `steps` places behind this one in the layout (below 0: in front of it); null where there is none. */
+MDL_EXPORT MdlItem *mdlDialog_itemNeighbour(const MdlItem *item, int32_t steps);
+MDL_EXPORT int32_t mdlDialog_itemIndex(const MdlItem *item); /* -1 for none */
 MDL_EXPORT MdlItem *mdlDialog_itemGetByTypeAndId(MdlDialog *dialog, int32_t type, int32_t id);
 MDL_EXPORT int32_t mdlDialog_itemType(const MdlItem *item);
 MDL_EXPORT int32_t mdlDialog_itemId(const MdlItem *item);
@@ -129,8 +150,12 @@ MDL_EXPORT void mdlDialog_itemMove(MdlItem *item, int32_t left, int32_t top);
 MDL_EXPORT void mdlDialog_itemSetExtent(MdlItem *item, int32_t width, int32_t height);
 MDL_EXPORT void mdlDialog_itemSetLabel(MdlItem *item, const char *label);
 MDL_EXPORT const char *mdlDialog_itemGetLabel(const MdlItem *item);
+/* A group box shows and hides its members with it; one that is hidden by itself stays so. */
 MDL_EXPORT void mdlDialog_itemShow(MdlItem *item, int32_t show);
+MDL_EXPORT int mdlDialog_itemIsShown(const MdlItem *item); /* 1 or 0: neither it nor its group box is hidden */
+/* An item that isn't enabled shows its value, and its user can't change it. */
 MDL_EXPORT void mdlDialog_itemEnable(MdlItem *item, int32_t enable);
+MDL_EXPORT int mdlDialog_itemIsEnabled(const MdlItem *item); /* 1 or 0 */
 /* Takes the value from the access string, and shows it. */
 MDL_EXPORT int mdlDialog_itemSynch(MdlItem *item);
 MDL_EXPORT int mdlDialog_itemsSynch(MdlDialog *dialog);
@@ -139,6 +164,8 @@ MDL_EXPORT const char *mdlDialog_itemGetValue(const MdlItem *item);
 MDL_EXPORT int mdlDialog_itemSetValue(MdlItem *item, const char *value);
 /* Has the item's hook draw it again. */
 MDL_EXPORT void mdlDialog_itemDraw(MdlItem *item);
+/* Sends the item's hook ITEM_SIGNAL with two numbers that the two agree on. */
+MDL_EXPORT int mdlDialog_itemSignal(MdlItem *item, int32_t signal, int32_t value);
 
 /* Format of a text item that shows a number, such as "%8.3f": 32 bytes, empty when it has none. MDL_ERROR for another kind
  * of item, and for a format to be set that is longer or hasn't exactly one conversion; an empty one takes it away. */
@@ -151,11 +178,22 @@ MDL_EXPORT StringList *mdlDialog_listBoxGetStrListP(const MdlItem *item);
 MDL_EXPORT int mdlDialog_listBoxSelectRow(MdlItem *item, int32_t row); /* -1: none */
 MDL_EXPORT int32_t mdlDialog_listBoxGetSelectedRow(const MdlItem *item);
 
-/* Option buttons: rows of a label and a value; the item's value is that of the chosen row. */
+/* Combo boxes: rows of `stringsPerRow` members of a string list (member row * stringsPerRow + column), of which the first
+ * is on show when the box is closed; the list stays its owner's. The item's value is the number of the chosen row, -1 for
+ * none, also where an access string keeps it. */
+MDL_EXPORT int mdlDialog_comboBoxSetStrListP(MdlItem *item, StringList *list, int32_t stringsPerRow);
+MDL_EXPORT StringList *mdlDialog_comboBoxGetStrListP(const MdlItem *item);
+MDL_EXPORT int mdlDialog_comboBoxSelectRow(MdlItem *item, int32_t row); /* -1: none; the access string keeps it too */
+MDL_EXPORT int32_t mdlDialog_comboBoxGetSelectedRow(const MdlItem *item);
+
+/* Option buttons: rows of a label and a value; the item's value is that of the chosen row. A row that isn't enabled
+ * can't be chosen by the user. */
 MDL_EXPORT int mdlDialog_optionButtonDeleteAll(MdlItem *item);
 MDL_EXPORT int mdlDialog_optionButtonInsert(MdlItem *item, const char *label, int32_t value);
 MDL_EXPORT int32_t mdlDialog_optionButtonCount(const MdlItem *item);
 MDL_EXPORT int mdlDialog_optionButtonGet(const MdlItem *item, int32_t row, const char **labelP, int32_t *valueP);
+MDL_EXPORT int mdlDialog_optionButtonEnableRow(MdlItem *item, int32_t row, int32_t enable);
+MDL_EXPORT int mdlDialog_optionButtonRowIsEnabled(const MdlItem *item, int32_t row); /* 1 or 0 */
 
 /* ---- drawing into a window's display list; coordinates in pixels of the content area ---- */
 

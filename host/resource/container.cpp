@@ -15,7 +15,8 @@ constexpr const char* schema =
     " PRIMARY KEY(list, number, language)) WITHOUT ROWID;"
     "CREATE TABLE dialog(id INTEGER PRIMARY KEY, width INTEGER, height INTEGER, hook INTEGER);"
     "CREATE TABLE item(dialog INTEGER, place INTEGER, kind INTEGER, id INTEGER, x INTEGER, y INTEGER, width INTEGER,"
-    " height INTEGER, hook INTEGER, access TEXT, format TEXT, PRIMARY KEY(dialog, place)) WITHOUT ROWID;"
+    " height INTEGER, hook INTEGER, access TEXT, format TEXT, box INTEGER, PRIMARY KEY(dialog, place))"
+    " WITHOUT ROWID;"
     "CREATE TABLE row(dialog INTEGER, place INTEGER, number INTEGER, value INTEGER,"
     " PRIMARY KEY(dialog, place, number)) WITHOUT ROWID;"
     "CREATE TABLE label(dialog INTEGER, place INTEGER, number INTEGER, language TEXT, text BLOB NOT NULL,"
@@ -41,7 +42,9 @@ struct Bytes {
 
 class Statement {
   public:
-    Statement(sqlite3* db, const char* sql) : db_(db) { check(sqlite3_prepare_v2(db, sql, -1, &handle_, nullptr)); }
+    Statement(sqlite3* db, const std::string& sql) : db_(db) {
+        check(sqlite3_prepare_v2(db, sql.c_str(), -1, &handle_, nullptr));
+    }
     ~Statement() { sqlite3_finalize(handle_); }
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
@@ -118,20 +121,20 @@ void requirePlace(size_t expected, int32_t place) {
     if (place < 0 || static_cast<size_t>(place) != expected) throw Damage("a dialog layout has gaps");
 }
 
-void readDialogs(sqlite3* db, ResourceContents& contents) {
+void readDialogs(sqlite3* db, int32_t version, ResourceContents& contents) {
     auto& dialogs = contents.dialogs;
     Statement boxes(db, "SELECT id, width, height, hook FROM dialog");
     while (boxes.step())
         dialogs[boxes.number(0)] = {boxes.number(0), boxes.number(1), boxes.number(2), boxes.number(3), {}, {}};
 
-    Statement items(db,
-                    "SELECT dialog, place, kind, id, x, y, width, height, hook, access, format FROM item"
-                    " ORDER BY dialog, place");
+    const std::string box = version >= 2 ? "box" : "0";
+    Statement items(db, "SELECT dialog, place, kind, id, x, y, width, height, hook, access, format, " + box +
+                            " FROM item ORDER BY dialog, place");
     while (items.step()) {
         auto& all = dialogs.at(items.number(0)).items;
         requirePlace(all.size(), items.number(1));
         const auto n = [&](int column) { return items.number(column); };
-        all.push_back({n(2), n(3), n(4), n(5), n(6), n(7), n(8), items.text(9), items.text(10), {}, {}});
+        all.push_back({n(2), n(3), n(4), n(5), n(6), n(7), n(8), items.text(9), items.text(10), {}, {}, n(11)});
     }
 
     Statement rows(db, "SELECT dialog, place, number, value FROM row ORDER BY dialog, place, number");
@@ -180,7 +183,7 @@ void writeTexts(Statement& insertion, int32_t dialog, int32_t place, int32_t num
 
 void writeDialogs(sqlite3* db, const ResourceContents& contents) {
     Statement boxes(db, "INSERT INTO dialog VALUES(?,?,?,?)");
-    Statement items(db, "INSERT INTO item VALUES(?,?,?,?,?,?,?,?,?,?,?)");
+    Statement items(db, "INSERT INTO item VALUES(?,?,?,?,?,?,?,?,?,?,?,?)");
     Statement rows(db, "INSERT INTO row VALUES(?,?,?,?)");
     Statement labels(db, "INSERT INTO label VALUES(?,?,?,?,?)");
     for (const auto& [id, dialog] : contents.dialogs) {
@@ -189,7 +192,7 @@ void writeDialogs(sqlite3* db, const ResourceContents& contents) {
         int32_t place = 0;
         for (const ItemLayout& item : dialog.items) {
             items.insert(id, place, item.kind, item.id, item.x, item.y, item.width, item.height, item.hook, item.access,
-                         item.format);
+                         item.format, item.group);
             writeTexts(labels, id, place, ownText, item.label);
             int32_t number = 0;
             for (const RowLayout& row : item.rows) {
@@ -247,12 +250,13 @@ ResourceContents readContainer(const std::string& path) {
         const Database db = openDatabase(path, SQLITE_OPEN_READONLY);
         if (pragma(db.get(), "PRAGMA application_id") != containerKind)
             refuse(path, "this is no resource file; make one with mcrsc");
-        if (pragma(db.get(), "PRAGMA user_version") > containerVersion)
+        const int32_t version = pragma(db.get(), "PRAGMA user_version");
+        if (version > containerVersion)
             refuse(path, "this resource file is of a newer make; make it again with this version's mcrsc");
         requireSound(db.get());
         ResourceContents contents;
         readStrings(db.get(), contents);
-        readDialogs(db.get(), contents);
+        readDialogs(db.get(), version, contents);
         readIcons(db.get(), contents);
         return contents;
     } catch (const Damage& damage) {

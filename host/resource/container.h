@@ -2,7 +2,7 @@
 //
 //   string(list, number, language, text)            text as Windows-1252 bytes
 //   dialog(id, width, height, hook)
-//   item(dialog, place, kind, id, x, y, width, height, hook, access, format)
+//   item(dialog, place, kind, id, x, y, width, height, hook, access, format, box)
 //   row(dialog, place, number, value)               rows of an option button
 //   label(dialog, place, number, language, text)    title: place -1; label of an item: number -1; else label of a row
 //   icon(id, size, pixels, sign)
@@ -23,7 +23,7 @@
 namespace host {
 
 constexpr int32_t containerKind = 0x4d435246;  // "MCRF"
-constexpr int32_t containerVersion = 1;
+constexpr int32_t containerVersion = 2;  // 1: items had no box
 constexpr std::string_view fallbackLanguage = "en";
 constexpr size_t longestString = 511;  // what fits the 512 bytes that a string is loaded into
 
@@ -57,6 +57,7 @@ struct ItemLayout {
     std::string format;                           // of a number in a text item
     Texts label;
     std::vector<RowLayout> rows;
+    int32_t group = 0;  // id of the group box that it is a member of; 0: none
 };
 
 struct DialogLayout {
