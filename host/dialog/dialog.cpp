@@ -420,4 +420,9 @@ void Dialog::add(DrawCall call) {
         *same = std::move(call);
 }
 
+void Dialog::clear() {
+    drawing_.clear();
+    for (DialogItem& item : items_) item.drawing.clear();
+}
+
 }  // namespace host

@@ -18,17 +18,27 @@
 
 namespace host {
 
+// Fixed colours in the place of a line's colour: this and the 15 behind it.
+constexpr int32_t firstFixedColor = 256, fixedColors = 16;
+
+struct LineLook {
+    int32_t style = 0;
+    int32_t width = 1;  // pixels
+};
+
 // One drawing call of a hook; pixels of the content area.
 struct DrawCall {
-    enum class Kind { text, edge, icon, line };
+    enum class Kind { text, edge, icon, line, bevel, fill };
     Kind kind;
     DialogRect rect;  // of a text, an icon and a line: what it covers
     std::string text;
     int32_t font;
     bool sunken;
     std::shared_ptr<const Icon> icon;
-    int32_t color;                // index of a fixed colour; of a line: of an element's colour
+    int32_t color;                // a fixed colour; of a line: below firstFixedColor an element's colour
     std::vector<int32_t> points;  // of a line: x and y in turn
+    LineLook look;                // of a line
+    bool filled = false;          // of a bevel
 };
 
 struct OptionRow {
@@ -113,7 +123,11 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     void setExtent(int32_t width, int32_t height);
     int32_t font() const { return font_; }
     void setFont(int32_t font) { font_ = font; }
-    bool open();  // sends the messages of creation; false when a hook closed it meanwhile
+    LineLook lineLook() const { return lineLook_; }
+    int32_t lineColor() const { return lineColor_; }
+    void setLine(LineLook look, int32_t color) { lineLook_ = look, lineColor_ = color; }
+    void clear();  // the display list
+    bool open();   // sends the messages of creation; false when a hook closed it meanwhile
     void end(int32_t reply);
     bool synch(DialogItem& item);
     bool change(size_t index, std::string_view value);  // as a user would, whatever the item's state
@@ -148,6 +162,8 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     int32_t attributes_ = 0;
     int32_t reply_ = 0;
     int32_t font_;
+    LineLook lineLook_;
+    int32_t lineColor_ = firstFixedColor + 7;
     bool modal_;
     Life life_ = Life::opening;
     MdlDesc* owner_;

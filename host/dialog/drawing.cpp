@@ -99,6 +99,59 @@ int mdlWindow_polylineDraw(MdlDialog* handle, const int32_t* points, int32_t cou
     });
 }
 
+int mdlWindow_clear(MdlDialog* handle) {
+    return host::onDialog(handle, [](Dialog& dialog) -> int {
+        dialog.clear();
+        return MDL_SUCCESS;
+    });
+}
+
+int32_t mdlWindow_fixedColorIndexGet(const MdlDialog* handle, int32_t fixedColor) {
+    const bool known = fixedColor >= 0 && fixedColor < host::fixedColors;
+    return known && host::dialogOf(handle) ? host::firstFixedColor + fixedColor : int32_t{MDL_ERROR};
+}
+
+int mdlWindow_lineStyleSet(MdlDialog* handle, int32_t style, int32_t colorIndex, int32_t mode, int32_t width) {
+    return host::onDialog(handle, [&](Dialog& dialog) -> int {
+        const bool knownColor = colorIndex >= 0 && colorIndex < host::firstFixedColor + host::fixedColors;
+        if (style < 0 || style > 7 || !knownColor || mode != 0 || width < 1) return MDL_ERROR;
+        dialog.setLine({style, width}, colorIndex);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlWindow_lineDraw(MdlDialog* handle, int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
+    return host::onDialog(handle, [&](Dialog& dialog) -> int {
+        const DialogRect rect{std::min(x0, x1), std::min(y0, y1), std::max(x0, x1), std::max(y0, y1)};
+        dialog.add({DrawCall::Kind::line,
+                    rect,
+                    {},
+                    0,
+                    false,
+                    nullptr,
+                    dialog.lineColor(),
+                    {x0, y0, x1, y1},
+                    dialog.lineLook()});
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_rectDrawBeveled(MdlDialog* handle, const DialogRect* rect, int32_t sunken, int32_t filled) {
+    return host::onDialog(handle, [&](Dialog& dialog) -> int {
+        if (!rect) return MDL_ERROR;
+        dialog.add({DrawCall::Kind::bevel, *rect, {}, 0, sunken != 0, nullptr, 0, {}, {}, filled != 0});
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_rectFill(MdlDialog* handle, const DialogRect* rect, int32_t fixedColor) {
+    return host::onDialog(handle, [&](Dialog& dialog) -> int {
+        if (!rect || fixedColor < 0 || fixedColor >= host::fixedColors) return MDL_ERROR;
+        dialog.add({DrawCall::Kind::fill, *rect, {}, 0, false, nullptr, fixedColor, {}});
+        return MDL_SUCCESS;
+    });
+}
+
 int mdlDialog_rectDrawEdge(MdlDialog* handle, const DialogRect* rect, int32_t sunken) {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!rect) return MDL_ERROR;

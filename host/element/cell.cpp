@@ -1,5 +1,6 @@
 // Cell headers: origin, name and description.
 #include <cwchar>
+#include <optional>
 #include <vector>
 
 #include "host/element/build.h"
@@ -80,6 +81,21 @@ CellBody2d body2d(const Point3d& o) {
     return {0, 0, {}, {o.x, o.y}, {o.x, o.y}, {{1, 0}, {0, 1}}, {o.x, o.y}};
 }
 
+// The body of a cell header in its 3D form; nothing when the element isn't one or is too small.
+std::optional<CellBody3d> bodyOf(const MSElementBuffer* element) {
+    if (!isCell(element)) return {};
+    const size_t end = size_t{headOf(element).attributeOffset} * 2;
+    if (end < headBytes + sizeof(CellBody2d)) return {};
+    const auto flat = loadAt<CellBody2d>(element, headBytes);
+    if (flat.is3d == 0) {
+        CellBody3d body = body3d({flat.origin[0], flat.origin[1], 0});
+        for (int i = 0; i < 2; ++i) body.axes[i] = {flat.axes[i][0], flat.axes[i][1], 0};
+        return body;
+    }
+    if (end < headBytes + sizeof(CellBody3d)) return {};
+    return loadAt<CellBody3d>(element, headBytes);
+}
+
 }  // namespace
 
 int mdlCell_create(MSElementBuffer* out, const wchar_t* name, const Point3d* origin, int32_t is3d) {
@@ -89,6 +105,14 @@ int mdlCell_create(MSElementBuffer* out, const wchar_t* name, const Point3d* ori
     NewElement made(out, nullptr, MDL_CELL_HEADER);
     const int status = is3d ? finish(std::move(made), body3d(at)) : finish(std::move(made), body2d(at));
     return status == MDL_SUCCESS ? mdlCell_setName(out, name) : status;
+}
+
+int mdlCell_extract(Point3d* origin, RotMatrix* matrix, const MSElementBuffer* element) {
+    const auto body = bodyOf(element);
+    if (!body) return MDL_ERROR;
+    if (origin) *origin = applyToPoint(currentFromWorld(), body->origin);
+    if (matrix) *matrix = fromColumns(body->axes[0], body->axes[1], body->axes[2]);
+    return MDL_SUCCESS;
 }
 
 int mdlCell_extractName(wchar_t* name, int32_t size, const MSElementBuffer* element) {

@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "host/element/build.h"
+#include "host/element/geometry.h"
 #include "host/element/linkage.h"
 #include "host/element/range.h"
 #include "host/mdl/level.h"
@@ -49,6 +50,13 @@ int mdlElement_memcpy(MSElementBuffer* out, const MSElementBuffer* in) {
     const size_t bytes = soundBytes(in);
     if (!out || !bytes) return MDL_ERROR;
     std::memmove(out->bytes, in->bytes, bytes);
+    return MDL_SUCCESS;
+}
+
+int mdlElement_transform(MSElementBuffer* out, const MSElementBuffer* in, const Transform* transform) {
+    if (!out || !transform || !soundBytes(in) || !canTransform(in, *transform)) return MDL_ERROR;
+    mdlElement_memcpy(out, in);
+    transformElement(out, *transform);
     return MDL_SUCCESS;
 }
 

@@ -205,6 +205,22 @@ MDL_EXPORT int32_t mdlDialog_getFontIndex(const MdlDialog *dialog);
 MDL_EXPORT int mdlDialog_textDrawCD(MdlDialog *dialog, int32_t x, int32_t y, const char *text);
 /* A line through `count` points (2 or more), x and y of each in turn; `color` is an element's colour index. */
 MDL_EXPORT int mdlWindow_polylineDraw(MdlDialog *dialog, const int32_t *points, int32_t count, int32_t color);
+/* Takes all that was drawn out of the display list, of the dialog and of its items. */
+MDL_EXPORT int mdlWindow_clear(MdlDialog *dialog);
+/* Fixed colours are numbers from 0, the ground that drawings stand on, to 15; 7 is for lines on the ground. The colour's
+ * index for this window's calls; MDL_ERROR for another number. */
+MDL_EXPORT int32_t mdlWindow_fixedColorIndexGet(const MdlDialog *dialog, int32_t fixedColor);
+/* How mdlWindow_lineDraw draws from now on: line style 0 to 7, a colour's index, mode (0; others aren't known) and width
+ * in pixels (1 or more). A new window has style 0, colour 7 and width 1. MDL_ERROR, with nothing changed, for other
+ * values. */
+MDL_EXPORT int mdlWindow_lineStyleSet(MdlDialog *dialog, int32_t style, int32_t colorIndex, int32_t mode,
+                                      int32_t width);
+MDL_EXPORT int mdlWindow_lineDraw(MdlDialog *dialog, int32_t x0, int32_t y0, int32_t x1, int32_t y1);
+/* A rectangle with the frame of a button, raised or sunken; `filled` also covers what lies inside with the face of a
+ * dialog. */
+MDL_EXPORT int mdlDialog_rectDrawBeveled(MdlDialog *dialog, const DialogRect *rect, int32_t sunken, int32_t filled);
+/* Covers the rectangle with a fixed colour; its right and bottom edges are outside. */
+MDL_EXPORT int mdlDialog_rectFill(MdlDialog *dialog, const DialogRect *rect, int32_t fixedColor);
 MDL_EXPORT int mdlDialog_rectDrawEdge(MdlDialog *dialog, const DialogRect *rect, int32_t sunken);
 MDL_EXPORT void mdlDialog_rectInset(DialogRect *rect, int32_t dx, int32_t dy);
 /* Draws the icon `iconId` in a fixed colour. MDL_ERROR when no open resource file has it. */

@@ -72,6 +72,9 @@ MDL_EXPORT int mdlElement_getType(const MSElementBuffer *element);
 MDL_EXPORT uint32_t mdlElement_bytes(const MSElementBuffer *element); /* size in bytes */
 MDL_EXPORT int mdlElement_memcpy(MSElementBuffer *out, const MSElementBuffer *in);
 MDL_EXPORT int mdlElement_isFilled(const MSElementBuffer *element); /* 1 or 0 */
+/* Transforms the element in UOR, whatever the current transform; `out` may be `in`. MDL_ERROR, with `out` as it was,
+ * when a coordinate would leave the finite numbers. */
+MDL_EXPORT int mdlElement_transform(MSElementBuffer *out, const MSElementBuffer *in, const Transform *transform);
 /* Copies the element without any linkage. */
 MDL_EXPORT int mdlElement_stripAttributes(MSElementBuffer *out, const MSElementBuffer *in);
 
@@ -134,6 +137,9 @@ MDL_EXPORT int mdlLinear_getClosestSegment(Point3d *pointP, Point3d *segment, in
 MDL_EXPORT int mdlCell_create(MSElementBuffer *out, const wchar_t *name, const Point3d *origin, int32_t is3d);
 /* Name and description as wide text; `size` counts characters. MDL_ERROR when the element isn't a cell header, or has
  * no description. */
+/* Origin in the current transform, and the matrix of the cell's own axes (their rotation and scale) in UOR. MDL_ERROR
+ * when the element isn't a cell header. */
+MDL_EXPORT int mdlCell_extract(Point3d *origin, RotMatrix *matrix, const MSElementBuffer *element);
 MDL_EXPORT int mdlCell_extractName(wchar_t *name, int32_t size, const MSElementBuffer *element);
 MDL_EXPORT int mdlCell_setName(MSElementBuffer *element, const wchar_t *name);
 MDL_EXPORT int mdlCell_extractDescription(wchar_t *description, int32_t size, const MSElementBuffer *element);

@@ -120,6 +120,7 @@ typedef struct MdlTcb {
     unsigned char readoutFlags;  /* bit 2: the long forms are in use */
     double activeSlant;          /* degrees */
     int32_t workmode;            /* as mdlSystem_getWorkmode */
+    char cellLibraryName[256];   /* full name of the attached cell library; empty when none is attached */
 } MdlTcb;
 MDL_EXPORT MdlTcb *tcbP;
 

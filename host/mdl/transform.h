@@ -24,8 +24,13 @@ MDL_EXPORT void mdlRMatrix_rotatePoint(Point3d *point, const RotMatrix *matrix);
 MDL_EXPORT void mdlRMatrix_unrotatePoint(Point3d *point, const RotMatrix *matrix); /* by the transposed matrix */
 MDL_EXPORT void mdlRMatrix_rotatePointArray(Point3d *points, const RotMatrix *matrix, int32_t count);
 MDL_EXPORT void mdlRMatrix_unrotatePointArray(Point3d *points, const RotMatrix *matrix, int32_t count);
+/* MDL_ERROR, with `out` as it was, for a matrix that has no inverse. `out` may be `matrix`. */
+MDL_EXPORT int mdlRMatrix_getInverse(RotMatrix *out, const RotMatrix *matrix);
 /* The range of the turned box, in place. */
 MDL_EXPORT void mdlRMatrix_multiplyRange(Point3d *low, Point3d *high, const RotMatrix *matrix);
+
+/* ---- transforms ---- */
+MDL_EXPORT void mdlTMatrix_fromRMatrix(Transform *out, const RotMatrix *matrix); /* without a translation */
 
 /* ---- the current transform ----
  * A stack. Inside begin and end, builders take and extractors give coordinates in the current system, and lengths

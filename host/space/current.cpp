@@ -40,24 +40,6 @@ bool isFinite(const Transform& t) {
     return taint == 0;
 }
 
-// False when the transform has no finite inverse. By the adjugate, rows scaled first so that systems of very small or
-// very large units keep their determinant.
-bool invert(const Transform& t, Transform& inverse) {
-    const auto& f = t.form;
-    const Point3d a{f[0][0], f[1][0], f[2][0]}, b{f[0][1], f[1][1], f[2][1]}, c{f[0][2], f[1][2], f[2][2]};
-    const double la = length(a), lb = length(b), lc = length(c);
-    if (!(la > 0 && lb > 0 && lc > 0)) return false;
-    const Point3d ua = a * (1 / la), ub = b * (1 / lb), uc = c * (1 / lc);
-    const double det = dot(ua, cross(ub, uc));
-    if (!(std::fabs(det) > 1e-12)) return false;
-    const Point3d r0 = cross(ub, uc) * (1 / (det * la)), r1 = cross(uc, ua) * (1 / (det * lb)),
-                  r2 = cross(ua, ub) * (1 / (det * lc)), origin{f[0][3], f[1][3], f[2][3]};
-    inverse = {{{r0.x, r0.y, r0.z, -dot(r0, origin)},
-                {r1.x, r1.y, r1.z, -dot(r1, origin)},
-                {r2.x, r2.y, r2.z, -dot(r2, origin)}}};
-    return isFinite(inverse);
-}
-
 int setInnermost(const Transform& toWorld) {
     Transform inverse;
     if (state.open.empty() || !isFinite(toWorld) || !invert(toWorld, inverse)) return MDL_ERROR;
@@ -94,6 +76,24 @@ RotMatrix turnAboutXThenYThenZ(double ax, double ay, double az) {
 }
 
 }  // namespace
+
+// By the adjugate, rows scaled first so that systems of very small or
+// very large units keep their determinant.
+bool invert(const Transform& t, Transform& inverse) {
+    const auto& f = t.form;
+    const Point3d a{f[0][0], f[1][0], f[2][0]}, b{f[0][1], f[1][1], f[2][1]}, c{f[0][2], f[1][2], f[2][2]};
+    const double la = length(a), lb = length(b), lc = length(c);
+    if (!(la > 0 && lb > 0 && lc > 0)) return false;
+    const Point3d ua = a * (1 / la), ub = b * (1 / lb), uc = c * (1 / lc);
+    const double det = dot(ua, cross(ub, uc));
+    if (!(std::fabs(det) > 1e-12)) return false;
+    const Point3d r0 = cross(ub, uc) * (1 / (det * la)), r1 = cross(uc, ua) * (1 / (det * lb)),
+                  r2 = cross(ua, ub) * (1 / (det * lc)), origin{f[0][3], f[1][3], f[2][3]};
+    inverse = {{{r0.x, r0.y, r0.z, -dot(r0, origin)},
+                {r1.x, r1.y, r1.z, -dot(r1, origin)},
+                {r2.x, r2.y, r2.z, -dot(r2, origin)}}};
+    return isFinite(inverse);
+}
 
 const Transform& currentToWorld() {
     return innermost().toWorld;

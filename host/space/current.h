@@ -9,4 +9,7 @@ namespace host {
 const Transform& currentToWorld();    // from the current system to UOR
 const Transform& currentFromWorld();  // and back
 
+// False when the transform has no finite inverse; `inverse` is without meaning then.
+bool invert(const Transform& t, Transform& inverse);
+
 }  // namespace host

@@ -1,8 +1,7 @@
 // Constants, vectors and rotation matrices.
 #include <numbers>
 
-#include "host/mdl/transform.h"
-#include "host/space/vector.h"
+#include "host/space/current.h"
 
 using namespace host;
 
@@ -56,6 +55,20 @@ void mdlRMatrix_rotatePointArray(Point3d* points, const RotMatrix* matrix, int32
 
 void mdlRMatrix_unrotatePointArray(Point3d* points, const RotMatrix* matrix, int32_t count) {
     for (int32_t i = 0; i < count; ++i) points[i] = unrotate(*matrix, points[i]);
+}
+
+int mdlRMatrix_getInverse(RotMatrix* out, const RotMatrix* matrix) {
+    if (!out || !matrix) return MDL_ERROR;
+    Transform transform, inverse;
+    mdlTMatrix_fromRMatrix(&transform, matrix);
+    if (!invert(transform, inverse)) return MDL_ERROR;
+    for (int row = 0; row < 3; ++row) std::copy_n(inverse.form[row], 3, out->form[row]);
+    return MDL_SUCCESS;
+}
+
+void mdlTMatrix_fromRMatrix(Transform* out, const RotMatrix* matrix) {
+    *out = {};
+    for (int row = 0; row < 3; ++row) std::copy_n(matrix->form[row], 3, out->form[row]);
 }
 
 void mdlRMatrix_multiplyRange(Point3d* low, Point3d* high, const RotMatrix* matrix) {
