@@ -123,7 +123,8 @@ TEST_F(Dialogs, HooksGetTheirMessagesInOrderAsTheOwner) {
     EXPECT_EQ(runModal(), 3);
     EXPECT_EQ(status, MDL_SUCCESS);
     EXPECT_EQ(trace,
-              "1:0 2:50 3:50 3:50 4:50 5:50 1:1 2:52 3:52 3:52 4:52 5:52 2:54 2:70 2:51 3:51 3:51 4:51 5:51 1:2 ");
+              "1:0 2:50 3:50 3:50 4:50 5:50 2:69 3:69 3:69 4:69 5:69 1:1 2:52 3:52 3:52 4:52 5:52 2:54 2:70 "
+              "2:51 3:51 3:51 4:51 5:51 1:2 ");
     for (MdlDesc* context : contexts) EXPECT_EQ(context, application("owner"));
 }
 
@@ -409,7 +410,7 @@ TEST_F(Dialogs, HooksOfOthersServeWhereTheOwnerHasNone) {
         mdlResource_openFile(nullptr, path("dialogs.rsc").c_str(), MDL_RSC_READ);
         mdlDialog_open(0, OTHER_BOX);
     });
-    EXPECT_EQ(trace, "6:0 2:50 6:1 ");
+    EXPECT_EQ(trace, "6:0 2:50 2:69 6:1 ");
     for (MdlDesc* context : contexts) EXPECT_EQ(context, application("other"));
     EXPECT_NE(mdlDialog_findByTypeAndId(MDL_DIALOG_BOX, OTHER_BOX, application("other")), nullptr);
     EXPECT_EQ(mdlDialog_findByTypeAndId(MDL_DIALOG_BOX, OTHER_BOX, application("owner")), nullptr);
