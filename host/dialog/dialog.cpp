@@ -400,11 +400,6 @@ void Dialog::draw(size_t index) {
     drawingItem_ = outer;
 }
 
-void Dialog::clear() {
-    drawing_.clear();
-    if (drawingItem_ >= 0) items_[static_cast<size_t>(drawingItem_)].drawing.clear();
-}
-
 // What an item's hook draws is dropped before the hook draws again. Elsewhere a call takes the place of the earlier one
 // of its kind at the same origin, so that the list doesn't grow as drawing repeats; lines of whole drawings are too
 // many to be compared, and stay until the window's extent is set.

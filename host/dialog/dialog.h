@@ -134,7 +134,6 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     bool setFocus(size_t index);                        // noItem: away from all; a running edit ends
     void signal(size_t index, int32_t signal, int32_t value);
     bool select(DialogItem& item, int32_t row);  // a row, or -1, without a message; its access string keeps it
-    void clear();                                // the display list, and that of the item whose hook is drawing
     void draw(size_t index);                     // at once; an item that isn't on show yet when it is
     void add(DrawCall call);                     // to the item whose hook is drawing, else to the dialog
     // Its end has begun: no event reaches it any more.

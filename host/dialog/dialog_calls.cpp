@@ -101,10 +101,6 @@ void mdlWindow_extentSet(MdlDialog* handle, int32_t width, int32_t height) {
     if (const auto dialog = host::dialogOf(handle)) dialog->setExtent(width, height);
 }
 
-void mdlWindow_clear(MdlDialog* handle) {
-    if (const auto dialog = host::dialogOf(handle)) dialog->clear();
-}
-
 void mdlWindow_contentRectGet(DialogRect* rect, const MdlDialog* handle) {
     const auto dialog = host::dialogOf(handle);
     if (rect) *rect = dialog ? DialogRect{0, 0, dialog->width(), dialog->height()} : DialogRect{};

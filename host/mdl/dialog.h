@@ -127,8 +127,6 @@ MDL_EXPORT int32_t mdlDialog_getId(const MdlDialog *dialog);
 MDL_EXPORT void mdlWindow_titleSet(MdlDialog *dialog, const char *title);
 /* Sets the size of the content area. No DIALOG_RESIZE is sent. What hooks drew is dropped, and is drawn anew. */
 MDL_EXPORT void mdlWindow_extentSet(MdlDialog *dialog, int32_t width, int32_t height);
-/* Empties the content area: drops what hooks drew outside of items and, while an item's hook draws, what it has drawn. */
-MDL_EXPORT void mdlWindow_clear(MdlDialog *dialog);
 /* Moves the focus to an item (null: away from all). A running edit of a text item ends: its text is taken as if the
  * user had entered it, or, when the item can't take it, dropped. MDL_ERROR for an item that can't have the focus. */
 MDL_EXPORT int mdlDialog_setFocus(MdlDialog *dialog, MdlItem *item);
