@@ -3,24 +3,13 @@
 #pragma once
 
 #include "frame/export.h"
+#include "frame/resource_files.h"
+#include "host/mdl/file_dialogs.h"
 
 struct ElmAttrGroup;      // elmattr/table.h
 struct ElmAttrRecord;     // elmattr/table.h
 struct ElmAttrEditBlock;  // the small attribute dialog's block
 struct PlotPage;          // a page of a plot
-
-// An open resource file: the host's handle and the file's name.
-struct McHandle {
-    int32_t handle;
-    char name[256];
-};
-
-// What a file dialog gives back.
-struct FileDialogResult {
-    int32_t reply;
-    char directory[256];
-    char filter[256];
-};
 
 // The working block of the file dialogs and of the preview's output settings.
 struct FileDialogBlock {

@@ -11,6 +11,7 @@
 #include "forms/preview.h"
 #include "frame/error.h"
 #include "frame/main.h"
+#include "frame/resource_files.h"
 #include "frame/util.h"
 #include "geometry/builders.h"
 #include "geometry/clothoid.h"

@@ -1,23 +1,73 @@
-/* Resource files: string lists and dialog layouts under a 32-bit id, in the languages that the file brings.
+/* Resource files (.rsc): string lists and dialog layouts that mcrsc makes from text sources, and typed blocks and string
+ * lists that applications keep.
  *
- * A resource file (.rsc) is made by mcrsc from text sources. The language is that of the configuration variable
- * MS_LANGUAGE ("en" when it isn't defined); a string that the file lacks in that language comes in English. */
+ * What mcrsc made is read in the language of the configuration variable MS_LANGUAGE ("en" when it isn't defined); a
+ * string that the file lacks in that language comes in English.
+ * Typed blocks lie under a four-character type and a 32-bit id. A write is whole when its call comes back with 0: a
+ * process that is killed leaves the old or the new content, and so does a full disk. Several processes may write to one
+ * file; each waits some seconds for the other.
+ * A status is 0, or one of those below; the reason of a failure also gets a line in the message centre. */
 #ifndef HOST_MDL_RESOURCE_H
 #define HOST_MDL_RESOURCE_H
 
 #include "types.h"
 
 enum { MDL_RSC_READ = 0, MDL_RSC_WRITE = 1 };
+/* Statuses of writing. Every other failure (full disk, damaged file, a resource that is there already or isn't there,
+ * bad arguments) is MDL_ERROR. */
+enum { MDL_RSC_READ_ONLY = -906 /* the file was opened for reading, or it or its folder can't be written to */ };
+
+/* A type from its four characters, the first one in the most significant byte. */
+#define MDL_RSC_TYPE(a, b, c, d) \
+    ((int32_t)((uint32_t)(unsigned char)(a) << 24 | (uint32_t)(unsigned char)(b) << 16 | \
+               (uint32_t)(unsigned char)(c) << 8 | (uint32_t)(unsigned char)(d)))
+
+/* ---- files ---- */
+
+/* Makes a resource file without content, which then has to be opened. A resource file of that name is emptied; a file
+ * that is no resource file, is damaged, of a newer make or write-protected is left as it is. `title` (may be null) says
+ * what the file holds. `mode` is MDL_RSC_WRITE. A name without an extension is taken as it is. */
+MDL_EXPORT int mdlResource_createFile(const char *name, const char *title, int mode);
 /* Opens a resource file of the current application. A null name means the application's own: the .rsc file of the same
  * name beside its module, or, when it has none, the file that the configuration variable MS_APPRSC names. That one is
  * also looked in for what an own file lacks.
- * To be written the file must be writable; a name that isn't there makes a new one. A name without an extension is also
- * tried with ".rsc".
+ * To be written the file must be writable. A name without an extension is also tried with ".rsc".
  * 0, or MDL_ERROR with the handle 0; a file that isn't a resource file, or is damaged, also gets a line in the message
- * centre, and stays as it is. The same file is kept in memory once, however often it is open. What an application
- * leaves open is closed when it ends. */
+ * centre, and stays as it is; one that isn't there, or can't be written to, gets none. What an application leaves open
+ * is closed when it ends. */
 MDL_EXPORT int mdlResource_openFile(RscHandle *handleP, const char *name, int mode);
+/* Closes; blocks that were loaded from the file stay valid, but can't be written any more. */
 MDL_EXPORT int mdlResource_closeFile(RscHandle handle);
+
+/* ---- typed blocks ---- */
+
+/* The block as it is stored at this moment; null when there is none, or when it is damaged, which gets a line. The caller
+ * gives it back with mdlResource_free, and may change its bytes but not its size. `rscFile` 0 looks in the files of the
+ * current application, the last opened first, then in all open ones. */
+MDL_EXPORT void *mdlResource_load(RscHandle rscFile, int32_t type, int32_t id);
+/* Size in bytes of a block that was loaded; 0 for null and for anything else. */
+MDL_EXPORT int32_t mdlResource_size(const void *block);
+/* Replaces the stored block by the loaded one, which stays loaded. */
+MDL_EXPORT int mdlResource_write(const void *block);
+/* Adds a block of `size` bytes (0 to 1,000,000,000). `attributes` and `name` (may be null) are kept with it and mean
+ * nothing to the host. A block that is there already isn't replaced: MDL_ERROR. */
+MDL_EXPORT int mdlResource_add(RscHandle rscFile, int32_t type, int32_t id, const void *data, int32_t size,
+                               int32_t attributes, const char *name);
+/* Gives back a block that was loaded. MDL_ERROR for anything else; 0 for null. */
+MDL_EXPORT int mdlResource_free(void *block);
+
+/* ---- string lists that applications keep (lists.h), with their info fields ---- */
+
+/* A new list, which the caller destroys; null when there is none under that id. A list that lacks members is read up to
+ * the first one missing, with a line. */
+MDL_EXPORT StringList *mdlStringList_loadResource(RscHandle rscFile, int32_t id);
+/* Adds a list; MDL_ERROR when one is there already. */
+MDL_EXPORT int mdlStringList_addResource(RscHandle rscFile, int32_t id, const StringList *list, const char *name);
+/* Replaces a list; MDL_ERROR when none is there. */
+MDL_EXPORT int mdlStringList_writeResource(const StringList *list, RscHandle rscFile, int32_t id, const char *name);
+
+/* ---- message strings that mcrsc made ---- */
+
 /* The string `messageId` of list `listId` into `buffer` (512 bytes, cut there). `rscFile` 0 looks in the files of the
  * current application, the last opened first, then in all open ones. 0, or MDL_ERROR with the buffer untouched. */
 MDL_EXPORT int mdlResource_loadFromStringList(char *buffer, RscHandle rscFile, int32_t listId, int32_t messageId);
