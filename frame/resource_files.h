@@ -25,8 +25,8 @@ MCLIB_EXPORT int mclibResource_closeFile(McHandle* h);
  * is smaller than `size`, nothing is written, and message 9 tells so. */
 MCLIB_EXPORT int mclibResource_add(McHandle* h, int32_t type, int32_t id, const void* data, int size,
                                    int32_t attributes);
-/* Copies the resource to `dest`. MCLIB_ERROR, without a message, when there is none; of a resource that is smaller than
- * `size` all bytes are copied, and the further ones of `dest` stay as they are. */
+/* Copies the first `size` bytes of the resource to `dest`. MCLIB_ERROR, without a message, when there is none; and, with a
+ * line in the message centre, when it is smaller than `size`. `dest` is left alone then. */
 MCLIB_EXPORT int mclibResource_load(McHandle* h, int32_t type, int32_t id, void* dest, int size);
 /* Stores a string list, in place of any with that id. The list stays the caller's. */
 MCLIB_EXPORT int mclibResource_addStringList(McHandle* h, int32_t id, StringList* list);
@@ -35,6 +35,8 @@ MCLIB_EXPORT StringList* mclibResource_loadStringList(McHandle* h, int32_t id);
 
 /* ---- the application's user preference file, one for each application ---- */
 
+/* No file is open yet: for an application that starts. */
+MCLIB_EXPORT int mclibUpf_initialize(GlobalData* data);
 /* Opens the file that the variable `variable` names, or `defaultName`, in the folder of MS_USERPREF; it is made when it
  * isn't there. One that can't be written is opened for reading. The handle goes to *out, when it was opened and `out`
  * isn't null. */
