@@ -44,13 +44,34 @@ MDL_EXPORT int mdlFile_parseName(const char *path, char *device, char *directory
  * empty path when the result is longer. */
 MDL_EXPORT int mdlFile_buildName(char *path, const char *device, const char *directory, const char *name,
                                  const char *extension);
+/* Shortens a name in place until it fits in `size` bytes, its NUL included: folders in its middle become "...", so that
+ * its device and the name itself stay ("c:\...\plots\sheet.ps"). A name that is too long even so keeps its end. A name
+ * that fits isn't touched. */
+MDL_EXPORT int mdlFile_abbreviateName(char *name, int size);
 
 /* ---- folders ---- */
-enum { MDL_ATTRIBUTE_DIRECTORY = 128 };
+enum { MDL_ATTRIBUTE_READ_ONLY = 1, MDL_ATTRIBUTE_DIRECTORY = 128 };
+/* What is known of a file or folder, as bits. 0, or MDL_ERROR when there is nothing of that name. */
+MDL_EXPORT int mdlFile_getFileAttributes(int32_t *attributesP, const char *name);
 /* The entries that match `pattern` (a path whose last part may have * and ?) as a new string list, in order of name.
  * With MDL_ATTRIBUTE_DIRECTORY only folders, else only files. 0, or MDL_ERROR with no list when the folder can't be
  * read. An entry that is named without a wildcard gives a list of one, or an empty one. */
 MDL_EXPORT int mdlFileList_get(StringList **listP, const char *pattern, int attributes);
+
+/* ---- copies ---- */
+/* Copies a file. A file of the destination's name is replaced as a whole or not at all, and keeps its permissions; a
+ * device file is written to. A folder is no destination.
+ *
+ * The destination may be a port, "LPT1" to "LPT9" (letter case doesn't count, and a ":" may follow), or a printer,
+ * "\\server\printer". The copy is then a print job:
+ *  - The configuration variable MC_SPOOL names a spool folder. When it has a folder "LPT1", or "server/printer" (letter
+ *    case doesn't count), the copy is put there, under the source's name or with a number behind it: "sheet-2.ps".
+ *  - Else the copy goes to a queue of the print system, with the programs lpstat and lp. For a port that is the queue
+ *    that the configuration variable MC_LPT1 (to MC_LPT9) names, or a queue called LPT1. For a printer it is the queue
+ *    of that name, or with that name on its server, whose device lies on that server.
+ * 0, or the system's error number: ENXIO when there is no such printer, EIO when the print system refuses the job,
+ * EEXIST when both are the same file, EISDIR for a folder. */
+MDL_EXPORT int mdlFile_copy(const char *destination, const char *source);
 
 /* ---- work files: a design file opened beside the active one ---- */
 /* Opens a design file to look at it. The model in modelP. 0 or MDL_ERROR. */

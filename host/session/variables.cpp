@@ -105,6 +105,15 @@ std::optional<std::string> Variables::expandedValue(std::string_view name) const
     return std::move(expansion.result);
 }
 
+std::map<std::string, std::string> Variables::expandedValues(std::string_view nameBegins) const {
+    std::map<std::string, std::string> values;
+    for (auto entry = entries_.lower_bound(nameBegins); entry != entries_.end(); ++entry) {
+        if (!entry->first.starts_with(nameBegins)) break;
+        if (auto value = expandedValue(entry->first)) values.emplace(entry->first, std::move(*value));
+    }
+    return values;
+}
+
 Variables& variables() {
     static Variables ofProcess;
     return activeState != nullptr ? activeState->variables : ofProcess;

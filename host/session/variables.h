@@ -22,6 +22,9 @@ class HOST_EXPORT Variables {
     bool define(std::string_view name, std::string_view value, int level);
     // The value with all references in it replaced, as by `expand`.
     std::optional<std::string> expandedValue(std::string_view name) const;
+    // The variables that are defined here, the environment aside, and whose names begin so: each with its value as by
+    // `expandedValue`.
+    std::map<std::string, std::string> expandedValues(std::string_view nameBegins) const;
     // Removes the definitions of all levels; one of the environment is hidden. False when it wasn't defined.
     bool remove(std::string_view name);
     // The text with $(NAME) and ${NAME} replaced. A variable within its own value gives nothing, and a result is cut at

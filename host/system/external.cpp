@@ -1,51 +1,67 @@
-// Starting programs.
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <string>
-#include <vector>
-
+// Starting programs for applications.
 #include "host/mdl/external.h"
+
+#include <csignal>
+#include <cstddef>
+
 #include "host/session/guard.h"
-#include "host/system/paths.h"
+#include "host/system/programs.h"
 
 namespace host {
 
 namespace {
 
-// The programs that were started and not yet collected by the system.
-std::vector<pid_t> children;
+// A handle is the process itself, seen through its first field.
+static_assert(offsetof(Process, id) == 0 && sizeof(MdlExternalProgram) == sizeof(Process::id));
 
-void collectEnded() {
-    std::erase_if(children, [](pid_t child) { return waitpid(child, nullptr, WNOHANG) != 0; });
+MdlExternalProgram* handleOf(Process* process) {
+    return reinterpret_cast<MdlExternalProgram*>(process);
 }
 
-int start(const std::vector<std::string>& command) {
-    std::vector<char*> argv;
-    for (const std::string& word : command) argv.push_back(const_cast<char*>(word.c_str()));
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    pid_t child = 0;
-    const int error = posix_spawnp(&child, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (error == 0) children.push_back(child);
-    return error == 0 ? MDL_SUCCESS : MDL_ERROR;
+int endOf(Process* process) {
+    const int status = *waitFor(*process);
+    release(*process);
+    return status;
 }
 
 }  // namespace
 
 }  // namespace host
 
+using namespace host;
+
+MdlExternalProgram* mdlExternal_startProgram(const char* program, const char* arguments) {
+    return guarded<MdlExternalProgram*>(nullptr, [&]() -> MdlExternalProgram* {
+        if (program == nullptr) return nullptr;
+        return handleOf(startProcess(program, wordsOf(arguments == nullptr ? "" : arguments), {}, true));
+    });
+}
+
+int mdlExternal_wait(int* statusP, MdlExternalProgram* program) {
+    if (statusP != nullptr) *statusP = -1;
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        Process* process = keptProcess(program);
+        if (process == nullptr) return MDL_ERROR;
+        const int status = endOf(process);
+        if (statusP != nullptr) *statusP = status;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlExternal_terminateProgram(MdlExternalProgram* program) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        Process* process = keptProcess(program);
+        if (process == nullptr) return MDL_ERROR;
+        if (!waitFor(*process, 0)) kill(process->id, SIGTERM);
+        release(*process);
+        return MDL_SUCCESS;
+    });
+}
+
 int mdlExternal_extStartProgram(const char* program, int argumentCount, const char* const* arguments) {
-    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
         if (program == nullptr || argumentCount < 0 || (argumentCount > 0 && arguments == nullptr)) return MDL_ERROR;
-        host::collectEnded();
-        std::vector<std::string> command = {host::systemPath(program)};
-        for (int i = 0; i < argumentCount; ++i) command.emplace_back(arguments[i]);
-        return host::start(command);
+        const std::vector<std::string> words(arguments, arguments + argumentCount);
+        return startProcess(program, words, {}, false) != nullptr ? MDL_SUCCESS : MDL_ERROR;
     });
 }

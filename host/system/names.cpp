@@ -1,4 +1,6 @@
 // Finding files along search paths, and taking names apart and putting them together.
+#include <unistd.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <optional>
@@ -78,6 +80,21 @@ std::string builtName(std::string_view device, std::string_view directory, std::
     return path.append(extension.starts_with('.') ? "" : ".").append(extension);
 }
 
+// The shortest and the longest form of a shortened name around "...": what it begins with stays.
+std::string abbreviated(std::string_view name, size_t longest) {
+    constexpr std::string_view gap = "...";
+    if (longest <= gap.size()) return std::string(name.substr(name.size() - longest));
+    const NameParts parts = partsOf(name);
+    const size_t rooted = parts.directory.starts_with('/') || parts.directory.starts_with('\\') ? 1 : 0;
+    const std::string start = std::string(name.substr(0, parts.device.size() + rooted)).append(gap);
+    // The longest end of whole parts that fits behind the start.
+    for (size_t at = start.size(); at < name.size(); ++at) {
+        const bool whole = name[at] == '/' || name[at] == '\\';
+        if (whole && start.size() + name.size() - at <= longest) return start + std::string(name.substr(at));
+    }
+    return std::string(gap).append(name.substr(name.size() - (longest - gap.size())));
+}
+
 }  // namespace
 
 }  // namespace host
@@ -114,5 +131,29 @@ int mdlFile_buildName(char* path, const char* device, const char* directory, con
         const bool good = built.size() <= longestHostName;
         copyPart(path, good ? std::string_view(built) : std::string_view());
         return good ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
+int mdlFile_abbreviateName(char* name, int size) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        if (name == nullptr || size < 1) return MDL_ERROR;
+        const std::string_view text = name;
+        const size_t longest = static_cast<size_t>(size) - 1;
+        if (text.size() > longest) copyPart(name, abbreviated(text, longest));
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlFile_getFileAttributes(int32_t* attributesP, const char* name) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        if (name == nullptr || name[0] == '\0') return MDL_ERROR;
+        const fs::path path = systemPath(name);
+        std::error_code error;
+        const fs::file_status status = fs::status(path, error);
+        if (!fs::exists(status)) return MDL_ERROR;
+        const int32_t attributes = (fs::is_directory(status) ? MDL_ATTRIBUTE_DIRECTORY : 0) |
+                                   (access(path.c_str(), W_OK) != 0 ? MDL_ATTRIBUTE_READ_ONLY : 0);
+        if (attributesP != nullptr) *attributesP = attributes;
+        return MDL_SUCCESS;
     });
 }

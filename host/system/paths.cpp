@@ -31,10 +31,6 @@ bool isUtf8BeyondAscii(std::string_view text) {
     return !ascii;
 }
 
-std::string utf8FromName(std::string_view name) {
-    return isUtf8BeyondAscii(name) ? std::string(name) : utf8FromNarrow(name);
-}
-
 std::string withSlashes(std::string path) {
     std::ranges::replace(path, '\\', '/');
     return path;
@@ -52,7 +48,7 @@ std::string driveFolder(char letter) {
     const char upper = static_cast<char>(letter & ~0x20);
     const std::optional<std::string> folder = variables().expandedValue(std::string("MC_DRIVE_") + upper);
     // A value that names a drive again isn't followed.
-    if (folder && !folder->empty() && !hasDrive(*folder)) return withSlashes(utf8FromName(*folder));
+    if (folder && !folder->empty() && !hasDrive(*folder)) return withSlashes(utf8FromHost(*folder));
     return defaultDrive(static_cast<char>(letter | 0x20));
 }
 
@@ -66,8 +62,12 @@ std::filesystem::path userDataFolder() {
     return folder / ".local/share/mchost";
 }
 
+std::string utf8FromHost(std::string_view text) {
+    return isUtf8BeyondAscii(text) ? std::string(text) : utf8FromNarrow(text);
+}
+
 std::string systemPath(std::string_view name) {
-    const std::string path = withSlashes(utf8FromName(name));
+    const std::string path = withSlashes(utf8FromHost(name));
     if (path.starts_with(":/")) return path.substr(1);
     if (!hasDrive(path)) return path;
     std::string folder = driveFolder(path[0]);

@@ -14,6 +14,9 @@ namespace host {
 // Windows-1252. The folder that stands for a drive by default is made when it isn't there, with a folder "temp" in it.
 HOST_EXPORT std::string systemPath(std::string_view name);
 
+// A text of the host as UTF-8, by the same rule.
+HOST_EXPORT std::string utf8FromHost(std::string_view text);
+
 // The host's name for a path of the system: in Windows-1252 when that has all its characters, else as it is.
 HOST_EXPORT std::string hostName(std::string_view path);
 
