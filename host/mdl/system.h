@@ -80,6 +80,9 @@ MDL_EXPORT int toolSubsystem_printf(const char *format, ...) __attribute__((form
 MDL_EXPORT int toolSubsystem_fprintf(FILE *stream, const char *format, ...) __attribute__((format(printf, 2, 3)));
 /* A text in a message field: 0 message, 1 status, 2 prompt, 3 error, 4 command. */
 MDL_EXPORT int mdlOutput_printf(int field, const char *format, ...) __attribute__((format(printf, 2, 3)));
+/* The same with the string `messageId` of the string list `listId` in `rscFile` (0: any open resource file) as the
+ * format. MDL_ERROR, with the field as it was, when there is no such string. */
+MDL_EXPORT int mdlOutput_rscPrintf(int field, RscHandle rscFile, int32_t listId, int32_t messageId, ...);
 /* A message for the message centre. Priority 10 is an error, 11 a warning, 12 information. `openAlert` non-zero also
  * asks the user to take note of it. */
 MDL_EXPORT int mdlOutput_messageCenter(int priority, const char *brief, const char *details, int openAlert);

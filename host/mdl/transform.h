@@ -1,4 +1,4 @@
-/* Vectors, matrices, the stack of current transforms, and units. */
+/* Vectors, matrices, the stack of current transforms, units, and numbers in the format of files. */
 #ifndef HOST_MDL_TRANSFORM_H
 #define HOST_MDL_TRANSFORM_H
 
@@ -55,5 +55,9 @@ MDL_EXPORT int mdlCurrTrans_getAddresses(const Transform **toWorld, const Transf
 /* ---- units: 1 master unit is mdlModelRef_getUorPerMaster UOR ---- */
 MDL_EXPORT double mdlCnv_masterToUOR(double *resultP, double master, ModelRef *model); /* also stored when not null */
 MDL_EXPORT double mdlCnv_UORToMaster(double *resultP, double uor, ModelRef *model);
+
+/* ---- doubles as design files hold them: 8 bytes, IEEE 754, little-endian, at any address ---- */
+MDL_EXPORT void mdlCnv_doubleToFileFormat(void *bytes, double value);
+MDL_EXPORT double mdlCnv_doubleFromFileFormat(const void *bytes);
 
 #endif

@@ -66,6 +66,21 @@ void reportError(const char* what) noexcept {
 
 using namespace host;
 
+namespace {
+
+constexpr size_t stringSize = 512;  // of a string of a string list
+
+int toMessageField(int field, const char* format, va_list arguments) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const std::optional<std::string> text = formatted(format, arguments);
+        if (!text || field < 0 || field > 4) return MDL_ERROR;
+        if (activeState != nullptr) activeState->frontEnd->messageField(field, utf8FromNarrow(*text));
+        return MDL_SUCCESS;
+    });
+}
+
+}  // namespace
+
 int toolSubsystem_printf(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
@@ -91,12 +106,17 @@ int toolSubsystem_fprintf(FILE* stream, const char* format, ...) {
 int mdlOutput_printf(int field, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    const int status = guarded<int>(MDL_ERROR, [&]() -> int {
-        const std::optional<std::string> text = formatted(format, arguments);
-        if (!text || field < 0 || field > 4) return MDL_ERROR;
-        if (activeState != nullptr) activeState->frontEnd->messageField(field, utf8FromNarrow(*text));
-        return MDL_SUCCESS;
-    });
+    const int status = toMessageField(field, format, arguments);
+    va_end(arguments);
+    return status;
+}
+
+int mdlOutput_rscPrintf(int field, RscHandle rscFile, int32_t listId, int32_t messageId, ...) {
+    char format[stringSize];
+    if (mdlResource_loadFromStringList(format, rscFile, listId, messageId) != MDL_SUCCESS) return MDL_ERROR;
+    va_list arguments;
+    va_start(arguments, messageId);
+    const int status = toMessageField(field, format, arguments);
     va_end(arguments);
     return status;
 }
@@ -109,14 +129,13 @@ int mdlOutput_messageCenter(int priority, const char* brief, const char* details
 }
 
 int mdlOutput_rscsPrintf(char* buffer, RscHandle rscFile, int32_t listId, int32_t messageId, ...) {
-    constexpr size_t size = 512;
-    char format[size];
+    char format[stringSize];
     if (buffer == nullptr || mdlResource_loadFromStringList(format, rscFile, listId, messageId) != MDL_SUCCESS) {
         return MDL_ERROR;
     }
     va_list arguments;
     va_start(arguments, messageId);
-    std::vsnprintf(buffer, size, format, arguments);
+    std::vsnprintf(buffer, stringSize, format, arguments);
     va_end(arguments);
     return MDL_SUCCESS;
 }

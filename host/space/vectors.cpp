@@ -1,4 +1,6 @@
-// Constants, vectors and rotation matrices.
+// Constants, vectors, rotation matrices, and doubles in files.
+#include <bit>
+#include <cstring>
 #include <numbers>
 
 #include "host/space/current.h"
@@ -79,4 +81,15 @@ void mdlRMatrix_multiplyRange(Point3d* low, Point3d* high, const RotMatrix* matr
     if (!turned.any()) return;
     *low = turned.range().low;
     *high = turned.range().high;
+}
+
+void mdlCnv_doubleToFileFormat(void* bytes, double value) {
+    static_assert(std::endian::native == std::endian::little && sizeof value == 8);
+    std::memcpy(bytes, &value, sizeof value);
+}
+
+double mdlCnv_doubleFromFileFormat(const void* bytes) {
+    double value;
+    std::memcpy(&value, bytes, sizeof value);
+    return value;
 }
