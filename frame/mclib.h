@@ -28,6 +28,8 @@
 #include "print/print.h"
 #include "print/ps.h"
 #include "print/raster.h"
+#include "project/application_data.h"
+#include "project/store.h"
 #include "text/fii.h"
 #include "text/file.h"
 

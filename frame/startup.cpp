@@ -21,6 +21,7 @@
 #include "host/mdl/win32.h"
 #include "print/shared.h"
 #include "project/shared.h"
+#include "project/store.h"
 
 namespace {
 
@@ -239,6 +240,7 @@ void mclibMain_newDesignFile(char*, int state) {
         for (int32_t i = 0; i < data->initAppCount; ++i)
             dlmSystem_callAnyFunction("", mdlSystem_getCurrMdlDesc(), reinterpret_cast<void*>(data->initApps[i]));
     }
+    mclibProject_readProjectInfoFromDesignFile(mclibpd);
     if (MdlDialog* project = mdlDialog_find(PROJECT_DIALOG, nullptr)) mdlDialog_itemsSynch(project);
     if (MdlDialog* attributes = mdlDialog_find(ATTRIBUTE_DIALOG, nullptr)) mdlWindow_close(attributes, 0, 1);
     refreshLineStyles();

@@ -28,6 +28,7 @@ const std::map<std::string, int> listNames = {{"MCLIB_QUESTIONS", 20003},
 const std::map<std::string, std::set<Message>> passedOn = {
     {"frame/units.cpp", {{20007, 2}, {20007, 13}, {20007, 14}, {20007, 20}}},  // firsts and lasts of months and days
     {"frame/startup.cpp", {{20007, 38}, {20007, 39}, {20007, 40}, {20007, 41}}},
+    {"project/store.cpp", {{20003, 4}, {20003, 7}}},  // what was written
     {"batch/message_dialogs.cpp", {{20007, 25}, {20007, 26}, {20007, 27}, {20007, 28}, {20007, 29}, {20007, 30}}},
 };
 
@@ -88,6 +89,7 @@ struct Caller {
 };
 const Caller callers[] = {{"mclibError_rscMsgBoxPrintf(", 1},
                           {"mclibError_rscListPrintf(", 1},
+                          {"mdlOutput_rscPrintf(", 2},
                           {"mclibMem_mallocRscErrorPrintf(", 1},
                           {"mclibMem_reallocRscErrorPrintf(", 3},
                           {"mclibUtil_getLanguageText(", -1}};
