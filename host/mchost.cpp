@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/command/command.h"
 #include "host/front/terminal.h"
 #include "host/mdl/model.h"
 #include "host/mdl/system.h"
@@ -207,7 +208,7 @@ int work(const Options& options) {
         return statusFailed;
     }
     host::Session session({.frontEnd = std::move(frontEnd)});
-    const bool done = configure(options) && run(session, options);
+    const bool done = configure(options) && run(session, options) && host::serveCommands();
     session.finish();
     tellKeyIns();
     const bool written = isWritten(stdout);

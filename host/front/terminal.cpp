@@ -8,7 +8,9 @@
 #include <deque>
 #include <fstream>
 #include <stdexcept>
+#include <utility>
 
+#include "host/command/command.h"
 #include "host/front/dialog_text.h"
 #include "host/session/session.h"
 #include "host/system/charset.h"
@@ -143,12 +145,28 @@ class TerminalFrontEnd : public FrontEnd {
             dialog.refresh();
             if (dialog.ended()) break;
             show(textOf(dialog));
-            if (const auto answer = nextAnswer(dialog))
+            if (const auto answer = nextAnswer(question(dialog)))
                 take(dialog, *answer);
             else if (!answerUnattended(dialog))
                 return false;
         }
         return true;
+    }
+
+    std::optional<std::string> commandLine(std::string_view prompt, std::string_view complaint) override {
+        if (!complaint.empty()) {
+            show(std::string(complaint) +
+                 ". Give x,y or x,y,z in master units, and a view from 2 to 8 behind it unless it is view 1; an empty "
+                 "line resets, and \"end\" ends the command.\n");
+        }
+        show(std::string(prompt) + "\n");
+        if (auto answer = nextAnswer("x,y[,z] [view] > ")) return answer;
+        if (options_.yes && std::exchange(pointedAt_, commandSerial()) != commandSerial()) {
+            show("> 0,0\n");
+            return "0,0";
+        }
+        show("Nobody gives a point. Answer at a terminal, or run with --answers FILE.\n");
+        return std::nullopt;
     }
 
   private:
@@ -168,7 +186,7 @@ class TerminalFrontEnd : public FrontEnd {
 
     // A line of the file of answers, or of the terminal; nothing when there is neither. A terminal that has ended (or
     // Ctrl-D) closes the dialog, and isn't asked again.
-    std::optional<std::string> nextAnswer(Dialog& dialog) {
+    std::optional<std::string> nextAnswer(const std::string& question) {
         if (!answers_.empty()) {
             std::string answer = std::move(answers_.front());
             answers_.pop_front();
@@ -176,7 +194,7 @@ class TerminalFrontEnd : public FrontEnd {
             return answer;
         }
         if (options_.yes || !asks_) return std::nullopt;
-        show(question(dialog));
+        show(question);
         std::string line;
         int c;
         while ((c = std::fgetc(options_.input)) != EOF && c != '\n') line.push_back(static_cast<char>(c));
@@ -235,6 +253,7 @@ class TerminalFrontEnd : public FrontEnd {
     bool asks_;
     bool showsProgress_;
     bool progressShown_ = false;
+    uint64_t pointedAt_ = 0;  // the command that an unattended run gave its one point
     TerminalOptions options_;
 };
 

@@ -4,7 +4,8 @@
 // the number of a button or item, the label of a button or its beginning, an empty line for the default button, or
 // "number=value" for a text, a choice or a row of a list. Answers come from a file first, line by line; then, with
 // `yes`, the first button is pressed everywhere; then the terminal is asked. Where none of them is there, a dialog with
-// one button counts as pressed, and any other one is answered by nobody.
+// one button counts as pressed, and any other one is answered by nobody. A command is given points and resets as lines
+// in the same way; `yes` gives each command one point, the origin in view 1.
 #pragma once
 
 #include <cstdio>

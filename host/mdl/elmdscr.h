@@ -65,8 +65,9 @@ MDL_EXPORT uint32_t mdlElement_read(MSElementBuffer *out, ModelRef *model, FileP
 MDL_EXPORT FilePos mdlElement_add(const MSElementBuffer *element);
 /* Writes the element over the one at `position`, whose components stay; the position, 0 on failure. */
 MDL_EXPORT FilePos mdlElement_rewrite(const MSElementBuffer *element, FilePos position);
-/* A host without a screen of its own shows nothing; MDL_ERROR for a damaged element or an unknown mode. */
-enum { MDL_DRAW = 0, MDL_ERASE = 1, MDL_HIGHLIGHT = 2 };
+/* A host without a screen of its own shows nothing but what a command's dynamics (state.h) draw in their mode, and that
+ * to those who look at the command. MDL_ERROR for a damaged element or an unknown mode. */
+enum { MDL_DRAW = 0, MDL_ERASE = 1, MDL_HIGHLIGHT = 2, MDL_DYNAMICS = 4 };
 MDL_EXPORT int mdlElement_display(const MSElementBuffer *element, int32_t drawMode);
 /* Deletes what lies at the position in the active model, components included, so that it can be brought back until the
  * file is closed. `element` and `display` have no effect. */

@@ -47,6 +47,8 @@ MDL_EXPORT int mdlCurrTrans_translateOriginWorld(const Point3d *origin);
 /* One unit of the new system is that many units of the old. A factor of 0 is MDL_ERROR. */
 MDL_EXPORT int mdlCurrTrans_scale(double sx, double sy, double sz);
 MDL_EXPORT int mdlCurrTrans_rotateByAngles(double ax, double ay, double az); /* about x, then y, then z */
+/* Turns the axes of the system to those of a view, 0 to 7: x to the right, y up, z towards the user. */
+MDL_EXPORT int mdlCurrTrans_rotateByView(int32_t view);
 /* One unit of the new system is one master unit of the active model. */
 MDL_EXPORT int mdlCurrTrans_masterUnitsIdentity(void);
 /* The transforms between the current system and UOR; valid until the current system changes. Each may be null. */

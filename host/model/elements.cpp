@@ -166,11 +166,6 @@ FilePos mdlUndo_lastDelete(void) {
     });
 }
 
-int mdlElement_display(const MSElementBuffer* element, int32_t drawMode) {
-    const bool known = drawMode >= MDL_DRAW && drawMode <= MDL_HIGHLIGHT;
-    return known && element && elementIsSound(element, MDL_ELEMENT_BYTES) ? int{MDL_SUCCESS} : int{MDL_ERROR};
-}
-
 // ---- descriptors ----
 
 uint32_t mdlElmdscr_read(ElementDescr** edPP, FilePos position, ModelRef* model) {
@@ -212,8 +207,4 @@ FilePos mdlElmdscr_rewrite(ElementDescr* ed, FilePos position) {
         for (const Unit& unit : std::span(units).subspan(1)) addUnit(*model, unit);
         return position;
     });
-}
-
-int mdlElmdscr_display(ElementDescr* ed, ModelRef*, int32_t drawMode) {
-    return ed ? mdlElement_display(ed->element, drawMode) : int{MDL_ERROR};
 }

@@ -7,6 +7,7 @@
 #include "host/mdl/system.h"
 #include "host/session/guard.h"
 #include "host/session/session.h"
+#include "host/space/view.h"
 
 namespace host {
 namespace {
@@ -143,6 +144,10 @@ int mdlCurrTrans_scale(double sx, double sy, double sz) {
 
 int mdlCurrTrans_rotateByAngles(double ax, double ay, double az) {
     return setInnermost(withAxes(currentToWorld(), turnAboutXThenYThenZ(ax, ay, az)));
+}
+
+int mdlCurrTrans_rotateByView(int32_t view) {
+    return isView(view) ? setInnermost(withAxes(currentToWorld(), transposed(viewRotation(view)))) : int{MDL_ERROR};
 }
 
 int mdlCurrTrans_masterUnitsIdentity(void) {

@@ -72,6 +72,10 @@ constexpr Point3d column(const RotMatrix& m, int i) {
 constexpr RotMatrix fromColumns(const Point3d& x, const Point3d& y, const Point3d& z) {
     return {{{x.x, y.x, z.x}, {x.y, y.y, z.y}, {x.z, y.z, z.z}}};
 }
+constexpr RotMatrix transposed(const RotMatrix& m) {
+    return fromColumns({m.form[0][0], m.form[0][1], m.form[0][2]}, {m.form[1][0], m.form[1][1], m.form[1][2]},
+                       {m.form[2][0], m.form[2][1], m.form[2][2]});
+}
 
 // The range of points added one by one. A point that isn't finite spoils it.
 class RangeBuilder {
