@@ -22,6 +22,32 @@ struct Pixel {
     int64_t x, y;
 };
 
+// ---- slopes ----
+
+// Columns a row of a line with dx up to dy: 0 or 1, and a fraction of 2^64, rounded up. A line begins half way between
+// columns, so where it is lies at 1 / (2 * dy) or more from the next column, or exactly on it. What the rounding adds
+// up to over dy rows stays below that while 2 * dy * dy is below 2^64.
+struct Slope {
+    static constexpr int64_t longest = (int64_t{1} << 31) - 1;
+    Slope(int64_t dx, int64_t dy)
+        : whole(dx == dy), fraction(whole ? 0 : static_cast<uint64_t>(((Wide(dx) << 64) + dy - 1) / dy)) {}
+    const int64_t whole;
+    const uint64_t fraction;
+};
+
+// The bits of a pixel, and behind them those of a pixel and the next one, for each place in a byte; two bytes in a row.
+constexpr auto pairMasks = [] {
+    std::array<uint16_t, 16> masks{};
+    for (size_t place = 0; place < 8; ++place) {
+        for (size_t more = 0; more < 2; ++more) {
+            const unsigned bits = (more ? 0xC000U : 0x8000U) >> place;
+            masks[more * 8 + place] = std::bit_cast<uint16_t>(
+                std::array{static_cast<unsigned char>(bits >> 8), static_cast<unsigned char>(bits & 0xFF)});
+        }
+    }
+    return masks;
+}();
+
 // ---- the bitmap ----
 
 class Bitmap {
@@ -58,9 +84,15 @@ class Bitmap {
         if (offset + length > wordBits) return runOfBytes(first, last);
         apply(first, (~uint64_t{0} << (wordBits - length)) >> offset);
     }
-    // One bit, or with `more` 1 that and the next, known to be held.
-    void pairInside(int64_t first, int64_t more) {
-        apply(first, static_cast<uint16_t>((more ? 0xC000 : 0x8000) >> (first & 7)));
+    // Downwards from `bit` over `rows` further rows, all known to be held: in each row the bit that the line comes from
+    // and, where it goes over to the next column, the one there.
+    void slopeInside(int64_t bit, Slope slope, int sideways, int64_t rows) {
+        runInside(bit, bit);
+        if (ink) {
+            sideways > 0 ? slopeRows<true, true>(bit, slope, rows) : slopeRows<true, false>(bit, slope, rows);
+        } else {
+            sideways > 0 ? slopeRows<false, true>(bit, slope, rows) : slopeRows<false, false>(bit, slope, rows);
+        }
     }
 
     const int64_t width, height;
@@ -79,8 +111,25 @@ class Bitmap {
         std::memcpy(at, &value, sizeof value);
     }
     static uint8_t swapBytes(uint8_t value) { return value; }
-    static uint16_t swapBytes(uint16_t value) { return __builtin_bswap16(value); }
     static uint64_t swapBytes(uint64_t value) { return __builtin_bswap64(value); }
+
+    template <bool set, bool toTheRight>
+    void slopeRows(int64_t bit, Slope slope, int64_t rows) const {
+        unsigned char* const start = bytes;
+        const int64_t nextRow = width;
+        uint64_t along = uint64_t{1} << 63;  // how far the line is from one column to the next
+        for (; rows > 0; --rows) {
+            const int64_t stepped = slope.whole + __builtin_add_overflow(along, slope.fraction, &along);
+            bit += toTheRight ? nextRow : nextRow - stepped;
+            unsigned char* const at = start + (bit >> 3);
+            const uint16_t mask = pairMasks[static_cast<size_t>(stepped * 8 + (bit & 7))];
+            uint16_t value;
+            std::memcpy(&value, at, sizeof value);
+            value = static_cast<uint16_t>(set ? value | mask : value & ~mask);
+            std::memcpy(at, &value, sizeof value);
+            if (toTheRight) bit += stepped;
+        }
+    }
 
     void runOfBytes(int64_t first, int64_t last) {
         const int64_t byte = first >> 3, lastByte = last >> 3;
@@ -175,9 +224,8 @@ void walkSteep(const Bitmap& bitmap, Pixel start, int64_t dx, int64_t dy, int si
 
 void drawSteep(Bitmap& bitmap, Pixel start, int64_t dx, int64_t dy, int sideways, int64_t lastRow) {
     const int64_t left = sideways < 0 ? start.x - dx : start.x;
-    if (bitmap.holds({left, start.y}, {left + dx, start.y + dy})) {
-        walkSteep(bitmap, start, dx, dy, sideways, {0, lastRow},
-                  [&](int64_t first, int64_t more) { bitmap.pairInside(first, more); });
+    if (dy <= Slope::longest && bitmap.holds({left, start.y}, {left + dx, start.y + dy})) {
+        bitmap.slopeInside(static_cast<int64_t>(bitmap.bitOf(start.x, start.y)), {dx, dy}, sideways, lastRow);
     } else {
         const Wide step = Wide(bitmap.width) * dy + sideways * dx;
         walkSteep(bitmap, start, dx, dy, sideways, rowsOnBitmap(bitmap, start, step, dy, lastRow, Wide(2) * dy),
