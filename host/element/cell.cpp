@@ -1,9 +1,11 @@
-// Cell headers: origin, name and description.
+// Cell headers: origin, range, name and description.
 #include <cwchar>
 #include <optional>
 #include <vector>
 
 #include "host/element/build.h"
+#include "host/element/cell.h"
+#include "host/mdl/elmdscr.h"
 #include "host/mdl/model.h"
 #include "host/session/guard.h"
 
@@ -96,7 +98,68 @@ std::optional<CellBody3d> bodyOf(const MSElementBuffer* element) {
     return loadAt<CellBody3d>(element, headBytes);
 }
 
+CellBody2d flattened(const CellBody3d& body) {
+    return {0,
+            0,
+            {},
+            {body.low.x, body.low.y},
+            {body.high.x, body.high.y},
+            {{body.axes[0].x, body.axes[0].y}, {body.axes[1].x, body.axes[1].y}},
+            {body.origin.x, body.origin.y}};
+}
+
+// A cell header that has a body, which stays of its kind.
+void storeRange(MSElementBuffer* element, const Range3d& range) {
+    CellBody3d body = *bodyOf(element);
+    body.low = range.low, body.high = range.high;
+    if (loadAt<uint32_t>(element, headBytes) == 0)
+        storeAt(element, headBytes, flattened(body));
+    else
+        storeAt(element, headBytes, body);
+}
+
+int setRanges(ElementDescr* ed) {
+    int status = MDL_SUCCESS;
+    for (ElementDescr* node = ed; node; node = node->next) {
+        if (node->firstChild && setRanges(node->firstChild) != MDL_SUCCESS) status = MDL_ERROR;
+        if (!isCell(node->element)) continue;
+        Range3d range;
+        const bool known = bodyOf(node->element) && node->firstChild &&
+                           mdlElmdscr_computeRange(&range.low, &range.high, node->firstChild, nullptr) == MDL_SUCCESS;
+        if (known)
+            storeRange(node->element, range);
+        else
+            status = MDL_ERROR;
+    }
+    return status;
+}
+
 }  // namespace
+
+bool host::convertCellHeader(MSElementBuffer* out, const MSElementBuffer* in, bool is3d, double axisFactor) {
+    const auto body = bodyOf(in);
+    if (!body) return false;
+    const size_t linkagesAt = size_t{headOf(in).attributeOffset} * 2, bytes = mdlElement_bytes(in);
+    const size_t bodyBytes = is3d ? sizeof(CellBody3d) : sizeof(CellBody2d);
+    if (bytes == 0 || headBytes + bodyBytes + (bytes - linkagesAt) > MDL_ELEMENT_BYTES) return false;
+    ElementHead head = headOf(in);
+    head.attributeOffset = static_cast<uint32_t>((headBytes + bodyBytes) / 2);
+    head.size = head.attributeOffset + static_cast<uint32_t>((bytes - linkagesAt) / 2);
+    std::memcpy(out->bytes + headBytes + bodyBytes, in->bytes + linkagesAt, bytes - linkagesAt);
+    storeAt(out, 0, head);
+    CellBody3d converted = *body;
+    converted.is3d = 1;
+    for (Point3d& axis : converted.axes) axis = axis * axisFactor;
+    if (is3d)
+        storeAt(out, headBytes, converted);
+    else
+        storeAt(out, headBytes, flattened(converted));
+    return true;
+}
+
+int mdlCell_setRange(ElementDescr* ed, ModelRef*) {
+    return ed ? setRanges(ed) : int{MDL_ERROR};
+}
 
 int mdlCell_create(MSElementBuffer* out, const wchar_t* name, const Point3d* origin, int32_t is3d) {
     if (!out || !name || std::wcslen(name) > mostCharacters) return MDL_ERROR;

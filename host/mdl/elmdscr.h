@@ -37,6 +37,9 @@ MDL_EXPORT FilePos mdlElmdscr_rewrite(ElementDescr *ed, FilePos position);
 MDL_EXPORT FilePos mdlElmdscr_add(ElementDescr *ed);
 MDL_EXPORT int mdlElmdscr_display(ElementDescr *ed, ModelRef *model, int32_t drawMode);
 
+/* Brings the range of the cell headers in chain and children in line with their components. MDL_ERROR when one of them
+ * has nothing with an extent of its own; its range stays, and the others are set. `model` may be null. */
+MDL_EXPORT int mdlCell_setRange(ElementDescr *ed, ModelRef *model);
 /* Brings headers in line with their components. */
 MDL_EXPORT int mdlElmdscr_validate(ElementDescr *ed, ModelRef *model);
 /* The range of chain and children in UOR, whatever the current transform; transformed first when `transform` isn't

@@ -15,7 +15,15 @@
 namespace host {
 namespace {
 
-constexpr uint32_t applicationId = 0x4D434431;  // "MCD1"
+struct KindRow {
+    uint32_t applicationId;
+    const char* otherFile;  // what is wrong with a file that isn't of this kind
+};
+// By FileKind.
+constexpr auto kinds = std::to_array<KindRow>({
+    {0x4D434431, "it isn't a design file. Give the name of a design file (.mcd)."},    // "MCD1"
+    {0x4D434331, "it isn't a cell library. Give the name of a cell library (.cel)."},  // "MCC1"
+});
 constexpr uint32_t formatVersion = 1;
 constexpr int pageBytes = 8192;
 constexpr int64_t onlyModel = 1;
@@ -182,7 +190,11 @@ bool headIsWal(const FileHead& head) {
     return head[18] == 2 || head[19] == 2;
 }
 
-FileHead readHead(const std::string& path) {
+const KindRow& rowOf(FileKind kind) {
+    return kinds[static_cast<size_t>(kind)];
+}
+
+FileHead readHead(const std::string& path, FileKind kind) {
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) throw FileProblem("it can't be read (" + systemReason(errno) + "). Check its name and permissions.");
     FileHead head = {};
@@ -190,8 +202,8 @@ FileHead readHead(const std::string& path) {
     ::close(file);
     constexpr std::string_view magic("SQLite format 3\0", 16);
     if (got != ssize_t{100} || std::memcmp(head.data(), magic.data(), magic.size()) != 0 ||
-        headApplication(head) != applicationId) {
-        throw FileProblem("it isn't a design file. Give the name of a design file (.mcd).");
+        headApplication(head) != rowOf(kind).applicationId) {
+        throw FileProblem(rowOf(kind).otherFile);
     }
     if (headVersion(head) > formatVersion) {
         throw FileProblem("it was made by a newer version. Open it with that version.");
@@ -313,7 +325,7 @@ void storeChunks(Database& database, ModelRef& model) {
     Statement(database, "DELETE FROM chunk WHERE model=? AND number>=?").execute(onlyModel, number);
 }
 
-void writeEmpty(const std::string& path, bool is3d) {
+void writeEmpty(const std::string& path, bool is3d, FileKind kind) {
     ModelRef model = {};
     model.is3d = is3d;
     model.levels.push_back({.id = 1, .code = 0, .name = L"Default", .stored = true});
@@ -323,7 +335,7 @@ void writeEmpty(const std::string& path, bool is3d) {
     // Nobody knows the file before it has its name, so one wait for the disk behind it all is enough.
     database.run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF");
     database.run("PRAGMA page_size=" + std::to_string(pageBytes) + "; PRAGMA application_id=" +
-                 std::to_string(applicationId) + "; PRAGMA user_version=" + std::to_string(formatVersion));
+                 std::to_string(rowOf(kind).applicationId) + "; PRAGMA user_version=" + std::to_string(formatVersion));
     Transaction transaction(database);
     for (const char* table : schema) database.run(table);
     storeTables(database, model);
@@ -354,14 +366,14 @@ void giveName(const std::string& temporary, const std::string& path) {
 
 }  // namespace
 
-void createContainer(const std::string& path, bool is3d) {
+void createContainer(const std::string& path, bool is3d, FileKind kind) {
     struct stat there;
     if (lstat(path.c_str(), &there) == 0) throw FileProblem("a file of that name is there. Give another name.");
     // The log of a file that was removed would be taken for the new file's own.
     for (const char* companion : {"-wal", "-shm", "-journal"}) unlink((path + companion).c_str());
     const std::string temporary = path + "." + std::to_string(getpid()) + ".new";
     try {
-        writeEmpty(temporary, is3d);
+        writeEmpty(temporary, is3d, kind);
         waitForDisk(temporary);
     } catch (const SqliteFailure& failure) {
         unlink(temporary.c_str());
@@ -373,8 +385,8 @@ void createContainer(const std::string& path, bool is3d) {
     giveName(temporary, path);
 }
 
-void loadContainer(const std::string& path, ModelRef& model) {
-    const FileHead head = readHead(path);
+void loadContainer(const std::string& path, ModelRef& model, FileKind kind) {
+    const FileHead head = readHead(path, kind);
     try {
         Database database;
         openForReading(database, path, head);

@@ -1,5 +1,5 @@
-// A design file on disk: an SQLite database whose application_id tells the kind and whose user_version tells the
-// format.
+// A design file or cell library on disk: an SQLite database whose application_id tells the kind and whose user_version
+// tells the format. A cell library is one model whose elements are its cells.
 //
 // Tables: `model`, one row a model, with a digest of that row and of the model's rows in `level`, `line_style` and
 // `text_style`; `chunk`, the chunks of ElementStore in order, each with its digest. While changes are stored the
@@ -20,11 +20,13 @@ struct FileProblem : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// Makes an empty design file; FileProblem when the name is taken or it can't be written, and nothing is left then.
-void createContainer(const std::string& path, bool is3d);
+enum class FileKind { designFile, cellLibrary };
+
+// Makes an empty file; FileProblem when the name is taken or it can't be written, and nothing is left then.
+void createContainer(const std::string& path, bool is3d, FileKind kind = FileKind::designFile);
 
 // Reads and checks all of a file. FileProblem when it can't be used.
-void loadContainer(const std::string& path, ModelRef& model);
+void loadContainer(const std::string& path, ModelRef& model, FileKind kind = FileKind::designFile);
 
 // Stores the changes of a model that was loaded from the file.
 class ContainerWriter {

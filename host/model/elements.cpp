@@ -77,13 +77,14 @@ void addAsLastChild(ElementDescr* parent, ElementDescr* child) {
     parent->lastChild = child;
 }
 
-// The element at the position as a descriptor, null when out of memory; counts its nodes.
-ElementDescr* readUnit(ModelRef& model, FilePos position, uint32_t& count) {
+}  // namespace
+
+ElementDescr* readUnit(const ModelRef& model, FilePos position, ModelRef* owner, uint32_t& count) {
     std::vector<ElementDescr*> path;  // from the element to the last node read
     bool complete = true;
     forEachNode(model.elements.record(position), [&](const StoredNode& stored) {
         ElementDescr* node = nullptr;
-        if (!complete || mdlElmdscr_new(&node, &model, stored.element) != MDL_SUCCESS) {
+        if (!complete || mdlElmdscr_new(&node, owner, stored.element) != MDL_SUCCESS) {
             complete = false;
             return;
         }
@@ -104,7 +105,6 @@ ElementDescr* readUnit(ModelRef& model, FilePos position, uint32_t& count) {
     return top;
 }
 
-}  // namespace
 }  // namespace host
 
 using namespace host;
@@ -175,7 +175,7 @@ uint32_t mdlElmdscr_read(ElementDescr** edPP, FilePos position, ModelRef* model)
         ModelRef* found = openModel(model);
         if (found == nullptr || !found->elements.isLive(position)) return 0;
         uint32_t count = 0;
-        *edPP = readUnit(*found, position, count);
+        *edPP = readUnit(*found, position, found, count);
         return count;
     });
 }

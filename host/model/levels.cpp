@@ -23,9 +23,7 @@ Level* findLevel(ModelRef& model, LevelId id) {
 }
 
 const Level* levelByName(const ModelRef* model, const wchar_t* name) {
-    if (model == nullptr || name == nullptr) return nullptr;
-    const auto found = std::ranges::find(model->levels, std::wstring_view(name), &Level::name);
-    return found != model->levels.end() ? &*found : nullptr;
+    return model && name ? findLevel(*model, std::wstring_view(name)) : nullptr;
 }
 
 bool codeIsFree(const ModelRef& model, int32_t code) {
@@ -79,6 +77,20 @@ int changeLevel(ModelRef* model, LevelId id, Change apply) {
 
 const Level* findLevel(const ModelRef& model, LevelId id) {
     return findLevel(const_cast<ModelRef&>(model), id);
+}
+
+const Level* findLevel(const ModelRef& model, std::wstring_view name) {
+    const auto found = std::ranges::find(model.levels, name, &Level::name);
+    return found != model.levels.end() ? &*found : nullptr;
+}
+
+Level& addLevel(ModelRef& model, std::wstring_view name) {
+    const int32_t code = codeFor(model, name);
+    Level& level = model.levels.emplace_back(
+        Level{.id = model.nextLevel, .code = code, .name = std::wstring(name), .stored = false});
+    ++model.unstoredLevels;
+    ++model.nextLevel;
+    return level;
 }
 
 void storeLevel(ModelRef& model, LevelId id) {
@@ -137,10 +149,8 @@ int mdlLevel_create(LevelId* idP, ModelRef* model, const wchar_t* name) {
         if (!isUnicode(name)) return MDL_ERROR;
         ModelRef* found = writableModel(model);
         if (found == nullptr || levelByName(found, name) != nullptr) return MDL_ERROR;
-        found->levels.push_back({.id = found->nextLevel, .code = codeFor(*found, name), .name = name, .stored = false});
-        ++found->unstoredLevels;
-        if (idP) *idP = found->nextLevel;
-        ++found->nextLevel;
+        const Level& level = addLevel(*found, name);
+        if (idP) *idP = level.id;
         return MDL_SUCCESS;
     });
 }

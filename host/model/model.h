@@ -79,8 +79,15 @@ ModelRef* writableModel(ModelRef* model);
 
 const Level* findLevel(const ModelRef& model, LevelId id);
 const LineStyle* findLineStyle(const ModelRef& model, int32_t number);
+const Level* findLevel(const ModelRef& model, std::wstring_view name);
+// Makes a level of a name that the model hasn't yet, in memory: it isn't stored before it is marked.
+Level& addLevel(ModelRef& model, std::wstring_view name);
 // Marks a level as one that belongs into the file.
 void storeLevel(ModelRef& model, LevelId id);
+
+// The element at a live position with its components, as a descriptor of `owner`; counts its nodes. Null, and a count of
+// 0, when out of memory.
+ElementDescr* readUnit(const ModelRef& model, FilePos position, ModelRef* owner, uint32_t& count);
 
 // The index of ranges of the model's elements, made at the first call.
 RangeIndex& rangesOf(ModelRef& model);

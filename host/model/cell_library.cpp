@@ -1,0 +1,214 @@
+#include "host/model/cell_library.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <map>
+
+#include "host/element/cell.h"
+#include "host/element/descriptor.h"
+#include "host/element/range.h"
+#include "host/model/container.h"
+#include "host/space/vector.h"
+
+namespace host {
+namespace {
+
+constexpr int32_t longestText = 512;  // of a name or a description, with the NUL
+
+// Small letters of Latin-1 as capitals, other characters as they are: the same in every locale.
+wchar_t folded(wchar_t c) {
+    const bool small = (c >= L'a' && c <= L'z') || (c >= 0xE0 && c <= 0xFE && c != 0xF7);
+    return small ? c - 0x20 : c;
+}
+
+bool isCellHeader(const MSElementBuffer* element) {
+    return element->head.type == MDL_CELL_HEADER;
+}
+
+std::wstring nameOf(const MSElementBuffer* header) {
+    wchar_t name[longestText];
+    return mdlCell_extractName(name, longestText, header) == MDL_SUCCESS ? name : L"";
+}
+
+std::wstring descriptionOf(const MSElementBuffer* header) {
+    wchar_t description[longestText];
+    return mdlCell_extractDescription(description, longestText, header) == MDL_SUCCESS ? description : L"";
+}
+
+// Levels of a library in the model that its cells go to, which gets those that it hasn't.
+class LevelMap {
+  public:
+    LevelMap(const ModelRef& from, ModelRef& to) : from_(from), to_(to) {}
+
+    LevelId operator()(LevelId id) {
+        const auto [place, isNew] = known_.try_emplace(id, id);
+        if (isNew) place->second = lookUp(id);
+        return place->second;
+    }
+
+  private:
+    LevelId lookUp(LevelId id) {
+        const Level* source = findLevel(from_, id);
+        if (source == nullptr) return id;
+        if (const Level* found = findLevel(to_, source->name)) return found->id;
+        Level& made = addLevel(to_, source->name);
+        made.byLevel = source->byLevel;
+        made.override = source->override;
+        return made.id;
+    }
+
+    const ModelRef& from_;
+    ModelRef& to_;
+    std::map<LevelId, LevelId> known_;
+};
+
+// Brings a cell of a library in line with the model that it goes to: its units, kind and levels.
+class Fitting {
+  public:
+    Fitting(const ModelRef& from, ModelRef& to)
+        : levels_(from, to), is3d_(to.is3d), factor_(to.uorPerMaster / from.uorPerMaster) {}
+
+    bool fit(ElementDescr* ed) {
+        const Transform transform{{{factor_, 0, 0, 0}, {0, factor_, 0, 0}, {0, 0, factor_, 0}}};
+        return (factor_ == 1 || mdlElmdscr_transform(ed, &transform) == MDL_SUCCESS) && fitChain(ed);
+    }
+
+  private:
+    bool fitChain(ElementDescr* first) {
+        for (ElementDescr* node = first; node; node = node->next) {
+            if (isCellHeader(node->element) && !fitHeader(node)) return false;
+            node->element->head.level = levels_(node->element->head.level);
+            if (!fitChain(node->firstChild)) return false;
+        }
+        return true;
+    }
+
+    // A cell isn't enlarged by finer units: its axes stay as long as they are.
+    bool fitHeader(ElementDescr* node) {
+        const auto header = std::make_unique<MSElementBuffer>();
+        return convertCellHeader(header.get(), node->element, is3d_, 1 / factor_) && setNodeElement(node, header.get());
+    }
+
+    LevelMap levels_;
+    bool is3d_;
+    double factor_;
+};
+
+void flatten(const ElementDescr* node, uint32_t depth, std::vector<StoredNode>& unit) {
+    unit.push_back({depth, node->element});
+    for (const ElementDescr* child = node->firstChild; child; child = child->next) flatten(child, depth + 1, unit);
+}
+
+[[noreturn]] void refuse(const char* what) {
+    throw FileProblem(what);
+}
+
+}  // namespace
+
+bool sameCellName(std::wstring_view a, std::wstring_view b) {
+    return std::ranges::equal(a, b, {}, folded, folded);
+}
+
+// ---- reading ----
+
+CellLibrary::CellLibrary(const std::string& path) : path_(path), model_(std::make_unique<ModelRef>()) {
+    loadContainer(path, *model_, FileKind::cellLibrary);
+    takeCells();
+}
+
+CellLibrary::~CellLibrary() = default;
+
+void CellLibrary::takeCells() {
+    const ElementStore& elements = model_->elements;
+    for (FilePos position = 1; position < elements.nextPosition(); ++position) {
+        const MSElementBuffer* header = elements.element(position);
+        if (header == nullptr) continue;
+        std::wstring name = isCellHeader(header) ? nameOf(header) : L"";
+        if (name.empty() || find(name)) {
+            refuse("a cell in it has no name of its own. Compile the library anew from its source.");
+        }
+        cells_.push_back({position, std::move(name), descriptionOf(header)});
+    }
+}
+
+const CellLibrary::Cell* CellLibrary::find(std::wstring_view name) const {
+    const auto found = std::ranges::find_if(cells_, [&](const Cell& cell) { return sameCellName(cell.name, name); });
+    return found != cells_.end() ? &*found : nullptr;
+}
+
+ElementDescr* CellLibrary::read(const Cell& cell, ModelRef* target) const {
+    uint32_t count = 0;
+    ElementDescr* ed = readUnit(*model_, cell.position, target, count);
+    if (ed == nullptr) return nullptr;
+    ed->filePos = 0;  // of the library's own numbering
+    if (target && !Fitting(*model_, *target).fit(ed)) {
+        mdlElmdscr_freeAll(&ed);
+        return nullptr;
+    }
+    mdlCell_setRange(ed, target);
+    return ed;
+}
+
+// ---- writing ----
+
+CellLibraryDraft::CellLibraryDraft(double uorPerMaster) : model_(std::make_unique<ModelRef>()) {
+    model_->uorPerMaster = uorPerMaster;
+    model_->levels.push_back({.id = 1, .code = 0, .name = L"Default", .stored = true});
+    model_->nextLevel = 2;
+    model_->tablesChanged = true;
+}
+
+CellLibraryDraft::~CellLibraryDraft() = default;
+
+LevelId CellLibraryDraft::level(std::wstring_view name) {
+    if (const Level* known = findLevel(*model_, name)) return known->id;
+    const LevelId id = addLevel(*model_, name).id;
+    storeLevel(*model_, id);
+    return id;
+}
+
+void CellLibraryDraft::setLevelSymbology(LevelId id, uint32_t color, int32_t style, uint32_t weight) {
+    for (Level& level : model_->levels) {
+        if (level.id != id) continue;
+        level.byLevel.color = color;
+        level.byLevel.style = style;
+        level.byLevel.weight = weight;
+    }
+}
+
+bool CellLibraryDraft::add(const ElementDescr* cell) {
+    std::wstring name = cell && isCellHeader(cell->element) ? nameOf(cell->element) : L"";
+    const auto isSame = [&](const std::wstring& known) { return sameCellName(known, name); };
+    if (name.empty() || std::ranges::any_of(names_, isSame)) return false;
+    std::vector<StoredNode> unit;
+    flatten(cell, 0, unit);
+    const auto isSound = [](const StoredNode& n) { return elementIsSound(n.element, MDL_ELEMENT_BYTES); };
+    if (!std::ranges::all_of(unit, isSound) || ElementStore::unitBytes(unit) > ElementStore::maxUnitBytes) return false;
+    model_->elements.add(unit);
+    names_.push_back(std::move(name));
+    return true;
+}
+
+void CellLibraryDraft::write(const std::string& path) {
+    const std::string draft = path + "." + std::to_string(getpid()) + ".draft";
+    unlink(draft.c_str());
+    struct Remover {
+        const std::string& path;
+        ~Remover() { unlink(path.c_str()); }  // finds nothing once the draft has its name
+    } remover{draft};
+    createContainer(draft, model_->is3d, FileKind::cellLibrary);
+    {
+        ContainerWriter writer(draft);
+        for (ElementStore::Chunk& chunk : model_->elements.chunks()) chunk.changed = true;
+        model_->tablesChanged = true;
+        writer.save(*model_);
+    }
+    if (std::rename(draft.c_str(), path.c_str()) != 0) {
+        refuse("it can't be put in its place. Check the permissions of its folder, and that no folder has its name.");
+    }
+}
+
+}  // namespace host
