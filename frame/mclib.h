@@ -16,6 +16,7 @@
 #include "frame/util.h"
 #include "frame/win32.h"
 #include "geometry/builders.h"
+#include "geometry/cells.h"
 #include "geometry/clothoid.h"
 #include "geometry/elmdscr.h"
 #include "geometry/lines.h"

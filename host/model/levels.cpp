@@ -23,7 +23,7 @@ Level* findLevel(ModelRef& model, LevelId id) {
 }
 
 const Level* levelByName(const ModelRef* model, const wchar_t* name) {
-    return model && name ? findLevel(*model, std::wstring_view(name)) : nullptr;
+    return model && name ? host::findLevel(*model, std::wstring_view(name)) : nullptr;
 }
 
 bool codeIsFree(const ModelRef& model, int32_t code) {
