@@ -185,6 +185,15 @@ bool run(host::Session& session, const Options& options) {
     return openDesignFile(options) && runApplication(session, options);
 }
 
+// What the application has left for its user: commands that wait for points, then dialogs that stay open, which may
+// start commands again. False when nobody gives a command its points.
+bool serve(host::Session& session) {
+    do {
+        if (!host::serveCommands()) return false;
+    } while (session.frontEnd().serveOpenDialog());
+    return true;
+}
+
 // Key-ins are commands of a drawing program around the session; mchost has none to carry them out.
 void tellKeyIns() {
     for (const host::KeyIn& keyIn : host::keyInQueue()) {
@@ -208,7 +217,7 @@ int work(const Options& options) {
         return statusFailed;
     }
     host::Session session({.frontEnd = std::move(frontEnd)});
-    const bool done = configure(options) && run(session, options) && host::serveCommands();
+    const bool done = configure(options) && run(session, options) && serve(session);
     session.finish();
     tellKeyIns();
     const bool written = isWritten(stdout);

@@ -174,6 +174,9 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     std::optional<std::string> edit_;  // of the item that has the focus
 };
 
+// The dialogs that are open without being modal, in order of opening.
+HOST_EXPORT std::vector<std::shared_ptr<Dialog>> openDialogs();
+
 // Dialogs that were told to close when control is back in the host. The host calls this where it has control.
 HOST_EXPORT void closeQueuedDialogs();
 

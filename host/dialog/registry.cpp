@@ -94,6 +94,13 @@ std::shared_ptr<Dialog> findDialog(int32_t dialogId, MdlDesc* owner) {
     return nullptr;
 }
 
+std::vector<std::shared_ptr<Dialog>> openDialogs() {
+    std::vector<std::shared_ptr<Dialog>> open;
+    for (const auto& dialog : registry().dialogs)
+        if (!dialog->modal() && !dialog->ending()) open.push_back(dialog);
+    return open;
+}
+
 void registerDialog(std::shared_ptr<Dialog> dialog) {
     watchApplications();
     registry().dialogs.push_back(std::move(dialog));

@@ -16,6 +16,7 @@ bool isInput(const DialogItem& item) {
         case ITEM_TEXT:
         case ITEM_TOGGLE:
         case ITEM_OPTION_BUTTON: return true;
+        case ITEM_COMBO_BOX:
         case ITEM_LIST_BOX: return Dialog::rowCount(item) > 0;
         default: return false;
     }
@@ -50,7 +51,8 @@ std::string chosenLabel(const DialogItem& item) {
 
 std::string choices(const DialogItem& item) {
     std::string text;
-    for (const OptionRow& row : item.rows) text += (text.empty() ? "" : ", ") + row.label;
+    for (const OptionRow& row : item.rows)
+        if (row.enabled) text += (text.empty() ? "" : ", ") + row.label;
     return text;
 }
 
@@ -78,6 +80,9 @@ std::string lineOf(const DialogItem& item, const std::string& number) {
         case ITEM_OPTION_BUTTON:
             return head + label + ": " + utf8FromNarrow(chosenLabel(item)) + " (" + utf8FromNarrow(choices(item)) +
                    ")\n";
+        case ITEM_COMBO_BOX:
+            return head + label + ": " + utf8FromNarrow(Dialog::cellText(item, item.selectedRow, 0)) + "\n" +
+                   rowsOf(item);
         case ITEM_LIST_BOX: return (number.empty() && label.empty() ? "" : head + label + "\n") + rowsOf(item);
         case ITEM_LABEL:
         case ITEM_GROUP_BOX: return label.empty() ? label : label + "\n";
@@ -92,7 +97,7 @@ std::vector<size_t> usableItems(const Dialog& dialog) {
     for (const bool buttons : {true, false})
         for (size_t i = 0; i < dialog.items().size(); ++i) {
             const DialogItem& item = dialog.items()[i];
-            if (item.shown && item.enabled && isInput(item) && (item.kind == ITEM_PUSH_BUTTON) == buttons)
+            if (dialog.isVisible(item) && item.enabled && isInput(item) && (item.kind == ITEM_PUSH_BUTTON) == buttons)
                 usable.push_back(i);
         }
     return usable;
@@ -104,7 +109,7 @@ std::string textOf(const Dialog& dialog) {
     std::string buttons;
     for (size_t i = 0; i < dialog.items().size(); ++i) {
         const DialogItem& item = dialog.items()[i];
-        if (!item.shown) continue;
+        if (!dialog.isVisible(item)) continue;
         const auto place = std::ranges::find(usable, i);
         const std::string number =
             place == usable.end() ? std::string() : std::to_string(place - usable.begin() + 1) + ") ";

@@ -34,6 +34,21 @@ DialogScript& DialogScript::selectRow(int32_t listBoxId, int32_t row) {
                [=](Dialog& dialog) { return dialog.selectRow(placeOf(dialog, ITEM_LIST_BOX, listBoxId), row); });
 }
 
+DialogScript& DialogScript::choose(int32_t comboBoxId, int32_t row) {
+    return add("choose row " + std::to_string(row) + " of " + std::to_string(comboBoxId),
+               [=](Dialog& dialog) { return dialog.selectRow(placeOf(dialog, ITEM_COMBO_BOX, comboBoxId), row); });
+}
+
+DialogScript& DialogScript::type(int32_t textId, std::string text) {
+    return add("type \"" + text + "\" into " + std::to_string(textId),
+               [=](Dialog& dialog) { return dialog.type(placeOf(dialog, ITEM_TEXT, textId), text); });
+}
+
+DialogScript& DialogScript::resize(int32_t width, int32_t height) {
+    return add("resize to " + std::to_string(width) + " by " + std::to_string(height),
+               [=](Dialog& dialog) { return dialog.resize(width, height); });
+}
+
 DialogScript& DialogScript::activate(int32_t kind, int32_t id) {
     return add("activate " + std::to_string(id),
                [=](Dialog& dialog) { return dialog.activate(placeOf(dialog, kind, id)); });

@@ -21,6 +21,7 @@ namespace {
 
 enum { STATUS_FIELD = 1, ERROR_FIELD = 3 };
 enum { BUTTON_FIRST = -3 };
+constexpr size_t mostPixels = 8000;  // a window's side
 
 std::string_view trimmed(std::string_view text) {
     const size_t first = text.find_first_not_of(" \t\r");
@@ -90,7 +91,8 @@ std::optional<size_t> buttonLabelled(const Dialog& dialog, std::string_view answ
 }
 
 bool choose(Dialog& dialog, size_t index, std::string_view value) {
-    const std::vector<OptionRow>& rows = dialog.items()[index].rows;
+    std::vector<OptionRow> rows = dialog.items()[index].rows;
+    std::erase_if(rows, [](const OptionRow& r) { return !r.enabled; });
     const std::string wanted = folded(value);
     auto row = std::ranges::find_if(rows, [&](const OptionRow& r) { return folded(r.label) == wanted; });
     if (const auto number = numberIn(value); row == rows.end() && number && *number >= 1 && *number <= rows.size())
@@ -101,6 +103,7 @@ bool choose(Dialog& dialog, size_t index, std::string_view value) {
 bool setItem(Dialog& dialog, size_t index, std::string_view value) {
     switch (dialog.items()[index].kind) {
         case ITEM_OPTION_BUTTON: return choose(dialog, index, value);
+        case ITEM_COMBO_BOX:
         case ITEM_LIST_BOX: {
             const auto row = numberIn(value);
             return row && *row >= 1 && *row <= INT32_MAX && dialog.selectRow(index, static_cast<int32_t>(*row) - 1);
@@ -141,10 +144,8 @@ class TerminalFrontEnd : public FrontEnd {
 
     bool runModal(Dialog& dialog) override {
         while (!dialog.ended()) {
-            if (Session* session = Session::current()) session->runDueTimers();
-            dialog.refresh();
+            present(dialog);
             if (dialog.ended()) break;
-            show(textOf(dialog));
             if (const auto answer = nextAnswer(question(dialog)))
                 take(dialog, *answer);
             else if (!answerUnattended(dialog))
@@ -169,7 +170,36 @@ class TerminalFrontEnd : public FrontEnd {
         return std::nullopt;
     }
 
+    bool serveOpenDialog() override {
+        const auto open = openDialogs();
+        if (open.empty()) return false;
+        const auto turned = std::ranges::find(open, turnedTo_.lock());
+        const std::shared_ptr<Dialog> dialog = turned == open.end() ? open.back() : *turned;
+        present(*dialog);
+        if (dialog->ended()) return true;
+        if (open.size() > 1) show(windowList(open, *dialog));
+        if (const auto answer = nextAnswer(question(*dialog)))
+            take(*dialog, *answer);
+        else
+            dialog->close();
+        return true;
+    }
+
   private:
+    void present(Dialog& dialog) {
+        if (Session* session = Session::current()) session->runDueTimers();
+        dialog.refresh();
+        if (!dialog.ended()) show(textOf(dialog));
+    }
+
+    static std::string windowList(const std::vector<std::shared_ptr<Dialog>>& open, const Dialog& current) {
+        std::string text = "Open windows:";
+        for (size_t i = 0; i < open.size(); ++i)
+            text += std::string(i == 0 ? " " : ", ") + (open[i].get() == &current ? "*" : "") + std::to_string(i + 1) +
+                    " " + utf8FromNarrow(open[i]->title());
+        return text + "\n";
+    }
+
     // What comes from files and drawings can't steer the terminal.
     void show(std::string text) {
         endProgress();
@@ -212,7 +242,7 @@ class TerminalFrontEnd : public FrontEnd {
     void take(Dialog& dialog, std::string_view answer) {
         const NarrowText narrow = narrowFromUtf8(trimmed(answer));
         if (narrow.badPosition) return show("There is a character in this answer that can't be used.\n");
-        if (!follow(dialog, narrow.text))
+        if (!follow(dialog, narrow.text) && !followWord(dialog, narrow.text))
             show("This can't be done here: \"" + std::string(trimmed(answer)) +
                  "\". Give the number or label of a button, or number=value for another item.\n");
     }
@@ -236,6 +266,36 @@ class TerminalFrontEnd : public FrontEnd {
         return item.kind == ITEM_PUSH_BUTTON && dialog.press(index);
     }
 
+    // An answer that is for the window and not for an item: a word, a blank, and what it is about.
+    bool followWord(Dialog& dialog, std::string_view answer) {
+        const size_t blank = std::min(answer.find(' '), answer.size());
+        const std::string_view word = answer.substr(0, blank), rest = trimmed(answer.substr(blank));
+        if (word == "close" && rest.empty()) {
+            dialog.close();
+            return true;
+        }
+        if (word == "picture" && !rest.empty()) return savePicture(dialog, std::string(rest));
+        if (word == "size" && !rest.empty()) {
+            const size_t cross = std::min(rest.find('x'), rest.size() - 1);
+            const auto width = numberIn(rest.substr(0, cross)), height = numberIn(rest.substr(cross + 1));
+            return width && height && std::max(*width, *height) <= mostPixels &&
+                   dialog.resize(static_cast<int32_t>(*width), static_cast<int32_t>(*height));
+        }
+        const auto open = openDialogs();
+        const auto number = numberIn(rest);
+        if (word != "window" || dialog.modal() || !number || *number < 1 || *number > open.size()) return false;
+        turnedTo_ = open[*number - 1];
+        return true;
+    }
+
+    bool savePicture(Dialog& dialog, const std::string& name) {
+        const bool written = mdlWindow_savePicture(dialog.handle(), name.c_str()) == MDL_SUCCESS;
+        show(written ? "The picture is in " + utf8FromNarrow(name) + ".\n"
+                     : "No picture could be written to " + utf8FromNarrow(name) +
+                           ". Give a name that ends in .png, in a folder that is there.\n");
+        return true;
+    }
+
     bool answerUnattended(Dialog& dialog) {
         const auto button = firstButton(dialog);
         const bool onlyOne = usableButtons(dialog).size() == 1;
@@ -253,7 +313,8 @@ class TerminalFrontEnd : public FrontEnd {
     bool asks_;
     bool showsProgress_;
     bool progressShown_ = false;
-    uint64_t pointedAt_ = 0;  // the command that an unattended run gave its one point
+    uint64_t pointedAt_ = 0;          // the command that an unattended run gave its one point
+    std::weak_ptr<Dialog> turnedTo_;  // of the dialogs that aren't modal
     TerminalOptions options_;
 };
 

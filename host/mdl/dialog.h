@@ -127,6 +127,9 @@ MDL_EXPORT int32_t mdlDialog_getId(const MdlDialog *dialog);
 MDL_EXPORT void mdlWindow_titleSet(MdlDialog *dialog, const char *title);
 /* Sets the size of the content area. No DIALOG_RESIZE is sent. What hooks drew is dropped, and is drawn anew. */
 MDL_EXPORT void mdlWindow_extentSet(MdlDialog *dialog, int32_t width, int32_t height);
+/* Draws the dialog as it stands, items included, into a new picture; the name must end in .png. MDL_ERROR when it can't
+ * be written. */
+MDL_EXPORT int mdlWindow_savePicture(MdlDialog *dialog, const char *fileName);
 /* Moves the focus to an item (null: away from all). A running edit of a text item ends: its text is taken as if the
  * user had entered it, or, when the item can't take it, dropped. MDL_ERROR for an item that can't have the focus. */
 MDL_EXPORT int mdlDialog_setFocus(MdlDialog *dialog, MdlItem *item);

@@ -40,10 +40,7 @@ constexpr auto styleDashes = std::to_array<Dashes>({
 });
 
 // Colours on white paper, by colour index modulo 16.
-struct Color {
-    double red, green, blue;
-};
-constexpr auto colors = std::to_array<Color>({
+constexpr auto colors = std::to_array<PaperColor>({
     {0.00, 0.00, 0.00},  // 0 black
     {0.00, 0.00, 0.85},  // 1 blue
     {0.00, 0.55, 0.10},  // 2 green
@@ -90,6 +87,10 @@ std::string utf8Of(const TextView& text) {
 }
 
 }  // namespace
+
+PaperColor paperColor(int32_t index) {
+    return colors[static_cast<uint32_t>(index) % colors.size()];
+}
 
 Sheet::Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi)
     : kind_(kind),
@@ -159,7 +160,7 @@ void Sheet::setDashes(const Look& look) {
 
 void Sheet::line(const std::vector<Point3d>& points, const Look& look) {
     cairo_t* pen = pen_.get();
-    const Color& color = colors[static_cast<uint32_t>(look.color) % colors.size()];
+    const PaperColor color = paperColor(look.color);
     cairo_set_source_rgb(pen, color.red, color.green, color.blue);
     for (const Point3d& p : points) {
         const Point3d at = onPaper(p);
@@ -189,7 +190,7 @@ void Sheet::text(const TextView& view, const Look& look) {
     const double upright = length(up) / length(along);
     const Point3d leaning = up + along * (lean * upright);
     const cairo_matrix_t face{along.x * wide, -along.y * wide, -leaning.x * high, leaning.y * high, 0, 0};
-    const Color& color = colors[static_cast<uint32_t>(look.color) % colors.size()];
+    const PaperColor color = paperColor(look.color);
     cairo_set_source_rgb(pen, color.red, color.green, color.blue);
     cairo_set_font_matrix(pen, &face);
     cairo_move_to(pen, at.x, at.y);

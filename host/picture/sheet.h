@@ -10,6 +10,12 @@
 
 namespace host {
 
+// A colour of an element on light ground, by its index modulo 16.
+struct PaperColor {
+    double red, green, blue;
+};
+PaperColor paperColor(int32_t index);
+
 enum class PictureKind { png, svg, pdf };
 
 class Sheet {

@@ -20,6 +20,7 @@ using host::DialogScript;
 enum { BOX = 100, OTHER_BOX = 101 };
 enum { BOX_HOOK = 1, BUTTON_HOOK = 2, TEXT_HOOK = 3, LIST_HOOK = 4, GENERIC_HOOK = 5, OTHER_HOOK = 6 };
 enum { BUTTON = 10, LENGTH = 11, NAME = 12, DEVICE = 13, USED = 14, ROWS = 15, AREA = 16 };
+enum { PRINTERS = 20, TARGET = 21, IN_TARGET = 22 };  // combo box, group box and its member
 
 struct Settings {
     double length;
@@ -58,7 +59,11 @@ host::ResourceContents layouts() {
         item(ITEM_GENERIC, AREA, GENERIC_HOOK),
         item(ITEM_PUSH_BUTTON, -3),
         item(ITEM_PUSH_BUTTON, -4),
+        item(ITEM_COMBO_BOX, PRINTERS, LIST_HOOK, "sP->used"),
+        item(ITEM_GROUP_BOX, TARGET),
+        item(ITEM_TEXT, IN_TARGET, TEXT_HOOK),
     };
+    box.items.back().group = TARGET;
     contents.dialogs[OTHER_BOX] = {OTHER_BOX, 50, 50, OTHER_HOOK, {}, {item(ITEM_PUSH_BUTTON, -3, BUTTON_HOOK)}};
     return contents;
 }
@@ -271,6 +276,105 @@ TEST_F(Dialogs, OptionButtonsCanBeFilledAnew) {
     EXPECT_EQ(mdlDialog_optionButtonCount(device), 1);
     EXPECT_EQ(mdlDialog_itemSetValue(device, "40"), MDL_SUCCESS);
     EXPECT_EQ(settings.device, 40);
+}
+
+TEST_F(Dialogs, ARowThatIsNotEnabledIsKeptFromTheUserAlone) {
+    MdlDialog* dialog = open();
+    MdlItem* device = find(dialog, ITEM_OPTION_BUTTON, DEVICE);
+    EXPECT_EQ(mdlDialog_optionButtonEnableRow(device, 0, 0), MDL_SUCCESS);
+    EXPECT_EQ(mdlDialog_optionButtonEnableRow(device, 2, 0), MDL_ERROR);
+    EXPECT_EQ(mdlDialog_optionButtonRowIsEnabled(device, 0), 0);
+    EXPECT_EQ(mdlDialog_optionButtonRowIsEnabled(device, 1), 1);
+    EXPECT_FALSE(host::openDialogs().at(0)->setValue(3, "3"));
+    EXPECT_EQ(settings.device, 5);
+    EXPECT_EQ(mdlDialog_itemSetValue(device, "3"), MDL_SUCCESS);
+    EXPECT_EQ(settings.device, 3);
+}
+
+TEST_F(Dialogs, AComboBoxKeepsItsRowInItsAccessString) {
+    StringList* list = mdlStringList_create(4, 0);
+    for (int32_t i = 0; i < 4; ++i) mdlStringList_setMember(list, i, std::to_string(i).c_str(), nullptr);
+    on(LIST_HOOK, ITEM_FILL, [&](DialogMessage& m) { mdlDialog_comboBoxSetStrListP(m.item, list, 2); });
+    int32_t changed = -1;
+    on(LIST_HOOK, ITEM_STATE_CHANGED, [&](DialogMessage& m) { changed = m.changed; });
+    MdlDialog* dialog = open();
+    MdlItem* printers = find(dialog, ITEM_COMBO_BOX, PRINTERS);
+    EXPECT_EQ(mdlDialog_comboBoxGetSelectedRow(printers), 1);
+    EXPECT_TRUE(host::openDialogs().at(0)->selectRow(9, 0));
+    EXPECT_EQ(settings.used, 0);
+    EXPECT_EQ(changed, 1);
+    EXPECT_EQ(mdlDialog_comboBoxSelectRow(printers, 1), MDL_SUCCESS);
+    EXPECT_EQ(settings.used, 1);
+    EXPECT_EQ(mdlDialog_comboBoxSelectRow(printers, 2), MDL_ERROR);
+    settings.used = 7;  // a row that isn't there
+    EXPECT_EQ(mdlDialog_itemSynch(printers), MDL_SUCCESS);
+    EXPECT_EQ(mdlDialog_comboBoxGetSelectedRow(printers), -1);
+    EXPECT_EQ(settings.used, 7);
+    mdlWindow_close(dialog, 0, 1);
+    mdlStringList_destroy(list);
+}
+
+TEST_F(Dialogs, AGroupBoxHidesItsMembersWithItself) {
+    MdlDialog* dialog = open();
+    MdlItem* group = find(dialog, ITEM_GROUP_BOX, TARGET);
+    MdlItem* member = mdlDialog_itemNeighbour(group, 1);
+    EXPECT_EQ(mdlDialog_itemId(member), IN_TARGET);
+    EXPECT_EQ(mdlDialog_itemNeighbour(member, 1), nullptr);
+    EXPECT_EQ(mdlDialog_itemNeighbour(find(dialog, ITEM_PUSH_BUTTON, BUTTON), -1), nullptr);
+    mdlDialog_itemShow(group, 0);
+    EXPECT_EQ(mdlDialog_itemIsShown(member), 0);
+    EXPECT_FALSE(host::openDialogs().at(0)->setValue(11, "x"));
+    mdlDialog_itemShow(group, 1);
+    EXPECT_EQ(mdlDialog_itemIsShown(member), 1);
+    mdlDialog_itemShow(member, 0);
+    mdlDialog_itemShow(group, 0);
+    mdlDialog_itemShow(group, 1);
+    EXPECT_EQ(mdlDialog_itemIsShown(member), 0) << "it was hidden by itself";
+}
+
+TEST_F(Dialogs, ARunningEditEndsWhenTheFocusMovesOrTheFirstButtonIsPressed) {
+    MdlDialog* dialog = open();
+    Dialog& state = *host::openDialogs().at(0);
+    EXPECT_TRUE(state.type(2, "new"));
+    EXPECT_STREQ(settings.name, "abc");
+    EXPECT_EQ(mdlDialog_setFocus(dialog, nullptr), MDL_SUCCESS);
+    EXPECT_STREQ(settings.name, "new");
+    EXPECT_TRUE(state.type(1, "no number"));
+    EXPECT_TRUE(state.setValue(2, "next"));
+    EXPECT_EQ(settings.length, 1.5) << "what the item can't take is dropped";
+    EXPECT_EQ(mdlDialog_setFocus(dialog, find(dialog, ITEM_GROUP_BOX, TARGET)), MDL_ERROR);
+
+    script.type(NAME, "kept").press(-3);
+    EXPECT_EQ(runModal(), 3) << script.fault();
+    EXPECT_STREQ(settings.name, "kept");
+    script.type(NAME, "lost").press(-4);
+    EXPECT_EQ(runModal(), 4) << script.fault();
+    EXPECT_STREQ(settings.name, "kept");
+}
+
+TEST_F(Dialogs, SignalsCarryTwoNumbersToTheHook) {
+    std::pair<int32_t, int32_t> got;
+    on(GENERIC_HOOK, ITEM_SIGNAL, [&](DialogMessage& m) { got = {m.signal, m.signalValue}; });
+    EXPECT_EQ(mdlDialog_itemSignal(find(open(), ITEM_GENERIC, AREA), 1, 12), MDL_SUCCESS);
+    EXPECT_EQ(got, std::pair(1, 12));
+}
+
+TEST_F(Dialogs, OnlyASizableDialogIsDrawnToAnotherSize) {
+    EXPECT_FALSE(asApplication("owner", [&] { return open(), host::openDialogs().at(0)->resize(300, 200); }));
+    host::openDialogs().at(0)->close();
+
+    std::string told;
+    on(BOX_HOOK, DIALOG_CREATE, [](DialogMessage& m) { m.attributes |= DIALOG_SIZABLE; });
+    on(BOX_HOOK, DIALOG_RESIZE, [&](DialogMessage& m) { told += std::to_string(m.resized); });
+    DialogRect window;
+    MdlDialog* dialog = open();
+    EXPECT_TRUE(host::openDialogs().at(0)->resize(300, 200));
+    EXPECT_TRUE(host::openDialogs().at(0)->resize(300, 200));
+    EXPECT_FALSE(host::openDialogs().at(0)->resize(300, 0));
+    EXPECT_EQ(told, "10");
+    mdlWindow_contentRectGet(&window, dialog);
+    EXPECT_EQ(window.right, 300);
+    EXPECT_EQ(window.bottom, 200);
 }
 
 // ---- drawing ----

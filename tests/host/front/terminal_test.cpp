@@ -231,4 +231,43 @@ TEST_F(Terminal, ConsoleLinesGoToTheOutputAlone) {
     EXPECT_EQ(shown, "");
 }
 
+TEST_F(Terminal, OpenDialogsAreServedUntilNoneIsLeft) {
+    typed("3=name\nwindow 1\nsize 300x200\nwindow 7\npicture " + (folder / "form.png").string() + "\n2\nclose\n");
+    inSession([&] {
+        mdlDialog_open(0, QUESTION);
+        mdlDialog_open(0, FORM);
+        while (host::Session::current()->frontEnd().serveOpenDialog()) {
+        }
+        EXPECT_TRUE(host::openDialogs().empty());
+    });
+    EXPECT_THAT(shown, HasSubstr("3) Name: name\n"));
+    EXPECT_THAT(shown, HasSubstr("Open windows: 1 Sp\xc3\xb8rsm\xc3\xa5l, *2 Form\n"));
+    EXPECT_THAT(shown, HasSubstr("Open windows: *1 Sp\xc3\xb8rsm\xc3\xa5l, 2 Form\n"));
+    EXPECT_THAT(shown, HasSubstr("can't be done here: \"size 300x200\""));
+    EXPECT_THAT(shown, HasSubstr("can't be done here: \"window 7\""));
+    EXPECT_EQ(contentsOf("form.png").substr(1, 3), "PNG");
+}
+
+TEST_F(Terminal, OpenDialogsThatNobodyAnswersAreClosed) {
+    inSession([] {
+        mdlDialog_open(0, FORM);
+        while (host::Session::current()->frontEnd().serveOpenDialog()) {
+        }
+    });
+    EXPECT_THAT(shown, HasSubstr("--- Form ---"));
+}
+
+TEST_F(Terminal, ARowThatIsNotEnabledIsNeitherOfferedNorTaken) {
+    typed("4=Sk\xc3\xa6rm\n4=2\n4=1\nclose\n");
+    inSession([] {
+        MdlDialog* form = mdlDialog_open(0, FORM);
+        mdlDialog_optionButtonEnableRow(mdlDialog_itemGetByTypeAndId(form, ITEM_OPTION_BUTTON, 2), 1, 0);
+        while (host::Session::current()->frontEnd().serveOpenDialog()) {
+        }
+    });
+    EXPECT_THAT(shown, HasSubstr("4) Device: Paper (Paper)\n"));
+    EXPECT_THAT(shown, HasSubstr("can't be done here: \"4=Sk\xc3\xa6rm\""));
+    EXPECT_THAT(shown, HasSubstr("can't be done here: \"4=2\""));
+}
+
 }  // namespace
