@@ -18,7 +18,7 @@ using host::Dialog;
 using host::DialogScript;
 
 enum { BOX = 100, OTHER_BOX = 101 };
-enum { BOX_HOOK = 1, BUTTON_HOOK = 2, TEXT_HOOK = 3, LIST_HOOK = 4, GENERIC_HOOK = 5, OTHER_HOOK = 6 };
+enum { BOX_HOOK = 1, BUTTON_HOOK = 2, TEXT_HOOK = 3, LIST_HOOK = 4, GENERIC_HOOK = 5, OTHER_HOOK = 6, COMBO_HOOK = 7 };
 enum { BUTTON = 10, LENGTH = 11, NAME = 12, DEVICE = 13, USED = 14, ROWS = 15, AREA = 16 };
 enum { PRINTERS = 20, TARGET = 21, IN_TARGET = 22 };  // combo box, group box and its member
 
@@ -59,9 +59,9 @@ host::ResourceContents layouts() {
         item(ITEM_GENERIC, AREA, GENERIC_HOOK),
         item(ITEM_PUSH_BUTTON, -3),
         item(ITEM_PUSH_BUTTON, -4),
-        item(ITEM_COMBO_BOX, PRINTERS, LIST_HOOK, "sP->used"),
+        item(ITEM_COMBO_BOX, PRINTERS, COMBO_HOOK, "sP->used"),
         item(ITEM_GROUP_BOX, TARGET),
-        item(ITEM_TEXT, IN_TARGET, TEXT_HOOK),
+        item(ITEM_TEXT, IN_TARGET),
     };
     box.items.back().group = TARGET;
     contents.dialogs[OTHER_BOX] = {OTHER_BOX, 50, 50, OTHER_HOOK, {}, {item(ITEM_PUSH_BUTTON, -3, BUTTON_HOOK)}};
@@ -95,8 +95,9 @@ class Dialogs : public SessionTest {
         asApplication("owner", [&] {
             mdlResource_openFile(nullptr, path("dialogs.rsc").c_str(), MDL_RSC_READ);
             const DialogHook hooks[] = {{BOX_HOOK, record},  {BUTTON_HOOK, record},  {TEXT_HOOK, record},
-                                        {LIST_HOOK, record}, {GENERIC_HOOK, record}, {OTHER_HOOK, record}};
-            mdlDialog_hookPublish(6, hooks);
+                                        {LIST_HOOK, record}, {GENERIC_HOOK, record}, {OTHER_HOOK, record},
+                                        {COMBO_HOOK, record}};
+            mdlDialog_hookPublish(7, hooks);
             SymbolSet* set = mdlCExpression_initializeSet(4, 0, 0);
             mdlDialog_publishStructure(set, "Settings", settingsFields);
             mdlDialog_publishComplexPtr(set, "Settings", "sP", &settingsP);
@@ -127,9 +128,10 @@ TEST_F(Dialogs, HooksGetTheirMessagesInOrderAsTheOwner) {
     script.press(BUTTON).press(-3);
     EXPECT_EQ(runModal(), 3);
     EXPECT_EQ(status, MDL_SUCCESS);
-    EXPECT_EQ(trace,
-              "1:0 2:50 3:50 3:50 4:50 5:50 2:69 3:69 3:69 4:69 5:69 1:1 2:52 3:52 3:52 4:52 5:52 2:54 2:70 "
-              "2:51 3:51 3:51 4:51 5:51 1:2 ");
+    EXPECT_EQ(
+        trace,
+        "1:0 2:50 3:50 3:50 4:50 5:50 7:50 2:69 3:69 3:69 4:69 5:69 7:69 1:1 2:52 3:52 3:52 4:52 5:52 7:52 2:54 2:70 "
+        "2:51 3:51 3:51 4:51 5:51 7:51 1:2 ");
     for (MdlDesc* context : contexts) EXPECT_EQ(context, application("owner"));
 }
 
@@ -294,9 +296,9 @@ TEST_F(Dialogs, ARowThatIsNotEnabledIsKeptFromTheUserAlone) {
 TEST_F(Dialogs, AComboBoxKeepsItsRowInItsAccessString) {
     StringList* list = mdlStringList_create(4, 0);
     for (int32_t i = 0; i < 4; ++i) mdlStringList_setMember(list, i, std::to_string(i).c_str(), nullptr);
-    on(LIST_HOOK, ITEM_FILL, [&](DialogMessage& m) { mdlDialog_comboBoxSetStrListP(m.item, list, 2); });
+    on(COMBO_HOOK, ITEM_FILL, [&](DialogMessage& m) { mdlDialog_comboBoxSetStrListP(m.item, list, 2); });
     int32_t changed = -1;
-    on(LIST_HOOK, ITEM_STATE_CHANGED, [&](DialogMessage& m) { changed = m.changed; });
+    on(COMBO_HOOK, ITEM_STATE_CHANGED, [&](DialogMessage& m) { changed = m.changed; });
     MdlDialog* dialog = open();
     MdlItem* printers = find(dialog, ITEM_COMBO_BOX, PRINTERS);
     EXPECT_EQ(mdlDialog_comboBoxGetSelectedRow(printers), 1);

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "host/dialog/dialog.h"
 #include "host/mdl/dialog.h"
 #include "host/mdl/lists.h"
 #include "host/mdl/resource.h"
