@@ -17,6 +17,7 @@ endforeach()
 
 install(FILES ${CMAKE_BINARY_DIR}/lib/mclib.rsc DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 install(FILES host/mchost.cfg DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
+install(DIRECTORY host/plotters DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 
 install(EXPORT mclib-targets NAMESPACE mclib:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/mclib)
 configure_package_config_file(cmake/mclib-config.cmake.in mclib-config.cmake

@@ -5,16 +5,15 @@
  * value in parentheses:
  *
  *   output       pdf, png or svg: the kind of picture that a page becomes (pdf)
- *   extension    suffix of a plot file's name, without or with a leading "." (that of the kind of picture)
+ *   extension    suffix of a plot file's name, with its "." or without; empty for none (that of the kind of picture)
  *   resolution   dots in an inch, 10 to 2400, for png (300)
- *   name         output name: the file that plots go to whose call names none, or a place in front of such a name
- *   printer      system printer: a plot goes there when its call names no file (none)
- *   paper        a size of paper: "NAME WIDTH HEIGHT" in millimetres, WIDTH along the lines of an upright page; may
- *                stand many times (A0 to A5 and ANSI A to E)
- *   default      the size of paper to begin with (A4, or the first)
+ *   name         output name: the file, without its suffix, that plots go to (none)
+ *   printer      system printer that plots go to: its name, "\\server\printer", or a port such as LPT1 (none)
+ *   paper        a size of paper: "NAME WIDTH HEIGHT" in millimetres; may stand many times (A0 to A5, upright)
+ *   default      the paper to begin with (A4 where there is one, else the first)
  *   margin       what the plotter can't reach on each side, in millimetres (0)
  *
- * A file with another name, a value out of range or a line without "=" is refused, with its name and line in the
+ * A file with another entry, a value out of range or a line without "=" is refused, with its name and line in the
  * message centre. */
 #ifndef HOST_MDL_PLOT_H
 #define HOST_MDL_PLOT_H
@@ -52,9 +51,10 @@ MDL_EXPORT int mdlPlotDesc_setNumCopies(MdlPlotDesc *descr, int32_t copies);
 /* Makes the plot as large as the paper takes, upright or turned, whichever is larger; it stands in the middle. A
  * description that wasn't maximised plots in this way too. MDL_ERROR without an area. */
 MDL_EXPORT int mdlPlotDesc_maximize(MdlPlotDesc *descr);
-/* Plots the area of the active model: into the file `fileName`, or with null to the system printer of the plotter, or
- * without one to the file of its output name. A file is there complete or as it was before. 0, or MDL_ERROR with a line
- * in the message centre: no area, a folder that isn't there, a full disk, a printer that refuses. */
+/* Plots the area of the active model: into the file `fileName`, whatever its suffix, or with null to the system printer
+ * of the plotter (as PDF), or without one to the file of its output name. A file is there complete or as it was before.
+ * 0, or MDL_ERROR with a line in the message centre: no area, a folder that isn't there, a full disk, a printer that
+ * refuses. */
 MDL_EXPORT int mdlPlotDesc_plot(MdlPlotDesc *descr, const char *fileName);
 
 /* The name of the system printer; MDL_ERROR, with an empty text, when the plotter has none. */

@@ -27,4 +27,8 @@ struct Pen {
 // application data) and elements outside `range` are left out; `tolerance` is that of strokes, in UOR.
 void draw(const ElementDescr* ed, const Range3d* range, double tolerance, const Pen& pen);
 
+// The same for the elements of the active model that meet `range`, whose axes are those of the view; the pen gets them
+// in these axes. False when the model can't be read.
+bool drawModel(const Range3d& range, const RotMatrix& view, double tolerance, const Pen& pen);
+
 }  // namespace host

@@ -1,6 +1,4 @@
 // Pictures of descriptors and models as files.
-#include <unistd.h>
-
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -9,8 +7,8 @@
 #include <string_view>
 
 #include "host/mdl/model.h"
-#include "host/mdl/scan.h"
 #include "host/mdl/view.h"
+#include "host/picture/draft.h"
 #include "host/picture/sheet.h"
 #include "host/session/guard.h"
 #include "host/system/charset.h"
@@ -65,64 +63,6 @@ bool isUsable(const Range3d& r) {
     return isFinite(r.low) && isFinite(r.high) && r.low.x < r.high.x && r.low.y < r.high.y;
 }
 
-struct CriteriaHolder {
-    ScanCriteria* criteria = mdlScanCriteria_create();
-    ~CriteriaHolder() {
-        if (criteria) mdlScanCriteria_free(&criteria);
-    }
-};
-
-void drawAt(FilePos position, ModelRef* model, const Range3d& range, double tolerance, const Pen& pen) {
-    ElementDescr* ed = nullptr;
-    if (mdlElmdscr_read(&ed, position, model) == 0) return;
-    draw(ed, &range, tolerance, pen);
-    mdlElmdscr_freeAll(&ed);
-}
-
-// The elements of the active model that meet the range as seen from above.
-bool drawModel(const Range3d& range, double tolerance, const Pen& pen) {
-    ModelRef* model = mdlModelRef_getActive();
-    CriteriaHolder scan;
-    if (!scan.criteria) return false;
-    Range3d column = range;
-    column.low.z = -1e300, column.high.z = 1e300;
-    mdlScanCriteria_setModel(scan.criteria, model);
-    mdlScanCriteria_setRangeTest(scan.criteria, &column);
-    mdlScanCriteria_setReturnType(scan.criteria, 1, 0, 0);
-    std::array<FilePos, 1024> positions;
-    FilePos start = 0;
-    for (int status = MDL_SCAN_MORE; status == MDL_SCAN_MORE;) {
-        auto words = static_cast<int32_t>(sizeof positions / 2);
-        status = mdlScanCriteria_scan(scan.criteria, positions.data(), &words, &start);
-        if (status != MDL_SUCCESS && status != MDL_SCAN_MORE) return false;
-        for (int32_t i = 0; i < words / 2; ++i) drawAt(positions[static_cast<size_t>(i)], model, range, tolerance, pen);
-    }
-    return true;
-}
-
-// A file beside the one to be made, removed unless it has taken its place.
-class Draft {
-  public:
-    explicit Draft(const std::filesystem::path& target)
-        : target_(target), path_(target.string() + ".part" + std::to_string(getpid())) {}
-    ~Draft() {
-        std::error_code ignored;
-        if (!placed_) std::filesystem::remove(path_, ignored);
-    }
-    const std::string& path() const { return path_; }
-    bool place() {
-        std::error_code failed;
-        std::filesystem::rename(path_, target_, failed);
-        placed_ = !failed;
-        return placed_;
-    }
-
-  private:
-    std::filesystem::path target_;
-    std::string path_;
-    bool placed_ = false;
-};
-
 int writePicture(const std::string& path, const ElementDescr* ed, const Range3d* given, double widthMm, double dpi) {
     const auto kind = kindOf(path);
     if (!kind) return fail(path, "the name must end in .png, .svg or .pdf");
@@ -145,7 +85,7 @@ int writePicture(const std::string& path, const ElementDescr* ed, const Range3d*
     Sheet sheet(*kind, draft.path(), range, widthMm, dpi);
     if (ed)
         draw(ed, &range, sheet.tolerance(), sheet.pen());
-    else if (!drawModel(range, sheet.tolerance(), sheet.pen()))
+    else if (!drawModel(range, identityMatrix, sheet.tolerance(), sheet.pen()))
         return fail(path, "the model can't be read");
     if (const char* why = sheet.finish()) return fail(path, why);
     return draft.place() ? MDL_SUCCESS : fail(path, "no file of that name can be put there");

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 #include <span>
 
 #include "host/element/advances.h"
@@ -93,6 +94,21 @@ PaperColor paperColor(int32_t index) {
 }
 
 Sheet::Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi)
+    : Sheet(kind, path, range, widthMm, dpi, widthMm,
+            (range.high.y - range.low.y) * (widthMm / (range.high.x - range.low.x))) {}
+
+Sheet::Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi,
+             const Page& page)
+    : Sheet(kind, path, range, widthMm, dpi, page.widthMm, page.heightMm) {
+    const double heightMm = (range.high.y - range.low.y) * scale_;
+    cairo_translate(pen_.get(), page.left, page.turned ? page.top + widthMm : page.top);
+    if (page.turned) cairo_rotate(pen_.get(), -std::numbers::pi / 2);
+    cairo_rectangle(pen_.get(), 0, 0, widthMm, heightMm);
+    cairo_clip(pen_.get());
+}
+
+Sheet::Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi,
+             double pageWidth, double pageHeight)
     : kind_(kind),
       path_(path),
       range_(range),
@@ -100,7 +116,7 @@ Sheet::Sheet(PictureKind kind, const std::string& path, const Range3d& range, do
       precision_(kind == PictureKind::png ? 0.25 * mmPerInch / dpi : 0.02),
       surface_(nullptr, cairo_surface_destroy),
       pen_(nullptr, cairo_destroy) {
-    surface_.reset(makeSurface(kind, path, widthMm, (range.high.y - range.low.y) * scale_, dpi));
+    surface_.reset(makeSurface(kind, path, pageWidth, pageHeight, dpi));
     pen_.reset(cairo_create(surface_.get()));
     const double unit = kind == PictureKind::png ? dpi / mmPerInch : pointsOf(1);
     cairo_scale(pen_.get(), unit, unit);  // millimetres from here on, y still downwards

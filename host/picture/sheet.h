@@ -18,11 +18,21 @@ PaperColor paperColor(int32_t index);
 
 enum class PictureKind { png, svg, pdf };
 
+// A page of paper with a picture on it, which is cut off at its edges. Millimetres from the upper left corner.
+struct Page {
+    double widthMm, heightMm;
+    double left, top;     // where the picture begins
+    bool turned = false;  // by a quarter turn counter-clockwise
+};
+
 class Sheet {
   public:
     // The sheet shows `range`, seen from above, on widthMm of paper. SVG and PDF are written to `path` as they are
     // drawn.
     Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi);
+    // The same on a page.
+    Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi,
+          const Page& page);
 
     double tolerance() const;  // of strokes, in UOR: what the picture can't show
     Pen pen();
@@ -30,6 +40,8 @@ class Sheet {
     const char* finish();
 
   private:
+    Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi, double pageWidth,
+          double pageHeight);
     void line(const std::vector<Point3d>& points, const Look& look);
     void text(const TextView& text, const Look& look);
     void setDashes(const Look& look);

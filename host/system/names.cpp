@@ -42,18 +42,26 @@ bool isAbsolute(std::string_view name) {
     return !parts.device.empty() || parts.directory.starts_with('/') || parts.directory.starts_with('\\');
 }
 
+// The first thing that `find` makes of the entries of a variable, which are divided by semicolons.
+template <class Find>
+std::optional<std::string> firstAlong(const char* variable, Find find) {
+    const std::string entries = variable == nullptr ? "" : variables().expandedValue(variable).value_or("");
+    for (std::string_view left = entries; !left.empty();) {
+        const std::string_view entry = left.substr(0, left.find(';'));
+        left.remove_prefix(std::min(left.size(), entry.size() + 1));
+        if (entry.empty()) continue;
+        if (auto found = find(std::string(entry))) return found;
+    }
+    return std::nullopt;
+}
+
 std::optional<std::string> findAlong(const std::string& name, const char* searchVariable, std::string_view extension) {
     if (name.empty()) return std::nullopt;
     if (auto found = findWithExtension(name, extension)) return found;
-    if (searchVariable == nullptr || isAbsolute(name)) return std::nullopt;
-    const std::string folders = variables().expandedValue(searchVariable).value_or("");
-    for (std::string_view left = folders; !left.empty();) {
-        const std::string_view folder = left.substr(0, left.find(';'));
-        left.remove_prefix(std::min(left.size(), folder.size() + 1));
-        if (folder.empty()) continue;
-        if (auto found = findWithExtension(inFolder(std::string(folder), name), extension)) return found;
-    }
-    return std::nullopt;
+    if (isAbsolute(name)) return std::nullopt;
+    return firstAlong(searchVariable, [&](std::string folder) {
+        return findWithExtension(inFolder(std::move(folder), name), extension);
+    });
 }
 
 void copyPart(char* buffer, std::string_view part) {
@@ -103,8 +111,9 @@ using namespace host;
 
 int mdlFile_find(char* result, const char* name, const char* searchVariable, const char* defaultExtension) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (name == nullptr) return MDL_ERROR;
-        const std::optional<std::string> found = findAlong(name, searchVariable, textOf(defaultExtension));
+        const std::optional<std::string> found = name == nullptr
+                                                     ? firstAlong(searchVariable, fullNameOfFile)
+                                                     : findAlong(name, searchVariable, textOf(defaultExtension));
         if (!found || found->size() > longestHostName) return MDL_ERROR;
         copyPart(result, *found);
         return MDL_SUCCESS;

@@ -1,0 +1,3 @@
+# A plotter that writes PDF files, one for each page.
+output = pdf
+default = A4
