@@ -56,20 +56,20 @@ class DesignFile : public SessionTest {
 
 TEST_F(DesignFile, ClosesTheAttributeDialogAndBringsTheProjectDialogUpToDate) {
     MdlDesc *roads = start("Roads"), *rails = start("Rails");
+    ASSERT_EQ(mdlDialog_setAccessValue("mclibpd->pron", "E39"), MDL_SUCCESS);  // of the file before
     {
         const host::ApplicationScope scope(rails);
         ASSERT_NE(mdlDialog_open(0, ATTRIBUTE_DIALOG), nullptr);
         ASSERT_NE(mdlDialog_open(0, PROJECT_DIALOG), nullptr);
     }
-    ASSERT_EQ(mdlDialog_setAccessValue("mclibpd->pron", "E39"), MDL_SUCCESS);
     MdlDialog* project = mdlDialog_find(PROJECT_DIALOG, nullptr);
     const host::ApplicationScope scope(roads);
     mclibMain_newDesignFile(nullptr, 0);
     EXPECT_NE(mdlDialog_find(ATTRIBUTE_DIALOG, nullptr), nullptr);
-    EXPECT_STREQ(mdlDialog_itemGetValue(mdlDialog_itemGetByTypeAndId(project, ITEM_TEXT, OTHER_ITEM)), "");
+    EXPECT_STREQ(mdlDialog_itemGetValue(mdlDialog_itemGetByTypeAndId(project, ITEM_TEXT, OTHER_ITEM)), "E39");
     mclibMain_newDesignFile(nullptr, 1);
     EXPECT_EQ(mdlDialog_find(ATTRIBUTE_DIALOG, nullptr), nullptr);
-    EXPECT_STREQ(mdlDialog_itemGetValue(mdlDialog_itemGetByTypeAndId(project, ITEM_TEXT, OTHER_ITEM)), "E39");
+    EXPECT_STREQ(mdlDialog_itemGetValue(mdlDialog_itemGetByTypeAndId(project, ITEM_TEXT, OTHER_ITEM)), "");
 }
 
 TEST_F(DesignFile, LeavesTheActiveLineStyleAsItWas) {
