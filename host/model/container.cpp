@@ -8,8 +8,10 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <system_error>
 
 #include "host/model/digest.h"
+#include "host/model/new_file.h"
 #include "host/model/utf8.h"
 
 namespace host {
@@ -211,37 +213,14 @@ FileHead readHead(const std::string& path, FileKind kind) {
     return head;
 }
 
-std::string immutableName(const std::string& path) {
-    std::string name = "file:";
-    for (const char c : path) {
-        constexpr char hex[] = "0123456789ABCDEF";
-        if (c == '%' || c == '?' || c == '#') {
-            name += {'%', hex[c >> 4], hex[c & 15]};
-        } else {
-            name += c;
-        }
-    }
-    return name + "?immutable=1";
-}
-
-off_t sizeOf(const std::string& path) {
-    struct stat info;
-    return stat(path.c_str(), &info) == 0 ? info.st_size : 0;
-}
-
-bool folderCanBeWritten(const std::string& path) {
-    const std::string folder = path.substr(0, path.find_last_of('/') + 1) + ".";
-    return faccessat(AT_FDCWD, folder.c_str(), W_OK, AT_EACCESS) == 0;
-}
-
 // A database to read from. A file that was left in WAL mode needs its companion files, which can't be made in a folder
 // that can't be written; without a log that holds something the file by itself is whole. A session that was killed
 // while it changed the mode has left a journal, which only a database that may be written goes back by.
 void openForReading(Database& database, const std::string& path, const FileHead& head) {
-    if (headIsWal(head) && sizeOf(path + "-wal") == 0 && !folderCanBeWritten(path)) {
-        return database.open(immutableName(path), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    if (headIsWal(head) && fileSize(path + "-wal") == 0 && !folderCanBeWritten(path)) {
+        return database.openImmutable(path);
     }
-    database.open(path, sizeOf(path + "-journal") != 0 ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY);
+    database.open(path, fileSize(path + "-journal") != 0 ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY);
     database.run("PRAGMA busy_timeout=2000");
 }
 
@@ -343,27 +322,6 @@ void writeEmpty(const std::string& path, bool is3d, FileKind kind) {
     transaction.commit();
 }
 
-void waitForDisk(const std::string& path) {
-    const int file = open(path.c_str(), O_RDWR | O_CLOEXEC);
-    const bool stored = file >= 0 && fsync(file) == 0;
-    const std::string reason = systemReason(errno);
-    if (file >= 0) ::close(file);
-    if (!stored) throw FileProblem("it can't be made (" + reason + "). Give another name or folder.");
-}
-
-// Gives the new file its name, which nobody else has taken in the meantime.
-void giveName(const std::string& temporary, const std::string& path) {
-    if (link(temporary.c_str(), path.c_str()) == 0) {
-        unlink(temporary.c_str());
-        return;
-    }
-    const bool noLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS;
-    if (noLinks && access(path.c_str(), F_OK) != 0 && rename(temporary.c_str(), path.c_str()) == 0) return;
-    const std::string reason = systemReason(errno);
-    unlink(temporary.c_str());
-    throw FileProblem("it can't be made (" + reason + "). Give another name or folder.");
-}
-
 }  // namespace
 
 void createContainer(const std::string& path, bool is3d, FileKind kind) {
@@ -371,18 +329,16 @@ void createContainer(const std::string& path, bool is3d, FileKind kind) {
     if (lstat(path.c_str(), &there) == 0) throw FileProblem("a file of that name is there. Give another name.");
     // The log of a file that was removed would be taken for the new file's own.
     for (const char* companion : {"-wal", "-shm", "-journal"}) unlink((path + companion).c_str());
-    const std::string temporary = path + "." + std::to_string(getpid()) + ".new";
+    const std::string temporary = temporaryName(path);
     try {
         writeEmpty(temporary, is3d, kind);
-        waitForDisk(temporary);
+        publishFile(temporary, path);
     } catch (const SqliteFailure& failure) {
         unlink(temporary.c_str());
         throw FileProblem(sqliteReason(failure));
-    } catch (const FileProblem&) {
-        unlink(temporary.c_str());
-        throw;
+    } catch (const std::system_error& error) {
+        throw FileProblem("it can't be made (" + error.code().message() + "). Give another name or folder.");
     }
-    giveName(temporary, path);
 }
 
 void loadContainer(const std::string& path, ModelRef& model, FileKind kind) {

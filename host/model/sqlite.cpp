@@ -1,6 +1,20 @@
 #include "host/model/sqlite.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace host {
+
+int64_t fileSize(const std::string& path) {
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 ? info.st_size : 0;
+}
+
+bool folderCanBeWritten(const std::string& path) {
+    const std::string folder = path.substr(0, path.find_last_of('/') + 1) + ".";
+    return faccessat(AT_FDCWD, folder.c_str(), W_OK, AT_EACCESS) == 0;
+}
 
 void Database::open(const std::string& name, int flags) {
     const int result = sqlite3_open_v2(name.c_str(), &handle_, flags, nullptr);
@@ -8,6 +22,19 @@ void Database::open(const std::string& name, int flags) {
     const SqliteFailure failure(result & 0xFF, handle_ ? sqlite3_errmsg(handle_) : sqlite3_errstr(result));
     close();
     throw failure;
+}
+
+void Database::openImmutable(const std::string& path) {
+    std::string name = "file:";
+    for (const char c : path) {
+        constexpr char hex[] = "0123456789ABCDEF";
+        if (c == '%' || c == '?' || c == '#') {
+            name += {'%', hex[c >> 4], hex[c & 15]};
+        } else {
+            name += c;
+        }
+    }
+    open(name + "?immutable=1", SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
 }
 
 void Database::run(const std::string& sql) {

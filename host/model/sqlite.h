@@ -16,6 +16,11 @@ struct SqliteFailure : std::runtime_error {
     int code;  // SQLite's result code without the extended bits
 };
 
+// Size in bytes; 0 when there is no such file.
+int64_t fileSize(const std::string& path);
+// Whether companion files can be made beside `path`.
+bool folderCanBeWritten(const std::string& path);
+
 class Statement;
 
 class Database {
@@ -26,6 +31,8 @@ class Database {
     Database& operator=(const Database&) = delete;
 
     void open(const std::string& name, int flags);  // one that is closed
+    // One that nobody changes and that has no companion files, without leaving a trace beside it.
+    void openImmutable(const std::string& path);
     void run(const std::string& sql);
     int64_t number(const std::string& sql);  // the first value of the first row; 0 without one
     void close() noexcept;
@@ -52,7 +59,15 @@ class Statement {
         step();
         sqlite3_reset(handle_);
     }
-    bool step();  // true for a row
+    // Binds all parameters in order; step() then gives the rows from the first one on.
+    template <class... Values>
+    void begin(const Values&... values) {
+        reset();
+        int index = 0;
+        (bind(++index, values), ...);
+    }
+    bool step();                                       // true for a row
+    void reset() noexcept { sqlite3_reset(handle_); }  // gives up the rows that are left
 
     int64_t integer(int column) const { return sqlite3_column_int64(handle_, column); }
     double real(int column) const { return sqlite3_column_double(handle_, column); }

@@ -1,10 +1,10 @@
 #include "host/resource/container.h"
 
-#include <sqlite3.h>
-
 #include <filesystem>
-#include <memory>
+#include <span>
 #include <system_error>
+
+#include "host/model/sqlite.h"
 
 namespace host {
 
@@ -30,90 +30,44 @@ constexpr int32_t greatestIcon = 256;  // pixels a side
     throw ResourceError(path + ": " + why);
 }
 
-// What SQLite says, or what is wrong with the layouts; readers and writers make a ResourceError of it.
+// What is wrong with the layouts; readers make a ResourceError of it.
 struct Damage : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// A text to be stored as bytes of Windows-1252, not as UTF-8.
-struct Bytes {
-    const std::string& value;
-};
-
-class Statement {
-  public:
-    Statement(sqlite3* db, const std::string& sql) : db_(db) {
-        check(sqlite3_prepare_v2(db, sql.c_str(), -1, &handle_, nullptr));
-    }
-    ~Statement() { sqlite3_finalize(handle_); }
-    Statement(const Statement&) = delete;
-    Statement& operator=(const Statement&) = delete;
-
-    bool step() {
-        const int status = sqlite3_step(handle_);
-        if (status != SQLITE_ROW && status != SQLITE_DONE) throw Damage(sqlite3_errmsg(db_));
-        return status == SQLITE_ROW;
-    }
-    int32_t number(int column) { return sqlite3_column_int(handle_, column); }
-    std::string text(int column) {
-        const void* bytes = sqlite3_column_blob(handle_, column);
-        const auto size = static_cast<size_t>(sqlite3_column_bytes(handle_, column));
-        return bytes ? std::string(static_cast<const char*>(bytes), size) : std::string();
-    }
-
-    // Runs an insertion with these values.
-    template <class... Values>
-    void insert(const Values&... values) {
-        int place = 0;
-        (bind(++place, values), ...);
-        step();
-        check(sqlite3_reset(handle_));
-    }
-
-  private:
-    void bind(int place, int32_t value) { check(sqlite3_bind_int(handle_, place, value)); }
-    void bind(int place, const std::string& value) {
-        check(sqlite3_bind_text(handle_, place, value.data(), static_cast<int>(value.size()), SQLITE_TRANSIENT));
-    }
-    void bind(int place, const Bytes& bytes) {
-        check(sqlite3_bind_blob(handle_, place, bytes.value.data(), static_cast<int>(bytes.value.size()),
-                                SQLITE_TRANSIENT));
-    }
-    void check(int status) {
-        if (status != SQLITE_OK) throw Damage(sqlite3_errmsg(db_));
-    }
-
-    sqlite3* db_;
-    sqlite3_stmt* handle_ = nullptr;
-};
-
-struct CloseDatabase {
-    void operator()(sqlite3* db) const { sqlite3_close(db); }
-};
-using Database = std::unique_ptr<sqlite3, CloseDatabase>;
-
-Database openDatabase(const std::string& path, int flags) {
-    sqlite3* handle = nullptr;
-    const int status = sqlite3_open_v2(path.c_str(), &handle, flags, nullptr);
-    Database db(handle);
-    if (status != SQLITE_OK) throw Damage(db ? sqlite3_errmsg(db.get()) : "out of memory");
-    return db;
+// A text of the user's, as bytes of Windows-1252.
+std::span<const std::byte> bytesOf(const std::string& text) {
+    return std::as_bytes(std::span(text));
 }
 
-void execute(sqlite3* db, const std::string& sql) {
-    if (sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) throw Damage(sqlite3_errmsg(db));
+int32_t numberAt(const Statement& rows, int column) {
+    return static_cast<int32_t>(rows.integer(column));
 }
 
-int32_t pragma(sqlite3* db, const char* sql) {
-    Statement statement(db, sql);
-    return statement.step() ? statement.number(0) : 0;
+std::string textAt(const Statement& rows, int column) {
+    return std::string(rows.text(column));
+}
+
+std::string reasonOf(const SqliteFailure& failure) {
+    switch (failure.code) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED: return "another program is writing to the resource file; try again when it has ended";
+        case SQLITE_PERM:
+        case SQLITE_CANTOPEN:
+        case SQLITE_READONLY:
+            return "the resource file can't be opened (" + std::string(failure.what()) +
+                   "); check its permissions and those of its folder";
+        default:
+            return "the resource file is damaged (" + std::string(failure.what()) +
+                   "); use a copy of it, or make it again with mcrsc";
+    }
 }
 
 // ---- reading ----
 
-void readStrings(sqlite3* db, ResourceContents& contents) {
+void readStrings(Database& db, ResourceContents& contents) {
     Statement rows(db, "SELECT list, number, language, text FROM string");
-    while (rows.step()) contents.strings[{rows.number(0), rows.number(1)}].set(rows.text(2), rows.text(3));
+    while (rows.step()) contents.strings[{numberAt(rows, 0), numberAt(rows, 1)}].set(textAt(rows, 2), textAt(rows, 3));
 }
 
 // Items and rows come in order, so that each one's place is the count of those before it; a gap is damage.
@@ -121,47 +75,48 @@ void requirePlace(size_t expected, int32_t place) {
     if (place < 0 || static_cast<size_t>(place) != expected) throw Damage("a dialog layout has gaps");
 }
 
-void readDialogs(sqlite3* db, int32_t version, ResourceContents& contents) {
+void readDialogs(Database& db, int32_t version, ResourceContents& contents) {
     auto& dialogs = contents.dialogs;
     Statement boxes(db, "SELECT id, width, height, hook FROM dialog");
     while (boxes.step())
-        dialogs[boxes.number(0)] = {boxes.number(0), boxes.number(1), boxes.number(2), boxes.number(3), {}, {}};
+        dialogs[numberAt(boxes, 0)] = {
+            numberAt(boxes, 0), numberAt(boxes, 1), numberAt(boxes, 2), numberAt(boxes, 3), {}, {}};
 
     const std::string box = version >= 2 ? "box" : "0";
     Statement items(db, "SELECT dialog, place, kind, id, x, y, width, height, hook, access, format, " + box +
                             " FROM item ORDER BY dialog, place");
     while (items.step()) {
-        auto& all = dialogs.at(items.number(0)).items;
-        requirePlace(all.size(), items.number(1));
-        const auto n = [&](int column) { return items.number(column); };
-        all.push_back({n(2), n(3), n(4), n(5), n(6), n(7), n(8), items.text(9), items.text(10), {}, {}, n(11)});
+        auto& all = dialogs.at(numberAt(items, 0)).items;
+        requirePlace(all.size(), numberAt(items, 1));
+        const auto n = [&](int column) { return numberAt(items, column); };
+        all.push_back({n(2), n(3), n(4), n(5), n(6), n(7), n(8), textAt(items, 9), textAt(items, 10), {}, {}, n(11)});
     }
 
     Statement rows(db, "SELECT dialog, place, number, value FROM row ORDER BY dialog, place, number");
     while (rows.step()) {
-        auto& all = dialogs.at(rows.number(0)).items.at(static_cast<size_t>(rows.number(1))).rows;
-        requirePlace(all.size(), rows.number(2));
-        all.push_back({rows.number(3), {}});
+        auto& all = dialogs.at(numberAt(rows, 0)).items.at(static_cast<size_t>(numberAt(rows, 1))).rows;
+        requirePlace(all.size(), numberAt(rows, 2));
+        all.push_back({numberAt(rows, 3), {}});
     }
 
     Statement labels(db, "SELECT dialog, place, number, language, text FROM label");
     while (labels.step()) {
-        DialogLayout& dialog = dialogs.at(labels.number(0));
+        DialogLayout& dialog = dialogs.at(numberAt(labels, 0));
         Texts* texts = &dialog.title;
-        if (labels.number(1) != ownText) {
-            ItemLayout& item = dialog.items.at(static_cast<size_t>(labels.number(1)));
+        if (numberAt(labels, 1) != ownText) {
+            ItemLayout& item = dialog.items.at(static_cast<size_t>(numberAt(labels, 1)));
             texts = &item.label;
-            if (labels.number(2) != ownText) texts = &item.rows.at(static_cast<size_t>(labels.number(2))).label;
+            if (numberAt(labels, 2) != ownText) texts = &item.rows.at(static_cast<size_t>(numberAt(labels, 2))).label;
         }
-        texts->set(labels.text(3), labels.text(4));
+        texts->set(textAt(labels, 3), textAt(labels, 4));
     }
 }
 
-void readIcons(sqlite3* db, ResourceContents& contents) {
+void readIcons(Database& db, ResourceContents& contents) {
     Statement rows(db, "SELECT id, size, pixels, sign FROM icon");
     while (rows.step()) {
-        Icon icon{rows.number(0), rows.number(1), {}, rows.text(3)};
-        const std::string pixels = rows.text(2);
+        Icon icon{numberAt(rows, 0), numberAt(rows, 1), {}, textAt(rows, 3)};
+        const std::string pixels = textAt(rows, 2);
         const auto size = static_cast<size_t>(icon.size);
         if (icon.size < 0 || icon.size > greatestIcon || pixels.size() != size * size)
             throw Damage("an icon has not as many pixels as its size tells");
@@ -170,7 +125,7 @@ void readIcons(sqlite3* db, ResourceContents& contents) {
     }
 }
 
-void requireSound(sqlite3* db) {
+void requireSound(Database& db) {
     Statement check(db, "PRAGMA quick_check(1)");
     if (!check.step() || check.text(0) != "ok") throw Damage("its pages don't fit together");
 }
@@ -178,25 +133,25 @@ void requireSound(sqlite3* db) {
 // ---- writing ----
 
 void writeTexts(Statement& insertion, int32_t dialog, int32_t place, int32_t number, const Texts& texts) {
-    for (const auto& [language, text] : texts.all()) insertion.insert(dialog, place, number, language, Bytes{text});
+    for (const auto& [language, text] : texts.all()) insertion.execute(dialog, place, number, language, bytesOf(text));
 }
 
-void writeDialogs(sqlite3* db, const ResourceContents& contents) {
+void writeDialogs(Database& db, const ResourceContents& contents) {
     Statement boxes(db, "INSERT INTO dialog VALUES(?,?,?,?)");
     Statement items(db, "INSERT INTO item VALUES(?,?,?,?,?,?,?,?,?,?,?,?)");
     Statement rows(db, "INSERT INTO row VALUES(?,?,?,?)");
     Statement labels(db, "INSERT INTO label VALUES(?,?,?,?,?)");
     for (const auto& [id, dialog] : contents.dialogs) {
-        boxes.insert(id, dialog.width, dialog.height, dialog.hook);
+        boxes.execute(id, dialog.width, dialog.height, dialog.hook);
         writeTexts(labels, id, ownText, ownText, dialog.title);
         int32_t place = 0;
         for (const ItemLayout& item : dialog.items) {
-            items.insert(id, place, item.kind, item.id, item.x, item.y, item.width, item.height, item.hook, item.access,
-                         item.format, item.group);
+            items.execute(id, place, item.kind, item.id, item.x, item.y, item.width, item.height, item.hook,
+                          item.access, item.format, item.group);
             writeTexts(labels, id, place, ownText, item.label);
             int32_t number = 0;
             for (const RowLayout& row : item.rows) {
-                rows.insert(id, place, number, row.value);
+                rows.execute(id, place, number, row.value);
                 writeTexts(labels, id, place, number++, row.label);
             }
             ++place;
@@ -204,31 +159,41 @@ void writeDialogs(sqlite3* db, const ResourceContents& contents) {
     }
 }
 
-void writeStrings(sqlite3* db, const ResourceContents& contents) {
+void writeStrings(Database& db, const ResourceContents& contents) {
     Statement strings(db, "INSERT INTO string VALUES(?,?,?,?)");
     for (const auto& [key, texts] : contents.strings)
-        for (const auto& [language, text] : texts.all()) strings.insert(key.first, key.second, language, Bytes{text});
+        for (const auto& [language, text] : texts.all())
+            strings.execute(key.first, key.second, language, bytesOf(text));
 }
 
-void writeIcons(sqlite3* db, const ResourceContents& contents) {
+void writeIcons(Database& db, const ResourceContents& contents) {
     Statement icons(db, "INSERT INTO icon VALUES(?,?,?,?)");
     for (const auto& [id, icon] : contents.icons) {
         std::string pixels;
         for (const bool drawn : icon.pixels) pixels.push_back(drawn ? '#' : '.');
-        icons.insert(id, icon.size, pixels, icon.sign);
+        icons.execute(id, icon.size, pixels, icon.sign);
     }
 }
 
 void writeAll(const std::string& path, const ResourceContents& contents) {
-    const Database db = openDatabase(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-    execute(db.get(), "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA application_id = " +
-                          std::to_string(containerKind) +
-                          "; PRAGMA user_version = " + std::to_string(containerVersion) + "; BEGIN");
-    execute(db.get(), schema);
-    writeStrings(db.get(), contents);
-    writeDialogs(db.get(), contents);
-    writeIcons(db.get(), contents);
-    execute(db.get(), "COMMIT");
+    Database db;
+    db.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    db.run("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA application_id = " +
+           std::to_string(containerKind) + "; PRAGMA user_version = " + std::to_string(containerVersion));
+    Transaction transaction(db);
+    db.run(schema);
+    writeStrings(db, contents);
+    writeDialogs(db, contents);
+    writeIcons(db, contents);
+    transaction.commit();
+}
+
+int32_t readVersion(Database& db, const std::string& path) {
+    if (db.number("PRAGMA application_id") != containerKind)
+        refuse(path, "this is no resource file; give the name of one (.rsc)");
+    const int64_t version = db.number("PRAGMA user_version");
+    if (version > containerVersion) refuse(path, "this resource file is of a newer make; open it with that version");
+    return static_cast<int32_t>(version);
 }
 
 }  // namespace
@@ -245,22 +210,37 @@ const std::string& Texts::textIn(std::string_view language) const {
     return text ? *text : none;
 }
 
+void openResourceDatabase(Database& db, const std::string& path) {
+    // A database that may be written can go back to what stood before a process was killed. A file that can't be
+    // written is opened for reading alone; one that was left with a log wants a new index beside it, which a folder
+    // that can't be written doesn't take, and is whole by itself when the log is gone.
+    db.open(path, SQLITE_OPEN_READWRITE);
+    db.run("PRAGMA busy_timeout = 5000");
+    try {
+        db.number("PRAGMA schema_version");
+    } catch (const SqliteFailure&) {
+        if (folderCanBeWritten(path) || fileSize(path + "-wal") != 0) throw;
+        db.close();
+        db.openImmutable(path);
+    }
+}
+
 ResourceContents readContainer(const std::string& path) {
     try {
-        const Database db = openDatabase(path, SQLITE_OPEN_READONLY);
-        if (pragma(db.get(), "PRAGMA application_id") != containerKind)
-            refuse(path, "this is no resource file; make one with mcrsc");
-        const int32_t version = pragma(db.get(), "PRAGMA user_version");
-        if (version > containerVersion)
-            refuse(path, "this resource file is of a newer make; make it again with this version's mcrsc");
-        requireSound(db.get());
+        Database db;
+        openResourceDatabase(db, path);
+        const int32_t version = readVersion(db, path);
+        requireSound(db);
         ResourceContents contents;
-        readStrings(db.get(), contents);
-        readDialogs(db.get(), version, contents);
-        readIcons(db.get(), contents);
+        readStrings(db, contents);
+        readDialogs(db, version, contents);
+        readIcons(db, contents);
         return contents;
+    } catch (const SqliteFailure& failure) {
+        if (failure.code == SQLITE_NOTADB) refuse(path, "this is no resource file; give the name of one (.rsc)");
+        refuse(path, reasonOf(failure));
     } catch (const Damage& damage) {
-        refuse(path, "the resource file can't be read (" + std::string(damage.what()) + "); make it again with mcrsc");
+        refuse(path, "the resource file is damaged (" + std::string(damage.what()) + "); make it again with mcrsc");
     } catch (const std::out_of_range&) {
         refuse(path, "the resource file is damaged (a layout lacks parts); make it again with mcrsc");
     }

@@ -87,6 +87,11 @@ struct ResourceError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+class Database;  // host/model/sqlite.h
+
+// Opens the file as a database, for reading what is stored in it. Throws SqliteFailure.
+void openResourceDatabase(Database& database, const std::string& path);
+
 HOST_EXPORT ResourceContents readContainer(const std::string& path);
 // Writes a new file in place of any at `path`, whole or not at all.
 HOST_EXPORT void writeContainer(const std::string& path, const ResourceContents& contents);

@@ -12,6 +12,8 @@
 #include "host/mdl/files.h"
 #include "host/mdl/resource.h"
 #include "host/mdl/system.h"
+#include "host/model/sqlite.h"
+#include "host/resource/store.h"
 #include "host/session/guard.h"
 #include "host/session/session.h"
 #include "host/system/paths.h"
@@ -37,6 +39,8 @@ struct OpenFile {
     MdlDesc* owner;  // null: opened outside any application
     FileStamp stamp;
     SharedContents contents;
+    int mode;
+    std::unique_ptr<ResourceStore> store;
 };
 
 // Lives for the process; an application's files leave it when they are closed or the application ends, others with the
@@ -92,23 +96,25 @@ std::string sharedFile() {
     return named.empty() ? named : systemPath(named);
 }
 
-// The file of that name, which is made when it isn't there and is to be written; empty when there is none.
-std::string namedFile(const char* name, int mode) {
+// The file of that name; empty when there is none.
+std::string namedFile(const char* name) {
     char found[256];
-    if (mdlFile_find(found, name, nullptr, "rsc") == MDL_SUCCESS) return systemPath(found);
-    if (mode != MDL_RSC_WRITE || *name == '\0') return {};
-    const std::string path = systemPath(name);
-    writeContainer(path, {});
-    return path;
+    return mdlFile_find(found, name, nullptr, "rsc") == MDL_SUCCESS ? systemPath(found) : std::string();
+}
+
+// The folder too, which takes the log of what is written.
+bool canBeWritten(const std::string& path) {
+    return access(path.c_str(), W_OK) == 0 && folderCanBeWritten(path);
 }
 
 RscHandle openFile(const std::string& path, int mode) {
     const std::optional<FileStamp> stamp = stampOf(path);
-    if (!stamp || (mode == MDL_RSC_WRITE && access(path.c_str(), W_OK) != 0)) return 0;
+    if (!stamp || (mode == MDL_RSC_WRITE && !canBeWritten(path))) return 0;
     SharedContents contents = contentsOf(path, *stamp);
     watchApplications();
     const RscHandle handle = openFiles().lastHandle + 1;
-    openFiles().files.push_back({handle, mdlSystem_getCurrMdlDesc(), *stamp, std::move(contents)});
+    openFiles().files.push_back(
+        {handle, mdlSystem_getCurrMdlDesc(), *stamp, std::move(contents), mode, std::make_unique<ResourceStore>(path)});
     return openFiles().lastHandle = handle;
 }
 
@@ -131,7 +137,7 @@ RscHandle openOwnFile(int mode) {
 }
 
 RscHandle openNamedFile(const char* name, int mode) {
-    const std::string path = namedFile(name, mode);
+    const std::string path = namedFile(name);
     return path.empty() ? 0 : openFile(path, mode);
 }
 
@@ -178,6 +184,15 @@ std::shared_ptr<const DialogLayout> findDialogLayout(RscHandle file, int32_t dia
 
 std::shared_ptr<const Icon> findIcon(RscHandle file, int32_t iconId) {
     return find(file, &ResourceContents::icons, iconId);
+}
+
+std::vector<OpenStore> openStores(RscHandle handle) {
+    std::vector<OpenStore> stores;
+    search(handle, [&](const OpenFile& file) -> const OpenFile* {
+        stores.push_back({file.handle, file.mode, file.store.get()});
+        return nullptr;
+    });
+    return stores;
 }
 
 }  // namespace host

@@ -4,9 +4,11 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/mdl/types.h"
 #include "host/resource/container.h"
+#include "host/resource/store.h"
 
 namespace host {
 
@@ -16,5 +18,14 @@ std::string currentLanguage();
 // What such a file holds under the id, kept alive with its file; null when there is none.
 std::shared_ptr<const DialogLayout> findDialogLayout(RscHandle file, int32_t dialogId);
 std::shared_ptr<const Icon> findIcon(RscHandle file, int32_t iconId);
+
+// What applications keep in an open file; lives until the file is closed.
+struct OpenStore {
+    RscHandle file;
+    int mode;  // MDL_RSC_...
+    ResourceStore* store;
+};
+// The store of that handle, or all in order of search.
+std::vector<OpenStore> openStores(RscHandle file);
 
 }  // namespace host

@@ -1,22 +1,11 @@
 // String lists: texts with info fields, in one growing sequence that gives up its first member cheaply.
 #include <algorithm>
-#include <deque>
 #include <memory>
-#include <string>
 
-#include "host/mdl/lists.h"
+#include "host/resource/string_list.h"
 #include "host/session/guard.h"
 
-struct StringList {
-    int32_t infoFields;
-    int32_t limit;
-    std::deque<std::string> texts;
-    std::deque<int32_t> info;  // infoFields values for each text
-};
-
 namespace {
-
-constexpr int32_t greatestLimit = 65535;
 
 int32_t sizeOf(const StringList& list) {
     return static_cast<int32_t>(list.texts.size());

@@ -18,14 +18,10 @@ fs::path preferenceFile() {
     return named.empty() ? userDataFolder() / "user.rsc" : fs::path(systemPath(named));
 }
 
-// Opening for writing makes the file.
 void makeFile(const fs::path& path) {
-    std::error_code ignored;  // what fails here fails again when the file is opened
+    std::error_code ignored;  // what fails here fails again when the file is made
     fs::create_directories(path.parent_path(), ignored);
-    RscHandle handle = 0;
-    if (mdlResource_openFile(&handle, hostName(path.string()).c_str(), MDL_RSC_WRITE) == MDL_SUCCESS) {
-        mdlResource_closeFile(handle);
-    }
+    mdlResource_createFile(hostName(path.string()).c_str(), "Preferences", MDL_RSC_WRITE);
 }
 
 }  // namespace
