@@ -18,6 +18,7 @@
 #include "host/session/keyin.h"
 #include "host/session/session.h"
 #include "host/system/charset.h"
+#include "host/system/open.h"
 #include "host/system/paths.h"
 
 namespace {
@@ -194,10 +195,17 @@ bool serve(host::Session& session) {
     return true;
 }
 
-// Key-ins are commands of a drawing program around the session; mchost has none to carry them out.
-void tellKeyIns() {
+// "% TEXT" hands the text to the operating system. Other key-ins are commands of a drawing program around the session;
+// mchost has none to carry them out.
+bool carryOut(const host::KeyIn& keyIn) {
+    constexpr std::string_view toSystem = "% ";
+    return keyIn.task.empty() && keyIn.text.starts_with(toSystem) &&
+           host::handToSystem(std::string_view(keyIn.text).substr(toSystem.size()));
+}
+
+void carryOutKeyIns() {
     for (const host::KeyIn& keyIn : host::keyInQueue()) {
-        tell("not carried out, do it by hand: " + host::utf8FromNarrow(keyIn.text));
+        if (!carryOut(keyIn)) tell("not carried out, do it by hand: " + host::utf8FromNarrow(keyIn.text));
     }
 }
 
@@ -219,7 +227,7 @@ int work(const Options& options) {
     host::Session session({.frontEnd = std::move(frontEnd)});
     const bool done = configure(options) && run(session, options) && serve(session);
     session.finish();
-    tellKeyIns();
+    carryOutKeyIns();
     const bool written = isWritten(stdout);
     if (!done || !written) return statusFailed;
     const int status = session.exitStatus();  // an application may find its own arguments wrong
