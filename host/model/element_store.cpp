@@ -40,7 +40,7 @@ bool nodesAreSound(const RecordHead* record) {
 
 }  // namespace
 
-ElementStore::ElementStore() : records_(1), keys_(1) {}
+ElementStore::ElementStore() : records_(1), keys_(1), typeBits_(1) {}
 
 uint64_t ElementStore::unitBytes(std::span<const StoredNode> unit) {
     uint64_t bytes = 0;
@@ -52,6 +52,7 @@ FilePos ElementStore::add(std::span<const StoredNode> unit) {
     const FilePos position = nextPosition();
     if (records_.capacity() == position) records_.reserve(2 * records_.size());
     if (keys_.capacity() == position) keys_.reserve(2 * keys_.size());
+    if (position / positionsOfBits == typeBits_.size()) typeBits_.push_back(0);
     const RecordHead* record = append(position, unit, static_cast<uint32_t>(unitBytes(unit)));
     records_.push_back(nullptr);
     keys_.emplace_back();
@@ -121,12 +122,14 @@ void ElementStore::setKey(FilePos position, const RecordHead* record) {
     const ElementHead& head = elementBehind(reinterpret_cast<const NodeHead*>(record + 1))->head;
     liveCount_ += !keys_[position].live;
     records_[position] = record;
+    typeBits_[position / positionsOfBits] |= typeBit(head.type);
     keys_[position] = {head.level, head.type, static_cast<uint8_t>(head.properties & MDL_PROP_CLASS), true};
 }
 
 void ElementStore::reservePositions(uint32_t nextPosition) {
     records_.resize(nextPosition);
     keys_.resize(nextPosition);
+    typeBits_.resize((nextPosition - 1) / positionsOfBits + 1);
 }
 
 ElementStore::Chunk& ElementStore::appendChunk(uint32_t capacity) {

@@ -43,6 +43,12 @@ struct ElementKey {
 };
 static_assert(sizeof(ElementKey) == 8);
 
+// A bit for each type that elements have; types above 60 share theirs with lower ones.
+constexpr uint64_t typeBit(uint16_t type) {
+    return uint64_t{1} << type % 61;
+}
+static_assert(typeBit(MDL_APPLICATION_DATA) == 1 << 5, "a type that none of the host's other types shares");
+
 inline uint32_t elementBytes(const MSElementBuffer* element) {
     return 2 * element->head.size;
 }
@@ -89,6 +95,9 @@ class ElementStore {
     const RecordHead* record(FilePos position) const { return records_[position]; }  // of a live element
 
     std::span<const ElementKey> keys() const { return keys_; }  // by position; the first one is no element
+    // The bits of all types that elements at 64 positions, from a multiple of 64 on, have or had.
+    static constexpr uint32_t positionsOfBits = 64;
+    uint64_t typeBitsAt(FilePos position) const { return typeBits_[position / positionsOfBits]; }
     uint32_t liveCount() const { return liveCount_; }
     uint64_t removals() const { return removals_; }  // how often an element was removed so far
     uint32_t nextPosition() const { return static_cast<uint32_t>(keys_.size()); }
@@ -118,6 +127,7 @@ class ElementStore {
     std::vector<Chunk> chunks_;
     std::vector<const RecordHead*> records_;  // by position; the last one with nodes
     std::vector<ElementKey> keys_;            // by position
+    std::vector<uint64_t> typeBits_;          // by position / positionsOfBits
     uint32_t liveCount_ = 0;
     uint64_t removals_ = 0;
     uint64_t wasteBytes_ = 0;

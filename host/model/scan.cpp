@@ -77,11 +77,24 @@ void findInWindow(const ScanCriteria& criteria, ModelRef& model, std::vector<Fil
     std::erase_if(found, [&](FilePos position) { return !passes(criteria, keys[position]); });
 }
 
+uint64_t wantedTypes(const ScanCriteria& criteria) {
+    uint64_t bits = criteria.types.empty() ? ~uint64_t{0} : 0;
+    for (const uint16_t type : criteria.types) bits |= typeBit(type);
+    return bits;
+}
+
+// Passes over runs of positions without an element of the types that are asked for.
 void findAnywhere(const ScanCriteria& criteria, const ModelRef& model, std::vector<FilePos>& found) {
     const std::span<const ElementKey> keys = model.elements.keys();
+    const uint64_t wanted = wantedTypes(criteria);
+    constexpr size_t run = ElementStore::positionsOfBits;
     if (takesAll(criteria)) found.reserve(model.elements.liveCount());
-    for (FilePos position = 1; position < keys.size(); ++position) {
-        if (passes(criteria, keys[position])) found.push_back(position);
+    for (size_t first = 0; first < keys.size(); first += run) {
+        if ((model.elements.typeBitsAt(static_cast<FilePos>(first)) & wanted) == 0) continue;
+        const size_t end = std::min(first + run, keys.size());
+        for (size_t position = first; position < end; ++position) {
+            if (passes(criteria, keys[position])) found.push_back(static_cast<FilePos>(position));
+        }
     }
 }
 

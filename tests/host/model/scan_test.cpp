@@ -108,6 +108,35 @@ TEST_F(Scans, KindsOfTestsMustAllPass) {
     }
 }
 
+TEST_F(Scans, RareTypeIsFoundWhereverItStandsAndWhateverHappensToIt) {
+    const auto withType = [](uint16_t type) {
+        MSElementBuffer* element = numbered(0);
+        element->head.type = type;
+        return element;
+    };
+    const auto rare = [] {
+        ScanHandle scan;
+        mdlScanCriteria_addSingleElementTypeTest(scan, MDL_APPLICATION_DATA);
+        return scan.all();
+    };
+    std::vector<FilePos> expected;
+    for (uint32_t i = 1; i <= 1000; ++i) {
+        const bool isRare = i == 63 || i == 64 || i == 128 || i == 700;
+        const FilePos position = mdlElement_add(withType(isRare ? MDL_APPLICATION_DATA : MDL_LINE));
+        if (isRare) expected.push_back(position);
+    }
+    EXPECT_EQ(rare(), expected);
+    mdlElement_undoableDelete(nullptr, 700, 0);
+    mdlElement_rewrite(withType(MDL_LINE), 64);
+    mdlElement_rewrite(withType(MDL_APPLICATION_DATA), 500);
+    EXPECT_EQ(rare(), (std::vector<FilePos>{63, 128, 500}));
+    mdlUndo_lastDelete();
+    EXPECT_EQ(rare(), (std::vector<FilePos>{63, 128, 500, 700}));
+    mdlElement_undoableDelete(nullptr, 1000, 0);
+    ASSERT_EQ(mdlSystem_newDesignFile(path("a.mcd").c_str(), 0), MDL_SUCCESS);
+    EXPECT_EQ(rare(), (std::vector<FilePos>{63, 128, 500, 700}));
+}
+
 // A model in two ways: the design file, and a plain map of boxes that is searched one by one.
 class SearchedModel {
   public:
