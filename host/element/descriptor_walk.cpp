@@ -1,5 +1,4 @@
-// Going through a descriptor: calls for each element, range, transform, strokes, changes.
-#include <memory>
+// Going through a descriptor: calls for each element, range, transform, strokes.
 #include <vector>
 
 #include "host/element/descriptor.h"
@@ -105,71 +104,6 @@ bool strokeComponents(std::vector<Point3d>& points, const ElementDescr* header, 
     return !points.empty();
 }
 
-// The run of a modification over a descriptor.
-struct Modification {
-    ModelRef* model;
-    MdlModifyFunction function;
-    void* userArg;
-    std::unique_ptr<MSElementBuffer> scratch = std::make_unique<MSElementBuffer>();
-    int changes = 0;
-};
-
-ElementDescr* lastOf(ElementDescr* ed) {
-    while (ed->next) ed = ed->next;
-    return ed;
-}
-
-// Puts the chain `by` in the place of the node, which is freed.
-void replaceNode(ElementDescr* node, ElementDescr* by) {
-    ElementDescr *last = lastOf(by), *header = node->parent, *before = node->previous, *behind = node->next;
-    unlinkNode(node);
-    for (ElementDescr* part = by; part; part = part->next) part->parent = header;
-    by->previous = before;
-    last->next = behind;
-    if (before) before->next = by;
-    if (behind) behind->previous = last;
-    if (header && !before) header->firstChild = by;
-    if (header && !behind) header->lastChild = last;
-    mdlElmdscr_freeAll(&node);
-}
-
-// Asks the function about one element and does what it answers. The result is what stands in the node's place: the
-// node, the first of the new ones, or null.
-ElementDescr* modifyNode(Modification& run, ElementDescr* node) {
-    ElementDescr* replacement = nullptr;
-    mdlElement_memcpy(run.scratch.get(), node->element);
-    switch (run.function(run.scratch.get(), run.userArg, run.model, node, &replacement)) {
-        case MDL_MODIFY_CHANGED:
-            if (setNodeElement(node, run.scratch.get())) ++run.changes;
-            return node;
-        case MDL_MODIFY_REMOVE:
-            unlinkNode(node);
-            mdlElmdscr_freeAll(&node);
-            ++run.changes;
-            return nullptr;
-        case MDL_MODIFY_REPLACE_DESCR:
-            if (!replacement || replacement == node) return node;
-            replaceNode(node, replacement);
-            ++run.changes;
-            return replacement;
-        default: return node;
-    }
-}
-
-// The chain after the run; its first node may be another, and is null when nothing is left.
-ElementDescr* modifyChain(Modification& run, ElementDescr* first) {
-    for (ElementDescr *ed = first, *next; ed; ed = next) {
-        next = ed->next;
-        if (isHeaderType(headOf(ed->element).type)) {
-            modifyChain(run, ed->firstChild);
-            continue;
-        }
-        ElementDescr* now = modifyNode(run, ed);
-        if (ed == first) first = now ? now : next;
-    }
-    return first;
-}
-
 }  // namespace
 
 bool strokeNode(std::vector<Point3d>& points, const ElementDescr* node, double tolerance, const Transform& transform) {
@@ -197,6 +131,11 @@ int mdlElmdscr_validate(ElementDescr* ed, ModelRef*) {
     return MDL_SUCCESS;
 }
 
+int mdlCell_setRange(ElementDescr* cell, ModelRef* model) {
+    if (!cell || headOf(cell->element).type != MDL_CELL_HEADER) return MDL_ERROR;
+    return mdlElmdscr_validate(cell, model);
+}
+
 int mdlElmdscr_computeRange(Point3d* low, Point3d* high, const ElementDescr* ed, const Transform* transform) {
     RangeBuilder all;
     addRange(all, ed, transform);
@@ -218,14 +157,5 @@ int mdlElmdscr_stroke(Point3d** pointsP, int32_t* countP, const ElementDescr* ed
         std::vector<Point3d> points;
         if (!strokeNode(points, ed, tolerance, currentFromWorld())) return MDL_ERROR;
         return givePoints(pointsP, countP, points);
-    });
-}
-
-int mdlModify_elementDescr2(ElementDescr** edPP, ModelRef* model, MdlModifyFunction f, void* userArg) {
-    if (!edPP || !*edPP || !f) return 0;
-    return guarded<int>(0, [&] {
-        Modification run{model, f, userArg};
-        *edPP = modifyChain(run, *edPP);
-        return run.changes;
     });
 }

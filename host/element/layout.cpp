@@ -73,6 +73,12 @@ std::optional<TextView> textOf(const MSElementBuffer* element) {
     return TextView{*body, element->bytes + headBytes + sizeof *body};
 }
 
+std::optional<TextBody> textNodeOf(const MSElementBuffer* element) {
+    if (headOf(element).type != MDL_TEXT_NODE) return {};
+    const auto node = bodyOf<TextNodeBody>(element, bodyBytes(element));
+    return node ? std::optional(node->lines) : std::nullopt;
+}
+
 std::optional<CurveView> curveOf(const MSElementBuffer* element) {
     if (headOf(element).type != MDL_BSPLINE) return {};
     const size_t available = bodyBytes(element);
@@ -108,6 +114,14 @@ PointRuns pointRunsOf(const MSElementBuffer* element) {
                 return {{{headBytes + offsetof(TextBody, origin), 1, false},
                          {headBytes + offsetof(TextBody, widthAxis), 2, true}},
                         2};
+            break;
+        case MDL_TEXT_NODE:
+            if (textNodeOf(element)) {
+                constexpr size_t atLines = headBytes + offsetof(TextNodeBody, lines);
+                return {{{atLines + offsetof(TextBody, origin), 1, false},
+                         {atLines + offsetof(TextBody, widthAxis), 2, true}},
+                        2};
+            }
             break;
         case MDL_BSPLINE:
             if (const auto curve = curveOf(element))

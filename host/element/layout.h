@@ -10,6 +10,7 @@
 #include <span>
 
 #include "host/mdl/element.h"
+#include "host/mdl/text.h"
 
 namespace host {
 
@@ -49,7 +50,7 @@ struct TextBody {
     Point3d origin, widthAxis, heightAxis;  // the place of the justification; a character's width and height as vectors
 };
 static_assert(sizeof(TextBody) == 112);
-constexpr uint32_t maxTextCharacters = 255;
+constexpr uint32_t maxTextCharacters = MDL_TEXT_CHARACTERS;
 
 // B-spline (27): this, then the poles, poleCount + order knots and, when rational, a weight for each pole.
 struct CurveBody {
@@ -62,6 +63,13 @@ struct ComplexBody {
     uint32_t count, zero;
 };
 static_assert(sizeof(ComplexBody) == 8);
+
+// Text node: how its lines are made lies behind the number of components; its own count of characters is 0.
+struct TextNodeBody {
+    ComplexBody complex;
+    TextBody lines;
+};
+static_assert(sizeof(TextNodeBody) == 120);
 
 // Cell header (2). Other programs put the origin back by its place in the element: byte 232 in 3D, byte 176 in 2D.
 struct CellBody3d {
@@ -139,6 +147,8 @@ struct TextView {
     const uint8_t* characters;
 };
 std::optional<TextView> textOf(const MSElementBuffer* element);
+
+std::optional<TextBody> textNodeOf(const MSElementBuffer* element);
 
 struct CurveView {
     CurveBody body;

@@ -1,12 +1,16 @@
 // Text elements and their measures.
 #include "host/element/text.h"
 
+#include <algorithm>
 #include <cwchar>
+#include <span>
+#include <vector>
 
 #include "host/element/advances.h"
 #include "host/element/build.h"
 #include "host/mdl/system.h"
 #include "host/mdl/text.h"
+#include "host/session/guard.h"
 #include "host/system/charset.h"
 
 namespace host {
@@ -108,12 +112,77 @@ TextParams paramsOf(const TextBody& body) {
             body.spacing * length(body.heightAxis)};
 }
 
+// The size of the characters of a text in the current system.
+TextSize sizeOf(const TextBody& body) {
+    const double width = length(body.widthAxis), height = length(body.heightAxis);
+    return {1, width, height, width / height};
+}
+
+void setAxes(TextBody& body, const RotMatrix* rotation, const TextSize* size) {
+    const RotMatrix& m = rotation ? *rotation : identityMatrix;
+    body.widthAxis = sizedAxis(column(m, 0), size ? &size->width : nullptr);
+    body.heightAxis = sizedAxis(column(m, 1), size ? &size->height : nullptr);
+}
+
+double currentHeight(const TextBody& body) {
+    return length(applyToVector(currentFromWorld(), body.heightAxis));
+}
+
+// The body of a template of which what is given has changed.
+std::optional<TextBody> changedTextBody(TextBody body, const Point3d* origin, const RotMatrix* rotation,
+                                        const TextSize* size, const TextParams* params) {
+    const bool sized = size && size->mode == 1;
+    if (sized && !(size->width > 0 && size->height > 0)) return {};
+    if (origin) body.origin = applyToPoint(currentToWorld(), *origin);
+    if (rotation || sized) {
+        TextBody now = body;
+        now.widthAxis = applyToVector(currentFromWorld(), body.widthAxis);
+        now.heightAxis = applyToVector(currentFromWorld(), body.heightAxis);
+        if (!isUsable(now)) return {};
+        const RotMatrix turned = rotation ? *rotation : rotationOf(now);
+        const TextSize measure = sized ? *size : sizeOf(now);
+        setAxes(body, &turned, &measure);
+    }
+    if (params) setParams(body, *params, currentHeight(body));
+    return isUsable(body) ? std::optional(body) : std::nullopt;
+}
+
+constexpr size_t wholeWords(size_t bytes) {
+    return (bytes + 7) & ~size_t{7};
+}
+
+// The text with head and style of the template. `body` is usable.
+int buildText(MSElementBuffer* out, const MSElementBuffer* templateP, TextBody body, std::span<const uint16_t> units) {
+    body.count = static_cast<uint16_t>(units.size());
+    uint8_t* to = NewElement(out, templateP, MDL_TEXT).body(sizeof body + units.size_bytes());
+    if (!to) return MDL_ERROR;
+    std::memcpy(to, &body, sizeof body);
+    if (!units.empty()) std::memcpy(to + sizeof body, units.data(), units.size_bytes());
+    return MDL_SUCCESS;
+}
+
 }  // namespace
 
-unsigned char textCharacter(const TextView& text, uint32_t i) {
+std::optional<TextBody> newTextBody(const Point3d* origin, const RotMatrix* rotation, const TextSize* size,
+                                    const TextParams* params) {
+    const bool sized = size && size->mode == 1;
+    if (sized && !(size->width > 0 && size->height > 0)) return {};
+    TextBody body{};
+    body.origin = applyToPoint(currentToWorld(), origin ? *origin : Point3d{});
+    setAxes(body, rotation, sized ? size : nullptr);
+    setActiveParams(body);
+    if (params) body.flags = 0, body.slant = 0, setParams(body, *params, currentHeight(body));
+    return isUsable(body) ? std::optional(body) : std::nullopt;
+}
+
+uint16_t textUnit(const TextView& text, uint32_t i) {
     uint16_t unit;
     std::memcpy(&unit, text.characters + i * sizeof unit, sizeof unit);
-    return narrowCodeOf(unit).value_or('?');
+    return unit;
+}
+
+unsigned char textCharacter(const TextView& text, uint32_t i) {
+    return narrowCodeOf(textUnit(text, i)).value_or('?');
 }
 
 TextBox textBox(const TextView& text) {
@@ -132,27 +201,37 @@ int mdlText_createWide(MSElementBuffer* out, const MSElementBuffer* templateP, c
                        int32_t) {
     const size_t count = text ? std::wcslen(text) : 0;
     if (!out || count > maxTextCharacters) return MDL_ERROR;
-    const bool sized = size && size->mode == 1;
-    if (sized && !(size->width > 0 && size->height > 0)) return MDL_ERROR;
-    const RotMatrix& m = rotation ? *rotation : identityMatrix;
-    TextBody body{};
-    body.origin = applyToPoint(currentToWorld(), origin ? *origin : Point3d{});
-    body.widthAxis = sizedAxis(column(m, 0), sized ? &size->width : nullptr);
-    body.heightAxis = sizedAxis(column(m, 1), sized ? &size->height : nullptr);
-    body.count = static_cast<uint16_t>(count);
-    setActiveParams(body);
-    const double height = length(applyToVector(currentFromWorld(), body.heightAxis));
-    if (params) body.flags = 0, body.slant = 0, setParams(body, *params, height);
-    if (!isUsable(body)) return MDL_ERROR;
-    uint8_t* to = NewElement(out, templateP, MDL_TEXT).body(sizeof body + count * sizeof(uint16_t));
-    if (!to) return MDL_ERROR;
-    std::memcpy(to, &body, sizeof body);
-    to += sizeof body;
-    for (size_t i = 0; i < count; ++i) {
-        const uint16_t unit = storedCharacter(text[i]);
-        std::memcpy(to + i * sizeof unit, &unit, sizeof unit);
-    }
-    return MDL_SUCCESS;
+    const auto body = newTextBody(origin, rotation, size, params);
+    uint16_t units[maxTextCharacters];
+    std::transform(text, text + count, units, storedCharacter);
+    return body ? buildText(out, templateP, *body, {units, count}) : int{MDL_ERROR};
+}
+
+int mdlText_create(MSElementBuffer* out, const MSElementBuffer* templateP, const char* text, const Point3d* origin,
+                   const RotMatrix* rotation, const TextSize* size, const TextParams* params, int32_t) {
+    const size_t count = text ? strnlen(text, maxTextCharacters + 1) : 0;
+    if (!out || count > maxTextCharacters) return MDL_ERROR;
+    uint16_t units[maxTextCharacters];
+    std::transform(text, text + count, units,
+                   [](char c) { return static_cast<uint16_t>(unicodeOf(static_cast<unsigned char>(c))); });
+    const auto old = templateP ? textOf(templateP) : std::nullopt;
+    const auto body =
+        old ? changedTextBody(old->body, origin, rotation, size, params) : newTextBody(origin, rotation, size, params);
+    if (!body) return MDL_ERROR;
+    if (!old) return buildText(out, templateP, *body, {units, count});
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const ElementHead head = headOf(templateP);
+        const std::vector<uint8_t> linkages(templateP->bytes + 2 * head.attributeOffset,
+                                            templateP->bytes + 2 * head.size);
+        const size_t end = headBytes + wholeWords(sizeof *body + count * sizeof(uint16_t));
+        if (end + linkages.size() > MDL_ELEMENT_BYTES) return MDL_ERROR;
+        if (buildText(out, templateP, *body, {units, count}) != MDL_SUCCESS) return MDL_ERROR;
+        std::copy(linkages.begin(), linkages.end(), out->bytes + end);
+        ElementHead made = headOf(out);
+        made.size = made.attributeOffset + static_cast<uint32_t>(linkages.size() / 2);
+        storeAt(out, 0, made);
+        return MDL_SUCCESS;
+    });
 }
 
 int mdlText_extract(Point3d* lowerLeft, Point3d* origin, double* width, double* height, char* text, RotMatrix* rotation,
@@ -187,5 +266,27 @@ int mdlText_extractShape(Point3d* shape, Point3d* origin, const MSElementBuffer*
         shape[3] = lowerLeft + up;
     }
     if (origin) *origin = found->body.origin;
+    return MDL_SUCCESS;
+}
+
+int mdlText_extractString(char* text, const MSElementBuffer* element) {
+    const auto found = element ? textOf(element) : std::nullopt;
+    if (!found) return MDL_ERROR;
+    for (uint32_t i = 0; text && i < found->body.count; ++i) text[i] = static_cast<char>(textCharacter(*found, i));
+    if (text) text[found->body.count] = 0;
+    return MDL_SUCCESS;
+}
+
+int mdlText_extractWide(wchar_t* text, Point3d* origin, RotMatrix* rotation, TextSize* size, TextParams* params,
+                        const MSElementBuffer* element) {
+    const auto found = currentText(element);
+    if (!found) return MDL_ERROR;
+    const TextBody& body = found->body;
+    for (uint32_t i = 0; text && i < body.count; ++i) text[i] = textUnit(*found, i);
+    if (text) text[body.count] = 0;
+    if (origin) *origin = body.origin;
+    if (rotation) *rotation = rotationOf(body);
+    if (size) *size = sizeOf(body);
+    if (params) *params = paramsOf(body);
     return MDL_SUCCESS;
 }

@@ -11,6 +11,11 @@ struct TextBox {
 };
 TextBox textBox(const TextView& text);
 
+uint16_t textUnit(const TextView& text, uint32_t i);
 unsigned char textCharacter(const TextView& text, uint32_t i);  // in Windows-1252
+
+// A body of no characters from a builder's arguments, in UOR; nothing when they can't be used.
+std::optional<TextBody> newTextBody(const Point3d* origin, const RotMatrix* rotation, const TextSize* size,
+                                    const TextParams* params);
 
 }  // namespace host

@@ -42,3 +42,8 @@ int mdlCnv_convertMultibyteToUnicode(const char* text, int length, wchar_t* wide
 int mdlCnv_convertUnicodeToMultibyte(const wchar_t* wide, int length, char* text, int size) {
     return convert(wide, length, text, size, narrowOf);
 }
+
+int mdlText_compressString(char* out, const char* text, int32_t size, int32_t) {
+    return convert(
+        text, -1, out, size, +[](char c) { return c; });
+}

@@ -42,6 +42,8 @@ MDL_EXPORT int mdlElmdscr_display(ElementDescr *ed, ModelRef *model, int32_t dra
 MDL_EXPORT int mdlCell_setRange(ElementDescr *ed, ModelRef *model);
 /* Brings headers in line with their components. */
 MDL_EXPORT int mdlElmdscr_validate(ElementDescr *ed, ModelRef *model);
+/* Brings the range in a cell's header up to date. MDL_ERROR when the descriptor isn't a cell. */
+MDL_EXPORT int mdlCell_setRange(ElementDescr *cell, ModelRef *model);
 /* The range of chain and children in UOR, whatever the current transform; transformed first when `transform` isn't
  * null. MDL_ERROR, with low and high untouched, when nothing in it has an extent of its own. */
 MDL_EXPORT int mdlElmdscr_computeRange(Point3d *low, Point3d *high, const ElementDescr *ed, const Transform *transform);
@@ -77,16 +79,5 @@ MDL_EXPORT int mdlElement_display(const MSElementBuffer *element, int32_t drawMo
 MDL_EXPORT int mdlElement_undoableDelete(const MSElementBuffer *element, FilePos position, int32_t display);
 /* Brings back the last deletion that hasn't been brought back, at the position that it had; 0 when there is none. */
 MDL_EXPORT FilePos mdlUndo_lastDelete(void);
-
-/* ---- modify ---- */
-
-enum { MDL_MODIFY_NONE = 0, MDL_MODIFY_CHANGED = 1, MDL_MODIFY_REMOVE = 2, MDL_MODIFY_REPLACE_DESCR = 16 };
-/* Gets each component: f may change *element in place (bytes beyond its size are free up to MDL_ELEMENT_BYTES) and
- * answers MDL_MODIFY_CHANGED, or gives a new descriptor in *newDescrPP and answers MDL_MODIFY_REPLACE_DESCR. */
-typedef int (*MdlModifyFunction)(MSElementBuffer *element, void *userArg, ModelRef *model, ElementDescr *node,
-                                 ElementDescr **newDescrPP);
-/* Calls f for each element of the chain and its children that isn't a header. Works on a descriptor in memory; *edPP
- * may change, and is null when all was removed. The number of changes goes to the result. */
-MDL_EXPORT int mdlModify_elementDescr2(ElementDescr **edPP, ModelRef *model, MdlModifyFunction f, void *userArg);
 
 #endif

@@ -28,6 +28,8 @@ typedef struct TextParams {
 } TextParams;
 enum { TEXT_FLAG_SLANT = 0x08 };
 
+enum { MDL_TEXT_CHARACTERS = 255 }; /* most characters of a text element */
+
 /* A text element. text null is an empty text; origin null is (0, 0, 0); rotation null is none; size null takes active
  * parameter 11 for both; params null the active settings. The last argument is 0. MDL_ERROR for more than 255
  * characters, or a size that isn't above 0. */
@@ -40,10 +42,35 @@ MDL_EXPORT int mdlText_createWide(MSElementBuffer *out, const MSElementBuffer *t
 MDL_EXPORT int mdlText_extract(Point3d *lowerLeft, Point3d *origin, double *width, double *height, char *text,
                                RotMatrix *rotation, TextParams *params, int32_t *just, double *textHeight,
                                double *charWidth, const MSElementBuffer *element);
+/* A text element. With a text element as template, null arguments stand for what the template has, and its linkages stay:
+ * with nothing but a text it is the template with other words. Else as mdlText_createWide, with narrow text. */
+MDL_EXPORT int mdlText_create(MSElementBuffer *out, const MSElementBuffer *templateP, const char *text,
+                              const Point3d *origin, const RotMatrix *rotation, const TextSize *size,
+                              const TextParams *params, int32_t reserved);
+/* The characters of a text element (MDL_TEXT_CHARACTERS + 1 bytes). MDL_ERROR for another element. */
+MDL_EXPORT int mdlText_extractString(char *text, const MSElementBuffer *element);
+/* What a text element was made with: its words (MDL_TEXT_CHARACTERS + 1 characters), the point that its justification
+ * places, its rotation, size and params. MDL_ERROR for another element. */
+MDL_EXPORT int mdlText_extractWide(wchar_t *text, Point3d *origin, RotMatrix *rotation, TextSize *size,
+                                   TextParams *params, const MSElementBuffer *element);
 /* The box as five points: lower left, lower right, upper right, upper left, lower left, turned as the text is. The
  * pointers are spare and 0: origin out, view. */
 MDL_EXPORT int mdlText_extractShape(Point3d *shape, Point3d *origin, const MSElementBuffer *element, int32_t reserved,
                                     int32_t view);
+
+/* ---- text nodes: texts of more than one line ---- */
+
+/* The header of a text node, which keeps how its lines are made; arguments as for mdlText_createWide. text is null: the
+ * lines are added to the descriptor that is made of the header. */
+MDL_EXPORT int mdlTextNode_createWide(MSElementBuffer *out, const MSElementBuffer *templateP, const wchar_t *text,
+                                      const Point3d *origin, const RotMatrix *rotation, const TextSize *size,
+                                      const TextParams *params);
+/* Adds a text element for each line of `text` to the descriptor of a text node, with the level and symbology of the
+ * header. params.lineSpacing is the gap between lines. The first line stands where a text of one line would stand and
+ * the others below it; with a justification of centre all lines are centred about the origin. Lines end with a line
+ * feed, a carriage return in front of it is dropped; an empty line becomes a blank. MDL_ERROR, with nothing added, for
+ * another descriptor or a line of more than MDL_TEXT_CHARACTERS. */
+MDL_EXPORT int mdlText_addStringsToNodeDscr(ElementDescr *node, const char *text);
 
 /* ---- text styles of a model ---- */
 typedef struct MdlTextStyle MdlTextStyle;
@@ -54,6 +81,10 @@ MDL_EXPORT void mdlTextStyle_free(MdlTextStyle *style);
 MDL_EXPORT int mdlTextStyle_getTextParamWideFromStyle(TextParams *params, TextSize *size, const MdlTextStyle *style);
 /* Adds or replaces a text style in the model. */
 MDL_EXPORT int mdlTextStyle_define(ModelRef *model, const wchar_t *name, const TextParams *params, const TextSize *size);
+
+/* The text as text elements hold it: Windows-1252, one byte a character, at most size - 1 characters and a NUL. `limit` is
+ * the most bytes that one character may take. 0, or MDL_ERROR when the text was cut. */
+MDL_EXPORT int mdlText_compressString(char *out, const char *text, int32_t size, int32_t limit);
 
 /* Windows-1252 to wide text and back, at most size - 1 characters and a NUL. A wide character without a code becomes
  * "?". 0, or MDL_ERROR when the text was cut. */

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "host/element/range.h"
-#include "host/mdl/elmdscr.h"
+#include "host/mdl/modify.h"
 #include "host/model/model.h"
 #include "host/session/guard.h"
 
@@ -60,6 +60,18 @@ FilePos replaceUnit(ModelRef& model, FilePos position, std::span<const StoredNod
     return position;
 }
 
+// So that it can be brought back.
+void removeUnit(ModelRef& model, FilePos position) {
+    model.deleted.push_back(position);
+    try {
+        model.elements.remove(position);
+    } catch (...) {
+        model.deleted.pop_back();
+        throw;
+    }
+    updateRange(model, position);
+}
+
 // The units of a chain; empty when one of them can't be stored.
 std::vector<Unit> chainUnits(const ModelRef& model, const ElementDescr* first) {
     std::vector<Unit> units;
@@ -75,6 +87,18 @@ void addAsLastChild(ElementDescr* parent, ElementDescr* child) {
     child->previous = parent->lastChild;
     (parent->lastChild ? parent->lastChild->next : parent->firstChild) = child;
     parent->lastChild = child;
+}
+
+// Writes what a modification made of the element at the position; null when it took it away.
+bool storeModified(ModelRef& model, ElementDescr* ed, FilePos position) {
+    if (writableModel(&model) == nullptr) return false;
+    if (ed == nullptr) {
+        removeUnit(model, position);
+        return true;
+    }
+    for (ElementDescr* node = ed; node != nullptr; node = node->next) node->model = &model;
+    mdlElmdscr_validate(ed, &model);
+    return mdlElmdscr_rewrite(ed, position) != 0;
 }
 
 }  // namespace
@@ -142,14 +166,7 @@ int mdlElement_undoableDelete(const MSElementBuffer*, FilePos position, int32_t)
     return guarded(int{MDL_ERROR}, [&]() -> int {
         ModelRef* model = writableModel(nullptr);
         if (model == nullptr || !model->elements.isLive(position)) return MDL_ERROR;
-        model->deleted.push_back(position);
-        try {
-            model->elements.remove(position);
-        } catch (...) {
-            model->deleted.pop_back();
-            throw;
-        }
-        updateRange(*model, position);
+        removeUnit(*model, position);
         return MDL_SUCCESS;
     });
 }
@@ -206,5 +223,20 @@ FilePos mdlElmdscr_rewrite(ElementDescr* ed, FilePos position) {
         replaceUnit(*model, position, units.front());
         for (const Unit& unit : std::span(units).subspan(1)) addUnit(*model, unit);
         return position;
+    });
+}
+
+// ---- modify ----
+
+int mdlModify_elementSingle(ModelRef* model, FilePos position, int32_t request, int32_t, MdlModifyFunction f,
+                            void* userArg, int32_t) {
+    return guarded(0, [&] {
+        ModelRef* found = openModel(model);
+        ElementDescr* ed = nullptr;
+        if (found == nullptr || mdlElmdscr_read(&ed, position, found) == 0) return 0;
+        int changes = mdlModify_elementDescr2(&ed, found, request, f, userArg, 0);
+        if (changes != 0 && !storeModified(*found, ed, position)) changes = 0;
+        mdlElmdscr_freeAll(&ed);
+        return changes;
     });
 }

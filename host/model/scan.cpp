@@ -6,6 +6,7 @@
 #include <numeric>
 #include <optional>
 
+#include "host/model/bitmask.h"
 #include "host/model/model.h"
 #include "host/session/guard.h"
 
@@ -13,9 +14,14 @@ struct ScanCriteria {
     ModelRef* model = nullptr;  // null: the active one
     std::vector<uint16_t> types;
     std::vector<LevelId> levels;
+    std::optional<MdlBitMask> levelMask;
     uint32_t classMask = 0;
     std::optional<Range3d> window;
+    int32_t returnType = MDL_SCAN_POSITIONS;
     bool oneElement = false;
+    bool nested = false;
+    MdlScanDescrFunction function = nullptr;
+    void* userArg = nullptr;
 
     // What the scan has found, fixed with its first portion.
     uint64_t modelSerial = 0;  // 0: none so far
@@ -27,7 +33,6 @@ struct ScanCriteria {
 namespace host {
 namespace {
 
-constexpr int32_t returnPositions = 1;
 constexpr int32_t wordsPerPosition = sizeof(FilePos) / sizeof(uint16_t);
 
 template <class Value>
@@ -35,13 +40,36 @@ bool passes(const std::vector<Value>& wanted, Value value) {
     return wanted.empty() || std::ranges::find(wanted, value) != wanted.end();
 }
 
+bool passesLevel(const ScanCriteria& criteria, LevelId level) {
+    if (!criteria.levelMask) return passes(criteria.levels, level);
+    if (level != 0 && criteria.levelMask->test(level - 1)) return true;
+    return !criteria.levels.empty() && passes(criteria.levels, level);
+}
+
 bool passes(const ScanCriteria& criteria, const ElementKey& key) {
-    return key.live && passes(criteria.types, key.type) && passes(criteria.levels, key.level) &&
+    return key.live && passes(criteria.types, key.type) && passesLevel(criteria, key.level) &&
            (criteria.classMask == 0 || (criteria.classMask >> key.elementClass & 1) != 0);
 }
 
+ElementKey keyOf(const ElementHead& head) {
+    return {head.level, head.type, static_cast<uint8_t>(head.properties & MDL_PROP_CLASS), true};
+}
+
+bool looksInside(const ScanCriteria& criteria) {
+    return criteria.nested && criteria.returnType == MDL_SCAN_DESCRIPTORS;
+}
+
+// Whether a component of the element at the position passes, where these count.
+bool passesInside(const ScanCriteria& criteria, const ModelRef& model, FilePos position) {
+    if (!looksInside(criteria) || !model.elements.isLive(position)) return false;
+    bool any = false;
+    forEachNode(model.elements.record(position),
+                [&](const StoredNode& node) { any = any || passes(criteria, keyOf(node.element->head)); });
+    return any;
+}
+
 bool takesAll(const ScanCriteria& criteria) {
-    return criteria.types.empty() && criteria.levels.empty() && criteria.classMask == 0;
+    return criteria.types.empty() && criteria.levels.empty() && !criteria.levelMask && criteria.classMask == 0;
 }
 
 // Sorts positions below `limit` by digits of at most 11 bits, the lowest first.
@@ -74,11 +102,13 @@ void findInWindow(const ScanCriteria& criteria, ModelRef& model, std::vector<Fil
     sortPositions(found, model.elements.nextPosition());
     if (takesAll(criteria)) return;
     const std::span<const ElementKey> keys = model.elements.keys();
-    std::erase_if(found, [&](FilePos position) { return !passes(criteria, keys[position]); });
+    std::erase_if(found, [&](FilePos position) {
+        return !passes(criteria, keys[position]) && !passesInside(criteria, model, position);
+    });
 }
 
 uint64_t wantedTypes(const ScanCriteria& criteria) {
-    uint64_t bits = criteria.types.empty() ? ~uint64_t{0} : 0;
+    uint64_t bits = criteria.types.empty() || looksInside(criteria) ? ~uint64_t{0} : 0;
     for (const uint16_t type : criteria.types) bits |= typeBit(type);
     return bits;
 }
@@ -93,7 +123,8 @@ void findAnywhere(const ScanCriteria& criteria, const ModelRef& model, std::vect
         if ((model.elements.typeBitsAt(static_cast<FilePos>(first)) & wanted) == 0) continue;
         const size_t end = std::min(first + run, keys.size());
         for (size_t position = first; position < end; ++position) {
-            if (passes(criteria, keys[position])) found.push_back(static_cast<FilePos>(position));
+            const auto at = static_cast<FilePos>(position);
+            if (passes(criteria, keys[at]) || passesInside(criteria, model, at)) found.push_back(at);
         }
     }
 }
@@ -158,6 +189,24 @@ int scan(ScanCriteria& criteria, std::span<FilePos> buffer, int32_t* sizeP, File
     return more ? int{MDL_SCAN_MORE} : int{MDL_SUCCESS};
 }
 
+// Gives the function each element that was found and is still there.
+int scanDescriptors(ScanCriteria& criteria) {
+    ModelRef* model = openModel(criteria.model);
+    if (model == nullptr || criteria.function == nullptr) return MDL_ERROR;
+    fixResult(criteria, *model);
+    const std::vector<FilePos> found = std::move(criteria.found);
+    forgetResult(criteria);
+    for (const FilePos position : found) {
+        ElementDescr* ed = nullptr;
+        if (openModel(model) != model) return MDL_ERROR;
+        if (mdlElmdscr_read(&ed, position, model) == 0) continue;
+        const int status = criteria.function(ed, criteria.userArg, &criteria);
+        mdlElmdscr_freeAll(&ed);
+        if (status != 0) return status;
+    }
+    return MDL_SUCCESS;
+}
+
 // Changes what is asked for; a scan that has begun begins anew.
 template <class Change>
 int change(ScanCriteria* criteria, Change apply) {
@@ -206,6 +255,13 @@ int mdlScanCriteria_addSingleLevelTest(ScanCriteria* criteria, LevelId level) {
     });
 }
 
+int mdlScanCriteria_setLevelTest(ScanCriteria* criteria, const MdlBitMask* levels, int32_t, int32_t) {
+    return change(criteria, [&](ScanCriteria& c) -> int {
+        c.levelMask = levels ? std::optional(*levels) : std::nullopt;
+        return MDL_SUCCESS;
+    });
+}
+
 int mdlScanCriteria_setClassTest(ScanCriteria* criteria, uint32_t classMask) {
     return change(criteria, [&](ScanCriteria& c) -> int {
         c.classMask = classMask;
@@ -220,16 +276,27 @@ int mdlScanCriteria_setRangeTest(ScanCriteria* criteria, const Range3d* range) {
     });
 }
 
-int mdlScanCriteria_setReturnType(ScanCriteria* criteria, int32_t type, int32_t oneElement, int32_t) {
+int mdlScanCriteria_setReturnType(ScanCriteria* criteria, int32_t type, int32_t oneElement, int32_t nested) {
     return change(criteria, [&](ScanCriteria& c) -> int {
-        if (type != returnPositions) return MDL_ERROR;
+        if (type != MDL_SCAN_POSITIONS && type != MDL_SCAN_DESCRIPTORS) return MDL_ERROR;
+        c.returnType = type;
         c.oneElement = oneElement != 0;
+        c.nested = nested != 0;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlScanCriteria_setElmDscrCallback(ScanCriteria* criteria, MdlScanDescrFunction f, void* userArg) {
+    return change(criteria, [&](ScanCriteria& c) -> int {
+        c.function = f;
+        c.userArg = userArg;
         return MDL_SUCCESS;
     });
 }
 
 int mdlScanCriteria_scan(ScanCriteria* criteria, FilePos* buffer, int32_t* sizeP, FilePos* startP) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
+        if (criteria != nullptr && criteria->returnType == MDL_SCAN_DESCRIPTORS) return scanDescriptors(*criteria);
         if (criteria == nullptr || buffer == nullptr || sizeP == nullptr || *sizeP < 0) return MDL_ERROR;
         return scan(*criteria, std::span(buffer, static_cast<size_t>(*sizeP / wordsPerPosition)), sizeP, startP);
     });

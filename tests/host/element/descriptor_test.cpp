@@ -200,7 +200,7 @@ int modify(MSElementBuffer* e, void*, ModelRef*, ElementDescr*, ElementDescr** n
 
 TEST_F(Descriptors, ModifyChangesRemovesAndReplaces) {
     makeTree();
-    EXPECT_EQ(mdlModify_elementDescr2(&tree.ed, nullptr, modify, nullptr), 3);
+    EXPECT_EQ(mdlModify_elementDescr2(&tree.ed, nullptr, MDL_MODIFY_NO_HEADERS, modify, nullptr, 0), 3);
     EXPECT_EQ(colors(tree.ed), "277486");
     expectWhole(tree.ed);
     ASSERT_EQ(mdlElmdscr_appendElement(tree.ed->next, line(9)), MDL_SUCCESS);
@@ -211,7 +211,7 @@ TEST_F(Descriptors, ModifyChangesRemovesAndReplaces) {
 TEST_F(Descriptors, ModifyMayRemoveAll) {
     mdlElmdscr_new(&tree.ed, nullptr, line(1));
     mdlElmdscr_appendElement(tree.ed, buffer);
-    EXPECT_EQ(mdlModify_elementDescr2(&tree.ed, nullptr, modify, nullptr), 2);
+    EXPECT_EQ(mdlModify_elementDescr2(&tree.ed, nullptr, MDL_MODIFY_NO_HEADERS, modify, nullptr, 0), 2);
     EXPECT_EQ(tree.ed, nullptr);
 }
 

@@ -1,0 +1,72 @@
+// Fields that every form may show: the parts of a file name, the date and the time.
+#include <string>
+
+#include "forms/forms.h"
+#include "frame/text_buffer.h"
+#include "frame/util.h"
+#include "host/mdl/files.h"
+#include "host/mdl/system.h"
+
+namespace {
+
+void insertText(FormData* form, const char* name, int row, const char* text) {
+    mclibMatList_insertValue(form, name, MCLIB_FORM_TEXT, row, text);
+}
+
+__attribute__((format(printf, 4, 0))) void insertNumber(FormData* form, const char* name, int row, const char* format,
+                                                        int value) {
+    char text[16];
+    std::snprintf(text, sizeof text, format, value);
+    insertText(form, name, row, text);
+}
+
+std::string withDoubledPercents(const char* text) {
+    std::string doubled;
+    for (; *text; ++text) doubled.append(*text == '%' ? 2 : 1, *text);
+    return doubled;
+}
+
+void insertDate(FormData* form) {
+    int year = 0, month = 0, day = 0;
+    char* name = nullptr;  // in a buffer that the next name overwrites
+    mclibUtil_getDateAndTime(&year, &month, &day, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    insertNumber(form, "date", 0, "%d", day);
+    insertNumber(form, "date", 1, "%02d", day);
+    mclibUtil_getDateAndTime(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &name, nullptr);
+    insertText(form, "date", 2, name);
+    mclibUtil_getDateAndTime(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &name);
+    insertText(form, "date", 3, name);
+    insertNumber(form, "date", 4, "%d", month);
+    insertNumber(form, "date", 5, "%02d", month);
+    insertNumber(form, "date", 6, "%d", year);
+    insertNumber(form, "date", 7, "%02d", year % 100);
+}
+
+void insertTime(FormData* form) {
+    int parts[3] = {};
+    mclibUtil_getDateAndTime(nullptr, nullptr, nullptr, &parts[0], &parts[1], &parts[2], nullptr, nullptr, nullptr);
+    for (int i = 0; i < 3; ++i) {
+        insertNumber(form, "time", 2 * i, "%d", parts[i]);
+        insertNumber(form, "time", 2 * i + 1, "%02d", parts[i]);
+    }
+}
+
+}  // namespace
+
+void mclibMatList_insertFileName(const char* path, const char* name, FormData* form) {
+    if (!form || !path || !name) return;
+    char device[256] = "", directory[256] = "", base[256] = "", extension[256] = "";
+    mdlFile_parseName(path, device, directory, base, extension);
+    std::string disk = device, ending = extension;
+    if (!disk.empty() && !disk.ends_with(':')) disk += ':';
+    if (!ending.empty()) ending.insert(0, ".");
+    const std::string parts[] = {disk, withDoubledPercents(directory), base, ending, base + ending};
+    for (int row = 0; row < static_cast<int>(std::size(parts)); ++row) insertText(form, name, row, parts[row].c_str());
+}
+
+void mclibMatList_insertSystemData(FormData* form) {
+    if (!form) return;
+    mclibMatList_insertFileName(tcbP->designFileName, "file", form);
+    insertDate(form);
+    insertTime(form);
+}
