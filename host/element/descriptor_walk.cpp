@@ -131,11 +131,6 @@ int mdlElmdscr_validate(ElementDescr* ed, ModelRef*) {
     return MDL_SUCCESS;
 }
 
-int mdlCell_setRange(ElementDescr* cell, ModelRef* model) {
-    if (!cell || headOf(cell->element).type != MDL_CELL_HEADER) return MDL_ERROR;
-    return mdlElmdscr_validate(cell, model);
-}
-
 int mdlElmdscr_computeRange(Point3d* low, Point3d* high, const ElementDescr* ed, const Transform* transform) {
     RangeBuilder all;
     addRange(all, ed, transform);

@@ -42,8 +42,6 @@ MDL_EXPORT int mdlElmdscr_display(ElementDescr *ed, ModelRef *model, int32_t dra
 MDL_EXPORT int mdlCell_setRange(ElementDescr *ed, ModelRef *model);
 /* Brings headers in line with their components. */
 MDL_EXPORT int mdlElmdscr_validate(ElementDescr *ed, ModelRef *model);
-/* Brings the range in a cell's header up to date. MDL_ERROR when the descriptor isn't a cell. */
-MDL_EXPORT int mdlCell_setRange(ElementDescr *cell, ModelRef *model);
 /* The range of chain and children in UOR, whatever the current transform; transformed first when `transform` isn't
  * null. MDL_ERROR, with low and high untouched, when nothing in it has an extent of its own. */
 MDL_EXPORT int mdlElmdscr_computeRange(Point3d *low, Point3d *high, const ElementDescr *ed, const Transform *transform);
