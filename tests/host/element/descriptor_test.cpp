@@ -1,6 +1,7 @@
 #include <string>
 
 #include "host/element/range.h"
+#include "host/mdl/modify.h"
 #include "tests/host/element/fixture.h"
 
 namespace {
