@@ -33,6 +33,7 @@
 #include "print/print.h"
 #include "print/ps.h"
 #include "print/raster.h"
+#include "print/setup.h"
 #include "project/application_data.h"
 #include "project/store.h"
 #include "text/fii.h"

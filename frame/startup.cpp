@@ -19,6 +19,7 @@
 #include "host/mdl/resource.h"
 #include "host/mdl/system.h"
 #include "host/mdl/win32.h"
+#include "print/setup_store.h"
 #include "print/shared.h"
 #include "project/shared.h"
 #include "project/store.h"
@@ -81,11 +82,17 @@ void startAttributes(GlobalData& data) {
     data.attributeList = nullptr;
 }
 
+void startPrinterSetup(GlobalData&) {
+    print::publishSetupHooks();
+    print::publishPrintDialogHooks();
+    print::loadSetup();
+}
+
 void startMessageDialogs(GlobalData&) {
     publishMessageDialogHooks();
 }
 
-constexpr Room rooms[] = {startMessageDialogs, startAttributes};
+constexpr Room rooms[] = {startPrinterSetup, startMessageDialogs, startAttributes};
 
 struct PublishedBlock {
     const char* structName;

@@ -1,0 +1,155 @@
+// The printer set-up's defaults, and how it is kept in the user's preference file.
+#include "print/setup.h"
+
+#include <array>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "frame/error.h"
+#include "frame/host_ptr.h"
+#include "frame/stored_layout.h"
+#include "frame/text_buffer.h"
+#include "frame/util.h"
+#include "host/mdl/files.h"
+#include "host/mdl/resource.h"
+#include "print/folder.h"
+#include "print/print.h"
+#include "print/setup_store.h"
+#include "print/shared.h"
+
+namespace print {
+
+namespace {
+
+// Resources of the preference file. The older form, which ends with fileOnly, is read but not written any more.
+enum { SETUP_TYPE = 0x50745365, SETUP_ID = 20002, OLDER_TYPE = 0x50725344, OLDER_ID = 20001 };
+enum { MESSAGE_FILE = 13, MESSAGE_NO_VARIABLE = 21 };
+enum { PAGE_A4 = 9 };
+constexpr size_t setupSize = 840, olderSize = 584;
+
+template <class Fields, class Setup>
+void setupLayout(Fields fields, Setup& setup) {
+    fields.number(0, setup.pageSize);
+    fields.number(8, setup.pageWidth);
+    fields.number(16, setup.pageHeight);
+    fields.number(24, setup.marginLeft);
+    fields.number(32, setup.marginRight);
+    fields.number(40, setup.marginTop);
+    fields.number(48, setup.marginBottom);
+    fields.number(56, setup.orientation);
+    fields.number(60, setup.deviceType);
+    fields.number(64, setup.copies);
+    fields.text(68, sizeof setup.printerName, setup.printerName);
+    fields.text(323, sizeof setup.fileName, setup.fileName);
+    fields.number(580, setup.fileOnly);
+    fields.text(584, sizeof setup.plotterFile, setup.plotterFile);
+}
+
+// ---- defaults ----
+
+bool isFolder(const char* name) {
+    int32_t attributes = 0;
+    return mdlFile_getFileAttributes(&attributes, name) == MDL_SUCCESS && attributes & MDL_ATTRIBUTE_DIRECTORY;
+}
+
+std::string temporaryFolder() {
+    constexpr const char* usual = "c:\\temp\\";
+    if (isFolder(usual)) return usual;
+    const std::string folder = withSeparator(valueOf("MS_TMP"));
+    return folder.empty() ? usual : folder;
+}
+
+void setDefaultPlotter(mclibPrinterSetupData& setup) {
+    if (mdlFile_find(setup.plotterFile, nullptr, "MS_PLTR", nullptr) != MDL_SUCCESS) setup.plotterFile[0] = '\0';
+}
+
+void setDefaults(mclibPrinterSetupData& setup) {
+    setup = {};
+    setup.pageSize = PAGE_A4;
+    mclibPrint_getPageSize(&setup.pageWidth, &setup.pageHeight, PAGE_A4);
+    setup.marginLeft = 20;
+    setup.marginRight = setup.marginTop = setup.marginBottom = 10;
+    setup.orientation = 2;
+    setup.deviceType = PRINT_POSTSCRIPT;
+    setup.copies = 1;
+    copyText(setup.printerName, "\\\\server\\printer");
+    copyText(setup.fileName, temporaryFolder() + "mc.ps");
+    setDefaultPlotter(setup);
+}
+
+// ---- the preference file ----
+
+void reportFile() {
+    const HostPtr<char> name(mdlSystem_getExpandedCfgVar("MS_USERPREF"));
+    if (name)
+        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, MESSAGE_FILE, name.get());
+    else
+        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, MESSAGE_NO_VARIABLE);
+}
+
+// The preference file, closed at the end of the scope.
+class PreferenceFile {
+  public:
+    explicit PreferenceFile(int mode) : open_(mclibUtil_openUserPrefFile(&handle_, mode) == MCLIB_SUCCESS) {
+        if (!open_) reportFile();
+    }
+    ~PreferenceFile() {
+        if (open_) mdlResource_closeFile(handle_);
+    }
+    PreferenceFile(const PreferenceFile&) = delete;
+    PreferenceFile& operator=(const PreferenceFile&) = delete;
+    explicit operator bool() const { return open_; }
+    RscHandle handle() const { return handle_; }
+
+  private:
+    RscHandle handle_ = 0;
+    bool open_;
+};
+
+struct FreeResource {
+    void operator()(void* block) const { mdlResource_free(block); }
+};
+using Resource = std::unique_ptr<void, FreeResource>;
+
+// A resource of that size at least.
+Resource loadResource(const PreferenceFile& file, int32_t type, int32_t id, size_t size) {
+    Resource block(mdlResource_load(file.handle(), type, id));
+    if (block && static_cast<size_t>(mdlResource_size(block.get())) < size) block.reset();
+    return block;
+}
+
+bool loadFrom(const PreferenceFile& file, int32_t type, int32_t id, size_t size) {
+    const Resource block = loadResource(file, type, id, size);
+    if (!block) return false;
+    setupLayout(LoadFields({static_cast<const uint8_t*>(block.get()), size}), *mclibpsd);
+    return true;
+}
+
+}  // namespace
+
+void loadSetup() {
+    if (!mclibpsd) return;
+    const PreferenceFile file(MDL_RSC_READ);
+    if (file && loadFrom(file, SETUP_TYPE, SETUP_ID, setupSize)) return;
+    if (file && loadFrom(file, OLDER_TYPE, OLDER_ID, olderSize)) return setDefaultPlotter(*mclibpsd);
+    setDefaults(*mclibpsd);
+}
+
+void storeSetup() {
+    if (!mclibpsd) return;
+    const PreferenceFile file(MDL_RSC_WRITE);
+    if (!file) return;
+    std::array<uint8_t, setupSize> bytes{};
+    setupLayout(StoreFields(bytes), *mclibpsd);
+    int status;
+    if (const Resource block = loadResource(file, SETUP_TYPE, SETUP_ID, setupSize)) {
+        std::memcpy(block.get(), bytes.data(), bytes.size());
+        status = mdlResource_write(block.get());
+    } else {
+        status = mdlResource_add(file.handle(), SETUP_TYPE, SETUP_ID, bytes.data(), setupSize, 0, nullptr);
+    }
+    if (status != MDL_SUCCESS) reportFile();
+}
+
+}  // namespace print
