@@ -162,7 +162,7 @@ class DialogPen {
         const bool fixed = font == FONT_FIXED;
         cairo_select_font_face(pen(), fixed ? "monospace" : "sans-serif", CAIRO_FONT_SLANT_NORMAL,
                                CAIRO_FONT_WEIGHT_NORMAL);
-        cairo_set_font_size(pen(), fixed ? 12 : 12.5);
+        cairo_set_font_size(pen(), 12);
     }
 
     void polyline(const DrawCall& call) {
@@ -195,7 +195,9 @@ double middle(const DialogRect& r) {
 }
 
 void labelBefore(DialogPen& pen, const DialogItem& item, const PaperColor& color) {
-    pen.text(item.rect.left - padding - pen.widthOf(item.label), middle(item.rect), item.label, color);
+    if (item.label.empty()) return;
+    const std::string label = item.label + ":";
+    pen.text(item.rect.left - padding - pen.widthOf(label), middle(item.rect), label, color);
 }
 
 void valueBox(DialogPen& pen, const DialogItem& item, const std::string& value, const PaperColor& color) {
