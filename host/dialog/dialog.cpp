@@ -401,12 +401,12 @@ void Dialog::draw(size_t index) {
 }
 
 // What an item's hook draws is dropped before the hook draws again. Elsewhere a call takes the place of the earlier one
-// of its kind at the same origin, so that the list doesn't grow as drawing repeats; lines of whole drawings are too
-// many to be compared, and stay until the window's extent is set.
+// of its kind at the same origin, so that the list doesn't grow as drawing repeats; lines and texts of whole
+// drawings are too many to be compared, and stay until the window's extent is set.
 void Dialog::add(DrawCall call) {
     if (drawingItem_ >= 0) return items_[static_cast<size_t>(drawingItem_)].drawing.push_back(std::move(call));
     const auto same =
-        call.kind == DrawCall::Kind::line
+        call.kind == DrawCall::Kind::line || call.box
             ? drawing_.end()
             : std::ranges::find_if(drawing_, [&](const DrawCall& known) { return sameOrigin(known, call); });
     if (same == drawing_.end())

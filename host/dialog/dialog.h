@@ -26,6 +26,11 @@ struct LineLook {
     int32_t width = 1;  // pixels
 };
 
+// A text's box in a drawing: its lower left corner, its base line and its height; pixels, y downwards.
+struct DrawnTextBox {
+    double x, y, alongX, alongY, upX, upY;
+};
+
 // One drawing call of a hook; pixels of the content area.
 struct DrawCall {
     enum class Kind { text, edge, icon, line, bevel, fill };
@@ -35,10 +40,11 @@ struct DrawCall {
     int32_t font;
     bool sunken;
     std::shared_ptr<const Icon> icon;
-    int32_t color;                // a fixed colour; of a line: below firstFixedColor an element's colour
-    std::vector<int32_t> points;  // of a line: x and y in turn
-    LineLook look;                // of a line
-    bool filled = false;          // of a bevel
+    int32_t color;                    // a fixed colour; of a line: below firstFixedColor an element's colour
+    std::vector<int32_t> points;      // of a line: x and y in turn
+    LineLook look;                    // of a line
+    bool filled = false;              // of a bevel, and of a line
+    std::optional<DrawnTextBox> box;  // of a text of a drawing, which fills it; `color` is then an element's colour
 };
 
 struct OptionRow {

@@ -31,6 +31,8 @@ MDL_EXPORT void mdlRMatrix_multiplyRange(Point3d *low, Point3d *high, const RotM
 
 /* ---- transforms ---- */
 MDL_EXPORT void mdlTMatrix_fromRMatrix(Transform *out, const RotMatrix *matrix); /* without a translation */
+/* `in` (null: the identity) with a turn about the x, then the y, then the z axis behind it. `out` may be `in`. */
+MDL_EXPORT void mdlTMatrix_rotateByAngles(Transform *out, const Transform *in, double ax, double ay, double az);
 
 /* ---- the current transform ----
  * A stack. Inside begin and end, builders take and extractors give coordinates in the current system, and lengths

@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <memory>
 #include <string_view>
 
 #include "host/dialog/registry.h"
+#include "host/element/advances.h"
 #include "host/picture/sheet.h"
 #include "host/session/guard.h"
 #include "host/system/charset.h"
@@ -125,7 +127,8 @@ class DialogPen {
     void show(const DrawCall& call) {
         const DialogRect& r = call.rect;
         switch (call.kind) {
-            case DrawCall::Kind::text: return text(r.left, r.top, call.text, ink, 0, call.font);
+            case DrawCall::Kind::text:
+                return call.box ? boxedText(call) : text(r.left, r.top, call.text, ink, 0, call.font);
             case DrawCall::Kind::edge: return edge(r, call.sunken);
             case DrawCall::Kind::bevel:
                 if (call.filled) fill(r, face);
@@ -170,8 +173,27 @@ class DialogPen {
         cairo_set_line_width(pen(), call.look.width);
         for (size_t i = 0; i + 1 < call.points.size(); i += 2)
             cairo_line_to(pen(), call.points[i] + 0.5, call.points[i + 1] + 0.5);
+        if (call.filled) cairo_fill_preserve(pen());
         cairo_stroke(pen());
         cairo_set_line_width(pen(), 1);
+    }
+
+    // The characters are stretched so that they fill the box.
+    void boxedText(const DrawCall& call) {
+        const DrawnTextBox& b = *call.box;
+        setFont(FONT_DIALOG);
+        cairo_set_font_size(pen(), 1);
+        const std::string utf8 = utf8FromNarrow(call.text);
+        cairo_text_extents_t extents;
+        cairo_text_extents(pen(), utf8.c_str(), &extents);
+        if (!(extents.x_advance > 0 && std::fabs(b.alongX * b.upY - b.alongY * b.upX) > 1e-6)) return;
+        const double wide = 1 / extents.x_advance, high = fontSizePerHeight;
+        const cairo_matrix_t face{b.alongX * wide, b.alongY * wide, -b.upX * high, -b.upY * high, 0, 0};
+        use(colorOf(call.color));
+        cairo_set_font_matrix(pen(), &face);
+        cairo_move_to(pen(), b.x, b.y);
+        cairo_show_text(pen(), utf8.c_str());
+        cairo_new_path(pen());
     }
 
     void icon(const DrawCall& call) {

@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 
+#include "host/dialog/registry.h"
 #include "host/mdl/dialog.h"
 #include "host/mdl/view.h"
 #include "host/picture/drawing.h"
@@ -52,42 +53,35 @@ int32_t pixel(double value) {
     return static_cast<int32_t>(std::lround(std::clamp(value, -farOff, farOff)));
 }
 
+// Draws into the display list of a dialog.
 class WindowPen {
   public:
-    WindowPen(MdlDialog* window, const WindowMap& map) : window_(window), map_(map) {}
+    WindowPen(Dialog& dialog, const WindowMap& map) : dialog_(dialog), map_(map) {}
 
     void line(const std::vector<Point3d>& points, const Look& look) {
-        std::vector<int32_t> pixels;
+        DrawCall call{.kind = DrawCall::Kind::line, .color = look.color, .filled = look.filled};
         for (const Point3d& p : points) {
             const Point3d at = map_.at(p);
-            pixels.push_back(pixel(at.x));
-            pixels.push_back(pixel(at.y));
+            call.points.push_back(pixel(at.x));
+            call.points.push_back(pixel(at.y));
         }
-        const auto count = static_cast<int32_t>(points.size());
-        if (mdlWindow_polylineDraw(window_, pixels.data(), count, look.color) != MDL_SUCCESS) failed_ = true;
+        dialog_.add(std::move(call));
     }
 
     void text(const TextView& text, const Look& look) {
         const TextBox box = textBox(text);
-        const Point3d upperLeft = box.lowerLeft + box.up;
-        const double height = length(box.up) * map_.scale();
-        if (height < 0.5 * mdlDialog_fontHeight(mdlDialog_getFontIndex(window_))) {
-            const Point3d right = box.lowerLeft + box.along;
-            line({box.lowerLeft, right, right + box.up, upperLeft, box.lowerLeft}, look);
-            return;
-        }
-        std::string narrow;
-        for (uint32_t i = 0; i < text.body.count; ++i) narrow.push_back(static_cast<char>(textCharacter(text, i)));
-        const Point3d at = map_.at(upperLeft);
-        if (mdlDialog_textDrawCD(window_, pixel(at.x), pixel(at.y), narrow.c_str()) != MDL_SUCCESS) failed_ = true;
+        const Point3d at = map_.at(box.lowerLeft);
+        const Point3d along = map_.at(box.lowerLeft + box.along) - at, up = map_.at(box.lowerLeft + box.up) - at;
+        DrawCall call{.kind = DrawCall::Kind::text, .font = dialog_.font(), .color = look.color};
+        call.rect = {pixel(at.x + up.x), pixel(at.y + up.y), pixel(at.x + along.x), pixel(at.y + along.y)};
+        call.box = DrawnTextBox{at.x, at.y, along.x, along.y, up.x, up.y};
+        for (uint32_t i = 0; i < text.body.count; ++i) call.text.push_back(static_cast<char>(textCharacter(text, i)));
+        dialog_.add(std::move(call));
     }
 
-    bool failed() const { return failed_; }
-
   private:
-    MdlDialog* window_;
+    Dialog& dialog_;
     const WindowMap& map_;
-    bool failed_ = false;
 };
 
 }  // namespace
@@ -104,13 +98,14 @@ int mdlElmdscr_displayToWindow(MdlDialog* window, const DialogRect* rect, const 
     if (!window || !rect || !ed || !matrix || !origin || !extent) return MDL_ERROR;
     if (rect->right <= rect->left || rect->bottom <= rect->top) return MDL_ERROR;
     return guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto dialog = dialogOf(window);
         const WindowMap map(*rect, *matrix, *origin, *extent);
-        if (!map.isUsable()) return MDL_ERROR;
+        if (!dialog || !map.isUsable()) return MDL_ERROR;
         constexpr double tolerance = 0.5;  // pixels
-        WindowPen pen(window, map);
+        WindowPen pen(*dialog, map);
         draw(ed, nullptr, tolerance / map.scale(),
              {[&](const auto& points, const Look& look) { pen.line(points, look); },
               [&](const TextView& text, const Look& look) { pen.text(text, look); }});
-        return pen.failed() ? MDL_ERROR : MDL_SUCCESS;
+        return MDL_SUCCESS;
     });
 }

@@ -146,6 +146,15 @@ int mdlCurrTrans_rotateByAngles(double ax, double ay, double az) {
     return setInnermost(withAxes(currentToWorld(), turnAboutXThenYThenZ(ax, ay, az)));
 }
 
+void mdlTMatrix_rotateByAngles(Transform* out, const Transform* in, double ax, double ay, double az) {
+    const Transform before = in ? *in : identityTransform;
+    const RotMatrix turn = turnAboutXThenYThenZ(ax, ay, az);
+    for (int i = 0; i < 4; ++i) {
+        const Point3d turned = rotate(turn, {before.form[0][i], before.form[1][i], before.form[2][i]});
+        out->form[0][i] = turned.x, out->form[1][i] = turned.y, out->form[2][i] = turned.z;
+    }
+}
+
 int mdlCurrTrans_rotateByView(int32_t view) {
     return isView(view) ? setInnermost(withAxes(currentToWorld(), transposed(viewRotation(view)))) : int{MDL_ERROR};
 }

@@ -28,6 +28,8 @@ const std::map<std::string, int> listNames = {{"MCLIB_QUESTIONS", 20003},
 const std::map<std::string, std::set<Message>> passedOn = {
     {"frame/units.cpp", {{20007, 2}, {20007, 13}, {20007, 14}, {20007, 20}}},  // firsts and lasts of months and days
     {"frame/startup.cpp", {{20007, 38}, {20007, 39}, {20007, 40}, {20007, 41}}},
+    {"forms/print_job.cpp", {{20003, 0}, {20003, 2}, {20005, 1}, {20005, 2}}},
+    {"project/dialog.cpp", {{20005, 1}, {20005, 7}, {20005, 8}, {20005, 9}, {20005, 10}}},
     {"project/store.cpp", {{20003, 4}, {20003, 7}}},  // what was written
     {"batch/message_dialogs.cpp", {{20007, 25}, {20007, 26}, {20007, 27}, {20007, 28}, {20007, 29}, {20007, 30}}},
 };
@@ -209,7 +211,7 @@ TEST(MessageLists, SayTheSameInBothLanguages) {
         const auto other = norwegian.find(message);
         ASSERT_NE(other, norwegian.end()) << message.first << " " << message.second;
         EXPECT_EQ(valuesOf(text), valuesOf(other->second)) << message.first << " " << message.second;
-        if (message.first == 20003 || message.first == 20005) {
+        if (!text.empty() && (message.first == 20003 || message.first == 20005)) {
             EXPECT_NE(text, other->second);
         }
     }

@@ -60,7 +60,7 @@ TEST_F(WindowTest, DrawingFillsTheRectangleAndIsCentred) {
     EXPECT_EQ(calls[0].points, (std::vector<int32_t>{10, 70, 110, 70}));
 }
 
-TEST_F(WindowTest, LargeTextsAreLettersAndSmallOnesTheirBoxes) {
+TEST_F(WindowTest, TextsOfAnySizeFillTheirBoxes) {
     addText(40);
     addText(4);
     ASSERT_EQ(display(), MDL_SUCCESS);
@@ -70,8 +70,11 @@ TEST_F(WindowTest, LargeTextsAreLettersAndSmallOnesTheirBoxes) {
     EXPECT_EQ(calls[1].text, "A1");
     EXPECT_EQ(calls[1].rect.left, 10);
     EXPECT_EQ(calls[1].rect.top, 50);
-    EXPECT_EQ(calls[2].kind, DrawCall::Kind::line);
-    EXPECT_EQ(calls[2].points.size(), 10u);
+    ASSERT_TRUE(calls[1].box && calls[2].box);
+    EXPECT_EQ(calls[1].box->upY, -20);
+    EXPECT_EQ(calls[2].text, "A1");
+    EXPECT_EQ(calls[2].box->y, 70);
+    EXPECT_EQ(calls[2].box->upY, -2);
 }
 
 TEST_F(WindowTest, DepthOfTheVolumeDoesNotCountAndEmptyOnesAreDrawn) {
