@@ -195,18 +195,22 @@ bool serve(host::Session& session) {
     return true;
 }
 
-// "% TEXT" hands the text to the operating system. Other key-ins are commands of a drawing program around the session;
-// mchost has none to carry them out.
-bool carryOut(const host::KeyIn& keyIn) {
-    constexpr std::string_view toSystem = "% ";
-    return keyIn.task.empty() && keyIn.text.starts_with(toSystem) &&
-           host::handToSystem(std::string_view(keyIn.text).substr(toSystem.size()));
+void tellNotCarriedOut(std::string_view keyIn) {
+    tell("not carried out, do it by hand: " + host::utf8FromNarrow(keyIn));
 }
 
-void carryOutKeyIns() {
-    for (const host::KeyIn& keyIn : host::keyInQueue()) {
-        if (!carryOut(keyIn)) tell("not carried out, do it by hand: " + host::utf8FromNarrow(keyIn.text));
-    }
+// "% TEXT" hands the text to the operating system.
+bool carryOut(const host::KeyIn& keyIn) {
+    constexpr std::string_view toSystem = "% ";
+    const std::string_view text = keyIn.text;
+    if (!text.starts_with(toSystem)) return false;
+    if (!host::handToSystem(text.substr(toSystem.size()))) tellNotCarriedOut(text);
+    return true;
+}
+
+// Other key-ins are commands of a drawing program around the session; mchost has none to carry them out.
+void tellKeyIns() {
+    for (const host::KeyIn& keyIn : host::keyInQueue()) tellNotCarriedOut(keyIn.text);
 }
 
 bool isWritten(std::FILE* stream) {
@@ -224,10 +228,10 @@ int work(const Options& options) {
         tell(error.what());
         return statusFailed;
     }
-    host::Session session({.frontEnd = std::move(frontEnd)});
+    host::Session session({.frontEnd = std::move(frontEnd), .variables = {}, .carryOut = carryOut});
     const bool done = configure(options) && run(session, options) && serve(session);
     session.finish();
-    carryOutKeyIns();
+    tellKeyIns();
     const bool written = isWritten(stdout);
     if (!done || !written) return statusFailed;
     const int status = session.exitStatus();  // an application may find its own arguments wrong

@@ -40,9 +40,11 @@ bool designFileIsOpen() {
     return mdlModelRef_getActive() != nullptr;
 }
 
-// Control is back in the host: closes the dialogs that wait for that, and stores what the finished command changed.
+// Control is back in the host: closes the dialogs that wait for that, carries out key-ins, and stores what the finished
+// command changed.
 void finishCommand(Session::State& state) {
     closeQueuedDialogs();
+    std::erase_if(state.keyIns, [&](const KeyIn& k) { return k.task.empty() && state.carryOut && state.carryOut(k); });
     if (designFileIsOpen() && mdlSystem_saveDesignFile() != MDL_SUCCESS && state.exitStatus == 0) state.exitStatus = 1;
 }
 
@@ -57,6 +59,7 @@ Session::Session(SessionOptions options) : state_(std::make_unique<State>()) {
     state_->frontEnd = options.frontEnd ? std::move(options.frontEnd) : std::make_unique<PlainFrontEnd>();
     for (const auto& [name, value] : options.variables)
         state_->variables.define(name, value, Variables::levelCount - 1);
+    state_->carryOut = std::move(options.carryOut);
     activeSession = this;
     activeState = state_.get();
     startClock();

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -13,12 +14,16 @@
 #include "host/export.h"
 #include "host/front/front_end.h"
 #include "host/mdl/types.h"
+#include "host/session/keyin.h"
 
 namespace host {
 
 struct SessionOptions {
     std::unique_ptr<FrontEnd> frontEnd;  // null: lines to the standard streams, and nobody answers
     std::vector<std::pair<std::string, std::string>> variables;  // configuration variables, defined at user level
+    // Carries out a key-in to the host when control is back in the host; false for one that isn't its own, which stays in
+    // the queue. None: all stay.
+    std::function<bool(const KeyIn&)> carryOut = {};
 };
 
 class HOST_EXPORT Session {

@@ -41,6 +41,7 @@ struct Session::State {
     std::vector<Timer> timers;
     int32_t lastTimerId = 0;
     std::vector<KeyIn> keyIns;
+    std::function<bool(const KeyIn&)> carryOut;
     int depth = 0;  // calls into applications that haven't come back
     int exitStatus = 0;
 };
