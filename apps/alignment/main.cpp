@@ -1,8 +1,10 @@
 // alignment: from the horizontal alignment of a road in a text file to a drawing on paper.
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -41,6 +43,8 @@ constexpr const char* usage =
     "  --paper A3       A0 to A5, lying; --portrait for standing\n"
     "  --scale 5000     instead of the SCALE of the input\n"
     "  --device postscript   of the print file: postscript, hpgl, pcl, or ascii for the station list as a text file\n"
+    "  --print PRINTER  send the print file to a port (LPT1), a network printer (\\\\server\\printer), what $(VARIABLE) tells, or\n"
+    "                   by a command: \"lp -d office %s\"\n"
     "  --picture png    png or svg\n"
     "  --raster 1600x1130    a PBM picture of so many pixels as well: black lines on white\n"
     "  --overwrite      replace files that are there\n"
@@ -61,7 +65,7 @@ constexpr auto devices = std::to_array<Device>({
 // clang-format on
 
 struct Options {
-    std::string input, out, paper = "A3", picture = "png";
+    std::string input, out, printer, paper = "A3", picture = "png";
     const Device* device = &devices[0];
     std::optional<RasterSize> raster;
     double scale = 0, step = 20;
@@ -123,6 +127,8 @@ bool setOption(Options& options, std::string_view name, const std::string& value
     if (name == "--step") return number(options.step);
     if (name == "--device") return setDevice(options, value);
     if (name == "--raster") return setRaster(options, value);
+    if (name == "--print" && value.empty()) return wrong("--print takes the name of a printer or a command");
+    if (name == "--print") options.printer = value;
     if (name == "--out") options.out = value;
     if (name == "--paper") options.paper = value;
     if (name == "--picture") options.picture = value;
@@ -134,8 +140,8 @@ bool setOption(Options& options, std::string_view name, const std::string& value
 }
 
 std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
-    static constexpr std::string_view withValue[] = {"--scale",  "--step",    "--out",   "--paper",
-                                                     "--device", "--picture", "--raster"};
+    static constexpr std::string_view withValue[] = {"--scale",  "--step",    "--out",    "--paper",
+                                                     "--device", "--picture", "--raster", "--print"};
     Options options;
     for (size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
@@ -206,6 +212,24 @@ bool print(const std::string& name, ElementDescr* page, const Road& road, const 
     return list.page && printPage(name, device, list.page.get(), {0, 0, list.width, list.height});
 }
 
+// Why a printer didn't get a file: a command that failed has been told already.
+std::string deliveryError(const std::string& printer, int status) {
+    const bool byCopy =
+        (printer.size() == 4 && printer.starts_with("LPT")) || printer.starts_with('$') || printer.starts_with('\\');
+    if (byCopy && status == ENXIO) return "there is no such printer; docs/commands.md tells how one is made";
+    return byCopy ? std::strerror(status) : "a command failed";
+}
+
+// The file stays, whatever comes of it.
+bool sendToPrinter(const std::string& name, const std::string& printer) {
+    const int status = mclibPrint_sendFileToPrinter(name.c_str(), printer.c_str(), 1);
+    if (status != 0)
+        return fail(name + ": the print file is made, but not printed by \"" + printer +
+                    "\": " + deliveryError(printer, status));
+    toolSubsystem_printf("alignment: sent %s to %s\n", name.c_str(), printer.c_str());
+    return true;
+}
+
 bool writePicture(const std::string& name, ElementDescr* page, const Sheet& sheet) {
     constexpr double dpi = 150;
     Range3d range = uprightFrame(sheet);
@@ -259,7 +283,7 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Options& options) {
     if (!workFile.close()) return fail(designName + ": the design file can't be stored");
     if (!outputs.finish()) return false;
     for (const fs::path& name : outputs.names()) toolSubsystem_printf("alignment: made %s\n", name.c_str());
-    return true;
+    return options.printer.empty() || sendToPrinter(outputBase(options).string() + printSuffix, options.printer);
 }
 
 bool work(const Options& options) {
