@@ -7,6 +7,8 @@
 
 #include "forms/forms.h"
 
+// Visible from outside the library for its tests.
+#pragma GCC visibility push(default)
 namespace forms {
 
 constexpr size_t pageTextSize = 512;    // what a text may take on a page, its NUL included
@@ -60,3 +62,4 @@ struct FormatRequest {
 int generateText(std::span<char> out, const FormatRequest& request);
 
 }  // namespace forms
+#pragma GCC visibility pop
