@@ -2,13 +2,13 @@
 add_executable(mccel ${PROJECT_SOURCE_DIR}/host/mccel.cpp ${PROJECT_SOURCE_DIR}/host/mccel_values.cpp)
 target_link_libraries(mccel PRIVATE mchost CLI11::CLI11)
 
-# mclib_cell_library(NAME SOURCES...): NAME.cel in the build's folder "cell" from sources in the current folder, at
-# build time. The target is NAME-cells.
+# mclib_cell_library(NAME SOURCES...): NAME.cel from sources in the current folder, at build time. It goes to the folder
+# "cell" beside mclib.rsc, where the library looks by default. The target is NAME-cells.
 function(mclib_cell_library name)
-  set(library ${CMAKE_BINARY_DIR}/cell/${name}.cel)
+  set(library ${CMAKE_BINARY_DIR}/lib/cell/${name}.cel)
   list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   add_custom_command(OUTPUT ${library}
-                     COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/cell
+                     COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_BINARY_DIR}/lib/cell
                      COMMAND mccel -o ${library} ${ARGN}
                      DEPENDS mccel ${ARGN} VERBATIM)
   add_custom_target(${name}-cells ALL DEPENDS ${library})

@@ -3,7 +3,7 @@
 include(CMakePackageConfigHelpers)
 
 install(TARGETS mchost mclib EXPORT mclib-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(TARGETS mchost-program mcrsc mcshell RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS mchost-program mcrsc mccel mcshell RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 file(GLOB FAMILY_HEADERS RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS frame/*.h text/*.h elmattr/*.h geometry/*.h
      arrows/*.h print/*.h forms/*.h project/*.h design/*.h batch/*.h host/mdl/*.h)
@@ -16,6 +16,7 @@ foreach(header ${FAMILY_HEADERS})
 endforeach()
 
 install(FILES ${CMAKE_BINARY_DIR}/lib/mclib.rsc DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
+install(DIRECTORY ${CMAKE_BINARY_DIR}/lib/cell DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 install(FILES host/mchost.cfg DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 install(DIRECTORY host/plotters DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 

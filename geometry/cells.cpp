@@ -12,7 +12,6 @@
 #include "host/mdl/dialog.h"
 #include "host/mdl/files.h"
 #include "host/mdl/lists.h"
-#include "host/mdl/model.h"
 #include "host/mdl/system.h"
 #include "host/mdl/text.h"
 #include "host/mdl/transform.h"
@@ -123,13 +122,13 @@ int appendToCell(MSElementBuffer* element, void* cell, int32_t, int32_t, Element
     return mdlElmdscr_appendElement(static_cast<ElementDescr*>(cell), element);
 }
 
-// Where a cell header keeps its origin.
+// Where a cell header keeps its origin. Headers are 3D in a 3D file; one of the other kind, which a builder can make in
+// any file, is told by its length, since the other place would lie in its axes or behind its end.
 constexpr size_t origin3dAt = 232, origin2dAt = 176;
 
-// A 2D header may stand in a 3D file: it has no room for the origin of a 3D one.
 void putOrigin(MSElementBuffer* header, const Point3d& origin) {
-    const size_t end = size_t{header->head.attributeOffset} * 2;
-    if (*mgds_modesP != 0 && end >= origin3dAt + sizeof origin)
+    const bool is3d = size_t{header->head.attributeOffset} * 2 >= origin3dAt + sizeof origin;
+    if (is3d)
         std::memcpy(header->bytes + origin3dAt, &origin, sizeof origin);
     else
         std::memcpy(header->bytes + origin2dAt, &origin, 2 * sizeof(double));
