@@ -92,7 +92,8 @@ void startMessageDialogs(GlobalData&) {
     publishMessageDialogHooks();
 }
 
-constexpr Room rooms[] = {startPrinterSetup, startMessageDialogs, startAttributes};
+// The message box comes first: what is loaded behind it may have to tell of a file that can't be used.
+constexpr Room rooms[] = {startMessageDialogs, startPrinterSetup, startAttributes};
 
 struct PublishedBlock {
     const char* structName;
@@ -229,10 +230,10 @@ int mclibMain_initMcLibExtended(const char* applicationName, int argc, char** ar
         return MCLIB_ERROR;
     }
     const char* name = data->applicationName;
+    setTitles(name);
     for (const Room room : rooms) room(*data);
     publishBlocks();
     mdlSystem_setFunction(MDL_FUNCTION_NEW_DESIGN_FILE, reinterpret_cast<void*>(mclibMain_newDesignFile));
-    setTitles(name);
     if (asksForFolder(name)) offerFamilyFolder(name, argc, argv);
     data->upfHandle = {};
     if (std::strcmp(name, "MCDraft") != 0) refreshLineStyles();
