@@ -78,14 +78,14 @@ std::optional<size_t> defaultButton(const Dialog& dialog) {
     return std::nullopt;
 }
 
-// The one button whose label is, or else begins with, the answer.
-std::optional<size_t> buttonLabelled(const Dialog& dialog, std::string_view answer) {
+// The one item among these whose label is, or else begins with, the answer.
+std::optional<size_t> labelled(const Dialog& dialog, const std::vector<size_t>& items, std::string_view answer) {
     const std::string wanted = folded(answer);
     std::vector<size_t> beginning;
-    for (const size_t button : usableButtons(dialog)) {
-        const std::string label = folded(dialog.items()[button].label);
-        if (label == wanted) return button;
-        if (label.starts_with(wanted)) beginning.push_back(button);
+    for (const size_t item : items) {
+        const std::string label = folded(dialog.items()[item].label);
+        if (label == wanted) return item;
+        if (label.starts_with(wanted)) beginning.push_back(item);
     }
     return beginning.size() == 1 ? std::optional(beginning[0]) : std::nullopt;
 }
@@ -252,14 +252,16 @@ class TerminalFrontEnd : public FrontEnd {
             const auto button = defaultButton(dialog);
             return button && dialog.press(*button);
         }
+        if (const auto button = labelled(dialog, usableButtons(dialog), answer)) return dialog.press(*button);
         const size_t equals = answer.find('=');
+        const std::string_view name = trimmed(answer.substr(0, equals));
         const std::vector<size_t> usable = usableItems(dialog);
-        const auto number = numberIn(trimmed(answer.substr(0, equals)));
-        if (!number || *number < 1 || *number > usable.size()) {
-            const auto button = buttonLabelled(dialog, answer);
-            return button && dialog.press(*button);
-        }
-        const size_t index = usable[*number - 1];
+        const auto number = numberIn(name);
+        const auto found = !number                                    ? labelled(dialog, usable, name)
+                           : *number >= 1 && *number <= usable.size() ? std::optional(usable[*number - 1])
+                                                                      : std::nullopt;
+        if (!found) return false;
+        const size_t index = *found;
         if (equals != std::string_view::npos) return setItem(dialog, index, trimmed(answer.substr(equals + 1)));
         const DialogItem& item = dialog.items()[index];
         if (item.kind == ITEM_TOGGLE) return dialog.setValue(index, item.value == "1" ? "0" : "1");

@@ -164,6 +164,14 @@ TEST_F(Terminal, SetsTextsChoicesTogglesAndRowsByNumber) {
     EXPECT_THAT(shown, HasSubstr("    * 2.  second\n"));
 }
 
+TEST_F(Terminal, SetsItemsByTheirLabels) {
+    typed("name=x=y\nDEV = sk\xc3\xa6rm\nframe\nrow=2\nlabel=1\nprint\n");
+    EXPECT_EQ(run(FORM), 3);
+    EXPECT_THAT(shown, HasSubstr("3) Name: x=y\n4) Device: Sk\xc3\xa6rm (Paper, Sk\xc3\xa6rm)\n5) [x] Frame\n"));
+    EXPECT_THAT(shown, HasSubstr("    * 2.  second\n"));
+    EXPECT_THAT(shown, HasSubstr("can't be done here: \"label=1\""));
+}
+
 TEST_F(Terminal, WrongAnswersAreToldAndAskedAgain) {
     typed("4=3\n5=maybe\n6=9\n6=0\n9=x\n3\n3=\xe6\x97\xa5\n1\n");
     EXPECT_EQ(run(FORM), 3);
