@@ -75,6 +75,13 @@ std::optional<std::string> nextLine(std::string_view complaint) {
     return session->frontEnd().commandLine(utf8FromNarrow(commandPrompt()), complaint);
 }
 
+// A reset first, so that the command can let go of what it holds.
+void leaveCommand() {
+    const uint64_t serial = commandSerial();
+    giveReset();
+    if (commandSerial() == serial) mdlState_startDefaultCommand();
+}
+
 void follow(const CommandInput& input) {
     switch (input.kind) {
         case CommandInput::Kind::point: {
@@ -83,7 +90,7 @@ void follow(const CommandInput& input) {
             break;
         }
         case CommandInput::Kind::reset: giveReset(); break;
-        case CommandInput::Kind::end: mdlState_startDefaultCommand(); break;
+        case CommandInput::Kind::end: leaveCommand(); break;
     }
 }
 
@@ -102,7 +109,7 @@ bool serveCommands() {
     while (commandRuns()) {
         const std::optional<std::string> line = nextLine(complaint);
         if (!line) {
-            mdlState_startDefaultCommand();
+            leaveCommand();
             return false;
         }
         const std::optional<CommandInput> input = commandInputIn(*line);

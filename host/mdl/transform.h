@@ -53,6 +53,9 @@ MDL_EXPORT int mdlCurrTrans_rotateByAngles(double ax, double ay, double az); /* 
 MDL_EXPORT int mdlCurrTrans_rotateByView(int32_t view);
 /* One unit of the new system is one master unit of the active model. */
 MDL_EXPORT int mdlCurrTrans_masterUnitsIdentity(void);
+/* Points of the current system in UOR, and back. `out` may be `in`. */
+MDL_EXPORT int mdlCurrTrans_transformPointArray(Point3d *out, const Point3d *in, int32_t count);
+MDL_EXPORT int mdlCurrTrans_invtransPointArray(Point3d *out, const Point3d *in, int32_t count);
 /* The transforms between the current system and UOR; valid until the current system changes. Each may be null. */
 MDL_EXPORT int mdlCurrTrans_getAddresses(const Transform **toWorld, const Transform **fromWorld);
 

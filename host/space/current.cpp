@@ -76,6 +76,12 @@ RotMatrix turnAboutXThenYThenZ(double ax, double ay, double az) {
     return product(z, product(y, x));
 }
 
+int applyToPoints(Point3d* out, const Point3d* in, int32_t count, const Transform& transform) {
+    if (!out || !in || count < 0) return MDL_ERROR;
+    std::transform(in, in + count, out, [&](const Point3d& p) { return applyToPoint(transform, p); });
+    return MDL_SUCCESS;
+}
+
 }  // namespace
 
 // By the adjugate, rows scaled first so that systems of very small or
@@ -162,6 +168,14 @@ int mdlCurrTrans_rotateByView(int32_t view) {
 int mdlCurrTrans_masterUnitsIdentity(void) {
     const double uor = mdlModelRef_getUorPerMaster(mdlModelRef_getActive());
     return setInnermost({{{uor, 0, 0, 0}, {0, uor, 0, 0}, {0, 0, uor, 0}}});
+}
+
+int mdlCurrTrans_transformPointArray(Point3d* out, const Point3d* in, int32_t count) {
+    return applyToPoints(out, in, count, currentToWorld());
+}
+
+int mdlCurrTrans_invtransPointArray(Point3d* out, const Point3d* in, int32_t count) {
+    return applyToPoints(out, in, count, currentFromWorld());
 }
 
 int mdlCurrTrans_getAddresses(const Transform** toWorld, const Transform** fromWorld) {

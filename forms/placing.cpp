@@ -1,0 +1,200 @@
+// The command that places pages in the drawing, for good or for the time of a plot.
+#include "forms/placing.h"
+
+#include <algorithm>
+
+#include "frame/error.h"
+#include "frame/main.h"
+#include "frame/util.h"
+#include "geometry/elmdscr.h"
+#include "host/mdl/element.h"
+#include "host/mdl/elmdscr.h"
+#include "host/mdl/model.h"
+#include "host/mdl/state.h"
+#include "host/mdl/transform.h"
+#include "print/shared.h"
+
+namespace forms {
+
+namespace {
+
+enum { PROMPT_PLACE = 35 };
+enum { ERROR_PLACE = 32, ERROR_NO_DESIGN_FILE = 34 };
+enum { orientationTurned = 0 };
+constexpr double crossArm = 2;  // master units
+
+double uor(double master) {
+    return *mclibUtil_masterToUORP(master);
+}
+
+// ---- sheets; a millimetre of the sheet is a master unit of the drawing ----
+
+struct SheetSize {
+    double width, height;  // UOR
+};
+
+SheetSize sheetSize() {
+    const double width = uor(mclibpsd->pageWidth), height = uor(mclibpsd->pageHeight);
+    return mclibpsd->orientation == orientationTurned ? SheetSize{height, width} : SheetSize{width, height};
+}
+
+Corners sheetOutline() {
+    const SheetSize sheet = sheetSize();
+    return rectangle({0, -sheet.height, 0}, {sheet.width, 0, 0});
+}
+
+Corners printableArea() {
+    const SheetSize sheet = sheetSize();
+    return rectangle({uor(mclibpsd->marginLeft), uor(mclibpsd->marginBottom) - sheet.height, 0},
+                     {sheet.width - uor(mclibpsd->marginRight), -uor(mclibpsd->marginTop), 0});
+}
+
+// From the sheet with that number in its range, counted from 0, to the next one.
+Point3d stepBehind(int32_t sheet, int32_t pagesPerRow) {
+    const SheetSize size = sheetSize();
+    const int32_t inRow = std::max(pagesPerRow, 1);
+    if ((sheet + 1) % inRow == 0) return {(1 - inRow) * size.width, -size.height, 0};
+    return {size.width, 0, 0};
+}
+
+// ---- what lies in the drawing ----
+
+void addLine(const Point3d& from, const Point3d& to) {
+    const Point3d ends[] = {from, to};
+    if (mdlLine_create(dgnBufP, nullptr, ends) != MDL_SUCCESS || mdlElement_add(dgnBufP) == 0) return;
+    mdlElement_display(dgnBufP, MDL_DRAW);
+}
+
+void markCorners() {
+    const double arm = uor(crossArm);
+    const Corners sheet = sheetOutline();
+    for (int i = 0; i < 4; ++i) {
+        const Point3d& p = sheet.at[i];
+        addLine({p.x - arm, p.y, p.z}, {p.x + arm, p.y, p.z});
+        addLine({p.x, p.y - arm, p.z}, {p.x, p.y + arm, p.z});
+    }
+}
+
+// The page function builds in a system of its own.
+void makeInOwnSystem(GlobalData& data, int32_t number, bool inDrawing, Page& page) {
+    mdlCurrTrans_begin();
+    mdlCurrTrans_identity();
+    makePage(data, number, inDrawing, page.out());
+    mdlCurrTrans_end();
+}
+
+// A page of several elements becomes the content of a cell without a name.
+void gather(Page& page) {
+    if (page.get()->next == nullptr) return;
+    ElementDescr* cell = nullptr;
+    const bool made = mdlCell_create(dgnBufP, L"", nullptr, *mgds_modesP) == MDL_SUCCESS &&
+                      mdlElmdscr_new(&cell, nullptr, dgnBufP) == MDL_SUCCESS;
+    if (!made) return;
+    if (mdlElmdscr_appendDscr(cell, page.get()) == MDL_SUCCESS)
+        *page.out() = cell;
+    else
+        mdlElmdscr_freeAll(&cell);
+}
+
+// ---- the command ----
+
+void showSheets(Point3d* point, int32_t view, int32_t drawMode) {
+    const GlobalData* data = mclibMain_getGlobalDataP();
+    if (!data) return;
+    const Corners outline = sheetOutline();
+    forEachSheet(*data, *point, view, [&](int32_t) {
+        if (mdlLineString_create(dgnBufP, nullptr, outline.at, 5) == MDL_SUCCESS) mdlElement_display(dgnBufP, drawMode);
+        return true;
+    });
+}
+
+void placeAt(GlobalData& data, const Point3d& point, int32_t view) {
+    forEachSheet(data, point, view, [&](int32_t number) {
+        mclibUtil_newGraphicGroup();
+        markCorners();
+        return tellUnlessPlaced(data, number, placePage(data, number, true, false));
+    });
+}
+
+void dataPoint(Point3d* point, int32_t view) {
+    if (GlobalData* data = mclibMain_getGlobalDataP()) {
+        const Point3d at = *point;
+        if (data->placeForPlot)
+            plotAt(*data, at, view);
+        else
+            placeAt(*data, at, view);
+    }
+    mdlState_startDefaultCommand();
+}
+
+void reset() {
+    if (GlobalData* data = mclibMain_getGlobalDataP()) dropPlot(*data);
+    mdlState_startDefaultCommand();
+}
+
+}  // namespace
+
+Corners rectangle(const Point3d& low, const Point3d& high) {
+    return {{{low.x, low.y, low.z},
+             {low.x, high.y, low.z},
+             {high.x, high.y, high.z},
+             {high.x, low.y, high.z},
+             {low.x, low.y, low.z}}};
+}
+
+ViewSystem::ViewSystem(const Point3d& origin, int32_t view) {
+    mdlCurrTrans_begin();
+    mdlCurrTrans_identity();
+    mdlCurrTrans_rotateByView(view);
+    mdlCurrTrans_translateOriginWorld(&origin);
+}
+
+ViewSystem::~ViewSystem() {
+    mdlCurrTrans_end();
+}
+
+void forEachSheet(const GlobalData& data, const Point3d& point, int32_t view,
+                  const std::function<bool(int32_t page)>& handle) {
+    const ViewSystem system(point, view);
+    const PageSpan span = pagesToPrint(data);
+    for (int32_t page = span.first; page <= span.last && handle(page); ++page) {
+        const Point3d step = stepBehind(page - span.first, data.fileDialogP->pagesPerRow);
+        mdlCurrTrans_translateOrigin(&step);
+    }
+}
+
+PlacedPage placePage(GlobalData& data, int32_t number, bool inDrawing, bool asOneElement) {
+    PlacedPage placed{.area = printableArea()};
+    Page page;
+    makeInOwnSystem(data, number, inDrawing, page);
+    placed.made = static_cast<bool>(page);
+    if (!page) return placed;
+    if (asOneElement) gather(page);
+    mclibElemDscr_placeElementDescr(placed.area.at, 1, page.get());
+    const Transform* toWorld = nullptr;
+    mdlCurrTrans_getAddresses(&toWorld, nullptr);
+    if (mdlElmdscr_transform(page.get(), toWorld) != MDL_SUCCESS) return placed;
+    placed.position = mdlElmdscr_add(page.get());
+    if (placed.position != 0) mdlElmdscr_display(page.get(), mdlModelRef_getActive(), MDL_DRAW);
+    return placed;
+}
+
+bool tellUnlessPlaced(const GlobalData& data, int32_t number, const PlacedPage& placed) {
+    if (!placed.made || placed.position != 0) return true;
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_PLACE, pageName(data, number));
+    return false;
+}
+
+void startPlacing(GlobalData& data, bool forPlot) {
+    if (!mdlModelRef_getActive()) {
+        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NO_DESIGN_FILE);
+        return dropPlot(data);
+    }
+    data.placeForPlot = forPlot ? 1 : 0;
+    mdlState_startPrimitive(dataPoint, nullptr, 0, 0);
+    mdlState_setFunction(MDL_STATE_RESET, reset);
+    mdlState_setFunction(MDL_STATE_DYNAMICS, reinterpret_cast<MdlStateFunction>(showSheets));
+    mdlOutput_prompt(mclibUtil_getLanguageText(PROMPT_PLACE));
+}
+
+}  // namespace forms

@@ -1,0 +1,212 @@
+// The plot of pages through the host: they lie in the design file for a moment, are fenced one by one and plotted.
+#include <array>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "forms/placing.h"
+#include "frame/error.h"
+#include "frame/text_buffer.h"
+#include "host/mdl/dialog.h"
+#include "host/mdl/fence.h"
+#include "host/mdl/plot.h"
+#include "host/mdl/system.h"
+#include "host/mdl/transform.h"
+#include "print/plot_name.h"
+#include "print/shared.h"
+
+namespace forms {
+
+namespace {
+
+enum { PRINT_DIALOG = 20007 };
+enum { REPLY_OK = 3 };
+enum { MESSAGE_FIELD = 0 };
+enum { NOTICE_NONE = 0, NOTICE_PAGE = 1, NOTICE_POINT = 14 };
+enum { ERROR_PLOT = 33, ERROR_LAST_PLOT = 35 };
+enum { UNITS_MILLIMETRES = 4 };
+constexpr int pointBox = MSGBOX_KIND_4 | MSGBOX_FIRST_64;
+constexpr int goOnBox = MSGBOX_KIND_1 | MSGBOX_FIRST_64 | MSGBOX_SECOND_512;
+
+struct PaperName {
+    int32_t pageSize;
+    const char* name;
+};
+constexpr auto paperNames = std::to_array<PaperName>({
+    {1, "A0"},
+    {3, "A1"},
+    {5, "A2"},
+    {7, "A3"},
+    {11, "A5"},
+});
+
+const char* paperName(int32_t pageSize) {
+    for (const PaperName& row : paperNames)
+        if (row.pageSize == pageSize) return row.name;
+    return "A4";
+}
+
+MdlPlotDesc* plotOf(const GlobalData& data) {
+    return static_cast<MdlPlotDesc*>(data.plotDescr);
+}
+
+// ---- the description ----
+
+bool preparePlot(GlobalData& data) {
+    dropPlot(data);
+    MdlPlotDesc* const descr = mdlPlotDesc_createFromTCBAndPltFile(mclibpsd->plotterFile);
+    data.plotDescr = descr;
+    if (!descr) return false;
+    const ViewFlags none{};
+    mdlPlotDesc_setPaperSize(descr, paperName(mclibpsd->pageSize));
+    mdlPlotDesc_setUnits(descr, UNITS_MILLIMETRES);
+    mdlPlotDesc_setViewFlags(descr, &none);
+    return true;
+}
+
+// ---- the records ----
+
+std::span<PlotPage> placedPages(const GlobalData& data) {
+    return {data.plotList, static_cast<size_t>(data.plotList ? data.fileDialogP->plotPlaced : 0)};
+}
+
+bool allocateRecords(GlobalData& data) {
+    const PageSpan span = pagesToPrint(data);
+    const int32_t count = span.last - span.first + 1;
+    data.fileDialogP->plotCount = data.fileDialogP->plotPlaced = 0;
+    if (count < 1) return false;
+    const size_t size = static_cast<size_t>(count) * sizeof(PlotPage);
+    data.plotList = static_cast<PlotPage*>(mclibMem_mallocRscErrorPrintf(size, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY));
+    if (!data.plotList) return false;
+    data.fileDialogP->plotCount = count;
+    return true;
+}
+
+void record(GlobalData& data, int32_t number, int32_t view, const PlacedPage& placed) {
+    PlotPage& page = data.plotList[data.fileDialogP->plotPlaced++];
+    mdlCurrTrans_transformPointArray(&page.low, &placed.area.at[0], 1);
+    mdlCurrTrans_transformPointArray(&page.high, &placed.area.at[2], 1);
+    page.filePos = placed.position;
+    page.view = view;
+    copyText(page.name, pageName(data, number));
+}
+
+void remove(PlotPage& page) {
+    if (page.filePos != 0) mdlElement_undoableDelete(nullptr, page.filePos, 1);
+    page.filePos = 0;
+}
+
+// ---- one page ----
+
+// The area of the page as a shape, upright in the view.
+bool fenceIn(const PlotPage& page, int32_t view) {
+    const ViewSystem system({0, 0, 0}, view);
+    Point3d ends[] = {page.low, page.high};
+    mdlCurrTrans_invtransPointArray(ends, ends, 2);
+    const Corners area = rectangle(ends[0], ends[1]);
+    return mdlShape_create(dgnBufP, nullptr, area.at, 5, 0) == MDL_SUCCESS &&
+           mdlFence_fromShape(dgnBufP) == MDL_SUCCESS;
+}
+
+std::string textOf(const MdlPlotter* plotter, int32_t which) {
+    char text[MDL_PLOT_TEXT_BYTES] = "";
+    return mdlPlotter_getString(text, plotter, which) > 0 ? text : "";
+}
+
+bool isSet(const MdlPlotter* plotter, int32_t which) {
+    int32_t value = 0;
+    return mdlPlotter_getInt(&value, plotter, which) == MDL_SUCCESS && value != 0;
+}
+
+// The file of the page; empty for a system printer.
+std::string fileFor(MdlPlotDesc* descr, const PlotPage& page) {
+    const MdlPlotter* plotter = mdlPlotDesc_getPlotter(descr);
+    if (isSet(plotter, MDL_PLOTTER_IS_SYSTEM)) return {};
+    const std::string extension = textOf(plotter, MDL_PLOTTER_EXTENSION);
+    const std::string name = textOf(plotter, MDL_PLOTTER_OUTPUT_NAME);
+    const bool hasName = isSet(plotter, MDL_PLOTTER_HAS_OUTPUT_NAME) && !name.empty();
+    return hasName ? name + extension : print::plotFileName(page.name, extension);
+}
+
+bool plotPage(MdlPlotDesc* descr, const PlotPage& page) {
+    mdlOutput_rscPrintf(MESSAGE_FIELD, 0, MCLIB_QUESTIONS, NOTICE_PAGE, page.name);
+    if (mdlPlotDesc_setFenceFromTCB(descr, 1) != MDL_SUCCESS) return false;
+    mdlPlotDesc_setNumCopies(descr, mclibpsd->copies);
+    mdlPlotDesc_maximize(descr);
+    const std::string file = fileFor(descr, page);
+    return mdlPlotDesc_plot(descr, file.empty() ? nullptr : file.c_str()) == MDL_SUCCESS;
+}
+
+// ---- the run ----
+
+// The pages of a plot while they lie in the design file: none is left there, nor the fence, when this ends.
+class PagesInDrawing {
+  public:
+    explicit PagesInDrawing(GlobalData& data) : data_(data) {}
+    ~PagesInDrawing() {
+        for (PlotPage& page : placedPages(data_)) remove(page);
+        dlmSystem_mdlFree(std::exchange(data_.plotList, nullptr));
+        data_.fileDialogP->plotCount = data_.fileDialogP->plotPlaced = 0;
+        mdlFence_clear(0);
+    }
+    PagesInDrawing(const PagesInDrawing&) = delete;
+    PagesInDrawing& operator=(const PagesInDrawing&) = delete;
+
+  private:
+    GlobalData& data_;
+};
+
+void placeAll(GlobalData& data, const Point3d& point, int32_t view) {
+    forEachSheet(data, point, view, [&](int32_t number) {
+        const PlacedPage placed = placePage(data, number, false, true);
+        record(data, number, view, placed);
+        return tellUnlessPlaced(data, number, placed);
+    });
+}
+
+// Whether the user wants the pages behind one that failed; there is nothing to ask when it was the last.
+bool goesOnAfter(const PlotPage& failed, bool isLast) {
+    if (!isLast) return mclibError_rscMsgBoxPrintf(goOnBox, MCLIB_ERRORS, ERROR_PLOT, failed.name) != MSGBOX_SECOND;
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_LAST_PLOT, failed.name);
+    return false;
+}
+
+void plotAll(const GlobalData& data) {
+    const std::span<PlotPage> pages = placedPages(data);
+    for (PlotPage& page : pages) {
+        if (page.filePos == 0) continue;
+        mdlFence_setView(pages.front().view);
+        const bool plotted = fenceIn(page, pages.front().view) && plotPage(plotOf(data), page);
+        remove(page);
+        if (!plotted && !goesOnAfter(page, &page == &pages.back())) return;
+    }
+}
+
+}  // namespace
+
+void dropPlot(GlobalData& data) {
+    mdlPlotDesc_destroy(plotOf(data));
+    data.plotDescr = nullptr;
+    data.placeForPlot = 0;
+}
+
+void plotAt(GlobalData& data, const Point3d& point, int32_t view) {
+    if (plotOf(data) && allocateRecords(data)) {
+        const PagesInDrawing pages(data);
+        placeAll(data, point, view);
+        plotAll(data);
+    }
+    dropPlot(data);
+    mdlOutput_rscPrintf(MESSAGE_FIELD, 0, MCLIB_QUESTIONS, NOTICE_NONE);
+}
+
+void plotPages(GlobalData& data) {
+    if (!preparePlot(data)) return;
+    int32_t reply = 0;
+    mdlDialog_openModal(&reply, 0, PRINT_DIALOG);
+    if (reply != REPLY_OK) return dropPlot(data);
+    mclibError_rscMsgBoxPrintf(pointBox, MCLIB_QUESTIONS, NOTICE_POINT);
+    startPlacing(data, true);
+}
+
+}  // namespace forms
