@@ -3,8 +3,11 @@
 #include <cairo-pdf.h>
 #include <cairo-svg.h>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <numbers>
 #include <span>
@@ -70,13 +73,24 @@ double pointsOf(double mm) {
     return mm * pointsPerInch / mmPerInch;
 }
 
-cairo_surface_t* makeSurface(PictureKind kind, const std::string& path, double widthMm, double heightMm, double dpi) {
+// True also for what can't be forced there, such as a pipe.
+bool storeOnDisk(std::FILE* file) {
+    return fsync(fileno(file)) == 0 || errno == EINVAL || errno == EROFS;
+}
+
+// Cairo's own writers of files don't tell of a disk that is full.
+cairo_status_t writeTo(void* file, const unsigned char* bytes, unsigned int size) {
+    const bool written = file && std::fwrite(bytes, 1, size, static_cast<std::FILE*>(file)) == size;
+    return written ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
+}
+
+cairo_surface_t* makeSurface(PictureKind kind, std::FILE* file, double widthMm, double heightMm, double dpi) {
+    const double width = pointsOf(widthMm), height = pointsOf(heightMm), pixels = dpi / mmPerInch;
     switch (kind) {
-        case PictureKind::svg: return cairo_svg_surface_create(path.c_str(), pointsOf(widthMm), pointsOf(heightMm));
-        case PictureKind::pdf: return cairo_pdf_surface_create(path.c_str(), pointsOf(widthMm), pointsOf(heightMm));
+        case PictureKind::svg: return cairo_svg_surface_create_for_stream(writeTo, file, width, height);
+        case PictureKind::pdf: return cairo_pdf_surface_create_for_stream(writeTo, file, width, height);
         case PictureKind::png: break;
     }
-    const double pixels = dpi / mmPerInch;
     return cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(std::ceil(widthMm * pixels)),
                                       static_cast<int>(std::ceil(heightMm * pixels)));
 }
@@ -110,13 +124,13 @@ Sheet::Sheet(PictureKind kind, const std::string& path, const Range3d& range, do
 Sheet::Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi,
              double pageWidth, double pageHeight)
     : kind_(kind),
-      path_(path),
+      file_(std::fopen(path.c_str(), "wb"), std::fclose),
       range_(range),
       scale_(widthMm / (range.high.x - range.low.x)),
       precision_(kind == PictureKind::png ? 0.25 * mmPerInch / dpi : 0.02),
       surface_(nullptr, cairo_surface_destroy),
       pen_(nullptr, cairo_destroy) {
-    surface_.reset(makeSurface(kind, path, pageWidth, pageHeight, dpi));
+    surface_.reset(makeSurface(kind, file_.get(), pageWidth, pageHeight, dpi));
     pen_.reset(cairo_create(surface_.get()));
     const double unit = kind == PictureKind::png ? dpi / mmPerInch : pointsOf(1);
     cairo_scale(pen_.get(), unit, unit);  // millimetres from here on, y still downwards
@@ -141,11 +155,15 @@ Pen Sheet::pen() {
 }
 
 const char* Sheet::finish() {
+    if (!file_) return "its file can't be opened";
     cairo_status_t status = cairo_status(pen_.get());
     if (status == CAIRO_STATUS_SUCCESS && kind_ == PictureKind::png)
-        status = cairo_surface_write_to_png(surface_.get(), path_.c_str());
+        status = cairo_surface_write_to_png_stream(surface_.get(), writeTo, file_.get());
     cairo_surface_finish(surface_.get());
     if (status == CAIRO_STATUS_SUCCESS) status = cairo_surface_status(surface_.get());
+    const bool stored = std::fflush(file_.get()) == 0 && !std::ferror(file_.get()) && storeOnDisk(file_.get());
+    if (status == CAIRO_STATUS_SUCCESS && !stored) status = CAIRO_STATUS_WRITE_ERROR;
+    if (status == CAIRO_STATUS_WRITE_ERROR) return "it couldn't be written in full; is the disk full?";
     return status == CAIRO_STATUS_SUCCESS ? nullptr : cairo_status_to_string(status);
 }
 

@@ -3,6 +3,7 @@
 
 #include <cairo.h>
 
+#include <cstdio>
 #include <memory>
 #include <string>
 
@@ -27,8 +28,8 @@ struct Page {
 
 class Sheet {
   public:
-    // The sheet shows `range`, seen from above, on widthMm of paper. SVG and PDF are written to `path` as they are
-    // drawn.
+    // The sheet shows `range`, seen from above, on widthMm of paper. SVG and PDF are written to the file at `path` as
+    // they are drawn.
     Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi);
     // The same on a page.
     Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi,
@@ -36,7 +37,7 @@ class Sheet {
 
     double tolerance() const;  // of strokes, in UOR: what the picture can't show
     Pen pen();
-    // Writes what was drawn; a text that tells what failed, or null.
+    // Writes what was drawn, down to the disk; a text that tells what failed, or null.
     const char* finish();
 
   private:
@@ -48,7 +49,7 @@ class Sheet {
     Point3d onPaper(const Point3d& p) const;
 
     PictureKind kind_;
-    std::string path_;
+    std::unique_ptr<std::FILE, decltype(&std::fclose)> file_;  // null: it couldn't be opened
     Range3d range_;
     double scale_;      // mm for a UOR
     double precision_;  // mm

@@ -54,7 +54,7 @@ Failure drawPage(const PlotDriver& driver, const Fit& fit, const RotMatrix& view
     }
     Sheet sheet(driver.kind, path, fit.range, fit.widthMm, driver.resolution, fit.page);
     if (!drawModel(fit.range, view, sheet.tolerance(), sheet.pen())) return "the model can't be read";
-    if (const char* why = sheet.finish()) return std::string(why) + "; is the disk full?";
+    if (const char* why = sheet.finish()) return why;
     return std::nullopt;
 }
 
