@@ -5,10 +5,24 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
 class Dialog;  // host/dialog/dialog.h
+
+// What a file dialog asks for. Texts are UTF-8, names as the host writes them.
+struct FileQuestion {
+    enum class Kind { open, create, directory, list };
+    Kind kind = Kind::open;
+    std::string title, listTitle;
+    std::string directory;                // where a name without one is looked for; with its last separator
+    std::string filter;                   // patterns divided by ";"
+    std::string suggested;                // what an empty answer means for one file; may be empty
+    std::vector<std::string> remembered;  // files, or directories; "1" stands for the first one
+    std::vector<std::string> members;     // of a list
+    std::string complaint;                // what was wrong with the answer before, else empty
+};
 
 class FrontEnd {
   public:
@@ -25,6 +39,12 @@ class FrontEnd {
                                                    [[maybe_unused]] std::string_view complaint) {
         return std::nullopt;
     }
+    // A name or pattern of the user, the number of a remembered name, or an empty line for what is suggested. For a
+    // list: a name or pattern to add, "-2" to take out the second member, or an empty line when it is complete. Nothing
+    // when the dialog is cancelled or nobody answers.
+    virtual std::optional<std::string> askFile([[maybe_unused]] const FileQuestion& question) { return std::nullopt; }
+    // Whether the user agrees, to a question in one sentence.
+    virtual bool confirm([[maybe_unused]] std::string_view question) { return false; }
     // Shows one of the dialogs that are open without being modal, and takes one answer to it; one that nobody answers
     // is closed. False when none is open.
     virtual bool serveOpenDialog() { return false; }

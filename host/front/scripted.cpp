@@ -83,4 +83,35 @@ bool DialogScript::operator()(Dialog& dialog) {
     return true;
 }
 
+FileScript& FileScript::answer(std::string text) {
+    answers_.emplace_back(std::move(text));
+    return *this;
+}
+
+FileScript& FileScript::cancel() {
+    answers_.emplace_back();
+    return *this;
+}
+
+FileScript& FileScript::agree(bool yes) {
+    agreements_.push_back(yes);
+    return *this;
+}
+
+std::optional<std::string> FileScript::askFile(const FileQuestion& question) {
+    questions.push_back(question);
+    if (answers_.empty()) return std::nullopt;
+    auto answer = std::move(answers_.front());
+    answers_.pop_front();
+    return answer;
+}
+
+bool FileScript::confirm(std::string_view question) {
+    confirmations.emplace_back(question);
+    if (agreements_.empty()) return false;
+    const bool yes = agreements_.front();
+    agreements_.pop_front();
+    return yes;
+}
+
 }  // namespace host

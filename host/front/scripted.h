@@ -4,10 +4,13 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "host/dialog/dialog.h"
 #include "host/export.h"
+#include "host/front/front_end.h"
 
 namespace host {
 
@@ -41,6 +44,24 @@ class HOST_EXPORT DialogScript {
 
     std::deque<Step> steps_;
     std::string fault_;
+};
+
+// Answers for file dialogs, in order; what was asked is kept. Texts are UTF-8.
+class HOST_EXPORT FileScript {
+  public:
+    FileScript& answer(std::string text);
+    FileScript& cancel();
+    FileScript& agree(bool yes);  // to the next question of confirm
+
+    std::optional<std::string> askFile(const FileQuestion& question);  // nothing when no answer is left
+    bool confirm(std::string_view question);
+
+    std::vector<FileQuestion> questions;
+    std::vector<std::string> confirmations;
+
+  private:
+    std::deque<std::optional<std::string>> answers_;
+    std::deque<bool> agreements_;
 };
 
 }  // namespace host

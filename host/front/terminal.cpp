@@ -12,6 +12,8 @@
 
 #include "host/command/command.h"
 #include "host/front/dialog_text.h"
+#include "host/front/file_question.h"
+#include "host/front/line_editor.h"
 #include "host/session/session.h"
 #include "host/system/charset.h"
 
@@ -170,6 +172,34 @@ class TerminalFrontEnd : public FrontEnd {
         return std::nullopt;
     }
 
+    std::optional<std::string> askFile(const FileQuestion& question) override {
+        show(textOf(question));
+        const LineHelp help{[&](std::string_view typed) { return completeFileName(question, typed); },
+                            question.remembered};
+        if (const auto answer = nextAnswer(promptOf(question), help)) {
+            const std::string_view name = trimmed(*answer);
+            return name == "!" ? std::nullopt : std::optional(std::string(name));
+        }
+        const bool oneIsMissing = question.suggested.empty() && (question.kind == FileQuestion::Kind::open ||
+                                                                 question.kind == FileQuestion::Kind::create);
+        if (options_.yes && !oneIsMissing && question.complaint.empty()) {
+            show("> " + question.suggested + "\n");
+            return std::string();
+        }
+        if (!gaveUp_) show("Nobody names a file. Answer at a terminal, or run with --answers FILE.\n");
+        return std::nullopt;
+    }
+
+    bool confirm(std::string_view question) override {
+        show(std::string(question) + "\n");
+        if (const auto answer = nextAnswer("[no] y/n > ")) {
+            const std::string_view word = trimmed(*answer);
+            return !word.empty() && std::string_view("yYjJ").find(word[0]) != std::string_view::npos;
+        }
+        if (options_.yes) show("> yes\n");
+        return options_.yes;
+    }
+
     bool serveOpenDialog() override {
         const auto open = openDialogs();
         if (open.empty()) return false;
@@ -201,10 +231,15 @@ class TerminalFrontEnd : public FrontEnd {
     }
 
     // What comes from files and drawings can't steer the terminal.
-    void show(std::string text) {
-        endProgress();
+    static std::string printable(std::string text) {
         std::ranges::replace_if(
             text, [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\n'; }, ' ');
+        return text;
+    }
+
+    void show(std::string text) {
+        endProgress();
+        text = printable(std::move(text));
         std::fwrite(text.data(), 1, text.size(), options_.errors);
         std::fflush(options_.errors);
     }
@@ -216,7 +251,8 @@ class TerminalFrontEnd : public FrontEnd {
 
     // A line of the file of answers, or of the terminal; nothing when there is neither. A terminal that has ended (or
     // Ctrl-D) closes the dialog, and isn't asked again.
-    std::optional<std::string> nextAnswer(const std::string& question) {
+    std::optional<std::string> nextAnswer(const std::string& question, const LineHelp& help = {}) {
+        gaveUp_ = false;
         if (!answers_.empty()) {
             std::string answer = std::move(answers_.front());
             answers_.pop_front();
@@ -224,6 +260,12 @@ class TerminalFrontEnd : public FrontEnd {
             return answer;
         }
         if (options_.yes || !asks_) return std::nullopt;
+        if (canEditLines(options_.input, options_.errors)) {
+            endProgress();
+            auto line = editLine(options_.input, options_.errors, printable(question), help);
+            gaveUp_ = !line;
+            return line;
+        }
         show(question);
         std::string line;
         int c;
@@ -315,6 +357,7 @@ class TerminalFrontEnd : public FrontEnd {
     bool asks_;
     bool showsProgress_;
     bool progressShown_ = false;
+    bool gaveUp_ = false;             // the user left the last question without an answer
     uint64_t pointedAt_ = 0;          // the command that an unattended run gave its one point
     std::weak_ptr<Dialog> turnedTo_;  // of the dialogs that aren't modal
     TerminalOptions options_;

@@ -2,6 +2,7 @@
 // current application first, the last opened first.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,5 +28,8 @@ struct OpenStore {
 };
 // The store of that handle, or all in order of search.
 std::vector<OpenStore> openStores(RscHandle file);
+// Runs a body that writes to the store of a handle. A status of host/mdl/resource.h; the reason of a failure goes to the
+// message centre.
+int writeTo(RscHandle file, const std::function<void(ResourceStore&)>& body) noexcept;
 
 }  // namespace host

@@ -106,8 +106,11 @@ struct ResourceStore::Statements {
     explicit Statements(Database& db)
         : load(db, "SELECT digest, data FROM block WHERE type = ? AND id = ?"),
           add(db, "INSERT OR IGNORE INTO block VALUES(?, ?, ?, ?, ?, ?)"),
-          replace(db, "UPDATE block SET digest = ?, data = ? WHERE type = ? AND id = ?") {}
-    Statement load, add, replace;
+          replace(db, "UPDATE block SET digest = ?, data = ? WHERE type = ? AND id = ?"),
+          either(db,
+                 "INSERT INTO block VALUES(?, ?, ?, ?, ?, ?)"
+                 " ON CONFLICT(type, id) DO UPDATE SET digest = excluded.digest, data = excluded.data") {}
+    Statement load, add, replace, either;
 };
 
 ResourceStore::ResourceStore(std::string path) : path_(std::move(path)) {}
@@ -191,10 +194,11 @@ void ResourceStore::put(Put how, int32_t type, int32_t id, std::span<const std::
         Database& db = writing();
         if (!statements_) statements_ = std::make_unique<Statements>(db);
         const int64_t digest = digestOf(type, id, bytes);
-        if (how == Put::add)
-            statements_->add.execute(type, id, attributes, bytesOf(name), digest, bytes);
-        else
+        if (how == Put::replace)
             statements_->replace.execute(digest, bytes, type, id);
+        else
+            (how == Put::add ? statements_->add : statements_->either)
+                .execute(type, id, attributes, bytesOf(name), digest, bytes);
         if (sqlite3_changes(db.handle()) == 0)
             fail("the " + keyName(type, id) + (how == Put::add ? " is there already" : " isn't there any more"));
     });

@@ -32,7 +32,7 @@ struct StoreFailure : std::runtime_error {
     bool readOnly;  // the file or its folder can't be written to
 };
 
-enum class Put { add, replace };
+enum class Put { add, replace, either };
 
 struct StoredList {
     int32_t fields = 0;              // info fields of a member

@@ -80,18 +80,6 @@ int status(const std::function<void()>& body) noexcept {
     }
 }
 
-// The same on the store of an open file.
-int write(RscHandle file, const std::function<void(ResourceStore&)>& body) noexcept {
-    return status([&] {
-        const std::vector<OpenStore> stores = file == 0 ? std::vector<OpenStore>() : openStores(file);
-        if (stores.empty()) throw StoreFailure("A resource file that isn't open can't be written to", false);
-        if (stores[0].mode != MDL_RSC_WRITE)
-            throw StoreFailure(stores[0].store->path() + ": the file was opened for reading and can't be written to",
-                               true);
-        body(*stores[0].store);
-    });
-}
-
 StringList* listOf(StoredList stored) {
     auto list = std::make_unique<StringList>(StringList{.infoFields = stored.fields, .limit = greatestLimit});
     list->texts.assign(std::make_move_iterator(stored.texts.begin()), std::make_move_iterator(stored.texts.end()));
@@ -115,6 +103,17 @@ StringList* loadList(ResourceStore& store, int32_t id) {
 }
 
 }  // namespace
+
+int writeTo(RscHandle file, const std::function<void(ResourceStore&)>& body) noexcept {
+    return status([&] {
+        const std::vector<OpenStore> stores = file == 0 ? std::vector<OpenStore>() : openStores(file);
+        if (stores.empty()) throw StoreFailure("A resource file that isn't open can't be written to", false);
+        if (stores[0].mode != MDL_RSC_WRITE)
+            throw StoreFailure(stores[0].store->path() + ": the file was opened for reading and can't be written to",
+                               true);
+        body(*stores[0].store);
+    });
+}
 
 }  // namespace host
 
@@ -144,7 +143,7 @@ int32_t mdlResource_size(const void* block) {
 int mdlResource_write(const void* block) {
     const LoadedBlock* known = loaded(block);
     if (!known) return MDL_ERROR;
-    return write(known->file, [&](ResourceStore& store) {
+    return writeTo(known->file, [&](ResourceStore& store) {
         store.put(Put::replace, known->type, known->id, {known->bytes.get(), static_cast<size_t>(known->size)}, 0, {});
     });
 }
@@ -152,7 +151,7 @@ int mdlResource_write(const void* block) {
 int mdlResource_add(RscHandle rscFile, int32_t type, int32_t id, const void* data, int32_t size, int32_t attributes,
                     const char* name) {
     if (size < 0 || size > greatestBlock || (!data && size > 0)) return MDL_ERROR;
-    return write(rscFile, [&](ResourceStore& store) {
+    return writeTo(rscFile, [&](ResourceStore& store) {
         store.put(Put::add, type, id, {static_cast<const std::byte*>(data), static_cast<size_t>(size)}, attributes,
                   textOf(name));
     });
@@ -172,10 +171,11 @@ StringList* mdlStringList_loadResource(RscHandle rscFile, int32_t id) {
 
 int mdlStringList_addResource(RscHandle rscFile, int32_t id, const StringList* list, const char* name) {
     if (!list) return MDL_ERROR;
-    return write(rscFile, [&](ResourceStore& store) { store.put(Put::add, id, storedForm(*list), textOf(name)); });
+    return writeTo(rscFile, [&](ResourceStore& store) { store.put(Put::add, id, storedForm(*list), textOf(name)); });
 }
 
 int mdlStringList_writeResource(const StringList* list, RscHandle rscFile, int32_t id, const char* name) {
     if (!list) return MDL_ERROR;
-    return write(rscFile, [&](ResourceStore& store) { store.put(Put::replace, id, storedForm(*list), textOf(name)); });
+    return writeTo(rscFile,
+                   [&](ResourceStore& store) { store.put(Put::replace, id, storedForm(*list), textOf(name)); });
 }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "host/front/front_end.h"
+#include "host/front/scripted.h"
 #include "host/session/session.h"
 
 // Texts are UTF-8, as a front end gets them.
@@ -27,6 +28,7 @@ class RecordingFrontEnd : public host::FrontEnd {
     std::vector<std::pair<int, std::string>> fields;  // each text that a message field was given, in order
     std::vector<Line> messages;                       // of the message centre
     std::function<bool(host::Dialog&)> answer;        // feeds events to a modal dialog until it has ended; none: false
+    host::FileScript files;                           // answers file dialogs
     int dialogs = 0;                                  // modal dialogs that were opened
 
     // The last text of a message field; empty when it was given none.
@@ -39,6 +41,8 @@ class RecordingFrontEnd : public host::FrontEnd {
     void messageCenter(int priority, std::string_view brief, std::string_view details) override {
         messages.push_back({priority, std::string(brief), std::string(details)});
     }
+    std::optional<std::string> askFile(const host::FileQuestion& question) override { return files.askFile(question); }
+    bool confirm(std::string_view question) override { return files.confirm(question); }
     bool runModal(host::Dialog& dialog) override {
         ++dialogs;
         return answer && answer(dialog);
