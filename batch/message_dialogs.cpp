@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstdio>
 
 #include "frame/error.h"
 #include "frame/messages.h"
+#include "frame/resource_files.h"
 #include "host/mdl/dialog.h"
+#include "host/mdl/files.h"
 #include "host/mdl/lists.h"
+#include "host/mdl/system.h"
 
 namespace {
 
@@ -17,6 +21,7 @@ enum { BOX_TEXT = 20004, LIST_HEAD = 20003 };                         // generic
 enum { COLLECTED_LINES = 20000 };                                     // list box
 enum { FLAG_FIRST_BUTTON = 16, FLAG_SECOND_BUTTON = 128 };            // lowest flags of their groups
 enum { TEXT_FIRST_BUTTON = 25, TEXT_SECOND_BUTTON = 28 };             // their labels among the language texts
+enum { TEXT_SAVE_LIST = 31, SAVED_LIST_RECORD = -20002 };             // title and remembered files of the file dialog
 enum { DRAWING_FLAGS = 3 };  // itemFlags: focus and default, which an item that only draws has not
 
 // Pixels.
@@ -188,10 +193,40 @@ void listHead(DialogMessage* message) {
     }
 }
 
+// A message box would take the place of the head that is shown, so a full disk gets a line.
+void tellUnfinished(const char* fileName) {
+    char line[400];
+    std::snprintf(line, sizeof line, "%s: the list couldn't be written whole; make room on the disk and save it again",
+                  fileName);
+    mdlOutput_messageCenter(10, line, "", 0);
+}
+
+void writeLines(const char* fileName, const StringList* lines) {
+    std::FILE* file = dlmSystem_mdlFopen(fileName, "w");
+    if (!file) return;
+    bool good = true;
+    for (int32_t i = 0, count = mdlStringList_size(lines); i < count; ++i) {
+        const char* line = nullptr;
+        if (mdlStringList_getMember(&line, nullptr, lines, i) == MDL_SUCCESS)
+            good = std::fprintf(file, "%s\n", line) >= 0 && good;
+    }
+    if (dlmSystem_mdlFclose(file) != 0 || !good) tellUnfinished(fileName);
+}
+
+void saveList(DialogMessage* message) {
+    message->handled = message->type == ITEM_BUTTON && message->state == 1;
+    if (!message->handled || !messageState.messageList) return;
+    char fileName[256];
+    if (mclibUpf_defFileCreate(fileName, nullptr, "*.txt", nullptr, mclibUtil_getLanguageText(TEXT_SAVE_LIST),
+                               SAVED_LIST_RECORD) == 0)
+        writeLines(fileName, messageState.messageList);
+}
+
 constexpr auto messageDialogHooks = std::to_array<DialogHook>({
     {20030, listDialog},
     {20031, collectedLines},
     {20032, listHead},
+    {20033, saveList},
     {20034, messageBoxText},
     {20035, messageBox},
 });

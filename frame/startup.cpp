@@ -11,6 +11,7 @@
 #include "frame/error.h"
 #include "frame/main.h"
 #include "frame/published.h"
+#include "frame/resource_files.h"
 #include "frame/text_buffer.h"
 #include "host/mdl/dialog.h"
 #include "host/mdl/level.h"
@@ -235,7 +236,7 @@ int mclibMain_initMcLibExtended(const char* applicationName, int argc, char** ar
     publishBlocks();
     mdlSystem_setFunction(MDL_FUNCTION_NEW_DESIGN_FILE, reinterpret_cast<void*>(mclibMain_newDesignFile));
     if (asksForFolder(name)) offerFamilyFolder(name, argc, argv);
-    data->upfHandle = {};
+    mclibUpf_initialize(data);
     if (std::strcmp(name, "MCDraft") != 0) refreshLineStyles();
     return MCLIB_SUCCESS;
 }

@@ -35,7 +35,8 @@ typedef struct UserFileRecord {
  * current application. MDL_ERROR, with the record as it was, when there is none. A stored record that is cut short is
  * read as far as it holds; counts of a record with the right marker and version lie within 0 and 10. */
 MDL_EXPORT int mdlUserPrefs_getFileName(UserFileRecord *record, RscHandle handle, int32_t id);
-/* Stores the record, as mdlResource_add and mdlResource_write would. `handle` 0 keeps it for the session, as the state
+/* Stores the record, new or in place of an old one; a status of resource.h. A file that was opened for reading gets
+ * MDL_RSC_READ_ONLY and no line in the message centre. `handle` 0 keeps it for the session, as the state
  * that the dialog of that id starts from. */
 MDL_EXPORT int mdlUserPrefs_saveFileName(const UserFileRecord *record, RscHandle handle, int32_t id);
 
@@ -44,8 +45,8 @@ MDL_EXPORT int mdlUserPrefs_saveFileName(const UserFileRecord *record, RscHandle
 enum { MDL_DIALOG_CANCELLED = 1 }; /* the user gave no file */
 
 /* Ask for a file to read, and for one to make. The full name goes to `result` (256 bytes), which is left alone on
- * failure. `rscFile` and `dialogId` are 0: the host's own dialog. `suggestedName`, `filter`, `directory` (also the name
- * of a configuration variable) and `title` may be null. 0, MDL_DIALOG_CANCELLED, or MDL_ERROR when nobody can answer. */
+ * failure. `rscFile` and `dialogId` are 0: the host's own dialog. `suggestedName`, `filter`, `directory` and
+ * `title` may be null. 0, MDL_DIALOG_CANCELLED (also when nobody answers), or MDL_ERROR without a session. */
 MDL_EXPORT int mdlDialog_fileOpen(char *result, RscHandle rscFile, int32_t dialogId, const char *suggestedName,
                                   const char *filter, const char *directory, const char *title);
 MDL_EXPORT int mdlDialog_fileCreate(char *result, RscHandle rscFile, int32_t dialogId, const char *suggestedName,

@@ -123,6 +123,8 @@ int mdlUserPrefs_saveFileName(const UserFileRecord* record, RscHandle handle, in
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (!record) return MDL_ERROR;
         if (handle == 0) return keepForSession(*record, id);
+        const std::vector<OpenStore> stores = openStores(handle);
+        if (!stores.empty() && stores[0].mode != MDL_RSC_WRITE) return MDL_RSC_READ_ONLY;
         const RecordBytes bytes = encoded(*record);
         return writeTo(handle, [&](ResourceStore& store) {
             store.put(Put::either, recordType, id, std::as_bytes(std::span(bytes)), 0, "Remembered files");
