@@ -3,7 +3,9 @@
 #include <cstring>
 #include <string_view>
 
+#include "frame/error.h"
 #include "frame/main.h"
+#include "frame/resource_files.h"
 #include "frame/text_buffer.h"
 #include "host/mdl/lists.h"
 #include "print/delivery.h"
@@ -22,7 +24,9 @@ enum { FILE_DEVICES = 20001, PLOTTERS = 20002 };                                
 enum { PRINTERS = 20006 };                                                                  // combo box
 enum { PAGE_WIDTH = 20009, PAGE_HEIGHT = 20010, FILE_NAME = 20013, PLOTTER_FILE = 20014 };  // texts
 enum { REPLY_OK = 3, REPLY_CANCEL = 4 };
+enum { TEXT_PLOTTER_TITLE = 51 };
 enum { TYPED_SIZE = 0, PAGE_A4 = 9 };  // page codes
+constexpr int32_t plotterDefaults = -20006;
 constexpr int32_t stringsPerPrinter = 2, pathOfPrinter = 1, defaultField = 1;
 
 MdlItem* textItem(MdlDialog* dialog, int32_t id) {
@@ -88,6 +92,17 @@ void deviceButton(DialogMessage* message) {
     if (takesChange(message)) applyDevice(message->dialog);
 }
 
+void plotterFileButton(DialogMessage* message) {
+    message->handled = message->type == ITEM_BUTTON;
+    if (!message->handled || message->state != 1) return;
+    char chosen[256] = "";
+    if (mclibUpf_defFileOpen(chosen, nullptr, "*.plt", "MS_PLTR", mclibUtil_getLanguageText(TEXT_PLOTTER_TITLE),
+                             plotterDefaults) != MDL_SUCCESS)
+        return;
+    copyText(mclibpsd->plotterFile, chosen);
+    mdlDialog_itemSynch(textItem(message->dialog, PLOTTER_FILE));
+}
+
 // ---- printers ----
 
 std::string_view pathOf(const StringList* printers, int32_t row) {
@@ -142,6 +157,7 @@ void printerList(DialogMessage* message) {
 }
 
 constexpr auto setupHooks = std::to_array<DialogHook>({
+    {20018, plotterFileButton},
     {20019, deviceButton},
     {20020, setupDialog},
     {20021, fileOnlyToggle},

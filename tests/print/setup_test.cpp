@@ -23,7 +23,7 @@ using testing::HasSubstr;
 
 enum { BLOCK_TYPE = 0x50745365, BLOCK_ID = 20002, OLDER_TYPE = 0x50725344, OLDER_ID = 20001 };
 enum { SIZES = 20003, DEVICE = 20005, WIDTH = 20009, HEIGHT = 20010, FILE_NAME = 20013, PLOTTER_FILE = 20014 };
-enum { FILE_ONLY = 20006, PRINTERS = 20006, FILE_DEVICES = 20001, PLOTTERS = 20002 };
+enum { FILE_ONLY = 20006, PRINTERS = 20006, FILE_DEVICES = 20001, PLOTTERS = 20002, CHOOSE = 20003 };
 
 // The stored block's bytes, told from the printed table of offsets.
 class StoredBlock {
@@ -285,6 +285,20 @@ TEST_F(PrinterSetup, KeepingTheFileEnablesItsNameInPlaceOfThePrinters) {
     script.setValue(ITEM_TOGGLE, FILE_ONLY, "1").check([&](Dialog&) { EXPECT_EQ(state(), 1); });
     accept();
     look([&](Dialog&) { EXPECT_EQ(state(), 1); });
+}
+
+TEST_F(PrinterSetup, ThePlotDriverFileIsChosenAmongFilesOfItsKind) {
+    writeFile("hall.plt", "output = pdf\n");
+    front().files.cancel().answer(path("hall.plt"));
+    script.setValue(ITEM_OPTION_BUTTON, DEVICE, "6").press(CHOOSE).check([](Dialog&) {
+        EXPECT_STREQ(mdlDialog_itemGetValue(item(ITEM_TEXT, PLOTTER_FILE)), "") << "nothing was chosen";
+    });
+    script.press(CHOOSE).check(
+        [&](Dialog&) { EXPECT_EQ(mdlDialog_itemGetValue(item(ITEM_TEXT, PLOTTER_FILE)), path("hall.plt")); });
+    accept();
+    EXPECT_EQ(value("plotterFile"), path("hall.plt"));
+    ASSERT_EQ(front().files.questions.size(), 2u);
+    EXPECT_EQ(front().files.questions[0].filter, "*.plt");
 }
 
 TEST_F(PrinterSetup, ThePrinterOfTheSetupIsSelectedAndAChosenOneTaken) {
