@@ -71,7 +71,8 @@ MDL_EXPORT int mdlFileList_get(StringList **listP, const char *pattern, int attr
  *    that the configuration variable MC_LPT1 (to MC_LPT9) names, or a queue called LPT1. For a printer it is the queue
  *    of that name, or with that name on its server, whose device lies on that server.
  * 0, or the system's error number: ENXIO when there is no such printer, EIO when the print system refuses the job,
- * EEXIST when both are the same file, EISDIR for a folder. */
+ * EEXIST when both are the same file, EISDIR for a folder, ENOENT when there is no such file or folder, nor any other
+ * place on a server. */
 MDL_EXPORT int mdlFile_copy(const char *destination, const char *source);
 
 /* ---- work files: a design file opened beside the active one ---- */

@@ -236,6 +236,7 @@ struct CopyTarget {
     int take(const fs::path& file) const {
         if (strcasecmp(name.c_str(), "NUL") == 0) return 0;
         if (printer) return printFile(file, *printer);
+        if (name.starts_with("\\\\")) return ENOENT;  // on a server, and no printer
         return copyFile(isFolder(path) ? path / file.filename() : path, file);
     }
 };

@@ -124,6 +124,7 @@ int copyFile(const fs::path& destination, const fs::path& source) {
 int copyTo(std::string_view destination, std::string_view source) {
     const std::string from = systemPath(source);
     if (const std::optional<PrintTarget> target = printTargetOf(destination)) return printFile(from, *target);
+    if (destination.starts_with("\\\\")) return ENOENT;  // on a server, and no printer
     return copyFile(systemPath(destination), from);
 }
 

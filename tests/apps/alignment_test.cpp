@@ -249,6 +249,25 @@ TEST_F(Alignment, PclFilesTellTheWayTheirPaperLies) {
                 HasSubstr("PCL files are for A4 paper, and A3 is cut there; use --paper A4"));
 }
 
+TEST_F(Alignment, SendsTheSheetToAPrinterOrThroughACommand) {
+    fs::create_directories(folder_ / "spool/LPT1");
+    const std::string printing =
+        "'" + mchost + "' --set MC_SPOOL=spool alignment " + examples + "granlia.txt --out road ";
+    const Outcome sent = shell(printing + "--print LPT1");
+    EXPECT_EQ(sent.status, 0) << sent.output;
+    EXPECT_THAT(sent.output, HasSubstr("sent road.ps to LPT1\n"));
+    EXPECT_EQ(read("spool/LPT1/road.ps"), read("road.ps"));
+    EXPECT_EQ(shell(printing + "--overwrite --print 'copy %s lpt1;WC -c %s'").status, 0);
+    EXPECT_EQ(read("spool/LPT1/road-2.ps"), read("road.ps"));
+    for (const auto& [printer, why] :
+         {std::pair("LPT7", "there is no such printer"), std::pair("false", "a command")}) {
+        const Outcome failed = shell(printing + "--overwrite --print " + printer);
+        EXPECT_EQ(failed.status, 1);
+        EXPECT_THAT(failed.output, HasSubstr(std::string("road.ps: the print file is made, but not printed by \"") +
+                                             printer + "\": " + why));
+    }
+}
+
 TEST_F(Alignment, TheAsciiDeviceGivesTheStationListAsItIsPrinted) {
     // No text has a size of its own there.
     write("short.txt", head + "ATTRIBUTE 99 \"plain\" 0 0 0 \"L\"\nUSE TEXT 99\n" + straight);
