@@ -81,11 +81,13 @@ std::string extensionOf(std::string_view filter) {
     return hasWildcard(extension) ? std::string() : std::string(extension);
 }
 
-// The folder that a directory argument means: the first one of a configuration variable, or the directory itself; the
-// working folder when that isn't there. With its last separator.
+// The folder that a directory argument means: the first one of a configuration variable, or the directory itself, and
+// that of a file which is named there; the working folder when that isn't there. With its last separator.
 std::string startFolder(const std::string& directory) {
     const std::string value = variables().expandedValue(directory).value_or(directory);
-    const std::string first = value.substr(0, value.find(';'));
+    std::string first = value.substr(0, value.find(';'));
+    if (!first.empty() && exists(first) && !isFolder(first))
+        first = std::string(partsOf(first).device).append(partsOf(first).directory);
     if (!first.empty() && isFolder(first))
         return withSeparator(isAbsolute(first) ? first : hostName(fs::absolute(systemPath(first)).string()));
     std::error_code ignored;

@@ -289,9 +289,10 @@ TEST_F(PrinterSetup, KeepingTheFileEnablesItsNameInPlaceOfThePrinters) {
 
 TEST_F(PrinterSetup, ThePlotDriverFileIsChosenAmongFilesOfItsKind) {
     writeFile("hall.plt", "output = pdf\n");
+    define("MS_PLTR", writeFile("office.plt", "output = png\n"));
     front().files.cancel().answer(path("hall.plt"));
-    script.setValue(ITEM_OPTION_BUTTON, DEVICE, "6").press(CHOOSE).check([](Dialog&) {
-        EXPECT_STREQ(mdlDialog_itemGetValue(item(ITEM_TEXT, PLOTTER_FILE)), "") << "nothing was chosen";
+    script.setValue(ITEM_OPTION_BUTTON, DEVICE, "6").press(CHOOSE).check([&](Dialog&) {
+        EXPECT_EQ(mdlDialog_itemGetValue(item(ITEM_TEXT, PLOTTER_FILE)), path("office.plt"));
     });
     script.press(CHOOSE).check(
         [&](Dialog&) { EXPECT_EQ(mdlDialog_itemGetValue(item(ITEM_TEXT, PLOTTER_FILE)), path("hall.plt")); });
@@ -299,6 +300,7 @@ TEST_F(PrinterSetup, ThePlotDriverFileIsChosenAmongFilesOfItsKind) {
     EXPECT_EQ(value("plotterFile"), path("hall.plt"));
     ASSERT_EQ(front().files.questions.size(), 2u);
     EXPECT_EQ(front().files.questions[0].filter, "*.plt");
+    EXPECT_EQ(front().files.questions[0].directory, path("")) << "where the variable's file lies";
 }
 
 TEST_F(PrinterSetup, ThePrinterOfTheSetupIsSelectedAndAChosenOneTaken) {
