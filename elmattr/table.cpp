@@ -27,12 +27,16 @@ T* allocate(size_t count = 1) {
 }
 
 // An owned copy, cut at maxLength characters; null when out of memory.
-char* copyText(const char* text, size_t maxLength = SIZE_MAX) {
-    if (text == nullptr) text = "";
-    const size_t length = strnlen(text, maxLength);
+char* copyText(std::string_view text, size_t maxLength = SIZE_MAX) {
+    const size_t length = std::min(text.size(), maxLength);
     char* copy = allocate<char>(length + 1);
-    if (copy != nullptr) std::memcpy(copy, text, length);
+    if (copy != nullptr) std::memcpy(copy, text.data(), length);
     return copy;
+}
+
+// Callers may give null for an empty text.
+std::string_view textOf(const char* text) {
+    return text == nullptr ? std::string_view() : text;
 }
 
 // ---- groups ----
@@ -66,7 +70,7 @@ void replaceGroups(int count, bool withChangedFunction, va_list& arguments) {
     if (gd->groups == nullptr) return;
     for (; gd->groupCount < count; ++gd->groupCount) {
         ElmAttrGroup& group = gd->groups[gd->groupCount];
-        group.name = copyText(va_arg(arguments, const char*));
+        group.name = copyText(textOf(va_arg(arguments, const char*)));
         group.id = va_arg(arguments, int);
         group.flags = va_arg(arguments, unsigned);
         if (withChangedFunction) group.changedFunction = va_arg(arguments, ElmAttrGroupChanged);
@@ -76,19 +80,12 @@ void replaceGroups(int count, bool withChangedFunction, va_list& arguments) {
 
 // ---- records ----
 
+using elmattr::createRecord, elmattr::freeRecord;
+
 void freeOptionLabels(ElmAttrRecord& record) {
     if (record.optionLabels == nullptr) return;
     for (int i = 0; i < record.optionCount; ++i) dlmSystem_mdlFree(record.optionLabels[i]);
     dlmSystem_mdlFree(record.optionLabels);
-}
-
-void freeRecord(ElmAttrRecord* record) {
-    freeOptionLabels(*record);
-    for (void* block : {static_cast<void*>(record->optionValues), static_cast<void*>(record->optionIcons),
-                        static_cast<void*>(record->label), static_cast<void*>(record->textLabel)}) {
-        dlmSystem_mdlFree(block);
-    }
-    dlmSystem_mdlFree(record);
 }
 
 // Takes the values over as they are; texts that fill their field lose the last character to a NUL.
@@ -129,7 +126,7 @@ bool readOptions(ElmAttrRecord& record, va_list& arguments) {
     for (int i = 0; i < count; ++i) {
         if (record.optionIcons != nullptr) {
             record.optionIcons[i] = va_arg(arguments, int);
-        } else if ((record.optionLabels[i] = copyText(va_arg(arguments, const char*))) == nullptr) {
+        } else if ((record.optionLabels[i] = copyText(textOf(va_arg(arguments, const char*)))) == nullptr) {
             return false;
         }
         record.optionValues[i] = va_arg(arguments, int);
@@ -141,7 +138,7 @@ bool readOptions(ElmAttrRecord& record, va_list& arguments) {
 bool readExtraArguments(ElmAttrRecord& record, va_list& arguments) {
     if (hasMaxLength(record.kind)) record.textMaxLength = va_arg(arguments, int);
     if (hasMaxLength(record.kind) || hasOptionLabels(record.kind)) {
-        record.textLabel = copyText(va_arg(arguments, const char*));
+        record.textLabel = copyText(textOf(va_arg(arguments, const char*)));
         if (record.textLabel == nullptr) return false;
     }
     return (!hasIcons(record.kind) && !hasOptionLabels(record.kind)) || readOptions(record, arguments);
@@ -161,15 +158,14 @@ bool copyOptions(ElmAttrRecord& copy, const ElmAttrRecord& from) {
 
 // A copy that shares nothing with the record but has its values, and another label; null when out of memory.
 ElmAttrRecord* copyRecord(const ElmAttrRecord& from, const char* label) {
-    ElmAttrRecord* copy = allocate<ElmAttrRecord>();
+    ElmAttrRecord* copy = createRecord(textOf(label));
     if (copy == nullptr) return nullptr;
     copy->group = from.group;
     copy->kind = from.kind;
     copy->hook = from.hook;
     copy->textMaxLength = from.textMaxLength;
-    copy->label = copyText(label, maxAttributeLabel);
     if (from.textLabel != nullptr) copy->textLabel = copyText(from.textLabel);
-    const bool whole = copy->label != nullptr && (from.textLabel == nullptr) == (copy->textLabel == nullptr);
+    const bool whole = (from.textLabel == nullptr) == (copy->textLabel == nullptr);
     if (whole && copyOptions(*copy, from)) return copy;
     freeRecord(copy);
     return nullptr;
@@ -231,6 +227,24 @@ GroupEnds endsOfGroup(const GlobalData& gd, int group) {
 
 namespace elmattr {
 
+ElmAttrRecord* createRecord(std::string_view label) {
+    auto* record = allocate<ElmAttrRecord>();
+    if (record == nullptr) return nullptr;
+    record->label = copyText(label, maxAttributeLabel);
+    if (record->label != nullptr) return record;
+    freeRecord(record);
+    return nullptr;
+}
+
+void freeRecord(ElmAttrRecord* record) {
+    freeOptionLabels(*record);
+    for (void* block : {static_cast<void*>(record->optionValues), static_cast<void*>(record->optionIcons),
+                        static_cast<void*>(record->label), static_cast<void*>(record->textLabel)}) {
+        dlmSystem_mdlFree(block);
+    }
+    dlmSystem_mdlFree(record);
+}
+
 ElmAttrRecord* findRecord(const GlobalData& gd, int id) {
     ElmAttrRecord* record = gd.attributeList;
     while (record != nullptr && record->id != id) record = record->next;
@@ -279,12 +293,11 @@ int mclibElmAttr_addAttribute(int id, const char* label, int group, int kind, in
                               int refresh, const ElmAttrData* data, ...) {
     GlobalData* gd = mclibMain_getGlobalDataP();
     if (gd == nullptr || data == nullptr) return MCLIB_ERROR;
-    ElmAttrRecord* record = allocate<ElmAttrRecord>();
+    ElmAttrRecord* record = createRecord(textOf(label));
     if (record == nullptr) return MCLIB_ERROR;
     record->group = group;
     record->kind = kind;
     record->id = id;
-    record->label = copyText(label, maxAttributeLabel);
     record->hook = mayHaveHook(*gd, group) ? hook : nullptr;
     record->lockMask = static_cast<uint32_t>(lockMask);
     record->textMaxLength = defaultTextMaxLength;
@@ -292,7 +305,7 @@ int mclibElmAttr_addAttribute(int id, const char* label, int group, int kind, in
 
     va_list arguments;
     va_start(arguments, data);
-    const bool whole = record->label != nullptr && readExtraArguments(*record, arguments);
+    const bool whole = readExtraArguments(*record, arguments);
     va_end(arguments);
     if (!whole) {
         freeRecord(record);

@@ -1,6 +1,8 @@
 // The attribute table of an application: what its records look like, and the operations that only the library uses.
 #pragma once
 
+#include <string_view>
+
 #include "elmattr/attributes.h"
 
 constexpr int maxAttributeLabel = 79;  // characters; stored labels have 80 bytes
@@ -33,6 +35,11 @@ struct ElmAttrRecord {
 // Visible from outside the library for its tests.
 #pragma GCC visibility push(default)
 namespace elmattr {
+
+// A zero-filled record with that label, cut at maxAttributeLabel characters; null when out of memory.
+ElmAttrRecord* createRecord(std::string_view label);
+// Frees a record that is in no list, with all that it owns.
+void freeRecord(ElmAttrRecord* record);
 
 // The first record of that id; null when there is none.
 ElmAttrRecord* findRecord(const GlobalData& gd, int id);

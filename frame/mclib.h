@@ -8,6 +8,7 @@
 #define MCLIB_H
 
 #include "elmattr/attributes.h"
+#include "elmattr/resources.h"
 #include "forms/forms.h"
 #include "forms/preview.h"
 #include "frame/error.h"
