@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "forms/page_info.h"
 #include "frame/error.h"
 #include "frame/text_buffer.h"
 #include "geometry/elmdscr.h"
@@ -24,10 +25,9 @@ struct ApplicationFunctions {
 };
 ApplicationFunctions functions;
 
-void freePageNames(GlobalData& data) {
-    for (char** name = data.pageNames; name && *name; ++name) dlmSystem_mdlFree(*name);
-    dlmSystem_mdlFree(data.pageNames);
-    data.pageNames = nullptr;
+void freeNames(char** names) {
+    for (char** name = names; name && *name; ++name) dlmSystem_mdlFree(*name);
+    dlmSystem_mdlFree(names);
 }
 
 // An array for `count` names and the null behind them.
@@ -57,17 +57,16 @@ const char* pageName(const GlobalData& data, int32_t page) {
 }
 
 bool setPageNames(GlobalData& data, int32_t count, char* const* names) {
-    freePageNames(data);
     char** const copies = nameArray(std::max(count, 0));
     if (!copies) return false;
-    data.pageNames = copies;
     for (int32_t i = 0; i < count; ++i) {
         copies[i] = copyOf(names && names[i] ? names[i] : "");
-        if (!copies[i]) {
-            freePageNames(data);
-            return false;
-        }
+        if (copies[i]) continue;
+        freeNames(copies);
+        return false;
     }
+    freeNames(data.pageNames);
+    data.pageNames = copies;
     return true;
 }
 
@@ -97,6 +96,7 @@ void makePage(GlobalData& data, int32_t page, bool inDrawing, ElementDescr** res
     *result = nullptr;
     copyText(data.currentPageName, pageName(data, page));
     if (!functions.page || page < 0 || page >= pageCount(data)) return;
+    const KeepEditedBlock keep;
     dlmSystem_callAnyFunction("IPPI", mdlSystem_getCurrMdlDesc(), reinterpret_cast<void*>(functions.page), page,
                               data.pageNames[page], result, inDrawing ? 1 : 0);
 }

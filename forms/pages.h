@@ -38,7 +38,7 @@ class Page {
 int32_t pageCount(const GlobalData& data);
 // The name of a page; empty for a number outside the list.
 const char* pageName(const GlobalData& data, int32_t page);
-// Replaces the names by copies; false, with no names, when out of memory.
+// Replaces the names by copies; false, with the names as they were, when out of memory.
 bool setPageNames(GlobalData& data, int32_t count, char* const* names);
 
 // ---- making ----
@@ -68,8 +68,22 @@ bool isTurned(const ElementDescr* page);
 
 // ---- the dialog ----
 
-enum { PREVIEW_DIALOG = 20005, PAGE_OPTION_BUTTON = 20001, PAGE_AREA = 20002 };
+enum { PREVIEW_DIALOG = 20005 };
+// Its items. The page area is the last one of the layout.
+enum {
+    PAGE_OPTION_BUTTON = 20001,
+    PAGE_AREA = 20002,
+    SETUP_BUTTON = 20006,
+    PRINT_BUTTON = 20007,
+    NEW_LIST_BUTTON = 20009,
+    PLACE_BUTTON = 20010,
+    SPREADSHEET_BUTTON = 20011,
+    PAGE_INFO_BUTTON = 20083,
+    PROJECT_BUTTON = 20092,
+    CLOSE_BUTTON = -4
+};
 
+void publishPreviewHooks();
 // Makes the page on show anew, and draws it where the dialog is open.
 void showPage(GlobalData& data);
 // Fills an option button with the page names, row for row, and shows the one that its access string names.

@@ -36,6 +36,7 @@
 #include "print/raster.h"
 #include "print/setup.h"
 #include "project/application_data.h"
+#include "project/dialog.h"
 #include "project/store.h"
 #include "text/fii.h"
 #include "text/file.h"

@@ -7,6 +7,7 @@
 
 #include "batch/message_dialogs.h"
 #include "elmattr/table.h"
+#include "forms/pages.h"
 #include "frame/applications.h"
 #include "frame/error.h"
 #include "frame/main.h"
@@ -89,12 +90,20 @@ void startPrinterSetup(GlobalData&) {
     print::loadSetup();
 }
 
+void startPreview(GlobalData&) {
+    forms::publishPreviewHooks();
+}
+
+void startProject(GlobalData&) {
+    publishProjectHooks();
+}
+
 void startMessageDialogs(GlobalData&) {
     publishMessageDialogHooks();
 }
 
 // The message box comes first: what is loaded behind it may have to tell of a file that can't be used.
-constexpr Room rooms[] = {startMessageDialogs, startPrinterSetup, startAttributes};
+constexpr Room rooms[] = {startMessageDialogs, startPrinterSetup, startPreview, startProject, startAttributes};
 
 struct PublishedBlock {
     const char* structName;

@@ -8,6 +8,8 @@
 extern mclibProsjektData* mclibpd;
 extern mclibSideData* mclibsd;
 
+void publishProjectHooks();
+
 static_assert(sizeof(mclibProsjektData) == 1603 && sizeof(mclibSideData) == 2115);
 
 inline constexpr StructField projectFields[] = {

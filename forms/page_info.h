@@ -1,0 +1,31 @@
+// The page information dialog: what the title block of one page says, edited in the block mclibsd.
+#pragma once
+
+#include <optional>
+
+#include "frame/global_data.h"
+#include "project/blocks.h"
+
+namespace forms {
+
+void openPageInfo();
+// The page of that number is on show from now on: reads what its title block says. An open page information dialog goes
+// along to it, and asks before changes are lost.
+void readPageInfo(GlobalData& data, int32_t page);
+// Publishes the dialog's hooks.
+void publishPageInfoHooks();
+
+// To stand around the making of a page, which may read title-block data into mclibsd: while the dialog edits that
+// block, what stood in it is put back.
+class KeepEditedBlock {
+  public:
+    KeepEditedBlock();
+    ~KeepEditedBlock();
+    KeepEditedBlock(const KeepEditedBlock&) = delete;
+    KeepEditedBlock& operator=(const KeepEditedBlock&) = delete;
+
+  private:
+    std::optional<mclibSideData> kept_;
+};
+
+}  // namespace forms

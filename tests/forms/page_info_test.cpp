@@ -1,0 +1,135 @@
+// The page information dialog: what it keeps, and what it asks before changes are lost.
+#include <cstring>
+
+#include "frame/global_data.h"
+#include "tests/forms/preview_fixture.h"
+
+namespace {
+
+const TestPage one{"one", 180000, 277000}, two{"two", 277000, 180000};
+constexpr int32_t saveButton = 20086, deleteButton = 20087, cleanUpButton = 20088, deleteAllButton = 20089;
+constexpr int32_t pageButton = 20015, revision = 20120;
+constexpr int yes = -3, no = -4;  // buttons of a question
+
+class PageInfo : public PreviewTest {
+  protected:
+    void openInfo(std::vector<TestPage> pages = {one, two}) {
+        openPreview(std::move(pages));
+        press(dialog(), 20083);
+        ASSERT_NE(openDialog(20024), nullptr);
+    }
+    static host::Dialog& info() { return *openDialog(20024); }
+    // The user types the revision of the page in the dialog.
+    static void type(const std::string& text) {
+        EXPECT_TRUE(info().setValue(placeOf(info(), ITEM_TEXT, revision), text));
+    }
+    static std::string shown() { return valueOf(info(), ITEM_TEXT, revision); }
+    static void store(const char* pageName, const char* revs) {
+        mclibSideData page{};
+        std::strcpy(page.pageName, pageName);
+        std::strcpy(page.revs, revs);
+        mclibProject_writePageInfoToDesignFile(&page);
+    }
+    // The revision in the design file; "-" when there is no record.
+    static std::string stored(const char* pageName) {
+        mclibSideData page{};
+        mclibProject_readPageInfoFromDesignFile(&page, pageName);
+        return *page.pageName ? page.revs : "-";
+    }
+};
+
+TEST_F(PageInfo, ShowsTheChosenPagesInformation) {
+    store("one", "A");
+    store("two", "B");
+    openInfo();
+    EXPECT_EQ(valueOf(info(), ITEM_OPTION_BUTTON, pageButton), "0");
+    EXPECT_EQ(shown(), "A");
+    choose(info(), pageButton, 1);
+    EXPECT_EQ(shown(), "B");
+    EXPECT_EQ(get("mgdP->previewPage"), "0");
+}
+
+TEST_F(PageInfo, SavesARunningEditUnderThePagesNameAndShowsThePageAnew) {
+    openInfo();
+    info().type(placeOf(info(), ITEM_TEXT, revision), "C");
+    press(info(), saveButton);
+    EXPECT_EQ(stored("one"), "C");
+    EXPECT_EQ(testApplication.made.size(), 2u);
+    choose(info(), pageButton, 1);  // nothing is unsaved, so nothing is asked
+    type("D");
+    press(info(), saveButton);
+    EXPECT_EQ(stored("two"), "D");
+    EXPECT_EQ(testApplication.made.size(), 2u);  // it isn't on show
+    press(info(), -4);
+}
+
+TEST_F(PageInfo, AsksBeforeAnotherPageTakesThePlaceOfChanges) {
+    openInfo();
+    for (const auto& [answer, kept] : {std::pair(no, "-"), std::pair(yes, "E")}) {
+        choose(info(), pageButton, 0);
+        type("E");
+        answers.press(answer);
+        choose(info(), pageButton, 1);
+        EXPECT_TRUE(answers.finished());
+        EXPECT_EQ(stored("one"), kept);
+        EXPECT_EQ(shown(), "");
+    }
+}
+
+TEST_F(PageInfo, AsksBeforeTheDialogCloses) {
+    for (const auto& [answer, kept] : {std::pair(no, "-"), std::pair(yes, "F")}) {
+        openInfo();
+        type("F");
+        answers.press(answer);
+        press(info(), -4);
+        EXPECT_TRUE(answers.finished());
+        EXPECT_EQ(stored("one"), kept);
+        EXPECT_EQ(mclibMain_getGlobalDataP()->pageInfoSaved, 1);
+    }
+}
+
+TEST_F(PageInfo, GoesAlongToThePageThatComesOnShow) {
+    store("two", "B");
+    openInfo();
+    type("G");
+    answers.press(yes);
+    choose(dialog(), 20001, 1);
+    EXPECT_EQ(stored("one"), "G");
+    EXPECT_EQ(valueOf(info(), ITEM_OPTION_BUTTON, pageButton), "1");
+    EXPECT_EQ(shown(), "B");
+}
+
+TEST_F(PageInfo, MakingPagesLeavesWhatIsBeingEdited) {
+    store("two", "B");
+    openInfo();
+    choose(info(), pageButton, 1);
+    type("H");
+    testApplication.whileMade = [](int) { set("mclibsd->revs", "X"); };  // as a title block's values do
+    testApplication.newList = {"one", "two"};
+    press(dialog(), 20009);
+    testApplication.whileMade = nullptr;
+    press(info(), saveButton);
+    EXPECT_EQ(stored("two"), "H");
+}
+
+TEST_F(PageInfo, DeletesOnePagesThoseOfNoPageAndAll) {
+    for (const char* page : {"one", "two", "gone"}) store(page, "A");
+    openInfo();
+    press(info(), deleteButton);
+    EXPECT_EQ(stored("one"), "-");
+    EXPECT_EQ(shown(), "");
+    EXPECT_EQ(get("mclibsd->pageName"), "one");
+    EXPECT_EQ(stored("gone"), "A");
+    press(info(), cleanUpButton);
+    EXPECT_EQ(stored("gone"), "-");
+    EXPECT_EQ(stored("two"), "A");
+    answers.press(no);
+    press(info(), deleteAllButton);
+    EXPECT_EQ(stored("two"), "A");
+    answers.press(yes);
+    press(info(), deleteAllButton);
+    EXPECT_EQ(stored("two"), "-");
+    EXPECT_TRUE(answers.finished());
+}
+
+}  // namespace

@@ -1,0 +1,201 @@
+// Print jobs of the preview: which pages they take, what is on paper, and where the file goes.
+#include <algorithm>
+
+#include "frame/global_data.h"
+#include "print/print.h"
+#include "tests/forms/preview_fixture.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+const TestPage one{"one", 180000, 277000}, two{"two", 277000, 180000}, three{"three", 180000, 277000};
+const TestPage none{"none", 0, 0};
+constexpr int allPages = 1, fromTo = 2;
+
+// How many times `what` stands in `text`.
+size_t countOf(const std::string& text, const std::string& what) {
+    size_t count = 0;
+    for (size_t at = text.find(what); at != text.npos; at = text.find(what, at + 1)) ++count;
+    return count;
+}
+
+class PrintJob : public PreviewTest {
+  protected:
+    // The user changes the set-up, which is stored, before the preview opens.
+    void setUp(const std::vector<std::pair<const char*, std::string>>& values) {
+        answers
+            .check([&](host::Dialog&) {
+                for (const auto& [access, value] : values) set(access, value);
+            })
+            .press(-3);
+        EXPECT_EQ(mclibPrintSet_dialogOpen(), 3);
+    }
+    // Steps in the print dialog up to its OK: the range, and the file, which isn't sent anywhere.
+    void answerPrintDialog(int range) {
+        answers.setValue(ITEM_OPTION_BUTTON, 20012, std::to_string(range))
+            .setValue(ITEM_TOGGLE, 20006, "1")
+            .setValue(ITEM_TEXT, 20013, path("out.ps"));
+    }
+    // What the job of that range writes.
+    std::string print(int range) {
+        answerPrintDialog(range);
+        answers.press(-3);
+        press(dialog(), 20007);
+        EXPECT_TRUE(answers.finished());
+        return readFile("out.ps");
+    }
+};
+
+TEST_F(PrintJob, PrintsThePageOnShow) {
+    openPreview({one, two, three}, 2);
+    const std::string onShow = print(0);
+    EXPECT_EQ(countOf(onShow, "showpage"), 1u);
+    EXPECT_THAT(onShow, HasSubstr("three"));
+    EXPECT_THAT(testApplication.made, ElementsAre(2));  // when it was shown
+    EXPECT_EQ(front().fields.front(), std::pair(0, std::string("Printing three")));
+    EXPECT_EQ(front().field(0), "");
+    press(dialog(), -4);
+    openPreview({three});
+    EXPECT_EQ(print(allPages), onShow);
+}
+
+TEST_F(PrintJob, MakesEachPageOfARangeAnew) {
+    openPreview({one, two, three});
+    EXPECT_EQ(countOf(print(allPages), "showpage"), 3u);
+    EXPECT_THAT(testApplication.made, ElementsAre(0, 0, 1, 2));
+    EXPECT_THAT(testApplication.currentNames, ElementsAre("one", "one", "two", "three"));
+    testApplication.made.clear();
+    answerPrintDialog(fromTo);
+    answers.setValue(ITEM_OPTION_BUTTON, 20013, "1").setValue(ITEM_OPTION_BUTTON, 20014, "2").press(-3);
+    press(dialog(), 20007);
+    EXPECT_EQ(countOf(readFile("out.ps"), "showpage"), 2u);
+    EXPECT_THAT(testApplication.made, ElementsAre(1, 2));
+}
+
+TEST_F(PrintJob, PagesThatCannotBeMadeTakeNoSheet) {
+    openPreview({none, one, none, three});
+    EXPECT_EQ(countOf(print(allPages), "showpage"), 2u);
+    const std::string nothing = print(0);
+    EXPECT_THAT(nothing, testing::Not(HasSubstr("none")));
+}
+
+TEST_F(PrintJob, TurnsAPageForItsSheetAndBackAgain) {
+    for (const auto& [orientation, angle] : {std::pair("2", 90.0), std::pair("1", 0.0)}) {
+        SCOPED_TRACE(orientation);
+        setUp({{"mclibpsd->orientation", orientation}});
+        openPreview({two});
+        const GlobalData& data = *mclibMain_getGlobalDataP();
+        Point3d before[2], after[2];
+        mdlElmdscr_computeRange(&before[0], &before[1], data.previewDescr, nullptr);
+        print(0);
+        EXPECT_EQ(data.pageAngle, angle);
+        mdlElmdscr_computeRange(&after[0], &after[1], data.previewDescr, nullptr);
+        for (int corner = 0; corner < 2; ++corner) {
+            EXPECT_NEAR(after[corner].x, before[corner].x, 1e-6);
+            EXPECT_NEAR(after[corner].y, before[corner].y, 1e-6);
+        }
+    }
+}
+
+// The boxes around the ink of a PostScript file's pages, in points, as Ghostscript finds them.
+std::vector<DialogRect> inkBoxes(const std::string& file) {
+    std::vector<DialogRect> boxes;
+    std::FILE* lines =
+        popen(("timeout 60 gs -q -dBATCH -dNOPAUSE -dSAFER -sDEVICE=bbox '" + file + "' 2>&1").c_str(), "r");
+    char line[256];
+    for (DialogRect box{}; lines && std::fgets(line, sizeof line, lines);)
+        if (std::sscanf(line, "%%%%BoundingBox: %d %d %d %d", &box.left, &box.bottom, &box.right, &box.top) == 4)
+            boxes.push_back(box);
+    if (lines) pclose(lines);
+    return boxes;
+}
+
+TEST_F(PrintJob, EveryPageFillsTheSheetWithinItsMargins) {
+    if (std::system("gs --version > /dev/null 2>&1") != 0) GTEST_SKIP() << "Ghostscript isn't installed";
+    openPreview({one, two, three});  // the second is turned
+    print(allPages);
+    const auto boxes = inkBoxes(path("out.ps"));
+    ASSERT_EQ(boxes.size(), 3u);
+    constexpr double point = 72 / 25.4;
+    for (const DialogRect& box : boxes) {
+        EXPECT_NEAR(box.left, 20 * point, 2);
+        EXPECT_NEAR(box.bottom, 10 * point, 2);
+        EXPECT_NEAR(box.right, 200 * point, 2);
+        EXPECT_NEAR(box.top, 287 * point, 2);
+    }
+}
+
+TEST_F(PrintJob, AUserPrintFunctionStandsForEveryPage) {
+    openPreview({one, two, three}, 1);
+    mclibPreview_setUserPrintFunction(drawTestPage);
+    print(allPages);
+    EXPECT_THAT(testApplication.drawn, ElementsAre(0, 1, 2));
+    EXPECT_THAT(testApplication.made, ElementsAre(1));  // when it was shown
+    EXPECT_STREQ(mclibMain_getGlobalDataP()->currentPageName, "three");
+    print(0);
+    EXPECT_THAT(testApplication.drawn, ElementsAre(0, 1, 2, 1));
+    openPreview({one});  // clears it
+    print(allPages);
+    EXPECT_EQ(testApplication.drawn.size(), 4u);
+}
+
+TEST_F(PrintJob, WithoutAPageFunctionARangeIsEmpty) {
+    char name[] = "one";
+    char* names[] = {name};
+    preview = mclibPreview_dialogOpen(1, names, nullptr, nullptr);
+    mclibPreview_setUserPrintFunction(drawTestPage);
+    print(allPages);
+    EXPECT_THAT(testApplication.drawn, IsEmpty());
+    press(dialog(), 20009);  // nor is there a new list
+    EXPECT_EQ(get("mgdP->previewPage"), "0");
+}
+
+TEST_F(PrintJob, ACancelledDialogPrintsNothing) {
+    openPreview({one});
+    answerPrintDialog(allPages);
+    answers.press(-4);
+    press(dialog(), 20007);
+    EXPECT_EQ(readFile("out.ps"), "");
+    EXPECT_THAT(testApplication.made, ElementsAre(0));
+}
+
+TEST_F(PrintJob, SendsTheFileToThePrinterUnlessItIsKept) {
+    mdlSystem_defineCfgVar("PRINT_TARGET", path("printed.ps").c_str(), 4);
+    setUp({{"mclibpsd->printerName", "$(PRINT_TARGET)"}, {"mclibpsd->fileOnly", "0"}});
+    openPreview({one});
+    print(0);
+    EXPECT_EQ(readFile("printed.ps"), "");
+    const auto printAndSend = [&] {
+        answers.check([&](host::Dialog&) { set("mclibpsd->fileName", path("out.ps")); }).press(-3);
+        press(dialog(), 20007);
+    };
+    printAndSend();
+    EXPECT_EQ(countOf(readFile("printed.ps"), "showpage"), 1u);
+    EXPECT_EQ(readFile("printed.ps"), readFile("out.ps"));
+    mdlSystem_defineCfgVar("PRINT_TARGET", path("no/such/folder").c_str(), 4);
+    answers.check([&](host::Dialog&) { set("mclibpsd->fileName", path("out.ps")); }).press(-3).press(-3);
+    press(dialog(), 20007);
+    EXPECT_TRUE(answers.finished());  // a box told of it
+    mclibPreview_setUserPrintFunction(drawTestPage);
+    printAndSend();  // nothing is sent, so there is no box
+}
+
+TEST_F(PrintJob, AFileThatCannotBeWrittenIsTold) {
+    openPreview({one});
+    answerPrintDialog(allPages);
+    std::string told;
+    answers.setValue(ITEM_TEXT, 20013, path("no/such/out.ps"))
+        .press(-3)
+        .check([&](host::Dialog& box) {
+            for (const host::DrawCall& call : box.drawing()) told += call.text + "\n";
+        })
+        .press(-3);
+    press(dialog(), 20007);
+    EXPECT_THAT(told, HasSubstr("can't be opened:\n" + path("no/such/out.ps")));
+    EXPECT_THAT(testApplication.made, ElementsAre(0));
+}
+
+}  // namespace
