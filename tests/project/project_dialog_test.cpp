@@ -98,7 +98,7 @@ TEST_F(ProjectDialog, GoesToTheDesignFileByItsButtonAlone) {
 TEST_F(ProjectDialog, SavesAndLoadsTheSame1603Bytes) {
     open();
     type("17");
-    EXPECT_TRUE(dialog->setValue(placeOf(ITEM_TEXT, 20139), std::string(60, 'x')));  // cut to its field
+    EXPECT_TRUE(dialog->setValue(placeOf(ITEM_TEXT, 20139), std::string(39, 'x')));
     const std::string name = path("own.rsc");
     front().files.answer(name);
     press(saveButton);
@@ -164,12 +164,15 @@ TEST_F(ProjectDialog, TextsWithoutAnEndAreCutToTheirFields) {
     EXPECT_EQ(dialog->items()[placeOf(ITEM_TEXT, 20139)].value, std::string(39, 'y'));
 }
 
-TEST_F(ProjectDialog, AFileThatCannotBeMadeIsTold) {
+TEST_F(ProjectDialog, AFileOfAnotherKindIsToldAndKept) {
+    const std::string name = writeFile("text.rsc", "a letter");
     open();
-    front().files.answer(path("no/such/own.rsc"));
+    front().files.answer(name).agree(true);
+    answerBox(-3);  // replace it
     answerBox(-3);
     press(saveButton);
     EXPECT_THAT(told, HasSubstr("can't be opened"));
+    EXPECT_EQ(readFile("text.rsc"), "a letter");
 }
 
 }  // namespace
