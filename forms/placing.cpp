@@ -21,7 +21,8 @@ namespace {
 enum { PROMPT_PLACE = 35 };
 enum { ERROR_PLACE = 32, ERROR_NO_DESIGN_FILE = 34 };
 enum { orientationTurned = 0 };
-constexpr double crossArm = 2;  // master units
+constexpr int32_t everyElement = 11;  // of a descriptor, headers too
+constexpr double crossArm = 2;        // master units
 
 double uor(double master) {
     return *mclibUtil_masterToUORP(master);
@@ -59,19 +60,29 @@ Point3d stepBehind(int32_t sheet, int32_t pagesPerRow) {
 
 // ---- what lies in the drawing ----
 
-void addLine(const Point3d& from, const Point3d& to) {
-    const Point3d ends[] = {from, to};
-    if (mdlLine_create(dgnBufP, nullptr, ends) != MDL_SUCCESS || mdlElement_add(dgnBufP) == 0) return;
-    mdlElement_display(dgnBufP, MDL_DRAW);
+void setGroup(MSElementBuffer* element, uint32_t group) {
+    mdlElement_setProperties(element, nullptr, &group, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
 }
 
-void markCorners() {
+int setGroupOf(MSElementBuffer* element, void* group, int32_t, int32_t, ElementDescr*) {
+    setGroup(element, *static_cast<const uint32_t*>(group));
+    return 0;
+}
+
+void addLine(const Point3d& from, const Point3d& to, uint32_t group) {
+    const Point3d ends[] = {from, to};
+    if (mdlLine_create(dgnBufP, nullptr, ends) != MDL_SUCCESS) return;
+    setGroup(dgnBufP, group);
+    if (mdlElement_add(dgnBufP) != 0) mdlElement_display(dgnBufP, MDL_DRAW);
+}
+
+void markCorners(uint32_t group) {
     const double arm = uor(crossArm);
     const Corners sheet = sheetOutline();
     for (int i = 0; i < 4; ++i) {
         const Point3d& p = sheet.at[i];
-        addLine({p.x - arm, p.y, p.z}, {p.x + arm, p.y, p.z});
-        addLine({p.x, p.y - arm, p.z}, {p.x, p.y + arm, p.z});
+        addLine({p.x - arm, p.y, p.z}, {p.x + arm, p.y, p.z}, group);
+        addLine({p.x, p.y - arm, p.z}, {p.x, p.y + arm, p.z}, group);
     }
 }
 
@@ -81,19 +92,6 @@ void makeInOwnSystem(GlobalData& data, int32_t number, bool inDrawing, Page& pag
     mdlCurrTrans_identity();
     makePage(data, number, inDrawing, page.out());
     mdlCurrTrans_end();
-}
-
-// A page of several elements becomes the content of a cell without a name.
-void gather(Page& page) {
-    if (page.get()->next == nullptr) return;
-    ElementDescr* cell = nullptr;
-    const bool made = mdlCell_create(dgnBufP, L"", nullptr, *mgds_modesP) == MDL_SUCCESS &&
-                      mdlElmdscr_new(&cell, nullptr, dgnBufP) == MDL_SUCCESS;
-    if (!made) return;
-    if (mdlElmdscr_appendDscr(cell, page.get()) == MDL_SUCCESS)
-        *page.out() = cell;
-    else
-        mdlElmdscr_freeAll(&cell);
 }
 
 // ---- the command ----
@@ -110,9 +108,10 @@ void showSheets(Point3d* point, int32_t view, int32_t drawMode) {
 
 void placeAt(GlobalData& data, const Point3d& point, int32_t view) {
     forEachSheet(data, point, view, [&](int32_t number) {
-        mclibUtil_newGraphicGroup();
-        markCorners();
-        return tellUnlessPlaced(data, number, placePage(data, number, true, false));
+        uint32_t group = static_cast<uint32_t>(mclibUtil_newGraphicGroup());
+        markCorners(group);
+        const auto adopt = [&](Page& page) { mdlElmdscr_operation(page.get(), setGroupOf, &group, everyElement); };
+        return tellUnlessPlaced(data, number, placePage(data, number, true, adopt));
     });
 }
 
@@ -163,13 +162,13 @@ void forEachSheet(const GlobalData& data, const Point3d& point, int32_t view,
     }
 }
 
-PlacedPage placePage(GlobalData& data, int32_t number, bool inDrawing, bool asOneElement) {
+PlacedPage placePage(GlobalData& data, int32_t number, bool inDrawing, const std::function<void(Page&)>& prepare) {
     PlacedPage placed{.area = printableArea()};
     Page page;
     makeInOwnSystem(data, number, inDrawing, page);
     placed.made = static_cast<bool>(page);
     if (!page) return placed;
-    if (asOneElement) gather(page);
+    prepare(page);
     mclibElemDscr_placeElementDescr(placed.area.at, 1, page.get());
     const Transform* toWorld = nullptr;
     mdlCurrTrans_getAddresses(&toWorld, nullptr);

@@ -33,9 +33,9 @@ struct PlacedPage {
     FilePos position = 0;  // 0: it isn't in the design file
     Corners area;          // of its printable area, in the current transform
 };
-// Makes the page, fits it into the printable area of the sheet at the origin, and adds it to the design file. As one
-// element, it is whole at its position.
-PlacedPage placePage(GlobalData& data, int32_t page, bool inDrawing, bool asOneElement);
+// Makes the page, prepares it, fits it into the printable area of the sheet at the origin, and adds it to the design
+// file.
+PlacedPage placePage(GlobalData& data, int32_t page, bool inDrawing, const std::function<void(Page&)>& prepare);
 // False, and the user is told, when a page couldn't be put into the design file.
 bool tellUnlessPlaced(const GlobalData& data, int32_t page, const PlacedPage& placed);
 

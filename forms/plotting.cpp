@@ -8,7 +8,9 @@
 #include "frame/error.h"
 #include "frame/text_buffer.h"
 #include "host/mdl/dialog.h"
+#include "host/mdl/elmdscr.h"
 #include "host/mdl/fence.h"
+#include "host/mdl/model.h"
 #include "host/mdl/plot.h"
 #include "host/mdl/system.h"
 #include "host/mdl/transform.h"
@@ -156,9 +158,22 @@ class PagesInDrawing {
     GlobalData& data_;
 };
 
+// A page of several elements becomes the content of a cell without a name, so that it goes again as one.
+void gather(Page& page) {
+    if (page.get()->next == nullptr) return;
+    ElementDescr* cell = nullptr;
+    const bool made = mdlCell_create(dgnBufP, L"", nullptr, *mgds_modesP) == MDL_SUCCESS &&
+                      mdlElmdscr_new(&cell, nullptr, dgnBufP) == MDL_SUCCESS;
+    if (!made) return;
+    if (mdlElmdscr_appendDscr(cell, page.get()) == MDL_SUCCESS)
+        *page.out() = cell;
+    else
+        mdlElmdscr_freeAll(&cell);
+}
+
 void placeAll(GlobalData& data, const Point3d& point, int32_t view) {
     forEachSheet(data, point, view, [&](int32_t number) {
-        const PlacedPage placed = placePage(data, number, false, true);
+        const PlacedPage placed = placePage(data, number, false, gather);
         record(data, number, view, placed);
         return tellUnlessPlaced(data, number, placed);
     });

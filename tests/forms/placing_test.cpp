@@ -83,14 +83,14 @@ class PlacingTest : public PreviewTest {
 };
 
 const std::vector<TestPage> fourPages = {
-    {"One", 1000, 1500}, {"Two", 1000, 1500}, {"Three", 1000, 1500}, {"Four", 1000, 1500}};
+    {"One", 100000, 150000}, {"Two", 100000, 150000}, {"Three", 100000, 150000}, {"Four", 100000, 150000}};
 
 TEST_F(PlacingTest, APageFillsThePrintableAreaOfASheetThatHangsAtThePoint) {
     set("mclibpsd->marginLeft", "30");
     set("mclibpsd->marginRight", "10");
     set("mclibpsd->marginTop", "17");
     set("mclibpsd->marginBottom", "20");
-    openPreview({{"One", 1000, 1500}});
+    openPreview({{"One", 100000, 150000}});
     startPlacing(0, 1);
     EXPECT_EQ(front().field(2), "Give the place of the page");
     host::giveDataPoint({100 * uor, 400 * uor, 0}, 0);
@@ -117,7 +117,9 @@ TEST_F(PlacingTest, SheetsOfARangeLieInRowsFromTheTop) {
     };
     openPreview(fourPages);
     for (const auto& c : cases) {
-        openDesignFile();
+        const std::string name = path(std::to_string(c.pagesPerRow) + ".mcd");
+        mdlSystem_createDesignFile(name.c_str(), 0);
+        mdlSystem_newDesignFile(name.c_str(), 0);
         startPlacing(1, c.pagesPerRow);
         host::giveDataPoint({0, 0, 0}, 0);
         const auto found = sheets();
@@ -166,7 +168,7 @@ TEST_F(PlacingTest, ATurnedViewTurnsTheSheet) {
     RotMatrix quarter;
     mdlRMatrix_fromAngle(&quarter, *fc_piover2P);
     host::setViewRotation(4, quarter);
-    openPreview({{"One", 1000, 1500}});
+    openPreview({{"One", 100000, 150000}});
     startPlacing(0, 1);
     host::giveDataPoint({0, 0, 0}, 4);
     // Right in the view is down in the model, and down in the view is left.
@@ -177,7 +179,7 @@ TEST_F(PlacingTest, ATurnedViewTurnsTheSheet) {
 }
 
 TEST_F(PlacingTest, APageThatIsNotMadeLeavesItsSheetEmpty) {
-    openPreview({{"One", 1000, 1500}, {"None", 0, 0}, {"Three", 1000, 1500}});
+    openPreview({{"One", 100000, 150000}, {"None", 0, 0}, {"Three", 100000, 150000}});
     startPlacing(1, 3);
     host::giveDataPoint({0, 0, 0}, 0);
     EXPECT_EQ(sheets().size(), 3u);
@@ -211,9 +213,12 @@ class PlottingTest : public PlacingTest {
 
     // The set-up of a plot, as the user would leave it behind.
     void setUp(const std::string& driver, int pageSize = 9) {
-        set("mclibpsd->deviceType", "6");
-        set("mclibpsd->pageSize", std::to_string(pageSize));
-        set("mclibpsd->plotterFile", writeFile("test.plt", driver));
+        const std::string file = writeFile("test.plt", driver);
+        answers.check([=, this](host::Dialog&) {
+            set("mclibpsd->deviceType", "6");
+            set("mclibpsd->pageSize", std::to_string(pageSize));
+            set("mclibpsd->plotterFile", file);
+        });
         answers.press(-3);
         mclibPrintSet_dialogOpen();
     }
@@ -257,7 +262,7 @@ TEST_F(PlottingTest, ThePaperIsThatOfTheSetUp) {
     } cases[] = {{9, "595.275"}, {7, "841.889"}, {11, "419.527"}, {8, "595.275"}};
     for (const auto& c : cases) {
         setUp("output = pdf\n", c.pageSize);
-        openPreview({{"Page", 1000, 1500}});
+        openPreview({{"Page", 100000, 150000}});
         plot(0);
         EXPECT_THAT(readFile("plots/test_Page.pdf"), HasSubstr(std::string("/MediaBox [ 0 0 ") + c.mediaBox))
             << c.pageSize;
