@@ -47,6 +47,11 @@ int64_t Database::number(const std::string& sql) {
     return statement.step() ? statement.integer(0) : 0;
 }
 
+std::string Database::text(const std::string& sql) {
+    Statement statement(*this, sql);
+    return statement.step() ? std::string(statement.text(0)) : std::string();
+}
+
 void Database::close() noexcept {
     sqlite3_close_v2(handle_);
     handle_ = nullptr;

@@ -34,7 +34,8 @@ class Database {
     // One that nobody changes and that has no companion files, without leaving a trace beside it.
     void openImmutable(const std::string& path);
     void run(const std::string& sql);
-    int64_t number(const std::string& sql);  // the first value of the first row; 0 without one
+    int64_t number(const std::string& sql);    // the first value of the first row; 0 without one
+    std::string text(const std::string& sql);  // the same; empty without one
     void close() noexcept;
     bool isOpen() const { return handle_ != nullptr; }
     sqlite3* handle() const { return handle_; }

@@ -115,14 +115,8 @@ struct ResourceStore::Statements {
 
 ResourceStore::ResourceStore(std::string path) : path_(std::move(path)) {}
 
-ResourceStore::~ResourceStore() {
-    if (!database_) return;
-    statements_.reset();
-    // The last one to close takes the log back into the file; for any other one this fails, as it should.
-    if (writable_)
-        sqlite3_exec(database_->handle(), "PRAGMA busy_timeout = 0; PRAGMA journal_mode = DELETE", nullptr, nullptr,
-                     nullptr);
-}
+// The last one to close takes the log into the file.
+ResourceStore::~ResourceStore() = default;
 
 void ResourceStore::fail(const std::string& why, bool readOnly) const {
     failWith(path_, {why, readOnly});
@@ -150,15 +144,16 @@ Database& ResourceStore::writing() {
     Database& db = reading();
     if (writable_) return db;
     try {
-        if (Statement(db, "PRAGMA journal_mode = WAL").step()) db.run("PRAGMA synchronous = NORMAL");
+        if (db.text("PRAGMA journal_mode = WAL") == "wal") db.run("PRAGMA synchronous = NORMAL");
     } catch (const SqliteFailure& failure) {
         // A reader is at work: the database then keeps a journal, which is as safe and slower.
         if (failure.code != SQLITE_BUSY) throw;
-        db.run("PRAGMA synchronous = FULL");
     }
-    Transaction transaction(db);
-    db.run(schema);
-    transaction.commit();
+    if (!hasTable("about")) {
+        Transaction transaction(db);
+        db.run(schema);
+        transaction.commit();
+    }
     writable_ = true;
     return db;
 }
@@ -307,6 +302,17 @@ void requireFolder(const std::string& path) {
                     !missing});
 }
 
+// Gives a file that nobody knows yet its tables and its log, without waiting for the disk.
+void prepare(const std::string& path, std::string_view title) {
+    Database db;
+    db.open(path, SQLITE_OPEN_READWRITE);
+    db.run("PRAGMA synchronous = OFF; PRAGMA journal_mode = WAL");
+    Transaction transaction(db);
+    db.run(schema);
+    Statement(db, "INSERT INTO about VALUES(?)").execute(bytesOf(title));
+    transaction.commit();
+}
+
 // False when another process has taken the name.
 bool makeFile(const std::string& path, std::string_view title) {
     requireFolder(path);
@@ -315,16 +321,19 @@ bool makeFile(const std::string& path, std::string_view title) {
     const std::string temporary = temporaryName(path);
     try {
         writeContainer(temporary, {});
-        ResourceStore(temporary).clear(title);
+        prepare(temporary, title);
         publishFile(temporary, path);
     } catch (const std::system_error& error) {
         if (error.code() == std::errc::file_exists) return false;
         failWith(path,
                  {"can't be made (" + error.code().message() + "); check the name, its folder and the disk",
                   error.code() == std::errc::permission_denied || error.code() == std::errc::read_only_file_system});
-    } catch (...) {
+    } catch (const SqliteFailure& failure) {
         unlink(temporary.c_str());
-        throw;
+        failWith(path, reasonOf(failure));
+    } catch (const ResourceError&) {
+        unlink(temporary.c_str());
+        failWith(path, {"it can't be made; make sure that there is room on the disk, and try again"});
     }
     return true;
 }

@@ -1,0 +1,169 @@
+// Resource files against processes that are killed while they write, and against each other.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <random>
+#include <string>
+#include <thread>
+
+#include "host/resource/container.h"
+#include "host/resource/store.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using host::Put;
+using host::ResourceStore;
+using host::StoredList;
+
+constexpr int32_t type = 0x54657374, id = 7;
+
+std::vector<std::byte> blockOf(int value) {
+    return std::vector<std::byte>(6000, static_cast<std::byte>(value));
+}
+
+StoredList listOf(int value) {
+    StoredList list{1, {}, {}};
+    list.texts.assign(20, std::to_string(value));
+    list.info.assign(20, value);
+    return list;
+}
+
+pid_t runChild(const std::function<void()>& body) {
+    const pid_t child = fork();
+    if (child != 0) return child;
+    try {
+        body();
+    } catch (const std::exception& error) {
+        fprintf(stderr, "%s\n", error.what());
+        _exit(1);
+    }
+    _exit(0);
+}
+
+int exitStatus(pid_t child) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+class Survival : public testing::Test {
+  protected:
+    Survival() {
+        std::string pattern = (fs::temp_directory_path() / "survival-XXXXXX").string();
+        folder = mkdtemp(pattern.data());
+        file = folder / "a.rsc";
+    }
+    ~Survival() override { fs::remove_all(folder); }
+
+    void make() {
+        host::createResourceFile(file, "");
+        ResourceStore store(file);
+        store.put(Put::add, type, id, blockOf(0), 0, "");
+        store.put(Put::add, id, listOf(0), "");
+    }
+
+    // Opens the file; the value that its block holds throughout.
+    int wholeValue() {
+        host::readContainer(file);
+        ResourceStore store(file);
+        const auto block = store.block(type, id);
+        bool cut = false;
+        const auto list = store.list(id, &cut);
+        EXPECT_TRUE(block && list && !cut);
+        if (!block || !list || block->size() != 6000 || list->texts.size() != 20) {
+            ADD_FAILURE() << "the file lacks content";
+            return -1;
+        }
+        EXPECT_EQ(*block, blockOf(static_cast<int>(block->front())));
+        EXPECT_EQ(list->texts, listOf(list->info.front()).texts);
+        EXPECT_EQ(list->info, listOf(list->info.front()).info);
+        return static_cast<int>(block->front());
+    }
+
+    fs::path folder;
+    std::string file;
+};
+
+// Writes without end, and tells each write through the pipe.
+void writeOn(const std::string& file, int value, int pipe) {
+    for (;;) {
+        ResourceStore store(file);  // opens, writes and closes, so that each of these is met
+        for (int i = 0; i < 3; ++i, ++value) {
+            store.put(Put::replace, type, id, blockOf(value), 0, "");
+            store.put(Put::replace, id, listOf(value), "");
+            [[maybe_unused]] const ssize_t told = write(pipe, "w", 1);
+        }
+    }
+}
+
+TEST_F(Survival, AKilledWriterLeavesWholeContent) {
+    make();
+    std::mt19937 random(1);
+    std::uniform_int_distribution<int> writes(0, 4), microseconds(0, 3000);
+    int changed = 0;
+    for (int round = 0, last = 0; round < 200; ++round) {
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        const pid_t child = runChild([&] { writeOn(file, last + 1, ends[1]); });
+        close(ends[1]);
+        char byte;
+        for (int n = writes(random); n > 0; --n) ASSERT_EQ(read(ends[0], &byte, 1), 1) << "the writer ended by itself";
+        std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
+        kill(child, SIGKILL);
+        ASSERT_EQ(exitStatus(child), -1) << "the writer ended by itself";
+        close(ends[0]);
+        const int value = wholeValue();
+        ASSERT_FALSE(HasFailure()) << "round " << round;
+        changed += value != last;
+        last = value;
+    }
+    EXPECT_GT(changed, 100);
+}
+
+TEST_F(Survival, AKilledMakerLeavesNoHalfFile) {
+    std::mt19937 random(2);
+    std::uniform_int_distribution<int> microseconds(0, 6000);
+    for (int round = 0; round < 40; ++round) {
+        fs::remove(file);
+        const pid_t child = runChild([&] { host::createResourceFile(file, "title"); });
+        std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
+        kill(child, SIGKILL);
+        exitStatus(child);
+        if (fs::exists(file)) {
+            EXPECT_NO_THROW(host::readContainer(file));
+        }
+        EXPECT_NO_THROW(host::createResourceFile(file, "title"));
+    }
+}
+
+TEST_F(Survival, TwoWritersKeepEachOthersContent) {
+    make();
+    constexpr int each = 150;
+    const auto writer = [&](int32_t own) {
+        return runChild([&, own] {
+            for (int n = 0; n < each; ++n) {
+                ResourceStore store(file);
+                store.put(Put::add, own, n, blockOf(n), 0, "");
+                store.put(Put::replace, type, id, blockOf(own * 100 + n % 50), 0, "");
+                store.put(Put::replace, id, listOf(n), "");
+            }
+        });
+    };
+    const pid_t first = writer(1), second = writer(2);
+    for (int look = 0; look < 20; ++look) wholeValue();
+    EXPECT_EQ(exitStatus(first), 0);
+    EXPECT_EQ(exitStatus(second), 0);
+    wholeValue();
+    ResourceStore store(file);
+    EXPECT_EQ(store.blocks().size(), 2u * each + 1);
+    for (int32_t own : {1, 2})
+        for (int n = 0; n < each; ++n) ASSERT_EQ(store.block(own, n), blockOf(n)) << own << " " << n;
+}
+
+}  // namespace
