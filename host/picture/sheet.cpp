@@ -22,6 +22,7 @@ namespace host {
 namespace {
 
 constexpr double mmPerInch = 25.4, pointsPerInch = 72;
+constexpr double penRoom = 0.5;  // mm: for lines that lie on the edge of a picture
 
 // Pen widths in millimetres, by weight; other weights are drawn as weight 2.
 constexpr auto penWidths =
@@ -117,7 +118,7 @@ Sheet::Sheet(PictureKind kind, const std::string& path, const Range3d& range, do
     const double heightMm = (range.high.y - range.low.y) * scale_;
     cairo_translate(pen_.get(), page.left, page.turned ? page.top + widthMm : page.top);
     if (page.turned) cairo_rotate(pen_.get(), -std::numbers::pi / 2);
-    cairo_rectangle(pen_.get(), 0, 0, widthMm, heightMm);
+    cairo_rectangle(pen_.get(), -penRoom, -penRoom, widthMm + 2 * penRoom, heightMm + 2 * penRoom);
     cairo_clip(pen_.get());
 }
 

@@ -1,3 +1,4 @@
-# A plotter that writes PDF files, one for each page.
+# A plotter that writes PDF files, one for each page. The entries are told in host/mdl/plot.h.
 output = pdf
 default = A4
+margin = 10

@@ -8,10 +8,12 @@
 #include <fstream>
 #include <sstream>
 
+#include "host/command/command.h"
 #include "host/dialog/dialog.h"
 #include "host/mdl/dialog.h"
 #include "host/mdl/lists.h"
 #include "host/mdl/resource.h"
+#include "host/mdl/state.h"
 #include "host/mdl/system.h"
 #include "host/resource/container.h"
 #include "host/session/session.h"
@@ -277,6 +279,38 @@ TEST_F(Terminal, ARowThatIsNotEnabledIsNeitherOfferedNorTaken) {
     EXPECT_THAT(shown, HasSubstr("4) Device: Paper (Paper)\n"));
     EXPECT_THAT(shown, HasSubstr("can't be done here: \"4=Sk\xc3\xa6rm\""));
     EXPECT_THAT(shown, HasSubstr("can't be done here: \"4=2\""));
+}
+
+// ---- commands ----
+
+std::vector<double> points;  // x of the points that the command below was given
+
+void startPointCommand() {
+    points.clear();
+    mdlState_startPrimitive([](Point3d* point, int32_t) { points.push_back(point->x); }, nullptr, 0, 0);
+    mdlOutput_prompt("Plass for siden p\xe5 arket");
+}
+
+TEST_F(Terminal, ACommandAsksForPointsUntilItIsReset) {
+    typed("4,5\nhere\n6,7 2\n\n");
+    inSession([] {
+        startPointCommand();
+        EXPECT_TRUE(host::serveCommands());
+    });
+    EXPECT_THAT(points, testing::ElementsAre(4, 6));
+    EXPECT_THAT(shown, HasSubstr("Plass for siden p\xc3\xa5 arket\nx,y[,z] [view] > "));
+    EXPECT_THAT(shown, HasSubstr("\"here\" isn't a point. Give x,y"));
+}
+
+TEST_F(Terminal, AnUnattendedCommandGetsItsAnswersThenTheOriginOnce) {
+    answers("4,5\n");
+    options.yes = true;
+    inSession([] {
+        startPointCommand();
+        EXPECT_FALSE(host::serveCommands()) << "it wants points for ever";
+    });
+    EXPECT_THAT(points, testing::ElementsAre(4, 0));
+    EXPECT_THAT(shown, HasSubstr("Nobody gives a point."));
 }
 
 }  // namespace

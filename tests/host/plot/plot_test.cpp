@@ -11,6 +11,7 @@
 #include "host/mdl/element.h"
 #include "host/mdl/elmdscr.h"
 #include "host/mdl/fence.h"
+#include "host/mdl/files.h"
 #include "host/mdl/model.h"
 #include "host/mdl/system.h"
 #include "host/mdl/transform.h"
@@ -237,6 +238,17 @@ TEST_F(PlotTest, ABadDriverFileIsRefusedWithItsLine) {
     EXPECT_THAT(lastMessage(), HasSubstr("can't be read"));
     EXPECT_EQ(mdlPlotDesc_createFromTCBAndPltFile(path("").c_str()), nullptr) << "a folder";
     EXPECT_EQ(mdlPlotDesc_createFromTCBAndPltFile(""), nullptr);
+}
+
+TEST_F(PlotTest, TheShippedPlottersCanBeUsedAndTheFirstIsFound) {
+    for (const char* name : {"pdf.plt", "png.plt"}) {
+        const std::string file = std::string(BUILD_DIR "/lib/plotters/") + name;
+        EXPECT_TRUE(OwnedPlot(mdlPlotDesc_createFromTCBAndPltFile(file.c_str()))) << lastMessage();
+    }
+    mdlSystem_defineCfgVar("MS_PLTR", (path("gone.plt") + ";" BUILD_DIR "/lib/plotters/pdf.plt").c_str(), 4);
+    char found[256] = "";
+    EXPECT_EQ(mdlFile_find(found, nullptr, "MS_PLTR", nullptr), MDL_SUCCESS);
+    EXPECT_STREQ(found, BUILD_DIR "/lib/plotters/pdf.plt");
 }
 
 class PrinterTest : public PlotTest {
