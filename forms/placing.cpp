@@ -50,6 +50,11 @@ Corners printableArea() {
                      {sheet.width - uor(mclibpsd->marginRight), -uor(mclibpsd->marginTop), 0});
 }
 
+// Margins may leave nothing of a sheet.
+bool isEmpty(const Corners& area) {
+    return !(area.at[0].x < area.at[2].x && area.at[0].y < area.at[2].y);
+}
+
 // From the sheet with that number in its range, counted from 0, to the next one.
 Point3d stepBehind(int32_t sheet, int32_t pagesPerRow) {
     const SheetSize size = sheetSize();
@@ -167,7 +172,7 @@ PlacedPage placePage(GlobalData& data, int32_t number, bool inDrawing, const std
     Page page;
     makeInOwnSystem(data, number, inDrawing, page);
     placed.made = static_cast<bool>(page);
-    if (!page) return placed;
+    if (!page || isEmpty(placed.area)) return placed;
     prepare(page);
     mclibElemDscr_placeElementDescr(placed.area.at, 1, page.get());
     const Transform* toWorld = nullptr;

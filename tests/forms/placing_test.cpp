@@ -188,6 +188,18 @@ TEST_F(PlacingTest, APageThatIsNotMadeLeavesItsSheetEmpty) {
     EXPECT_GT(pages[1].range.low.x / uor, 420);
 }
 
+TEST_F(PlacingTest, MarginsThatLeaveNothingOfTheSheetAreTold) {
+    set("mclibpsd->marginLeft", "205");
+    openPreview(fourPages);
+    startPlacing(1, 1);
+    const int before = front().dialogs;
+    answers.press(-3);
+    host::giveDataPoint({0, 0, 0}, 0);
+    EXPECT_EQ(front().dialogs, before + 1) << "once, not for each page";
+    EXPECT_TRUE(ofType(MDL_LINE_STRING).empty());
+    EXPECT_FALSE(host::commandRuns());
+}
+
 TEST_F(PlacingTest, WithoutADesignFileNothingStarts) {
     openPreview(fourPages);
     mdlSystem_closeDesignFile();
