@@ -29,7 +29,10 @@ std::string drawnText(const Dialog& dialog) {
     std::string prefix = icon == calls.end() ? std::string() : "(" + utf8FromNarrow(icon->icon->sign) + ") ";
     const std::string following(prefix.empty() ? 0 : indent.size(), ' ');
 
-    std::erase_if(calls, [](const DrawCall& call) { return call.kind != DrawCall::Kind::text; });
+    std::erase_if(calls, [](const DrawCall& call) {
+        const bool blank = call.box && call.text.find_first_not_of(' ') == std::string::npos;
+        return call.kind != DrawCall::Kind::text || blank;
+    });
     std::ranges::stable_sort(calls, [](const DrawCall& a, const DrawCall& b) {
         return std::pair(a.rect.top, a.rect.left) < std::pair(b.rect.top, b.rect.left);
     });

@@ -21,7 +21,7 @@ namespace host {
 
 namespace {
 
-enum { STATUS_FIELD = 1, ERROR_FIELD = 3 };
+enum { MESSAGE_FIELD = 0, STATUS_FIELD = 1, ERROR_FIELD = 3 };
 enum { BUTTON_FIRST = -3 };
 constexpr size_t mostPixels = 8000;  // a window's side
 
@@ -134,7 +134,7 @@ class TerminalFrontEnd : public FrontEnd {
 
     void messageField(int field, std::string_view text) override {
         if (field == ERROR_FIELD && !text.empty()) show(std::string(text) + "\n");
-        if (field != STATUS_FIELD || !showsProgress_) return;
+        if ((field != MESSAGE_FIELD && field != STATUS_FIELD) || !showsProgress_) return;
         std::fprintf(options_.errors, "\r%.*s\x1b[K", static_cast<int>(text.size()), text.data());
         std::fflush(options_.errors);
         progressShown_ = !text.empty();
@@ -210,12 +210,23 @@ class TerminalFrontEnd : public FrontEnd {
         if (open.size() > 1) show(windowList(open, *dialog));
         if (const auto answer = nextAnswer(question(*dialog)))
             take(*dialog, *answer);
+        else if (options_.yes && pressed_.lock() != dialog)
+            pressFirst(dialog);
         else
             dialog->close();
         return true;
     }
 
   private:
+    // In an unattended run: the dialog stays until commands that the button starts have been served.
+    void pressFirst(const std::shared_ptr<Dialog>& dialog) {
+        pressed_ = dialog;
+        const auto button = firstButton(*dialog);
+        if (!button) return;
+        show("> " + utf8FromNarrow(dialog->items()[*button].label) + "\n");
+        dialog->press(*button);
+    }
+
     void present(Dialog& dialog) {
         if (Session* session = Session::current()) session->runDueTimers();
         dialog.refresh();
@@ -360,6 +371,7 @@ class TerminalFrontEnd : public FrontEnd {
     bool gaveUp_ = false;             // the user left the last question without an answer
     uint64_t pointedAt_ = 0;          // the command that an unattended run gave its one point
     std::weak_ptr<Dialog> turnedTo_;  // of the dialogs that aren't modal
+    std::weak_ptr<Dialog> pressed_;   // the one whose first button an unattended run has pressed
     TerminalOptions options_;
 };
 

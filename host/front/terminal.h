@@ -8,8 +8,8 @@
 //
 // Answers come from a file first, line by line; then, with `yes`, the first button is pressed everywhere; then the
 // terminal is asked. Where none of them is there, a dialog with one button counts as pressed, and any other one is
-// answered by nobody; a dialog that isn't modal is closed. A command is given points and resets as lines in the same
-// way; `yes` gives each command one point, the origin in view 1.
+// answered by nobody; a dialog that isn't modal is closed, with `yes` once its first button was pressed. A command is
+// given points and resets as lines in the same way; `yes` gives each command one point, the origin in view 1.
 #pragma once
 
 #include <cstdio>

@@ -23,7 +23,7 @@ namespace {
 using testing::HasSubstr;
 namespace fs = std::filesystem;
 
-enum { NOTICE = 1, QUESTION = 2, FORM = 3 };
+enum { NOTICE = 1, QUESTION = 2, FORM = 3, TOOLS = 4 };
 enum { HOOK = 7, LIST_HOOK = 8 };
 
 host::ItemLayout item(int32_t kind, int32_t id, const char* label, int32_t hook = 0) {
@@ -50,6 +50,7 @@ host::ResourceContents layouts() {
         FORM, "Form",
         {item(ITEM_TEXT, 1, "Name"), device, item(ITEM_TOGGLE, 3, "Frame"), item(ITEM_LIST_BOX, 4, "Rows", LIST_HOOK),
          item(ITEM_PUSH_BUTTON, -3, "Print"), item(ITEM_PUSH_BUTTON, -4, "Preview")});
+    dialog(TOOLS, "Tools", {item(ITEM_PUSH_BUTTON, 7, "Work"), item(ITEM_PUSH_BUTTON, 8, "Rest")});
     return contents;
 }
 
@@ -257,6 +258,21 @@ TEST_F(Terminal, OpenDialogsAreServedUntilNoneIsLeft) {
     EXPECT_THAT(shown, HasSubstr("can't be done here: \"size 300x200\""));
     EXPECT_THAT(shown, HasSubstr("can't be done here: \"window 7\""));
     EXPECT_EQ(contentsOf("form.png").substr(1, 3), "PNG");
+}
+
+TEST_F(Terminal, YesPressesTheFirstButtonOfAnOpenDialogOnceAndThenClosesIt) {
+    options.yes = true;
+    inSession([] {
+        mdlDialog_open(0, TOOLS);
+        host::FrontEnd& front = host::Session::current()->frontEnd();
+        EXPECT_TRUE(front.serveOpenDialog());
+        EXPECT_EQ(host::openDialogs().size(), 1u);
+        EXPECT_TRUE(front.serveOpenDialog());
+        EXPECT_FALSE(front.serveOpenDialog());
+    });
+    const size_t pressed = shown.find("> Work\n");
+    ASSERT_NE(pressed, shown.npos);
+    EXPECT_EQ(shown.find("> Work\n", pressed + 1), shown.npos);
 }
 
 TEST_F(Terminal, OpenDialogsThatNobodyAnswersAreClosed) {
