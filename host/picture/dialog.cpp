@@ -54,6 +54,7 @@ PaperColor colorOf(int32_t index) {
 struct CloseSurface {
     void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
     void operator()(cairo_t* pen) const { cairo_destroy(pen); }
+    void operator()(cairo_font_options_t* options) const { cairo_font_options_destroy(options); }
 };
 
 // Draws in pixels of the content area, y downwards.
@@ -66,6 +67,8 @@ class DialogPen {
         cairo_scale(pen(), dotsPerPixel, dotsPerPixel);
         cairo_translate(pen(), 0, titleHeight);
         cairo_set_line_width(pen(), 1);
+        cairo_font_options_set_hint_metrics(unhinted_.get(), CAIRO_HINT_METRICS_OFF);
+        cairo_font_options_set_hint_style(unhinted_.get(), CAIRO_HINT_STYLE_NONE);
     }
 
     bool save(const std::string& path) {
@@ -181,19 +184,23 @@ class DialogPen {
     // The characters are stretched so that they fill the box.
     void boxedText(const DrawCall& call) {
         const DrawnTextBox& b = *call.box;
-        setFont(FONT_DIALOG);
+        cairo_save(pen());
+        cairo_select_font_face(pen(), "Helvetica", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+        cairo_set_font_options(pen(), unhinted_.get());
         cairo_set_font_size(pen(), 1);
         const std::string utf8 = utf8FromNarrow(call.text);
         cairo_text_extents_t extents;
         cairo_text_extents(pen(), utf8.c_str(), &extents);
-        if (!(extents.x_advance > 0 && std::fabs(b.alongX * b.upY - b.alongY * b.upX) > 1e-6)) return;
-        const double wide = 1 / extents.x_advance, high = fontSizePerHeight;
-        const cairo_matrix_t face{b.alongX * wide, b.alongY * wide, -b.upX * high, -b.upY * high, 0, 0};
-        use(colorOf(call.color));
-        cairo_set_font_matrix(pen(), &face);
-        cairo_move_to(pen(), b.x, b.y);
-        cairo_show_text(pen(), utf8.c_str());
-        cairo_new_path(pen());
+        if (extents.x_advance > 0 && std::fabs(b.alongX * b.upY - b.alongY * b.upX) > 1e-6) {
+            const double wide = 1 / extents.x_advance, high = fontSizePerHeight;
+            const cairo_matrix_t face{b.alongX * wide, b.alongY * wide, -b.upX * high, -b.upY * high, 0, 0};
+            use(colorOf(call.color));
+            cairo_set_font_matrix(pen(), &face);
+            cairo_move_to(pen(), b.x, b.y);
+            cairo_show_text(pen(), utf8.c_str());
+            cairo_new_path(pen());
+        }
+        cairo_restore(pen());
     }
 
     void icon(const DrawCall& call) {
@@ -207,6 +214,7 @@ class DialogPen {
 
     std::unique_ptr<cairo_surface_t, CloseSurface> surface_;
     std::unique_ptr<cairo_t, CloseSurface> pen_;
+    std::unique_ptr<cairo_font_options_t, CloseSurface> unhinted_{cairo_font_options_create()};
 };
 
 // ---- items ----

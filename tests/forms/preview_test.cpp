@@ -231,11 +231,14 @@ TEST_F(PreviewPages, OpeningAgainStartsAnewAndAnotherApplicationTakesOver) {
     });
 }
 
-TEST_F(PreviewPages, TheSpreadsheetIsNotThereYet) {
+TEST_F(PreviewPages, TheSpreadsheetIsNotThereYetButItsTemplateCanBeChosen) {
     openPreview({upright});
-    answers.setValue(ITEM_TEXT, 20072, "Sheet1").press(-3).press(-3);
+    const std::string book = writeFile("list.xlt", "");
+    front().files.answer(book);
+    answers.press(20012).setValue(ITEM_TEXT, 20072, "Sheet1").press(-3).press(-3);
     press(dialog(), 20011);
     EXPECT_TRUE(answers.finished());
+    EXPECT_EQ(get("mgdP->fileDialogP->excelTemplate"), book);
     EXPECT_EQ(get("mgdP->fileDialogP->excelSheet"), "Sheet1");
 }
 

@@ -183,6 +183,26 @@ TEST_F(PrintJob, SendsTheFileToThePrinterUnlessItIsKept) {
     printAndSend();  // nothing is sent, so there is no box
 }
 
+TEST_F(PrintJob, ATextJobIsThePageOnShowInAFileThatTheUserNames) {
+    openPreview({one, two}, 1);
+    set("mclibpsd->deviceType", "4");
+    set("mclibpsd->fileOnly", "0");  // and yet it goes to no printer
+    set("mgdP->fileDialogP->printRange", "1");
+    front().files.answer(path("list.txt"));
+    press(dialog(), 20007);
+    EXPECT_EQ(front().dialogs, 0);  // no range was asked for, and no failed printer was told of
+    EXPECT_THAT(readFile("list.txt"), HasSubstr("two"));
+    EXPECT_EQ(get("mgdP->fileDialogP->printRange"), "0");
+    EXPECT_THAT(testApplication.made, ElementsAre(1));  // when it was shown
+    ASSERT_EQ(front().files.questions.size(), 1u);
+    EXPECT_EQ(front().files.questions[0].title, "Save the page as text");
+    EXPECT_EQ(front().files.questions[0].filter, "*.txt");
+    std::remove(path("list.txt").c_str());
+    front().files.cancel();
+    press(dialog(), 20007);
+    EXPECT_EQ(readFile("list.txt"), "");
+}
+
 TEST_F(PrintJob, AFileThatCannotBeWrittenIsTold) {
     openPreview({one});
     answerPrintDialog(allPages);
