@@ -4,10 +4,17 @@
 #include <array>
 
 #include "apps/common/input.h"
+#include "apps/common/numbers.h"
 #include "apps/common/tell.h"
-#include "values.h"
+#include "apps/common/values.h"
 
 namespace formula {
+
+using app::mostDecimals;
+using app::Outcome;
+using app::sameName;
+using app::shown;
+using app::Values;
 
 namespace {
 

@@ -1,20 +1,27 @@
 // formula: a calculator, and a checker of formulas and tag strings in a file.
-#include <charconv>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "apps/common/numbers.h"
 #include "apps/common/tell.h"
+#include "apps/common/values.h"
 #include "job.h"
 #include "mclib.h"
 #include "table.h"
-#include "values.h"
 
 namespace formula {
 namespace {
 
+using app::asNeeded;
 using app::fail;
+using app::longestTagText;
+using app::mostDecimals;
+using app::numberIn;
+using app::Outcome;
+using app::shown;
+using app::Values;
 
 enum ExitStatus { done = 0, failed = 1, wrongCall = 2 };
 
@@ -45,14 +52,6 @@ bool wrong(const std::string& what) {
     fail(what);
     toolSubsystem_printf("%s", usage);
     return false;
-}
-
-template <class Number>
-std::optional<Number> numberIn(std::string_view text) {
-    Number value = 0;
-    const auto [end, error] = std::from_chars(text.begin(), text.end(), value);
-    if (error != std::errc() || end != text.end()) return {};
-    return value;
 }
 
 bool setSubject(Options& options, const std::string& subject) {
@@ -102,7 +101,6 @@ std::optional<std::vector<GivenNumber>> numbersOf(const std::vector<Given>& give
 
 // ---- work ----
 
-constexpr int asNeeded = -1;
 constexpr int decimalsOfFiles = 3;
 
 ExitStatus calculate(const Options& options) {
@@ -130,8 +128,8 @@ ExitStatus expandTag(const Options& options) {
     for (const auto& [name, text] : options.given) {
         const std::string why = values.textNameRefusal(name);
         if (!why.empty()) return wrong(why), wrongCall;
-        if (text.size() > longestText) {
-            return wrong("the text of " + name + " is longer than " + std::to_string(longestText) + " characters"),
+        if (text.size() > longestTagText) {
+            return wrong("the text of " + name + " is longer than " + std::to_string(longestTagText) + " characters"),
                    wrongCall;
         }
         values.addText(name, text);

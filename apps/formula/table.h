@@ -1,15 +1,10 @@
-// The results of a job as a table, and numbers as they are shown.
+// The results of a job as a table.
 #pragma once
 
 #include <string>
 #include <vector>
 
 namespace formula {
-
-constexpr int mostDecimals = 12;
-
-// With so many decimals; below 0 stands for as many as the number needs.
-std::string shown(double value, int decimals);
 
 struct Row {
     std::string name, value, remark;

@@ -11,7 +11,7 @@
 #include "text/formula.h"
 #include "text/tagstring.h"
 
-namespace formula {
+namespace app {
 
 // What a formula came to.
 struct Outcome {
@@ -29,6 +29,9 @@ class Values {
     // For names that aren't refused. A number is known to tag strings too, as the text that it is shown with.
     void addNumber(const std::string& name, double value, const std::string& shown);
     void addText(const std::string& name, const std::string& text);
+    // Another value for a name that was added; as the same kind.
+    void setNumber(const std::string& name, double value, const std::string& shown);
+    void setText(const std::string& name, const std::string& text);
 
     Outcome evaluate(const std::string& formula);
     // Nothing when an element is missing, or a bracket or quote isn't closed.
@@ -43,6 +46,6 @@ class Values {
 
 bool sameName(std::string_view a, std::string_view b);
 
-constexpr size_t longestText = sizeof TagEntry{}.value - 1;
+constexpr size_t longestTagText = sizeof TagEntry{}.value - 1;
 
-}  // namespace formula
+}  // namespace app

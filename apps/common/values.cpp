@@ -1,4 +1,4 @@
-#include "values.h"
+#include "apps/common/values.h"
 
 #include <algorithm>
 #include <memory>
@@ -6,7 +6,7 @@
 
 #include "host/mdl/system.h"
 
-namespace formula {
+namespace app {
 
 namespace {
 
@@ -103,6 +103,17 @@ void Values::addText(const std::string& name, const std::string& text) {
     store(tag.value, text);
 }
 
+void Values::setNumber(const std::string& name, double value, const std::string& shown) {
+    const auto at = std::ranges::find_if(names_, [&](const FormulaName& n) { return sameName(n.data(), name); });
+    numbers_[static_cast<size_t>(at - names_.begin())] = value;
+    setText(name, shown);
+}
+
+void Values::setText(const std::string& name, const std::string& text) {
+    const auto at = std::ranges::find_if(tags_, [&](const TagEntry& tag) { return sameName(tag.name, name); });
+    store(at->value, text);
+}
+
 Outcome Values::evaluate(const std::string& formula) {
     int error = 0;
     char* const names = names_.empty() ? nullptr : names_.front().data();
@@ -125,4 +136,4 @@ std::optional<std::string> Values::expand(const std::string& tagString) {
     return text.get();
 }
 
-}  // namespace formula
+}  // namespace app
