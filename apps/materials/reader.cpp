@@ -1,0 +1,333 @@
+#include "reader.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string_view>
+
+#include "apps/common/input.h"
+#include "apps/common/numbers.h"
+#include "apps/common/tell.h"
+#include "apps/common/values.h"
+#include "host/mdl/system.h"
+
+namespace materials {
+
+namespace {
+
+using app::asNeeded;
+using app::shown;
+
+// ---- tables ----
+
+struct NamedColumn {
+    const char* name;
+    Column column;
+};
+constexpr NamedColumn columns[] = {
+    {"mark", Column::mark}, {"description", Column::description}, {"dimension", Column::dimension},
+    {"number", Column::number}, {"unit", Column::unit}, {"mass", Column::mass}, {"total", Column::total},
+};
+
+// Rows of the title block that a list can bring. The keys are those that forms ask for.
+struct NamedProjectText {
+    const char* name;
+    const char* key;
+    int row;
+};
+constexpr NamedProjectText projectTexts[] = {
+    {"number", "pron", 0},         {"client", "pros", 0},       {"project", "pros", 1},
+    {"place", "pros", 2},          {"part", "pros", 3},         {"remark", "pros", 4},
+    {"drawn-by", "UNav", 0},       {"drawn-sign", "USig", 0},   {"drawn-date", "UDat", 0},
+    {"checked-by", "RNav", 0},     {"checked-sign", "RSig", 0}, {"checked-date", "RDat", 0},
+    {"approved-by", "SNav", 0},    {"approved-sign", "SSig", 0}, {"approved-date", "SDat", 0},
+};
+
+// Names by which formulas and tag strings of an item reach its columns.
+constexpr const char *numberName = "NUM", *massName = "MASS", *markName = "MARK", *dimensionName = "DIM",
+                     *unitName = "UNIT";
+constexpr const char* ownNames[] = {numberName, massName, markName, dimensionName, unitName};
+constexpr const char* usualTotal = "NUM*MASS";
+
+std::string_view trimmed(std::string_view text) {
+    const size_t first = text.find_first_not_of(" \t");
+    if (first == text.npos) return {};
+    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+// The field up to a ";" that stands outside double quotes; the line goes on behind it.
+std::string_view takeField(std::string_view& line) {
+    bool quoted = false;
+    size_t end = 0;
+    for (; end < line.size() && (quoted || line[end] != ';'); ++end) quoted ^= line[end] == '"';
+    const std::string_view field = trimmed(line.substr(0, end));
+    line.remove_prefix(std::min(end + 1, line.size()));
+    return field;
+}
+
+class Reader {
+  public:
+    explicit Reader(List& list);
+    bool read(const std::string& fileName);
+
+  private:
+    struct Keyword {
+        const char* name;
+        bool (Reader::*read)();
+    };
+    static const std::array<Keyword, 11> keywords;
+
+    bool line();
+    // Keywords.
+    bool title() { return in_.text(list_.title, "the title") && in_.endOfLine(); }
+    bool project();
+    bool number();
+    bool text();
+    bool total();
+    bool sort();
+    bool merge();
+    bool sum();
+    bool group();
+    bool newPage();
+    bool item();
+
+    // Fields of an item. Each may be empty, and begins with "=" when it is worked out.
+    bool amount(std::string_view field, const char* what, double& value, bool& has);
+    bool words(std::string_view field, std::string& text);
+    bool failAt(std::string_view field, size_t offset, const std::string& what);
+    bool name(std::string& name, std::string (app::Values::*refusal)(const std::string&) const);
+
+    List& list_;
+    app::Input in_;
+    app::Values values_;
+    std::string total_ = usualTotal;
+    bool newPage_ = false;  // asked for in front of the next group
+};
+
+constexpr std::array<Reader::Keyword, 11> Reader::keywords = {{
+    {"TITLE", &Reader::title},
+    {"PROJECT", &Reader::project},
+    {"NUMBER", &Reader::number},
+    {"TEXT", &Reader::text},
+    {"TOTAL", &Reader::total},
+    {"SORT", &Reader::sort},
+    {"MERGE", &Reader::merge},
+    {"SUM", &Reader::sum},
+    {"GROUP", &Reader::group},
+    {"NEWPAGE", &Reader::newPage},
+    {"ITEM", &Reader::item},
+}};
+
+Reader::Reader(List& list) : list_(list) {
+    for (const char* name : {numberName, massName}) values_.addNumber(name, 0, "");
+    for (const char* name : {markName, dimensionName, unitName}) values_.addText(name, "");
+}
+
+template <class Rows>
+auto rowNamed(const Rows& rows, const std::string& name) {
+    return std::ranges::find_if(rows, [&](const auto& row) { return app::sameName(row.name, name); });
+}
+
+// ---- about the whole list ----
+
+// PROJECT name "text"
+bool Reader::project() {
+    std::string name, text;
+    in_.atEnd();
+    char* const start = in_.position();
+    if (!in_.word(name, "the name of the text")) return false;
+    const auto row = rowNamed(projectTexts, name);
+    if (row == std::end(projectTexts)) {
+        return in_.failAt(start, "\"" + name + "\" isn't a text of the title block; there are " +
+                                     app::namesOf(projectTexts));
+    }
+    if (!in_.text(text, "the text") || !in_.endOfLine()) return false;
+    list_.project.push_back({row->key, row->row, text});
+    return true;
+}
+
+bool Reader::name(std::string& name, std::string (app::Values::*refusal)(const std::string&) const) {
+    in_.atEnd();
+    char* const start = in_.position();
+    if (!in_.word(name, "the name")) return false;
+    const auto own = [&](const char* column) { return app::sameName(column, name); };
+    if (std::ranges::any_of(ownNames, own))
+        return in_.failAt(start, "\"" + name + "\" is a column of each item; give another name");
+    const std::string why = (values_.*refusal)(name);
+    return why.empty() || in_.failAt(start, why);
+}
+
+// NUMBER name value
+bool Reader::number() {
+    std::string name;
+    double value = 0;
+    if (!this->name(name, &app::Values::numberNameRefusal) || !in_.number(value, "the value") || !in_.endOfLine())
+        return false;
+    values_.addNumber(name, value, shown(value, asNeeded));
+    return true;
+}
+
+// TEXT name "text"
+bool Reader::text() {
+    std::string name, text;
+    if (!this->name(name, &app::Values::textNameRefusal) || !in_.text(text, "the text") || !in_.endOfLine())
+        return false;
+    values_.addText(name, text);
+    return true;
+}
+
+// TOTAL formula
+bool Reader::total() {
+    return in_.rest(total_, "the formula");
+}
+
+// SORT column...
+bool Reader::sort() {
+    std::string word;
+    do {
+        in_.atEnd();
+        char* const start = in_.position();
+        if (!in_.word(word, "a column")) return false;
+        const bool falling = word.starts_with('-');
+        const auto column = rowNamed(columns, word.substr(falling));
+        if (column == std::end(columns))
+            return in_.failAt(start, "there is no column \"" + word + "\"; there are " + app::namesOf(columns));
+        list_.sort.push_back({column->column, falling});
+    } while (!in_.atEnd());
+    return true;
+}
+
+bool Reader::merge() {
+    list_.merge = true;
+    return in_.endOfLine();
+}
+
+// SUM GROUPS or SUM ALL
+bool Reader::sum() {
+    if (in_.isKeyword("GROUPS")) {
+        list_.sumGroups = true;
+    } else if (in_.isKeyword("ALL")) {
+        list_.sumAll = true;
+    } else {
+        return in_.failHere("SUM is followed by GROUPS or ALL");
+    }
+    return in_.endOfLine();
+}
+
+// ---- items ----
+
+// GROUP "title"
+bool Reader::group() {
+    Group group;
+    if (!in_.text(group.title, "the title") || !in_.endOfLine()) return false;
+    group.newPage = newPage_;
+    newPage_ = false;
+    list_.groups.push_back(group);
+    return true;
+}
+
+// NEWPAGE, of the group that follows
+bool Reader::newPage() {
+    newPage_ = true;
+    return in_.endOfLine();
+}
+
+bool Reader::failAt(std::string_view field, size_t offset, const std::string& what) {
+    // The field is a part of the line that the reader holds.
+    return in_.failAt(in_.lineStart() + (field.data() - in_.lineStart()) + offset, what);
+}
+
+bool Reader::amount(std::string_view field, const char* what, double& value, bool& has) {
+    has = !field.empty();
+    if (!has) return true;
+    if (!field.starts_with('=')) {
+        const auto read = app::numberIn<double>(field);
+        if (!read || !std::isfinite(*read))
+            return failAt(field, 0, std::string(what) + " must be a number, or a formula behind \"=\"");
+        value = *read;
+        return true;
+    }
+    const app::Outcome outcome = values_.evaluate(std::string(field.substr(1)));
+    if (!outcome.value) return failAt(field, static_cast<size_t>(outcome.column), outcome.why);
+    if (!std::isfinite(*outcome.value)) return failAt(field, 1, std::string(what) + " is no finite number");
+    value = *outcome.value;
+    return true;
+}
+
+bool Reader::words(std::string_view field, std::string& text) {
+    if (!field.starts_with('=')) {
+        text = field;
+        return true;
+    }
+    const auto expanded = values_.expand(std::string(field.substr(1)));
+    if (!expanded)
+        return failAt(field, 1, "an element of the tag string is missing, or a bracket or quote isn't closed");
+    text = *expanded;
+    return true;
+}
+
+// ITEM mark; description; dimension; number; unit; mass
+bool Reader::item() {
+    if (in_.atEnd()) return in_.failHere("the mark is missing");
+    enum { mark, description, dimension, number, unit, mass, fieldCount };
+    std::array<std::string_view, fieldCount> fields;
+    std::string_view line = in_.position();
+    for (std::string_view& field : fields) field = takeField(line);
+    if (!trimmed(line).empty()) {
+        return failAt(line, 0,
+                      "nothing more is expected here: an item has mark; description; dimension; number; unit; mass");
+    }
+
+    Item item;
+    item.group = list_.groups.size() - 1;
+    bool good = amount(fields[number], "the number", item.number, item.hasNumber);
+    values_.setNumber(numberName, item.number, shown(item.number, asNeeded));
+    good = good && amount(fields[mass], "the mass", item.mass, item.hasMass);
+    values_.setNumber(massName, item.mass, shown(item.mass, asNeeded));
+    if (!good) return false;
+    if (item.hasMass) {
+        const app::Outcome outcome = values_.evaluate(total_);
+        if (!outcome.value) return failAt(fields[mass], 0, "the total can't be worked out: " + outcome.why);
+        if (!std::isfinite(*outcome.value)) return failAt(fields[mass], 0, "the total is no finite number");
+        item.total = *outcome.value;
+    }
+    if (!words(fields[mark], item.mark)) return false;
+    values_.setText(markName, item.mark);
+    if (!words(fields[dimension], item.dimension)) return false;
+    values_.setText(dimensionName, item.dimension);
+    if (!words(fields[unit], item.unit)) return false;
+    values_.setText(unitName, item.unit);
+    if (!words(fields[description], item.description)) return false;
+    list_.items.push_back(std::move(item));
+    return true;
+}
+
+// ---- lines ----
+
+bool Reader::line() {
+    const auto keyword = std::ranges::find_if(keywords, [this](const Keyword& k) { return in_.isKeyword(k.name); });
+    if (keyword == keywords.end())
+        return in_.failHere("a line begins with a keyword, one of " + app::namesOf(keywords));
+    return (this->*keyword->read)();
+}
+
+bool Reader::read(const std::string& fileName) {
+    constexpr size_t linesBetweenMessages = 5000;
+    constexpr int statusField = 1;
+    if (!in_.open(fileName)) return false;
+    bool good = true;
+    for (size_t lines = 1; in_.nextLine(); ++lines) {
+        good = line() && good;
+        if (lines % linesBetweenMessages == 0) mdlOutput_printf(statusField, "%zu lines read", lines);
+    }
+    mdlOutput_printf(statusField, "");
+    return good && !in_.failed();
+}
+
+}  // namespace
+
+bool readList(const std::string& fileName, List& list) {
+    return Reader(list).read(fileName);
+}
+
+}  // namespace materials
