@@ -70,7 +70,8 @@ std::weak_ordering compare(const Item& a, const Item& b, Column column) {
 
 bool sameButNumber(const Item& a, const Item& b) {
     return a.group == b.group && a.mark == b.mark && a.description == b.description && a.dimension == b.dimension &&
-           a.unit == b.unit && a.hasMass == b.hasMass && a.mass == b.mass && a.hasNumber == b.hasNumber;
+           a.unit == b.unit && a.material == b.material && a.note == b.note && a.hasMass == b.hasMass &&
+           a.mass == b.mass && a.hasNumber == b.hasNumber;
 }
 
 size_t hashOf(const Item& item) {
@@ -138,30 +139,31 @@ void arrange(List& list) {
     });
 }
 
-std::vector<Row> rowsOf(const List& list, size_t rowsPerPage) {
+std::vector<Row> rowsOf(const List& list, size_t rowsPerPage, const std::function<size_t(const Item&)>& linesOf) {
     Rows rows(rowsPerPage);
     double all = 0;
     for (size_t i = 0; i < list.items.size();) {
         const size_t group = list.items[i].group;
         const bool titled = !list.groups[group].title.empty();
-        constexpr size_t headingWithItem = 2;
         if (list.groups[group].newPage) rows.fillPage();
         if (titled) {
             if (!rows.atTop()) rows.add({Row::blank});
-            if (rows.left() < headingWithItem) rows.fillPage();
+            if (rows.left() <= std::min(linesOf(list.items[i]), rowsPerPage - 1)) rows.fillPage();
             rows.add({Row::heading, group});
         }
         double mass = 0;
         for (; i < list.items.size() && list.items[i].group == group; ++i) {
-            rows.add({Row::item, i});
+            const size_t lines = std::min(linesOf(list.items[i]), rowsPerPage);
+            if (rows.left() < lines) rows.fillPage();
+            for (size_t line = 0; line < lines; ++line) rows.add({Row::item, i, line});
             mass += list.items[i].total;
         }
-        if (list.sumGroups && titled) rows.add({Row::groupSum, group, mass});
+        if (list.sumGroups && titled) rows.add({Row::groupSum, group, 0, mass});
         all += mass;
     }
     if (list.sumAll) {
         if (!rows.atTop() && rows.left() > 1) rows.add({Row::blank});
-        rows.add({Row::sum, 0, all});
+        rows.add({Row::sum, 0, 0, all});
     }
     return rows.take();
 }

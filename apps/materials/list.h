@@ -8,7 +8,7 @@
 namespace materials {
 
 struct Item {
-    std::string mark, description, dimension, unit;  // Windows-1252
+    std::string mark, description, dimension, unit, material, note;  // Windows-1252
     double number = 0;
     double mass = 0;   // of one, in kilograms
     double total = 0;  // of all of them
@@ -28,15 +28,14 @@ struct SortKey {
     bool falling = false;
 };
 
-// A field of the title block, under the key and row by which a form asks for it.
+// A text of the title block, under the key and row by which a form asks for it.
 struct ProjectText {
-    std::string key;
+    const char* key;
     int row;
     std::string text;
 };
 
 struct List {
-    std::string title;
     std::vector<ProjectText> project;
     std::vector<SortKey> sort;  // within each group; none: the order of the file
     bool merge = false;         // items that differ in number alone become one

@@ -6,22 +6,18 @@
 #include <vector>
 
 #include "arrange.h"
+#include "form.h"
 #include "list.h"
 #include "mclib.h"
 
 namespace materials {
 
-// A form: a cell of a cell library with field codes for so many rows of items.
-struct Form {
-    std::string cell, library;
-    size_t rows;
-};
-
 class Pages {
   public:
-    // The list must stay.
-    Pages(const List& list, Form form);
+    // List and form must stay.
+    Pages(const List& list, const Form& form, std::string library);
 
+    const Form& form() const { return form_; }
     size_t count() const { return rows_.size() / form_.rows; }
     // Such as "Page 3".
     std::vector<std::string> names() const;
@@ -30,10 +26,13 @@ class Pages {
 
   private:
     void insertRow(FormData* values, int row, const Row& content) const;
+    void insertItem(FormData* values, int row, const Row& content) const;
 
     const List& list_;
-    const Form form_;
+    const Form& form_;
+    const std::string library_;
     const std::vector<Row> rows_;
+    std::vector<double> massUpTo_;  // the start of each page, and the end of the last one
 };
 
 }  // namespace materials

@@ -20,28 +20,47 @@ using app::shown;
 
 // ---- tables ----
 
+// clang-format off
 struct NamedColumn {
     const char* name;
     Column column;
 };
 constexpr NamedColumn columns[] = {
-    {"mark", Column::mark}, {"description", Column::description}, {"dimension", Column::dimension},
-    {"number", Column::number}, {"unit", Column::unit}, {"mass", Column::mass}, {"total", Column::total},
+    {"mark",        Column::mark},
+    {"description", Column::description},
+    {"dimension",   Column::dimension},
+    {"number",      Column::number},
+    {"unit",        Column::unit},
+    {"mass",        Column::mass},
+    {"total",       Column::total},
 };
 
-// Rows of the title block that a list can bring. The keys are those that forms ask for.
+// Texts of the title block that a list can bring, under the keys by which forms ask for them. Each line of a name is its
+// next row, from the first one told here.
 struct NamedProjectText {
     const char* name;
     const char* key;
-    int row;
+    int firstRow, lastRow;
 };
+constexpr const char* titleKey = "tegn";
 constexpr NamedProjectText projectTexts[] = {
-    {"number", "pron", 0},         {"client", "pros", 0},       {"project", "pros", 1},
-    {"place", "pros", 2},          {"part", "pros", 3},         {"remark", "pros", 4},
-    {"drawn-by", "UNav", 0},       {"drawn-sign", "USig", 0},   {"drawn-date", "UDat", 0},
-    {"checked-by", "RNav", 0},     {"checked-sign", "RSig", 0}, {"checked-date", "RDat", 0},
-    {"approved-by", "SNav", 0},    {"approved-sign", "SSig", 0}, {"approved-date", "SDat", 0},
+    {"number",        "pron", 0, 0},
+    {"client",        "kost", 0, 4},
+    {"project",       "pros", 0, 4},
+    {"drawing",       titleKey, 1, 9},
+    {"revision",      "revs", 0, 0},
+    {"copy-to",       "kopo", 0, 19},
+    {"drawn-by",      "UNav", 0, 0},
+    {"drawn-sign",    "USig", 0, 0},
+    {"drawn-date",    "UDat", 0, 0},
+    {"checked-by",    "RNav", 0, 0},
+    {"checked-sign",  "RSig", 0, 0},
+    {"checked-date",  "RDat", 0, 0},
+    {"approved-by",   "SNav", 0, 0},
+    {"approved-sign", "SSig", 0, 0},
+    {"approved-date", "SDat", 0, 0},
 };
+// clang-format on
 
 // Names by which formulas and tag strings of an item reach its columns.
 constexpr const char *numberName = "NUM", *massName = "MASS", *markName = "MARK", *dimensionName = "DIM",
@@ -79,7 +98,7 @@ class Reader {
 
     bool line();
     // Keywords.
-    bool title() { return in_.text(list_.title, "the title") && in_.endOfLine(); }
+    bool title();
     bool project();
     bool number();
     bool text();
@@ -130,6 +149,14 @@ auto rowNamed(const Rows& rows, const std::string& name) {
 
 // ---- about the whole list ----
 
+// TITLE "text"
+bool Reader::title() {
+    std::string text;
+    if (!in_.text(text, "the title") || !in_.endOfLine()) return false;
+    list_.project.push_back({titleKey, 0, text});
+    return true;
+}
+
 // PROJECT name "text"
 bool Reader::project() {
     std::string name, text;
@@ -141,8 +168,15 @@ bool Reader::project() {
         return in_.failAt(start, "\"" + name + "\" isn't a text of the title block; there are " +
                                      app::namesOf(projectTexts));
     }
+    int next = row->firstRow;
+    for (const ProjectText& told : list_.project)
+        if (std::string_view(told.key) == row->key && told.row >= next) next = told.row + 1;
+    if (next > row->lastRow) {
+        return in_.failAt(start, "there are " + std::to_string(row->lastRow - row->firstRow + 1) + " lines of \"" +
+                                     name + "\" already, which is the most");
+    }
     if (!in_.text(text, "the text") || !in_.endOfLine()) return false;
-    list_.project.push_back({row->key, row->row, text});
+    list_.project.push_back({row->key, next, text});
     return true;
 }
 
@@ -266,16 +300,17 @@ bool Reader::words(std::string_view field, std::string& text) {
     return true;
 }
 
-// ITEM mark; description; dimension; number; unit; mass
+// ITEM mark; description; dimension; number; unit; mass; material; note
 bool Reader::item() {
     if (in_.atEnd()) return in_.failHere("the mark is missing");
-    enum { mark, description, dimension, number, unit, mass, fieldCount };
+    enum { mark, description, dimension, number, unit, mass, material, note, fieldCount };
     std::array<std::string_view, fieldCount> fields;
     std::string_view line = in_.position();
     for (std::string_view& field : fields) field = takeField(line);
     if (!trimmed(line).empty()) {
         return failAt(line, 0,
-                      "nothing more is expected here: an item has mark; description; dimension; number; unit; mass");
+                      "nothing more is expected here: an item has mark; description; dimension; number; unit; mass; "
+                      "material; note");
     }
 
     Item item;
@@ -297,7 +332,10 @@ bool Reader::item() {
     values_.setText(dimensionName, item.dimension);
     if (!words(fields[unit], item.unit)) return false;
     values_.setText(unitName, item.unit);
-    if (!words(fields[description], item.description)) return false;
+    if (!words(fields[description], item.description) || !words(fields[material], item.material) ||
+        !words(fields[note], item.note)) {
+        return false;
+    }
     list_.items.push_back(std::move(item));
     return true;
 }

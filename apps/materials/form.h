@@ -1,0 +1,36 @@
+// The forms that a list can be printed on, and how much of a text fits into their columns.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "list.h"
+
+namespace materials {
+
+// A column of texts: a field of the form and as many letters as it has room for; 0 for a column that isn't there.
+struct TextColumn {
+    const char* field;
+    std::string Item::*text;
+    size_t letters;
+};
+
+struct Form {
+    const char* name;
+    const char* cell;
+    int pageSize;      // code of the paper
+    bool lying;
+    size_t rows;       // of items
+    std::span<const TextColumn> columns;
+};
+
+std::span<const Form> forms();
+
+// A text in lines of at most so many letters, broken at blanks where it can be. One line at least.
+std::vector<std::string> wrapped(const std::string& text, size_t letters);
+// How many rows an item takes.
+size_t linesOf(const Item& item, const Form& form);
+
+}  // namespace materials
