@@ -358,7 +358,7 @@ bool Reader::read(const std::string& fileName) {
         good = line() && good;
         if (lines % linesBetweenMessages == 0) mdlOutput_printf(statusField, "%zu lines read", lines);
     }
-    mdlOutput_printf(statusField, "");
+    mdlOutput_printf(statusField, "%s", "");
     return good && !in_.failed();
 }
 
