@@ -33,4 +33,12 @@ MCLIB_EXPORT MdlDialog *mclibPreview_dialogOpenExtended(int pageCount, int first
  * Null for none. To be called behind the opening, which clears it. */
 MCLIB_EXPORT void mclibPreview_setUserPrintFunction(McUserPrintFunction function);
 
+/* Prints pages without the dialog, as a print job of the preview does: within the margins of the printer set-up, and
+ * turned where that asks for it. The pages from number `first` to `last`, counted from 0, both included and held to the
+ * list, go to `fileName` for `device` (PRINT_... of print/print.h, not the host's plotter); nothing goes to a printer.
+ * To be called while no preview is open, since it takes the names and the function over from it. MCLIB_ERROR, after a
+ * message, when the file can't be written, and when a page wasn't made. */
+MCLIB_EXPORT int mclibPreview_printPages(int pageCount, char *const *pageNames, McPageFunction pageFunction,
+                                         const char *fileName, int device, int first, int last);
+
 #endif

@@ -1,11 +1,13 @@
 #include "forms/print_job.h"
 
+#include <algorithm>
 #include <numbers>
 #include <optional>
 #include <string>
 
 #include "forms/pages.h"
 #include "frame/error.h"
+#include "frame/main.h"
 #include "frame/resource_files.h"
 #include "frame/text_buffer.h"
 #include "host/mdl/dialog.h"
@@ -71,23 +73,24 @@ void printPageOnShow(GlobalData& data) {
         printPage(data, data.previewDescr, true);
 }
 
-// Makes and prints the pages one by one. One that can't be made takes no sheet.
-void printSpan(GlobalData& data, PageSpan span) {
-    bool first = true;
+// Makes and prints the pages one by one, and tells how many. One that can't be made takes no sheet.
+int32_t printSpan(GlobalData& data, PageSpan span) {
+    int32_t printed = 0;
     for (int32_t number = span.first; number <= span.last; ++number) {
         tellPage(pageName(data, number));
         if (const McUserPrintFunction print = userPrintFunction()) {
             copyText(data.currentPageName, pageName(data, number));
             print(number);
+            ++printed;
             continue;
         }
         Page page;
         makePage(data, number, false, page.out());
         if (!page) continue;
-        if (!first) mclibPrint_newPage();
-        first = false;
+        if (printed++ > 0) mclibPrint_newPage();
         printPage(data, page.get(), false);
     }
+    return printed;
 }
 
 void printAsked(GlobalData& data) {
@@ -130,6 +133,14 @@ void sendToPrinter() {
                                    mclibpsd->printerName);
 }
 
+// Ends the file; whether all of it was written. Tells when not.
+bool closeFile(const std::string& file) {
+    mclibPrint_fclose();
+    const bool stored = mclibPrint_jobStatus() == MCLIB_SUCCESS;
+    if (!stored) reportFile(ERROR_STORE, file);
+    return stored;
+}
+
 }  // namespace
 
 void printPages(GlobalData& data) {
@@ -139,11 +150,26 @@ void printPages(GlobalData& data) {
     const int32_t device = mclibpsd->deviceType;
     if (!mclibPrint_fopen(file->c_str(), device)) return reportFile(ERROR_OPEN, *file);
     printAsked(data);
-    mclibPrint_fclose();
-    const bool stored = mclibPrint_jobStatus() == MCLIB_SUCCESS;
-    if (!stored) reportFile(ERROR_STORE, *file);
-    if (stored && device != PRINT_ASCII && !mclibpsd->fileOnly && !userPrintFunction()) sendToPrinter();
+    if (closeFile(*file) && device != PRINT_ASCII && !mclibpsd->fileOnly && !userPrintFunction()) sendToPrinter();
     tell(NOTICE_NONE);
 }
 
 }  // namespace forms
+
+int mclibPreview_printPages(int pageCount, char* const* pageNames, McPageFunction pageFunction, const char* fileName,
+                            int device, int first, int last) {
+    using namespace forms;
+    GlobalData* const data = mclibMain_getGlobalDataP();
+    if (!data || !fileName || !pageFunction || !setPageNames(*data, pageCount, pageNames)) return MCLIB_ERROR;
+    setFunctions(pageFunction, nullptr);
+    setUserPrintFunction(nullptr);
+    const PageSpan span{std::max(first, 0), std::min(last, pageCount - 1)};
+    if (!mclibPrint_fopen(fileName, device)) {
+        reportFile(ERROR_OPEN, fileName);
+        return MCLIB_ERROR;
+    }
+    const int32_t printed = printSpan(*data, span);
+    const bool stored = closeFile(fileName);
+    tell(NOTICE_NONE);
+    return stored && printed == span.last - span.first + 1 ? MCLIB_SUCCESS : MCLIB_ERROR;
+}

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#include "apps/common/delivery.h"
+#include "apps/common/outputs.h"
 #include "apps/common/tell.h"
 #include "checks.h"
 #include "drawing.h"
@@ -18,7 +20,6 @@
 #include "host/mdl/view.h"
 #include "listing.h"
 #include "mclib.h"
-#include "outputs.h"
 #include "raster.h"
 #include "reader.h"
 #include "sheet.h"
@@ -212,24 +213,6 @@ bool print(const std::string& name, ElementDescr* page, const Road& road, const 
     return list.page && printPage(name, device, list.page.get(), {0, 0, list.width, list.height});
 }
 
-// Why a printer didn't get a file: a command that failed has been told already.
-std::string deliveryError(const std::string& printer, int status) {
-    const bool byCopy =
-        (printer.size() == 4 && printer.starts_with("LPT")) || printer.starts_with('$') || printer.starts_with('\\');
-    if (byCopy && status == ENXIO) return "there is no such printer; docs/commands.md tells how one is made";
-    return byCopy ? std::strerror(status) : "a command failed";
-}
-
-// The file stays, whatever comes of it.
-bool sendToPrinter(const std::string& name, const std::string& printer) {
-    const int status = mclibPrint_sendFileToPrinter(name.c_str(), printer.c_str(), 1);
-    if (status != 0)
-        return fail(name + ": the print file is made, but not printed by \"" + printer +
-                    "\": " + deliveryError(printer, status));
-    toolSubsystem_printf("alignment: sent %s to %s\n", name.c_str(), printer.c_str());
-    return true;
-}
-
 bool writePicture(const std::string& name, ElementDescr* page, const Sheet& sheet) {
     constexpr double dpi = 150;
     Range3d range = uprightFrame(sheet);
@@ -268,7 +251,7 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Options& options) {
     const char* const printSuffix = options.device->suffix;
     std::vector<const char*> suffixes = {".mcd", printSuffix, pictureSuffix.c_str()};
     if (options.raster) suffixes.push_back(rasterSuffix);
-    Outputs outputs(outputBase(options), suffixes);
+    app::Outputs outputs(outputBase(options), suffixes);
     if (!outputs.prepare(options.input, options.overwrite)) return false;
     const std::string designName = outputs.temporary(".mcd");
     WorkFile workFile(designName);
@@ -283,7 +266,8 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Options& options) {
     if (!workFile.close()) return fail(designName + ": the design file can't be stored");
     if (!outputs.finish()) return false;
     for (const fs::path& name : outputs.names()) toolSubsystem_printf("alignment: made %s\n", name.c_str());
-    return options.printer.empty() || sendToPrinter(outputBase(options).string() + printSuffix, options.printer);
+    return options.printer.empty() ||
+           app::sendToPrinter(outputBase(options).string() + printSuffix, options.printer, 1);
 }
 
 bool work(const Options& options) {

@@ -17,8 +17,8 @@ struct Row {
     double mass = 0;   // of a sum
 };
 
-// Merges and sorts the items as the list tells. Texts are compared with their numbers taken as numbers, so that P2 stands
-// in front of P10, and without letter case.
+// Merges and sorts the items as the list tells. Texts are compared with their numbers taken as numbers, so that P2
+// stands in front of P10, and without letter case.
 void arrange(List& list);
 
 // The rows of all pages in turn, as many a page as told (4 or more), the last page filled up with blanks. An item takes

@@ -23,9 +23,10 @@ constexpr TextColumn columnsA3[] = {
     {"UNIT", &Item::unit,         7},
     {"NOTE", &Item::note,        54},
 };
+constexpr Margins margins = {20, 10, 10, 10};
 constexpr Form allForms[] = {
-    {"A4", "MATLIST-A4", PAPER_A4, false, 28, columnsA4},
-    {"A3", "MATLIST-A3", PAPER_A3, true,  28, columnsA3},
+    {"A4", "MATLIST-A4", PAPER_A4, false, margins, 28, columnsA4},
+    {"A3", "MATLIST-A3", PAPER_A3, true,  margins, 28, columnsA3},
 };
 // clang-format on
 

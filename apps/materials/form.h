@@ -17,12 +17,17 @@ struct TextColumn {
     size_t letters;
 };
 
+struct Margins {
+    double left, right, top, bottom;  // millimetres
+};
+
 struct Form {
     const char* name;
     const char* cell;
-    int pageSize;      // code of the paper
+    int pageSize;  // code of the paper
     bool lying;
-    size_t rows;       // of items
+    Margins margins;
+    size_t rows;  // of items
     std::span<const TextColumn> columns;
 };
 

@@ -1,14 +1,19 @@
 // materials: from a list of materials in a text file to filled forms, in the preview or on paper.
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "apps/common/delivery.h"
 #include "apps/common/numbers.h"
+#include "apps/common/outputs.h"
 #include "apps/common/tell.h"
 #include "form.h"
-#include "host/mdl/model.h"
+#include "host/mdl/dialog.h"
 #include "list.h"
 #include "mclib.h"
 #include "pages.h"
@@ -17,6 +22,7 @@
 namespace materials {
 namespace {
 
+namespace fs = std::filesystem;
 using app::fail;
 
 enum ExitStatus { done = 0, failed = 1, wrongCall = 2 };
@@ -37,12 +43,13 @@ constexpr const char* usage =
 struct Device {
     std::string_view name;
     int number;
+    const char* suffix;  // of the file
 };
 constexpr Device devices[] = {
-    {"postscript", PRINT_POSTSCRIPT},
-    {"pcl",        PRINT_PCL},
-    {"hpgl",       PRINT_HPGL},
-    {"ascii",      PRINT_ASCII},
+    {"postscript", PRINT_POSTSCRIPT, ".ps"},
+    {"pcl",        PRINT_PCL,        ".pcl"},
+    {"hpgl",       PRINT_HPGL,       ".hpgl"},
+    {"ascii",      PRINT_ASCII,      ".txt"},
 };
 // clang-format on
 
@@ -102,7 +109,7 @@ bool setOption(Options& options, std::string_view name, const std::string& value
 }
 
 std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
-    static constexpr std::string_view withValue[] = {"--out",    "--print", "--copies", "--device",
+    static constexpr std::string_view withValue[] = {"--out",   "--print", "--copies", "--device",
                                                      "--pages", "--form",  "--library"};
     Options options;
     for (size_t i = 0; i < arguments.size(); ++i) {
@@ -122,6 +129,118 @@ std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
     return options;
 }
 
+// ---- work ----
+
+// The list and its pages, which stay while the preview is open.
+struct Job {
+    List list;
+    std::optional<Pages> pages;
+};
+Job& job() {
+    static Job job;
+    return job;
+}
+
+void makePage(int page, char*, ElementDescr** result, int) {
+    if (result) *result = job().pages->make(static_cast<size_t>(page));
+}
+
+// The pages that were asked for, from 0. Nothing after a message.
+std::optional<PageRange> pagesOf(const Options& options, size_t count) {
+    if (!options.pages) return PageRange{0, count - 1};
+    if (options.pages->last > count) {
+        fail("there are " + std::to_string(count) + " pages, so --pages can't take " +
+             std::to_string(options.pages->last));
+        return {};
+    }
+    return PageRange{options.pages->first - 1, options.pages->last - 1};
+}
+
+// The printer set-up is one for all applications; they reach it by its published name.
+void setSetup(const std::string& field, double value) {
+    mdlDialog_setAccessValue(("mclibpsd->" + field).c_str(), app::shown(value, app::asNeeded).c_str());
+}
+
+void setUp(const Form& form) {
+    double width = 0, height = 0;
+    mclibPrint_getPageSize(&width, &height, form.pageSize);
+    if (form.lying == (width < height)) std::swap(width, height);
+    setSetup("pageSize", form.pageSize);
+    setSetup("pageWidth", width);
+    setSetup("pageHeight", height);
+    setSetup("marginLeft", form.margins.left);
+    setSetup("marginRight", form.margins.right);
+    setSetup("marginTop", form.margins.top);
+    setSetup("marginBottom", form.margins.bottom);
+}
+
+std::vector<char*> pointersTo(std::vector<std::string>& names) {
+    std::vector<char*> pointers;
+    for (std::string& name : names) pointers.push_back(name.data());
+    return pointers;
+}
+
+ExitStatus openPreview() {
+    std::vector<std::string> names = job().pages->names();
+    const std::vector<char*> pointers = pointersTo(names);
+    if (!mclibPreview_dialogOpen(static_cast<int>(names.size()), pointers.data(), makePage, nullptr)) {
+        fail("the preview can't be opened");
+        return failed;
+    }
+    return done;
+}
+
+bool printPages(const std::string& file, int device, PageRange range) {
+    std::vector<std::string> names = job().pages->names();
+    const std::vector<char*> pointers = pointersTo(names);
+    return mclibPreview_printPages(static_cast<int>(names.size()), pointers.data(), makePage, file.c_str(), device,
+                                   static_cast<int>(range.first), static_cast<int>(range.last)) == MCLIB_SUCCESS;
+}
+
+// The device for plain text lays out one page a file, so its files are put behind each other.
+bool printTo(const std::string& file, int device, PageRange range) {
+    if (device != PRINT_ASCII) return printPages(file, device, range);
+    const std::string part = file + ".page";
+    std::ofstream all(file, std::ios::binary);
+    bool good = all.is_open();
+    for (size_t page = range.first; good && page <= range.last; ++page) {
+        good = printPages(part, device, {page, page});
+        if (page > range.first) all << '\f';
+        all << std::ifstream(part, std::ios::binary).rdbuf();
+    }
+    std::error_code ignored;
+    fs::remove(part, ignored);
+    all.close();
+    return good && all.good();
+}
+
+ExitStatus print(const Options& options) {
+    const std::optional<PageRange> range = pagesOf(options, job().pages->count());
+    if (!range) return wrongCall;
+    fs::path out = options.out.empty() ? fs::path(options.input).stem() : fs::path(options.out);
+    const std::string suffix = out.has_extension() ? out.extension().string() : options.device->suffix;
+    app::Outputs outputs(out.replace_extension(), {suffix.c_str()});
+    if (!outputs.prepare(options.input, options.overwrite)) return failed;
+    setUp(*options.form);
+    if (!printTo(outputs.temporary(suffix.c_str()), options.device->number, *range)) {
+        fail("not all pages could be made, so nothing is printed");
+        return failed;
+    }
+    if (!outputs.finish()) return failed;
+    const std::string file = outputs.names().front().string();
+    toolSubsystem_printf("materials: made %s: %zu items, %zu pages\n", file.c_str(), job().list.items.size(),
+                         range->last - range->first + 1);
+    if (options.printer.empty()) return done;
+    return app::sendToPrinter(file, options.printer, options.copies) ? done : failed;
+}
+
+ExitStatus work(const Options& options) {
+    if (!readList(options.input, job().list)) return failed;
+    arrange(job().list);
+    job().pages.emplace(job().list, *options.form, options.library);
+    return options.out.empty() && options.printer.empty() ? openPreview() : print(options);
+}
+
 }  // namespace
 }  // namespace materials
 
@@ -129,16 +248,5 @@ extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv
     using namespace materials;
     if (mclibMain_initMcLib("MATERIALS", argc, argv) != MCLIB_SUCCESS) return failed;
     const std::optional<Options> options = optionsFrom({argv + std::min(argc, 2), argv + argc});
-    if (!options) return wrongCall;
-    static List list;
-    if (!readList(options->input, list)) return failed;
-    arrange(list);
-    static Pages pages(list, *options->form, options->library);
-    toolSubsystem_printf("%zu items, %zu pages\n", list.items.size(), pages.count());
-    for (size_t i = 0; i < pages.count(); ++i) {
-        ElementDescr* page = pages.make(i);
-        if (!page) return failed;
-        mdlElmdscr_freeAll(&page);
-    }
-    return done;
+    return options ? work(*options) : wrongCall;
 }

@@ -96,8 +96,7 @@ ElementDescr* Pages::make(size_t number) const {
     mclibMatList_insertValue(values, "pags", MCLIB_FORM_INTEGER, 0, static_cast<int>(count()));
     mclibMatList_insertValue(values, "SUMM", MCLIB_FORM_FLOAT, 0, massUpTo_[number + 1] - massUpTo_[number]);
     mclibMatList_insertValue(values, "SUMM", MCLIB_FORM_FLOAT, 1, massUpTo_[number + 1]);
-    for (size_t i = 0; i < form_.rows; ++i)
-        insertRow(values, static_cast<int>(i), rows_[number * form_.rows + i]);
+    for (size_t i = 0; i < form_.rows; ++i) insertRow(values, static_cast<int>(i), rows_[number * form_.rows + i]);
     ElementDescr* page = nullptr;
     mclibMatList_generatePageElementDescr(form_.cell, library_.c_str(), &page, values, cellOption);
     return page;

@@ -21,7 +21,8 @@ class Pages {
     size_t count() const { return rows_.size() / form_.rows; }
     // Such as "Page 3".
     std::vector<std::string> names() const;
-    // A new descriptor of page `number`, counted from 0; null, after a message of the library, when the form can't be had.
+    // A new descriptor of page `number`, counted from 0; null, after a message of the library, when the form can't be
+    // had.
     ElementDescr* make(size_t number) const;
 
   private:

@@ -165,8 +165,8 @@ bool Reader::project() {
     if (!in_.word(name, "the name of the text")) return false;
     const auto row = rowNamed(projectTexts, name);
     if (row == std::end(projectTexts)) {
-        return in_.failAt(start, "\"" + name + "\" isn't a text of the title block; there are " +
-                                     app::namesOf(projectTexts));
+        return in_.failAt(start,
+                          "\"" + name + "\" isn't a text of the title block; there are " + app::namesOf(projectTexts));
     }
     int next = row->firstRow;
     for (const ProjectText& told : list_.project)

@@ -7,8 +7,8 @@
 
 namespace materials {
 
-// A line that fails is told with file, line and caret, and the next ones are read all the same. False when one failed or
-// the file can't be read.
+// A line that fails is told with file, line and caret, and the next ones are read all the same. False when one failed
+// or the file can't be read.
 bool readList(const std::string& fileName, List& list);
 
 }  // namespace materials

@@ -1,4 +1,4 @@
-#include "outputs.h"
+#include "apps/common/outputs.h"
 
 #include <unistd.h>
 
@@ -8,9 +8,7 @@
 
 #include "apps/common/tell.h"
 
-namespace alignment {
-
-using app::fail;
+namespace app {
 
 namespace fs = std::filesystem;
 
@@ -71,4 +69,4 @@ bool Outputs::finish() {
     return true;
 }
 
-}  // namespace alignment
+}  // namespace app

@@ -1,11 +1,11 @@
-// The files that a drawing becomes. They are made under temporary names and get their own when all of them are whole,
+// The files that an application makes. They are made under temporary names and get their own when all of them are whole,
 // so a failure on the way leaves what was there as it was.
 #pragma once
 
 #include <filesystem>
 #include <vector>
 
-namespace alignment {
+namespace app {
 
 class Outputs {
   public:
@@ -30,4 +30,4 @@ class Outputs {
     std::vector<std::filesystem::path> names_, temporaries_;
 };
 
-}  // namespace alignment
+}  // namespace app
