@@ -22,7 +22,7 @@ namespace host {
 namespace {
 
 enum { MESSAGE_FIELD = 0, STATUS_FIELD = 1, ERROR_FIELD = 3 };
-enum { BUTTON_FIRST = -3 };
+enum { BUTTON_FIRST = -3, BUTTON_SECOND = -4 };
 constexpr size_t mostPixels = 8000;  // a window's side
 
 std::string_view trimmed(std::string_view text) {
@@ -72,6 +72,16 @@ std::optional<size_t> firstButton(const Dialog& dialog) {
     if (buttons.empty()) return std::nullopt;
     const auto first = std::ranges::find_if(buttons, [&](size_t i) { return dialog.items()[i].id == BUTTON_FIRST; });
     return first == buttons.end() ? buttons[0] : *first;
+}
+
+// How many ways out there are: one leaves nothing to choose.
+size_t endingButtons(const Dialog& dialog) {
+    std::vector<size_t> buttons = usableButtons(dialog);
+    std::erase_if(buttons, [&](size_t i) {
+        const int32_t id = dialog.items()[i].id;
+        return id != BUTTON_FIRST && id != BUTTON_SECOND;
+    });
+    return buttons.size();
 }
 
 std::optional<size_t> defaultButton(const Dialog& dialog) {
@@ -353,7 +363,7 @@ class TerminalFrontEnd : public FrontEnd {
 
     bool answerUnattended(Dialog& dialog) {
         const auto button = firstButton(dialog);
-        const bool onlyOne = usableButtons(dialog).size() == 1;
+        const bool onlyOne = endingButtons(dialog) == 1;
         if (!button || !(options_.yes || onlyOne)) {
             show("Nobody answers. Answer at a terminal, or run with --yes or --answers FILE.\n");
             return false;

@@ -7,9 +7,14 @@
 // the application has nothing more to do, the last opened first; "window 2" turns to another one.
 //
 // Answers come from a file first, line by line; then, with `yes`, the first button is pressed everywhere; then the
-// terminal is asked. Where none of them is there, a dialog with one button counts as pressed, and any other one is
-// answered by nobody; a dialog that isn't modal is closed, with `yes` once its first button was pressed. A command is
-// given points and resets as lines in the same way; `yes` gives each command one point, the origin in view 1.
+// terminal is asked. Where none of them is there, a dialog with one button that ends it counts as pressed, and any other
+// one is answered by nobody; a dialog that isn't modal is closed, with `yes` once its first button was pressed. A command
+// is given points and resets as lines in the same way; `yes` gives each command one point, the origin in view 1.
+//
+// A file dialog shows its directory, filter, remembered files and the members of a list, and takes a line: a name or
+// pattern, the number of a remembered file, "-2" to take the second member out of a list, "!" to cancel. On a terminal
+// the line can be edited, Tab completes names, and the arrow upwards brings remembered files. With `yes` the suggested
+// name is taken, a list stays as it is, and a file is replaced without a question.
 #pragma once
 
 #include <cstdio>

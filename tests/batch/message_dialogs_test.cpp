@@ -200,6 +200,24 @@ TEST_F(MessageDialogs, TheListDialogGrowsWithItsHeadAndItsPartsStandApart) {
     }
 }
 
+TEST_F(MessageDialogs, TheListIsSavedWhereTheUserWants) {
+    list(LIST_COLLECT, "one.mcd: not found\ntwo.mcd: locked");
+    script.press(20004).press(20004).press(-3);
+    front().files.cancel().answer(path("saved"));
+    EXPECT_EQ(list(LIST_SHOW, "2 of 5 files failed"), MSGBOX_FIRST);
+    EXPECT_EQ(script.fault(), "");
+    ASSERT_EQ(front().files.questions.size(), 2u);
+    EXPECT_EQ(front().files.questions[0].filter, "*.txt");
+    EXPECT_EQ(front().files.questions[0].title, "Save the list as");
+    EXPECT_EQ(readFile("saved.txt"), "one.mcd: not found\ntwo.mcd: locked\n");
+
+    script.press(20004).press(-3);
+    front().files.answer(path("empty.txt"));
+    EXPECT_EQ(list(LIST_SHOW, "nothing was collected"), MSGBOX_FIRST);
+    EXPECT_EQ(readFile("empty.txt"), "");
+    EXPECT_TRUE(std::filesystem::exists(path("empty.txt")));
+}
+
 class NorwegianMessageDialogs : public MessageDialogs {
   protected:
     NorwegianMessageDialogs() : MessageDialogs("no") {}

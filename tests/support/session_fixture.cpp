@@ -1,5 +1,8 @@
 #include "tests/support/session_fixture.h"
 
+#include <unistd.h>
+
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -28,6 +31,27 @@ void RecordingFrontEnd::clear() {
     fields.clear();
     messages.clear();
     dialogs = 0;
+}
+
+namespace {
+
+constexpr uid_t nobody = 65534;
+
+void setRights(const std::filesystem::path& file, unsigned fileRights, unsigned folderRights) {
+    std::filesystem::permissions(file, static_cast<std::filesystem::perms>(fileRights));
+    std::filesystem::permissions(file.parent_path(), static_cast<std::filesystem::perms>(folderRights));
+}
+
+}  // namespace
+
+WriteProtection::WriteProtection(const std::string& file) : file_(file), root_(geteuid() == 0) {
+    setRights(file_, 0444, 0555);
+    if (root_ && seteuid(nobody) != 0) throw std::runtime_error("root can't become somebody else");
+}
+
+WriteProtection::~WriteProtection() {
+    if (root_ && seteuid(0) != 0) std::abort();
+    setRights(file_, 0644, 0755);
 }
 
 SessionTest::SessionTest(std::vector<std::pair<std::string, std::string>> variables) : folder_(newFolder()) {

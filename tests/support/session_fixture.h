@@ -49,6 +49,20 @@ class RecordingFrontEnd : public host::FrontEnd {
     }
 };
 
+// Takes away the right to write to a file and to its folder while this stands; root, who may always write, is somebody
+// else for that time.
+class WriteProtection {
+  public:
+    explicit WriteProtection(const std::string& file);
+    ~WriteProtection();
+    WriteProtection(const WriteProtection&) = delete;
+    WriteProtection& operator=(const WriteProtection&) = delete;
+
+  private:
+    std::filesystem::path file_;
+    bool root_;
+};
+
 class SessionTest : public testing::Test {
   protected:
     // Variables are defined at user level in the session that starts; a derived fixture gives its own.

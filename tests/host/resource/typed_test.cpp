@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -139,15 +138,27 @@ TEST_F(Typed, AFileOpenedForReadingIsNotWrittenTo) {
 }
 
 TEST_F(Typed, AWriteProtectedFileOpensForReadingAlone) {
-    if (geteuid() == 0) GTEST_SKIP() << "nothing is write-protected for root";
-    const std::string file = make("sub.rsc");
-    add(open(file), 1, "text");
-    chmod(file.c_str(), 0444);
-    RscHandle handle = 0;
+    const std::string file = make("a.rsc");
+    RscHandle handle = open(file);
+    add(handle, 1, "text");
+    mdlResource_closeFile(handle);
+    const WriteProtection protection(file);
     EXPECT_EQ(mdlResource_openFile(&handle, file.c_str(), MDL_RSC_WRITE), MDL_ERROR);
-    EXPECT_EQ(load(open(file, MDL_RSC_READ), 1), "text");
+    EXPECT_TRUE(front().messages.empty()) << "the caller judges";
     EXPECT_EQ(mdlResource_createFile(file.c_str(), "", MDL_RSC_WRITE), MDL_RSC_READ_ONLY);
+    EXPECT_EQ(mdlResource_createFile(path("new.rsc").c_str(), "", MDL_RSC_WRITE), MDL_RSC_READ_ONLY);
     EXPECT_EQ(load(open(file, MDL_RSC_READ), 1), "text");
+}
+
+TEST_F(Typed, AFileThatBecomesWriteProtectedKeepsWhatItHolds) {
+    const std::string file = make("a.rsc");
+    RscHandle handle = open(file);
+    add(handle, 1, "text");
+    mdlResource_closeFile(handle);
+    handle = open(file);
+    const WriteProtection protection(file);
+    EXPECT_EQ(rewrite(handle, 1, "next"), MDL_RSC_READ_ONLY);
+    EXPECT_EQ(load(handle, 1), "text");
 }
 
 TEST_F(Typed, AFullDiskKeepsTheOldContent) {
