@@ -55,6 +55,7 @@ FirstWord firstWordOf(std::string_view line) {
 class BatchFile {
   public:
     BatchFile(const std::string& path, const std::vector<std::string>& arguments);
+    bool isRead() const { return read_; }
     int run();
 
   private:
@@ -74,6 +75,7 @@ class BatchFile {
     std::string path_;
     std::vector<std::string> arguments_;  // %0 first
     std::vector<std::string> lines_;
+    bool read_ = false;
     size_t next_ = 0;  // line that comes next
     int status_ = 0;   // of the last command
     bool ended_ = false;
@@ -84,6 +86,7 @@ BatchFile::BatchFile(const std::string& path, const std::vector<std::string>& ar
     arguments_.insert(arguments_.end(), arguments.begin(), arguments.end());
     std::ifstream file(path, std::ios::binary);
     for (std::string line; std::getline(file, line);) lines_.push_back(utf8FromHost(line));
+    read_ = file.eof();
 }
 
 std::string BatchFile::place() const {
@@ -298,12 +301,14 @@ std::string findBatchFile(std::string_view word) {
 }
 
 int runBatchFile(const std::string& path, const std::vector<std::string>& arguments) {
-    if (depth == deepestCall) {
-        std::fprintf(stderr, "mcshell: %s: batch files call each other too deeply\n", path.c_str());
+    BatchFile file(path, arguments);
+    if (!file.isRead() || depth == deepestCall) {
+        std::fprintf(stderr, "mcshell: %s: %s\n", path.c_str(),
+                     file.isRead() ? "batch files call each other too deeply" : "the batch file can't be read");
         return failed;
     }
     ++depth;
-    const int status = BatchFile(path, arguments).run();
+    const int status = file.run();
     --depth;
     return status;
 }

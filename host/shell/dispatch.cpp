@@ -60,6 +60,16 @@ int echo(const std::vector<Word>& words) {
     return done;
 }
 
+// "CD.." and "CD\jobs" are "CD" and a folder.
+void divideChangeOfFolder(std::vector<Word>& words) {
+    const std::string name = upperCase(words[0].text);
+    const size_t length = name.starts_with("CD") ? 2 : name.starts_with("CHDIR") ? 5 : name.size();
+    if (length >= name.size() || std::string_view(".\\").find(name[length]) == std::string_view::npos) return;
+    const std::string folder = words[0].text.substr(length);
+    words[0].text.resize(length);
+    words.insert(words.begin() + 1, Word{folder, false, words[0].begin, folder});
+}
+
 bool isDrive(const std::string& word) {
     return word.size() == 2 && word[1] == ':' && ((word[0] | 0x20) >= 'a' && (word[0] | 0x20) <= 'z');
 }
@@ -77,6 +87,7 @@ int runWords(std::vector<Word> words, const std::string& place) {
     Redirection redirection;
     if (const std::string error = redirection.takeFrom(words); !error.empty()) return tell(place, error, wrongUse);
     if (words.empty()) return done;
+    divideChangeOfFolder(words);
     const std::string name = upperCase(words[0].text);
     if (name == "ECHO" || name == "ECHO.") return echo(words);
     std::vector<std::string> texts;

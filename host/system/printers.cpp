@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <filesystem>
 
 #include "host/session/state.h"
@@ -117,10 +118,24 @@ std::string serverOf(std::string_view device) {
     return std::string(server.substr(0, server.find(':')));
 }
 
+// "Big%20One" is "Big One".
+std::string withoutEscapes(std::string_view text) {
+    std::string plain;
+    for (size_t i = 0; i < text.size(); ++i) {
+        unsigned char code = 0;
+        const char* const digits = text.data() + i + 1;
+        const bool escape =
+            text[i] == '%' && i + 2 < text.size() && std::from_chars(digits, digits + 2, code, 16).ptr == digits + 2;
+        plain += escape ? static_cast<char>(code) : text[i];
+        i += escape ? 2 : 0;
+    }
+    return plain;
+}
+
 // The share in a device such as "smb://server/sheet"; the queue's own name for every other one.
 std::string shareOf(std::string_view device, const std::string& queue) {
     if (!device.starts_with("smb://")) return queue;
-    return std::string(device.substr(device.rfind('/') + 1));
+    return withoutEscapes(device.substr(device.rfind('/') + 1));
 }
 
 std::vector<Printer> queues() {

@@ -78,7 +78,9 @@ std::string systemWord(const std::string& word) {
     return beginsWithDrive(word) ? systemPath(word) : utf8FromHost(word);
 }
 
-std::vector<std::string> environmentWithVariables() {
+using Values = std::map<std::string, std::string>;
+
+std::vector<std::string> environmentWith(const Values& further) {
     std::map<std::string, std::string, std::less<>> values;
     for (char** entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
         const std::string_view text = *entry;
@@ -86,6 +88,7 @@ std::vector<std::string> environmentWithVariables() {
         values.emplace(text.substr(0, sign), text.substr(std::min(sign + 1, text.size())));
     }
     for (auto& [name, value] : variables().expandedValues("MC_")) values[name] = std::move(value);
+    for (const auto& [name, value] : further) values[name] = value;
     std::vector<std::string> entries;
     for (const auto& [name, value] : values) entries.push_back(name + "=" + value);
     return entries;
@@ -110,7 +113,7 @@ class FileActions {
     FileActions& operator=(const FileActions&) = delete;
 
     void changeFolder(const std::string& folder) { posix_spawn_file_actions_addchdir_np(&actions_, folder.c_str()); }
-    void outputTo(const char* path) { posix_spawn_file_actions_addopen(&actions_, STDOUT_FILENO, path, O_WRONLY, 0); }
+    void discard(int descriptor) { posix_spawn_file_actions_addopen(&actions_, descriptor, "/dev/null", O_WRONLY, 0); }
     void outputTo(int descriptor) { posix_spawn_file_actions_adddup2(&actions_, descriptor, STDOUT_FILENO); }
     const posix_spawn_file_actions_t* get() const { return &actions_; }
 
@@ -119,12 +122,12 @@ class FileActions {
 };
 
 std::optional<pid_t> spawn(std::string_view program, const std::vector<std::string>& arguments,
-                           const FileActions& actions) {
+                           const FileActions& actions, const Values& environmentValues = {}) {
     const std::optional<std::string> path = findProgram(program);
     if (!path) return std::nullopt;
     std::vector<std::string> words = {fs::absolute(*path)};
     for (const std::string& argument : arguments) words.push_back(systemWord(argument));
-    std::vector<std::string> environment = environmentWithVariables();
+    std::vector<std::string> environment = environmentWith(environmentValues);
     std::fflush(stdout);  // what the host printed so far stands before what the program prints
     pid_t id = 0;
     const int error = posix_spawn(&id, words[0].c_str(), actions.get(), nullptr, pointersTo(words).data(),
@@ -223,7 +226,7 @@ Process* startProcess(std::string_view program, const std::vector<std::string>& 
     forgetEnded();
     FileActions actions;
     if (!options.folder.empty()) actions.changeFolder(systemPath(options.folder));
-    if (options.output == Output::discarded) actions.outputTo("/dev/null");
+    if (options.output == Output::discarded) actions.discard(STDOUT_FILENO);
     const std::optional<pid_t> id = spawn(program, arguments, actions);
     if (!id) return nullptr;
     if (options.idle) setpriority(PRIO_PROCESS, static_cast<id_t>(*id), 19);
@@ -259,7 +262,8 @@ std::optional<Answer> askProgram(std::string_view program, const std::vector<std
     {
         FileActions actions;
         actions.outputTo(ends[1]);
-        id = spawn(program, arguments, actions);
+        actions.discard(STDERR_FILENO);
+        id = spawn(program, arguments, actions, {{"LC_ALL", "C"}});
     }
     close(ends[1]);
     Answer answer{.output = id ? allFrom(ends[0]) : "", .status = 0};

@@ -53,7 +53,7 @@ Process* keptProcess(const void* handle);
 HOST_EXPORT std::optional<int> waitFor(Process& process, int64_t milliseconds = -1);
 HOST_EXPORT void release(Process& process);
 
-// What a program wrote, with its exit status; nothing when it can't be started.
+// What a program wrote in English, its errors aside, with its exit status; nothing when it can't be started.
 struct Answer {
     std::string output;
     int status;

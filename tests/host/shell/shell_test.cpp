@@ -166,7 +166,7 @@ TEST_F(Shell, RunsBatchFiles) {
         "if errorlevel 5 goto :bad\r\n"
         "if not errorlevel 4 goto bad\r\n"
         "echo level %ERRORLEVEL%\r\n"
-        "cd c:\\jobs\r\n"
+        "cd c:\\jobs\r\ncd..\r\nCD.\\jobs\r\n"
         "dir /b *.ps > c:\\list\r\n"
         "goto End\r\n"
         ":bad\r\necho bad\r\n"
