@@ -17,6 +17,7 @@ namespace print {
 
 namespace {
 
+enum { PRINT_DIALOG = 20007 };
 enum { TARGET = 20012 };      // text: where a plot goes
 enum { FIRST_PAGE = 20013 };  // option button; that of the last page is behind it
 enum { RANGE_FROM_TO = 2 };   // FileDialogBlock::printRange
@@ -139,10 +140,9 @@ void printDialog(DialogMessage* message) {
     const GlobalData* data = mclibMain_getGlobalDataP();
     message->handled = data && mclibpsd && (message->type == DIALOG_CREATE || message->type == DIALOG_INIT);
     if (!message->handled) return;
-    if (message->type == DIALOG_CREATE)
-        loadSetup();
-    else
-        showTarget(*data, message->dialog);
+    if (message->type == DIALOG_INIT) return showTarget(*data, message->dialog);
+    mclibMain_updateBeforeDialogOpen(PRINT_DIALOG);
+    loadSetup();
 }
 
 void systemDialogButton(DialogMessage* message) {

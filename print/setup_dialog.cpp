@@ -67,7 +67,10 @@ void applyDevice(MdlDialog* dialog) {
 
 void setupDialog(DialogMessage* message) {
     message->handled = message->type == DIALOG_CREATE || message->type == DIALOG_INIT;
-    if (message->type == DIALOG_CREATE) loadSetup();
+    if (message->type == DIALOG_CREATE) {
+        mclibMain_updateBeforeDialogOpen(SETUP_DIALOG);
+        loadSetup();
+    }
     if (message->type != DIALOG_INIT) return;
     applyFileOnly(message->dialog);
     applyPageSize(message->dialog);
@@ -181,7 +184,6 @@ void publishSetupHooks() {
 
 int mclibPrintSet_dialogOpen(void) {
     int32_t reply = print::REPLY_CANCEL;
-    mclibMain_updateBeforeDialogOpen(print::SETUP_DIALOG);
     mdlDialog_openModal(&reply, 0, print::SETUP_DIALOG);
     if (reply == print::REPLY_OK) print::storeSetup();
     return reply;
