@@ -19,9 +19,7 @@ class BoundedText {
         buffer_[length_] = '\0';
     }
     void put(std::string_view text) {
-        const size_t room = buffer_.size() - 1 - length_, count = text.size() < room ? text.size() : room;
-        std::memcpy(buffer_.data() + length_, text.data(), count);
-        length_ += count;
+        length_ += text.copy(buffer_.data() + length_, buffer_.size() - 1 - length_);
         buffer_[length_] = '\0';
     }
     void fill(char c, size_t count) {

@@ -13,7 +13,7 @@ int drawNothing(int, char*, ElementDescr**, int, double, double) {
 
 void insert(FormData* form, Bytes& input) {
     const std::string name = input.text();
-    const int type = input.take<uint8_t>() % 7, row = input.take<int8_t>();
+    const int type = 1 + input.take<uint8_t>() % 5, row = input.take<int8_t>();
     switch (type) {
         case MCLIB_FORM_FLOAT: mclibMatList_insertValue(form, name.c_str(), type, row, input.take<double>()); break;
         case MCLIB_FORM_INTEGER: mclibMatList_insertValue(form, name.c_str(), type, row, input.take<int32_t>()); break;
@@ -31,7 +31,7 @@ void format(const FormData* form, const forms::FormatRequest& request, size_t si
     forms::FormatRequest withIndex = request;
     withIndex.index = &index;
     const int result = forms::generateText({walked.get(), size}, request);
-    require(result >= MCLIB_FORM_BAD_ROW && result <= 6);
+    require(result >= MCLIB_FORM_BAD_ROW && result <= MCLIB_FORM_CALLED);
     require(forms::generateText({indexed.get(), size}, withIndex) == result);
     require(std::strlen(walked.get()) < size);
     require(std::strcmp(walked.get(), indexed.get()) == 0);
