@@ -226,8 +226,8 @@ void draw(std::FILE* output, std::string_view prompt, const LineEdit& line) {
 }
 
 void showChoices(std::FILE* output, const std::vector<std::string>& choices) {
-    put(output, "\r\n");
-    for (const std::string& choice : choices) put(output, choice + "\r\n");
+    put(output, "\n");
+    for (const std::string& choice : choices) put(output, choice + "\n");
 }
 
 // The next byte; nothing at the end.
@@ -259,7 +259,7 @@ std::optional<std::string> editLine(std::FILE* input, std::FILE* output, std::st
             if (const auto choices = line.takeChoices(); !choices.empty()) showChoices(output, choices);
         }
     }
-    put(output, "\r\n");
+    put(output, "\n");
     std::fflush(output);
     if (state == LineEdit::State::interrupted) std::raise(SIGINT);
     return state == LineEdit::State::done ? std::optional(line.text()) : std::nullopt;

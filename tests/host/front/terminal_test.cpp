@@ -11,6 +11,7 @@
 #include "host/command/command.h"
 #include "host/dialog/dialog.h"
 #include "host/mdl/dialog.h"
+#include "host/mdl/file_dialogs.h"
 #include "host/mdl/lists.h"
 #include "host/mdl/resource.h"
 #include "host/mdl/state.h"
@@ -327,6 +328,53 @@ TEST_F(Terminal, AnUnattendedCommandGetsItsAnswersThenTheOriginOnce) {
     });
     EXPECT_THAT(points, testing::ElementsAre(4, 0));
     EXPECT_THAT(shown, HasSubstr("Nobody gives a point."));
+}
+
+// ---- file dialogs ----
+
+// The chosen file, or the status in parentheses.
+std::string fileOpened(const fs::path& folder, const char* suggested) {
+    char name[256] = "";
+    const int status = mdlDialog_fileOpen(name, 0, 0, suggested, "*.txt", folder.c_str(), "Choose a list");
+    return status == MDL_SUCCESS ? std::string(name) : "(" + std::to_string(status) + ")";
+}
+
+TEST_F(Terminal, AsksForAFileWithItsDirectoryAndFilter) {
+    std::ofstream(folder / "a.txt") << "text";
+    typed("none.txt\n a \n!\n");
+    inSession([&] {
+        EXPECT_EQ(fileOpened(folder, ""), folder / "a.txt");
+        EXPECT_EQ(fileOpened(folder, ""), "(1)") << "cancelled";
+        EXPECT_EQ(fileOpened(folder, ""), "(1)") << "the input has ended";
+    });
+    EXPECT_THAT(shown,
+                testing::HasSubstr("--- Choose a list ---\nDirectory: " + folder.string() + "/\nFilter: *.txt\n"));
+    EXPECT_THAT(shown, testing::HasSubstr("none.txt\" isn't there. Give the name of another one.\n> "));
+    EXPECT_THAT(shown, testing::EndsWith("Nobody names a file. Answer at a terminal, or run with --answers FILE.\n"));
+}
+
+TEST_F(Terminal, UnattendedRunsTakeTheSuggestedFileOrNone) {
+    std::ofstream(folder / "a.txt") << "text";
+    options.yes = true;
+    inSession([&] {
+        EXPECT_EQ(fileOpened(folder, "a.txt"), folder / "a.txt");
+        EXPECT_EQ(fileOpened(folder, "none.txt"), "(1)");
+        EXPECT_EQ(fileOpened(folder, ""), "(1)");
+        char name[256] = "";
+        EXPECT_EQ(mdlDialog_fileCreate(name, 0, 0, "a.txt", "*.txt", folder.c_str(), ""), MDL_SUCCESS);
+    });
+    EXPECT_THAT(shown, testing::HasSubstr("none.txt\" isn't there"));
+    EXPECT_THAT(shown, testing::HasSubstr("Replace it?\n> yes\n"));
+}
+
+TEST_F(Terminal, AnswersFromAFileMayRefuseToReplace) {
+    std::ofstream(folder / "a.txt") << "text";
+    answers("a.txt\nn\nb\n");
+    inSession([&] {
+        char name[256] = "";
+        EXPECT_EQ(mdlDialog_fileCreate(name, 0, 0, "", "*.txt", folder.c_str(), ""), MDL_SUCCESS);
+        EXPECT_EQ(name, folder / "b.txt");
+    });
 }
 
 }  // namespace
