@@ -320,7 +320,8 @@ class TerminalFrontEnd : public FrontEnd {
         const std::string_view name = trimmed(answer.substr(0, equals));
         const std::vector<size_t> usable = usableItems(dialog);
         const auto number = numberIn(name);
-        const auto found = !number                                    ? labelled(dialog, usable, name)
+        const auto labels = equals == std::string_view::npos ? usable : withoutButtons(dialog, usable);
+        const auto found = !number                                    ? labelled(dialog, labels, name)
                            : *number >= 1 && *number <= usable.size() ? std::optional(usable[*number - 1])
                                                                       : std::nullopt;
         if (!found) return false;
@@ -329,6 +330,11 @@ class TerminalFrontEnd : public FrontEnd {
         const DialogItem& item = dialog.items()[index];
         if (item.kind == ITEM_TOGGLE) return dialog.setValue(index, item.value == "1" ? "0" : "1");
         return item.kind == ITEM_PUSH_BUTTON && dialog.press(index);
+    }
+
+    static std::vector<size_t> withoutButtons(const Dialog& dialog, std::vector<size_t> items) {
+        std::erase_if(items, [&](size_t item) { return dialog.items()[item].kind == ITEM_PUSH_BUTTON; });
+        return items;
     }
 
     // An answer that is for the window and not for an item: a word, a blank, and what it is about.
