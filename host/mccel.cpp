@@ -68,8 +68,8 @@
 namespace {
 
 constexpr double uorPerMaster = 10000;
-constexpr double mostLength = 1e6;  // master units
 constexpr int64_t mostRepeats = 1000;
+constexpr int32_t mostElements = 100000;  // of a cell
 constexpr size_t longestText = 255, longestName = 511;
 constexpr int32_t byLevel = -1, styleByLevel = 0x7FFFFFFF;
 
@@ -182,7 +182,8 @@ class Compiler {
     static const std::array<ElementKind, 8> elementKinds;
 
     SourceValues in_;
-    ElementDescr* cell_ = nullptr;
+    ElementDescr* cell_ = nullptr;  // the one that is being made ...
+    int32_t elements_ = 0;          // ... and how many elements were appended to it
     host::CellLibraryDraft draft_;
     std::map<std::string, Symbology> levels_;
     std::map<LevelId, Symbology> looks_;  // of these levels
@@ -291,7 +292,12 @@ void Compiler::compileLevels(const toml::table& source) {
                                in_.fault(table, "a level can't look \"by level\"");
                        });
     for (const auto& [name, look] : levels_) {
-        const LevelId id = draft_.level(wideOf(host::narrowFromUtf8(name).text));
+        const host::NarrowText narrow = host::narrowFromUtf8(name);
+        if (narrow.badPosition || name.empty() || narrow.text.size() > longestName) {
+            in_.fault(*source.get("level"), "the name of level " + inQuotes(name) + " can't be used");
+            continue;
+        }
+        const LevelId id = draft_.level(wideOf(narrow.text));
         looks_[id] = look;
         draft_.setLevelSymbology(id, static_cast<uint32_t>(look.color), look.style, static_cast<uint32_t>(look.weight));
     }
@@ -307,6 +313,7 @@ void Compiler::append(const toml::node& where, int status, const Pen& pen) {
     mdlElement_setSymbology(dgnBufP, &color, &weight, &pen.look.style);
     mdlElement_setProperties(dgnBufP, &level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
     if (mdlElmdscr_appendElement(cell_, dgnBufP) != MDL_SUCCESS) in_.fault(where, "memory has run out");
+    if (++elements_ > mostElements) in_.fault(where, "a cell has at most 100000 elements");
 }
 
 void Compiler::addVertices(const toml::table& element, std::vector<Point> vertices, const Place& place, bool closed) {
@@ -514,6 +521,7 @@ void Compiler::compileCell(const toml::table& source) {
     if (mdlElmdscr_new(&made, nullptr, &header) != MDL_SUCCESS) return in_.fault(source, "memory has run out");
     Descr cell(made);
     cell_ = made;
+    elements_ = 0;
     if (const toml::node* list = source.get("draw")) drawList(*list, {});
     if (!made->firstChild && faults() == 0)
         in_.fault(source, "there is nothing in it; draw = [...] tells its elements");

@@ -205,6 +205,7 @@ TEST_F(Mccel, EachFaultIsOneLineAndTheOldFileStays) {
         {cellOf("5"), "an element must be a table"},
         {"[pen.a]\nweight = 1.5\n", "bad.toml:2: \"weight\" must be a whole number"},
         {"[lettering]\na = 5\n", "\"a\" must be a table"},
+        {"[level.\"\"]\ncolor = 1\n", "the name of level \"\" can't be used"},
         {"[level.F]\ncolor = \"by level\"\n", "a level can't look \"by level\""},
         {"[pen.a]\n", "there is no [[cell]] in the sources"},
     };
