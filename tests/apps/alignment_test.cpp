@@ -1,13 +1,9 @@
 // The application alignment, run by mchost as a user would: what it makes of the example, and of input that is wrong.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -19,6 +15,7 @@
 #include "host/mdl/scan.h"
 #include "host/mdl/system.h"
 #include "host/session/session.h"
+#include "tests/support/application_test.h"
 
 namespace {
 
@@ -28,50 +25,18 @@ using testing::HasSubstr;
 const std::string examples = PROJECT_SOURCE_DIR "/apps/alignment/examples/";
 const std::string mchost = BUILD_DIR "/bin/mchost";
 
-struct Outcome {
-    int status;
-    std::string output;  // both streams
-};
-
-std::string contents(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream all;
-    all << in.rdbuf();
-    return all.str();
-}
-
-class Alignment : public testing::Test {
+class Alignment : public ApplicationTest {
   protected:
-    Alignment() : folder_(fs::temp_directory_path() / ("alignment_test_" + std::to_string(getpid()))) {
-        fs::create_directories(folder_);
+    Alignment() : ApplicationTest("alignment") {
         fs::copy_file(examples + "attributes.txt", folder_ / "attributes.txt");
-        // mchost is run with the sanitizers of the build; what the font library keeps to the end is no leak of ours.
-        setenv("LSAN_OPTIONS", "suppressions=" TEST_SOURCE_DIR "/support/leaks.txt:print_suppressions=0", 1);
     }
-    ~Alignment() override { fs::remove_all(folder_); }
 
-    // Runs a command of the shell in the test's folder.
-    Outcome shell(const std::string& command) const {
-        FILE* pipe = popen(("cd '" + folder_.string() + "' && (" + command + ") 2>&1 </dev/null").c_str(), "r");
-        Outcome run{};
-        char part[4096];
-        while (const size_t n = std::fread(part, 1, sizeof part, pipe)) run.output.append(part, n);
-        run.status = WEXITSTATUS(pclose(pipe));
-        return run;
-    }
-    Outcome alignment(const std::string& arguments) const { return shell("'" + mchost + "' alignment " + arguments); }
-    void write(const std::string& name, const std::string& text) const { std::ofstream(folder_ / name) << text; }
-    std::string read(const std::string& name) const { return contents(folder_ / name); }
+    Outcome alignment(const std::string& arguments) const { return run(arguments); }
     std::vector<std::string> files() const {
-        std::vector<std::string> names;
-        for (const auto& entry : fs::directory_iterator(folder_)) names.push_back(entry.path().filename());
+        std::vector<std::string> names = ApplicationTest::files();
         std::erase(names, "attributes.txt");
-        std::ranges::sort(names);
         return names;
     }
-    bool canRun(const char* program) const { return shell("command -v " + std::string(program)).status == 0; }
-
-    fs::path folder_;
 };
 
 const std::string head = "%include attributes.txt\nPROJECT \"P\"\nSCALE 1000\n";

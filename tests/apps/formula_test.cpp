@@ -1,54 +1,26 @@
 // The application formula, run by mchost as a user would.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
+#include "tests/support/application_test.h"
+
 namespace {
 
-namespace fs = std::filesystem;
 using testing::HasSubstr;
 using testing::Not;
 
 const std::string example = PROJECT_SOURCE_DIR "/apps/formula/examples/trench.txt";
 
-struct Outcome {
-    int status;
-    std::string output;  // both streams
-};
-
-class Formula : public testing::Test {
+class Formula : public ApplicationTest {
   protected:
-    Formula() : folder_(fs::temp_directory_path() / ("formula_test_" + std::to_string(getpid()))) {
-        fs::create_directories(folder_);
-        setenv("LSAN_OPTIONS", "suppressions=" TEST_SOURCE_DIR "/support/leaks.txt:print_suppressions=0", 1);
-    }
-    ~Formula() override { fs::remove_all(folder_); }
-
-    Outcome run(const std::string& arguments, const char* streams = "2>&1") const {
-        FILE* pipe = popen(("cd '" + folder_.string() + "' && '" BUILD_DIR "/bin/mchost' formula " + arguments + " " +
-                            streams + " </dev/null")
-                               .c_str(),
-                           "r");
-        Outcome outcome{};
-        char part[4096];
-        while (const size_t n = std::fread(part, 1, sizeof part, pipe)) outcome.output.append(part, n);
-        outcome.status = WEXITSTATUS(pclose(pipe));
-        return outcome;
-    }
-    void write(const std::string& name, const std::string& text) const { std::ofstream(folder_ / name) << text; }
+    Formula() : ApplicationTest("formula") {}
     Outcome job(const std::string& text, const std::string& arguments = "") const {
         write("job.txt", text);
         return run("--file job.txt " + arguments);
     }
-
-    fs::path folder_;
 };
 
 TEST_F(Formula, GivesTheValueOfAFormula) {
@@ -79,7 +51,7 @@ TEST_F(Formula, AFailedFormulaHasACaretWhereItWasNoticed) {
         {"$(printf '1%.0s' $(seq 80))", "formula: column 1: too long or too deep: 512 characters, 79"},
     };
     for (const auto& [arguments, told] : cases) {
-        const Outcome outcome = run(arguments, "2>&1 >/dev/null");
+        const Outcome outcome = run(arguments + std::string(" 2>&1 >/dev/null"));
         EXPECT_EQ(outcome.status, 1) << arguments;
         EXPECT_THAT(outcome.output, HasSubstr(told)) << arguments;
     }
