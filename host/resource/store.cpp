@@ -227,6 +227,8 @@ std::optional<StoredList> ResourceStore::list(int32_t id, bool* cut) {
 }
 
 void ResourceStore::put(Put how, int32_t id, const StoredList& list, std::string_view name) {
+    if (list.fields > mostFields)
+        fail("a string list with more than " + std::to_string(mostFields) + " info fields can't be stored");
     attempt([&] {
         Database& db = writing();
         Transaction transaction(db);
