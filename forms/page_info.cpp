@@ -15,7 +15,7 @@ namespace forms {
 
 namespace {
 
-enum { PAGE_INFO_DIALOG = 20024, INFO_PAGE_OPTION_BUTTON = 20015 };
+enum { INFO_PAGE_OPTION_BUTTON = 20015 };
 enum { QUESTION_DELETE_ALL = 9, QUESTION_SAVE = 10 };
 enum {
     DELETE_ALL_FLAGS = MSGBOX_KIND_8 | MSGBOX_FIRST_16 | MSGBOX_SECOND_128,
@@ -25,6 +25,10 @@ static_assert(DELETE_ALL_FLAGS == 152 && SAVE_FLAGS == 296);
 
 MdlDialog* findPageInfo() {
     return mdlDialog_find(PAGE_INFO_DIALOG, mdlSystem_getCurrMdlDesc());
+}
+
+MdlItem* pageButtonOf(MdlDialog* dialog) {
+    return mdlDialog_itemGetByTypeAndId(dialog, ITEM_OPTION_BUTTON, INFO_PAGE_OPTION_BUTTON);
 }
 
 // ---- the block ----
@@ -116,10 +120,7 @@ void pageInfoDialog(DialogMessage* message) {
     if (!data) return;
     switch (message->type) {
         case DIALOG_CREATE: createInfo(*data); break;
-        case DIALOG_INIT:
-            fillWithPageNames(
-                *data, mdlDialog_itemGetByTypeAndId(message->dialog, ITEM_OPTION_BUTTON, INFO_PAGE_OPTION_BUTTON));
-            break;
+        case DIALOG_INIT: fillWithPageNames(*data, pageButtonOf(message->dialog)); break;
         case DIALOG_DESTROY: leaveInfo(*data); break;
         default: message->handled = 0;
     }
@@ -172,12 +173,19 @@ void readPageInfo(GlobalData& data, int32_t page) {
     changeInfoPage(data, dialog);
 }
 
+void takeNewPages(GlobalData& data) {
+    MdlDialog* const dialog = findPageInfo();
+    if (!dialog) return;
+    fillWithPageNames(data, pageButtonOf(dialog));
+    readPageInfo(data, data.previewPage);
+}
+
 void publishPageInfoHooks() {
     mdlDialog_hookPublish(static_cast<int32_t>(pageInfoHooks.size()), pageInfoHooks.data());
 }
 
 KeepEditedBlock::KeepEditedBlock() {
-    if (findPageInfo()) kept_ = *mclibsd;
+    if (mdlDialog_find(PAGE_INFO_DIALOG, nullptr)) kept_ = *mclibsd;
 }
 
 KeepEditedBlock::~KeepEditedBlock() {

@@ -27,7 +27,8 @@ enum { TEMPLATE_TEXT = 20071 };
 enum { TEMPLATE_TITLE = 33 };
 enum { ERROR_NO_SPREADSHEET = 30 };
 enum { REPLY_OK = 3 };
-enum { TAKE_PAGE = 1 };  // signal to the button of a new page list: its value is the page to show
+enum { DRAWING_FLAGS = 3 };  // itemFlags: focus and default, which an item that only draws has not
+enum { TAKE_PAGE = 1 };      // signal to the button of a new page list: its value is the page to show
 constexpr int32_t templateDefaults = -20005;
 
 MdlItem* optionButtonOf(MdlDialog* dialog) {
@@ -60,6 +61,7 @@ void takeNewList(GlobalData& data, MdlDialog* dialog) {
     data.previewPage = std::clamp(data.fileDialogP->pageChoice, 0, count - 1);
     data.fileDialogP->pageChoice = data.previewPage;
     fillWithPageNames(data, optionButtonOf(dialog));
+    takeNewPages(data);
     showPage(data);
 }
 
@@ -92,6 +94,7 @@ void previewDialog(DialogMessage* message) {
     switch (message->type) {
         case DIALOG_CREATE:
             mclibMain_updateBeforeDialogOpen(PREVIEW_DIALOG);
+            mclibMain_updateBeforeDialogOpen(PAGE_INFO_DIALOG);  // its values are this application's from now on
             message->attributes |= DIALOG_SIZABLE;
             break;
         case DIALOG_INIT: initPreview(*data, message->dialog); break;
@@ -103,8 +106,13 @@ void previewDialog(DialogMessage* message) {
 
 void pageAreaItem(DialogMessage* message) {
     const GlobalData* data = mclibMain_getGlobalDataP();
-    message->handled = data && (message->type == ITEM_CREATE || message->type == ITEM_DRAW);
-    if (message->handled && message->type == ITEM_DRAW) drawPreview(*data, message->dialog);
+    message->handled = data != nullptr;
+    if (!data) return;
+    switch (message->type) {
+        case ITEM_CREATE: message->itemFlags &= ~DRAWING_FLAGS; break;
+        case ITEM_DRAW: drawPreview(*data, message->dialog); break;
+        default: message->handled = 0;
+    }
 }
 
 void pageButton(DialogMessage* message) {

@@ -105,11 +105,26 @@ TEST_F(PageInfo, MakingPagesLeavesWhatIsBeingEdited) {
     choose(info(), pageButton, 1);
     type("H");
     testApplication.whileMade = [](int) { set("mclibsd->revs", "X"); };  // as a title block's values do
-    testApplication.newList = {"one", "two"};
-    press(dialog(), 20009);
+    answers.setValue(ITEM_OPTION_BUTTON, 20012, "1").setValue(ITEM_TOGGLE, 20006, "1");
+    answers.setValue(ITEM_TEXT, 20013, path("out.ps")).press(-3);
+    press(dialog(), 20007);
+    EXPECT_EQ(testApplication.made.size(), 3u);
     testApplication.whileMade = nullptr;
     press(info(), saveButton);
     EXPECT_EQ(stored("two"), "H");
+}
+
+TEST_F(PageInfo, GoesToThePageOnShowOfANewList) {
+    store("second", "S");
+    openInfo();
+    choose(dialog(), 20001, 1);
+    type("I");
+    testApplication.newList = {"first", "second"};
+    answers.press(yes);
+    press(dialog(), 20009);
+    EXPECT_EQ(stored("two"), "I");
+    EXPECT_EQ(shown(), "S");
+    EXPECT_EQ(info().items()[placeOf(info(), ITEM_OPTION_BUTTON, pageButton)].rows[0].label, "first");
 }
 
 TEST_F(PageInfo, DeletesOnePagesThoseOfNoPageAndAll) {

@@ -231,6 +231,16 @@ TEST_F(PreviewPages, OpeningAgainStartsAnewAndAnotherApplicationTakesOver) {
     });
 }
 
+TEST_F(PreviewPages, StayWhenAnotherDesignFileIsOpened) {
+    openPreview({upright, flat});
+    ASSERT_EQ(mdlSystem_createDesignFile(path("other.mcd").c_str(), 0), MDL_SUCCESS);
+    ASSERT_EQ(mdlSystem_newDesignFile(path("other.mcd").c_str(), 0), MDL_SUCCESS);
+    ASSERT_TRUE(dialog().resize(700, 500));
+    dialog().refresh();
+    choose(dialog(), 20001, 1);
+    EXPECT_EQ(get("mgdP->previewPage"), "1");
+}
+
 TEST_F(PreviewPages, TheSpreadsheetIsNotThereYetButItsTemplateCanBeChosen) {
     openPreview({upright});
     const std::string book = writeFile("list.xlt", "");
