@@ -27,11 +27,13 @@ const std::map<std::string, int> listNames = {{"MCLIB_QUESTIONS", 20003},
 // Files that pass numbers on in variables, and the numbers.
 const std::map<std::string, std::set<Message>> passedOn = {
     {"frame/units.cpp", {{20007, 2}, {20007, 13}, {20007, 14}, {20007, 20}}},  // firsts and lasts of months and days
+    {"frame/resource_files.cpp", {{20005, 1}, {20005, 9}, {20005, 10}, {20005, 16}}},
     {"frame/startup.cpp", {{20007, 38}, {20007, 39}, {20007, 40}, {20007, 41}}},
     {"forms/print_job.cpp", {{20003, 0}, {20003, 2}, {20005, 1}, {20005, 2}}},
     {"project/dialog.cpp", {{20005, 1}, {20005, 7}, {20005, 8}, {20005, 9}, {20005, 10}}},
     {"project/store.cpp", {{20003, 4}, {20003, 7}}},  // what was written
-    {"batch/message_dialogs.cpp", {{20007, 25}, {20007, 26}, {20007, 27}, {20007, 28}, {20007, 29}, {20007, 30}}},
+    {"batch/message_dialogs.cpp",
+     {{20007, 25}, {20007, 26}, {20007, 27}, {20007, 28}, {20007, 29}, {20007, 30}, {20007, 31}}},
 };
 
 std::string contentsOf(const fs::path& path) {
@@ -89,12 +91,9 @@ struct Caller {
     std::string name;
     std::ptrdiff_t beforeList;  // arguments in front of the list; -1: it is always the language texts
 };
-const Caller callers[] = {{"mclibError_rscMsgBoxPrintf(", 1},
-                          {"mclibError_rscListPrintf(", 1},
-                          {"mdlOutput_rscPrintf(", 2},
-                          {"mclibMem_mallocRscErrorPrintf(", 1},
-                          {"mclibMem_reallocRscErrorPrintf(", 3},
-                          {"mclibUtil_getLanguageText(", -1}};
+const Caller callers[] = {
+    {"mclibError_rscMsgBoxPrintf(", 1},    {"mclibError_rscListPrintf(", 1},       {"mdlOutput_rscPrintf(", 2},
+    {"mclibMem_mallocRscErrorPrintf(", 1}, {"mclibMem_reallocRscErrorPrintf(", 3}, {"mclibUtil_getLanguageText(", -1}};
 
 bool isDefinition(const std::string& firstArgument) {
     return firstArgument.starts_with("int") || firstArgument.starts_with("size_t") ||
