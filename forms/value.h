@@ -19,6 +19,7 @@ class BoundedText {
         buffer_[length_] = '\0';
     }
     void put(std::string_view text) {
+        if (text.empty()) return;  // it may have no characters to point at
         length_ += text.copy(buffer_.data() + length_, buffer_.size() - 1 - length_);
         buffer_[length_] = '\0';
     }
