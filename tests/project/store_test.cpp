@@ -265,7 +265,7 @@ TEST_F(ProjectStore, RecordOfAnUnknownFormDoesNotHideThePageAndStaysInTheFile) {
     save(MCLIB_PAGE_DATA, 1, numberedTexts("s", 45));
     EXPECT_STREQ(readPage("Plan").revs, "A");
     EXPECT_THAT(boxes, ElementsAre(HasSubstr("form 4"), HasSubstr("form 1")));
-    writePage("", "without a name");
+    writePage("", "nameless");
     EXPECT_THAT(pages(), ElementsAre("#4", "Plan", "#1", ""));
 }
 
