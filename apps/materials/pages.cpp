@@ -76,7 +76,7 @@ void Pages::insertRow(FormData* values, int row, const Row& content) const {
     };
     switch (content.kind) {
         case Row::blank: break;
-        case Row::heading: insertText(values, "DESC", row, list_.groups[content.index].title); break;
+        case Row::heading: insertText(values, "HEAD", row, list_.groups[content.index].title); break;
         case Row::groupSum: insertSum("Sum"); break;
         case Row::sum: insertSum("Sum of all"); break;
         case Row::item: insertItem(values, row, content); break;
