@@ -79,6 +79,15 @@ MDL_EXPORT int mdlFile_copy(const char *destination, const char *source);
 /* Opens a design file to look at it. The model in modelP. 0 or MDL_ERROR. */
 MDL_EXPORT int mdlWorkDgn_openFile(ModelRef **modelP, const char *name);
 MDL_EXPORT int mdlWorkDgn_closeFile(ModelRef *model);
+/* The same for a cell library: its model holds the cells, each a header with its components, in the library's own units
+ * and on its own levels. Closed in the same way. */
+MDL_EXPORT int mdlWorkDgn_openCellLibrary(ModelRef **modelP, const char *name);
+
+/* ---- kinds of files ---- */
+enum { MDL_FILE_OTHER = 0, MDL_FILE_DESIGN = 1, MDL_FILE_CELL_LIBRARY = 2, MDL_FILE_RESOURCE = 3 };
+/* What kind of file it is, by its first bytes and not by its suffix; a damaged file, or one of a newer make, has its kind
+ * too. 0; MDL_ERROR, with a line in the message centre, when there is no file of that name or it can't be read. */
+MDL_EXPORT int mdlFile_getKind(int32_t *kindP, const char *name);
 
 /* The user's preference file of the host: a resource file that is made when it isn't there. Mode 0 reading, 1 writing. */
 MDL_EXPORT int mdlDialog_userPrefFileOpen(RscHandle *handleP, int mode);

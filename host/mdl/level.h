@@ -13,6 +13,8 @@ MDL_EXPORT int mdlLevel_getIdFromName(LevelId *idP, ModelRef *model, LevelId par
 MDL_EXPORT int mdlLevel_getIdFromCode(LevelId *idP, ModelRef *model, int32_t code);
 MDL_EXPORT int mdlLevel_getName(wchar_t *name, int32_t size, ModelRef *model, LevelId id);
 MDL_EXPORT int mdlLevel_getCode(int32_t *codeP, ModelRef *model, LevelId id);
+/* From the id in *idP to the next one that the model has; from 0 to the first. MDL_ERROR behind the last one. */
+MDL_EXPORT int mdlLevel_getNextId(LevelId *idP, ModelRef *model);
 /* Creates a level; MDL_ERROR for a name that is empty, too long (511 characters) or there already, or a model that can't
  * be written. The level lasts until the session ends, and is stored by mdlLevelTable_rewrite or with the first element
  * that is on it. */

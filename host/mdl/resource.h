@@ -39,6 +39,27 @@ MDL_EXPORT int mdlResource_openFile(RscHandle *handleP, const char *name, int mo
 /* Closes; blocks that were loaded from the file stay valid, but can't be written any more. */
 MDL_EXPORT int mdlResource_closeFile(RscHandle handle);
 
+/* ---- what a file holds ---- */
+
+enum { MDL_RSC_BLOCK = 1, MDL_RSC_STRING_LIST = 2, MDL_RSC_MESSAGES = 3, MDL_RSC_DIALOG = 4, MDL_RSC_ICON = 5 };
+typedef struct MdlResourceEntry {
+    int32_t kind;       /* MDL_RSC_... */
+    int32_t type;       /* of a block, else 0 */
+    int32_t id;
+    int32_t size;       /* block: bytes; string list: members; messages: strings; dialog: items; icon: pixels a side */
+    int32_t attributes; /* of a block, else 0 */
+    const char *name;   /* block, string list: the name kept with it; messages: the languages ("en no"); dialog: its
+                         * title; icon: its sign. Windows-1252, the host's own, valid during the call */
+} MdlResourceEntry;
+/* A result other than 0 ends the listing. */
+typedef int (*MdlResourceVisit)(void *userArg, const MdlResourceEntry *entry);
+/* Calls `visit` for each resource of an open file, in order of kind, type and id. 0 or the visit's result; MDL_ERROR, with a
+ * line in the message centre, when the file isn't open or can't be read. */
+MDL_EXPORT int mdlResource_list(RscHandle rscFile, MdlResourceVisit visit, void *userArg);
+/* The title that the file was made with, at most size - 1 characters and a NUL; empty when it has none. MDL_ERROR as
+ * above, or when it was cut. */
+MDL_EXPORT int mdlResource_getTitle(char *title, int32_t size, RscHandle rscFile);
+
 /* ---- typed blocks ---- */
 
 /* The block as it is stored at this moment; null when there is none, or when it is damaged, which gets a line. The caller

@@ -17,15 +17,11 @@
 namespace host {
 namespace {
 
-struct KindRow {
-    uint32_t applicationId;
-    const char* otherFile;  // what is wrong with a file that isn't of this kind
+// What is wrong with a file that isn't of the kind, by FileKind.
+constexpr const char* otherFile[] = {
+    "it isn't a design file. Give the name of a design file (.mcd).",
+    "it isn't a cell library. Give the name of a cell library (.cel).",
 };
-// By FileKind.
-constexpr auto kinds = std::to_array<KindRow>({
-    {0x4D434431, "it isn't a design file. Give the name of a design file (.mcd)."},    // "MCD1"
-    {0x4D434331, "it isn't a cell library. Give the name of a cell library (.cel)."},  // "MCC1"
-});
 constexpr uint32_t formatVersion = 1;
 constexpr int pageBytes = 8192;
 constexpr int64_t onlyModel = 1;
@@ -192,25 +188,26 @@ bool headIsWal(const FileHead& head) {
     return head[18] == 2 || head[19] == 2;
 }
 
-const KindRow& rowOf(FileKind kind) {
-    return kinds[static_cast<size_t>(kind)];
-}
-
-FileHead readHead(const std::string& path, FileKind kind) {
+// Nothing for a file that isn't a database.
+std::optional<FileHead> databaseHead(const std::string& path) {
     const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) throw FileProblem("it can't be read (" + systemReason(errno) + "). Check its name and permissions.");
     FileHead head = {};
     const ssize_t got = read(file, head.data(), head.size());
     ::close(file);
     constexpr std::string_view magic("SQLite format 3\0", 16);
-    if (got != ssize_t{100} || std::memcmp(head.data(), magic.data(), magic.size()) != 0 ||
-        headApplication(head) != rowOf(kind).applicationId) {
-        throw FileProblem(rowOf(kind).otherFile);
-    }
-    if (headVersion(head) > formatVersion) {
+    if (got != ssize_t{100} || std::memcmp(head.data(), magic.data(), magic.size()) != 0) return std::nullopt;
+    return head;
+}
+
+FileHead readHead(const std::string& path, FileKind kind) {
+    const std::optional<FileHead> head = databaseHead(path);
+    const auto row = static_cast<size_t>(kind);
+    if (!head || headApplication(*head) != applicationIds[row]) throw FileProblem(otherFile[row]);
+    if (headVersion(*head) > formatVersion) {
         throw FileProblem("it was made by a newer version. Open it with that version.");
     }
-    return head;
+    return *head;
 }
 
 // A database to read from. A file that was left in WAL mode needs its companion files, which can't be made in a folder
@@ -313,8 +310,9 @@ void writeEmpty(const std::string& path, bool is3d, FileKind kind) {
     database.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
     // Nobody knows the file before it has its name, so one wait for the disk behind it all is enough.
     database.run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF");
-    database.run("PRAGMA page_size=" + std::to_string(pageBytes) + "; PRAGMA application_id=" +
-                 std::to_string(rowOf(kind).applicationId) + "; PRAGMA user_version=" + std::to_string(formatVersion));
+    database.run("PRAGMA page_size=" + std::to_string(pageBytes) +
+                 "; PRAGMA application_id=" + std::to_string(applicationIds[static_cast<size_t>(kind)]) +
+                 "; PRAGMA user_version=" + std::to_string(formatVersion));
     Transaction transaction(database);
     for (const char* table : schema) database.run(table);
     storeTables(database, model);
@@ -323,6 +321,11 @@ void writeEmpty(const std::string& path, bool is3d, FileKind kind) {
 }
 
 }  // namespace
+
+std::optional<uint32_t> applicationIdOf(const std::string& path) {
+    const std::optional<FileHead> head = databaseHead(path);
+    return head ? std::optional(headApplication(*head)) : std::nullopt;
+}
 
 void createContainer(const std::string& path, bool is3d, FileKind kind) {
     struct stat there;

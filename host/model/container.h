@@ -7,6 +7,8 @@
 // file. A file that is only read isn't touched.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -21,6 +23,10 @@ struct FileProblem : std::runtime_error {
 };
 
 enum class FileKind { designFile, cellLibrary };
+
+constexpr uint32_t applicationIds[] = {0x4D434431, 0x4D434331};  // by FileKind: "MCD1", "MCC1"
+// The application_id of any database file; nothing for a file that isn't one. FileProblem when it can't be read.
+std::optional<uint32_t> applicationIdOf(const std::string& path);
 
 // Makes an empty file; FileProblem when the name is taken or it can't be written, and nothing is left then.
 void createContainer(const std::string& path, bool is3d, FileKind kind = FileKind::designFile);

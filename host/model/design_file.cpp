@@ -44,14 +44,14 @@ void WriterLock::take(const std::string& path) {
                       "). Check its name and permissions.");
 }
 
-DesignFile::DesignFile(const std::string& path, Use use)
+DesignFile::DesignFile(const std::string& path, Use use, FileKind kind)
     : model{.file = this, .serial = nextSerial()},
       path_(path),
       readOnly_(use == Use::read || !fileAndFolderCanBeWritten(path)),
       writer_(path) {
     const bool writes = use == Use::write && !readOnly_;
     if (writes) lock_.take(path);
-    loadContainer(path, model);
+    loadContainer(path, model, kind);
     if (writes) writer_.takeInLog();
     struct stat info;
     if (stat(path.c_str(), &info) == 0) {

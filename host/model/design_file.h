@@ -1,4 +1,4 @@
-// Design files that are open: the active one and work files beside it.
+// Design files that are open: the active one and work files beside it, which cell libraries may be too.
 #pragma once
 
 #include <sys/types.h>
@@ -33,7 +33,7 @@ class DesignFile {
 
     // `path` is a full path of the system. Opened to write, a file that can't be written is read-only. FileProblem when
     // it can't be used.
-    DesignFile(const std::string& path, Use use);
+    DesignFile(const std::string& path, Use use, FileKind kind = FileKind::designFile);
     DesignFile(const DesignFile&) = delete;
     DesignFile& operator=(const DesignFile&) = delete;
 

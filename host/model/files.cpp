@@ -42,10 +42,9 @@ std::string fullPath(const char* name) {
     return std::filesystem::absolute(systemPath(name)).lexically_normal().string();
 }
 
-// "Can't WHAT the design file "NAME": WHY"
+// "Can't WHAT "NAME": WHY"
 int cannot(const char* what, std::string_view name, const FileProblem& problem) {
-    return fileProblem(std::string("Can't ") + what + " the design file \"" + std::string(name) +
-                       "\": " + problem.what());
+    return fileProblem(std::string("Can't ") + what + " \"" + std::string(name) + "\": " + problem.what());
 }
 
 // Runs a call that gives a file's name; 0, or MDL_ERROR with a line.
@@ -54,7 +53,7 @@ int withFile(const char* what, const char* name, Body body) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         const char* given = name ? name : "";
         try {
-            if (*given == '\0') throw FileProblem("no name was given. Give the name of a design file (.mcd).");
+            if (*given == '\0') throw FileProblem("no name was given. Give one.");
             return body(fullPath(given));
         } catch (const FileProblem& problem) {
             return cannot(what, given, problem);
@@ -103,6 +102,11 @@ void exchangeActive(const std::string& path, bool readOnly) {
     files.active = again ? std::make_unique<DesignFile>(path, use) : std::move(next);
     publishActive();
     fireNewDesignFile(name.c_str(), 1);
+}
+
+ModelRef* openWork(const std::string& path, FileKind kind) {
+    files.work.push_back(std::make_unique<DesignFile>(path, DesignFile::Use::look, kind));
+    return &files.work.back()->model;
 }
 
 struct SwitchingScope {
@@ -170,14 +174,14 @@ ModelRef* writableModel(ModelRef* model) {
 using namespace host;
 
 int mdlSystem_createDesignFile(const char* name, int is3d) {
-    return withFile("make", name, [&](const std::string& path) {
+    return withFile("make the design file", name, [&](const std::string& path) {
         createContainer(path, is3d != 0);
         return MDL_SUCCESS;
     });
 }
 
 int mdlSystem_newDesignFile(const char* name, int readOnly) {
-    return withFile("open", name, [&](const std::string& path) {
+    return withFile("open the design file", name, [&](const std::string& path) {
         if (files.switching) throw FileProblem("another one is being opened. Open it when that is done.");
         const SwitchingScope scope;
         watchSession();
@@ -188,7 +192,7 @@ int mdlSystem_newDesignFile(const char* name, int readOnly) {
 
 int mdlSystem_saveDesignFile(void) {
     if (!files.active) return MDL_SUCCESS;
-    return withFile("store", files.active->name().c_str(), [](const std::string&) {
+    return withFile("store the design file", files.active->name().c_str(), [](const std::string&) {
         files.active->save();
         return MDL_SUCCESS;
     });
@@ -196,7 +200,7 @@ int mdlSystem_saveDesignFile(void) {
 
 int mdlSystem_closeDesignFile(void) {
     if (!files.active) return MDL_ERROR;
-    return withFile("close", files.active->name().c_str(), [](const std::string&) {
+    return withFile("close the design file", files.active->name().c_str(), [](const std::string&) {
         if (files.switching) throw FileProblem("another one is being opened. Close it when that is done.");
         const SwitchingScope scope;
         const std::string name = files.active->name();
@@ -210,14 +214,19 @@ int mdlSystem_closeDesignFile(void) {
 
 int mdlWorkDgn_openFile(ModelRef** modelP, const char* name) {
     if (modelP == nullptr) return MDL_ERROR;
-    return withFile("open", name, [&](const std::string& path) {
+    return withFile("open the design file", name, [&](const std::string& path) {
         watchSession();
-        if (files.active && files.active->is(path)) {
-            *modelP = &files.active->model;
-            return MDL_SUCCESS;
-        }
-        files.work.push_back(std::make_unique<DesignFile>(path, DesignFile::Use::look));
-        *modelP = &files.work.back()->model;
+        const bool isActive = files.active && files.active->is(path);
+        *modelP = isActive ? &files.active->model : openWork(path, FileKind::designFile);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlWorkDgn_openCellLibrary(ModelRef** modelP, const char* name) {
+    if (modelP == nullptr) return MDL_ERROR;
+    return withFile("open the cell library", name, [&](const std::string& path) {
+        watchSession();
+        *modelP = openWork(path, FileKind::cellLibrary);
         return MDL_SUCCESS;
     });
 }
@@ -237,7 +246,7 @@ ModelRef* mdlLevelLibrary_getModelRef(void) {
         try {
             return levelLibrary(fullPath(name.get()));
         } catch (const FileProblem& problem) {
-            cannot("read the level library from", name.get(), problem);
+            cannot("read the level library from the design file", name.get(), problem);
             return nullptr;
         }
     });

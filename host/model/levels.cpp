@@ -143,6 +143,15 @@ int mdlLevel_getCode(int32_t* codeP, ModelRef* model, LevelId id) {
     return MDL_SUCCESS;
 }
 
+int mdlLevel_getNextId(LevelId* idP, ModelRef* model) {
+    const ModelRef* found = openModel(model);
+    if (found == nullptr || idP == nullptr) return MDL_ERROR;
+    const auto next = std::ranges::upper_bound(found->levels, *idP, {}, &Level::id);
+    if (next == found->levels.end()) return MDL_ERROR;
+    *idP = next->id;
+    return MDL_SUCCESS;
+}
+
 int mdlLevel_create(LevelId* idP, ModelRef* model, const wchar_t* name) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         if (name == nullptr || *name == L'\0' || std::wcslen(name) > longestName) return MDL_ERROR;

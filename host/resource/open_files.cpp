@@ -186,6 +186,10 @@ std::shared_ptr<const Icon> findIcon(RscHandle file, int32_t iconId) {
     return find(file, &ResourceContents::icons, iconId);
 }
 
+std::shared_ptr<const ResourceContents> contentsOf(RscHandle handle) {
+    return search(handle, [](const OpenFile& file) { return file.contents; });
+}
+
 std::vector<OpenStore> openStores(RscHandle handle) {
     std::vector<OpenStore> stores;
     search(handle, [&](const OpenFile& file) -> const OpenFile* {

@@ -20,6 +20,9 @@ std::string currentLanguage();
 std::shared_ptr<const DialogLayout> findDialogLayout(RscHandle file, int32_t dialogId);
 std::shared_ptr<const Icon> findIcon(RscHandle file, int32_t iconId);
 
+// What mcrsc made in an open file, kept alive with it; null for a handle that isn't open.
+std::shared_ptr<const ResourceContents> contentsOf(RscHandle file);
+
 // What applications keep in an open file; lives until the file is closed.
 struct OpenStore {
     RscHandle file;
@@ -28,8 +31,8 @@ struct OpenStore {
 };
 // The store of that handle, or all in order of search.
 std::vector<OpenStore> openStores(RscHandle file);
-// Runs a body that writes to the store of a handle. A status of host/mdl/resource.h; the reason of a failure goes to the
-// message centre.
+// Runs a body that writes to the store of a handle. A status of host/mdl/resource.h; the reason of a failure goes to
+// the message centre.
 int writeTo(RscHandle file, const std::function<void(ResourceStore&)>& body) noexcept;
 
 }  // namespace host

@@ -264,12 +264,13 @@ std::vector<BlockHead> ResourceStore::blocks() {
     });
 }
 
-std::vector<int32_t> ResourceStore::lists() {
+std::vector<ListHead> ResourceStore::lists() {
     return attempt([&] {
-        std::vector<int32_t> all;
+        std::vector<ListHead> all;
         if (!hasTable("list")) return all;
-        Statement rows(reading(), "SELECT id FROM list ORDER BY id");
-        while (rows.step()) all.push_back(static_cast<int32_t>(rows.integer(0)));
+        Statement rows(reading(), "SELECT id, members, name FROM list ORDER BY id");
+        const auto number = [&](int column) { return static_cast<int32_t>(rows.integer(column)); };
+        while (rows.step()) all.push_back({number(0), number(1), std::string(rows.text(2))});
         return all;
     });
 }

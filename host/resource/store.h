@@ -45,6 +45,11 @@ struct BlockHead {
     std::string name;
 };
 
+struct ListHead {
+    int32_t id, members;
+    std::string name;
+};
+
 class HOST_EXPORT ResourceStore {
   public:
     explicit ResourceStore(std::string path);  // of a resource file that was read; it is opened when it is needed
@@ -63,7 +68,7 @@ class HOST_EXPORT ResourceStore {
     void put(Put how, int32_t id, const StoredList& list, std::string_view name);
 
     std::vector<BlockHead> blocks();  // all, in order of type and id
-    std::vector<int32_t> lists();     // ids
+    std::vector<ListHead> lists();    // all, in order of id
     std::string title();
 
     // Takes away all content, that of container.h too, and sets the title.
