@@ -115,7 +115,8 @@ TEST_F(ExampleForms, FilledTextsKeepClearOfEachOtherAndOfTheEdge) {
         ASSERT_EQ(mdlElmdscr_computeRange(&low, &high, page, nullptr), MDL_SUCCESS);
         EXPECT_NEAR(high.x - low.x, c.width * 10000, 1);
         EXPECT_NEAR(high.y - low.y, c.height * 10000, 1);
-        const std::vector<Text> all = texts();
+        std::vector<Text> all = texts();
+        std::erase_if(all, [](const Text& text) { return text.text == " "; });  // a field without a value
         for (size_t i = 0; i < all.size(); ++i) {
             EXPECT_EQ(all[i].text.find('%'), std::string::npos) << all[i].text;
             for (size_t k = 0; k < i; ++k)
