@@ -77,10 +77,10 @@ int writeText(MSElementBuffer* element, char* text, ModelRef* model, ElementDesc
     cutLines(text);
     if (std::strchr(text, '\n')) {
         *newDescr = makeTextNode(element, text, model);
-        return *newDescr ? MDL_MODIFY_REPLACE_DESCR : MDL_MODIFY_REMOVE;
+        return *newDescr ? MDL_MODIFY_REPLACE_DESCR : MDL_MODIFY_FAILED;
     }
     const int status = mdlText_create(element, element, text, nullptr, nullptr, nullptr, nullptr, 0);
-    return status == MDL_SUCCESS ? MDL_MODIFY_CHANGED : MDL_MODIFY_REMOVE;
+    return status == MDL_SUCCESS ? MDL_MODIFY_CHANGED : MDL_MODIFY_FAILED;
 }
 
 bool isOnLevels(const MSElementBuffer* element, const MdlBitMask* levels) {

@@ -39,7 +39,7 @@ void replaceNode(ElementDescr* node, ElementDescr* by) {
 }
 
 // Asks the function about one element and does what it answers. The result is what stands in the node's place: the
-// node, the first of the new ones, or null.
+// node, or the first of the new ones.
 ElementDescr* modifyNode(Modification& run, ElementDescr* node) {
     ElementDescr* replacement = nullptr;
     mdlElement_memcpy(run.scratch.get(), node->element);
@@ -47,11 +47,9 @@ ElementDescr* modifyNode(Modification& run, ElementDescr* node) {
         case MDL_MODIFY_CHANGED:
             if (setNodeElement(node, run.scratch.get())) ++run.changes;
             return node;
-        case MDL_MODIFY_REMOVE:
-            unlinkNode(node);
-            mdlElmdscr_freeAll(&node);
-            ++run.changes;
-            return nullptr;
+        case MDL_MODIFY_FAILED:
+            reportError("an element couldn't be changed and stays as it was. Look for what its function told.");
+            return node;
         case MDL_MODIFY_REPLACE_DESCR:
             if (!replacement || replacement == node) return node;
             replaceNode(node, replacement);
@@ -61,7 +59,7 @@ ElementDescr* modifyNode(Modification& run, ElementDescr* node) {
     }
 }
 
-// The chain after the run; its first node may be another, and is null when nothing is left.
+// The first node of the chain after the run, which may be another.
 ElementDescr* modifyChain(Modification& run, ElementDescr* first) {
     for (ElementDescr *ed = first, *next; ed; ed = next) {
         next = ed->next;
@@ -70,7 +68,7 @@ ElementDescr* modifyChain(Modification& run, ElementDescr* first) {
             continue;
         }
         ElementDescr* now = modifyNode(run, ed);
-        if (ed == first) first = now ? now : next;
+        if (ed == first) first = now;
     }
     return first;
 }

@@ -9,7 +9,8 @@
 enum {
     MDL_MODIFY_NONE = 0,             /* the element stays */
     MDL_MODIFY_CHANGED = 1,          /* *element was changed in place and takes the place of the old one */
-    MDL_MODIFY_REMOVE = 2,           /* the element goes */
+    MDL_MODIFY_FAILED = 2,           /* the change couldn't be made: the element stays, and a line in the message
+                                        centre tells it */
     MDL_MODIFY_REPLACE_DESCR = 16    /* the new descriptor *newDescrPP, which goes to the host, takes its place */
 };
 /* Which elements the function is asked for. */
@@ -21,8 +22,8 @@ enum { MDL_MODIFY_NO_HEADERS = 1 }; /* all but headers; the components of a head
 typedef int (*MdlModifyFunction)(MSElementBuffer *element, void *userArg, ModelRef *model, ElementDescr *node,
                                  ElementDescr **newDescrPP);
 
-/* Asks for the elements of the chain and their components. Works in memory; *edPP may change, and is null when all was
- * removed. `model` goes to the function; `reserved` is 0. The number of changes; 0 too when nothing could be asked. */
+/* Asks for the elements of the chain and their components. Works in memory; *edPP may change. `model` goes to the
+ * function; `reserved` is 0. The number of changes; 0 too when nothing could be asked. */
 MDL_EXPORT int mdlModify_elementDescr2(ElementDescr **edPP, ModelRef *model, int32_t request, MdlModifyFunction f,
                                        void *userArg, int32_t reserved);
 /* Asks for the element at `position` of the model (null: the active one), or for its components when it is a header,

@@ -89,13 +89,9 @@ void addAsLastChild(ElementDescr* parent, ElementDescr* child) {
     parent->lastChild = child;
 }
 
-// Writes what a modification made of the element at the position; null when it took it away.
+// Writes what a modification made of the element at the position.
 bool storeModified(ModelRef& model, ElementDescr* ed, FilePos position) {
     if (writableModel(&model) == nullptr) return false;
-    if (ed == nullptr) {
-        removeUnit(model, position);
-        return true;
-    }
     for (ElementDescr* node = ed; node != nullptr; node = node->next) node->model = &model;
     mdlElmdscr_validate(ed, &model);
     return mdlElmdscr_rewrite(ed, position) != 0;

@@ -180,10 +180,13 @@ TEST_F(Descriptors, ComplexShapeIsStrokedAsOneClosedRun) {
     EXPECT_EQ(mdlElmdscr_stroke(&points, &count, tree.ed, 0), MDL_ERROR);
 }
 
-// Leaves, changes, removes or replaces by colour.
+// Leaves, changes, fails to change or replaces by colour.
 int modify(MSElementBuffer* e, void*, ModelRef*, ElementDescr*, ElementDescr** newDescrPP) {
     const int32_t color = e->head.color;
-    if (color == 1) return MDL_MODIFY_REMOVE;
+    if (color == 1) {
+        e->head.color = 4;
+        return MDL_MODIFY_FAILED;
+    }
     if (color == 5) {
         Point3d many[100];
         for (int i = 0; i < 100; ++i) many[i] = {static_cast<double>(i), 0, 0};
@@ -199,21 +202,14 @@ int modify(MSElementBuffer* e, void*, ModelRef*, ElementDescr*, ElementDescr** n
     return MDL_MODIFY_REPLACE_DESCR;
 }
 
-TEST_F(Descriptors, ModifyChangesRemovesAndReplaces) {
+TEST_F(Descriptors, ModifyChangesAndReplaces) {
     makeTree();
-    EXPECT_EQ(mdlModify_elementDescr2(&tree.ed, nullptr, MDL_MODIFY_NO_HEADERS, modify, nullptr, 0), 3);
-    EXPECT_EQ(colors(tree.ed), "277486");
-    expectWhole(tree.ed);
-    ASSERT_EQ(mdlElmdscr_appendElement(tree.ed->next, line(9)), MDL_SUCCESS);
-    EXPECT_EQ(colors(tree.ed), "2774869");
-    EXPECT_EQ(mdlElmdscr_validate(tree.ed, nullptr), MDL_SUCCESS);
-}
-
-TEST_F(Descriptors, ModifyMayRemoveAll) {
-    mdlElmdscr_new(&tree.ed, nullptr, line(1));
-    mdlElmdscr_appendElement(tree.ed, buffer);
     EXPECT_EQ(mdlModify_elementDescr2(&tree.ed, nullptr, MDL_MODIFY_NO_HEADERS, modify, nullptr, 0), 2);
-    EXPECT_EQ(tree.ed, nullptr);
+    EXPECT_EQ(colors(tree.ed), "1277486");
+    expectWhole(tree.ed);
+    ASSERT_EQ(mdlElmdscr_appendElement(tree.ed->next->next, line(9)), MDL_SUCCESS);
+    EXPECT_EQ(colors(tree.ed), "12774869");
+    EXPECT_EQ(mdlElmdscr_validate(tree.ed, nullptr), MDL_SUCCESS);
 }
 
 }  // namespace
