@@ -11,6 +11,7 @@
 #include "host/model/cell_library.h"
 #include "host/model/container.h"
 #include "host/model/model.h"
+#include "host/model/recent_libraries.h"
 #include "host/session/guard.h"
 #include "host/session/session.h"
 #include "host/system/paths.h"
@@ -33,8 +34,9 @@ struct MdlModelIterator {
 namespace host {
 namespace {
 
-// Lives for the process; emptied when a session ends.
+// Both live for the process and are emptied when a session ends.
 MdlCellLibrary attached;
+RecentLibraries recent;
 
 void publishAttached() {
     const std::string name = attached.library ? hostName(attached.library->path()) : std::string();
@@ -46,8 +48,13 @@ void detach() {
     publishAttached();
 }
 
+void endSession() {
+    detach();
+    recent.clear();
+}
+
 void watchSession() {
-    static const bool watching = (observeSessionEnd(detach), true);
+    static const bool watching = (observeSessionEnd(endSession), true);
     (void)watching;
 }
 
@@ -57,7 +64,7 @@ std::shared_ptr<const CellLibrary> load(const char* name) {
     if (hostName(path).size() >= sizeof tcbP->cellLibraryName) {
         throw FileProblem("its full name is longer than 255 characters. Move it to a folder with a shorter name.");
     }
-    return std::make_shared<CellLibrary>(path);
+    return recent.load(path);
 }
 
 int copyText(wchar_t* to, int32_t size, const std::wstring& text) {

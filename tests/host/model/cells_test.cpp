@@ -2,8 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <thread>
 
 #include "host/mdl/cell.h"
 #include "host/mdl/level.h"
@@ -295,6 +297,22 @@ TEST_F(Cells, WritingReplacesAFileWholeOrNotAtAll) {
     EXPECT_THROW(CellFile().add(L"C").write(path("folder.cel")), std::runtime_error);
     for (const auto& entry : std::filesystem::directory_iterator(std::filesystem::path(path("a.cel")).parent_path()))
         EXPECT_EQ(entry.path().string().find(".draft"), std::string::npos) << entry.path();
+}
+
+TEST_F(Cells, ALibraryThatIsAttachedAgainIsReadAsItIsNow) {
+    CellFile().add(L"OLD").write(path("a.cel"));
+    CellFile().add(L"NEW").write(path("new.cel"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(80));  // so that they count as unchanged
+    for (const char* name : {"a.cel", "new.cel", "a.cel"}) ASSERT_EQ(attach(name), MDL_SUCCESS);
+    EXPECT_EQ(names(), std::vector<std::wstring>{L"OLD"});
+    ASSERT_EQ(attach("new.cel"), MDL_SUCCESS);
+    ASSERT_EQ(std::filesystem::file_size(path("a.cel")), std::filesystem::file_size(path("new.cel")));
+    std::filesystem::copy_file(path("new.cel"), path("a.cel"), std::filesystem::copy_options::overwrite_existing);
+    ASSERT_EQ(attach("a.cel"), MDL_SUCCESS);
+    EXPECT_EQ(names(), std::vector<std::wstring>{L"NEW"});
+    std::filesystem::remove(path("a.cel"));
+    ASSERT_EQ(attach("new.cel"), MDL_SUCCESS);
+    EXPECT_EQ(attach("a.cel"), MDL_ERROR);
 }
 
 TEST_F(Cells, EndingTheSessionDetaches) {
