@@ -112,14 +112,21 @@ bool choose(Dialog& dialog, size_t index, std::string_view value) {
     return row != rows.end() && dialog.setValue(index, std::to_string(row->value));
 }
 
+// A row by the text in its first column, else by its number.
+bool selectRow(Dialog& dialog, size_t index, std::string_view value) {
+    const DialogItem& item = dialog.items()[index];
+    const std::string wanted = folded(value);
+    for (int32_t row = 0; row < Dialog::rowCount(item); ++row)
+        if (folded(Dialog::cellText(item, row, 0)) == wanted) return dialog.selectRow(index, row);
+    const auto number = numberIn(value);
+    return number && *number >= 1 && *number <= INT32_MAX && dialog.selectRow(index, static_cast<int32_t>(*number) - 1);
+}
+
 bool setItem(Dialog& dialog, size_t index, std::string_view value) {
     switch (dialog.items()[index].kind) {
         case ITEM_OPTION_BUTTON: return choose(dialog, index, value);
         case ITEM_COMBO_BOX:
-        case ITEM_LIST_BOX: {
-            const auto row = numberIn(value);
-            return row && *row >= 1 && *row <= INT32_MAX && dialog.selectRow(index, static_cast<int32_t>(*row) - 1);
-        }
+        case ITEM_LIST_BOX: return selectRow(dialog, index, value);
         case ITEM_PUSH_BUTTON: return false;
         default: return dialog.setValue(index, value);
     }
