@@ -2,15 +2,16 @@
 //
 // A modal dialog is shown as text: its title, what its hooks drew in reading order, its items. Whoever answers gives
 // the number of a button or item, the label of a button or its beginning, an empty line for the default button, or
-// "number=value" or "label=value" for a text, a choice or a row of a list; the last two by their text or number. "close"
-// closes the dialog, "size 800x600" draws its window to that size, and "picture FILE.png" makes a picture of it. Dialogs
-// that aren't modal are served once the application has nothing more to do, the last opened first; "window 2" turns to
-// another one.
+// "number=value" or "label=value" for a text, a choice or a row of a list; the last two by their text or number.
+// "close" closes the dialog, "size 800x600" draws its window to that size, and "picture FILE.png" makes a picture of
+// it. Dialogs that aren't modal are served once the application has nothing more to do, the last opened first; "window
+// 2" turns to another one.
 //
 // Answers come from a file first, line by line; then, with `yes`, the first button is pressed everywhere; then the
-// terminal is asked. Where none of them is there, a dialog with one button that ends it counts as pressed, and any other
-// one is answered by nobody; a dialog that isn't modal is closed, with `yes` once its first button was pressed. A command
-// is given points and resets as lines in the same way; `yes` gives each command one point, the origin in view 1.
+// terminal is asked. Where none of them is there, a dialog with one button that ends it counts as pressed, and any
+// other one is answered by nobody; a dialog that isn't modal is closed, with `yes` once its first button was pressed. A
+// command is given points and resets as lines in the same way; `yes` gives each command one point, the origin in
+// view 1.
 //
 // A file dialog shows its directory, filter, remembered files and the members of a list, and takes a line: a name or
 // pattern, the number of a remembered file, "-2" to take the second member out of a list, "!" to cancel. On a terminal
