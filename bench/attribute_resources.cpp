@@ -10,6 +10,7 @@
 #include <string>
 
 #include "bench/race.h"
+#include "bench/silent.h"
 #include "elmattr/attributes.h"
 #include "elmattr/resources.h"
 #include "frame/main.h"
@@ -19,15 +20,6 @@ namespace {
 
 constexpr int attributeCount = 10'000;
 constexpr int recordBytes = 1480;
-
-// Nobody looks at what the session says.
-class SilentFrontEnd : public host::FrontEnd {
-  public:
-    void console(std::string_view) override {}
-    void messageField(int, std::string_view) override {}
-    void messageCenter(int, std::string_view, std::string_view) override {}
-    bool runModal(host::Dialog&) override { return false; }
-};
 
 // An application with all attributes, and a folder for both files.
 class Application {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "bench/race.h"
+#include "bench/silent.h"
 #include "forms/formatter.h"
 #include "frame/main.h"
 #include "host/front/front_end.h"
@@ -28,15 +29,6 @@ constexpr int pagesAtATime = 20;
 int registerApplication(int argc, char** argv) {
     return mclibMain_initMcLib("Bench", argc, argv);
 }
-
-// Nobody looks at what the session says.
-class SilentFrontEnd : public host::FrontEnd {
-  public:
-    void console(std::string_view) override {}
-    void messageField(int, std::string_view) override {}
-    void messageCenter(int, std::string_view, std::string_view) override {}
-    bool runModal(host::Dialog&) override { return false; }
-};
 
 // One value of the form: its column and row, and what printf would be given.
 struct Value {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/silent.h"
 #include "frame/main.h"
 #include "host/session/session.h"
 
@@ -14,15 +15,6 @@ constexpr int applicationCount = 49;
 int registerApplication(int argc, char** argv) {
     return mclibMain_initMcLib("bench", argc, argv);
 }
-
-// Nobody looks at what the session says.
-class SilentFrontEnd : public host::FrontEnd {
-  public:
-    void console(std::string_view) override {}
-    void messageField(int, std::string_view) override {}
-    void messageCenter(int, std::string_view, std::string_view) override {}
-    bool runModal(host::Dialog&) override { return false; }
-};
 
 struct Applications {
     Applications() : session(options()) {

@@ -12,6 +12,7 @@
 
 #include "bench/race.h"
 #include "bench/sheet.h"
+#include "bench/silent.h"
 #include "frame/main.h"
 #include "host/front/front_end.h"
 #include "host/mdl/elmdscr.h"
@@ -96,14 +97,6 @@ BENCHMARK(driverAgainstCairo)->Iterations(3)->Unit(benchmark::kMillisecond);
 // ---- the front end ----
 
 constexpr int elementCount = 100'000;
-
-class SilentFrontEnd : public host::FrontEnd {
-  public:
-    void console(std::string_view) override {}
-    void messageField(int, std::string_view) override {}
-    void messageCenter(int, std::string_view, std::string_view) override {}
-    bool runModal(host::Dialog&) override { return false; }
-};
 
 int registerApplication(int argc, char** argv) {
     return mclibMain_initMcLib("bench", argc, argv);
