@@ -174,6 +174,7 @@ class Compiler {
     void drawRepeat(const toml::table& element, const Place& place);
     void addVertices(const toml::table& element, std::vector<Point> vertices, const Place& place, bool closed);
     void append(const toml::node& where, int status, const Pen& pen);
+    bool countElements(const toml::node& where, int32_t more);
 
     struct ElementKind {
         std::string_view key;
@@ -189,7 +190,11 @@ class Compiler {
     std::map<LevelId, Symbology> looks_;  // of these levels
     std::map<std::string, Pen> pens_;
     std::map<std::string, Lettering> letterings_;
-    std::map<std::string, Descr> cells_;
+    struct Made {
+        Descr cell;
+        int32_t elements;
+    };
+    std::map<std::string, Made> cells_;
     std::vector<std::string> order_;
 };
 
@@ -308,12 +313,20 @@ void Compiler::compileLevels(const toml::table& source) {
 // Gives the element in the shared buffer its looks, and appends it to the cell.
 void Compiler::append(const toml::node& where, int status, const Pen& pen) {
     if (status != MDL_SUCCESS) return in_.fault(where, "the element can't be made; check its lengths");
+    if (!countElements(where, 1)) return;
     const auto color = static_cast<uint32_t>(pen.look.color), weight = static_cast<uint32_t>(pen.look.weight);
     const LevelId level = draft_.level(wideOf(pen.level));
     mdlElement_setSymbology(dgnBufP, &color, &weight, &pen.look.style);
     mdlElement_setProperties(dgnBufP, &level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
     if (mdlElmdscr_appendElement(cell_, dgnBufP) != MDL_SUCCESS) in_.fault(where, "memory has run out");
-    if (++elements_ > mostElements) in_.fault(where, "a cell has at most 100000 elements");
+}
+
+// False, and a fault told, when the cell would have too many.
+bool Compiler::countElements(const toml::node& where, int32_t more) {
+    elements_ += more;
+    if (elements_ <= mostElements) return true;
+    in_.fault(where, "a cell has at most 100000 elements, those of the cells in it included");
+    return false;
 }
 
 void Compiler::addVertices(const toml::table& element, std::vector<Point> vertices, const Place& place, bool closed) {
@@ -447,11 +460,13 @@ void Compiler::drawCell(const toml::table& element, const Place& place) {
     if (!name) return;
     const auto found = cells_.find(*name);
     if (found == cells_.end()) return in_.fault(element, "no cell " + inQuotes(*name) + " stands further up");
+    const auto& [cell, elements] = found->second;
+    if (!countElements(element, elements)) return;
     Transform transform;
     if (element.get("box")) {
         const auto b = in_.box(element, "box");
         Point3d low, high;
-        if (!b || mdlElmdscr_computeRange(&low, &high, found->second.get(), nullptr) != MDL_SUCCESS) return;
+        if (!b || mdlElmdscr_computeRange(&low, &high, cell.get(), nullptr) != MDL_SUCCESS) return;
         const auto& [x, y] = place.offset;
         transform = fitting({b->left + x, b->bottom + y, b->right + x, b->top + y}, low, high);
     } else {
@@ -463,8 +478,7 @@ void Compiler::drawCell(const toml::table& element, const Place& place) {
         transform = placing({at->x + place.offset.x, at->y + place.offset.y}, *scale, *angle);
     }
     ElementDescr* copy = nullptr;
-    if (mdlElmdscr_duplicate(&copy, found->second.get()) != MDL_SUCCESS)
-        return in_.fault(element, "memory has run out");
+    if (mdlElmdscr_duplicate(&copy, cell.get()) != MDL_SUCCESS) return in_.fault(element, "memory has run out");
     Descr owner(copy);
     if (mdlElmdscr_transform(copy, &transform) != MDL_SUCCESS)
         return in_.fault(element, "the cell would be too large there");
@@ -533,7 +547,7 @@ void Compiler::compileCell(const toml::table& source) {
     else if (!draft_.add(made))
         in_.fault(source, "it is too large");
     else
-        order_.push_back(*name), cells_.emplace(*name, std::move(cell));
+        order_.push_back(*name), cells_.emplace(*name, Made{std::move(cell), elements_});
 }
 
 void Compiler::compile(const std::string& path) {
@@ -593,7 +607,7 @@ bool Compiler::writePictures(const std::string& folder) {
     std::error_code failed;
     std::filesystem::create_directories(folder, failed);
     for (const std::string& name : order_) {
-        ElementDescr* cell = cells_.at(name).get();
+        ElementDescr* cell = cells_.at(name).cell.get();
         Point3d low, high;
         mdlElmdscr_operation(cell, showByLevel, this, allElements);
         if (mdlElmdscr_computeRange(&low, &high, cell, nullptr) != MDL_SUCCESS) continue;

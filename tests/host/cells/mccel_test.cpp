@@ -199,6 +199,10 @@ TEST_F(Mccel, EachFaultIsOneLineAndTheOldFileStays) {
         {cellOf("{ text = \"a\", at = [0, 0], align = \"middel\" }"), "\"align\" must be of left"},
         {cellOf("{ text = \"a\", at = [0, 0], height = 0 }"), "\"height\" must be above 0"},
         {cellOf("{ cell = \"C\", at = [0, 0] }"), "no cell \"C\" stands further up"},
+        {cellOf("{ repeat = 200, step = [1, 0], draw = [{ line = [[0, 0], [1, 1]] }] }") +
+             "[[cell]]\nname = \"D\"\ndraw = [{ repeat = 501, step = [1, 0], draw = [{ cell = \"C\", at = [0, 0] }] "
+             "}]\n",
+         "cell \"D\": a cell has at most 100000 elements"},
         {cellOf("{ repeat = 0, step = [0, 1], draw = [] }"), "\"repeat\" must be a whole number from 1 to 1000"},
         {cellOf("{ repeat = 2, draw = [] }"), "a repeat needs step"},
         {cellOf("{ square = 1 }"), "an element is a line, rect"},
