@@ -26,25 +26,36 @@ std::string withDoubledPercents(const char* text) {
     return doubled;
 }
 
-void insertDate(FormData* form) {
-    int year = 0, month = 0, day = 0;
+// A moment in numbers and names.
+struct Moment {
+    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+    std::string weekDay, monthName;
+};
+
+Moment present() {
+    Moment now;
     char* name = nullptr;  // in a buffer that the next name overwrites
-    mclibUtil_getDateAndTime(&year, &month, &day, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-    insertNumber(form, "date", 0, "%d", day);
-    insertNumber(form, "date", 1, "%02d", day);
-    mclibUtil_getDateAndTime(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &name, nullptr);
-    insertText(form, "date", 2, name);
     mclibUtil_getDateAndTime(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &name);
-    insertText(form, "date", 3, name);
-    insertNumber(form, "date", 4, "%d", month);
-    insertNumber(form, "date", 5, "%02d", month);
-    insertNumber(form, "date", 6, "%d", year);
-    insertNumber(form, "date", 7, "%02d", year % 100);
+    now.monthName = name;
+    mclibUtil_getDateAndTime(&now.year, &now.month, &now.day, &now.hour, &now.minute, &now.second, nullptr, &name,
+                             nullptr);
+    now.weekDay = name;
+    return now;
 }
 
-void insertTime(FormData* form) {
-    int parts[3] = {};
-    mclibUtil_getDateAndTime(nullptr, nullptr, nullptr, &parts[0], &parts[1], &parts[2], nullptr, nullptr, nullptr);
+void insertDate(FormData* form, const Moment& now) {
+    insertNumber(form, "date", 0, "%d", now.day);
+    insertNumber(form, "date", 1, "%02d", now.day);
+    insertText(form, "date", 2, now.weekDay.c_str());
+    insertText(form, "date", 3, now.monthName.c_str());
+    insertNumber(form, "date", 4, "%d", now.month);
+    insertNumber(form, "date", 5, "%02d", now.month);
+    insertNumber(form, "date", 6, "%d", now.year);
+    insertNumber(form, "date", 7, "%02d", now.year % 100);
+}
+
+void insertTime(FormData* form, const Moment& now) {
+    const int parts[] = {now.hour, now.minute, now.second};
     for (int i = 0; i < 3; ++i) {
         insertNumber(form, "time", 2 * i, "%d", parts[i]);
         insertNumber(form, "time", 2 * i + 1, "%02d", parts[i]);
@@ -67,6 +78,7 @@ void mclibMatList_insertFileName(const char* path, const char* name, FormData* f
 void mclibMatList_insertSystemData(FormData* form) {
     if (!form) return;
     mclibMatList_insertFileName(tcbP->designFileName, "file", form);
-    insertDate(form);
-    insertTime(form);
+    const Moment now = present();  // one for both, so that they agree at midnight
+    insertDate(form, now);
+    insertTime(form, now);
 }
