@@ -9,8 +9,7 @@ namespace forms {
 
 int getFormCell(ElementDescr** out, const char* cellName, const char* library, int cellOption) {
     *out = nullptr;
-    if (!library || mclibCell_loadCellLibraryIfNeeded(library) != MCLIB_SUCCESS)
-        return MCLIB_FORM_NO_LIBRARY;
+    if (!library || mclibCell_loadCellLibraryIfNeeded(library) != MCLIB_SUCCESS) return MCLIB_FORM_NO_LIBRARY;
     const wchar_t* name = mclibUtil_convertToUnicodeText(cellName ? cellName : "");
     const int status = mdlCell_getElmDscr(out, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                           cellOption, name, nullptr);

@@ -124,9 +124,8 @@ int storeText(FormValue& value, const char* text) {
 
 int reportMismatch(const FormData& field, int row, int type) {
     toolSubsystem_printf(
-        "Forms: the value for row %d of field %s isn't stored: it is of type %d and the field of type %d. Insert it "
-        "with "
-        "the type that the field began with, or under another name.\n",
+        "Forms: the value for row %d of field %s isn't stored: it is of type %d and the field of type %d. "
+        "Insert it with the type that the field began with, or under another name.\n",
         row, field.name, type, field.type);
     return NOT_STORED;
 }

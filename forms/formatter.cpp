@@ -107,7 +107,7 @@ FieldIndex::FieldIndex(const FormData* form) : last_(form) {
     }
     buckets_.assign(std::bit_ceil(2 * entries_.size() + 1), none);
     for (size_t i = entries_.size(); i-- > 0;) {  // from the end, so that each bucket is in order of the list
-        uint32_t& bucket = buckets_[std::rotl(entries_[i].key * 0x9E3779B1u, 16) & (buckets_.size() - 1)];
+        uint32_t& bucket = buckets_[bucketOf(entries_[i].key)];
         entries_[i].next = bucket;
         bucket = static_cast<uint32_t>(i);
     }
@@ -121,8 +121,8 @@ uint32_t FieldIndex::keyOf(const char* name) const {
     return key;
 }
 
-uint32_t FieldIndex::firstOf(uint32_t key) const {
-    return buckets_.empty() ? none : buckets_[std::rotl(key * 0x9E3779B1u, 16) & (buckets_.size() - 1)];
+size_t FieldIndex::bucketOf(uint32_t key) const {
+    return std::rotl(key * 0x9E3779B1u, 16) & (buckets_.size() - 1);
 }
 
 bool FieldIndex::matches(const FormData& field, const char* name) const {

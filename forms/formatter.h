@@ -39,7 +39,8 @@ class FieldIndex {
         FormData* field;
     };
     uint32_t keyOf(const char* name) const;
-    uint32_t firstOf(uint32_t key) const;
+    size_t bucketOf(uint32_t key) const;
+    uint32_t firstOf(uint32_t key) const { return buckets_.empty() ? none : buckets_[bucketOf(key)]; }
     bool matches(const FormData& field, const char* name) const;
 
     const FormData* last_ = nullptr;
