@@ -1,9 +1,12 @@
 #include "host/resource/store.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <iterator>
 #include <system_error>
 #include <utility>
@@ -316,9 +319,30 @@ void prepare(const std::string& path, std::string_view title) {
     transaction.commit();
 }
 
-// False when another process has taken the name.
-bool makeFile(const std::string& path, std::string_view title) {
+// Lets one process at a time make files in a folder. Where the file system has no locks, nobody waits.
+class FolderLock {
+  public:
+    explicit FolderLock(const std::string& path) {
+        const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+        folder_ = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        if (folder_ >= 0) flock(folder_, LOCK_EX);
+    }
+    ~FolderLock() {
+        if (folder_ >= 0) close(folder_);
+    }
+    FolderLock(const FolderLock&) = delete;
+    FolderLock& operator=(const FolderLock&) = delete;
+
+  private:
+    int folder_;
+};
+
+}  // namespace
+
+void makeResourceFile(const std::string& path, std::string_view title) {
     requireFolder(path);
+    const FolderLock lock(path);
+    if (access(path.c_str(), F_OK) == 0) return;
     // The log of a file that was removed would be taken for the new file's own.
     for (const char* companion : {"-wal", "-shm", "-journal"}) unlink((path + companion).c_str());
     const std::string temporary = temporaryName(path);
@@ -327,7 +351,7 @@ bool makeFile(const std::string& path, std::string_view title) {
         prepare(temporary, title);
         publishFile(temporary, path);
     } catch (const std::system_error& error) {
-        if (error.code() == std::errc::file_exists) return false;
+        if (error.code() == std::errc::file_exists) return;
         failWith(path,
                  {"can't be made (" + error.code().message() + "); check the name, its folder and the disk",
                   error.code() == std::errc::permission_denied || error.code() == std::errc::read_only_file_system});
@@ -338,10 +362,7 @@ bool makeFile(const std::string& path, std::string_view title) {
         unlink(temporary.c_str());
         failWith(path, {"it can't be made; make sure that there is room on the disk, and try again"});
     }
-    return true;
 }
-
-}  // namespace
 
 void createResourceFile(const std::string& path, std::string_view title) {
     struct stat info;
@@ -350,7 +371,7 @@ void createResourceFile(const std::string& path, std::string_view title) {
     if (exists && access(path.c_str(), W_OK) != 0)
         failWith(path, {"the file can't be written to; check its permissions, or give another name", true});
     if (exists && info.st_size == 0) exists = unlink(path.c_str()) != 0;  // nothing is lost
-    if (!exists && makeFile(path, title)) return;
+    if (!exists) return makeResourceFile(path, title);
     readContainer(path);  // throws for what isn't a sound resource file
     ResourceStore(path).clear(title);
 }

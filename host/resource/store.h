@@ -89,6 +89,9 @@ class HOST_EXPORT ResourceStore {
     bool writable_ = false;  // the tables are there and the log is on
 };
 
+// Makes a resource file without content. Whatever bears the name already stays, with what is in it: another process may
+// have made it at the same time. Throws StoreFailure.
+HOST_EXPORT void makeResourceFile(const std::string& path, std::string_view title);
 // Makes a resource file without content under a name that is free, or empties the resource file of that name. Any other
 // file is left as it is. Throws StoreFailure or ResourceError.
 HOST_EXPORT void createResourceFile(const std::string& path, std::string_view title);

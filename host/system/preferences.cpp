@@ -3,6 +3,7 @@
 
 #include "host/mdl/files.h"
 #include "host/mdl/resource.h"
+#include "host/resource/store.h"
 #include "host/session/guard.h"
 #include "host/session/state.h"
 #include "host/system/paths.h"
@@ -21,7 +22,7 @@ fs::path preferenceFile() {
 void makeFile(const fs::path& path) {
     std::error_code ignored;  // what fails here fails again when the file is made
     fs::create_directories(path.parent_path(), ignored);
-    mdlResource_createFile(hostName(path.string()).c_str(), "Preferences", MDL_RSC_WRITE);
+    makeResourceFile(path, "Preferences");
 }
 
 }  // namespace
@@ -29,6 +30,7 @@ void makeFile(const fs::path& path) {
 }  // namespace host
 
 int mdlDialog_userPrefFileOpen(RscHandle* handleP, int mode) {
+    if (handleP) *handleP = 0;
     return host::guarded<int>(MDL_ERROR, [&] {
         const host::fs::path path = host::preferenceFile();
         std::error_code error;
