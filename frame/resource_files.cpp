@@ -44,8 +44,10 @@ void tellSmall(const McHandle& h, int32_t type, int32_t id, int32_t stored, int 
 int mclibResource_openFile(McHandle* h, const char* name, int mode) {
     if (!h || !name) return MCLIB_ERROR;
     copyText(h->name, name);
-    if (mdlResource_openFile(&h->handle, h->name, mode) == MDL_SUCCESS) return MCLIB_SUCCESS;
-    if (mode != MDL_RSC_READ && makeAndOpen(*h, mode)) return MCLIB_SUCCESS;
+    h->handle = 0;
+    const bool whole = std::strlen(name) < sizeof h->name;  // a name that was cut is another file's
+    if (whole && mdlResource_openFile(&h->handle, h->name, mode) == MDL_SUCCESS) return MCLIB_SUCCESS;
+    if (whole && mode != MDL_RSC_READ && makeAndOpen(*h, mode)) return MCLIB_SUCCESS;
     return fail(mode != MDL_RSC_READ ? CANT_MAKE : CANT_READ, *h);
 }
 

@@ -18,7 +18,7 @@ typedef struct McHandle {
 /* ---- resource files ---- */
 
 /* Opens `name`, which is kept in h, for reading (mode 0) or writing; for writing, a file that can't be opened is made.
- * No file that is there loses its content by that. */
+ * No file that is there loses its content by that. A name of more than 255 characters is refused. */
 MCLIB_EXPORT int mclibResource_openFile(McHandle* h, const char* name, int mode);
 MCLIB_EXPORT int mclibResource_closeFile(McHandle* h);
 /* Stores `size` bytes under type and id. A resource that is there already keeps its size and its further bytes; when it

@@ -104,9 +104,7 @@ void mclibUpf_open(McHandle* out, const char* variable, const char* defaultName)
     mdlFile_parseName(hostFile, device, directory, nullptr, nullptr);
     if (!variable || mdlSystem_getenv(name, variable, sizeof name) != MDL_SUCCESS)
         copyText(name, defaultName ? defaultName : "");
-    char path[256];
-    mdlFile_buildName(path, device, directory, name, nullptr);
-    mclibUpf_openWithPath(out, path);
+    mclibUpf_openWithPath(out, (std::string(device) + directory + name).c_str());
 }
 
 int mclibUpf_openWithPath(McHandle* out, const char* path) {

@@ -129,6 +129,15 @@ TEST_F(ResourceFiles, AStringListTakesThePlaceOfTheOneBefore) {
     }
 }
 
+TEST_F(ResourceFiles, ANameThatIsTooLongIsRefusedAndNotCut) {
+    const std::string longName = path(std::string(250 - path("").size(), 'n') + "-and-more.rsc");
+    McHandle h = {7, ""};
+    EXPECT_EQ(mclibResource_openFile(&h, longName.c_str(), 1), MCLIB_ERROR);
+    EXPECT_THAT(box(), HasSubstr("can't be opened:"));
+    EXPECT_EQ(h.handle, 0);
+    EXPECT_FALSE(std::filesystem::exists(longName.substr(0, 255)));
+}
+
 // ---- the preference file ----
 
 TEST_F(ResourceFiles, ThePreferenceFileStandsBesideTheHostsOne) {
