@@ -15,8 +15,8 @@ MCLIB_EXPORT int mclibWin32_execCommandAndWait(const char *command, const char *
  * it is longer than `size` bytes. The kind of value goes to *type, which may be null: 1 text, 3 bytes, 4 number. */
 MCLIB_EXPORT uint32_t mclibWin32_getRegistryValue(const char *key, const char *value, uint32_t *type, void *data,
                                                   uint32_t size);
-/* The network name of a file that lies on a network drive, at most 259 characters. 1, or 0, with `universalName`
- * untouched, for a local path. */
+/* The network name of a file that lies on a network drive, at most 251 characters. 1, or 0, with `universalName`
+ * untouched, for a local path or a longer name. */
 MCLIB_EXPORT int mclibWin32_getGetUniversalFileName(const char *path, char *universalName);
 
 #endif
