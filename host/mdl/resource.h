@@ -24,9 +24,10 @@ enum { MDL_RSC_READ_ONLY = -906 /* the file was opened for reading, or it or its
 
 /* ---- files ---- */
 
-/* Makes a resource file without content, which then has to be opened. A resource file of that name is emptied; a file
- * that is no resource file, is damaged, of a newer make or write-protected is left as it is. `title` (may be null) says
- * what the file holds. `mode` is MDL_RSC_WRITE. A name without an extension is taken as it is. */
+/* Makes a resource file without content, which then has to be opened. A resource file of that name is emptied, except
+ * one that another process makes at the same time: it does for both. A file that is no resource file, is damaged, of a
+ * newer make or write-protected is left as it is. `title` (may be null) says what the file holds. `mode` is
+ * MDL_RSC_WRITE. A name without an extension is taken as it is. */
 MDL_EXPORT int mdlResource_createFile(const char *name, const char *title, int mode);
 /* Opens a resource file of the current application. A null name means the application's own: the .rsc file of the same
  * name beside its module, or, when it has none, the file that the configuration variable MS_APPRSC names. That one is
