@@ -57,7 +57,8 @@ int mclibResource_closeFile(McHandle* h) {
 
 int mclibResource_add(McHandle* h, int32_t type, int32_t id, const void* data, int size, int32_t attributes) {
     if (!h || size < 0 || (!data && size > 0)) return MCLIB_ERROR;
-    void* block = mdlResource_load(h->handle, type, id);
+    // With the handle 0 of a file that isn't open, the host would find a block of some other file to write over.
+    void* block = h->handle != 0 ? mdlResource_load(h->handle, type, id) : nullptr;
     if (!block) return checked(mdlResource_add(h->handle, type, id, data, size, attributes, h->name), *h);
     int status = MDL_ERROR;
     if (size <= mdlResource_size(block)) {

@@ -91,6 +91,17 @@ TEST_F(ResourceFiles, AResourceIsAddedOnceAndThenWrittenOver) {
     EXPECT_THAT(front().messages[0].brief, HasSubstr("6 bytes, 7 are needed"));
 }
 
+TEST_F(ResourceFiles, AFileThatIsntOpenIsntConfusedWithAnother) {
+    McHandle other = {}, closed = {};
+    ASSERT_EQ(mclibResource_openFile(&other, path("a.rsc").c_str(), 1), MCLIB_SUCCESS);
+    EXPECT_EQ(mclibResource_add(&other, type, 1, "abc", 3, 0), MCLIB_SUCCESS);
+    EXPECT_EQ(mclibResource_add(&closed, type, 1, "xyz", 3, 0), MCLIB_ERROR);
+    EXPECT_THAT(box(), HasSubstr("couldn't be written"));
+    char read[4] = {};
+    EXPECT_EQ(mclibResource_load(&other, type, 1, read, 3), MCLIB_SUCCESS);
+    EXPECT_STREQ(read, "abc");
+}
+
 TEST_F(ResourceFiles, WritingToAFileThatIsOpenForReadingShowsThatItIsProtected) {
     McHandle h = {};
     mclibResource_openFile(&h, path("a.rsc").c_str(), 1);
