@@ -110,24 +110,12 @@ bool fenceIn(const PlotPage& page, int32_t view) {
            mdlFence_fromShape(dgnBufP) == MDL_SUCCESS;
 }
 
-std::string textOf(const MdlPlotter* plotter, int32_t which) {
-    char text[MDL_PLOT_TEXT_BYTES] = "";
-    return mdlPlotter_getString(text, plotter, which) > 0 ? text : "";
-}
-
-bool isSet(const MdlPlotter* plotter, int32_t which) {
-    int32_t value = 0;
-    return mdlPlotter_getInt(&value, plotter, which) == MDL_SUCCESS && value != 0;
-}
-
 // The file of the page; empty for a system printer.
 std::string fileFor(MdlPlotDesc* descr, const PlotPage& page) {
     const MdlPlotter* plotter = mdlPlotDesc_getPlotter(descr);
-    if (isSet(plotter, MDL_PLOTTER_IS_SYSTEM)) return {};
-    const std::string extension = textOf(plotter, MDL_PLOTTER_EXTENSION);
-    const std::string name = textOf(plotter, MDL_PLOTTER_OUTPUT_NAME);
-    const bool hasName = isSet(plotter, MDL_PLOTTER_HAS_OUTPUT_NAME) && !name.empty();
-    return hasName ? name + extension : print::plotFileName(page.name, extension);
+    if (print::plotsToSystem(plotter)) return {};
+    const std::string file = print::plotterFile(plotter);
+    return file.empty() ? print::plotFileName(page.name, print::plotterExtension(plotter)) : file;
 }
 
 bool plotPage(MdlPlotDesc* descr, const PlotPage& page) {

@@ -1,10 +1,19 @@
-// Names of plot files. For this folder and for those that plot pages.
+// Where plots go. For this folder and for those that plot pages.
 #pragma once
 
 #include <string>
 #include <string_view>
 
+#include "host/mdl/plot.h"
+
 namespace print {
+
+// Whether the plotter's plots go to a system printer, and not to files; a null plotter has none.
+bool plotsToSystem(const MdlPlotter* plotter);
+// The suffix of the plotter's files; empty for none and for a null plotter.
+std::string plotterExtension(const MdlPlotter* plotter);
+// The file that the plotter names for its plots, with the suffix; empty when it names none, and for a null plotter.
+std::string plotterFile(const MdlPlotter* plotter);
 
 // The file of a page's plot: in the folder of MS_PLTFILES, or of MS_TMP when that isn't defined, the open design file's
 // name without its extension, "_" and the page's name; then the plotter's extension, with or without its dot, or "000"

@@ -41,16 +41,6 @@ MdlPlotter* plotterOf(const GlobalData& data) {
     return data.plotDescr ? mdlPlotDesc_getPlotter(plotOf(data)) : nullptr;
 }
 
-bool flagOf(const MdlPlotter* plotter, int32_t which) {
-    int32_t value = 0;
-    return plotter && mdlPlotter_getInt(&value, plotter, which) == MDL_SUCCESS && value != 0;
-}
-
-std::string textOf(const MdlPlotter* plotter, int32_t which) {
-    char text[MDL_PLOT_TEXT_BYTES] = "";
-    return plotter && mdlPlotter_getString(text, plotter, which) > 0 ? text : "";
-}
-
 std::string lowered(std::string text) {
     for (char& c : text) {
         const auto code = static_cast<unsigned char>(c);
@@ -76,12 +66,11 @@ void takeSystemPrinter(const GlobalData& data) {
 }
 
 void takePlotFile(const MdlPlotter* plotter) {
-    const std::string extension = textOf(plotter, MDL_PLOTTER_EXTENSION);
-    const std::string name = textOf(plotter, MDL_PLOTTER_OUTPUT_NAME);
-    if (flagOf(plotter, MDL_PLOTTER_HAS_OUTPUT_NAME) && !name.empty())
-        copyText(mclibpsd->printerName, name + extension);
+    const std::string file = plotterFile(plotter);
+    if (!file.empty())
+        copyText(mclibpsd->printerName, file);
     else
-        nameOfPlotFiles(mclibpsd->printerName, extension);
+        nameOfPlotFiles(mclibpsd->printerName, plotterExtension(plotter));
 }
 
 // ---- the target's items ----
@@ -109,7 +98,7 @@ void narrowUpTo(MdlItem* item, const MdlItem* button) {
 
 void showPlotTarget(const GlobalData& data, const TargetItems& items) {
     const MdlPlotter* plotter = plotterOf(data);
-    const bool toSystem = flagOf(plotter, MDL_PLOTTER_IS_SYSTEM);
+    const bool toSystem = plotsToSystem(plotter);
     if (toSystem) {
         takeSystemPrinter(data);
     } else {
