@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "forms/page_info.h"
 #include "forms/pages.h"
 #include "frame/error.h"
 #include "frame/main.h"
@@ -65,10 +66,15 @@ void printPage(GlobalData& data, ElementDescr* page, bool restore) {
 
 // ---- the pages of a job ----
 
+void printByUser(McUserPrintFunction print, int32_t number) {
+    const KeepEditedBlock keep;
+    print(number);
+}
+
 void printPageOnShow(GlobalData& data) {
     tellPage(pageName(data, data.previewPage));
     if (const McUserPrintFunction print = userPrintFunction())
-        print(data.previewPage);
+        printByUser(print, data.previewPage);
     else
         printPage(data, data.previewDescr, true);
 }
@@ -80,7 +86,7 @@ int32_t printSpan(GlobalData& data, PageSpan span) {
         tellPage(pageName(data, number));
         if (const McUserPrintFunction print = userPrintFunction()) {
             copyText(data.currentPageName, pageName(data, number));
-            print(number);
+            printByUser(print, number);
             ++printed;
             continue;
         }

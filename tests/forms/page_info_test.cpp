@@ -109,6 +109,9 @@ TEST_F(PageInfo, MakingPagesLeavesWhatIsBeingEdited) {
     answers.setValue(ITEM_TEXT, 20013, path("out.ps")).press(-3);
     press(dialog(), 20007);
     EXPECT_EQ(testApplication.made.size(), 3u);
+    mclibPreview_setUserPrintFunction([](int) { set("mclibsd->revs", "Y"); });
+    answers.setValue(ITEM_OPTION_BUTTON, 20012, "1").press(-3);
+    press(dialog(), 20007);
     testApplication.whileMade = nullptr;
     press(info(), saveButton);
     EXPECT_EQ(stored("two"), "H");
