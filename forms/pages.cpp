@@ -107,7 +107,7 @@ PageSpan pagesToPrint(const GlobalData& data) {
     switch (choice.printRange) {
         case printAllPages: return {0, last};
         case printPagesFromTo: return {std::max(choice.firstPage, 0), std::min(choice.lastPage, last)};
-        default: return {data.previewPage, std::min(data.previewPage, last)};
+        default: return {std::max(data.previewPage, 0), std::min(data.previewPage, last)};
     }
 }
 

@@ -48,8 +48,8 @@ bool setPageNames(GlobalData& data, int32_t count, char* const* names);
 void makePage(GlobalData& data, int32_t page, bool inDrawing, ElementDescr** result);
 bool canMakePages();
 
-// The pages that printRange asks for, first and last included, held to those that there are. Empty when last is below
-// first.
+// The pages that printRange asks for, first and last included, held to those that there are. Empty, with last below
+// first, also for the page on show of a preview that was closed in the meantime.
 struct PageSpan {
     int32_t first, last;
 };

@@ -194,6 +194,7 @@ void startPlacing(GlobalData& data, bool forPlot) {
         mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NO_DESIGN_FILE);
         return dropPlot(data);
     }
+    if (!forPlot) dropPlot(data);  // one that still waits for its point
     data.placeForPlot = forPlot ? 1 : 0;
     mdlState_startPrimitive(dataPoint, nullptr, 0, 0);
     mdlState_setFunction(MDL_STATE_RESET, reset);

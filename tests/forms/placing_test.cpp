@@ -92,7 +92,7 @@ TEST_F(PlacingTest, APageFillsThePrintableAreaOfASheetThatHangsAtThePoint) {
     set("mclibpsd->marginBottom", "20");
     openPreview({{"One", 100000, 150000}});
     startPlacing(0, 1);
-    EXPECT_EQ(front().field(2), "Give the place of the page");
+    EXPECT_EQ(front().field(2), "Give the upper left corner of the first sheet");
     host::giveDataPoint({100 * uor, 400 * uor, 0}, 0);
     EXPECT_FALSE(host::commandRuns());
     EXPECT_THAT(sheets(), ElementsAre(std::pair(100.0, 400.0)));
@@ -197,6 +197,15 @@ TEST_F(PlacingTest, MarginsThatLeaveNothingOfTheSheetAreTold) {
     host::giveDataPoint({0, 0, 0}, 0);
     EXPECT_EQ(front().dialogs, before + 1) << "once, not for each page";
     EXPECT_TRUE(ofType(MDL_LINE_STRING).empty());
+    EXPECT_FALSE(host::commandRuns());
+}
+
+TEST_F(PlacingTest, ThePageOnShowIsNotPlacedOnceThePreviewIsClosed) {
+    openPreview(fourPages);
+    startPlacing(0, 1);
+    mdlWindow_close(preview, 0, 1);
+    host::giveDataPoint({0, 0, 0}, 0);
+    EXPECT_TRUE(drawing().empty()) << "neither a page nor the marks of its sheet";
     EXPECT_FALSE(host::commandRuns());
 }
 
@@ -312,6 +321,17 @@ TEST_F(PlottingTest, AResetGivesUpThePlot) {
     EXPECT_TRUE(plots().empty());
     plot(0);
     EXPECT_THAT(plots(), ElementsAre("test_One.pdf"));
+}
+
+TEST_F(PlottingTest, PlacingInTheDrawingGivesUpAPlotThatWaits) {
+    setUp("output = pdf\n");
+    openPreview(fourPages);
+    startPlot(0);
+    startPlacing(0, 1);
+    EXPECT_EQ(mclibMain_getGlobalDataP()->plotDescr, nullptr);
+    host::giveDataPoint({0, 0, 0}, 0);
+    EXPECT_TRUE(plots().empty());
+    EXPECT_EQ(sheets().size(), 1u);
 }
 
 TEST_F(PlottingTest, APlotterThatCannotBeReadStartsNothing) {
