@@ -6,8 +6,8 @@
 #include <cstdio>
 
 #include "forms/pages.h"
+#include "forms/preview_extent.h"
 #include "frame/error.h"
-#include "frame/stored_layout.h"
 #include "frame/text_buffer.h"
 #include "frame/util.h"
 #include "geometry/elmdscr.h"
@@ -25,10 +25,8 @@ enum { PAPER_COLOR = 7 };
 
 constexpr uint32_t pageViewFlags[3] = {0x12084, 0, 0};
 
-// ---- the window's size in the user's preference file: width and height, 4 bytes each ----
+// ---- the window's size in the user's preference file ----
 
-constexpr int32_t extentType = 0x466F4461, extentId = 20001;
-constexpr size_t storedExtentSize = 8;
 constexpr PreviewExtent usualExtent{600, 400};
 constexpr int32_t mostPixels = 32767;
 
@@ -63,15 +61,11 @@ PreviewExtent storedExtent() {
     const PreferenceFile file(MDL_RSC_READ);
     uint8_t* const block = file ? loadExtent(file.handle()) : nullptr;
     if (!block) return usualExtent;
-    const PreviewExtent extent{loadNumber<int32_t>(block), loadNumber<int32_t>(block + 4)};
+    PreviewExtent extent;
+    extentFields(LoadFields({block, storedExtentSize}), extent);
     mdlResource_free(block);
     const auto isUsable = [](int32_t side) { return 0 < side && side <= mostPixels; };
     return isUsable(extent.width) && isUsable(extent.height) ? extent : usualExtent;
-}
-
-void writeExtent(const PreviewExtent& extent, uint8_t* block) {
-    storeNumber(block, extent.width);
-    storeNumber(block + 4, extent.height);
 }
 
 // ---- the sheet ----
@@ -184,13 +178,13 @@ void storeExtent(GlobalData& data, const MdlDialog* dialog) {
     const PreferenceFile file(MDL_RSC_WRITE);
     if (!file) return;
     if (uint8_t* const block = loadExtent(file.handle())) {
-        writeExtent(*data.previewExtent, block);
+        extentFields(StoreFields({block, storedExtentSize}), *data.previewExtent);
         mdlResource_write(block);
         mdlResource_free(block);
         return;
     }
     uint8_t bytes[storedExtentSize];
-    writeExtent(*data.previewExtent, bytes);
+    extentFields(StoreFields(bytes), *data.previewExtent);
     mdlResource_add(file.handle(), extentType, extentId, bytes, sizeof bytes, 0, nullptr);
 }
 

@@ -8,13 +8,13 @@
 
 #include "frame/error.h"
 #include "frame/host_ptr.h"
-#include "frame/stored_layout.h"
 #include "frame/text_buffer.h"
 #include "frame/util.h"
 #include "host/mdl/files.h"
 #include "host/mdl/resource.h"
 #include "print/folder.h"
 #include "print/print.h"
+#include "print/setup_record.h"
 #include "print/setup_store.h"
 #include "print/shared.h"
 
@@ -22,29 +22,8 @@ namespace print {
 
 namespace {
 
-// Resources of the preference file. The older form, which ends with fileOnly, is read but not written any more.
-enum { SETUP_TYPE = 0x50745365, SETUP_ID = 20002, OLDER_TYPE = 0x50725344, OLDER_ID = 20001 };
 enum { MESSAGE_FILE = 13, MESSAGE_NO_VARIABLE = 21 };
 enum { PAGE_A4 = 9 };
-constexpr size_t setupSize = 840, olderSize = 584;
-
-template <class Fields, class Setup>
-void setupLayout(Fields fields, Setup& setup) {
-    fields.number(0, setup.pageSize);
-    fields.number(8, setup.pageWidth);
-    fields.number(16, setup.pageHeight);
-    fields.number(24, setup.marginLeft);
-    fields.number(32, setup.marginRight);
-    fields.number(40, setup.marginTop);
-    fields.number(48, setup.marginBottom);
-    fields.number(56, setup.orientation);
-    fields.number(60, setup.deviceType);
-    fields.number(64, setup.copies);
-    fields.text(68, sizeof setup.printerName, setup.printerName);
-    fields.text(323, sizeof setup.fileName, setup.fileName);
-    fields.number(580, setup.fileOnly);
-    fields.text(584, sizeof setup.plotterFile, setup.plotterFile);
-}
 
 // ---- defaults ----
 

@@ -9,10 +9,14 @@
 #include "host/mdl/dialog.h"
 #include "host/mdl/files.h"
 #include "host/mdl/resource.h"
+#include "project/records.h"
 #include "project/shared.h"
 #include "project/store.h"
 
 namespace {
+
+using project::projectId;
+using project::projectType;
 
 enum { PROJECT_DIALOG = 20008 };
 enum { LOAD_TITLE = 54, SAVE_TITLE = 55 };
@@ -25,7 +29,6 @@ static_assert(NO_PROJECT_FLAGS == 66 && OVERWRITE_FLAGS == 296);
 constexpr const char* projectFiles = "*.rsc";
 constexpr const char* projectFileTitle = "Prosjekt info";
 constexpr int32_t projectFileDefaults = -20001;
-constexpr int32_t projectType = MDL_RSC_TYPE('C', 'm', 'P', 'r'), projectId = 3;
 
 void report(int flags, int message, const char* file) {
     mclibError_rscMsgBoxPrintf(flags, MCLIB_ERRORS, message, file);

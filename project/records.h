@@ -8,20 +8,27 @@
 #include <string>
 
 #include "frame/stored_layout.h"
+#include "host/mdl/resource.h"
 #include "project/blocks.h"
 
 namespace project {
 
 constexpr int32_t currentForm = 3;  // the sub id of records that are written
 
+// A project in a resource file: the block as it is, sizeof(mclibProsjektData) bytes.
+constexpr int32_t projectType = MDL_RSC_TYPE('C', 'm', 'P', 'r'), projectId = 3;
+
 // A text of a block.
 struct TextField {
     uint32_t offset, size;
+    const char* name;
+    uint32_t line = 0;  // from 1, of a field with several; else 0
 };
 
 // clang-format off
-#define FIELD(member) {offsetof(Block, member), sizeof(Block::member)}
-#define LINES(member, line) {offsetof(Block, member) + (line) * sizeof(Block::member[0]), sizeof(Block::member[0])}
+#define FIELD(member) {offsetof(Block, member), sizeof(Block::member), #member}
+#define LINES(member, line) {offsetof(Block, member) + (line) * sizeof(Block::member[0]), sizeof(Block::member[0]), \
+                             #member, (line) + 1}
 #define FIVE_LINES(member, line) LINES(member, line), LINES(member, line + 1), LINES(member, line + 2), \
                                  LINES(member, line + 3), LINES(member, line + 4)
 

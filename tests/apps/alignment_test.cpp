@@ -33,7 +33,7 @@ class Alignment : public ApplicationTest {
 
     Outcome alignment(const std::string& arguments) const { return run(arguments); }
     std::vector<std::string> files() const {
-        std::vector<std::string> names = ApplicationTest::files();
+        std::vector<std::string> names = ApplicationRun::files();
         std::erase(names, "attributes.txt");
         return names;
     }

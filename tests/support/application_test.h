@@ -19,16 +19,17 @@ struct Outcome {
     std::string output;  // both streams, unless the command sends one elsewhere
 };
 
-class ApplicationTest : public testing::Test {
+// For a test that has another fixture of its own.
+class ApplicationRun {
   protected:
-    explicit ApplicationTest(const std::string& application)
+    explicit ApplicationRun(const std::string& application)
         : application_(application),
           folder_(std::filesystem::temp_directory_path() / (application + "_test_" + std::to_string(getpid()))) {
         std::filesystem::create_directories(folder_);
         // mchost is run with the sanitizers of the build; what the font library keeps to the end is no leak of ours.
         setenv("LSAN_OPTIONS", "suppressions=" TEST_SOURCE_DIR "/support/leaks.txt:print_suppressions=0", 1);
     }
-    ~ApplicationTest() override { std::filesystem::remove_all(folder_); }
+    ~ApplicationRun() { std::filesystem::remove_all(folder_); }
 
     // Runs a command of the shell in the test's folder.
     Outcome shell(const std::string& command) const {
@@ -59,4 +60,9 @@ class ApplicationTest : public testing::Test {
 
     const std::string application_;
     const std::filesystem::path folder_;
+};
+
+class ApplicationTest : public testing::Test, protected ApplicationRun {
+  protected:
+    using ApplicationRun::ApplicationRun;
 };
