@@ -1,25 +1,26 @@
 // alignment: from the horizontal alignment of a road in a text file to a drawing on paper.
 #include <algorithm>
-#include <cerrno>
-#include <charconv>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "apps/common/delivery.h"
+#include "apps/common/last_files.h"
 #include "apps/common/outputs.h"
 #include "apps/common/tell.h"
+#include "attributes.h"
 #include "checks.h"
 #include "drawing.h"
 #include "host/mdl/model.h"
 #include "host/mdl/view.h"
 #include "listing.h"
 #include "mclib.h"
+#include "options.h"
+#include "project.h"
 #include "raster.h"
 #include "reader.h"
 #include "sheet.h"
@@ -34,138 +35,12 @@ namespace fs = std::filesystem;
 
 constexpr const char* rasterSuffix = ".pbm";
 
-enum ExitStatus { done = 0, failed = 1, wrongCall = 2 };
+enum ExitStatus { done = 0, failed = 1, wrong = 2 };
 
-// clang-format off
-constexpr const char* usage =
-    "usage: mchost alignment ROAD.txt [options]\n"
-    "  --out NAME       where to make the files: a folder, or a path without suffix (default: the input's name in the\n"
-    "                   current folder)\n"
-    "  --paper A3       A0 to A5, lying; --portrait for standing\n"
-    "  --scale 5000     instead of the SCALE of the input\n"
-    "  --device postscript   of the print file: postscript, hpgl, pcl, or ascii for the station list as a text file\n"
-    "  --print PRINTER  send the print file to a port (LPT1), a network printer (\\\\server\\printer), what $(VARIABLE) tells, or\n"
-    "                   by a command: \"lp -d office %s\"\n"
-    "  --picture png    png or svg\n"
-    "  --raster 1600x1130    a PBM picture of so many pixels as well: black lines on white\n"
-    "  --overwrite      replace files that are there\n"
-    "  --list           print the station list, and make no files unless --out is given\n"
-    "  --step 20        metres between the rows of the list\n";
-
-struct Device {
-    std::string_view name;
-    int number;
-    const char* suffix;  // of the print file
-};
-constexpr auto devices = std::to_array<Device>({
-    {"postscript", PRINT_POSTSCRIPT, ".ps"},
-    {"hpgl",       PRINT_HPGL,       ".hpgl"},
-    {"pcl",        PRINT_PCL,        ".pcl"},
-    {"ascii",      PRINT_ASCII,      ".txt"},
-});
-// clang-format on
-
-struct Options {
-    std::string input, out, printer, paper = "A3", picture = "png";
-    const Device* device = &devices[0];
-    std::optional<RasterSize> raster;
-    double scale = 0, step = 20;
-    bool portrait = false, overwrite = false, list = false;
-};
-
-// ---- arguments ----
-
-std::optional<double> positiveNumber(std::string_view text) {
-    double value = 0;
-    const auto [end, error] = std::from_chars(text.begin(), text.end(), value);
-    if (error != std::errc() || end != text.end() || !(value > 0)) return {};
-    return value;
-}
-
-bool wrong(const std::string& what) {
-    fail(what);
-    toolSubsystem_printf("%s", usage);
-    return false;
-}
-
-// Such as "1600x1130".
-std::optional<RasterSize> rasterSize(std::string_view text) {
-    const auto side = [](std::string_view digits) {
-        int value = 0;
-        const auto [end, error] = std::from_chars(digits.begin(), digits.end(), value);
-        const bool good = error == std::errc() && end == digits.end() && value >= 1 && value <= largestRasterSide;
-        return good ? value : 0;
-    };
-    const size_t cross = text.find('x');
-    if (cross == text.npos) return {};
-    const RasterSize size = {side(text.substr(0, cross)), side(text.substr(cross + 1))};
-    if (size.width == 0 || size.height == 0) return {};
-    return size;
-}
-
-bool setDevice(Options& options, std::string_view name) {
-    const auto device = std::ranges::find(devices, name, &Device::name);
-    if (device == devices.end())
-        return wrong("--device takes postscript, hpgl, pcl or ascii, not \"" + std::string(name) + "\"");
-    options.device = &*device;
-    return true;
-}
-
-bool setRaster(Options& options, const std::string& value) {
-    options.raster = rasterSize(value);
-    return options.raster.has_value() || wrong("--raster takes WIDTHxHEIGHT, each 1 to " +
-                                               std::to_string(largestRasterSide) + " pixels, not \"" + value + "\"");
-}
-
-bool setOption(Options& options, std::string_view name, const std::string& value) {
-    const auto number = [&](double& into) {
-        const std::optional<double> read = positiveNumber(value);
-        if (!read) return wrong(std::string(name) + " takes a number above 0, not \"" + value + "\"");
-        into = *read;
-        return true;
-    };
-    if (name == "--scale") return number(options.scale);
-    if (name == "--step") return number(options.step);
-    if (name == "--device") return setDevice(options, value);
-    if (name == "--raster") return setRaster(options, value);
-    if (name == "--print" && value.empty()) return wrong("--print takes the name of a printer or a command");
-    if (name == "--print") options.printer = value;
-    if (name == "--out") options.out = value;
-    if (name == "--paper") options.paper = value;
-    if (name == "--picture") options.picture = value;
-    if (!paperSize(options.paper, false)) return wrong("--paper takes A0 to A5, not \"" + value + "\"");
-    if (options.picture != "png" && options.picture != "svg") {
-        return wrong("--picture takes png or svg, not \"" + value + "\"");
-    }
-    return true;
-}
-
-std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
-    static constexpr std::string_view withValue[] = {"--scale",  "--step",    "--out",    "--paper",
-                                                     "--device", "--picture", "--raster", "--print"};
-    Options options;
-    for (size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        if (std::ranges::find(withValue, argument) != std::end(withValue)) {
-            if (i + 1 == arguments.size()) return wrong(argument + " needs a value"), std::nullopt;
-            if (!setOption(options, argument, arguments[++i])) return {};
-        } else if (argument == "--portrait") {
-            options.portrait = true;
-        } else if (argument == "--overwrite") {
-            options.overwrite = true;
-        } else if (argument == "--list") {
-            options.list = true;
-        } else if (argument.starts_with("-") || !options.input.empty()) {
-            return wrong("don't know what to do with \"" + argument + "\""), std::nullopt;
-        } else {
-            options.input = argument;
-        }
-    }
-    if (options.input.empty()) return wrong("the name of the input file is missing"), std::nullopt;
-    return options;
-}
-
-// ---- work ----
+// Where the roads are remembered that the user worked with.
+constexpr const char* preferenceVariable = "MC_ALIGNMENT_PREF";
+constexpr const char* preferenceFile = "alignment.upf";
+constexpr int32_t roadFiles = 1;  // the record
 
 void reportGaps(const Road& road) {
     for (const Gap& gap : gaps(road)) {
@@ -246,7 +121,7 @@ class WorkFile {
     bool open_ = false;
 };
 
-bool makeFiles(const Road& road, const Sheet& sheet, const Options& options) {
+bool makeFiles(const Road& road, const Sheet& sheet, const Project& project, const Options& options) {
     const std::string pictureSuffix = "." + options.picture;
     const char* const printSuffix = options.device->suffix;
     std::vector<const char*> suffixes = {".mcd", printSuffix, pictureSuffix.c_str()};
@@ -257,7 +132,7 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Options& options) {
     WorkFile workFile(designName);
     if (!workFile.isOpen()) return fail(designName + ": the design file can't be made");
     const Page page = drawRoad(road, sheet);
-    if (!page || !writeDesignFile(designName, page.get())) return false;
+    if (!page || !project.write(designName) || !writeDesignFile(designName, page.get())) return false;
     turnUpright(page.get(), sheet);
     if (!print(outputs.temporary(printSuffix), page.get(), road, sheet, options)) return false;
     if (!writePicture(outputs.temporary(pictureSuffix.c_str()), page.get(), sheet)) return false;
@@ -270,15 +145,51 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Options& options) {
            app::sendToPrinter(outputBase(options).string() + printSuffix, options.printer, 1);
 }
 
-bool work(const Options& options) {
-    std::optional<Road> road = readRoad(options.input);
-    if (!road) return false;
+// The road and the looks that it is drawn with, from the files that the user named.
+std::optional<Road> readAll(const Options& options, const Project& project, Attributes& attributes) {
+    Road begun;
+    project.tell(begun);
+    if (!attributes.begin(options.own)) return {};
+    std::optional<Road> road = readRoad(options.input, std::move(begun), attributes);
+    if (!road) return {};
     if (options.scale > 0) road->scale = options.scale;
+    if (!attributes.canKeep(options.saveAttributes, options.overwrite)) return {};
+    if (!options.attributes.empty() && !attributes.readLooks(options.attributes)) return {};
+    return road;
+}
+
+bool draw(const Road& road, Project& project, const Options& options) {
+    const std::optional<Sheet> sheet = layOut(road, *paperSize(options.paper, options.portrait));
+    if (!sheet) return false;
+    project.take(road);
+    return makeFiles(road, *sheet, project, options);
+}
+
+bool work(const Options& options, app::LastFiles& lastFiles) {
+    Project project = Project::ofOpenDrawing();
+    Attributes attributes;
+    const std::optional<Road> road = readAll(options, project, attributes);
+    if (!road) return false;
+    lastFiles.remember(roadFiles, options.input);
     reportGaps(*road);
     if (options.list) printStations(*road, options.step);
-    if (options.list && options.out.empty()) return true;
-    const std::optional<Sheet> sheet = layOut(*road, *paperSize(options.paper, options.portrait));
-    return sheet && makeFiles(*road, *sheet, options);
+    const bool drawing = !options.list || !options.out.empty();
+    if (drawing && !draw(*road, project, options)) return false;
+    return attributes.saveOwn() && (options.saveAttributes.empty() || attributes.saveLooks(options.saveAttributes));
+}
+
+ExitStatus run(const std::vector<std::string>& arguments) {
+    std::optional<Options> options = optionsFrom(arguments);
+    if (!options) return wrong;
+    app::LastFiles lastFiles(preferenceVariable, preferenceFile);
+    if (options->input.empty()) {
+        const std::optional<std::string> road =
+            options->last ? lastFiles.last(roadFiles) : lastFiles.ask(roadFiles, "*.txt", "The road to draw");
+        if (!road && options->last) return failed;
+        if (!road) return wrongCall("the name of the input file is missing"), wrong;
+        options->input = *road;
+    }
+    return work(*options, lastFiles) ? done : failed;
 }
 
 }  // namespace
@@ -287,10 +198,8 @@ bool work(const Options& options) {
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace alignment;
     if (mclibMain_initMcLib("ALIGNMENT", argc, argv) != MCLIB_SUCCESS) return failed;
-    const std::optional<Options> options = optionsFrom({argv + std::min(argc, 2), argv + argc});
-    if (!options) return wrongCall;
-    const bool good = work(*options);
+    const ExitStatus status = run({argv + std::min(argc, 2), argv + argc});
     mclibElmAttr_freeAllAttribute();
     mclibElmAttr_freeGroupeNames();
-    return good ? done : failed;
+    return status;
 }

@@ -3,22 +3,20 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <set>
+#include <utility>
 
 #include "apps/common/input.h"
 #include "apps/common/tell.h"
 #include "checks.h"
 #include "host/mdl/text.h"
-#include "mclib.h"
 
 namespace alignment {
 
 namespace {
 
-constexpr int attributeGroup = 1;
-
 class Reader {
   public:
+    Reader(Road begun, Attributes& attributes) : road_(std::move(begun)), attributes_(attributes) {}
     bool read(const std::string& fileName);
     Road take() { return std::move(road_); }
 
@@ -27,10 +25,12 @@ class Reader {
         const char* name;
         bool (Reader::*read)();
     };
-    static const std::array<Keyword, 9> keywords;
+    static const std::array<Keyword, 10> keywords;
 
     bool line();
     bool knownAttribute(int& id);
+    bool look(ToldAttribute& told);
+    bool addedTo(std::string (Attributes::*add)(const ToldAttribute&));
 
     // Keywords.
     bool project() { return in_.text(road_.project, "the project's name"); }
@@ -39,17 +39,18 @@ class Reader {
     bool scale() { return in_.positive(road_.scale, "the scale"); }
     bool start() { return in_.number(road_.startStation, "the first station"); }
     bool tolerance();
-    bool attribute();
+    bool attribute() { return addedTo(&Attributes::add); }
+    bool own() { return addedTo(&Attributes::addOwn); }
     bool use();
     bool element();
     bool complete();  // nothing is missing that elements need
 
     app::Input in_;
     Road road_;
-    std::set<int> attributes_;
+    Attributes& attributes_;
 };
 
-constexpr std::array<Reader::Keyword, 9> Reader::keywords = {{
+constexpr std::array<Reader::Keyword, 10> Reader::keywords = {{
     {"PROJECT", &Reader::project},
     {"TITLE", &Reader::title},
     {"DATE", &Reader::date},
@@ -57,6 +58,7 @@ constexpr std::array<Reader::Keyword, 9> Reader::keywords = {{
     {"START", &Reader::start},
     {"TOLERANCE", &Reader::tolerance},
     {"ATTRIBUTE", &Reader::attribute},
+    {"OWN", &Reader::own},
     {"USE", &Reader::use},
     {"ELEMENT", &Reader::element},
 }};
@@ -65,8 +67,8 @@ bool Reader::knownAttribute(int& id) {
     if (in_.atEnd()) return in_.failHere("the attribute number is missing");
     char* position = in_.position();
     if (!in_.wholeNumber(id, "the attribute number")) return false;
-    if (mclibElmAttr_extractData(id, nullptr) == MCLIB_SUCCESS) return true;
-    return in_.failAt(position, "there is no attribute " + std::to_string(id) + "; ATTRIBUTE lines come first");
+    if (Attributes::isKnown(id)) return true;
+    return in_.failAt(position, "there is no attribute " + std::to_string(id) + "; ATTRIBUTE and OWN lines come first");
 }
 
 // ---- keywords ----
@@ -79,37 +81,38 @@ bool Reader::tolerance() {
     return true;
 }
 
-// ATTRIBUTE number "label" colour weight style "level" [text height] [text width]
-bool Reader::attribute() {
-    int id = 0;
-    std::string label, level;
-    auto data = std::make_unique<ElmAttrData>();
-    if (in_.atEnd()) return in_.failHere("the attribute number is missing");
-    char* position = in_.position();
-    if (!in_.wholeNumber(id, "the attribute number")) return false;
-    if (!attributes_.insert(id).second)
-        return in_.failAt(position, "there is an attribute " + std::to_string(id) + " already");
-    if (!in_.text(label, "the label") || !in_.wholeNumber(data->color, "the colour") ||
-        !in_.wholeNumber(data->weight, "the weight") || !in_.wholeNumber(data->style, "the line style") ||
+// What follows the number: "label" colour weight style "level" [text height] [text width]
+bool Reader::look(ToldAttribute& told) {
+    std::string level;
+    ElmAttrData& data = told.data;
+    if (!in_.text(told.label, "the label") || !in_.wholeNumber(data.color, "the colour") ||
+        !in_.wholeNumber(data.weight, "the weight") || !in_.wholeNumber(data.style, "the line style") ||
         !in_.text(level, "the level")) {
         return false;
     }
-    mdlCnv_convertMultibyteToUnicode(level.c_str(), static_cast<int>(level.size()), data->levelName,
-                                     std::size(data->levelName));
-    data->useFlags = ATTR_USE_COLOR | ATTR_USE_WEIGHT | ATTR_USE_STYLE;
-    if (!level.empty()) data->useFlags |= ATTR_USE_LEVEL;
-    int kind = ATTR_KIND_SYMBOLOGY;
-    if (!in_.atEnd()) {
-        double height = 0, width = 0;
-        if (!in_.positive(height, "the text height") || !in_.positive(width, "the text width")) return false;
-        kind = ATTR_KIND_TEXT;
-        data->useFlags |= ATTR_USE_SIZE;
-        data->textHeight = height / 1000;  // millimetres on paper
-        data->textWidth = width / 1000;
-        data->textLineSpacing = 0.5;
-    }
-    const int status = mclibElmAttr_addAttribute(id, label.c_str(), attributeGroup, kind, 0, nullptr, 0, data.get());
-    return status == MCLIB_SUCCESS || in_.failHere("no memory for the attribute");
+    mdlCnv_convertMultibyteToUnicode(level.c_str(), static_cast<int>(level.size()), data.levelName,
+                                     std::size(data.levelName));
+    data.useFlags = ATTR_USE_COLOR | ATTR_USE_WEIGHT | ATTR_USE_STYLE;
+    if (!level.empty()) data.useFlags |= ATTR_USE_LEVEL;
+    told.kind = ATTR_KIND_SYMBOLOGY;
+    if (in_.atEnd()) return true;
+    double height = 0, width = 0;
+    if (!in_.positive(height, "the text height") || !in_.positive(width, "the text width")) return false;
+    told.kind = ATTR_KIND_TEXT;
+    data.useFlags |= ATTR_USE_SIZE;
+    data.textHeight = height / 1000;  // millimetres on paper
+    data.textWidth = width / 1000;
+    data.textLineSpacing = 0.5;
+    return true;
+}
+
+bool Reader::addedTo(std::string (Attributes::*add)(const ToldAttribute&)) {
+    if (in_.atEnd()) return in_.failHere("the attribute number is missing");
+    char* const position = in_.position();
+    const auto told = std::make_unique<ToldAttribute>();
+    if (!in_.wholeNumber(told->id, "the attribute number") || !look(*told)) return false;
+    const std::string refusal = (attributes_.*add)(*told);
+    return refusal.empty() || in_.failAt(position, refusal);
 }
 
 bool Reader::use() {
@@ -174,9 +177,8 @@ bool Reader::read(const std::string& fileName) {
 
 }  // namespace
 
-std::optional<Road> readRoad(const std::string& fileName) {
-    Reader reader;
-    mclibElmAttr_setGroupeNames(1, "Alignment", attributeGroup, 0);
+std::optional<Road> readRoad(const std::string& fileName, Road begun, Attributes& attributes) {
+    Reader reader(std::move(begun), attributes);
     if (!reader.read(fileName)) return {};
     return reader.take();
 }

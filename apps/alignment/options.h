@@ -1,0 +1,35 @@
+// What the user asks for on the command line.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "raster.h"
+
+namespace alignment {
+
+struct Device {
+    std::string_view name;
+    int number;          // PRINT_...
+    const char* suffix;  // of the print file
+};
+const Device& usualDevice();
+
+struct Options {
+    std::string input;  // empty: to be asked for
+    std::string out, printer, paper = "A3", picture = "png";
+    std::string attributes, saveAttributes, own;  // resource files
+    const Device* device = &usualDevice();
+    std::optional<RasterSize> raster;
+    double scale = 0, step = 20;
+    bool portrait = false, overwrite = false, list = false, last = false;
+};
+
+// Nothing after a message and the usage.
+std::optional<Options> optionsFrom(const std::vector<std::string>& arguments);
+// Tells what is wrong with the call, and the usage.
+void wrongCall(const std::string& what);
+
+}  // namespace alignment
