@@ -63,8 +63,10 @@ ExitStatus tellAll(const Options& options) {
     const size_t count = options.files.size();
     size_t untold = 0;
     for (const std::string& name : options.files) {
-        if (&name != options.files.data()) line(0, "");
-        if (!tellFile(name, options.full)) ++untold;
+        if (!tellFile(name, options.full))
+            ++untold;
+        else if (count > 1)
+            line(0, "");
     }
     if (untold == 0) return done;
     fail(std::to_string(untold) + " of " + counted(count, "file") + " couldn't be shown as a whole");

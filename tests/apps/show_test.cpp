@@ -252,6 +252,25 @@ TEST_F(Show, ADamagedBlockHidesNoOther) {
                                            HasSubstr("ASNo 1  can't be read"), HasSubstr("width 33686018")));
 }
 
+TEST_F(Show, ResourceFilesThatAreCutNewerOrLackPartsAreTold) {
+    makeResourceFile();
+    StringList* list = mdlStringList_create(2, 0);
+    mdlStringList_addResource(handle_, 40, list, "names");
+    mdlStringList_destroy(list);
+    mdlResource_closeFile(handle_);
+    std::string whole = readFile("some.rsc");
+    writeFile("cut.rsc", whole.substr(0, whole.size() / 2));
+    whole[63] = 99;  // user_version
+    writeFile("newer.rsc", whole);
+    EXPECT_THAT(refusal("cut.rsc"), HasSubstr("damaged"));
+    EXPECT_THAT(refusal("newer.rsc"), HasSubstr("of a newer make"));
+    if (!canRun("sqlite3")) GTEST_SKIP() << "sqlite3 isn't there";
+    shell("sqlite3 '" + file_ + "' 'DELETE FROM member WHERE place = 1'");
+    const Outcome lacking = run("--full '" + file_ + "'");
+    EXPECT_EQ(lacking.status, 1);
+    EXPECT_THAT(lacking.output, HasSubstr("the string list 40 lacks members"));
+}
+
 TEST_F(Show, ShowingChangesNothing) {
     openDesignFile();
     mdlSystem_closeDesignFile();
