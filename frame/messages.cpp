@@ -50,6 +50,7 @@ void dropLines() {
 // Opens a dialog above the lines of the text; its reply. Whoever can't be asked declines.
 int showDialog(int dialogId, char* text) {
     takeLines(text);
+    if (messageState.publishHooks) messageState.publishHooks();
     int32_t reply = MSGBOX_SECOND;
     mdlDialog_openModal(&reply, 0, dialogId);
     dropLines();

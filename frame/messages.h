@@ -18,6 +18,9 @@ struct MessageState {
     const char* messageLines[maxMessageLines + 1]{};  // the last used one is followed by a null
     int32_t messageLineCount = 0;
     StringList* messageList = nullptr;  // the collected lines; null while there are none
+    // Publishes the hooks of both dialogs. Set while an application starts, until their own turn has come: what fails
+    // before that is told in a box that has them all the same.
+    void (*publishHooks)() = nullptr;
 };
 extern MessageState messageState;
 

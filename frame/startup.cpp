@@ -11,6 +11,7 @@
 #include "frame/applications.h"
 #include "frame/error.h"
 #include "frame/main.h"
+#include "frame/messages.h"
 #include "frame/published.h"
 #include "frame/resource_files.h"
 #include "frame/text_buffer.h"
@@ -99,11 +100,11 @@ void startProject(GlobalData&) {
 }
 
 void startMessageDialogs(GlobalData&) {
+    messageState.publishHooks = nullptr;
     publishMessageDialogHooks();
 }
 
-// The message box comes first: what is loaded behind it may have to tell of a file that can't be used.
-constexpr Room rooms[] = {startMessageDialogs, startPrinterSetup, startPreview, startProject, startAttributes};
+constexpr Room rooms[] = {startPrinterSetup, startPreview, startProject, startMessageDialogs, startAttributes};
 
 struct PublishedBlock {
     const char* structName;
@@ -232,6 +233,7 @@ int mclibMain_initMcLibExtended(const char* applicationName, int argc, char** ar
         return MCLIB_ERROR;
     }
     mgdP = data;
+    messageState.publishHooks = publishMessageDialogHooks;
     if (argc > 1 && argv && argv[1]) data->isInitApp = isInitList(argv[1]);
     mdlResource_openFile(&data->appRscHandle, nullptr, rscMode);
     copyText(data->applicationName, applicationName ? applicationName : "");
@@ -240,7 +242,7 @@ int mclibMain_initMcLibExtended(const char* applicationName, int argc, char** ar
         return MCLIB_ERROR;
     }
     const char* name = data->applicationName;
-    setTitles(name);
+    setTitles(name);  // in front of the rooms, whose loads may show a message box
     for (const Room room : rooms) room(*data);
     publishBlocks();
     mdlSystem_setFunction(MDL_FUNCTION_NEW_DESIGN_FILE, reinterpret_cast<void*>(mclibMain_newDesignFile));

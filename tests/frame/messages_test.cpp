@@ -304,6 +304,22 @@ TEST_F(OutOfMemory, WithoutItsMessageTheCallGivesNothing) {
     EXPECT_EQ(front().dialogs, 0);
 }
 
+// ---- boxes while the first application starts ----
+
+class AtStart : public Messages {
+  protected:
+    AtStart() { answerWith(BUTTON_FIRST); }
+};
+
+TEST_F(AtStart, ABoxHasItsTitleItsLinesAndItsButton) {
+    mdlSystem_defineCfgVar("MS_USERPREF", writeFile("text.rsc", "no resource file").c_str(), 4);
+    start("Roads");
+    ASSERT_EQ(shown.size(), 1u) << "the preference file can't be used";
+    EXPECT_NE(shown[0].title.find("Roads"), std::string::npos) << shown[0].title;
+    EXPECT_EQ(shown[0].lines.size(), 3u);
+    EXPECT_EQ(shown[0].buttons, std::vector<std::string>{"OK"});
+}
+
 // ---- the offer of MC_DIR ----
 
 class FolderOffer : public Messages {
