@@ -123,6 +123,7 @@ void replaceAll(std::string& text, std::string_view name, const std::string& val
 bool define(Variable variable, Level level) {
     replaceAll(variable.value, "$(MCHOST_DIR)", programFolder().string());
     replaceAll(variable.value, "$(MCHOST_DATA)", dataFolder().string());
+    replaceAll(variable.value, "$(MCHOST_USER)", host::userDataFolder().string());
     return mdlSystem_defineCfgVar(variable.name.c_str(), host::hostName(variable.value).c_str(), level) == MDL_SUCCESS;
 }
 

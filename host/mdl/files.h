@@ -89,7 +89,8 @@ enum { MDL_FILE_OTHER = 0, MDL_FILE_DESIGN = 1, MDL_FILE_CELL_LIBRARY = 2, MDL_F
  * too. 0; MDL_ERROR, with a line in the message centre, when there is no file of that name or it can't be read. */
 MDL_EXPORT int mdlFile_getKind(int32_t *kindP, const char *name);
 
-/* The user's preference file of the host: a resource file that is made when it isn't there. Mode 0 reading, 1 writing. */
+/* The user's preference file of the host, which MS_USERPREF names (when it isn't defined: user.rsc in the user's folder
+ * for data): a resource file that is made, with its folder, when it isn't there. Mode 0 reading, 1 writing. */
 MDL_EXPORT int mdlDialog_userPrefFileOpen(RscHandle *handleP, int mode);
 
 #endif
