@@ -53,6 +53,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/dialog/number_format.h"
 #include "host/mdl/dialog.h"
 #include "host/resource/container.h"
 #include "host/system/charset.h"
@@ -251,11 +252,14 @@ ItemLayout Compiler::compileItem(const toml::table& source, const std::string& d
     const std::string what = dialog + ", " + name + " " + std::to_string(item.id);
     item.access = plainText(source, "access", what);
     item.format = plainText(source, "format", what);
+    if (!item.format.empty() && !host::isValueFormat(item.format))
+        fault(source, what + ": the format \"" + item.format + "\" must have one conversion, such as %8.3f");
     item.label = texts(source, "label", what);
     eachTable(source, "rows", [&](const toml::table& row) {
         requireKeys(row, {"value", "label"});
         item.rows.push_back({number(row, "value"), texts(row, "label", what + ", row")});
     });
+    if (!item.rows.empty() && item.kind != ITEM_OPTION_BUTTON) fault(source, what + ": only option buttons have rows");
     return item;
 }
 

@@ -86,6 +86,10 @@ TEST_F(Mcrsc, EachFaultIsOneLineAndTheOldFileStays) {
         {dialog + "[[dialog.item]]\nkind = \"buton\"\nid = 1\nx = 1\ny = 1\nwidth = 1\n",
          "unknown item kind \"buton\""},
         {dialog + "[[dialog.item]]\nkind = \"text\"\nid = 1\nx = 1\ny = 1\n", "\"width\" is missing"},
+        {dialog + "[[dialog.item]]\nkind = \"text\"\nid = 1\nx = 1\ny = 1\nwidth = 1\nformat = \"%d %d\"\n",
+         "dialog 5, text 1: the format \"%d %d\" must have one conversion"},
+        {dialog + "[[dialog.item]]\nkind = \"text\"\nid = 1\nx = 1\ny = 1\nwidth = 1\nrows = [ { value = 1 } ]\n",
+         "dialog 5, text 1: only option buttons have rows"},
         {"[[icon]]\nid = 1\nsign = \"i\"\nrows = [\"##\", \"#\"]\n", "must have as many columns as rows"},
         {"[[icon\n", "x.toml:1: "},
     };
