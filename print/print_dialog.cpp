@@ -96,6 +96,7 @@ void narrowUpTo(MdlItem* item, const MdlItem* button) {
     if (next.left - itemGap > own.left) mdlDialog_itemSetExtent(item, next.left - itemGap - own.left, height);
 }
 
+// The plot descriptor knows where the plot goes; what would be typed here wouldn't count.
 void showPlotTarget(const GlobalData& data, const TargetItems& items) {
     const MdlPlotter* plotter = plotterOf(data);
     const bool toSystem = plotsToSystem(plotter);
@@ -106,6 +107,8 @@ void showPlotTarget(const GlobalData& data, const TargetItems& items) {
         mdlDialog_itemSetLabel(items.target, mclibUtil_getLanguageText(TEXT_PLOT_FILE));
     }
     mdlDialog_itemShow(items.printers, 0);
+    mdlDialog_itemEnable(items.target, 0);
+    mdlDialog_itemEnable(items.file, 0);
     mdlDialog_itemSynch(items.target);
     mdlDialog_itemShow(items.fileOnly, 0);
     mdlDialog_itemShow(items.file, toSystem);
