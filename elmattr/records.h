@@ -9,14 +9,9 @@
 
 #include "elmattr/attributes.h"
 #include "frame/stored_layout.h"
+#include "host/mdl/resource.h"
 
 namespace elmattr {
-
-constexpr int32_t resourceType(const char (&name)[5]) {
-    return static_cast<int32_t>(uint32_t{static_cast<uint8_t>(name[0])} << 24 |
-                                uint32_t{static_cast<uint8_t>(name[1])} << 16 |
-                                uint32_t{static_cast<uint8_t>(name[2])} << 8 | uint32_t{static_cast<uint8_t>(name[3])});
-}
 
 enum class RecordLayout { current, older, oldest };
 
@@ -28,16 +23,16 @@ struct RecordResource {
 };
 // In the order in which they are looked for.
 constexpr RecordResource recordResources[] = {
-    {RecordLayout::current, 1480, resourceType("McA3"), resourceType("ASD3")},
-    {RecordLayout::older, 1320, resourceType("McA2"), resourceType("ASD2")},
-    {RecordLayout::oldest, 320, resourceType("McAs"), resourceType("ASDa")},
+    {RecordLayout::current, 1480, MDL_RSC_TYPE('M', 'c', 'A', '3'), MDL_RSC_TYPE('A', 'S', 'D', '3')},
+    {RecordLayout::older, 1320, MDL_RSC_TYPE('M', 'c', 'A', '2'), MDL_RSC_TYPE('A', 'S', 'D', '2')},
+    {RecordLayout::oldest, 320, MDL_RSC_TYPE('M', 'c', 'A', 's'), MDL_RSC_TYPE('A', 'S', 'D', 'a')},
 };
 constexpr size_t currentRecordBytes = recordResources[0].bytes;
 using RecordBytes = std::array<uint8_t, currentRecordBytes>;  // room for a record of any layout
 
-constexpr int32_t setCountType = resourceType("ASNo");  // 32-bit number of records, under setCountId
+constexpr int32_t setCountType = MDL_RSC_TYPE('A', 'S', 'N', 'o');  // 32-bit number of records, under setCountId
 constexpr int32_t setCountId = 1;
-constexpr int32_t setLabelType = resourceType("ASNa");  // setLabelBytes, under the number in the set
+constexpr int32_t setLabelType = MDL_RSC_TYPE('A', 'S', 'N', 'a');  // setLabelBytes, under the number in the set
 constexpr size_t setLabelBytes = 80;
 
 // What the head of a record, its first 48 bytes, means. The rest of it are images of pointers: written as zeros, never

@@ -23,6 +23,10 @@ using testing::IsEmpty;
 
 constexpr int group = 1;
 
+constexpr int32_t resourceType(const char (&name)[5]) {
+    return MDL_RSC_TYPE(name[0], name[1], name[2], name[3]);
+}
+
 void anyHook(ElmAttrHookInfo*) {}
 
 class AttributeResources : public LibraryTest {
@@ -66,7 +70,7 @@ class AttributeResources : public LibraryTest {
     void put(const char (&type)[5], int32_t id, std::span<const uint8_t> bytes) {
         McHandle handle;
         ASSERT_EQ(mclibResource_openFile(&handle, file(), MDL_RSC_WRITE), MCLIB_SUCCESS);
-        EXPECT_EQ(mclibResource_add(&handle, elmattr::resourceType(type), id, bytes.data(),
+        EXPECT_EQ(mclibResource_add(&handle, resourceType(type), id, bytes.data(),
                                     static_cast<int>(bytes.size()), 0),
                   MCLIB_SUCCESS);
         mclibResource_closeFile(&handle);
@@ -92,7 +96,7 @@ class AttributeResources : public LibraryTest {
         McHandle handle;
         EXPECT_EQ(mclibResource_openFile(&handle, file(), MDL_RSC_READ), MCLIB_SUCCESS);
         std::vector<uint8_t> bytes(size);
-        if (mclibResource_load(&handle, elmattr::resourceType(type), id, bytes.data(), static_cast<int>(size)) != 0)
+        if (mclibResource_load(&handle, resourceType(type), id, bytes.data(), static_cast<int>(size)) != 0)
             bytes.clear();
         mclibResource_closeFile(&handle);
         return bytes;
