@@ -152,15 +152,21 @@ bool loadSet(McHandle& file, int32_t count, GlobalData& gd) {
     return true;
 }
 
-// What a file can't hold. Options of another kind are of no use to the new record.
+// Whether a record of the one kind can show options of the other.
+constexpr bool sharesOptions(int32_t to, int32_t from) {
+    using elmattr::hasIcons, elmattr::hasOptionLabels;
+    return (hasIcons(to) && hasIcons(from)) || (hasOptionLabels(to) && hasOptionLabels(from));
+}
+
+// What a file can't hold. The kinds may differ: labels are no options of a record that shows icons.
 void handOn(ElmAttrRecord& to, ElmAttrRecord& from) {
     to.hook = from.hook;
-    if (to.kind != from.kind) return;
+    to.textLabel = std::exchange(from.textLabel, nullptr);
+    if (!sharesOptions(to.kind, from.kind)) return;
     to.optionCount = std::exchange(from.optionCount, 0);
     to.optionValues = std::exchange(from.optionValues, nullptr);
     to.optionIcons = std::exchange(from.optionIcons, nullptr);
     to.optionLabels = std::exchange(from.optionLabels, nullptr);
-    to.textLabel = std::exchange(from.textLabel, nullptr);
 }
 
 // Walks both lists at once; a new record without a partner leaves the old list where it is.
@@ -180,7 +186,7 @@ int readSet(McHandle& file, GlobalData& gd) {
     ElmAttrRecord* old = std::exchange(gd.attributeList, nullptr);
     gd.attributeCount = 0;
     const bool whole = loadSet(file, count, gd);
-    handOnAll(gd.attributeList, old);
+    if (whole) handOnAll(gd.attributeList, old);
     while (old != nullptr) elmattr::freeRecord(std::exchange(old, old->next));
     bringUpToDate(gd);
     return whole ? int{MCLIB_SUCCESS} : int{MCLIB_ERROR};

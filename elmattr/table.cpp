@@ -80,7 +80,7 @@ void replaceGroups(int count, bool withChangedFunction, va_list& arguments) {
 
 // ---- records ----
 
-using elmattr::createRecord, elmattr::freeRecord;
+using elmattr::createRecord, elmattr::freeRecord, elmattr::hasIcons, elmattr::hasOptionLabels;
 
 void freeOptionLabels(ElmAttrRecord& record) {
     if (record.optionLabels == nullptr) return;
@@ -99,14 +99,8 @@ void store(ElmAttrRecord& record, const ElmAttrData& data) {
     if (record.kind != ATTR_KIND_TEXT) record.data.optionText[std::size(data.optionText) - 1] = '\0';
 }
 
-constexpr bool hasIcons(int kind) {
-    return kind == ATTR_KIND_SYMBOL || kind == ATTR_KIND_SIZED_SYMBOL || kind == ATTR_KIND_LABELLED_SYMBOL;
-}
 constexpr bool hasMaxLength(int kind) {
     return kind == ATTR_KIND_LABELLED_SYMBOL || kind == ATTR_KIND_LABELLED_TEXT;
-}
-constexpr bool hasOptionLabels(int kind) {
-    return kind == ATTR_KIND_OPTION_TEXT;
 }
 
 // Room for `count` options; false when out of memory.

@@ -32,6 +32,18 @@ struct ElmAttrRecord {
     ElmAttrRecord* next;
 };
 
+namespace elmattr {
+
+// What the options of a kind show; the other kinds have none.
+constexpr bool hasIcons(int32_t kind) {
+    return kind == ATTR_KIND_SYMBOL || kind == ATTR_KIND_SIZED_SYMBOL || kind == ATTR_KIND_LABELLED_SYMBOL;
+}
+constexpr bool hasOptionLabels(int32_t kind) {
+    return kind == ATTR_KIND_OPTION_TEXT;
+}
+
+}  // namespace elmattr
+
 // Visible from outside the library for its tests.
 #pragma GCC visibility push(default)
 namespace elmattr {

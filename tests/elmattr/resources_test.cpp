@@ -44,6 +44,8 @@ class AttributeResources : public LibraryTest {
     static void add(int id, const char* label, const ElmAttrData& data, int kind = ATTR_KIND_SYMBOLOGY) {
         if (kind == ATTR_KIND_OPTION_TEXT) {
             mclibElmAttr_addAttribute(id, label, group, kind, 0, anyHook, 0, &data, "Size", 2, "small", 1, "large", 2);
+        } else if (kind == ATTR_KIND_LABELLED_SYMBOL) {
+            mclibElmAttr_addAttribute(id, label, group, kind, 0, anyHook, 0, &data, 60, "Size", 1, 300, 3);
         } else if (kind == ATTR_KIND_SYMBOL) {
             mclibElmAttr_addAttribute(id, label, group, kind, 0, anyHook, 0, &data, 1, 300, 3);
         } else {
@@ -70,8 +72,7 @@ class AttributeResources : public LibraryTest {
     void put(const char (&type)[5], int32_t id, std::span<const uint8_t> bytes) {
         McHandle handle;
         ASSERT_EQ(mclibResource_openFile(&handle, file(), MDL_RSC_WRITE), MCLIB_SUCCESS);
-        EXPECT_EQ(mclibResource_add(&handle, resourceType(type), id, bytes.data(),
-                                    static_cast<int>(bytes.size()), 0),
+        EXPECT_EQ(mclibResource_add(&handle, resourceType(type), id, bytes.data(), static_cast<int>(bytes.size()), 0),
                   MCLIB_SUCCESS);
         mclibResource_closeFile(&handle);
     }
@@ -238,6 +239,28 @@ TEST_F(AttributeResources, SetTakesHooksAndOptionsFromTheListBefore) {
     EXPECT_EQ(record(3).optionValues, nullptr);
 }
 
+TEST_F(AttributeResources, SetTakesOptionsThatItsKindsCanShow) {
+    constexpr int symbol = ATTR_KIND_SYMBOL, labelled = ATTR_KIND_LABELLED_SYMBOL, text = ATTR_KIND_OPTION_TEXT;
+    struct Case {
+        int stored, registered, options;
+        const char* caption;
+    };
+    for (const Case& c : {Case{labelled, symbol, 1, nullptr}, Case{symbol, labelled, 1, "Size"},
+                          Case{symbol, text, 0, "Size"}, Case{ATTR_KIND_TEXT, symbol, 0, nullptr}}) {
+        SCOPED_TRACE(std::to_string(c.registered) + " to " + std::to_string(c.stored));
+        mclibElmAttr_freeAllAttribute();
+        add(1, "a", {}, c.stored);
+        ASSERT_EQ(mclibElmAttr_writeResourceExtended(file()), MCLIB_SUCCESS);
+        mclibElmAttr_freeAllAttribute();
+        add(1, "a", {}, c.registered);
+        ASSERT_EQ(mclibElmAttr_readResourceExtended(file()), MCLIB_SUCCESS);
+        EXPECT_EQ(record(1).kind, c.stored);
+        EXPECT_EQ(record(1).optionCount, c.options);
+        EXPECT_EQ(record(1).optionIcons != nullptr, c.options != 0);
+        EXPECT_STREQ(record(1).textLabel, c.caption);
+    }
+}
+
 TEST_F(AttributeResources, SetOfOlderRecordsTakesTheirHeads) {
     putRecord("ASD2", 0, 1320, 21, {group, ATTR_KIND_SYMBOL, 5, 3, 9, 50});
     putRecord("ASDa", 1, 320, 11, {group, ATTR_KIND_TEXT, 6, 4, 9, 51});
@@ -277,7 +300,7 @@ TEST_F(AttributeResources, SetThatHoldsLessThanItSaysIsReadAsFarAsItGoes) {
     putCount(INT32_MAX);
     EXPECT_EQ(mclibElmAttr_readResourceExtended(file()), MCLIB_ERROR);
     EXPECT_THAT(ids(), ElementsAre(1, 2, 3));
-    EXPECT_EQ(record(2).hook, anyHook);
+    EXPECT_EQ(record(2).hook, nullptr) << "only a whole set takes hooks from the list before";
     putRecord("ASD3", 3, 1480, 4, {group, 1, 4, 0, 0, 0});  // without a label
     EXPECT_EQ(mclibElmAttr_readResourceExtended(file()), MCLIB_ERROR);
     EXPECT_THAT(ids(), ElementsAre(1, 2, 3));
