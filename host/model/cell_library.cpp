@@ -1,9 +1,6 @@
 #include "host/model/cell_library.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <map>
 
@@ -158,7 +155,6 @@ CellLibraryDraft::CellLibraryDraft(double uorPerMaster) : model_(std::make_uniqu
     model_->uorPerMaster = uorPerMaster;
     model_->levels.push_back({.id = 1, .code = 0, .name = L"Default", .stored = true});
     model_->nextLevel = 2;
-    model_->tablesChanged = true;
 }
 
 CellLibraryDraft::~CellLibraryDraft() = default;
@@ -185,7 +181,9 @@ bool CellLibraryDraft::add(const ElementDescr* cell) {
     if (name.empty() || std::ranges::any_of(names_, isSame)) return false;
     std::vector<StoredNode> unit;
     flatten(cell, 0, unit);
-    const auto isSound = [](const StoredNode& n) { return elementIsSound(n.element, MDL_ELEMENT_BYTES); };
+    const auto isSound = [](const StoredNode& n) {
+        return n.depth <= ElementStore::maxDepth && elementIsSound(n.element, MDL_ELEMENT_BYTES);
+    };
     if (!std::ranges::all_of(unit, isSound) || ElementStore::unitBytes(unit) > ElementStore::maxUnitBytes) return false;
     model_->elements.add(unit);
     names_.push_back(std::move(name));
@@ -193,22 +191,7 @@ bool CellLibraryDraft::add(const ElementDescr* cell) {
 }
 
 void CellLibraryDraft::write(const std::string& path) {
-    const std::string draft = path + "." + std::to_string(getpid()) + ".draft";
-    unlink(draft.c_str());
-    struct Remover {
-        const std::string& path;
-        ~Remover() { unlink(path.c_str()); }  // finds nothing once the draft has its name
-    } remover{draft};
-    createContainer(draft, model_->is3d, FileKind::cellLibrary);
-    {
-        ContainerWriter writer(draft);
-        for (ElementStore::Chunk& chunk : model_->elements.chunks()) chunk.changed = true;
-        model_->tablesChanged = true;
-        writer.save(*model_);
-    }
-    if (std::rename(draft.c_str(), path.c_str()) != 0) {
-        refuse("it can't be put in its place. Check the permissions of its folder, and that no folder has its name.");
-    }
+    replaceContainer(path, *model_, FileKind::cellLibrary);
 }
 
 }  // namespace host

@@ -12,6 +12,7 @@
 
 #include "host/model/digest.h"
 #include "host/model/new_file.h"
+#include "host/model/table_rules.h"
 #include "host/model/utf8.h"
 
 namespace host {
@@ -240,7 +241,7 @@ void loadChunks(Database& database, ModelRef& model, int64_t count) {
     Statement s(database, "SELECT rowid,number,digest FROM chunk WHERE model=1 ORDER BY number");
     BlobReader blob(database, "chunk", "bytes");
     for (int64_t number = 0; number < count; ++number) {
-        if (!s.step() || s.integer(1) != number) throw FileProblem(damaged);
+        if (!s.step() || !s.isInteger(1) || s.integer(1) != number) throw FileProblem(damaged);
         const uint32_t used = blob.open(s.integer(0));
         if (used > mostChunkBytes) throw FileProblem(damaged);
         const bool isLast = number + 1 == count;  // it goes on being filled
@@ -267,7 +268,7 @@ void loadModel(Database& database, ModelRef& model) {
     loadLevels(database, model);
     loadLineStyles(database, model);
     loadTextStyles(database, model);
-    if (modelDigest(model, nextPosition, chunkCount) != sum) throw FileProblem(damaged);
+    if (modelDigest(model, nextPosition, chunkCount) != sum || !tablesAreSound(model)) throw FileProblem(damaged);
     model.elements.reservePositions(static_cast<uint32_t>(nextPosition));
     loadChunks(database, model, chunkCount);
 }
@@ -301,23 +302,43 @@ void storeChunks(Database& database, ModelRef& model) {
     Statement(database, "DELETE FROM chunk WHERE model=? AND number>=?").execute(onlyModel, number);
 }
 
-void writeEmpty(const std::string& path, bool is3d, FileKind kind) {
-    ModelRef model = {};
-    model.is3d = is3d;
-    model.levels.push_back({.id = 1, .code = 0, .name = L"Default", .stored = true});
-    model.nextLevel = 2;
+// Writes all of a model to a new file. Nobody knows the file before it has its name, so it needs no journal, and one
+// wait for the disk behind it all is enough.
+void writeWhole(const std::string& path, ModelRef& model, FileKind kind) {
     Database database;
     database.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-    // Nobody knows the file before it has its name, so one wait for the disk behind it all is enough.
     database.run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF");
     database.run("PRAGMA page_size=" + std::to_string(pageBytes) +
                  "; PRAGMA application_id=" + std::to_string(applicationIds[static_cast<size_t>(kind)]) +
                  "; PRAGMA user_version=" + std::to_string(formatVersion));
     Transaction transaction(database);
     for (const char* table : schema) database.run(table);
+    for (ElementStore::Chunk& chunk : model.elements.chunks()) chunk.changed = true;
+    storeChunks(database, model);
     storeTables(database, model);
-    storeModelRow(database, model, 0);
+    storeModelRow(database, model, static_cast<int64_t>(model.elements.chunks().size()));
     transaction.commit();
+}
+
+using Publish = void (*)(const std::string& temporary, const std::string& path);
+
+// Writes a file under a name of its own, and then gives it the path.
+void writeAndPublish(const std::string& path, ModelRef& model, FileKind kind, Publish publish) {
+    const std::string temporary = temporaryName(path);
+    unlink(temporary.c_str());  // of a process of our number that was killed
+    try {
+        writeWhole(temporary, model, kind);
+        publish(temporary, path);
+    } catch (const SqliteFailure& failure) {
+        unlink(temporary.c_str());
+        throw FileProblem(sqliteReason(failure));
+    } catch (const std::system_error& error) {
+        throw FileProblem("it can't be made (" + error.code().message() + "). Give another name or folder.");
+    }
+}
+
+void removeCompanions(const std::string& path) {
+    for (const char* companion : {"-wal", "-shm", "-journal"}) unlink((path + companion).c_str());
 }
 
 }  // namespace
@@ -330,18 +351,16 @@ std::optional<uint32_t> applicationIdOf(const std::string& path) {
 void createContainer(const std::string& path, bool is3d, FileKind kind) {
     struct stat there;
     if (lstat(path.c_str(), &there) == 0) throw FileProblem("a file of that name is there. Give another name.");
-    // The log of a file that was removed would be taken for the new file's own.
-    for (const char* companion : {"-wal", "-shm", "-journal"}) unlink((path + companion).c_str());
-    const std::string temporary = temporaryName(path);
-    try {
-        writeEmpty(temporary, is3d, kind);
-        publishFile(temporary, path);
-    } catch (const SqliteFailure& failure) {
-        unlink(temporary.c_str());
-        throw FileProblem(sqliteReason(failure));
-    } catch (const std::system_error& error) {
-        throw FileProblem("it can't be made (" + error.code().message() + "). Give another name or folder.");
-    }
+    removeCompanions(path);  // the log of a file that was removed would be taken for the new file's own
+    ModelRef model = {};
+    model.is3d = is3d;
+    model.levels.push_back({.id = 1, .code = 0, .name = L"Default", .stored = true});
+    model.nextLevel = 2;
+    writeAndPublish(path, model, kind, publishFile);
+}
+
+void replaceContainer(const std::string& path, ModelRef& model, FileKind kind) {
+    writeAndPublish(path, model, kind, replaceFile);
 }
 
 void loadContainer(const std::string& path, ModelRef& model, FileKind kind) {

@@ -31,6 +31,10 @@ std::optional<uint32_t> applicationIdOf(const std::string& path);
 // Makes an empty file; FileProblem when the name is taken or it can't be written, and nothing is left then.
 void createContainer(const std::string& path, bool is3d, FileKind kind = FileKind::designFile);
 
+// Writes all of a model as a file, in place of any of that name that is at rest: whole, or FileProblem, and that file
+// is as it was.
+void replaceContainer(const std::string& path, ModelRef& model, FileKind kind);
+
 // Reads and checks all of a file. FileProblem when it can't be used.
 void loadContainer(const std::string& path, ModelRef& model, FileKind kind = FileKind::designFile);
 

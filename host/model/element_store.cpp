@@ -24,14 +24,14 @@ const MSElementBuffer* elementBehind(const NodeHead* node) {
 bool nodesAreSound(const RecordHead* record) {
     const std::byte* at = nodesOf(record);
     uint64_t left = record->bytes;
-    for (uint32_t maxDepth = 0; left != 0;) {
+    for (uint32_t deepest = 0; left != 0;) {
         if (left < sizeof(NodeHead)) return false;
         const auto* node = reinterpret_cast<const NodeHead*>(at);
         const uint64_t bytes = sizeof(NodeHead) + filledToWord(node->bytes);
         const bool first = at == nodesOf(record);
-        if (bytes > left || node->depth > maxDepth || (node->depth == 0) != first) return false;
+        if (bytes > left || node->depth > deepest || (node->depth == 0) != first) return false;
         if (!elementIsSound(node + 1, node->bytes) || elementBytes(elementBehind(node)) != node->bytes) return false;
-        maxDepth = node->depth + 1;
+        deepest = std::min(node->depth + 1, ElementStore::maxDepth);
         at += bytes;
         left -= bytes;
     }

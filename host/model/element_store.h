@@ -72,6 +72,8 @@ class ElementStore {
   public:
     static constexpr uint32_t chunkBytes = 256 * 1024;  // larger only for a single record that needs more
     static constexpr uint32_t maxUnitBytes = 256 * 1024 * 1024;
+    static constexpr uint32_t maxDepth =
+        500;  // components in components: who walks them may call itself for each depth
 
     struct Chunk {
         std::byte* bytes = nullptr;  // in the store's memory
@@ -82,8 +84,9 @@ class ElementStore {
 
     ElementStore();
 
-    // The unit's first node is the element, the others are its components. They are sound elements; the unit is no
-    // longer than maxUnitBytes (see unitBytes). Nothing has changed when these throw std::bad_alloc.
+    // The unit's first node is the element, the others are its components. They are sound elements, nested no deeper
+    // than maxDepth; the unit is no longer than maxUnitBytes (see unitBytes). Nothing has changed when these throw
+    // std::bad_alloc.
     FilePos add(std::span<const StoredNode> unit);
     void replace(FilePos position, std::span<const StoredNode> unit);  // of a live element
     void remove(FilePos position);                                     // of a live element

@@ -33,6 +33,8 @@ bool canBeStored(const ModelRef& model, std::span<const StoredNode> unit) {
         fileProblem("An element isn't stored: its size and the offset of its attributes don't fit. Build it anew.");
     } else if (ElementStore::unitBytes(unit) > ElementStore::maxUnitBytes) {
         fileProblem("An element isn't stored: it is larger than 256 MB with its components. Divide it.");
+    } else if (std::ranges::max(unit, {}, &StoredNode::depth).depth > ElementStore::maxDepth) {
+        fileProblem("An element isn't stored: cells in it are nested deeper than 500 times. Take some of them apart.");
     } else if (model.elements.nextPosition() == UINT32_MAX) {
         fileProblem("An element isn't stored: the file has had all the elements that it can number. Copy it.");
     } else {

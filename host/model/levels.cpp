@@ -2,18 +2,16 @@
 #include "host/mdl/level.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cwchar>
 
 #include "host/mdl/element.h"
 #include "host/model/model.h"
-#include "host/model/utf8.h"
+#include "host/model/table_rules.h"
 #include "host/session/guard.h"
 
 namespace host {
 namespace {
 
-constexpr size_t longestName = 511;
 constexpr int32_t firstFreeCode = 64;  // codes below belong to "Level 1" to "Level 63"
 constexpr int32_t colorByLevel = -1, weightByLevel = -1, styleByLevel = 0x7FFFFFFF;
 
@@ -54,10 +52,6 @@ int32_t codeFor(const ModelRef& model, std::wstring_view name) {
 template <class Value>
 void takeIfGiven(Value& to, const Value* from) {
     if (from) to = *from;
-}
-
-bool isFinite(const LineStyleParams& params) {
-    return std::isfinite(params.scale) && std::isfinite(params.startWidth) && std::isfinite(params.endWidth);
 }
 
 // Changes a level of a model that can be written.
@@ -154,8 +148,7 @@ int mdlLevel_getNextId(LevelId* idP, ModelRef* model) {
 
 int mdlLevel_create(LevelId* idP, ModelRef* model, const wchar_t* name) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
-        if (name == nullptr || *name == L'\0' || std::wcslen(name) > longestName) return MDL_ERROR;
-        if (!isUnicode(name)) return MDL_ERROR;
+        if (name == nullptr || !isTableName(name)) return MDL_ERROR;
         ModelRef* found = writableModel(model);
         if (found == nullptr || levelByName(found, name) != nullptr) return MDL_ERROR;
         const Level& level = addLevel(*found, name);

@@ -19,6 +19,10 @@ int waitForDisk(const std::string& path) {
     return error;
 }
 
+int giveNameOfAnother(const std::string& temporary, const std::string& path) {
+    return rename(temporary.c_str(), path.c_str()) == 0 ? 0 : errno;
+}
+
 int giveName(const std::string& temporary, const std::string& path) {
     if (link(temporary.c_str(), path.c_str()) == 0) {
         unlink(temporary.c_str());
@@ -28,7 +32,7 @@ int giveName(const std::string& temporary, const std::string& path) {
     const bool noLinks = error == EPERM || error == EOPNOTSUPP || error == ENOSYS;
     if (!noLinks) return error;
     if (access(path.c_str(), F_OK) == 0) return EEXIST;
-    return rename(temporary.c_str(), path.c_str()) == 0 ? 0 : errno;
+    return giveNameOfAnother(temporary, path);
 }
 
 }  // namespace
@@ -37,12 +41,26 @@ std::string temporaryName(const std::string& path) {
     return path + "." + std::to_string(getpid()) + ".new";
 }
 
-void publishFile(const std::string& temporary, const std::string& path) {
+namespace {
+
+using Name = int (*)(const std::string& temporary, const std::string& path);
+
+void publish(const std::string& temporary, const std::string& path, Name name) {
     int error = waitForDisk(temporary);
-    if (error == 0) error = giveName(temporary, path);
+    if (error == 0) error = name(temporary, path);
     if (error == 0) return;
     unlink(temporary.c_str());
     throw std::system_error(error, std::generic_category());
+}
+
+}  // namespace
+
+void publishFile(const std::string& temporary, const std::string& path) {
+    publish(temporary, path, giveName);
+}
+
+void replaceFile(const std::string& temporary, const std::string& path) {
+    publish(temporary, path, giveNameOfAnother);
 }
 
 }  // namespace host

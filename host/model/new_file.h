@@ -12,4 +12,7 @@ std::string temporaryName(const std::string& path);
 // temporary file removed, when that fails; file_exists when the name has been taken in the meantime.
 void publishFile(const std::string& temporary, const std::string& path);
 
+// The same in place of any file that has the name.
+void replaceFile(const std::string& temporary, const std::string& path);
+
 }  // namespace host

@@ -70,6 +70,7 @@ class Statement {
     bool step();                                       // true for a row
     void reset() noexcept { sqlite3_reset(handle_); }  // gives up the rows that are left
 
+    bool isInteger(int column) const { return sqlite3_column_type(handle_, column) == SQLITE_INTEGER; }
     int64_t integer(int column) const { return sqlite3_column_int64(handle_, column); }
     double real(int column) const { return sqlite3_column_double(handle_, column); }
     std::string_view text(int column) const;

@@ -1,15 +1,13 @@
 // Line styles and text styles of a model.
 #include <algorithm>
-#include <cmath>
 #include <cstring>
-#include <cwchar>
 #include <memory>
 
 #include "host/mdl/level.h"
 #include "host/mdl/lists.h"
 #include "host/mdl/text.h"
 #include "host/model/model.h"
-#include "host/model/utf8.h"
+#include "host/model/table_rules.h"
 #include "host/session/guard.h"
 
 struct MdlTextStyle {
@@ -19,21 +17,9 @@ struct MdlTextStyle {
 namespace host {
 namespace {
 
-constexpr size_t lineStyleNameBytes = 64;  // with the NUL
-constexpr int32_t mostDashes = 32;
 constexpr int32_t builtInStyles = 8;
-constexpr size_t longestTextStyleName = 511;
 constexpr TextParams openParams = {-1, -1, -1, -1, 0, 0, 0};
 constexpr TextSize openSize = {1, 0, 0, 0};
-
-bool isNameOfLineStyle(const char* name) {
-    return name && *name != '\0' && strnlen(name, lineStyleNameBytes) < lineStyleNameBytes;
-}
-
-bool isPattern(const double* pattern, int32_t count) {
-    if (count < 0 || count > mostDashes || (pattern == nullptr && count != 0)) return false;
-    return std::all_of(pattern, pattern + count, [](double length) { return std::isfinite(length) && length >= 0; });
-}
 
 const LineStyle* lineStyleByName(const ModelRef& model, std::string_view name) {
     const auto found = std::ranges::find(model.lineStyles, name, &LineStyle::name);
@@ -44,11 +30,6 @@ bool addStyleRow(ListModel* list, int32_t value, const char* text) {
     const int32_t row = mdlListModel_addRow(list);
     return row >= 0 && mdlListModel_setText(list, row, 0, text) == MDL_SUCCESS &&
            mdlListModel_setValue(list, row, 0, value) == MDL_SUCCESS;
-}
-
-bool isFinite(const TextParams& params, const TextSize& size) {
-    return std::isfinite(params.slant) && std::isfinite(params.lineSpacing) && std::isfinite(size.width) &&
-           std::isfinite(size.height) && std::isfinite(size.aspect);
 }
 
 }  // namespace
@@ -66,7 +47,9 @@ using namespace host;
 
 int mdlLineStyle_define(int32_t* numberP, ModelRef* model, const char* name, const double* pattern, int32_t count) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
-        if (!isNameOfLineStyle(name) || !isPattern(pattern, count)) return MDL_ERROR;
+        if (name == nullptr || !isLineStyleName({name, strnlen(name, lineStyleNameBytes)})) return MDL_ERROR;
+        if (count < 0 || (pattern == nullptr && count != 0)) return MDL_ERROR;
+        if (!isDashPattern({pattern, static_cast<size_t>(count)})) return MDL_ERROR;
         ModelRef* found = writableModel(model);
         if (found == nullptr) return MDL_ERROR;
         std::vector<double> dashes(pattern, pattern + count);
@@ -146,8 +129,7 @@ int mdlTextStyle_getTextParamWideFromStyle(TextParams* params, TextSize* size, c
 int mdlTextStyle_define(ModelRef* model, const wchar_t* name, const TextParams* params, const TextSize* size) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         const TextStyle style = {params ? *params : openParams, size ? *size : openSize};
-        if (name == nullptr || *name == L'\0' || std::wcslen(name) > longestTextStyleName) return MDL_ERROR;
-        if (!isUnicode(name) || !isFinite(style.params, style.size)) return MDL_ERROR;
+        if (name == nullptr || !isTableName(name) || !isFinite(style)) return MDL_ERROR;
         ModelRef* found = writableModel(model);
         if (found == nullptr) return MDL_ERROR;
         found->textStyles[name] = style;
