@@ -4,6 +4,7 @@
 #include <span>
 #include <system_error>
 
+#include "host/model/new_file.h"
 #include "host/model/sqlite.h"
 
 namespace host {
@@ -247,15 +248,16 @@ ResourceContents readContainer(const std::string& path) {
 }
 
 void writeContainer(const std::string& path, const ResourceContents& contents) {
-    const std::string fresh = path + ".new";
+    const std::string fresh = temporaryName(path);
     std::error_code ignored;
     std::filesystem::remove(fresh, ignored);
     try {
         writeAll(fresh, contents);
-        std::filesystem::rename(fresh, path);
+        replaceFile(fresh, path);
     } catch (const std::exception& error) {
         std::filesystem::remove(fresh, ignored);
-        refuse(path, "can't be written (" + std::string(error.what()) + ")");
+        refuse(path, "can't be written (" + std::string(error.what()) +
+                         "); make sure that its folder is there and can be written to, and that there is room");
     }
 }
 
