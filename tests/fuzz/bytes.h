@@ -40,3 +40,13 @@ class Bytes {
 inline void require(bool good) {
     if (!good) __builtin_trap();
 }
+
+// Puts bytes of the input at places that it tells, and cuts what is behind such a place.
+inline void patch(std::string& file, Bytes& input) {
+    while (!input.empty()) {
+        const size_t at = input.take<uint32_t>() % file.size();
+        const auto what = input.take<uint8_t>();
+        if (what == 0) file.resize(std::max<size_t>(at, 1));
+        for (size_t i = at; i < at + what % 16 && i < file.size(); ++i) file[i] = input.take<char>();
+    }
+}

@@ -2,46 +2,19 @@
 // start over until the file has ended. Texts are given blocks of exactly the bytes that the header tells.
 #include "text/fii.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "bytes.h"
+#include "folder.h"
 
 namespace {
 
 constexpr size_t textSize = 256;
 constexpr int mostCalls = 400;
-
-// A folder for the files of this process; the top file's name is none that a file would guess.
-class Folder {
-  public:
-    Folder() : path_(std::string(access("/dev/shm", W_OK) == 0 ? "/dev/shm" : "/tmp") + "/fuzz_fii_XXXXXX") {
-        require(mkdtemp(path_.data()));
-    }
-    ~Folder() {
-        for (const char* name : {"/a_top_file", "/b", ""}) std::remove((path_ + name).c_str());
-    }
-    const std::string& path() const { return path_; }
-
-  private:
-    std::string path_;
-};
-
-std::string write(const char* name, const std::string& text) {
-    static const Folder folder;
-    const std::string path = folder.path() + "/" + name;
-    FILE* const out = std::fopen(path.c_str(), "w");
-    std::fwrite(text.data(), 1, text.size(), out);
-    std::fclose(out);
-    return path;
-}
 
 struct Call {
     uint8_t kind;
@@ -160,10 +133,11 @@ void make(McFii& f, const Call& call) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Bytes input(data, size);
     const Scene scene = sceneOf(input);
-    const std::string top = write("a_top_file", input.text());
+    // The top file has a name that no file would guess.
+    const std::string top = folder().write("a_top_file", input.text());
     std::string included = input.text();
     std::ranges::replace(included, '%', '5');  // it includes no more files, itself least of all
-    write("b", included);
+    folder().write("b", included);
     McFii f;
     const char* const separators = scene.ownSeparators ? scene.separators.c_str() : nullptr;
     if (mclibFii_openExtended(&f, top.c_str(), "r", scene.continuation.c_str(), scene.comment.c_str(), scene.bufferSize,

@@ -7,7 +7,9 @@
 
 #include "host/mdl/files.h"
 #include "host/mdl/level.h"
+#include "host/mdl/text.h"
 #include "tests/host/model/model_fixture.h"
+#include "tests/support/model_digests.h"
 
 namespace {
 
@@ -22,6 +24,7 @@ class DamagedFile : public DesignFileTest {
         mdlLevelTable_rewrite(nullptr);
         const double dashes[] = {2, 1};
         mdlLineStyle_define(nullptr, nullptr, "fence", dashes, 2);
+        mdlTextStyle_define(nullptr, L"Large", nullptr, nullptr);
         for (uint32_t i = 1; i <= 200; ++i) mdlElement_add(numbered(i, level));
         close();
         whole_ = readFile("a.mcd");
@@ -69,13 +72,14 @@ class DamagedFile : public DesignFileTest {
         }
     }
 
-    // The whole file after some SQL.
-    std::string after(const std::string& sql) {
+    // The whole file after some SQL; then with its digests made right again.
+    std::string after(const std::string& sql, bool digests = false) {
         const std::string name = writeFile("changed.mcd", whole_);
         sqlite3* database = nullptr;
         EXPECT_EQ(sqlite3_open(name.c_str(), &database), SQLITE_OK);
         EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
             << sqlite3_errmsg(database);
+        if (digests) setModelDigests(database);
         sqlite3_close(database);
         return readFile("changed.mcd");
     }
@@ -108,6 +112,24 @@ TEST_F(DamagedFile, ChangedTablesAreRefused) {
           "INSERT INTO chunk VALUES(1,1,0,x'')", "ALTER TABLE level RENAME COLUMN code TO cod"}) {
         SCOPED_TRACE(sql);
         expectRefused(after(sql), "damaged");
+    }
+}
+
+// What no call would have taken, in a file whose digests are right.
+TEST_F(DamagedFile, TablesThatNoCallWouldMakeAreRefused) {
+    makeWhole();
+    writeFile("same.mcd", after("UPDATE level SET name=name", true));
+    ASSERT_TRUE(contents(path("same.mcd"))) << "the digests aren't made right";
+    for (const char* sql :
+         {"UPDATE level SET name='' WHERE id=1", "UPDATE level SET name=printf('%0600d',1) WHERE id=1",
+          "UPDATE level SET id=0 WHERE id=1", "UPDATE level SET code=2147483647 WHERE id=1",
+          "UPDATE level SET style_scale=9e999 WHERE id=1", "UPDATE model SET next_level=2",
+          "UPDATE model SET uor_per_master=0", "UPDATE line_style SET number=-2", "UPDATE line_style SET number=1",
+          "UPDATE line_style SET name=CAST(printf('%064d',1) AS BLOB)", "UPDATE line_style SET pattern=zeroblob(33*8)",
+          "UPDATE line_style SET pattern=x'000000000000F0BF'", "UPDATE text_style SET name=''",
+          "UPDATE text_style SET width=-9e999", "UPDATE chunk SET number=0.5"}) {
+        SCOPED_TRACE(sql);
+        expectRefused(after(sql, true), "damaged");
     }
 }
 

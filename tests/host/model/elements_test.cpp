@@ -169,4 +169,25 @@ TEST_F(Elements, NothingIsReadFromPositionsWithoutAnElement) {
     }
 }
 
+// Whoever walks components calls itself for each depth, so there is an end to it.
+TEST_F(Elements, CellsAreNestedToALimit) {
+    MSElementBuffer header;
+    ASSERT_EQ(mdlCell_create(&header, L"cell", nullptr, 0), MDL_SUCCESS);
+    for (const int depth : {500, 501}) {
+        ElementDescr* cell = nullptr;
+        mdlElmdscr_new(&cell, nullptr, line(0, 0, 1, 1));
+        for (int i = 0; i < depth; ++i) {
+            ElementDescr* outer = nullptr;
+            mdlElmdscr_new(&outer, nullptr, &header);
+            mdlElmdscr_appendDscr(outer, cell);
+            cell = outer;
+        }
+        EXPECT_EQ(mdlElmdscr_add(cell) != 0, depth == 500);
+        mdlElmdscr_freeAll(&cell);
+    }
+    EXPECT_NE(onlyMessage("nested deeper").find("500"), std::string::npos);
+    reopen();
+    EXPECT_EQ(mdlModelRef_getElementCount(nullptr), 1u);
+}
+
 }  // namespace

@@ -1,18 +1,17 @@
 // Resource files against processes that are killed while they write, and against each other.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <functional>
 #include <random>
 #include <string>
 #include <thread>
 
 #include "host/resource/container.h"
 #include "host/resource/store.h"
+#include "tests/support/child.h"
 
 namespace {
 
@@ -32,24 +31,6 @@ StoredList listOf(int value) {
     list.texts.assign(20, std::to_string(value));
     list.info.assign(20, value);
     return list;
-}
-
-pid_t runChild(const std::function<void()>& body) {
-    const pid_t child = fork();
-    if (child != 0) return child;
-    try {
-        body();
-    } catch (const std::exception& error) {
-        fprintf(stderr, "%s\n", error.what());
-        _exit(1);
-    }
-    _exit(0);
-}
-
-int exitStatus(pid_t child) {
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 class Survival : public testing::Test {
@@ -90,39 +71,24 @@ class Survival : public testing::Test {
     std::string file;
 };
 
-// Writes without end, and tells each write through the pipe.
-void writeOn(const std::string& file, int value, int pipe) {
-    for (;;) {
-        ResourceStore store(file);  // opens, writes and closes, so that each of these is met
-        for (int i = 0; i < 3; ++i, ++value) {
-            store.put(Put::replace, type, id, blockOf(value), 0, "");
-            store.put(Put::replace, id, listOf(value), "");
-            [[maybe_unused]] const ssize_t told = write(pipe, "w", 1);
-        }
-    }
-}
-
 TEST_F(Survival, AKilledWriterLeavesWholeContent) {
     make();
-    std::mt19937 random(1);
-    std::uniform_int_distribution<int> writes(0, 4), microseconds(0, 3000);
-    int changed = 0;
-    for (int round = 0, last = 0; round < 200; ++round) {
-        int ends[2];
-        ASSERT_EQ(pipe(ends), 0);
-        const pid_t child = runChild([&] { writeOn(file, last + 1, ends[1]); });
-        close(ends[1]);
-        char byte;
-        for (int n = writes(random); n > 0; --n) ASSERT_EQ(read(ends[0], &byte, 1), 1) << "the writer ended by itself";
-        std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
-        kill(child, SIGKILL);
-        ASSERT_EQ(exitStatus(child), -1) << "the writer ended by itself";
-        close(ends[0]);
+    int last = 0, changed = 0;
+    const auto writeOn = [&](auto tell) {
+        for (int value = last + 1;;) {
+            ResourceStore store(file);  // opens, writes and closes, so that each of these is met
+            for (int i = 0; i < 3; ++i, ++value) {
+                store.put(Put::replace, type, id, blockOf(value), 0, "");
+                store.put(Put::replace, id, listOf(value), "");
+                tell();
+            }
+        }
+    };
+    killWriters(200, writeOn, [&] {
         const int value = wholeValue();
-        ASSERT_FALSE(HasFailure()) << "round " << round;
         changed += value != last;
         last = value;
-    }
+    });
     EXPECT_GT(changed, 100);
 }
 
@@ -131,10 +97,13 @@ TEST_F(Survival, AKilledMakerLeavesNoHalfFile) {
     std::uniform_int_distribution<int> microseconds(0, 6000);
     for (int round = 0; round < 40; ++round) {
         fs::remove(file);
-        const pid_t child = runChild([&] { host::createResourceFile(file, "title"); });
+        const pid_t child = startChild([&] {
+            host::createResourceFile(file, "title");
+            return 0;
+        });
         std::this_thread::sleep_for(std::chrono::microseconds(microseconds(random)));
         kill(child, SIGKILL);
-        exitStatus(child);
+        waitForChild(child);
         if (fs::exists(file)) {
             EXPECT_NO_THROW(host::readContainer(file));
         }
@@ -168,19 +137,20 @@ TEST_F(Survival, TwoWritersKeepEachOthersContent) {
     make();
     constexpr int each = 150;
     const auto writer = [&](int32_t own) {
-        return runChild([&, own] {
+        return startChild([&, own] {
             for (int n = 0; n < each; ++n) {
                 ResourceStore store(file);
                 store.put(Put::add, own, n, blockOf(n), 0, "");
                 store.put(Put::replace, type, id, blockOf(own * 100 + n % 50), 0, "");
                 store.put(Put::replace, id, listOf(n), "");
             }
+            return 0;
         });
     };
     const pid_t first = writer(1), second = writer(2);
     for (int look = 0; look < 20; ++look) wholeValue();
-    EXPECT_EQ(exitStatus(first), 0);
-    EXPECT_EQ(exitStatus(second), 0);
+    EXPECT_EQ(waitForChild(first), 0);
+    EXPECT_EQ(waitForChild(second), 0);
     wholeValue();
     ResourceStore store(file);
     EXPECT_EQ(store.blocks().size(), 2u * each + 1);

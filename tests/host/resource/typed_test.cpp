@@ -2,11 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -16,6 +13,7 @@
 #include "host/mdl/resource.h"
 #include "host/resource/container.h"
 #include "host/resource/store.h"
+#include "tests/support/child.h"
 #include "tests/support/session_fixture.h"
 
 namespace {
@@ -167,23 +165,18 @@ TEST_F(Typed, AFullDiskKeepsTheOldContent) {
         host::ResourceStore store(file);
         store.put(host::Put::add, type, 1, std::as_bytes(std::span("old", 3)), 0, "");
     }
-    const pid_t child = fork();
-    if (child == 0) {
-        std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{200'000, 200'000};
-        setrlimit(RLIMIT_FSIZE, &limit);
+    const int status = inChild([&] {
+        limitFileSize(200'000);
         const std::string big(1'000'000, 'x');
         try {
             host::ResourceStore store(file);
             store.put(host::Put::replace, type, 1, std::as_bytes(std::span(big)), 0, "");
         } catch (const host::StoreFailure& failure) {
-            _exit(failure.readOnly ? 2 : 0);
+            return failure.readOnly ? 2 : 0;
         }
-        _exit(1);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(WEXITSTATUS(status), 0) << "1: the write went well, 2: it was taken for a protected file";
+        return 1;
+    });
+    EXPECT_EQ(status, 0) << "1: the write went well, 2: it was taken for a protected file";
     EXPECT_EQ(load(open(file), 1), "old");
 }
 

@@ -1,0 +1,52 @@
+// A session for fuzzers: an application of the family runs in it, nobody looks at it and nobody answers.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "folder.h"
+#include "frame/main.h"
+#include "host/front/front_end.h"
+#include "host/session/session.h"
+
+class FuzzFrontEnd : public host::FrontEnd {
+  public:
+    std::vector<std::string> messages;  // of the message centre
+
+    void console(std::string_view) override {}
+    void messageField(int, std::string_view) override {}
+    void messageCenter(int, std::string_view brief, std::string_view) override { messages.emplace_back(brief); }
+    bool runModal(host::Dialog&) override { return false; }
+
+    // A file was refused with one line that names it.
+    void requireRefusal(const std::string& path) const {
+        require(messages.size() == 1);
+        require(messages.front().find(path) != std::string::npos);
+        require(messages.front().find('\n') == std::string::npos);
+    }
+};
+
+struct FuzzSession {
+    FuzzFrontEnd& front;
+    host::Session& session;
+    MdlDesc* application;
+};
+
+// Begins at the first call and lasts as long as the process.
+inline FuzzSession& fuzzSession() {
+    static FuzzSession* const only = [] {
+        auto front = std::make_unique<FuzzFrontEnd>();
+        FuzzFrontEnd& shown = *front;
+        folder();  // goes when the session has no more files in it
+        auto* session = new host::Session({.frontEnd = std::move(front),
+                                           .variables = {{"MS_APPRSC", BUILD_DIR "/lib/mclib.rsc"},
+                                                         {"MS_USERPREF", folder().pathOf("user.rsc")},
+                                                         {"MC_DRIVE_C", folder().pathOf("drive_c")}}});
+        const auto main = [](int argc, char** argv) { return mclibMain_initMcLib("Fuzzer", argc, argv); };
+        MdlDesc* application = session->startApplication("fuzzer", main);
+        return new FuzzSession{shown, *session, application};
+    }();
+    return *only;
+}
