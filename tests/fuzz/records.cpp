@@ -119,7 +119,7 @@ constexpr Record records[] = {
     titleBlock<mclibSideData>,
     element,
     [](std::span<const uint8_t> input) { setup(input, print::setupSize); },
-    [](std::span<const uint8_t> input) { setup(input, print::olderSetupSize); },
+    [](std::span<const uint8_t> input) { setup(input, print::olderSize); },
 };
 
 }  // namespace

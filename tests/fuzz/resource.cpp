@@ -15,7 +15,7 @@
 #include "host/mdl/lists.h"
 #include "host/mdl/resource.h"
 #include "host/resource/store.h"
-#include "print/setup.h"
+#include "print/setup_record.h"
 #include "session.h"
 
 namespace {
@@ -24,7 +24,7 @@ using host::Put;
 
 constexpr int32_t rememberedType = MDL_RSC_TYPE('U', 's', 'F', 'i'), setupType = 0x50745365,
                   olderSetupType = 0x50725344;
-constexpr int32_t setupId = 20002, olderSetupId = 20001, rememberedId = -20001, listId = 5;
+constexpr int32_t setupId = print::SETUP_ID, olderSetupId = print::OLDER_ID, rememberedId = -20001, listId = 5;
 
 void put(host::ResourceStore& store, int32_t type, int32_t id, const std::string& bytes) {
     store.put(Put::either, type, id, std::as_bytes(std::span(bytes)), 0, "");
