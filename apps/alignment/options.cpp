@@ -1,8 +1,6 @@
 #include "options.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
@@ -32,13 +30,6 @@ constexpr const char* usage =
     "  --attributes FILE.rsc       take the looks of attributes from that file, over what the input tells\n"
     "  --save-attributes FILE.rsc  keep the looks in that file\n"
     "  --own FILE.rsc   your own attributes: those of the file can be used, and the input's OWN lines are kept there\n";
-
-constexpr auto devices = std::to_array<Device>({
-    {"postscript", PRINT_POSTSCRIPT, ".ps"},
-    {"hpgl",       PRINT_HPGL,       ".hpgl"},
-    {"pcl",        PRINT_PCL,        ".pcl"},
-    {"ascii",      PRINT_ASCII,      ".txt"},
-});
 // clang-format on
 
 bool wrong(const std::string& what) {
@@ -74,10 +65,9 @@ bool setPicture(Options& options, std::string_view, const std::string& value) {
 }
 
 bool setDevice(Options& options, std::string_view, const std::string& value) {
-    const auto device = std::ranges::find(devices, value, &Device::name);
-    if (device == devices.end()) return wrong("--device takes postscript, hpgl, pcl or ascii, not \"" + value + "\"");
-    options.device = &*device;
-    return true;
+    if (const app::Device* device = app::deviceNamed(value)) options.device = device;
+    return app::deviceNamed(value) ||
+           wrong(std::string("--device takes ") + app::deviceNames + ", not \"" + value + "\"");
 }
 
 // Such as "1600x1130".
@@ -131,10 +121,6 @@ constexpr Flag flags[] = {
 };
 
 }  // namespace
-
-const Device& usualDevice() {
-    return devices[0];
-}
 
 void wrongCall(const std::string& what) {
     app::fail(what);

@@ -3,25 +3,18 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "apps/common/devices.h"
 #include "raster.h"
 
 namespace alignment {
-
-struct Device {
-    std::string_view name;
-    int number;          // PRINT_...
-    const char* suffix;  // of the print file
-};
-const Device& usualDevice();
 
 struct Options {
     std::string input;  // empty: to be asked for
     std::string out, printer, paper = "A3", picture = "png";
     std::string attributes, saveAttributes, own;  // resource files
-    const Device* device = &usualDevice();
+    const app::Device* device = &app::devices[0];
     std::optional<RasterSize> raster;
     double scale = 0, step = 20;
     bool portrait = false, overwrite = false, list = false, last = false;
