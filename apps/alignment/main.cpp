@@ -11,6 +11,7 @@
 #include "apps/common/delivery.h"
 #include "apps/common/last_files.h"
 #include "apps/common/outputs.h"
+#include "apps/common/system_path.h"
 #include "apps/common/tell.h"
 #include "attributes.h"
 #include "checks.h"
@@ -55,7 +56,7 @@ fs::path outputBase(const Options& options) {
     const fs::path name = fs::path(options.input).stem();
     if (options.out.empty()) return name;
     const fs::path out = options.out;
-    return out.filename().empty() || fs::is_directory(out) ? out / name : out;
+    return out.filename().empty() || fs::is_directory(app::systemPath(out)) ? out / name : out;
 }
 
 bool writeDesignFile(const std::string& name, ElementDescr* page) {

@@ -10,6 +10,7 @@
 #include <span>
 #include <vector>
 
+#include "apps/common/system_path.h"
 #include "apps/common/tell.h"
 #include "host/mdl/element.h"
 #include "host/mdl/model.h"
@@ -226,7 +227,7 @@ bool writeRaster(const std::string& name, ElementDescr* page, const Sheet& sheet
     Bitmap bitmap(size);
     Rasterising rasterising(bitmap, sheet, size);
     mdlElmdscr_operation(page, drawElement, &rasterising, visitAll);
-    std::ofstream out(name, std::ios::binary);
+    std::ofstream out(app::systemPath(name), std::ios::binary);
     bitmap.write(out);
     out.close();
     return out.good() || app::fail(name + ": the picture can't be written; is the disk full?");

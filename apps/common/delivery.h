@@ -5,8 +5,8 @@
 
 namespace app {
 
-// `printer` is a port, a network printer or a command (print/delivery.h). The file stays, whatever comes of it. False after a
-// message.
+// `printer` is a port, a network printer or a command (print/delivery.h). The file stays, whatever comes of it. False
+// after a message.
 bool sendToPrinter(const std::string& file, const std::string& printer, int copies);
 
 }  // namespace app

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "apps/common/system_path.h"
 #include "apps/common/tell.h"
 #include "host/mdl/text.h"
 
@@ -49,7 +50,8 @@ bool Input::fail() {
 
 bool Input::open(const std::string& fileName) {
     std::error_code error;
-    if (!std::filesystem::is_regular_file(fileName, error)) return app::fail(fileName + ": there is no such file");
+    if (!std::filesystem::is_regular_file(systemPath(fileName), error))
+        return app::fail(fileName + ": there is no such file");
     if (mclibFii_openExtended(&fii_, fileName.c_str(), "r", "\\", "#", fileBufferSize, lineSize, nullptr) !=
         MCLIB_SUCCESS) {
         return app::fail(fileName + ": the file can't be read");

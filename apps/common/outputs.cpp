@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 
+#include "apps/common/system_path.h"
 #include "apps/common/tell.h"
 
 namespace app {
@@ -26,24 +27,24 @@ Outputs::~Outputs() {
 
 void Outputs::removeTemporaries() {
     std::error_code ignored;
-    for (const fs::path& file : temporaries_) fs::remove(file, ignored);
+    for (const fs::path& file : temporaries_) fs::remove(systemPath(file), ignored);
 }
 
 bool Outputs::prepare(const fs::path& input, bool overwrite) {
     std::error_code error;
     for (const fs::path& name : names_) {
-        const fs::file_status status = fs::symlink_status(name, error);
+        const fs::file_status status = fs::symlink_status(systemPath(name), error);
         if (!fs::exists(status)) continue;
         if (fs::is_directory(status))
             return fail(name.string() + ": a folder has that name; give another one with --out");
-        if (fs::equivalent(name, input, error))
+        if (fs::equivalent(systemPath(name), systemPath(input), error))
             return fail(name.string() + ": that is the input; give another name with --out");
         if (!overwrite) {
             return fail(name.string() + ": the file is there already; give --overwrite or another name with --out");
         }
     }
     for (const fs::path& file : temporaries_) {
-        if (std::ofstream(file)) continue;
+        if (std::ofstream(systemPath(file))) continue;
         return fail(file.parent_path().empty()
                         ? "the current folder can't be written: " + std::string(std::strerror(errno))
                         : file.parent_path().string() + ": the folder can't be written (" + std::strerror(errno) +
@@ -63,7 +64,7 @@ std::string Outputs::temporary(const char* suffix) const {
 bool Outputs::finish() {
     for (size_t i = 0; i < names_.size(); ++i) {
         std::error_code error;
-        fs::rename(temporaries_[i], names_[i], error);
+        fs::rename(systemPath(temporaries_[i]), systemPath(names_[i]), error);
         if (error) return fail(names_[i].string() + ": the file can't be put in place: " + error.message());
     }
     return true;

@@ -1,5 +1,5 @@
-// The files that an application makes. They are made under temporary names and get their own when all of them are whole,
-// so a failure on the way leaves what was there as it was.
+// The files that an application makes. They are made under temporary names and get their own when all of them are
+// whole, so a failure on the way leaves what was there as it was.
 #pragma once
 
 #include <filesystem>
@@ -9,7 +9,7 @@ namespace app {
 
 class Outputs {
   public:
-    // `base` is a path without suffix.
+    // `base` is a name of the host without suffix.
     Outputs(const std::filesystem::path& base, const std::vector<const char*>& suffixes);
     ~Outputs();  // removes what hasn't got its own name
     Outputs(const Outputs&) = delete;

@@ -11,6 +11,7 @@
 #include "apps/common/delivery.h"
 #include "apps/common/numbers.h"
 #include "apps/common/outputs.h"
+#include "apps/common/system_path.h"
 #include "apps/common/tell.h"
 #include "form.h"
 #include "host/mdl/dialog.h"
@@ -89,6 +90,10 @@ ExitStatus openPreview() {
     return done;
 }
 
+std::string counted(size_t count, const char* what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 bool printPages(const std::string& file, int device, PageRange range) {
     std::vector<std::string> names = job().pages->names();
     const std::vector<char*> pointers = pointersTo(names);
@@ -100,15 +105,15 @@ bool printPages(const std::string& file, int device, PageRange range) {
 bool printTo(const std::string& file, int device, PageRange range) {
     if (device != PRINT_ASCII) return printPages(file, device, range);
     const std::string part = file + ".page";
-    std::ofstream all(file, std::ios::binary);
+    std::ofstream all(app::systemPath(file), std::ios::binary);
     bool good = all.is_open();
     for (size_t page = range.first; good && page <= range.last; ++page) {
         good = printPages(part, device, {page, page});
         if (page > range.first) all << '\f';
-        all << std::ifstream(part, std::ios::binary).rdbuf();
+        all << std::ifstream(app::systemPath(part), std::ios::binary).rdbuf();
     }
     std::error_code ignored;
-    fs::remove(part, ignored);
+    fs::remove(app::systemPath(part), ignored);
     all.close();
     return good && all.good();
 }
@@ -127,8 +132,8 @@ ExitStatus print(const Options& options) {
     }
     if (!outputs.finish()) return failed;
     const std::string file = outputs.names().front().string();
-    toolSubsystem_printf("materials: made %s: %zu items, %zu pages\n", file.c_str(), job().list.items.size(),
-                         range->last - range->first + 1);
+    toolSubsystem_printf("materials: made %s: %s, %s\n", file.c_str(), counted(job().list.items.size(), "item").c_str(),
+                         counted(range->last - range->first + 1, "page").c_str());
     if (options.printer.empty()) return done;
     return app::sendToPrinter(file, options.printer, options.copies) ? done : failed;
 }

@@ -158,7 +158,8 @@ int takeElement(ElementDescr* ed, void* userArg, ScanCriteria*) {
     Survey& survey = *static_cast<Survey*>(userArg);
     mdlElmdscr_operation(ed, countElement, &survey, all);
     if (mdlElement_getType(ed->element) == MDL_APPLICATION_DATA) {
-        Record& record = survey.applicationData.emplace_back(applicationData(bytesOf(ed->element), survey.subject.full));
+        Record& record =
+            survey.applicationData.emplace_back(applicationData(bytesOf(ed->element), survey.subject.full));
         record.title += ", at position " + std::to_string(ed->filePos);
     }
     if (survey.subject.isLibrary)

@@ -49,6 +49,9 @@ MDL_EXPORT int mdlFile_buildName(char *path, const char *device, const char *dir
  * its device and the name itself stay ("c:\...\plots\sheet.ps"). A name that is too long even so keeps its end. A name
  * that fits isn't touched. */
 MDL_EXPORT int mdlFile_abbreviateName(char *name, int size);
+/* The path of the system (UTF-8) that a name stands for, for calls other than the host's. MDL_ERROR, and an empty path,
+ * when it doesn't fit in `size` bytes. */
+MDL_EXPORT int mdlFile_getSystemPath(char *path, int size, const char *name);
 
 /* ---- folders ---- */
 enum { MDL_ATTRIBUTE_READ_ONLY = 1, MDL_ATTRIBUTE_DIRECTORY = 128 };

@@ -153,6 +153,16 @@ int mdlFile_abbreviateName(char* name, int size) {
     });
 }
 
+int mdlFile_getSystemPath(char* path, int size, const char* name) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        if (path == nullptr || size < 1) return MDL_ERROR;
+        const std::string found = systemPath(name != nullptr ? name : "");
+        const bool fits = found.size() < static_cast<size_t>(size);
+        copyPart(path, fits ? found : std::string());
+        return fits ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
 int mdlFile_getFileAttributes(int32_t* attributesP, const char* name) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (name == nullptr || name[0] == '\0') return MDL_ERROR;

@@ -235,12 +235,12 @@ TEST_F(AlignmentKept, WhoNamesNoRoadIsAskedAndOfferedTheLastOnes) {
     EXPECT_FALSE(fs::exists(folder_ / "other.ps"));
 }
 
-TEST_F(AlignmentKept, WithoutAPlaceNothingIsRemembered) {
+TEST_F(AlignmentKept, ListingRemembersTheRoadAndMakesNothingHere) {
+    EXPECT_THAT(run("--last").output, HasSubstr("alignment.upf: no file is remembered yet"));
     const std::vector<std::string> before = files();
     succeed("road.txt --list");
+    EXPECT_THAT(run("--last --list").output, HasSubstr("station"));
     EXPECT_EQ(files(), before);
-    refuse("--last", "define MS_USERPREF");
-    EXPECT_THAT(run("--last", preferences).output, HasSubstr("alignment.upf: no file is remembered yet"));
     const Outcome both = run("road.txt --last");
     EXPECT_EQ(both.status, 2);
     EXPECT_THAT(both.output, HasSubstr("there can't be \"road.txt\" as well"));

@@ -57,7 +57,8 @@ TEST_F(Materials, PrintsTheExampleOnEachDevice) {
     EXPECT_THAT(read("list.txt"), AllOf(HasSubstr("1 of 7"), HasSubstr("7 of 7"), HasSubstr("Granlia waterworks")));
     EXPECT_EQ(countOf("\f", read("list.txt")), 6u);
     if (!canRun("gs")) GTEST_SKIP() << "Ghostscript isn't there";
-    EXPECT_EQ(shell("gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=bbox list.ps 2>&1 | grep -c '^%%BoundingBox'").output, "7\n");
+    EXPECT_EQ(shell("gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=bbox list.ps 2>&1 | grep -c '^%%BoundingBox'").output,
+              "7\n");
 }
 
 TEST_F(Materials, FieldsAreWorkedOut) {
@@ -142,6 +143,14 @@ TEST_F(Materials, WhatCantBeDoneLeavesFilesAlone) {
     EXPECT_EQ(run("list.txt --device fax").status, 2);
     EXPECT_THAT(files(), ElementsAre("kept.ps", "list.txt"));
     EXPECT_EQ(read("kept.ps"), "kept");
+}
+
+TEST_F(Materials, NamesMayHaveAnyLettersOfTheLanguages) {
+    write("bl\xc3\xa5.txt", "ITEM 1; r\xc3\xb8r\n");
+    const Outcome outcome = run("bl\xc3\xa5.txt --out gr\xc3\xb8nn.ps");
+    EXPECT_EQ(outcome.status, 0) << outcome.output;
+    EXPECT_THAT(outcome.output, HasSubstr("made gr\xc3\xb8nn.ps: 1 item, 1 page\n"));
+    EXPECT_THAT(files(), ElementsAre("bl\xc3\xa5.txt", "gr\xc3\xb8nn.ps"));
 }
 
 TEST_F(Materials, SendsTheFileToAPrinter) {

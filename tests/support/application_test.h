@@ -26,10 +26,17 @@ class ApplicationRun {
         : application_(application),
           folder_(std::filesystem::temp_directory_path() / (application + "_test_" + std::to_string(getpid()))) {
         std::filesystem::create_directories(folder_);
+        setenv("XDG_DATA_HOME", userFolder().c_str(), 1);
         // mchost is run with the sanitizers of the build; what the font library keeps to the end is no leak of ours.
         setenv("LSAN_OPTIONS", "suppressions=" TEST_SOURCE_DIR "/support/leaks.txt:print_suppressions=0", 1);
     }
-    ~ApplicationRun() { std::filesystem::remove_all(folder_); }
+    ~ApplicationRun() {
+        std::filesystem::remove_all(folder_);
+        std::filesystem::remove_all(userFolder());
+    }
+
+    // Where mchost keeps what the user of the test chose.
+    std::string userFolder() const { return folder_.string() + "_user"; }
 
     // Runs a command of the shell in the test's folder.
     Outcome shell(const std::string& command) const {
