@@ -22,9 +22,7 @@ namespace {
 
 using host::Put;
 
-constexpr int32_t rememberedType = MDL_RSC_TYPE('U', 's', 'F', 'i'), setupType = 0x50745365,
-                  olderSetupType = 0x50725344;
-constexpr int32_t setupId = print::SETUP_ID, olderSetupId = print::OLDER_ID, rememberedId = -20001, listId = 5;
+constexpr int32_t rememberedType = MDL_RSC_TYPE('U', 's', 'F', 'i'), rememberedId = -20001, listId = 5;
 
 void put(host::ResourceStore& store, int32_t type, int32_t id, const std::string& bytes) {
     store.put(Put::either, type, id, std::as_bytes(std::span(bytes)), 0, "");
@@ -56,7 +54,7 @@ void makeSeed() {
     }
     put(store, elmattr::setCountType, elmattr::setCountId, std::string("\2\0\0\0", 4));
     put(store, elmattr::setLabelType, 0, std::string(elmattr::setLabelBytes, 'L'));
-    put(store, setupType, setupId, std::string(840, '\3'));
+    put(store, print::SETUP_TYPE, print::SETUP_ID, std::string(print::setupSize, '\3'));
     put(store, rememberedType, rememberedId, std::string(sizeof(UserFileRecord), '\0'));
     store.put(Put::add, listId, host::StoredList{2, {"one", "two"}, {1, 2, 3, 4}}, "list");
 }
@@ -80,8 +78,8 @@ constexpr std::pair<int32_t, int32_t> blocks[] = {
     {elmattr::recordResources[2].setType, 2},
     {elmattr::setCountType, 1},
     {elmattr::setLabelType, 1},
-    {setupType, setupId},
-    {olderSetupType, olderSetupId},
+    {print::SETUP_TYPE, print::SETUP_ID},
+    {print::OLDER_TYPE, print::OLDER_ID},
     {rememberedType, rememberedId},
 };
 
