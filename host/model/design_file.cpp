@@ -38,7 +38,7 @@ void WriterLock::take(const std::string& path) {
     file_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file_ >= 0 && flock(file_, LOCK_EX | LOCK_NB) == 0) return;
     if (file_ >= 0 && errno == EWOULDBLOCK) {
-        throw FileProblem("another session has it open. Close it there, or open it read-only.");
+        throw FileProblem("another session has it open. Close it there first, or open a copy of it.");
     }
     throw FileProblem(std::string("it can't be opened (") + std::strerror(errno) +
                       "). Check its name and permissions.");

@@ -49,6 +49,10 @@ std::string textAt(const Statement& rows, int column) {
     return std::string(rows.text(column));
 }
 
+// What becomes of a damaged file depends on who made it.
+const std::string remedy =
+    "use a copy of it; texts and dialogs can be made again with mcrsc, preferences by removing it";
+
 std::string reasonOf(const SqliteFailure& failure) {
     switch (failure.code) {
         case SQLITE_BUSY:
@@ -58,9 +62,7 @@ std::string reasonOf(const SqliteFailure& failure) {
         case SQLITE_READONLY:
             return "the resource file can't be opened (" + std::string(failure.what()) +
                    "); check its permissions and those of its folder";
-        default:
-            return "the resource file is damaged (" + std::string(failure.what()) +
-                   "); use a copy of it, or make it again with mcrsc";
+        default: return "the resource file is damaged (" + std::string(failure.what()) + "); " + remedy;
     }
 }
 
@@ -129,6 +131,9 @@ void readIcons(Database& db, ResourceContents& contents) {
 void requireSound(Database& db) {
     Statement check(db, "PRAGMA quick_check(1)");
     if (!check.step() || check.text(0) != "ok") throw Damage("its pages don't fit together");
+    // A view or a trigger would run whatever somebody else wrote, without end if he likes.
+    if (db.number("SELECT count(*) FROM sqlite_schema WHERE type IN ('view', 'trigger')") != 0)
+        throw Damage("it holds more than resources");
 }
 
 // ---- writing ----
@@ -193,7 +198,8 @@ int32_t readVersion(Database& db, const std::string& path) {
     if (db.number("PRAGMA application_id") != containerKind)
         refuse(path, "this is no resource file; give the name of one (.rsc)");
     const int64_t version = db.number("PRAGMA user_version");
-    if (version > containerVersion) refuse(path, "this resource file is of a newer make; open it with that version");
+    if (version > containerVersion)
+        refuse(path, "this resource file was made by a newer version; open it with that version");
     return static_cast<int32_t>(version);
 }
 
@@ -241,9 +247,9 @@ ResourceContents readContainer(const std::string& path) {
         if (failure.code == SQLITE_NOTADB) refuse(path, "this is no resource file; give the name of one (.rsc)");
         refuse(path, reasonOf(failure));
     } catch (const Damage& damage) {
-        refuse(path, "the resource file is damaged (" + std::string(damage.what()) + "); make it again with mcrsc");
+        refuse(path, "the resource file is damaged (" + std::string(damage.what()) + "); " + remedy);
     } catch (const std::out_of_range&) {
-        refuse(path, "the resource file is damaged (a layout lacks parts); make it again with mcrsc");
+        refuse(path, "the resource file is damaged (a layout lacks parts); " + remedy);
     }
 }
 

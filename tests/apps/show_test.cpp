@@ -263,7 +263,7 @@ TEST_F(Show, ResourceFilesThatAreCutNewerOrLackPartsAreTold) {
     whole[63] = 99;  // user_version
     writeFile("newer.rsc", whole);
     EXPECT_THAT(refusal("cut.rsc"), HasSubstr("damaged"));
-    EXPECT_THAT(refusal("newer.rsc"), HasSubstr("of a newer make"));
+    EXPECT_THAT(refusal("newer.rsc"), HasSubstr("a newer version"));
     if (!canRun("sqlite3")) GTEST_SKIP() << "sqlite3 isn't there";
     shell("sqlite3 '" + file_ + "' 'DELETE FROM member WHERE place = 1'");
     const Outcome lacking = run("--full '" + file_ + "'");

@@ -168,15 +168,20 @@ TEST_F(ResourceFile, ForeignAndDamagedFilesAreRefusedWithOneLineAndStayAsTheyAre
     const Case cases[] = {
         {"a text file", writeFile("text.rsc", std::string(2000, 't')), "this is no resource file"},
         {"an empty file", writeFile("empty.rsc", ""), "this is no resource file"},
-        {"the head alone", writeFile("head.rsc", bytes.substr(0, 100)), "make it again"},
-        {"half of the pages", writeFile("half.rsc", bytes.substr(0, bytes.size() / 2)), "make it again"},
-        {"noise behind the first page", writeFile("noise.rsc", noise), "make it again"},
+        {"the head alone", writeFile("head.rsc", bytes.substr(0, 100)), "can be made again"},
+        {"half of the pages", writeFile("half.rsc", bytes.substr(0, bytes.size() / 2)), "can be made again"},
+        {"noise behind the first page", writeFile("noise.rsc", noise), "can be made again"},
         {"another kind of container", changed("kind.rsc", "PRAGMA application_id = 7"), "this is no resource file"},
-        {"a newer format", changed("newer.rsc", "PRAGMA user_version = 99"), "of a newer make"},
+        {"a newer format", changed("newer.rsc", "PRAGMA user_version = 99"), "a newer version"},
         {"no tables", changed("tables.rsc", "DROP TABLE item"), "no such table: item"},
         {"an item without a dialog", changed("orphan.rsc", "UPDATE item SET dialog = 2"), "lacks parts"},
         {"a gap in the items", changed("gap.rsc", "UPDATE item SET place = 1000000"), "gaps"},
         {"a label out of the items", changed("label.rsc", "INSERT INTO label VALUES(1, 77, -1, 'en', 'x')"), "lacks"},
+        {"a view in place of a table",
+         changed("view.rsc",
+                 "DROP TABLE string; CREATE VIEW string AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL "
+                 "SELECT i + 1 FROM n) SELECT 1 AS list, i AS number, 'en' AS language, 'x' AS text FROM n"),
+         "more than resources"},
         {"an icon without its pixels", changed("icon.rsc", "INSERT INTO icon VALUES(1, 40, '##', 'i')"), "pixels"},
     };
     for (const Case& c : cases) {

@@ -119,16 +119,17 @@ TEST_F(Survival, TwoMakersAtOnceKeepEachOthersContent) {
         ASSERT_EQ(pipe(gate), 0);
         std::vector<pid_t> children;
         for (int32_t own = 0; own < makers; ++own)
-            children.push_back(runChild([&, own] {
+            children.push_back(startChild([&, own] {
                 close(gate[1]);
                 char byte;
                 [[maybe_unused]] const ssize_t opened = read(gate[0], &byte, 1);  // all start when it closes
                 host::makeResourceFile(file, "");
                 ResourceStore(file).put(Put::add, type, own, blockOf(own), 0, "");
+                return 0;
             }));
         close(gate[0]);
         close(gate[1]);
-        for (const pid_t child : children) EXPECT_EQ(exitStatus(child), 0);
+        for (const pid_t child : children) EXPECT_EQ(waitForChild(child), 0);
         ASSERT_EQ(ResourceStore(file).blocks().size(), size_t{makers}) << "round " << round;
     }
 }
