@@ -7,6 +7,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cmake --install "$build" --prefix "$work/mclib" >/dev/null
 cd "$work"
+export XDG_DATA_HOME=$work/data
 export PKG_CONFIG_PATH=$work/mclib/lib/pkgconfig
 cc -shared -fPIC -o hello.so "$source/apps/hello/hello.c" $(pkg-config --cflags --libs mclib)
 mclib/bin/mchost ./hello.so by-hand.ps
