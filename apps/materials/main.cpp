@@ -35,14 +35,18 @@ enum ExitStatus { done = 0, failed = 1, badCall = 2 };
 struct Job {
     List list;
     std::optional<Pages> pages;
+    bool unattended = false, broken = false;
 };
 Job& job() {
     static Job job;
     return job;
 }
 
+// Behind a page that can't be made, which has been told, nobody waits for the others of a print.
 void makePage(int page, char*, ElementDescr** result, int) {
-    if (result) *result = job().pages->make(static_cast<size_t>(page));
+    if (!result || (job().unattended && job().broken)) return;
+    *result = job().pages->make(static_cast<size_t>(page));
+    job().broken = !*result;
 }
 
 // The pages that were asked for, from 0. Nothing after a message.
@@ -126,6 +130,7 @@ ExitStatus print(const Options& options) {
     app::Outputs outputs(out.replace_extension(), {suffix.c_str()});
     if (!outputs.prepare(options.input, options.overwrite)) return failed;
     setUp(*options.form);
+    job().unattended = true;
     if (!printTo(outputs.temporary(suffix.c_str()), options.device->number, *range)) {
         fail("not all pages could be made, so nothing is printed");
         return failed;
@@ -138,10 +143,21 @@ ExitStatus print(const Options& options) {
     return app::sendToPrinter(file, options.printer, options.copies) ? done : failed;
 }
 
+// The name of the library without its folder, which is looked in before all others.
+std::string findable(const std::string& library) {
+    const size_t separator = library.find_last_of("/\\");
+    if (separator == library.npos) return library;
+    constexpr int userLevel = 4;
+    char others[1024] = "$(MC_DIR)cell/";
+    mdlSystem_getCfgVar(others, "MC_CELL", sizeof others);
+    mdlSystem_defineCfgVar("MC_CELL", (library.substr(0, separator + 1) + ";" + others).c_str(), userLevel);
+    return library.substr(separator + 1);
+}
+
 ExitStatus work(const Options& options) {
     if (!readList(options.input, job().list)) return failed;
     arrange(job().list);
-    job().pages.emplace(job().list, *options.form, options.library);
+    job().pages.emplace(job().list, *options.form, findable(options.library));
     return options.out.empty() && options.printer.empty() ? openPreview() : print(options);
 }
 

@@ -20,7 +20,7 @@ constexpr const char* usage =
     "  --device postscript   of the file: postscript, hpgl, pcl or ascii\n"
     "  --pages 2-4           these pages alone; also 3\n"
     "  --form A4             A4 or A3\n"
-    "  --library forms.cel   the cell library with the form, found through MC_CELL\n"
+    "  --library forms.cel   the cell library with the form: a path, or a name that is found through MC_CELL\n"
     "  --overwrite           replace a file that is there\n";
 // clang-format on
 
