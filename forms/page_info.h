@@ -18,8 +18,8 @@ void takeNewPages(GlobalData& data);
 // Publishes the dialog's hooks.
 void publishPageInfoHooks();
 
-// To stand around the making of a page by the application, which may read title-block data into mclibsd: while a dialog edits that block,
-// of whichever application, what stood in it is put back.
+// To stand around the making of a page by the application, which may read title-block data into mclibsd: while a dialog
+// edits that block, of whichever application, what stood in it is put back.
 class KeepEditedBlock {
   public:
     KeepEditedBlock();

@@ -85,8 +85,8 @@ Level& addLevel(ModelRef& model, std::wstring_view name);
 // Marks a level as one that belongs into the file.
 void storeLevel(ModelRef& model, LevelId id);
 
-// The element at a live position with its components, as a descriptor of `owner`; counts its nodes. Null, and a count of
-// 0, when out of memory.
+// The element at a live position with its components, as a descriptor of `owner`; counts its nodes. Null, and a count
+// of 0, when out of memory.
 ElementDescr* readUnit(const ModelRef& model, FilePos position, ModelRef* owner, uint32_t& count);
 
 // The index of ranges of the model's elements, made at the first call.

@@ -19,7 +19,8 @@ PaperColor paperColor(int32_t index);
 
 enum class PictureKind { png, svg, pdf };
 
-// A page of paper with a picture on it, which is cut off behind the pens of lines on its edges. Millimetres from the upper left corner.
+// A page of paper with a picture on it, which is cut off behind the pens of lines on its edges. Millimetres from the
+// upper left corner.
 struct Page {
     double widthMm, heightMm;
     double left, top;     // where the picture begins

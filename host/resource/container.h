@@ -23,7 +23,7 @@
 namespace host {
 
 constexpr int32_t containerKind = 0x4d435246;  // "MCRF"
-constexpr int32_t containerVersion = 2;  // 1: items had no box
+constexpr int32_t containerVersion = 2;        // 1: items had no box
 constexpr std::string_view fallbackLanguage = "en";
 constexpr size_t longestString = 511;  // what fits the 512 bytes that a string is loaded into
 

@@ -21,8 +21,8 @@ namespace host {
 struct SessionOptions {
     std::unique_ptr<FrontEnd> frontEnd;  // null: lines to the standard streams, and nobody answers
     std::vector<std::pair<std::string, std::string>> variables;  // configuration variables, defined at user level
-    // Carries out a key-in to the host when control is back in the host; false for one that isn't its own, which stays in
-    // the queue. None: all stay.
+    // Carries out a key-in to the host when control is back in the host; false for one that isn't its own, which stays
+    // in the queue. None: all stay.
     std::function<bool(const KeyIn&)> carryOut = {};
 };
 

@@ -8,8 +8,8 @@
 namespace host {
 
 // A file, a folder or an address ("https://...") is opened in the program that it goes with, by the program that the
-// configuration variable MC_OPENER names (xdg-open); any other text is a command line. Nothing is waited for. False when
-// nothing could be started.
+// configuration variable MC_OPENER names (xdg-open); any other text is a command line. Nothing is waited for. False
+// when nothing could be started.
 HOST_EXPORT bool handToSystem(std::string_view text);
 
 }  // namespace host

@@ -122,8 +122,8 @@ TEST(Queues, TheirDevicesTellTheServer) {
         "device for local: /dev/lp0\n");
     std::vector<std::string> told;
     for (const auto& q : queues) told.push_back(q.server + "|" + q.name + "|" + q.share);
-    EXPECT_THAT(told, testing::ElementsAre("plotters|a3|a3", "|local|local", "files|share|Big One",
-                                           "|usb-one|usb-one", "fe80::1|v6|v6"));
+    EXPECT_THAT(told, testing::ElementsAre("plotters|a3|a3", "|local|local", "files|share|Big One", "|usb-one|usb-one",
+                                           "fe80::1|v6|v6"));
     EXPECT_TRUE(host::queuesIn("").empty());
 }
 
