@@ -190,15 +190,12 @@ void expectTextSizes(const ElmAttrData& data) {
     EXPECT_STREQ(data.textStyleName, L"kept");
 }
 
-TEST(OlderAttributeRecord, KeepsSymbologyAndSymbols) {
-    Bytes bytes = olderRecord();
-    bytes.word(1176, 17).real(1184, 4.5).text(1220, "valve");
-    ElmAttrData data = before(ATTR_KIND_LABELLED_SYMBOL);
-    unpack(data, RecordLayout::older, bytes, ATTR_KIND_LABELLED_SYMBOL);
+// What both older records are filled with here.
+void expectSymbology(const ElmAttrData& data, const wchar_t* levelName) {
     EXPECT_EQ(data.color, 4);
     EXPECT_EQ(data.style, 2);
     EXPECT_EQ(data.weight, 1);
-    EXPECT_STREQ(data.levelName, L"Pipes");
+    EXPECT_STREQ(data.levelName, levelName);
     EXPECT_EQ(data.elementClass, 1);
     EXPECT_EQ(data.useFlags, 0x1Fu);
     EXPECT_EQ(data.reserved, 7);
@@ -208,6 +205,14 @@ TEST(OlderAttributeRecord, KeepsSymbologyAndSymbols) {
     EXPECT_EQ(data.symbolNumber, 17);
     EXPECT_EQ(data.symbolSize, 4.5);
     EXPECT_STREQ(data.symbolText, "valve");
+}
+
+TEST(OlderAttributeRecord, KeepsSymbologyAndSymbols) {
+    Bytes bytes = olderRecord();
+    bytes.word(1176, 17).real(1184, 4.5).text(1220, "valve");
+    ElmAttrData data = before(ATTR_KIND_LABELLED_SYMBOL);
+    unpack(data, RecordLayout::older, bytes, ATTR_KIND_LABELLED_SYMBOL);
+    expectSymbology(data, L"Pipes");
     EXPECT_EQ(data.textFont, 51);
     EXPECT_EQ(data.textSlant, 54);
 }
@@ -254,19 +259,7 @@ TEST(OldestAttributeRecord, LevelNumberBecomesAName) {
     bytes.word(160, 17).real(168, 4.5).text(204, "valve");
     ElmAttrData data = before(ATTR_KIND_LABELLED_SYMBOL);
     unpack(data, RecordLayout::oldest, bytes, ATTR_KIND_LABELLED_SYMBOL);
-    EXPECT_EQ(data.color, 4);
-    EXPECT_EQ(data.style, 2);
-    EXPECT_EQ(data.weight, 1);
-    EXPECT_STREQ(data.levelName, L"Level 17");
-    EXPECT_EQ(data.elementClass, 1);
-    EXPECT_EQ(data.useFlags, 0x1Fu);
-    EXPECT_EQ(data.reserved, 7);
-    EXPECT_EQ(data.styleScale, 2);
-    EXPECT_EQ(data.styleWidth, 3);
-    EXPECT_STREQ(data.styleName, "Main");
-    EXPECT_EQ(data.symbolNumber, 17);
-    EXPECT_EQ(data.symbolSize, 4.5);
-    EXPECT_STREQ(data.symbolText, "valve");
+    expectSymbology(data, L"Level 17");
 }
 
 TEST(OldestAttributeRecord, TextsGoToTheirNewPlaces) {
