@@ -10,7 +10,7 @@
 
 namespace materials {
 
-// A column of texts: a field of the form and as many letters as it has room for; 0 for a column that isn't there.
+// A column of texts: a field of the form, and how many letters it has room for, 1 or more.
 struct TextColumn {
     const char* field;
     std::string Item::*text;

@@ -35,6 +35,9 @@ enum ExitStatus { done = 0, failed = 1, badCall = 2 };
 struct Job {
     List list;
     std::optional<Pages> pages;
+    std::vector<std::string> names;  // of the pages
+    std::vector<char*> pointers;     // to them
+    size_t firstPage = 0;            // of the names that the library has
     bool unattended = false, broken = false;
 };
 Job& job() {
@@ -45,7 +48,7 @@ Job& job() {
 // Behind a page that can't be made, which has been told, nobody waits for the others of a print.
 void makePage(int page, char*, ElementDescr** result, int) {
     if (!result || (job().unattended && job().broken)) return;
-    *result = job().pages->make(static_cast<size_t>(page));
+    *result = job().pages->make(job().firstPage + static_cast<size_t>(page));
     job().broken = !*result;
 }
 
@@ -78,16 +81,8 @@ void setUp(const Form& form) {
     setSetup("marginBottom", form.margins.bottom);
 }
 
-std::vector<char*> pointersTo(std::vector<std::string>& names) {
-    std::vector<char*> pointers;
-    for (std::string& name : names) pointers.push_back(name.data());
-    return pointers;
-}
-
 ExitStatus openPreview() {
-    std::vector<std::string> names = job().pages->names();
-    const std::vector<char*> pointers = pointersTo(names);
-    if (!mclibPreview_dialogOpen(static_cast<int>(names.size()), pointers.data(), makePage, nullptr)) {
+    if (!mclibPreview_dialogOpen(static_cast<int>(job().pointers.size()), job().pointers.data(), makePage, nullptr)) {
         fail("the preview can't be opened");
         return failed;
     }
@@ -99,10 +94,10 @@ std::string counted(size_t count, const char* what) {
 }
 
 bool printPages(const std::string& file, int device, PageRange range) {
-    std::vector<std::string> names = job().pages->names();
-    const std::vector<char*> pointers = pointersTo(names);
-    return mclibPreview_printPages(static_cast<int>(names.size()), pointers.data(), makePage, file.c_str(), device,
-                                   static_cast<int>(range.first), static_cast<int>(range.last)) == MCLIB_SUCCESS;
+    job().firstPage = range.first;
+    const auto count = static_cast<int>(range.last - range.first + 1);
+    return mclibPreview_printPages(count, job().pointers.data() + range.first, makePage, file.c_str(), device, 0,
+                                   count - 1) == MCLIB_SUCCESS;
 }
 
 // The device for plain text lays out one page a file, so its files are put behind each other.
@@ -122,12 +117,20 @@ bool printTo(const std::string& file, int device, PageRange range) {
     return good && all.good();
 }
 
+// The file to make: its name without suffix, and the suffix.
+std::pair<fs::path, std::string> target(const Options& options) {
+    const fs::path out = options.out, name = fs::path(options.input).stem();
+    if (out.empty()) return {name, options.device->suffix};
+    if (!out.has_filename() || fs::is_directory(app::systemPath(out))) return {out / name, options.device->suffix};
+    if (!out.has_extension()) return {out, options.device->suffix};
+    return {out.parent_path() / out.stem(), out.extension().string()};
+}
+
 ExitStatus print(const Options& options) {
     const std::optional<PageRange> range = pagesOf(options, job().pages->count());
     if (!range) return badCall;
-    fs::path out = options.out.empty() ? fs::path(options.input).stem() : fs::path(options.out);
-    const std::string suffix = out.has_extension() ? out.extension().string() : options.device->suffix;
-    app::Outputs outputs(out.replace_extension(), {suffix.c_str()});
+    const auto [base, suffix] = target(options);
+    app::Outputs outputs(base, {suffix.c_str()});
     if (!outputs.prepare(options.input, options.overwrite)) return failed;
     setUp(*options.form);
     job().unattended = true;
@@ -158,6 +161,8 @@ ExitStatus work(const Options& options) {
     if (!readList(options.input, job().list)) return failed;
     arrange(job().list);
     job().pages.emplace(job().list, *options.form, findable(options.library));
+    job().names = job().pages->names();
+    for (std::string& name : job().names) job().pointers.push_back(name.data());
     return options.out.empty() && options.printer.empty() ? openPreview() : print(options);
 }
 

@@ -75,13 +75,14 @@ bool setCopies(Options& options, std::string_view, const std::string& value) {
 struct ValueOption {
     std::string_view name;
     bool (*set)(Options& options, std::string_view name, const std::string& value);
+    bool ofPrint = false;  // counts without the preview alone
 };
 constexpr ValueOption valueOptions[] = {
     {"--out", setText<&Options::out>},
     {"--print", setText<&Options::printer>},
-    {"--copies", setCopies},
-    {"--device", setDevice},
-    {"--pages", setPages},
+    {"--copies", setCopies, true},
+    {"--device", setDevice, true},
+    {"--pages", setPages, true},
     {"--form", setForm},
     {"--library", setText<&Options::library>},
 };
@@ -90,14 +91,17 @@ constexpr ValueOption valueOptions[] = {
 
 std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
     Options options;
+    std::string ofPrint;  // an option that the preview doesn't take
     for (size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         const auto option = std::ranges::find(valueOptions, argument, &ValueOption::name);
         if (option != std::end(valueOptions)) {
             if (i + 1 == arguments.size()) return wrong(argument + " needs a value"), std::nullopt;
             if (!option->set(options, argument, arguments[++i])) return {};
+            if (option->ofPrint) ofPrint = argument;
         } else if (argument == "--overwrite") {
             options.overwrite = true;
+            ofPrint = argument;
         } else if (argument.starts_with("-") || !options.input.empty()) {
             return wrong("don't know what to do with \"" + argument + "\""), std::nullopt;
         } else {
@@ -105,6 +109,8 @@ std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
         }
     }
     if (options.input.empty()) return wrong("the name of the list is missing"), std::nullopt;
+    if (!ofPrint.empty() && options.out.empty() && options.printer.empty())
+        return wrong(ofPrint + " goes with --out or --print; the preview has buttons for it"), std::nullopt;
     return options;
 }
 

@@ -142,6 +142,9 @@ TEST_F(Materials, WhatCantBeDoneLeavesFilesAlone) {
     EXPECT_EQ(run("list.txt --out list.ps --library nowhere.cel").status, 1);
     EXPECT_EQ(run("list.txt --out no/folder/list.ps").status, 1);
     EXPECT_EQ(run("list.txt --device fax").status, 2);
+    const Outcome preview = run("list.txt --pages 1");
+    EXPECT_EQ(preview.status, 2);
+    EXPECT_THAT(preview.output, HasSubstr("--pages goes with --out or --print"));
     EXPECT_THAT(files(), ElementsAre("kept.ps", "list.txt"));
     EXPECT_EQ(read("kept.ps"), "kept");
 }
@@ -152,6 +155,15 @@ TEST_F(Materials, NamesMayHaveAnyLettersOfTheLanguages) {
     EXPECT_EQ(outcome.status, 0) << outcome.output;
     EXPECT_THAT(outcome.output, HasSubstr("made gr\xc3\xb8nn.ps: 1 item, 1 page\n"));
     EXPECT_THAT(files(), ElementsAre("bl\xc3\xa5.txt", "gr\xc3\xb8nn.ps"));
+}
+
+TEST_F(Materials, TheFileIsNamedAsTheUserMeans) {
+    shell("mkdir lists && printf 'ITEM 1; a\\n' > list.2026.txt && mkdir -p spool/LPT1");
+    for (const char* out : {"--out lists", "--out lists/one", "--out lists/two.eps"})
+        EXPECT_EQ(run(std::string("list.2026.txt ") + out).status, 0) << out;
+    EXPECT_EQ(shell("ls lists").output, "list.2026.ps\none.ps\ntwo.eps\n");
+    EXPECT_EQ(run("list.2026.txt --print LPT1", "--set MC_SPOOL=spool").status, 0);
+    EXPECT_THAT(files(), ElementsAre("list.2026.ps", "list.2026.txt", "lists", "spool"));
 }
 
 TEST_F(Materials, TheLibraryMayBeAPath) {
