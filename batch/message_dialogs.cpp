@@ -5,7 +5,7 @@
 #include <bit>
 #include <cstdio>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/messages.h"
 #include "frame/resource_files.h"
 #include "host/mdl/dialog.h"

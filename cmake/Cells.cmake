@@ -1,6 +1,7 @@
 # Cell libraries are compiled from text sources by mccel.
 add_executable(mccel ${PROJECT_SOURCE_DIR}/host/mccel.cpp ${PROJECT_SOURCE_DIR}/host/mccel_values.cpp)
 target_link_libraries(mccel PRIVATE mchost CLI11::CLI11)
+add_dependencies(product mccel)
 
 # mclib_cell_library(NAME SOURCES...): NAME.cel from sources in the current folder, at build time. It goes to the folder
 # "cell" beside mclib.rsc, where the library looks by default. The target is NAME-cells.
@@ -12,4 +13,5 @@ function(mclib_cell_library name)
                      COMMAND mccel -o ${library} ${ARGN}
                      DEPENDS mccel ${ARGN} VERBATIM)
   add_custom_target(${name}-cells ALL DEPENDS ${library})
+  add_dependencies(product ${name}-cells)
 endfunction()

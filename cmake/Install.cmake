@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 install(TARGETS mchost mclib EXPORT mclib-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS mchost-program mcrsc mccel mcshell RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-file(GLOB FAMILY_HEADERS RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS frame/*.h text/*.h elmattr/*.h geometry/*.h
+file(GLOB FAMILY_HEADERS RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS mclib.h frame/*.h text/*.h elmattr/*.h geometry/*.h
      arrows/*.h print/*.h forms/*.h project/*.h design/*.h batch/*.h host/mdl/*.h)
 foreach(header ${FAMILY_HEADERS})
   file(STRINGS ${PROJECT_SOURCE_DIR}/${header} internal REGEX "^#pragma once")  # public headers are plain C with guards
@@ -19,6 +19,14 @@ install(FILES ${CMAKE_BINARY_DIR}/lib/mclib.rsc DESTINATION ${CMAKE_INSTALL_DATA
 install(DIRECTORY ${CMAKE_BINARY_DIR}/lib/cell DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 install(FILES host/mchost.cfg DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 install(DIRECTORY host/plotters DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
+
+# The documents as they stand in the source tree, so that their links hold, and what they speak of.
+set(DOCUMENTS ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md DESTINATION ${DOCUMENTS})
+install(DIRECTORY docs examples DESTINATION ${DOCUMENTS} PATTERN CMakeLists.txt EXCLUDE)
+install(DIRECTORY apps DESTINATION ${DOCUMENTS} FILES_MATCHING PATTERN README.md PATTERN hello.c PATTERN "examples/*"
+        PATTERN common EXCLUDE)
+install(DIRECTORY packaging/man/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 install(EXPORT mclib-targets NAMESPACE mclib:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/mclib)
 configure_package_config_file(cmake/mclib-config.cmake.in mclib-config.cmake

@@ -7,7 +7,7 @@
 #include <span>
 #include <type_traits>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/global_data.h"
 #include "frame/main.h"
 #include "host/mdl/system.h"

@@ -8,7 +8,7 @@
 
 #include "forms/forms.h"
 #include "forms/logo.h"
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/host_ptr.h"
 #include "host/mdl/text.h"
 

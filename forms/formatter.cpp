@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "forms/value.h"
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "host/mdl/system.h"
 
 namespace forms {

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "forms/page_info.h"
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/text_buffer.h"
 #include "geometry/elmdscr.h"
 #include "host/mdl/system.h"

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/main.h"
 #include "frame/util.h"
 #include "geometry/elmdscr.h"

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "forms/placing.h"
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/text_buffer.h"
 #include "host/mdl/dialog.h"
 #include "host/mdl/elmdscr.h"

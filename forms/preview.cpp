@@ -8,7 +8,7 @@
 #include "forms/pages.h"
 #include "forms/preview_window.h"
 #include "forms/print_job.h"
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/main.h"
 #include "frame/resource_files.h"
 #include "frame/text_buffer.h"

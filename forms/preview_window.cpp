@@ -7,7 +7,7 @@
 
 #include "forms/pages.h"
 #include "forms/preview_extent.h"
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/text_buffer.h"
 #include "frame/util.h"
 #include "geometry/elmdscr.h"

@@ -7,7 +7,7 @@
 
 #include "forms/page_info.h"
 #include "forms/pages.h"
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/main.h"
 #include "frame/resource_files.h"
 #include "frame/text_buffer.h"

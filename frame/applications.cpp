@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/global_data.h"
 #include "frame/main.h"
 #include "host/mdl/dialog.h"

@@ -2,7 +2,7 @@
 #include <cstring>
 #include <string>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/util.h"
 #include "host/mdl/files.h"
 #include "host/mdl/level.h"

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <iterator>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/global_data.h"
 #include "frame/main.h"
 #include "frame/text_buffer.h"

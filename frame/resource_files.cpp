@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/text_buffer.h"
 #include "host/mdl/lists.h"
 #include "host/mdl/resource.h"

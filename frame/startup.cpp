@@ -9,7 +9,7 @@
 #include "elmattr/table.h"
 #include "forms/pages.h"
 #include "frame/applications.h"
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/main.h"
 #include "frame/messages.h"
 #include "frame/published.h"

@@ -2,7 +2,7 @@
 #include <cstring>
 #include <cwchar>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/util.h"
 #include "host/mdl/system.h"
 #include "host/mdl/text.h"

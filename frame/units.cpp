@@ -5,7 +5,7 @@
 #include <ctime>
 
 #include "frame/applications.h"
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/global_data.h"
 #include "frame/text_buffer.h"
 #include "frame/util.h"

@@ -1,7 +1,7 @@
 // The browser, and the manuals of applications.
 #include <string>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/host_ptr.h"
 #include "frame/main.h"
 #include "frame/util.h"

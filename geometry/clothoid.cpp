@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/host_ptr.h"
 #include "geometry/plane.h"
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstring>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "geometry/userdata.h"
 #include "host/mdl/elmdscr.h"
 #include "host/mdl/model.h"

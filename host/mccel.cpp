@@ -1,48 +1,4 @@
-// mccel: compiles descriptions of cells into a cell library.
-//
-//     mccel -o forms.cel common.toml list_a4.toml [--pictures FOLDER]
-//
-// Sources are TOML in UTF-8; what one of them defines, the ones behind it may use. Lengths are master units
-// (millimetres on a form), x to the right and y upwards, angles degrees counter-clockwise.
-//
-//     [level.Form]                     # a level, and how "by level" looks on it; levels needn't be told
-//     color = 0
-//     weight = 1
-//     style = 0
-//
-//     [pen.frame]                      # for lines; each value may be left out (Default, 0)
-//     level = "Form"
-//     weight = 4                       # 0 to 15, or "by level", as the other two
-//     color = 0                        # 0 to 255
-//     style = 0                        # 0 to 7
-//
-//     [lettering.field]                # for texts; has level, weight and color too
-//     height = 2.2
-//     width = 2.2                      # of a character; left out: the height
-//     font = 1
-//     align = "right base"             # left, centre or right; base, middle or top; left out: left, base
-//
-//     [[cell]]                         # its origin is (0, 0)
-//     name = "LIST"
-//     description = "Material list"
-//     draw = [
-//         { line = [[0, 0], [190, 0]], pen = "frame" },               # two points or more
-//         { rect = [0, 0, 190, 277], pen = "frame" },                 # left, bottom, right, top
-//         { polygon = [[0, 0], [4, 0], [2, 3]], fill = true },
-//         { circle = [5, 5, 2.5] },                                   # centre and radius; also with fill
-//         { arc = [5, 5, 2.5, 0, 90] },                               # start and sweep
-//         { text = "Description", at = [22, 240], lettering = "field", angle = 90 },
-//         { text = "%LOGO", box = [150, 10, 185, 25] },               # its characters stretched so that they fill it
-//         { cell = "LOGO", at = [10, 10], scale = 0.5, angle = 0 },   # a cell that stands further up
-//         { cell = "LOGO", box = [150, 10, 185, 25] },                # as large as fits, in the middle
-//         { repeat = 25, step = [0, -8], first = 1, draw = [          # {row} in a text: 01, 02, ... from `first` on
-//             { text = "%{row}%DESC", at = [22, 230] },
-//         ] },
-//     ]
-//
-// The values of a pen or lettering may also stand at the element itself: { line = [...], weight = 2 }. A fault is one
-// line with file, line and cell. Exit status: 0 good, 1 a source is wrong or a file can't be read or written, 2 the
-// call was wrong.
+// mccel: compiles descriptions of cells into a cell library. docs/sources.md tells what a source may have.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>

@@ -1,45 +1,4 @@
-// mcrsc: compiles resource sources into one resource file.
-//
-//     mcrsc -o mclib.rsc messages_en.toml messages_no.toml dialogs.toml
-//
-// Sources are TOML in UTF-8. A file may hold string lists in one language, dialog layouts and icons:
-//
-//     language = "en"                  # of the lists in this file; English is the one that every string must have
-//     [[list]]
-//     id = 20005
-//     [list.text]
-//     14 = "Memory has run out. Close other programs and try again."
-//     15 = "%s can't be opened. Check its name."       # a printf format: the same conversions in every language
-//
-//     [[dialog]]
-//     id = 20011
-//     title = { en = "Message", no = "Melding" }       # a plain string is English
-//     width = 240
-//     height = 120
-//     hook = 20035                     # 0 or left out: none
-//     [[dialog.item]]
-//     kind = "push button"             # push button, text, label, list box, combo box, generic, toggle, option button,
-//                                      # group box
-//     id = -3
-//     x = 15
-//     y = 80
-//     width = 64
-//     height = 24                      # left out: 20
-//     label = { en = "OK", no = "OK" }
-//     access = "mgdP->printDevice"     # published value that the item shows
-//     format = "%8.3f"                 # of a number in a text item
-//     hook = 20033
-//     group = 20001                    # id of a group box of this dialog, which shows and hides the item with itself
-//     rows = [ { value = 1, label = { en = "One", no = "En" } } ]   # of an option button
-//
-//     [[icon]]
-//     id = 20001
-//     sign = "i"                       # stands for it where only text can be shown
-//     rows = ["..##..", ".#..#.", ...] # a square; # is drawn
-//
-// Texts are kept as Windows-1252. What has no code there, a text over 511 characters, a number that comes twice, a
-// string without English and a translation with other conversions are errors: one line each, with file, line, list and
-// number. Exit status: 0 good, 1 a source is wrong or a file can't be read or written, 2 the call was wrong.
+// mcrsc: compiles resource sources into one resource file. docs/sources.md tells what a source may have.
 #include <toml++/toml.h>
 #include <CLI/CLI.hpp>
 #include <algorithm>

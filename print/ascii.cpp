@@ -6,7 +6,7 @@
 #include <cmath>
 #include <string_view>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "host/mdl/system.h"
 #include "host/mdl/transform.h"
 #include "print/driver.h"

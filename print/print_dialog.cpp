@@ -3,7 +3,7 @@
 #include <array>
 #include <string>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/main.h"
 #include "frame/text_buffer.h"
 #include "host/mdl/files.h"

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/host_ptr.h"
 #include "frame/text_buffer.h"
 #include "frame/util.h"

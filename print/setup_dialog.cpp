@@ -3,7 +3,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/main.h"
 #include "frame/resource_files.h"
 #include "frame/text_buffer.h"

@@ -1,7 +1,7 @@
 // Application data elements: making, writing and finding them.
 #include "project/application_data.h"
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "host/mdl/elmdscr.h"
 #include "host/mdl/scan.h"
 #include "host/mdl/system.h"

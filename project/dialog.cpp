@@ -3,7 +3,7 @@
 #include <array>
 #include <cstring>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/main.h"
 #include "frame/resource_files.h"
 #include "host/mdl/dialog.h"

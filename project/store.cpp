@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "host/mdl/elmdscr.h"
 #include "host/mdl/model.h"
 #include "host/mdl/system.h"

@@ -11,7 +11,7 @@
 #include <optional>
 #include <string_view>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "host/mdl/system.h"
 #include "text/char_set.h"
 

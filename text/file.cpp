@@ -6,7 +6,7 @@
 #include <span>
 #include <string_view>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/util.h"
 #include "host/mdl/lists.h"
 #include "host/mdl/model.h"

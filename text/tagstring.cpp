@@ -9,7 +9,7 @@
 #include <span>
 #include <string_view>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/host_ptr.h"
 #include "host/mdl/system.h"
 #include "text/ascii_characters.h"

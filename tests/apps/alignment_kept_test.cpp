@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/mclib.h"
+#include "mclib.h"
 #include "host/mdl/model.h"
 #include "host/mdl/resource.h"
 #include "host/mdl/system.h"

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "forms/forms.h"
-#include "frame/mclib.h"
+#include "mclib.h"
 #include "geometry/elmdscr.h"
 #include "host/mdl/cell.h"
 #include "host/mdl/dialog.h"

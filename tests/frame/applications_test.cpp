@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/main.h"
 #include "host/mdl/dialog.h"
 #include "host/mdl/system.h"

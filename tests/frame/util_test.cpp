@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/main.h"
 #include "frame/util.h"
 #include "host/mdl/level.h"

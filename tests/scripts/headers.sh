@@ -1,11 +1,15 @@
 #!/usr/bin/env bash
-# headers.sh SOURCE_DIR CC CXX: every public header compiles by itself as C11 and as C++20, without a warning.
+# headers.sh SOURCE_DIR CC CXX: every public header compiles by itself as C11 and as C++20, without a warning, and none
+# hides a header of the system.
 set -euo pipefail
 cd "$1"
 fail=0
-for header in host/mdl/*.h $(grep -lE 'MCLIB_EXPORT' ./*/*.h); do
+for header in mclib.h host/mdl/*.h $(grep -lE 'MCLIB_EXPORT' ./*/*.h); do
     for language in "$2 -std=c11 -x c" "$3 -std=c++20 -x c++"; do
-        echo "#include \"$header\"" | $language -I. -Iframe -Wall -Wextra -pedantic -Werror -fsyntax-only - || { echo "$header: $language"; fail=1; }
+        echo "#include \"$header\"" | $language -I. -Wall -Wextra -pedantic -Werror -fsyntax-only - || { echo "$header: $language"; fail=1; }
     done
+    if echo "#include <${header##*/}>" | $2 -fsyntax-only -x c - 2>/dev/null; then
+        echo "$header has the name of a header of the system"; fail=1
+    fi
 done
 exit $fail

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # install.sh SOURCE_DIR BUILD_DIR: an application is built against an installed library, by pkg-config and by CMake, and
-# runs, as the README tells.
+# runs, as the README tells, also after the library has been moved; the installed applications run too.
 set -euo pipefail
 source=$1 build=$2
 work=$(mktemp -d)
@@ -17,7 +17,11 @@ project(hello C)
 find_package(mclib 6.14 REQUIRED)
 mclib_application(hello $source/apps/hello/hello.c)
 TEXT
-cmake -B build -DCMAKE_PREFIX_PATH="$work/mclib" >/dev/null
+cmake -G Ninja -B build -DCMAKE_PREFIX_PATH="$work/mclib" >/dev/null
 cmake --build build >/dev/null
-mclib/bin/mchost build/hello.so by-cmake.ps
+mv mclib moved
+moved/bin/mchost build/hello.so by-cmake.ps
+moved/bin/mchost ./hello.so again.ps
+moved/bin/mchost materials moved/share/doc/mclib/apps/materials/examples/watermain.txt --out list.ps
 cmp by-hand.ps by-cmake.ps
+cmp by-hand.ps again.ps

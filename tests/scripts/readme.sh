@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$1"
 diff <(sed -n '/^```c$/,/^```$/p' README.md | sed '1d;$d') apps/hello/hello.c
-for header in $(grep -oE '^#include "[^"]+' frame/mclib.h | sed 's/.*"//'); do
+for header in $(grep -oE '^#include "[^"]+' mclib.h | sed 's/.*"//'); do
     grep -qE "^\| .*\`${header%/*}/.*\b${header##*/}\`" README.md || { echo "README.md doesn't name $header"; exit 1; }
 done
 for document in docs/*.md apps/*/README.md examples/*/README.md; do

@@ -11,7 +11,7 @@
 #include "elmattr/resources.h"
 #include "forms/forms.h"
 #include "forms/preview.h"
-#include "frame/error.h"
+#include "frame/errors.h"
 #include "frame/external.h"
 #include "frame/main.h"
 #include "frame/resource_files.h"
