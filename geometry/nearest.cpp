@@ -1,10 +1,10 @@
 // The geometry of alignments on elements of the host: lines and arcs made, and the nearest point found.
 #include <algorithm>
 
+#include "frame/current_units.h"
 #include "frame/host_ptr.h"
 #include "frame/util.h"
 #include "geometry/plane.h"
-#include "host/mdl/model.h"
 #include "host/mdl/transform.h"
 
 namespace {
@@ -22,15 +22,10 @@ NearestState state;
 struct Search {
     Point3d from, nearest;
     double distance;
-    double tolerance;  // UOR
+    double tolerance;  // in units of the current transform
     uint32_t classMask;
     bool found;
 };
-
-double toleranceInUor() {
-    const double* uor = mclibUtil_masterToUORP(strokeTolerance);
-    return uor ? *uor : mdlCnv_masterToUOR(nullptr, strokeTolerance, mdlModelRef_getActive());
-}
 
 void searchRun(Search& search, const Point3d* points, int32_t count) {
     if (mdlLineString_create(&state.run, nullptr, points, count) != MDL_SUCCESS) return;
@@ -67,7 +62,8 @@ int searchComponent(MSElementBuffer* element, void* argument, int32_t, int32_t, 
 }  // namespace
 
 double* mclibGeo_getNearestPointP(Point3d* pointP, ElementDescr* edP, uint32_t classMask) {
-    Search search = {*pointP, {}, *fc_rmaxui4P, toleranceInUor(), classMask, false};
+    const double tolerance = inCurrentUnits(*mclibUtil_masterToUORP(strokeTolerance));
+    Search search = {*pointP, {}, *fc_rmaxui4P, tolerance, classMask, false};
     mdlElmdscr_operation(edP, searchComponent, &search, visitAll);
     if (search.found) *pointP = search.nearest;
     return &state.bearing;

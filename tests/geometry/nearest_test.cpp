@@ -8,13 +8,14 @@
 #include "geometry/lines.h"
 #include "host/mdl/model.h"
 #include "host/mdl/system.h"
-#include "tests/support/session_fixture.h"
+#include "host/mdl/transform.h"
+#include "tests/support/library_fixture.h"
 
 namespace {
 
 constexpr double pi = std::numbers::pi;
 
-class GeometryElements : public SessionTest {
+class GeometryElements : public LibraryTest {
   protected:
     // Appends the element, in a class of its own, to the descriptor.
     void append(int32_t elementClass) {
@@ -68,6 +69,24 @@ TEST_F(GeometryElements, NearestPointLooksThroughAllRunsOfALongElement) {
         mclibGeo_getNearestPointP(&p, descriptor, 1u);
         EXPECT_NEAR(std::atan2(p.y, p.x), std::remainder(angle, 2 * pi), 1e-3);
         EXPECT_NEAR(std::hypot(p.x, p.y), 1e8, 20);
+    }
+}
+
+TEST_F(GeometryElements, NearestPointIsAsNearInMasterUnits) {
+    openDesignFile();
+    const Point3d center = {0, 0, 0};
+    const double metre = mdlModelRef_getUorPerMaster(mdlModelRef_getActive());
+    mdlEllipse_create(&element, nullptr, &center, 100 * metre, 100 * metre, nullptr, 0);
+    append(0);
+    for (const double unit : {1.0, metre}) {
+        mdlCurrTrans_begin();
+        mdlCurrTrans_scale(unit, unit, unit);
+        for (const double angle : {0.1, 2.0, 4.0, 6.0}) {
+            Point3d p = {50 * metre / unit * std::cos(angle), 50 * metre / unit * std::sin(angle), 0};
+            mclibGeo_getNearestPointP(&p, descriptor, 1u);
+            EXPECT_NEAR(std::hypot(p.x, p.y) * unit / metre, 100, 0.01);
+        }
+        mdlCurrTrans_end();
     }
 }
 
