@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "elmattr/table.h"
+#include "frame/current_units.h"
 #include "frame/global_data.h"
 #include "frame/main.h"
 #include "frame/util.h"
@@ -93,7 +94,7 @@ T activeParameter(int parameter) {
 // A dimension that the style leaves open becomes the active text size.
 void settleStyleDimension(double& dimension, double uorInMaster, double scale) {
     dimension /= scale / uorInMaster;
-    if (dimension == 0.0) dimension = activeParameter<double>(MDL_PARAM_TEXT_SIZE) / scale;
+    if (dimension == 0.0) dimension = inCurrentUnits(activeParameter<double>(MDL_PARAM_TEXT_SIZE)) / scale;
 }
 
 void loadTextStyle(TextSettings& text, const ElmAttrData& data, double scale) {

@@ -12,6 +12,7 @@
 #include "frame/global_data.h"
 #include "host/mdl/element.h"
 #include "host/mdl/lists.h"
+#include "host/mdl/model.h"
 #include "host/mdl/system.h"
 #include "host/mdl/text.h"
 #include "host/mdl/transform.h"
@@ -245,6 +246,10 @@ TEST_F(CreateText, AStyleWithoutSizeTakesTheActiveOne) {
     const Made made = create("x", 4);
     EXPECT_NEAR(made.height, 200, 1e-9);
     EXPECT_NEAR(made.width, 200, 1e-9);
+    mdlCurrTrans_begin();
+    mdlCurrTrans_masterUnitsIdentity();
+    EXPECT_NEAR(create("x", 4).height * mdlModelRef_getUorPerMaster(mdlModelRef_getActive()), 200, 1e-9);
+    mdlCurrTrans_end();
 }
 
 TEST_F(CreateText, AnUnknownStyleIsAsNone) {
