@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <string_view>
 
 #include "frame/util.h"
 #include "geometry/builders.h"
@@ -19,13 +20,27 @@ struct Extent {
     double width = 0.0, height = 0.0;
 };
 
-// Builds a line in *dgnBufP and measures it.
-Extent measureLine(const char* line, double scale, int attrId) {
+// Builds a piece of a line in *dgnBufP and measures it.
+Extent measurePiece(const char* piece, double scale, int attrId) {
     dgnBufP->head = {};
-    mclibElement_createText(nullptr, line, scale, nullptr, attrId, nullptr);
+    mclibElement_createText(nullptr, piece, scale, nullptr, attrId, nullptr);
     Point3d box[5];
     if (mdlText_extractShape(box, nullptr, dgnBufP, 0, 0) != MDL_SUCCESS) return {};
     return {box[1].x - box[0].x, box[2].y - box[1].y};
+}
+
+// Measures a line, in as many pieces as text elements take: letters stand side by side, so the widths add up.
+Extent measureLine(std::string_view line, double scale, int attrId) {
+    Extent whole;
+    do {
+        const std::string_view piece = line.substr(0, MDL_TEXT_CHARACTERS);
+        char text[MDL_TEXT_CHARACTERS + 1] = "";
+        piece.copy(text, piece.size());
+        const Extent extent = measurePiece(text, scale, attrId);
+        whole = {whole.width + extent.width, extent.height};
+        line.remove_prefix(piece.size());
+    } while (!line.empty());
+    return whole;
 }
 
 }  // namespace

@@ -264,6 +264,9 @@ TEST_F(Builders, ATextIsAsWideAsItsWidestLine) {
     EXPECT_NEAR(height, 100, 1e-9);
     EXPECT_NEAR(total, 2 * 50 + 3 * 100, 1e-9);
     EXPECT_EQ(just, 2);
+    mclibUtil_extractTextSize(("i\n" + std::string(510, 'm')).c_str(), 1, text, 50, &width, &height, &total, nullptr);
+    EXPECT_NEAR(width, 255 * one, 1e-6);  // more letters than a text element holds
+    EXPECT_NEAR(height, 100, 1e-9);
     total = -1;
     mclibUtil_extractTextSize("mm", 1, text, 50, nullptr, nullptr, &total, nullptr);
     EXPECT_EQ(total, -1);
