@@ -122,6 +122,12 @@ int appendToCell(MSElementBuffer* element, void* cell, int32_t, int32_t, Element
     return mdlElmdscr_appendElement(static_cast<ElementDescr*>(cell), element);
 }
 
+// Whether the descriptor is the cell or a part of it, to which appending would never end.
+bool isWithin(const ElementDescr* part, const ElementDescr* cell) {
+    while (part && part != cell) part = part->parent;
+    return part;
+}
+
 // Where a cell header keeps its origin. Headers are 3D in a 3D file; one of the other kind, which a builder can make in
 // any file, is told by its length, since the other place would lie in its axes or behind its end.
 constexpr size_t origin3dAt = 232, origin2dAt = 176;
@@ -158,7 +164,9 @@ int mclibCell_getCellPathAndName(char* pathP, const char* nameP) {
     *pathP = '\0';
     if (hasSearchPath())
         return mdlFile_find(pathP, nameP, searchVariable, extension) == MDL_SUCCESS ? MCLIB_SUCCESS : MCLIB_ERROR;
-    const std::string path = folder() + nameP;
+    const std::string inFolder = folder();
+    if (inFolder.size() >= pathBytes) return MCLIB_ERROR;
+    const std::string path = inFolder + nameP;
     std::memcpy(pathP, path.c_str(), path.size() + 1);
     return mdlFile_find(nullptr, pathP, nullptr, nullptr) == MDL_SUCCESS ? MCLIB_SUCCESS : MCLIB_ERROR;
 }
@@ -222,6 +230,7 @@ int mclibCell_drawCell(const char* nameP, MdlDialog* windowP, const MdlItem* ite
 
 int mclibCell_mergeCells(ElementDescr* cellEdP, ElementDescr* firstEdP, ElementDescr* secondEdP) {
     constexpr int32_t allElements = 11;
+    if (isWithin(firstEdP, cellEdP) || isWithin(secondEdP, cellEdP)) return MCLIB_ERROR;
     for (ElementDescr* part : {firstEdP, secondEdP}) {
         if (part && mdlElmdscr_operation(part, appendToCell, cellEdP, allElements) != MDL_SUCCESS) return MCLIB_ERROR;
     }

@@ -78,6 +78,10 @@ TEST_F(CellLibraries, FileIsFoundAlongTheSearchPathOrInTheProductFolder) {
     EXPECT_THAT(found, testing::EndsWith("roads.cel"));
     EXPECT_EQ(mclibCell_getCellPathAndName(found, "nowhere.cel"), MCLIB_ERROR);
     EXPECT_STREQ(found, "");
+    mdlSystem_deleteCfgVar("MC_CELL");
+    define("MC_DIR", std::string(254, 'x') + "\\");  // leaves less than the name's room in 256 bytes
+    EXPECT_EQ(mclibCell_getCellPathAndName(found, "roads.cel"), MCLIB_ERROR);
+    EXPECT_STREQ(found, "");
 }
 
 TEST_F(CellLibraries, LibraryIsAttachedUnlessOneOfItsNameIs) {
@@ -218,6 +222,9 @@ TEST_F(MergedCells, ElementsOfBothAreAppendedWithoutTheirHeaders) {
         places.push_back(ends[0].x);
     }
     EXPECT_EQ(places, (std::vector<double>{1, 2, 3, 4}));
+    EXPECT_EQ(mclibCell_mergeCells(cell, cell, nullptr), MCLIB_ERROR);  // would never end
+    EXPECT_EQ(mclibCell_mergeCells(cell, nullptr, cell->firstChild), MCLIB_ERROR);
+    EXPECT_EQ(cell->firstChild->next->next->next->next, nullptr);
     for (ElementDescr* ed : {cell, first, second}) mdlElmdscr_freeAll(&ed);
 }
 
