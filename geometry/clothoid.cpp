@@ -40,8 +40,13 @@ struct Series {
     }
 };
 
+// A whose square, and its inverse, are numbers.
+bool isParameter(double A) {
+    return std::isfinite(A * A) && std::isfinite(1 / (A * A));
+}
+
 bool canGenerate(int nPoints, double A) {
-    return A != 0 && nPoints != 1;
+    return isParameter(A) && nPoints != 1;
 }
 
 // ---- placing an element ----
@@ -101,7 +106,7 @@ PointArray allocatePoints(int count) {
 int fitCurve(BsplineCurve& curve, int nPoints, int order, double x0, double y0, double R1, double R2, double A,
              double angle, Point2d shift) {
     curve = {};
-    if (A == 0) return MCLIB_ERROR;
+    if (!isParameter(A)) return MCLIB_ERROR;
     curve.curveDisplay = 1;
     curve.order = order;
     curve.numPoles = nPoints;
@@ -131,7 +136,7 @@ int mclibGeo_getKlotoideLength(double* L1P, double* L2P, double R1, double R2, d
 }
 
 int mclibGeo_KlotCoord(double* xP, double* yP, double R1, double R2, double A, double l, double Rref) {
-    if (A == 0) return MCLIB_ERROR;
+    if (!isParameter(A)) return MCLIB_ERROR;
     const Point2d p = Series{1 / (A * A), sideOf(R1, R2, Rref)}.at(l);
     *xP = p.x;
     *yP = p.y;
@@ -195,16 +200,20 @@ int mclibGeo_createKlotoideByTangent(BsplineCurve* curveP, int nPoints, int orde
 
 int mclibGeo_getKlotCoord(double* xP, double* yP, double* angleP, double x1, double y1, double x2, double y2, double R1,
                           double R2, double A, double s) {
-    if (A == 0) return MCLIB_ERROR;
+    if (!isParameter(A)) return MCLIB_ERROR;
     *xP = *yP = 0;
     if ((R1 == 0 && R2 == 0) || turnOppositeWays(R1, R2)) return MCLIB_ERROR;
     const Layout layout = layoutOf(R1, R2, A);
-    if (!(s >= layout.lengths.l1 && s <= layout.lengths.l2)) return MCLIB_ERROR;
+    const auto [l1, l2] = layout.lengths;
+    const std::optional<double> station = stationWithin(s, l1, l2, slackOf(l2, {x1, y1, x2, y2}));
+    if (!station) return MCLIB_ERROR;
     const double turn = chordTurn(layout, x1, y1, x2, y2);
-    const Point2d p = turned(inTravelFrame(layout, layout.series.at(s)) - startOf(layout), turn) + Point2d{x1, y1};
+    const Point2d p =
+        turned(inTravelFrame(layout, layout.series.at(*station)) - startOf(layout), turn) + Point2d{x1, y1};
     double bearing = turn + startBearing(layout, R1, R2);
     if (bearing > 2 * pi || bearing < 0) bearing = std::fmod(bearing, 2 * pi);
     if (bearing < 0) bearing += 2 * pi;
+    if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(bearing)) return MCLIB_ERROR;
     *xP = p.x;
     *yP = p.y;
     *angleP = bearing;

@@ -1,7 +1,8 @@
 /* Clothoids: transition curves whose curvature grows evenly with arc length, with R L = A^2.
  *
  * An element is given as everywhere in the geometry of alignments (lines.h): end points, the signed radius at each of
- * them (0: infinite, a straight end) and A, whose sign doesn't count. The series frame has the clothoid's origin, where
+ * them (0: infinite, a straight end) and A, whose sign doesn't count; one whose square or its inverse is no number is
+ * taken as 0. The series frame has the clothoid's origin, where
  * its radius is infinite, at (0, 0), with its tangent there along +x; a series length l is an arc length from there. The
  * element covers the series lengths L1 to L2, and L1 is 0 with a straight end. All lengths have the caller's unit.
  *

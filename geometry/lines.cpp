@@ -9,15 +9,6 @@
 
 namespace {
 
-// Rounding that ends of an element may bring with them, relative to the length it is compared with.
-constexpr double rounding = 1e-12;
-
-// The square root of a number that rounding may have left a little below 0; nothing for one that is below 0 by itself.
-std::optional<double> rootOf(double square, double scale) {
-    if (!(square >= -rounding * scale)) return {};
-    return std::sqrt(std::max(square, 0.0));
-}
-
 int checkRange(double g, double g1, double g2) {
     if (g1 == g2) return MCLIB_SUCCESS;
     if (g < std::min(g1, g2)) return GEO_BELOW;
@@ -25,19 +16,18 @@ int checkRange(double g, double g1, double g2) {
     return MCLIB_SUCCESS;
 }
 
-// Half the angle of the shorter arc of a radius over a chord, signed as the radius is; nothing when the chord is too
-// long for it.
-std::optional<double> halfSweep(Point2d chord, double R) {
-    const double sine = lengthOf(chord) / (2 * R);
-    if (!(std::fabs(sine) <= 1 + rounding)) return {};
-    return std::asin(std::clamp(sine, -1.0, 1.0));
+// Half the angle of the shorter arc of a radius over a chord, signed as the radius is; a half circle's when the chord
+// is longer than the diameter by rounding alone, nothing when it is too long for it.
+std::optional<double> halfSweep(double chord, double R, double slack) {
+    if (!(chord <= 2 * std::fabs(R) + slack)) return {};
+    return std::asin(std::clamp(chord / (2 * R), -1.0, 1.0));
 }
 
 // How far the circle lies from its centre in one direction, at a distance in the other: signed as the radius is.
-std::optional<double> halfChord(double R, double distance) {
-    const std::optional<double> root = rootOf(R * R - distance * distance, R * R);
-    if (!root) return {};
-    return R > 0 ? *root : -*root;
+std::optional<double> halfChord(double R, double distance, double slack) {
+    const double beyond = std::fabs(distance) - std::fabs(R);
+    if (!(beyond <= slack)) return {};
+    return std::copysign(std::sqrt(std::max(R * R - distance * distance, 0.0)), R);
 }
 
 }  // namespace
@@ -64,9 +54,11 @@ int mclibGeo_getLineCoord(double* xP, double* yP, double* angleP, double x1, dou
     *xP = *yP = 0;
     const Point2d d = {x2 - x1, y2 - y1};
     const double length = lengthOf(d);
-    if (!(s >= 0 && s <= length) || length == 0) return MCLIB_ERROR;
-    *xP = x1 + d.x * s / length;
-    *yP = y1 + d.y * s / length;
+    if (length == 0 || !std::isfinite(length)) return MCLIB_ERROR;
+    const std::optional<double> station = stationWithin(s, 0, length, slackOf(length, {x1, y1, x2, y2}));
+    if (!station) return MCLIB_ERROR;
+    *xP = x1 + d.x * *station / length;
+    *yP = y1 + d.y * *station / length;
     *angleP = bearingOf(d);
     return MCLIB_SUCCESS;
 }
@@ -77,19 +69,24 @@ int mclibGeo_getCircleCoord(double* xP, double* yP, double* angleP, double x1, d
     *xP = *yP = 0;
     Point2d center;
     if (mclibGeo_getCircleCenter(&center.x, &center.y, x1, y1, x2, y2, R) != MCLIB_SUCCESS) return MCLIB_ERROR;
-    const double b1 = bearingOf(Point2d{x1, y1} - center);
-    double t1 = b1 + (R > 0 ? pi / 2 : -pi / 2);
+    double t1 = bearingOf(Point2d{x1, y1} - center) + (R > 0 ? pi / 2 : -pi / 2);
     if (t1 > 2 * pi)
         t1 -= 2 * pi;
     else if (t1 < 0)
         t1 += 2 * pi;
-    // Taken from the chord: the centre's rounding, far from the origin, would cut the last station off.
-    const double arcLength = 2 * R * *halfSweep({x2 - x1, y2 - y1}, R);
-    if (!(s >= 0 && s <= arcLength * (1 + rounding))) return MCLIB_ERROR;
-    const double turn = s / R;
-    const Point2d p = center + alongBearing(b1 + turn, std::fabs(R));
-    *xP = p.x;
-    *yP = p.y;
+    // From the chord, not from the centre, whose digits are lost far from the origin and for large radii. The last
+    // station may be that of the longest chord that rounding allows: near a half circle it grows much faster.
+    const Point2d chord = {x2 - x1, y2 - y1};
+    const double length = lengthOf(chord), slack = slackOf(length, {x1, y1, x2, y2});
+    const double half = *halfSweep(length, R, slack),
+                 longest = *halfSweep(std::min(length + slack, 2 * std::fabs(R)), R, 0);
+    const double arcLength = 2 * R * half;
+    const std::optional<double> station = stationWithin(s, 0, arcLength, 2 * R * longest - arcLength + slack);
+    if (!station) return MCLIB_ERROR;
+    const double turn = *station / R;
+    const Point2d along = alongBearing(bearingOf(chord) - half + turn / 2, 2 * R * std::sin(turn / 2));
+    *xP = x1 + along.x;
+    *yP = y1 + along.y;
     *angleP = t1 + turn;
     return MCLIB_SUCCESS;
 }
@@ -103,11 +100,14 @@ int mclibGeo_getCircleCenter(double* xcP, double* ycP, double x1, double y1, dou
         return MCLIB_ERROR;
     }
     const Point2d chord = {x2 - x1, y2 - y1};
-    const std::optional<double> half = halfSweep(chord, R);
+    const double length = lengthOf(chord);
+    const std::optional<double> half = halfSweep(length, R, slackOf(length, {x1, y1, x2, y2}));
     if (!half) return MCLIB_ERROR;
     const double tangent = bearingOf(chord) - *half;
-    *xcP = x1 - R * std::sin(tangent);
-    *ycP = y1 + R * std::cos(tangent);
+    const Point2d center = {x1 - R * std::sin(tangent), y1 + R * std::cos(tangent)};
+    if (!std::isfinite(center.x) || !std::isfinite(center.y)) return MCLIB_ERROR;
+    *xcP = center.x;
+    *ycP = center.y;
     return MCLIB_SUCCESS;
 }
 
@@ -124,12 +124,12 @@ int mclibGeo_getCircleQuadrant(double* angleP, double dx, double dy) {
     return quadrant;
 }
 
-// ---- equations ----
+// ---- equations: from a point of the line, as b loses the digits of coordinates far from the origin ----
 
 int mclibGeo_getCircleX(double* xP, double x1, double y1, double x2, double y2, double R, double y) {
     Point2d center;
     if (mclibGeo_getCircleCenter(&center.x, &center.y, x1, y1, x2, y2, R) != MCLIB_SUCCESS) return MCLIB_ERROR;
-    const std::optional<double> half = halfChord(R, y - center.y);
+    const std::optional<double> half = halfChord(R, y - center.y, slackOf(R, {x1, y1, x2, y2, y}));
     if (!half) return MCLIB_ERROR;
     *xP = center.x + *half;
     return checkRange(y, y1, y2);
@@ -138,7 +138,7 @@ int mclibGeo_getCircleX(double* xP, double x1, double y1, double x2, double y2, 
 int mclibGeo_getCircleY(double* yP, double x1, double y1, double x2, double y2, double R, double x) {
     Point2d center;
     if (mclibGeo_getCircleCenter(&center.x, &center.y, x1, y1, x2, y2, R) != MCLIB_SUCCESS) return MCLIB_ERROR;
-    const std::optional<double> half = halfChord(R, x - center.x);
+    const std::optional<double> half = halfChord(R, x - center.x, slackOf(R, {x1, y1, x2, y2, x}));
     if (!half) return MCLIB_ERROR;
     *yP = center.y + *half;
     return checkRange(x, x1, x2);
@@ -156,14 +156,14 @@ int mclibGeo_getLinearAB(double* aP, double* bP, double x1, double y1, double x2
 int mclibGeo_getLinearX(double* xP, double x1, double y1, double x2, double y2, double y) {
     double a, b;
     if (mclibGeo_getLinearAB(&a, &b, x1, y1, x2, y2) != MCLIB_SUCCESS || a == 0) return MCLIB_ERROR;
-    *xP = (y - b) / a;
+    *xP = x1 + (y - y1) / a;
     return checkRange(y, y1, y2);
 }
 
 int mclibGeo_getLinearY(double* yP, double x1, double y1, double x2, double y2, double x) {
     double a, b;
     if (mclibGeo_getLinearAB(&a, &b, x1, y1, x2, y2) != MCLIB_SUCCESS) return MCLIB_ERROR;
-    *yP = a * x + b;
+    *yP = y1 + (x - x1) * a;
     return checkRange(x, x1, x2);
 }
 

@@ -5,7 +5,11 @@
  * positive radius turns left, with the centre to the left of the direction of travel. Angles and bearings are radians,
  * counter-clockwise from the x axis. A station is an arc length from the first end; for clothoids see clothoid.h. Calls
  * that return a status store nothing when they fail, unless told otherwise. Coordinates are plain numbers: only the two
- * element builders and the nearest point know the host. */
+ * element builders and the nearest point know the host.
+ *
+ * End points and stations may be off by what rounding does to numbers of their size (some 1e-8 for coordinates of 1e7): a
+ * chord that is longer than the diameter by no more makes a half circle, and a station that is beyond an end by no more
+ * is the end. Numbers that aren't finite make no element. */
 #ifndef MCLIB_GEOMETRY_LINES_H
 #define MCLIB_GEOMETRY_LINES_H
 

@@ -176,14 +176,14 @@ TEST(Clothoid, WhatIsNoStationIsRefused) {
         return mclibGeo_getKlotCoord(x, &y, &angle, 0, 0, 90, 10, R1, R2, A, s);
     };
     double x = 7;
-    EXPECT_EQ(status(0, 100, 0, 0, &x), MCLIB_ERROR);
+    for (const double A : {0.0, 1e-170, 1e170}) EXPECT_EQ(status(0, 100, A, 0, &x), MCLIB_ERROR);
     EXPECT_EQ(x, 7);
     struct Case {
         double R1, R2, s;
         int status;
     };
     for (const Case& c :
-         {Case{0, 100, 100, 0}, Case{0, 100, std::nextafter(100.0, 101.0), MCLIB_ERROR},
+         {Case{0, 100, 100, 0}, Case{0, 100, 100 + 1e-6, MCLIB_ERROR},
           Case{0, 100, -1e-9, MCLIB_ERROR}, Case{0, 0, 0, MCLIB_ERROR}, Case{100, -100, 50, MCLIB_ERROR},
           Case{200, 100, 50, 0}, Case{200, 100, 49.9, MCLIB_ERROR}, Case{0, 100, NAN, MCLIB_ERROR}}) {
         x = 7;

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <numbers>
 #include <random>
+#include <vector>
 
 namespace {
 
@@ -68,10 +69,12 @@ TEST(Geometry, LineHasStationsFromEndToEnd) {
     expectPlace(at(1, 2, 4, 6, 0, 0, 0, 0), 1, 2, std::atan2(4, 3));
     expectPlace(at(1, 2, 4, 6, 0, 0, 0, 5), 4, 6, std::atan2(4, 3));
     expectPlace(at(10, 0, 0, 0, 0, 0, 0, 4), 6, 0, pi);
-    expectNoPlace(at(1, 2, 4, 6, 0, 0, 0, std::nextafter(5.0, 6.0)));
+    expectNoPlace(at(1, 2, 4, 6, 0, 0, 0, 5 + 1e-9));
     expectNoPlace(at(1, 2, 4, 6, 0, 0, 0, -1e-9));
     expectNoPlace(at(1, 2, 4, 6, 0, 0, 0, std::nan("")));
     expectNoPlace(at(1, 2, 1, 2, 0, 0, 0, 0));
+    expectNoPlace(at(0, 0, INFINITY, 0, 0, 0, 0, 1));
+    expectNoPlace(at(0, 0, 1e200, 1e200, 0, 0, 0, 1));
 }
 
 TEST(Geometry, CircleHasStationsFromEndToEnd) {
@@ -82,6 +85,7 @@ TEST(Geometry, CircleHasStationsFromEndToEnd) {
     expectNoPlace(at(0, 0, 10, 10, 10, 0, 0, -1e-9));
     expectNoPlace(at(3, 3, 3, 3, 10, 0, 0, 0));
     expectNoPlace(at(0, 0, 30, 0, 10, 0, 0, 0));
+    expectNoPlace(at(0, 0, 30, 0, INFINITY, 0, 0, 0));
     double x = 7, y = 7, angle = 7;
     EXPECT_EQ(mclibGeo_getCircleCoord(&x, &y, &angle, 0, 0, 1, 1, 0, 0), MCLIB_ERROR);
     EXPECT_EQ(x, 7);
@@ -118,20 +122,105 @@ TEST(Geometry, RandomArcsKeepTheirSideAndEnds) {
     }
 }
 
-// Coordinates of a map are millions of metres.
-TEST(Geometry, LastStationOfAnArcFarFromTheOriginIsOnIt) {
-    std::mt19937 random(4);
-    std::uniform_real_distribution<double> metre(0, 1), bearing(0, 2 * pi);
-    for (const double R : {50.0, -1e3, 1e5, -1e7}) {
-        SCOPED_TRACE(R);
-        for (int i = 0; i < 200; ++i) {
-            const double x1 = 600000 + metre(random), y1 = 6600000 + metre(random), b = bearing(random);
-            const double x2 = x1 + 60 * std::cos(b), y2 = y1 + 60 * std::sin(b);
-            const double chord = std::sqrt((x2 - x1) * (x2 - x1) + (y2 - y1) * (y2 - y1));
-            const Place p = at(x1, y1, x2, y2, R, 0, 0, 2 * R * std::asin(chord / (2 * R)));
-            ASSERT_EQ(p.status, MCLIB_SUCCESS);
-            EXPECT_NEAR(std::hypot(p.x - x2, p.y - y2), 0, 1e-6);
+// ---- coordinates of a map: millions of metres, whose last digits are lost when elements are worked out ----
+
+class MapGeometry : public testing::Test {
+  protected:
+    double random(double from, double to) { return std::uniform_real_distribution<double>(from, to)(engine); }
+
+    std::mt19937 engine{4};
+};
+
+struct MapOrigin {
+    double x, y;
+};
+constexpr MapOrigin mapOrigins[] = {{0, 0}, {1e5, 1e5}, {5.7e5, 6.6e6}, {1e7, 1e7}};
+
+// The station that a caller works out from centre and bearings, and the length as it is told.
+std::vector<double> endStations(double x1, double y1, double x2, double y2, double R, double sweep) {
+    double xc = 0, yc = 0, b1 = 0, b2 = 0;
+    EXPECT_EQ(mclibGeo_getCircleCenter(&xc, &yc, x1, y1, x2, y2, R), MCLIB_SUCCESS);
+    EXPECT_NEAR(std::hypot(x1 - xc, y1 - yc), std::fabs(R), 1e-7);
+    EXPECT_NEAR(std::hypot(x2 - xc, y2 - yc), std::fabs(R), 1e-7);
+    mclibGeo_getCircleQuadrant(&b1, x1 - xc, y1 - yc);
+    mclibGeo_getCircleQuadrant(&b2, x2 - xc, y2 - yc);
+    double turn = R > 0 ? b2 - b1 : b1 - b2;
+    if (turn < 0) turn += 2 * pi;
+    return {turn * std::fabs(R), sweep * std::fabs(R)};
+}
+
+TEST_F(MapGeometry, HalfCirclesAndEndStationsOfArcsAreTaken) {
+    for (const MapOrigin& o : mapOrigins) {
+        for (const double size : {1.0, 5.0, 20.0, 100.0, 1e3, -1e5}) {
+            SCOPED_TRACE(testing::Message() << o.x << ' ' << size);
+            for (int i = 0; i < 200; ++i) {
+                const double R = i % 2 ? size : -size, sweep = i % 4 < 2 ? pi : random(0.1, 3.0), b = random(0, 2 * pi);
+                const double x1 = o.x + random(0, 1), y1 = o.y + random(0, 1), chord = 2 * size * std::sin(sweep / 2);
+                const double x2 = x1 + chord * std::cos(b), y2 = y1 + chord * std::sin(b);
+                for (const double s : endStations(x1, y1, x2, y2, R, sweep)) {
+                    const Place p = at(x1, y1, x2, y2, R, 0, 0, s);
+                    ASSERT_EQ(p.status, MCLIB_SUCCESS);
+                    // Near a half circle the length is some 14 times as far off as the chord.
+                    ASSERT_NEAR(std::hypot(p.x - x2, p.y - y2), 0, 1e-6);
+                }
+                ASSERT_EQ(at(x1, y1, x2, y2, R, 0, 0, sweep * std::fabs(R) * (1 + 1e-6) + 1e-3).status, MCLIB_ERROR);
+                ASSERT_EQ(
+                    at(x1, y1, x1 + (x2 - x1) * 2.1 * size / chord, y1 + (y2 - y1) * 2.1 * size / chord, R, 0, 0, 0)
+                        .status,
+                    MCLIB_ERROR);
+            }
         }
+    }
+}
+
+TEST_F(MapGeometry, EndStationsOfLinesAndClothoidsAreTaken) {
+    for (const MapOrigin& o : mapOrigins) {
+        SCOPED_TRACE(o.x);
+        for (int i = 0; i < 1000; ++i) {
+            const double x1 = o.x + random(0, 1), y1 = o.y + random(0, 1), b = random(0, 2 * pi);
+            const double L = random(1, 300), R = random(30, 2000);
+            const double x2 = x1 + L * std::cos(b), y2 = y1 + L * std::sin(b);
+            const Place end = at(x1, y1, x2, y2, 0, 0, 0, L);
+            ASSERT_EQ(end.status, MCLIB_SUCCESS);
+            ASSERT_NEAR(std::hypot(end.x - x2, end.y - y2), 0, 1e-7);
+            ASSERT_EQ(at(x1, y1, x2, y2, 0, 0, 0, L + 1e-6).status, MCLIB_ERROR);
+            ASSERT_EQ(at(x1, y1, x2, y2, 0, R, std::sqrt(R * L), L).status, MCLIB_SUCCESS);
+            ASSERT_EQ(at(x1, y1, x2, y2, R, 3 * R, std::sqrt(R * L), L / 3).status, MCLIB_SUCCESS);
+            ASSERT_EQ(at(x1, y1, x2, y2, 0, R, std::sqrt(R * L), L + 1e-6).status, MCLIB_ERROR);
+        }
+    }
+}
+
+// An arc that ends at the highest or rightmost point of its circle.
+TEST_F(MapGeometry, SolversReachTheEndsOfTheirOwnArc) {
+    for (const MapOrigin& o : mapOrigins) {
+        SCOPED_TRACE(o.x);
+        for (int i = 0; i < 1000; ++i) {
+            const double R = random(5, 2000), b = random(-1.2, -0.1);
+            const double xc = o.x + random(0, 1), yc = o.y + random(0, 1);
+            const double x1 = xc + R * std::cos(b), y1 = yc + R * std::sin(b);
+            double value = 0;
+            ASSERT_EQ(mclibGeo_getCircleX(&value, x1, y1, xc, yc + R, R, yc + R), MCLIB_SUCCESS);
+            ASSERT_EQ(mclibGeo_getCircleY(&value, y1, x1, yc + R, xc, -R, yc + R), MCLIB_SUCCESS);
+        }
+    }
+}
+
+TEST_F(MapGeometry, SteepLinesAndFlatArcsKeepTheirDigits) {
+    for (const double lean : {1e-2, 1e-4, 1e-6}) {
+        double value = 0;
+        const double x1 = 5.7e5, y1 = 6.6e6, share = 0.3;
+        mclibGeo_getLinearY(&value, x1, y1, x1 + 100 * lean, y1 + 100, x1 + 100 * lean * share);
+        EXPECT_NEAR(value, y1 + 100 * share, 2e-10 / lean);  // the digits of x itself
+        mclibGeo_getLinearX(&value, y1, x1, y1 + 100, x1 + 100 * lean, x1 + 100 * lean * share);
+        EXPECT_NEAR(value, y1 + 100 * share, 2e-10 / lean);
+    }
+    for (const double R : {1e9, 1e12, -1e14}) {
+        const Place start = at(3, 4, 103, 4, R, 0, 0, 0), middle = at(3, 4, 103, 4, R, 0, 0, 50);
+        EXPECT_EQ(start.x, 3);
+        EXPECT_EQ(start.y, 4);
+        EXPECT_NEAR(middle.x, 53, 1e-9);
+        EXPECT_NEAR(middle.y, 4 - 50.0 * 50.0 / (2 * R), 1e-9);
     }
 }
 
