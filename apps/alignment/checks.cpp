@@ -18,10 +18,10 @@ Impossibility because(int number, const char* format, Values... values) {
     return {number, why};
 }
 
-std::optional<Impossibility> circleImpossibility(const Element& e, double chord) {
+std::optional<Impossibility> circleImpossibility(const Element& e, double chord, double tolerance) {
     if (e.r1 == 0) return because(R1, "an element with A = 0 has one radius, but R1 is 0 and R2 is %g", e.r2);
     if (e.r1 != e.r2) return because(R2, "an element with A = 0 has one radius, but R1 is %g and R2 is %g", e.r1, e.r2);
-    if (chord <= 2 * std::abs(e.r1)) return {};
+    if (chord <= 2 * std::abs(e.r1) + tolerance) return {};
     return because(R1, "the ends are %.3f m apart, more than the diameter of %.3f m", chord, 2 * std::abs(e.r1));
 }
 
@@ -49,7 +49,7 @@ std::optional<Impossibility> impossibility(const Element& e, double tolerance) {
     const double chord = std::hypot(e.x2 - e.x1, e.y2 - e.y1);
     if (chord == 0) return because(X2, "the element has no length: both ends are the same point");
     if (e.a != 0) return clothoidImpossibility(e, chord, tolerance);
-    if (e.r1 != 0 || e.r2 != 0) return circleImpossibility(e, chord);
+    if (e.r1 != 0 || e.r2 != 0) return circleImpossibility(e, chord, tolerance);
     return {};
 }
 

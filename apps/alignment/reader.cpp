@@ -152,7 +152,7 @@ bool Reader::element() {
     e.attribute = road_.attributeOf(role);
     if (!in_.atEnd() && !knownAttribute(e.attribute)) return false;
     e.start = road_.endStation();
-    measure(e);
+    if (!measure(e)) return in_.failHere("the numbers of this element are too large to work with");
     road_.elements.push_back(e);
     return true;
 }

@@ -22,6 +22,12 @@ double seriesLength(const Element& e, double distance) {
     return std::clamp(tightens ? l1 + distance : l2 - distance, l1, l2);
 }
 
+// The point at a distance from the first end, and the bearing that the library gives there. False when it finds none.
+bool pointOn(const Element& e, double distance, double& x, double& y, double& angle) {
+    const double s = e.kind() == GEO_CLOTHOID ? seriesLength(e, distance) : distance;
+    return mclibGeo_getElementCoord(&x, &y, &angle, e.x1, e.y1, e.x2, e.y2, e.r1, e.r2, e.a, s) == MCLIB_SUCCESS;
+}
+
 }  // namespace
 
 int Element::kind() const {
@@ -41,27 +47,26 @@ double Road::endStation() const {
     return elements.empty() ? startStation : elements.back().start + elements.back().length;
 }
 
-void measure(Element& e) {
+bool measure(Element& e) {
     const double chord = std::hypot(e.x2 - e.x1, e.y2 - e.y1);
     double x = 0, y = 0, l1 = 0, l2 = 0;
     switch (e.kind()) {
         case GEO_LINE: e.length = chord; break;
-        case GEO_CIRCLE: e.length = 2 * std::abs(e.r1) * std::asin(std::min(chord / (2 * std::abs(e.r1)), 1.0)); break;
+        case GEO_CIRCLE:
+            if (chord > 2 * std::abs(e.r1)) e.r1 = e.r2 = std::copysign(chord / 2, e.r1);
+            e.length = 2 * std::abs(e.r1) * std::asin(chord / (2 * std::abs(e.r1)));
+            break;
         default: mclibGeo_getKlotoideLength(&l1, &l2, e.r1, e.r2, e.a); e.length = l2 - l1;
     }
-    const double first = e.kind() == GEO_CLOTHOID ? seriesLength(e, 0) : 0;
-    mclibGeo_getElementCoord(&x, &y, &e.bearing, e.x1, e.y1, e.x2, e.y2, e.r1, e.r2, e.a, first);
+    return pointOn(e, e.length, x, y, e.bearing) && pointOn(e, 0, x, y, e.bearing);
 }
 
 Place placeOn(const Element& e, double distance) {
     distance = std::clamp(distance, 0.0, e.length);
     Place place = {e.start + distance, e.x1, e.y1, e.bearingAt(distance), e.curvatureAt(distance)};
     if (distance == 0) return place;
-    double x = e.x2, y = e.y2, angle = 0;
-    if (distance < e.length) {
-        const double s = e.kind() == GEO_CLOTHOID ? seriesLength(e, distance) : distance;
-        mclibGeo_getElementCoord(&x, &y, &angle, e.x1, e.y1, e.x2, e.y2, e.r1, e.r2, e.a, s);
-    }
+    double x = 0, y = 0, angle = 0;
+    if (distance == e.length || !pointOn(e, distance, x, y, angle)) x = e.x2, y = e.y2;
     place.x = x;
     place.y = y;
     return place;

@@ -57,8 +57,9 @@ struct Place {
     double curvature;  // 1 / radius, positive to the left
 };
 
-// Sets length and bearing of an element that impossibility() finds nothing against.
-void measure(Element& element);
+// Sets length and bearing of an element that impossibility() finds nothing against; an arc whose ends are farther apart
+// than its diameter, within the tolerance, becomes a half circle between them. False when the numbers are out of range.
+bool measure(Element& element);
 // The place at a distance from the element's first end, 0 to its length.
 Place placeOn(const Element& element, double distance);
 // The place at a station of the road; stations beyond an end give that end.

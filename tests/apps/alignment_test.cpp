@@ -329,6 +329,8 @@ TEST_F(Alignment, WrongInputIsToldWithItsPlaceAndMakesNothing) {
         {head, {"the file ends without an ELEMENT"}},
         {head + "ELEMENT 5 5 5 5 0 0 0\n", {"column 13", "no length", "            ^"}},
         {head + "ELEMENT 0 0 100 0 40 40 0\n", {"column 19", "100.000 m apart", "diameter of 80.000 m"}},
+        {head + "ELEMENT 0 0 80.002 0 40 40 0\n", {"column 22", "80.002 m apart"}},
+        {head + "ELEMENT 0 0 1e200 1e200 0 0 0\n", {"line 4", "too large to work with"}},
         {head + "ELEMENT 0 0 100 0 90 80 0\n", {"column 22", "one radius"}},
         {head + "ELEMENT 0 0 100 0 0 80 0\n", {"column 19", "one radius"}},
         {head + "ELEMENT 0 0 100 0 90 90 50\n", {"column 22", "two different radii"}},
@@ -352,6 +354,17 @@ TEST_F(Alignment, WrongInputIsToldWithItsPlaceAndMakesNothing) {
         for (const char* told : c.told) EXPECT_THAT(run.output, HasSubstr(told)) << c.input;
         EXPECT_EQ(files(), std::vector<std::string>{"bad.txt"}) << c.input;
     }
+}
+
+// Ends given to a tenth of a millimetre may lie farther apart than the diameter, by less than the tolerance.
+TEST_F(Alignment, AHalfCircleAtMapCoordinatesIsTaken) {
+    write("half.txt", head + "ELEMENT 570020 6600030 569986.7179 6600052.1880 20 20 0\n");
+    const Outcome run = alignment("half.txt --list --step 10");
+    EXPECT_EQ(run.status, 0) << run.output;
+    const std::vector<Row> rows = rowsOf(run.output);
+    ASSERT_EQ(rows.size(), 8u);
+    EXPECT_NEAR(rows.back().station, 20 * M_PI, 0.001);
+    EXPECT_NEAR(std::hypot(rows[3].x - 570003.359, rows[3].y - 6600041.094), 20, 0.002);
 }
 
 TEST_F(Alignment, AnErrorInAnIncludedFileIsToldThere) {
