@@ -16,7 +16,7 @@
 namespace {
 
 // Messages of the error list.
-enum { cannotOpen = 1, cannotClose = 2, lineTooLong = 3, cannotRead = 4 };
+enum { cannotOpen = 1, cannotClose = 2, lineTooLong = 3, cannotRead = 4, includesItself = 5 };
 
 constexpr int defaultBufferSize = 512;
 
@@ -55,7 +55,7 @@ McFile* cannotOpenFile(const char* what) {
 
 // A stream in a new McFile without a buffer; null, silently, when the file can't be opened.
 McFile* openStream(const char* name, int hostMode) {
-    if (std::strlen(name) >= sizeof McFile{}.name) return nullptr;
+    if (!name || std::strlen(name) >= sizeof McFile{}.name) return nullptr;
     MdlTextFile* stream = mdlTextFile_open(name, hostMode);
     if (!stream) return nullptr;
     McFile* f = allocate<McFile>(sizeof(McFile));
@@ -64,20 +64,38 @@ McFile* openStream(const char* name, int hostMode) {
         return nullptr;
     }
     f->stream = stream;
+    f->last = f;
     copyName(f->name, name);
     return f;
 }
 
-// ---- includes ----
-
-McFile* endOfChain(McFile* f) {
-    while (f->child) f = f->child;
-    return f;
+int freeFile(McFile* f) {
+    const int status = mdlTextFile_close(f->stream);
+    if (status != MDL_SUCCESS) mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, cannotClose, f->name);
+    if (!f->parent) dlmSystem_mdlFree(f->buffer);
+    dlmSystem_mdlFree(f);
+    return status;
 }
+
+// ---- includes ----
 
 McFile* topOfChain(McFile* f) {
     while (f->parent) f = f->parent;
     return f;
+}
+
+McFile* endOfChain(McFile* f) {
+    return topOfChain(f)->last;
+}
+
+// Closes the includes below a file of the chain of `top`.
+void closeBelow(McFile* top, McFile* f) {
+    while (top->last != f) {
+        McFile* parent = top->last->parent;
+        freeFile(top->last);
+        parent->child = nullptr;
+        top->last = parent;
+    }
 }
 
 // Where an include's file lies: by its expanded name, as it stands, or beside the file that includes it. Empty when the
@@ -93,15 +111,31 @@ void includePath(char (&path)[256], const McFile& parent, const char* name) {
     mdlFile_buildName(path, device, directory, name, nullptr);
 }
 
-bool openInclude(McFile& parent, const char* name, bool mustExist) {
+// Whether the chain that ends with `last` reads this file already, by whatever name.
+bool isInChain(const McFile* last, const MdlTextFile* stream) {
+    while (last && !mdlTextFile_isSame(last->stream, stream)) last = last->parent;
+    return last;
+}
+
+// The file of an include line; null, silently when it needn't be there, when it can't be opened or is open in the
+// chain.
+McFile* openIncluded(const McFile& parent, const char* name, bool mustExist) {
     char path[256] = "";
     includePath(path, parent, name);
     McFile* f = openStream(path, MDL_TEXT_READ);
+    if (!f) return mustExist ? cannotOpenFile(*path ? path : name) : nullptr;
+    if (!isInChain(&parent, f->stream)) return f;
+    freeFile(f);
+    if (mustExist) {
+        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, includesItself, path, parent.name, parent.lineNumber);
+    }
+    return nullptr;
+}
+
+bool openInclude(McFile* top, McFile& parent, const char* name, bool mustExist) {
+    McFile* f = openIncluded(parent, name, mustExist);
     if (!f) {
-        if (!mustExist) return false;
-        cannotOpenFile(*path ? path : name);
-        McFile* top = topOfChain(&parent);
-        if (top->lostInclude == 0) top->lostInclude = top->lineNumber;
+        if (mustExist && top->lostInclude == 0) top->lostInclude = top->lineNumber;
         return false;
     }
     f->isInclude = 1;
@@ -110,7 +144,7 @@ bool openInclude(McFile& parent, const char* name, bool mustExist) {
     f->bufferSize = parent.bufferSize;
     f->buffer = parent.buffer;
     f->parent = &parent;
-    parent.child = f;
+    parent.child = top->last = f;
     return true;
 }
 
@@ -120,20 +154,22 @@ bool openInclude(McFile& parent, const char* name, bool mustExist) {
 struct Piece {
     char* text;
     size_t length;
-    bool ended;  // the line end was there
+    bool ended;     // it is the last piece of its line
+    int endCounts;  // characters that the line end counts for: none in an include line, which loses it
 };
 
 enum class Include { none, opened, failed };
 
 // Follows an include line. One that can't be followed becomes a comment, without blanks and line end.
-Include followInclude(McFile& reader, Piece& piece) {
+Include followInclude(McFile* top, McFile& reader, Piece& piece) {
     if (piece.length == 0 || piece.text[0] != '%') return Include::none;
     for (const IncludeKeyword& keyword : includeKeywords) {
         if (!std::string_view(piece.text, piece.length).starts_with(keyword.text)) continue;
         piece.text[piece.length] = '\0';
         char* name = mclibUtil_removeSpaces(piece.text + keyword.text.size());
-        if (openInclude(reader, name, keyword.mustExist)) return Include::opened;
+        if (openInclude(top, reader, name, keyword.mustExist)) return Include::opened;
         piece.text[0] = reader.commentChar;
+        piece.endCounts = 0;
         piece.length = keyword.text.size() + std::strlen(name);
         return Include::failed;
     }
@@ -142,12 +178,13 @@ Include followInclude(McFile& reader, Piece& piece) {
 
 // The next line or piece. Only where a line begins an include line can stand.
 bool nextPiece(McFile* f, Piece& piece) {
+    McFile* const top = topOfChain(f);
     for (;;) {
-        McFile* reader = endOfChain(f);
+        McFile* reader = top->last;
         piece.text = mdlTextFile_getString(reader->buffer, reader->bufferSize, reader->stream, 1);
         if (!piece.text) {
             if (!reader->isInclude || !mdlTextFile_eof(reader->stream)) return false;
-            mclibFile_close(reader);
+            closeBelow(top, reader->parent);
             continue;
         }
         const bool begins = !reader->inLine;
@@ -155,8 +192,9 @@ bool nextPiece(McFile* f, Piece& piece) {
         const auto length = static_cast<size_t>(mdlTextFile_lastLength(reader->stream));
         piece.ended = length > 0 && piece.text[length - 1] == '\n';
         piece.length = piece.ended ? length - 1 : length;
+        piece.endCounts = piece.ended ? 1 : 0;
         reader->inLine = !piece.ended;
-        if (!begins || followInclude(*reader, piece) != Include::opened) return true;
+        if (!begins || followInclude(top, *reader, piece) != Include::opened) return true;
     }
 }
 
@@ -219,16 +257,15 @@ enum class Got { line, nothing, tooLong };
 
 // Puts the next physical line, without comment and line end, into dest from `begin` on; `end` is where it ends.
 Got physicalLine(std::span<char> dest, size_t begin, size_t& end, McFile* f, TrailingComment& comment) {
-    Piece piece{nullptr, 0, false};
+    Piece piece{};
     end = begin;
     for (bool first = true; first || !piece.ended; first = false) {
         if (!nextPiece(f, piece)) return Got::nothing;
         if (first) comment.beginLine();
         const std::string_view text = comment.split(piece, first);
-        const size_t counted = text.size() + (piece.ended && !comment.splits() ? 1 : 0);
+        const size_t counted = text.size() + (comment.splits() ? 0 : piece.endCounts);
         if (counted + end >= dest.size()) {
-            while (!piece.ended && nextPiece(f, piece)) {
-            }
+            while (!piece.ended && nextPiece(f, piece)) comment.split(piece, false);
             return Got::tooLong;
         }
         end += text.copy(dest.data() + end, text.size());
@@ -295,13 +332,13 @@ McFile* mclibFile_openHWSpesific(const char* name, const char* mode) {
 
 McFile* mclibFile_openExtended(const char* name, const char* mode, const char* continuation, const char* comment,
                                int bufferSize) {
-    const auto known = std::ranges::find(openModes, std::string_view(mode), &OpenMode::name);
+    const auto known = std::ranges::find(openModes, std::string_view(mode ? mode : ""), &OpenMode::name);
     if (known == openModes.end()) return cannotOpenFile("Unknown file open mode");
     if (bufferSize < 2) return cannotOpenFile("File buffer under 2 bytes");
     McFile* f = openStream(name, known->hostMode);
-    if (!f) return cannotOpenFile(name);
-    f->continuationChar = continuation[0];
-    f->commentChar = comment[0];
+    if (!f) return cannotOpenFile(name ? name : "");
+    f->continuationChar = continuation ? continuation[0] : '\0';
+    f->commentChar = comment ? comment[0] : '\0';
     f->bufferSize = bufferSize;
     f->buffer = allocate<char>(static_cast<size_t>(bufferSize));
     if (f->buffer) return f;
@@ -311,19 +348,18 @@ McFile* mclibFile_openExtended(const char* name, const char* mode, const char* c
 }
 
 int mclibFile_close(McFile* f) {
-    if (f->child) mclibFile_close(f->child);
-    const int status = mdlTextFile_close(f->stream);
-    if (status != MDL_SUCCESS) mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, cannotClose, f->name);
-    if (f->parent)
+    if (!f) return MCLIB_ERROR;
+    McFile* const top = topOfChain(f);
+    closeBelow(top, f);
+    if (f->parent) {
         f->parent->child = nullptr;
-    else
-        dlmSystem_mdlFree(f->buffer);
-    dlmSystem_mdlFree(f);
-    return status;
+        top->last = f->parent;
+    }
+    return freeFile(f);
 }
 
 void mclibFile_rewind(McFile* f) {
-    if (f->child) mclibFile_close(f->child);
+    closeBelow(topOfChain(f), f);
     mdlTextFile_rewind(f->stream);
     f->inLine = f->lineNumber = f->lostInclude = 0;
 }

@@ -3,8 +3,9 @@
  * A line whose first character is the comment character is a comment; a line whose last visible character is the
  * continuation character goes on with the next one. `%include NAME` at the start of a line reads another file in its
  * place, `%if exist include NAME` does so when it is there. A name may hold configuration variables, loses its blanks,
- * and is looked for as it stands and then beside the file that includes it. The caller owns a McFile until
- * mclibFile_close. Failures show a message from the error list. */
+ * and is looked for as it stands and then beside the file that includes it. A file that is open in the chain of includes
+ * counts as one that can't be opened, so none includes itself. A UTF-8 byte order mark at the start of a file is no text.
+ * The caller owns a McFile until mclibFile_close. Failures show a message from the error list. */
 #ifndef MCLIB_TEXT_FILE_H
 #define MCLIB_TEXT_FILE_H
 
@@ -24,12 +25,13 @@ typedef struct McFile {
     int32_t inLine;        /* 1: the piece that was read last didn't end its line */
     int32_t lineNumber;    /* physical lines begun in this file itself */
     int32_t lostInclude;   /* top file: its line at which an include, there or below, couldn't be opened first; or 0 */
+    struct McFile *last;   /* top file: the end of the chain, which is read; itself without an include */
 } McFile;
 
 /* Opens a file with the default characters and buffer. mode is exactly "w", "a" or "r". Null, with a message, for
- * another mode or a file that can't be opened. */
+ * another mode (null too) or a file that can't be opened. */
 MCLIB_EXPORT McFile *mclibFile_open(const char *name, const char *mode);
-/* The first characters of `continuation` and `comment` count; an empty string stands for none. The buffer bounds what
+/* The first characters of `continuation` and `comment` count; an empty string or null stands for none. The buffer bounds what
  * mclibFile_fgets gives in one piece; it must hold at least 2 bytes. */
 MCLIB_EXPORT McFile *mclibFile_openExtended(const char *name, const char *mode, const char *continuation,
                                             const char *comment, int bufferSize);

@@ -15,7 +15,7 @@ MDL_EXPORT int dlmSystem_mdlFclose(FILE *stream);
 /* ---- text files ---- */
 typedef struct MdlTextFile MdlTextFile;
 enum { MDL_TEXT_READ = 0, MDL_TEXT_WRITE = 1, MDL_TEXT_APPEND = 2 };
-/* Opens a text file; null when it can't be opened. A folder can't be. */
+/* Opens a text file; null when it can't be opened. A folder can't be. A UTF-8 byte order mark at its start isn't read. */
 MDL_EXPORT MdlTextFile *mdlTextFile_open(const char *name, int mode);
 /* Closes and frees. 0, or the system's error number when what was written couldn't be stored. */
 MDL_EXPORT int mdlTextFile_close(MdlTextFile *file);
@@ -29,6 +29,8 @@ MDL_EXPORT int mdlTextFile_lastLength(const MdlTextFile *file);
 /* Writes the text and, with addNewline non-zero, a line end. 0 or MDL_ERROR. */
 MDL_EXPORT int mdlTextFile_putString(const char *text, MdlTextFile *file, int addNewline);
 MDL_EXPORT void mdlTextFile_rewind(MdlTextFile *file);
+/* 1 when both are open on the same file of the system, whatever its name was. */
+MDL_EXPORT int mdlTextFile_isSame(const MdlTextFile *file, const MdlTextFile *other);
 MDL_EXPORT int mdlTextFile_eof(const MdlTextFile *file);   /* 1 when a read has met the end */
 MDL_EXPORT int mdlTextFile_error(const MdlTextFile *file); /* the system's error number of a failed read, else 0 */
 

@@ -1,4 +1,6 @@
 // Text files, line by line.
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -14,10 +16,14 @@
 // Reading goes through a window of its own on the file, so that a line is found with one search and copied once.
 struct MdlTextFile {
     FILE* stream;
+    dev_t device = 0;  // with the number, what tells a file of the system from all others
+    ino_t number = 0;
+    size_t windowSize = 0;
     std::vector<char> window;
     size_t begin = 0;  // what is left to read: [begin, end)
     size_t end = 0;
     size_t nul = 0;         // the first NUL that is left to read; `end` when there is none
+    bool begun = false;     // what may stand in front of the text has been looked at
     bool drained = false;   // the stream has nothing more
     bool openLine = false;  // the last piece didn't end its line
     bool atEnd = false;
@@ -30,7 +36,8 @@ namespace host {
 
 namespace {
 
-constexpr size_t windowSize = 65536;
+constexpr size_t largestWindow = 65536, smallestWindow = 64;
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view rest(const MdlTextFile& file) {
     return {file.window.data() + file.begin, file.end - file.begin};
@@ -54,8 +61,16 @@ void refill(MdlTextFile& file) {
 
 // Brings at least `count` bytes into the window, or all that there are.
 void require(MdlTextFile& file, size_t count) {
-    if (file.window.size() < count) file.window.resize(std::max(count, windowSize));
+    if (file.window.size() < count) file.window.resize(std::max(count, file.windowSize));
     while (file.end - file.begin < count && !file.drained) refill(file);
+}
+
+// A file's first bytes may be a mark that isn't text.
+void skipByteOrderMark(MdlTextFile& file) {
+    if (file.begun) return;
+    file.begun = true;
+    require(file, byteOrderMark.size());
+    if (rest(file).starts_with(byteOrderMark)) file.begin += byteOrderMark.size();
 }
 
 // Moves behind the line feed that ends the line.
@@ -101,6 +116,7 @@ char* finish(MdlTextFile& file, char* buffer, size_t length, bool newline) {
 
 // The next piece of at most `space` bytes.
 char* nextPiece(MdlTextFile& file, char* buffer, size_t space, bool keepNewline) {
+    skipByteOrderMark(file);
     const Ahead ahead = lookAhead(file, space);
     if (file.begin == file.end && !(file.openLine && keepNewline)) {
         file.atEnd = file.readError == 0;
@@ -123,6 +139,18 @@ char* nextPiece(MdlTextFile& file, char* buffer, size_t space, bool keepNewline)
     return finish(file, buffer, length, fits && keepNewline);
 }
 
+// Takes what the system tells of the file. A small one needs no large window: a chain of includes has many open.
+void identify(MdlTextFile& file) {
+    struct stat status {};
+    file.windowSize = largestWindow;
+    if (fstat(fileno(file.stream), &status) != 0) return;
+    file.device = status.st_dev;
+    file.number = status.st_ino;
+    if (!S_ISREG(status.st_mode)) return;
+    const auto size = static_cast<size_t>(std::max<off_t>(status.st_size, 0));
+    file.windowSize = std::clamp(size + 1, smallestWindow, largestWindow);
+}
+
 int closeAndFree(MdlTextFile* file) {
     const std::unique_ptr<MdlTextFile> owner(file);
     const int error = closeStream(file->stream);
@@ -142,6 +170,7 @@ MdlTextFile* mdlTextFile_open(const char* name, int mode) {
         file->stream = openStream(name, mode == MDL_TEXT_READ ? "rb" : mode == MDL_TEXT_WRITE ? "wb" : "ab");
         if (file->stream == nullptr) return nullptr;
         if (mode == MDL_TEXT_READ) std::setvbuf(file->stream, nullptr, _IONBF, 0);
+        identify(*file);
         return file.release();
     });
 }
@@ -172,7 +201,17 @@ int mdlTextFile_putString(const char* text, MdlTextFile* file, int addNewline) {
 void mdlTextFile_rewind(MdlTextFile* file) {
     if (file == nullptr) return;
     std::rewind(file->stream);
-    *file = MdlTextFile{.stream = file->stream, .window = std::move(file->window), .writeError = file->writeError};
+    *file = MdlTextFile{.stream = file->stream,
+                        .device = file->device,
+                        .number = file->number,
+                        .windowSize = file->windowSize,
+                        .window = std::move(file->window),
+                        .writeError = file->writeError};
+}
+
+int mdlTextFile_isSame(const MdlTextFile* file, const MdlTextFile* other) {
+    if (file == nullptr || other == nullptr) return 0;
+    return file->device == other->device && file->number == other->number ? 1 : 0;
 }
 
 int mdlTextFile_eof(const MdlTextFile* file) {
