@@ -27,6 +27,8 @@ struct FileQuestion {
 class FrontEnd {
   public:
     virtual ~FrontEnd() = default;
+    // Whether somebody is there who sees what is told and answers.
+    virtual bool attended() const { return false; }
     virtual void console(std::string_view text) = 0;
     virtual void messageField(int field, std::string_view text) = 0;
     virtual void messageCenter(int priority, std::string_view brief, std::string_view details) = 0;

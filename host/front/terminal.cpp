@@ -14,6 +14,7 @@
 #include "host/front/dialog_text.h"
 #include "host/front/file_question.h"
 #include "host/front/line_editor.h"
+#include "host/mdl/system.h"
 #include "host/session/session.h"
 #include "host/system/charset.h"
 
@@ -143,6 +144,8 @@ class TerminalFrontEnd : public FrontEnd {
           options_(std::move(options)) {}
     ~TerminalFrontEnd() override { endProgress(); }
 
+    bool attended() const override { return !scripted_ && answers_.empty() && !options_.yes && asks_; }
+
     void console(std::string_view text) override {
         endProgress();
         std::fwrite(text.data(), 1, text.size(), options_.output);
@@ -175,9 +178,10 @@ class TerminalFrontEnd : public FrontEnd {
 
     std::optional<std::string> commandLine(std::string_view prompt, std::string_view complaint) override {
         if (!complaint.empty()) {
-            show(std::string(complaint) +
-                 ". Give x,y or x,y,z in master units, and a view from 2 to 8 behind it unless it is view 1; an empty "
-                 "line resets, and \"end\" ends the command.\n");
+            refuse(
+                std::string(complaint) +
+                ". Give x,y or x,y,z in master units, and a view from 2 to 8 behind it unless it is view 1; an empty "
+                "line resets, and \"end\" ends the command.\n");
         }
         show(std::string(prompt) + "\n");
         if (auto answer = nextAnswer("x,y[,z] [view] > ")) return answer;
@@ -191,6 +195,7 @@ class TerminalFrontEnd : public FrontEnd {
 
     std::optional<std::string> askFile(const FileQuestion& question) override {
         show(textOf(question));
+        if (!question.complaint.empty()) mdlSystem_noteFailure();
         const LineHelp help{[&](std::string_view typed) { return completeFileName(question, typed); },
                             question.remembered};
         if (const auto answer = nextAnswer(promptOf(question), help)) {
@@ -203,7 +208,7 @@ class TerminalFrontEnd : public FrontEnd {
             show("> " + question.suggested + "\n");
             return std::string();
         }
-        if (!gaveUp_) show("Nobody names a file. Answer at a terminal, or run with --answers FILE.\n");
+        if (!gaveUp_) refuse("Nobody names a file. Answer at a terminal, or run with --answers FILE.\n");
         return std::nullopt;
     }
 
@@ -281,7 +286,8 @@ class TerminalFrontEnd : public FrontEnd {
     // Ctrl-D) closes the dialog, and isn't asked again.
     std::optional<std::string> nextAnswer(const std::string& question, const LineHelp& help = {}) {
         gaveUp_ = false;
-        if (!answers_.empty()) {
+        scripted_ = !answers_.empty();
+        if (scripted_) {
             std::string answer = std::move(answers_.front());
             answers_.pop_front();
             show("> " + answer + "\n");
@@ -311,10 +317,16 @@ class TerminalFrontEnd : public FrontEnd {
 
     void take(Dialog& dialog, std::string_view answer) {
         const NarrowText narrow = narrowFromUtf8(trimmed(answer));
-        if (narrow.badPosition) return show("There is a character in this answer that can't be used.\n");
+        if (narrow.badPosition) return refuse("There is a character in this answer that can't be used.\n");
         if (!follow(dialog, narrow.text) && !followWord(dialog, narrow.text))
-            show("This can't be done here: \"" + std::string(trimmed(answer)) +
-                 "\". Give the number or label of a button, or number=value for another item.\n");
+            refuse("This can't be done here: \"" + std::string(trimmed(answer)) +
+                   "\". Give the number or label of a button, or number=value for another item.\n");
+    }
+
+    // Tells what wasn't done, which a run that nobody attends has to end with.
+    void refuse(const std::string& line) {
+        show(line);
+        mdlSystem_noteFailure();
     }
 
     bool follow(Dialog& dialog, std::string_view answer) {
@@ -378,7 +390,7 @@ class TerminalFrontEnd : public FrontEnd {
         const auto button = firstButton(dialog);
         const bool onlyOne = endingButtons(dialog) == 1;
         if (!button || !(options_.yes || onlyOne)) {
-            show("Nobody answers. Answer at a terminal, or run with --yes or --answers FILE.\n");
+            refuse("Nobody answers. Answer at a terminal, or run with --yes or --answers FILE.\n");
             return false;
         }
         if (options_.yes) show("> " + utf8FromNarrow(dialog.items()[*button].label) + "\n");
@@ -391,6 +403,7 @@ class TerminalFrontEnd : public FrontEnd {
     bool asks_;
     bool showsProgress_;
     bool progressShown_ = false;
+    bool scripted_ = false;           // the last answer came from the file
     bool gaveUp_ = false;             // the user left the last question without an answer
     uint64_t pointedAt_ = 0;          // the command that an unattended run gave its one point
     std::weak_ptr<Dialog> turnedTo_;  // of the dialogs that aren't modal

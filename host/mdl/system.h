@@ -25,6 +25,10 @@ MDL_EXPORT int mdlSystem_loadMdlProgram(const char *program, const char *taskNam
 /* Ends the current application when control is back in the host; `errorCode` becomes the exit status that the program
  * reports when it isn't 0. `unload` non-zero removes it from memory. Returns to the caller. */
 MDL_EXPORT void mdlSystem_exit(int errorCode, int unload);
+/* Notes that something that was asked for wasn't done, which has been told: a job that no printer took, an answer that
+ * can't be followed. A run that nobody attends then ends with the exit status 1, unless it ends with another one that
+ * isn't 0; where somebody sits at the terminal, who sees what is told and may do it again, it has no effect. */
+MDL_EXPORT void mdlSystem_noteFailure(void);
 
 /* ---- calls into an application ---- */
 

@@ -199,6 +199,10 @@ void mdlSystem_exit(int errorCode, int unload) {
     currentApplication->ending = true;
 }
 
+void mdlSystem_noteFailure(void) {
+    if (activeState != nullptr && !activeState->frontEnd->attended()) activeState->failureNoted = true;
+}
+
 int mdlSystem_setFunction(int kind, void* function) {
     if (kind != MDL_FUNCTION_NEW_DESIGN_FILE || currentApplication == nullptr) return MDL_ERROR;
     currentApplication->newDesignFile = function;

@@ -86,7 +86,7 @@ Session* Session::current() {
 }
 
 int Session::exitStatus() const {
-    return state_->exitStatus;
+    return state_->exitStatus == 0 && state_->failureNoted ? 1 : state_->exitStatus;
 }
 
 FrontEnd& Session::frontEnd() {

@@ -52,7 +52,7 @@ class HOST_EXPORT Session {
     // Ends all applications and stores and closes the design file; the session can still show messages.
     void finish();
     // The first non-zero value that a main function or mdlSystem_exit left behind, or 1 when a finished command
-    // couldn't be stored; 0 when all went well.
+    // couldn't be stored or a failure was noted; 0 when all went well.
     int exitStatus() const;
 
     // The front end; never null.

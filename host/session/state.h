@@ -44,6 +44,7 @@ struct Session::State {
     std::function<bool(const KeyIn&)> carryOut;
     int depth = 0;  // calls into applications that haven't come back
     int exitStatus = 0;
+    bool failureNoted = false;
 };
 
 // Null when there is no session.

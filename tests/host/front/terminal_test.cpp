@@ -110,6 +110,7 @@ class Terminal : public testing::Test {
             mdlDialog_hookPublish(2, hooks);
             body();
             mdlResource_closeFile(file);
+            status = session.exitStatus();
         }
         for (std::FILE* file : {options.input, options.output, options.errors}) std::fclose(file);
         shown = contentsOf("errors");
@@ -128,6 +129,7 @@ class Terminal : public testing::Test {
     fs::path folder;
     host::TerminalOptions options;
     std::string shown;
+    int status = -1;  // of the session
 };
 
 TEST_F(Terminal, ShowsDrawnLinesInReadingOrderWithTheIconsSign) {
@@ -156,6 +158,21 @@ TEST_F(Terminal, AnAnswerThatFitsTwoButtonsIsRefused) {
     typed("pr\nprev\n");
     EXPECT_EQ(run(FORM), 4);
     EXPECT_THAT(shown, HasSubstr("This can't be done here: \"pr\""));
+}
+
+TEST_F(Terminal, WhatIsRefusedInAnUnattendedRunEndsItWithStatusOne) {
+    answers("Maybe\nNei\n");
+    EXPECT_EQ(run(QUESTION), 4);
+    EXPECT_EQ(status, 1);
+    answers("Nei\n");
+    EXPECT_EQ(run(QUESTION), 4);
+    EXPECT_EQ(status, 0);
+    answers("");
+    EXPECT_EQ(run(QUESTION), 4);
+    EXPECT_EQ(status, 1) << "nobody answers";
+    typed("maybe\nnei\n");
+    EXPECT_EQ(run(QUESTION), 4);
+    EXPECT_EQ(status, 0) << "somebody saw it, and did something else";
 }
 
 TEST_F(Terminal, SetsTextsChoicesTogglesAndRowsByNumber) {

@@ -103,6 +103,13 @@ TEST_F(Applications, AnExitInMainEndsItAndAStatusDoesNot) {
     EXPECT_EQ(session().exitStatus(), 3);
 }
 
+TEST_F(Applications, ANotedFailureIsTheStatusOfASessionThatEndedWellOtherwise) {
+    mdlSystem_noteFailure();
+    EXPECT_EQ(session().exitStatus(), 1);
+    session().startApplication("bad", [](int, char**) { return 3; });
+    EXPECT_EQ(session().exitStatus(), 3);
+}
+
 TEST_F(Applications, TheTurnComesBackWhenACallThrows) {
     asApplication("outer", [&] {
         void (*const fails)() = [] { throw std::runtime_error("the disk is wet"); };
