@@ -72,15 +72,23 @@ ElementDescr* makeTextNode(MSElementBuffer* element, const char* text, ModelRef*
     return node;
 }
 
+// The text stays as the form has it.
+int leaveText() {
+    mdlOutput_messageCenter(10, "A text of the form couldn't be filled and stays as it is: there is no memory for it",
+                            "Close other programs and make the page again.", 0);
+    mdlSystem_noteFailure();
+    return MDL_MODIFY_NONE;
+}
+
 int writeText(MSElementBuffer* element, char* text, ModelRef* model, ElementDescr** newDescr) {
     if (!*text) std::strcpy(text, " ");  // a text element can't be empty
     cutLines(text);
     if (std::strchr(text, '\n')) {
         *newDescr = makeTextNode(element, text, model);
-        return *newDescr ? MDL_MODIFY_REPLACE_DESCR : MDL_MODIFY_FAILED;
+        return *newDescr ? MDL_MODIFY_REPLACE_DESCR : leaveText();
     }
     const int status = mdlText_create(element, element, text, nullptr, nullptr, nullptr, nullptr, 0);
-    return status == MDL_SUCCESS ? MDL_MODIFY_CHANGED : MDL_MODIFY_FAILED;
+    return status == MDL_SUCCESS ? MDL_MODIFY_CHANGED : leaveText();
 }
 
 bool isOnLevels(const MSElementBuffer* element, const MdlBitMask* levels) {

@@ -38,8 +38,13 @@ void replaceNode(ElementDescr* node, ElementDescr* by) {
     mdlElmdscr_freeAll(&node);
 }
 
+void removeNode(ElementDescr* node) {
+    unlinkNode(node);
+    mdlElmdscr_freeAll(&node);
+}
+
 // Asks the function about one element and does what it answers. The result is what stands in the node's place: the
-// node, or the first of the new ones.
+// node, the first of the new ones, or null.
 ElementDescr* modifyNode(Modification& run, ElementDescr* node) {
     ElementDescr* replacement = nullptr;
     mdlElement_memcpy(run.scratch.get(), node->element);
@@ -47,9 +52,10 @@ ElementDescr* modifyNode(Modification& run, ElementDescr* node) {
         case MDL_MODIFY_CHANGED:
             if (setNodeElement(node, run.scratch.get())) ++run.changes;
             return node;
-        case MDL_MODIFY_FAILED:
-            reportError("an element couldn't be changed and stays as it was. Look for what its function told.");
-            return node;
+        case MDL_MODIFY_REMOVE:
+            removeNode(node);
+            ++run.changes;
+            return nullptr;
         case MDL_MODIFY_REPLACE_DESCR:
             if (!replacement || replacement == node) return node;
             replaceNode(node, replacement);
@@ -59,7 +65,7 @@ ElementDescr* modifyNode(Modification& run, ElementDescr* node) {
     }
 }
 
-// The first node of the chain after the run, which may be another.
+// The first node of the chain after the run, which may be another; null when none is left.
 ElementDescr* modifyChain(Modification& run, ElementDescr* first) {
     for (ElementDescr *ed = first, *next; ed; ed = next) {
         next = ed->next;
@@ -68,7 +74,7 @@ ElementDescr* modifyChain(Modification& run, ElementDescr* first) {
             continue;
         }
         ElementDescr* now = modifyNode(run, ed);
-        if (ed == first) first = now;
+        if (ed == first) first = now ? now : next;
     }
     return first;
 }

@@ -9,8 +9,7 @@
 enum {
     MDL_MODIFY_NONE = 0,             /* the element stays */
     MDL_MODIFY_CHANGED = 1,          /* *element was changed in place and takes the place of the old one */
-    MDL_MODIFY_FAILED = 2,           /* the change couldn't be made: the element stays, and a line in the message
-                                        centre tells it */
+    MDL_MODIFY_REMOVE = 2,           /* the element is removed */
     MDL_MODIFY_REPLACE_DESCR = 16    /* the new descriptor *newDescrPP, which goes to the host, takes its place */
 };
 /* Which elements the function is asked for. */
@@ -23,13 +22,14 @@ typedef int (*MdlModifyFunction)(MSElementBuffer *element, void *userArg, ModelR
                                  ElementDescr **newDescrPP);
 
 /* Asks for the elements of the chain and their components. Works in memory; *edPP may change. `model` goes to the
- * function; `reserved` is 0. The number of changes; 0 too when nothing could be asked. */
+ * function; `reserved` is 0. A header stays when all of its components are removed; *edPP is null when nothing is left.
+ * The number of changes; 0 too when nothing could be asked. */
 MDL_EXPORT int mdlModify_elementDescr2(ElementDescr **edPP, ModelRef *model, int32_t request, MdlModifyFunction f,
                                        void *userArg, int32_t reserved);
 /* Asks for the element at `position` of the model (null: the active one), or for its components when it is a header,
  * and writes what came of it to the model. The element keeps its position; what a replacement has more than one
- * element is added behind. The number of changes; 0, with the model as it was, when there is no element, the model
- * can't be written, or memory is out. Both `reserved` are 0. */
+ * element is added behind; when nothing is left the element is deleted. The number of changes; 0, with the model as it
+ * was, when there is no element, the model can't be written, or memory is out. Both `reserved` are 0. */
 MDL_EXPORT int mdlModify_elementSingle(ModelRef *model, FilePos position, int32_t request, int32_t reserved1,
                                        MdlModifyFunction f, void *userArg, int32_t reserved2);
 

@@ -94,6 +94,10 @@ void addAsLastChild(ElementDescr* parent, ElementDescr* child) {
 // Writes what a modification made of the element at the position.
 bool storeModified(ModelRef& model, ElementDescr* ed, FilePos position) {
     if (writableModel(&model) == nullptr) return false;
+    if (ed == nullptr) {
+        removeUnit(model, position);
+        return true;
+    }
     for (ElementDescr* node = ed; node != nullptr; node = node->next) node->model = &model;
     mdlElmdscr_validate(ed, &model);
     return mdlElmdscr_rewrite(ed, position) != 0;

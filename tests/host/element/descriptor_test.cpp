@@ -180,13 +180,10 @@ TEST_F(Descriptors, ComplexShapeIsStrokedAsOneClosedRun) {
     EXPECT_EQ(mdlElmdscr_stroke(&points, &count, tree.ed, 0), MDL_ERROR);
 }
 
-// Leaves, changes, fails to change or replaces by colour.
+// Leaves, changes, removes or replaces by colour.
 int modify(MSElementBuffer* e, void*, ModelRef*, ElementDescr*, ElementDescr** newDescrPP) {
     const int32_t color = e->head.color;
-    if (color == 1) {
-        e->head.color = 4;
-        return MDL_MODIFY_FAILED;
-    }
+    if (color == 1 || color == 9) return MDL_MODIFY_REMOVE;
     if (color == 5) {
         Point3d many[100];
         for (int i = 0; i < 100; ++i) many[i] = {static_cast<double>(i), 0, 0};
@@ -202,14 +199,25 @@ int modify(MSElementBuffer* e, void*, ModelRef*, ElementDescr*, ElementDescr** n
     return MDL_MODIFY_REPLACE_DESCR;
 }
 
-TEST_F(Descriptors, ModifyChangesAndReplaces) {
+TEST_F(Descriptors, ModifyChangesRemovesAndReplaces) {
     makeTree();
-    EXPECT_EQ(mdlModify_elementDescr2(&tree.ed, nullptr, MDL_MODIFY_NO_HEADERS, modify, nullptr, 0), 2);
-    EXPECT_EQ(colors(tree.ed), "1277486");
+    const auto run = [&] {
+        return mdlModify_elementDescr2(&tree.ed, nullptr, MDL_MODIFY_NO_HEADERS, modify, nullptr, 0);
+    };
+    EXPECT_EQ(run(), 3);
+    EXPECT_EQ(colors(tree.ed), "277486");
     expectWhole(tree.ed);
-    ASSERT_EQ(mdlElmdscr_appendElement(tree.ed->next->next, line(9)), MDL_SUCCESS);
-    EXPECT_EQ(colors(tree.ed), "12774869");
+    ASSERT_EQ(mdlElmdscr_appendElement(tree.ed->next, line(9)), MDL_SUCCESS);
+    EXPECT_EQ(colors(tree.ed), "2774869");
     EXPECT_EQ(mdlElmdscr_validate(tree.ed, nullptr), MDL_SUCCESS);
+    EXPECT_EQ(run(), 1);
+    EXPECT_EQ(colors(tree.ed), "277486");
+    expectWhole(tree.ed);
+    mdlElmdscr_freeAll(&tree.ed);
+    mdlElmdscr_new(&tree.ed, nullptr, line(1));
+    mdlElmdscr_appendElement(tree.ed, line(9));
+    EXPECT_EQ(run(), 2);
+    EXPECT_EQ(tree.ed, nullptr);
 }
 
 }  // namespace
