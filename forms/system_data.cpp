@@ -1,4 +1,5 @@
 // Fields that every form may show: the parts of a file name, the date and the time.
+#include <cstdio>
 #include <string>
 
 #include "forms/forms.h"

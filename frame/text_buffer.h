@@ -3,11 +3,11 @@
 
 #include <cstdarg>
 #include <cstddef>
-#include <cstdio>
 #include <cstring>
 #include <string_view>
 
 #include "frame/export.h"
+#include "host/mdl/system.h"
 
 // The finished text of a message and the longest format, with their NUL.
 constexpr size_t messageTextSize = 1024;
@@ -23,7 +23,7 @@ void copyText(char (&to)[Size], std::string_view from) {
 
 // As much of the formatted text as fits; a format that can't be used gives an empty text.
 inline void formatTextV(char* to, size_t size, const char* format, va_list values) {
-    if (!format || std::vsnprintf(to, size, format, values) < 0) to[0] = '\0';
+    if (!format || mdlOutput_formatText(to, size, format, values) < 0) to[0] = '\0';
 }
 
 template <size_t Size>

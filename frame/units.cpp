@@ -1,5 +1,6 @@
 // Angles, units, decimals, date and time, the progress mark.
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>

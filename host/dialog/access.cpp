@@ -193,16 +193,18 @@ Value load(const AccessPlace& place) {
 }
 
 template <class Value>
-bool store(const AccessPlace& place, Value value) {
+std::string store(const AccessPlace& place, Value value) {
     std::memcpy(place.address, &value, sizeof value);
-    return true;
+    return {};
 }
 
 template <class Whole>
-bool storeWhole(const AccessPlace& place, std::string_view text) {
+std::string storeWhole(const AccessPlace& place, std::string_view text) {
+    constexpr auto least = std::numeric_limits<Whole>::min(), most = std::numeric_limits<Whole>::max();
     const std::optional<long long> value = wholeNumberOf(text);
-    if (!value || *value < std::numeric_limits<Whole>::min() || *value > std::numeric_limits<Whole>::max())
-        return false;
+    if (!value) return numberOf(text) ? "isn't a whole number" : notANumber(text);
+    if (*value < least || *value > most)
+        return "isn't between " + std::to_string(least) + " and " + std::to_string(most);
     return store(place, static_cast<Whole>(*value));
 }
 
@@ -222,21 +224,26 @@ std::string wideText(const AccessPlace& place) {
     return text;
 }
 
-bool storeChars(const AccessPlace& place, std::string_view text) {
-    if (text.size() >= place.size) return false;
-    std::memset(place.address, 0, place.size);
-    std::memcpy(place.address, text.data(), text.size());
-    return true;
+std::string tooLong(std::string_view text, size_t most) {
+    return "is too long: it has " + std::to_string(text.size()) + " characters, and " + std::to_string(most) + " fit";
 }
 
-bool storeWide(const AccessPlace& place, std::string_view text) {
-    if ((text.size() + 1) * sizeof(wchar_t) > place.size) return false;
+std::string storeChars(const AccessPlace& place, std::string_view text) {
+    if (text.size() >= place.size) return tooLong(text, place.size - 1);
+    std::memset(place.address, 0, place.size);
+    std::memcpy(place.address, text.data(), text.size());
+    return {};
+}
+
+std::string storeWide(const AccessPlace& place, std::string_view text) {
+    const size_t most = place.size / sizeof(wchar_t) - 1;
+    if (text.size() > most) return tooLong(text, most);
     std::memset(place.address, 0, place.size);
     for (size_t i = 0; i < text.size(); ++i) {
         const auto character = static_cast<wchar_t>(unicodeOf(static_cast<unsigned char>(text[i])));
         std::memcpy(place.address + i * sizeof character, &character, sizeof character);
     }
-    return true;
+    return {};
 }
 
 }  // namespace
@@ -262,21 +269,21 @@ std::string readPlace(const AccessPlace& place, const std::string& format) {
     return {};
 }
 
-bool writePlace(const AccessPlace& place, std::string_view text) {
+std::string writePlace(const AccessPlace& place, std::string_view text) {
     switch (place.type) {
         case FIELD_INT32: return storeWhole<int32_t>(place, text);
         case FIELD_UINT32: return storeWhole<uint32_t>(place, text);
         case FIELD_BYTE: return storeWhole<uint8_t>(place, text);
         case FIELD_DOUBLE: {
             const std::optional<double> value = numberOf(text);
-            return value && store(place, *value);
+            return value ? store(place, *value) : notANumber(text);
         }
         case FIELD_CHARS: return storeChars(place, text);
         case FIELD_WCHARS: return storeWide(place, text);
         case FIELD_STRUCT:
         case FIELD_POINTER: break;
     }
-    return false;
+    return "has no place here";
 }
 
 }  // namespace host
@@ -318,6 +325,6 @@ int mdlDialog_setAccessValue(const char* accessString, const char* text) {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (!accessString || !text) return MDL_ERROR;
         const host::AccessResult result = host::resolveAccess(accessString);
-        return result.place && host::writePlace(*result.place, text) ? MDL_SUCCESS : MDL_ERROR;
+        return result.place && host::writePlace(*result.place, text).empty() ? MDL_SUCCESS : MDL_ERROR;
     });
 }

@@ -31,7 +31,8 @@ HOST_EXPORT AccessResult resolveAccess(std::string_view accessString);
 
 // The value as Windows-1252 text; a number in `format` when that is one of a number, else as short as it reads back.
 HOST_EXPORT std::string readPlace(const AccessPlace& place, const std::string& format = {});
-// False, with the place as it was, for a text that is no number of the place's type or doesn't fit its array.
-HOST_EXPORT bool writePlace(const AccessPlace& place, std::string_view text);
+// What is wrong with the text, as the end of a sentence such as "isn't a number", when it is no number of the place's
+// type or doesn't fit its array, which stays as it was; empty when it was written.
+HOST_EXPORT std::string writePlace(const AccessPlace& place, std::string_view text);
 
 }  // namespace host

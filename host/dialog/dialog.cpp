@@ -222,6 +222,7 @@ bool Dialog::press(size_t index) {
 }
 
 bool Dialog::setValue(size_t index, std::string_view value) {
+    refusal_.clear();
     if (!usable(index)) return false;
     const auto isDisabled = [&](const OptionRow& row) { return !row.enabled && std::to_string(row.value) == value; };
     if (std::ranges::any_of(items_[index].rows, isDisabled)) return false;
@@ -287,11 +288,14 @@ bool Dialog::change(size_t index, std::string_view value) {
         const std::optional<long long> row = wholeNumberOf(value);
         return row && *row >= -1 && *row <= INT32_MAX && changeSelection(index, static_cast<int32_t>(*row));
     }
+    refusal_.clear();
     std::optional<std::string> next = acceptable(item, value);
+    if (!next && item.kind == ITEM_TEXT) refusal_ = notANumber(value);
     if (!next) return false;
     if (!item.access.empty()) {
         const AccessResult result = resolveAccess(item.access);
-        if (!result.place || !writePlace(*result.place, *next)) return false;
+        refusal_ = result.place ? writePlace(*result.place, *next) : "has no place now: " + result.fault;
+        if (!refusal_.empty()) return false;
         next = readPlace(*result.place, item.format);
     }
     const auto self = shared_from_this();
@@ -325,7 +329,7 @@ bool Dialog::select(DialogItem& item, int32_t row) {
     const std::string value = std::to_string(row);
     if (!item.access.empty()) {
         const AccessResult result = resolveAccess(item.access);
-        if (!result.place || !writePlace(*result.place, value)) return false;
+        if (!result.place || !writePlace(*result.place, value).empty()) return false;
     }
     item.selectedRow = row;
     item.value = value;

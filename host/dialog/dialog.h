@@ -109,6 +109,9 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     bool press(size_t index);
     // Sets a text, a toggle or the choice of an option button. Also false for a value that the item can't take.
     bool setValue(size_t index, std::string_view value);
+    // Why the last value was refused, as the end of a sentence such as "isn't a number"; empty when it was taken, or
+    // for a reason of another kind.
+    const std::string& refusal() const { return refusal_; }
     bool selectRow(size_t index, int32_t row);
     // Types into a text item without leaving it: it takes the text when the focus moves, or the first button is
     // pressed.
@@ -173,6 +176,7 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     Life life_ = Life::opening;
     MdlDesc* owner_;
     std::string title_;
+    std::string refusal_;
     std::vector<DialogItem> items_;
     std::vector<DrawCall> drawing_;
     int32_t drawingItem_ = -1;

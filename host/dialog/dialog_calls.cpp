@@ -29,8 +29,7 @@ std::shared_ptr<Dialog> makeDialog(RscHandle file, int32_t dialogId, bool modal)
 // False when nobody answered. Control is with the host while the dialog waits.
 bool runModal(Dialog& dialog) {
     closeQueuedDialogs();
-    Session* const session = Session::current();
-    return session && session->frontEnd().runModal(dialog) && dialog.ended();
+    return Session::current()->frontEnd().runModal(dialog) && dialog.ended();
 }
 
 }  // namespace
@@ -50,7 +49,7 @@ int mdlDialog_openModal(int32_t* replyP, RscHandle rscFile, int32_t dialogId) {
     if (replyP) *replyP = host::REPLY_SECOND;
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         const auto dialog = host::makeDialog(rscFile, dialogId, true);
-        if (!dialog) return MDL_ERROR;
+        if (!dialog || !host::Session::current()) return MDL_DIALOG_NOT_SHOWN;
         const bool answered = host::runModal(*dialog);
         dialog->close();
         if (replyP && dialog->reply() != 0) *replyP = dialog->reply();

@@ -1,9 +1,12 @@
 #include "host/dialog/number_format.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
+#include <cstdarg>
+
+#include "host/mdl/system.h"
 
 namespace host {
 
@@ -58,10 +61,12 @@ std::optional<Number> parsed(std::string_view text) {
     return value;
 }
 
-template <class Value>
-std::string print(const std::string& format, Value value) {
+std::string print(const char* format, ...) {
     std::array<char, 512> buffer;
-    std::snprintf(buffer.data(), buffer.size(), format.c_str(), value);
+    va_list values;
+    va_start(values, format);
+    mdlOutput_formatText(buffer.data(), buffer.size(), format, values);
+    va_end(values);
     return buffer.data();
 }
 
@@ -73,11 +78,11 @@ bool isValueFormat(std::string_view format) {
 
 std::optional<std::string> formatNumber(const std::string& format, double value) {
     const char letter = conversionOf(format);
-    if (realConversions.find(letter) != std::string_view::npos) return print(format, value);
+    if (realConversions.find(letter) != std::string_view::npos) return print(format.c_str(), value);
     if (wholeConversions.find(letter) == std::string_view::npos || !(std::abs(value) <= 4294967296.0))
         return std::nullopt;
     // Whole conversions take an int or an unsigned of the same 32 bits.
-    return print(format, static_cast<unsigned>(static_cast<long long>(value)));
+    return print(format.c_str(), static_cast<unsigned>(static_cast<long long>(value)));
 }
 
 std::string shortestNumber(double value) {
@@ -96,6 +101,13 @@ std::optional<double> numberOf(std::string_view text) {
 
 std::optional<long long> wholeNumberOf(std::string_view text) {
     return parsed<long long>(text);
+}
+
+std::string notANumber(std::string_view text) {
+    std::string withPoint(text);
+    std::ranges::replace(withPoint, ',', '.');
+    const bool comma = withPoint != text && numberOf(withPoint);
+    return comma ? "isn't a number: the decimal sign is \".\"" : "isn't a number";
 }
 
 }  // namespace host

@@ -22,5 +22,7 @@ std::string shortestNumber(double value);
 // All of `text`, blanks around it apart, as a number; "." is the decimal sign.
 std::optional<double> numberOf(std::string_view text);
 std::optional<long long> wholeNumberOf(std::string_view text);
+// What is wrong with a text that isn't a number: "isn't a number", and why where that can be told.
+std::string notANumber(std::string_view text);
 
 }  // namespace host

@@ -32,6 +32,8 @@ class FrontEnd {
     virtual void console(std::string_view text) = 0;
     virtual void messageField(int field, std::string_view text) = 0;
     virtual void messageCenter(int priority, std::string_view brief, std::string_view details) = 0;
+    // Waits until the user has taken note of the message that was told last, where somebody is there.
+    virtual void takeNote() {}
     // Feeds events to an open modal dialog until it has ended. False when nobody can answer.
     virtual bool runModal(Dialog& dialog) = 0;
     // A line of the user for the command that runs, which asks with `prompt`: a point as "x,y[,z] [view]", an empty
@@ -50,6 +52,8 @@ class FrontEnd {
     // Shows one of the dialogs that are open without being modal, and takes one answer to it; one that nobody answers
     // is closed. False when none is open.
     virtual bool serveOpenDialog() { return false; }
+    // Gives a line of the user to the dialogs that are open without being modal; false when it fits none of them.
+    virtual bool answerOpenDialog([[maybe_unused]] std::string_view line) { return false; }
 };
 
 }  // namespace host

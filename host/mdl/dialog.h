@@ -5,8 +5,8 @@
  * it and the item. The manager calls hooks in the context of the application that opened the dialog; a hook gets one
  * DialogMessage, sets `handled` to 1 when it takes it and else to 0.
  * Opening sends DIALOG_CREATE (the items can be found already), ITEM_CREATE to each item, takes the items' values from
- * their access strings (each item gets ITEM_FILL just before), and sends DIALOG_INIT; items are drawn when the dialog is shown, and again when they were moved
- * or the window's extent changed. Pressing a button sends one ITEM_BUTTON with state 1 and ITEM_ACTIVATED; a release
+ * their access strings (each item gets ITEM_FILL just before), and sends DIALOG_INIT; items are drawn when the dialog
+ * is shown, and again when they were moved or the window's extent changed. Pressing a button sends one ITEM_BUTTON with state 1 and ITEM_ACTIVATED; a release
  * isn't sent. A change by the user sends ITEM_STATE_CHANGED, a double click or Enter ITEM_ACTIVATED. A window that its
  * user has drawn to another size sends DIALOG_RESIZE. Closing sends ITEM_DESTROY to each item and DIALOG_DESTROY. The
  * dialogs of an application that ends are closed in this way.
@@ -112,8 +112,9 @@ MDL_EXPORT int mdlDialog_setAccessValue(const char *accessString, const char *te
  * layout. A dialog that the application has open already is brought to the front. */
 MDL_EXPORT MdlDialog *mdlDialog_open(RscHandle rscFile, int32_t dialogId);
 /* Opens it, runs it until a button (id -3 or -4 by its action) or a close ends it, and closes it. The id of the button's
- * action goes to replyP: 3 the first button, 4 the second, also when the dialog was closed without one. MDL_ERROR, with
- * the reply 4, when there is no such layout or nobody to answer. */
+ * action goes to replyP: 3 the first button, 4 the second, also when the dialog was closed without one. With the reply
+ * 4: MDL_ERROR when nobody answers, MDL_DIALOG_NOT_SHOWN when there is no such layout or nowhere to show it. */
+enum { MDL_DIALOG_NOT_SHOWN = 0x8001 };
 MDL_EXPORT int mdlDialog_openModal(int32_t *replyP, RscHandle rscFile, int32_t dialogId);
 /* An open dialog of that id, of the given application (null: any). */
 MDL_EXPORT MdlDialog *mdlDialog_find(int32_t dialogId, MdlDesc *desc);

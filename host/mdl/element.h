@@ -135,11 +135,11 @@ MDL_EXPORT int mdlLinear_getClosestSegment(Point3d *pointP, Point3d *segment, in
 
 /* A cell header, at most 511 characters of name. The cell's elements are appended to its descriptor. */
 MDL_EXPORT int mdlCell_create(MSElementBuffer *out, const wchar_t *name, const Point3d *origin, int32_t is3d);
-/* Name and description as wide text; `size` counts characters. MDL_ERROR when the element isn't a cell header, or has
- * no description. */
 /* Origin in the current transform, and the matrix of the cell's own axes (their rotation and scale) in UOR. MDL_ERROR
  * when the element isn't a cell header. */
 MDL_EXPORT int mdlCell_extract(Point3d *origin, RotMatrix *matrix, const MSElementBuffer *element);
+/* Name and description as wide text; `size` counts characters. MDL_ERROR when the element isn't a cell header, or has
+ * no description. */
 MDL_EXPORT int mdlCell_extractName(wchar_t *name, int32_t size, const MSElementBuffer *element);
 MDL_EXPORT int mdlCell_setName(MSElementBuffer *element, const wchar_t *name);
 MDL_EXPORT int mdlCell_extractDescription(wchar_t *description, int32_t size, const MSElementBuffer *element);

@@ -7,10 +7,15 @@
 #ifndef HOST_MDL_SYSTEM_H
 #define HOST_MDL_SYSTEM_H
 
+#include <stdarg.h>
+
 #include "types.h"
 
 /* ---- applications ---- */
 
+/* The number of the running session, above 0 and never given twice in a process; 0 when there is none. What a module
+ * kept of a session with another number is of no use any more. */
+MDL_EXPORT int32_t mdlSystem_getSessionNumber(void);
 /* The application on whose behalf the code runs; null when there is none. */
 MDL_EXPORT MdlDesc *mdlSystem_getCurrMdlDesc(void);
 /* The process number of an application, above 0 and never given twice in a session; 0 for null. */
@@ -22,8 +27,14 @@ MDL_EXPORT MdlDesc *mdlSystem_findMdlDesc(const char *taskName);
 /* Loads the program `program` (found along MS_MDL) as the task `taskName` and runs its main function with
  * argv[1] = `argument`, or "USER" when that is null. 0, or MDL_ERROR when it can't be found or loaded. */
 MDL_EXPORT int mdlSystem_loadMdlProgram(const char *program, const char *taskName, const char *argument);
-/* Ends the current application when control is back in the host; `errorCode` becomes the exit status that the program
- * reports when it isn't 0. `unload` non-zero removes it from memory. Returns to the caller. */
+/* What an application is for, in one line of UTF-8 that `mchost` lists beside its name. At file level:
+ * MDL_DESCRIPTION("lists of what a job needs") */
+#define MDL_DESCRIPTION(text)                      \
+    MDL_EXPORT const char mdlDescription[];        \
+    const char mdlDescription[] = text
+/* Ends the current application when control is back in the host. The first `errorCode` that isn't 0 is the exit status
+ * of the session, as is that of a main function: mchost ends with 2 (a wrong call) for 2, and with 1 for any other.
+ * `unload` non-zero removes it from memory. Returns to the caller. */
 MDL_EXPORT void mdlSystem_exit(int errorCode, int unload);
 /* Notes that something that was asked for wasn't done, which has been told: a job that no printer took, an answer that
  * can't be followed. A run that nobody attends then ends with the exit status 1, unless it ends with another one that
@@ -78,6 +89,9 @@ MDL_EXPORT char *mdlSystem_getExpandedCfgVar(const char *name);
 
 /* ---- console and messages ---- */
 
+/* As vsnprintf, with "." as the decimal sign in every locale; so do all calls below. */
+MDL_EXPORT int mdlOutput_formatText(char *to, size_t size, const char *format, va_list values);
+
 /* A text on the host's console. */
 MDL_EXPORT int toolSubsystem_printf(const char *format, ...) __attribute__((format(printf, 1, 2)));
 /* A text on a stream that dlmSystem_mdlFopen gave; the number of bytes written, negative on failure. */
@@ -88,7 +102,7 @@ MDL_EXPORT int mdlOutput_printf(int field, const char *format, ...) __attribute_
  * format. MDL_ERROR, with the field as it was, when there is no such string. */
 MDL_EXPORT int mdlOutput_rscPrintf(int field, RscHandle rscFile, int32_t listId, int32_t messageId, ...);
 /* A message for the message centre. Priority 10 is an error, 11 a warning, 12 information. `openAlert` non-zero also
- * asks the user to take note of it. */
+ * waits until the user has taken note of it, where somebody is there. */
 MDL_EXPORT int mdlOutput_messageCenter(int priority, const char *brief, const char *details, int openAlert);
 /* Formats the string `messageId` of the string list `listId` in `rscFile` (0: any open resource file) with the further
  * values into `buffer` (512 bytes). 0, or MDL_ERROR with the buffer untouched when there is no such string. */

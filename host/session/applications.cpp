@@ -162,6 +162,10 @@ bool findProgram(char (&path)[256], const std::string& program) {
 
 using namespace host;
 
+int32_t mdlSystem_getSessionNumber(void) {
+    return activeState == nullptr ? 0 : activeState->number;
+}
+
 MdlDesc* mdlSystem_getCurrMdlDesc(void) {
     return currentApplication;
 }

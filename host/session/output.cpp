@@ -1,4 +1,6 @@
 // Console, message fields and message centre: narrow text from the applications, UTF-8 to the front end.
+#include <locale.h>
+
 #include <cstdarg>
 #include <cstdio>
 #include <string>
@@ -18,13 +20,13 @@ std::optional<std::string> formatted(const char* format, va_list arguments) {
     char brief[512];
     va_list again;
     va_copy(again, arguments);
-    const int length = std::vsnprintf(brief, sizeof brief, format, arguments);
+    const int length = mdlOutput_formatText(brief, sizeof brief, format, arguments);
     std::optional<std::string> text;
     if (length >= 0 && static_cast<size_t>(length) < sizeof brief) {
         text.emplace(brief, static_cast<size_t>(length));
     } else if (length >= 0) {
         text.emplace(static_cast<size_t>(length) + 1, '\0');
-        std::vsnprintf(text->data(), text->size(), format, again);
+        mdlOutput_formatText(text->data(), text->size(), format, again);
         text->pop_back();
     }
     va_end(again);
@@ -81,6 +83,14 @@ int toMessageField(int field, const char* format, va_list arguments) {
 
 }  // namespace
 
+int mdlOutput_formatText(char* to, size_t size, const char* format, va_list values) {
+    static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+    const locale_t before = uselocale(plain);
+    const int length = std::vsnprintf(to, size, format, values);
+    uselocale(before);
+    return length;
+}
+
 int toolSubsystem_printf(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
@@ -98,7 +108,11 @@ int toolSubsystem_fprintf(FILE* stream, const char* format, ...) {
     if (stream == nullptr) return -1;
     va_list arguments;
     va_start(arguments, format);
-    const int length = std::vfprintf(stream, format, arguments);
+    const int length = guarded<int>(-1, [&] {
+        const std::optional<std::string> text = formatted(format, arguments);
+        if (!text || std::fwrite(text->data(), 1, text->size(), stream) != text->size()) return -1;
+        return static_cast<int>(text->size());
+    });
     va_end(arguments);
     return length;
 }
@@ -121,9 +135,10 @@ int mdlOutput_rscPrintf(int field, RscHandle rscFile, int32_t listId, int32_t me
     return status;
 }
 
-int mdlOutput_messageCenter(int priority, const char* brief, const char* details, int) {
+int mdlOutput_messageCenter(int priority, const char* brief, const char* details, int openAlert) {
     return guarded<int>(MDL_ERROR, [&] {
         toMessageCenter(priority, utf8Of(brief), utf8Of(details));
+        if (openAlert != 0 && activeState != nullptr) activeState->frontEnd->takeNote();
         return MDL_SUCCESS;
     });
 }
@@ -135,7 +150,7 @@ int mdlOutput_rscsPrintf(char* buffer, RscHandle rscFile, int32_t listId, int32_
     }
     va_list arguments;
     va_start(arguments, messageId);
-    std::vsnprintf(buffer, stringSize, format, arguments);
+    mdlOutput_formatText(buffer, stringSize, format, arguments);
     va_end(arguments);
     return MDL_SUCCESS;
 }

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "host/dialog/dialog.h"
+#include "host/front/dialog_text.h"
 #include "host/mdl/model.h"
 #include "host/session/applications.h"
 #include "host/session/guard.h"
@@ -19,7 +20,7 @@ namespace {
 
 Session* activeSession = nullptr;
 
-// Lines to the standard streams; nobody answers.
+// Lines and dialogs to the standard streams; nobody answers.
 class PlainFrontEnd : public FrontEnd {
   public:
     void console(std::string_view text) override { std::fwrite(text.data(), 1, text.size(), stdout); }
@@ -28,7 +29,11 @@ class PlainFrontEnd : public FrontEnd {
         std::fprintf(stderr, "%.*s%s%.*s\n", static_cast<int>(brief.size()), brief.data(), details.empty() ? "" : ": ",
                      static_cast<int>(details.size()), details.data());
     }
-    bool runModal(Dialog&) override { return false; }
+    bool runModal(Dialog& dialog) override {
+        dialog.refresh();
+        std::fputs(textOf(dialog).c_str(), stderr);
+        return false;
+    }
 };
 
 std::vector<void (*)()>& sessionEndObservers() {
@@ -56,6 +61,8 @@ void closeDesignFile(Session::State& state) {
 
 Session::Session(SessionOptions options) : state_(std::make_unique<State>()) {
     if (activeSession != nullptr) throw std::logic_error("a session is running already in this process");
+    static int32_t lastNumber = 0;
+    state_->number = ++lastNumber;
     state_->frontEnd = options.frontEnd ? std::move(options.frontEnd) : std::make_unique<PlainFrontEnd>();
     for (const auto& [name, value] : options.variables)
         state_->variables.define(name, value, Variables::levelCount - 1);

@@ -35,6 +35,7 @@ struct Timer {
 };
 
 struct Session::State {
+    int32_t number = 0;
     std::unique_ptr<FrontEnd> frontEnd;
     Variables variables;
     std::vector<std::unique_ptr<MdlDesc>> applications;  // by process number, from 1

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <cwchar>
 
@@ -126,17 +128,28 @@ TEST_F(AccessString, PointersAreFollowedWhenTheValueIsWanted) {
 
 TEST_F(AccessString, AValueThatDoesNotFitLeavesTheOldOne) {
     struct Case {
-        const char *access, *text;
+        const char *access, *text, *fault;
     };
+    constexpr const char* noNumber = "isn't a number";
     const Case cases[] = {
-        {"bP->label", "abcde"}, {"bP->title", "1234"},    {"bP->lines[0]", "four"}, {"bP->device", "2147483648"},
-        {"bP->device", "1.5"},  {"bP->device", "7x"},     {"bP->device", ""},       {"bP->mask", "-1"},
-        {"bP->flag", "256"},    {"bP->widths[0]", "nan"}, {"bP->widths[0]", "1,5"}, {"bP->widths[0]", "1e999"},
+        {"bP->label", "abcde", "is too long: it has 5 characters, and 4 fit"},
+        {"bP->title", "1234", "is too long: it has 4 characters, and 3 fit"},
+        {"bP->lines[0]", "four", "is too long: it has 4 characters, and 3 fit"},
+        {"bP->device", "2147483648", "isn't between -2147483648 and 2147483647"},
+        {"bP->device", "1.5", "isn't a whole number"},
+        {"bP->device", "7x", noNumber},
+        {"bP->device", "", noNumber},
+        {"bP->mask", "-1", "isn't between 0 and 4294967295"},
+        {"bP->flag", "256", "isn't between 0 and 255"},
+        {"bP->widths[0]", "nan", noNumber},
+        {"bP->widths[0]", "1,5", "isn't a number: the decimal sign is \".\""},
+        {"bP->widths[0]", "1e999", noNumber},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.access);
         const std::string before = get(c.access);
         EXPECT_EQ(mdlDialog_setAccessValue(c.access, c.text), MDL_ERROR) << c.text;
+        EXPECT_EQ(host::writePlace(*host::resolveAccess(c.access).place, c.text), c.fault);
         EXPECT_EQ(get(c.access), before);
     }
     EXPECT_STREQ(block.lines[1], "two");
@@ -184,6 +197,23 @@ TEST(ValueFormat, NumbersTakeTheFormOfTheirFormat) {
     EXPECT_EQ(host::formatNumber("%d", 1e300), std::nullopt);
     EXPECT_EQ(host::formatNumber("%s", 1), std::nullopt);
     EXPECT_EQ(host::formatNumber("%.99f", 1e300).value().size(), 301u + 1 + 99);
+}
+
+// Makes a locale with a decimal comma in the folder, and takes it; false where that can't be done.
+bool takeCommaLocale(const std::string& folder) {
+    std::filesystem::create_directories(folder);
+    setenv("LOCPATH", folder.c_str(), 1);
+    const std::string command = "localedef -c -i de_DE -f ISO-8859-1 '" + folder + "/comma' >/dev/null 2>&1";
+    return std::system(command.c_str()) >= 0 && std::setlocale(LC_NUMERIC, "comma") != nullptr;
+}
+
+TEST_F(AccessString, NumbersHaveAPointInEveryLocale) {
+    if (!takeCommaLocale(path("locale"))) GTEST_SKIP() << "no sources of locales";
+    ASSERT_EQ(std::to_string(0.5), "0,500000");
+    EXPECT_EQ(host::formatNumber("%.1f mm, %%", 20).value(), "20.0 mm, %");
+    toolSubsystem_printf("%g\n", 0.5);
+    EXPECT_EQ(front().consoleText, "0.5\n");
+    std::setlocale(LC_NUMERIC, "C");
 }
 
 }  // namespace
