@@ -20,7 +20,7 @@ struct ApplicationSlot {
 
 constexpr int32_t maxSlots = mostApplications + 1;  // a mark at the last one refuses
 
-// Lives as long as the module. slotCount never goes down; slots of ended applications are used again below it.
+// Lives as long as the session. slotCount never goes down; slots of ended applications are used again below it.
 struct ApplicationTable {
     ApplicationSlot slots[maxSlots];
     int32_t slotCount;
@@ -33,12 +33,13 @@ bool isLive(const ApplicationSlot& slot) {
     return slot.mdlDesc && mdlSystem_getMdlDescFromProcessNumber(slot.processNumber) == slot.mdlDesc;
 }
 
-// Clears the slots of ended applications, and that of the caller if it registers anew; the first free one, which may be
-// a new one at the end.
+// The slot of the caller if it registers anew; else clears those of ended applications, and gives the first free one,
+// which may be a new one at the end.
 ApplicationSlot& takeSlot(const MdlDesc* caller) {
     ApplicationSlot* free = nullptr;
     for (ApplicationSlot& slot : table.used()) {
-        if (isLive(slot) && slot.mdlDesc != caller) continue;
+        if (isLive(slot) && slot.mdlDesc == caller) return slot;
+        if (isLive(slot)) continue;
         slot = {};
         if (!free) free = &slot;
     }
@@ -72,10 +73,19 @@ GlobalData* registerApplication() {
     return data;
 }
 
-void forgetApplication(const GlobalData* data) {
-    for (ApplicationSlot& slot : table.used())
-        if (slot.globalData == data) slot = {};
-    if (mgdP == data) mgdP = nullptr;
+void replaceBlock(const GlobalData* block, GlobalData* by) {
+    for (ApplicationSlot& slot : table.used()) {
+        if (slot.globalData != block) continue;
+        if (by)
+            slot.globalData = by;
+        else
+            slot = {};
+    }
+}
+
+void forgetAllApplications() {
+    table = {};
+    mgdP = nullptr;
 }
 
 int32_t slotsHandedOut() {

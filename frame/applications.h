@@ -9,14 +9,17 @@ extern GlobalData* mgdP;
 constexpr int32_t mostApplications = 49;  // that run side by side
 
 // Takes a slot for the current application, after giving free the slots of those that have ended, and gives it a block
-// with its defaults. Null, with a line on the console when the table is full.
+// with its defaults; one that is registered already gets a new block in its slot. Null, with a line on the console when
+// the table is full.
 GlobalData* registerApplication();
-// Gives a slot back before its application ever worked. The block and what hangs on it stay the caller's.
-void forgetApplication(const GlobalData* data);
+// Puts another block into the slot of a block, or, for null, gives the slot back. The block stays the caller's.
+void replaceBlock(const GlobalData* block, GlobalData* by);
 // High-water mark of the slots handed out; 1 tells the first application of all.
 int32_t slotsHandedOut();
 // True when no application can register any more, whoever ends.
 bool tableIsFull();
+// Empties the table: what it holds is of a session that has ended.
+void forgetAllApplications();
 
 // The current application's block, as mclibMain_getGlobalDataP but without a word when there is none.
 GlobalData* findGlobalData();

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "frame/applications.h"
 #include "frame/errors.h"
 #include "frame/global_data.h"
 #include "frame/main.h"
@@ -47,12 +48,39 @@ void dropLines() {
     messageState.messageLineCount = 0;
 }
 
+// For whoever built the application: what is missing, and what brings it.
+void tellMissing(int listId, int messageId) {
+    const GlobalData* data = findGlobalData();
+    const bool own = listId != MCLIB_QUESTIONS && listId != MCLIB_ERRORS && listId != MCLIB_LANGUAGE_TEXTS;
+    toolSubsystem_printf("%s: message %d of list %d isn't there. %s\n", data ? data->applicationName : "MCLib",
+                         messageId, listId,
+                         own ? "Put the application's resource file (.rsc), which has it, beside its module (.so)."
+                             : "Check that MS_APPRSC names mclib.rsc.");
+}
+
+// The lines of a message whose dialog can't be shown, and those that were collected for it.
+void tellLines() {
+    for (int32_t i = 0; i < messageState.messageLineCount; ++i)
+        mdlOutput_messageCenter(11, messageState.messageLines[i], "", 0);
+}
+
+void tellCollectedLines() {
+    const char* line = nullptr;
+    for (int32_t i = 0, count = mdlStringList_size(messageState.messageList); i < count; ++i)
+        if (mdlStringList_getMember(&line, nullptr, messageState.messageList, i) == MDL_SUCCESS)
+            toolSubsystem_printf("%s\n", line);
+    dropMessageList();
+}
+
 // Opens a dialog above the lines of the text; its reply. Whoever can't be asked declines.
 int showDialog(int dialogId, char* text) {
     takeLines(text);
     if (messageState.publishHooks) messageState.publishHooks();
     int32_t reply = MSGBOX_SECOND;
-    mdlDialog_openModal(&reply, 0, dialogId);
+    if (mdlDialog_openModal(&reply, 0, dialogId) == MDL_DIALOG_NOT_SHOWN) {
+        tellLines();
+        if (dialogId == MESSAGE_LIST_DIALOG) tellCollectedLines();
+    }
     dropLines();
     return reply;
 }
@@ -106,10 +134,15 @@ bool formatMessage(char (&text)[messageTextSize], int listId, int messageId, va_
     return true;
 }
 
-// Asks whether to go on without the memory; the second button ends the application.
+// Asks whether to go on without the memory; the second button ends the application. What is asked can't be had before
+// an application has its messages.
 void reportNoMemory(int listId, int messageId, va_list values) {
     char text[messageTextSize];
-    if (!formatMessage(text, listId, messageId, values)) return;
+    if (!formatMessage(text, listId, messageId, values)) {
+        mdlOutput_messageCenter(10, "There is no memory for what is to be done",
+                                "Close other programs, and start it again.", 0);
+        return;
+    }
     if (showBox(MSGBOX_KIND_1 | MSGBOX_FIRST_64 | MSGBOX_SECOND_512, text) == MSGBOX_SECOND) mdlSystem_exit(0, 1);
 }
 
@@ -125,9 +158,14 @@ void dropMessageList() {
     messageState.messageList = nullptr;
 }
 
+void forgetMessages() {
+    dropMessageList();
+    messageState = {};
+}
+
 char* messageTitle(int kind) {
     static constexpr int kinds[] = {4, 8, 1, 2};  // in the order of GlobalData::messageTitles
-    GlobalData* data = mclibMain_getGlobalDataP();
+    GlobalData* data = findGlobalData();
     for (size_t i = 0; data && i < std::size(kinds); ++i)
         if (kinds[i] == kind) return data->messageTitles[i];
     return nullptr;
@@ -148,6 +186,7 @@ int mclibError_rscMsgBoxPrintf(int flags, int listId, int messageId, ...) {
     va_start(values, messageId);
     const bool found = formatMessage(text, listId, messageId, values);
     va_end(values);
+    if (!found) tellMissing(listId, messageId);
     return found ? showBox(flags, text) : MCLIB_NOT_SHOWN;
 }
 
@@ -166,6 +205,7 @@ int mclibError_rscListPrintf(int mode, int listId, int messageId, ...) {
     va_start(values, messageId);
     const bool found = formatMessage(text, listId, messageId, values);
     va_end(values);
+    if (!found) tellMissing(listId, messageId);
     return found ? listText(mode, text) : MCLIB_NOT_SHOWN;
 }
 

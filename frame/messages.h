@@ -28,6 +28,8 @@ extern MessageState messageState;
 StringList* ensureMessageList();
 // Forgets the collected lines: the list dialog is gone.
 void dropMessageList();
+// Forgets what a session that has ended left: its lines, and what was being asked.
+void forgetMessages();
 // The current application's title for boxes of a kind (1, 2, 4 or 8), 513 bytes; null for another kind or without a
 // registered application.
 char* messageTitle(int kind);

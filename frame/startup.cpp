@@ -4,9 +4,12 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "batch/message_dialogs.h"
+#include "elmattr/attributes.h"
 #include "elmattr/table.h"
+#include "forms/logo.h"
 #include "forms/pages.h"
 #include "frame/applications.h"
 #include "frame/errors.h"
@@ -67,13 +70,28 @@ bool makeApplicationBlocks(GlobalData& data) {
     return made;
 }
 
-// Takes an application that got no memory off the table again.
-void abandon(GlobalData* data) {
-    forgetApplication(data);
+void freeBlocks(GlobalData* data) {
+    mdlResource_closeFile(data->appRscHandle);
     for (void* block : {static_cast<void*>(data->identityBlockP), static_cast<void*>(data->fileDialogP),
                         static_cast<void*>(data->previewExtent), static_cast<void*>(data->activeRecord),
                         static_cast<void*>(data->attributeEditBlock), static_cast<void*>(data)})
         dlmSystem_mdlFree(block);
+}
+
+// Takes an application that got no memory off the table again; one that was registered before goes on as it was.
+void abandon(GlobalData* data, GlobalData* before) {
+    replaceBlock(data, before);
+    freeBlocks(data);
+}
+
+// Lets go of what an application kept that has registered again.
+void leave(GlobalData* before, GlobalData* data) {
+    replaceBlock(data, before);  // once more, for the calls that work on the current application's block
+    mclibElmAttr_freeAllAttribute();
+    mclibElmAttr_freeGroupeNames();
+    if (before->upfIsOpen) mdlResource_closeFile(before->upfHandle.handle);
+    replaceBlock(before, data);
+    freeBlocks(before);
 }
 
 // ---- rooms ----
@@ -130,6 +148,24 @@ void publishBlocks() {
     }
 }
 
+// ---- sessions ----
+
+// Lets go of what belongs to a session that has ended. The shared blocks are made anew with the first application.
+void forgetSession() {
+    forgetAllApplications();
+    forgetMessages();
+    forms::setFunctions(nullptr, nullptr);
+    forms::setLogo(nullptr, nullptr);
+    print::closeJobs();
+}
+
+void noticeSession() {
+    static int32_t known = 0;
+    const int32_t running = mdlSystem_getSessionNumber();
+    if (running != known) forgetSession();
+    known = running;
+}
+
 // ---- titles and folder ----
 
 struct TitleText {
@@ -149,7 +185,7 @@ bool asksForFolder(const char* applicationName) {
     return name != "pdfvirk";
 }
 
-// The path up to its fourth separator from the end, or the first one when there are fewer; all of it without any.
+// The path up to its fourth separator from the end, or the first one when there are fewer.
 std::string folderAbove(std::string path) {
     int cuts = 0;
     for (size_t i = path.size(); i-- > 0 && cuts < 4;)
@@ -165,7 +201,7 @@ void offerFamilyFolder(const char* applicationName, int argc, char** argv) {
     if (mdlSystem_getenv(nullptr, "MC_DIR", 1) == 0) return;
     char site[256] = "";
     mdlSystem_getenv(site, "_USTN_SITE", sizeof site);
-    if (argc <= 0 || !argv || !argv[0]) return;
+    if (argc <= 0 || !argv || !argv[0] || !std::strpbrk(argv[0], "\\/")) return;
     const std::string companyFile = std::string(site) + "company.cfg";
     const std::string folder = folderAbove(argv[0]);
     if (mclibError_rscMsgBoxPrintf(defineFolderFlags, MCLIB_QUESTIONS, defineFolderQuestion, folder.c_str(),
@@ -204,7 +240,7 @@ void refreshLineStyles() {
 void reportFullTable(const char* applicationName) {
     const std::string brief = std::string("The application ") + (applicationName ? applicationName : "") +
                               " can't start: " + std::to_string(mostApplications) +
-                              " applications are running, which is the most";
+                              " applications have been started, which is the most of a session";
     mdlOutput_messageCenter(10, brief.c_str(), "End the session, and start it with fewer applications.", 0);
 }
 
@@ -212,9 +248,10 @@ bool isInitList(std::string_view listName) {
     return listName == "MS_DGNAPPS" || listName == "MS_INITAPPS";
 }
 
-// The blocks, shared and own, and the plot scales; false when out of memory.
-bool makeBlocks(GlobalData& data) {
-    const bool first = slotsHandedOut() <= 1;
+// The blocks, shared and own, and the plot scales; false when out of memory. What is shared stays with an application
+// that registers again.
+bool makeBlocks(GlobalData& data, const GlobalData* before) {
+    const bool first = slotsHandedOut() <= 1 && !before;
     if (first && !makeSharedBlocks()) return false;
     if (!makeApplicationBlocks(data)) return false;
     return !first || loadPlotScales();
@@ -227,20 +264,25 @@ int mclibMain_initMcLib(const char* applicationName, int argc, char** argv) {
 }
 
 int mclibMain_initMcLibExtended(const char* applicationName, int argc, char** argv, int rscMode) {
-    GlobalData* data = registerApplication();
+    noticeSession();
+    GlobalData* const before = findGlobalData();
+    GlobalData* const data = registerApplication();
     if (!data) {
         if (tableIsFull()) reportFullTable(applicationName);
         return MCLIB_ERROR;
     }
-    mgdP = data;
+    GlobalData* const shown = std::exchange(mgdP, data);
     messageState.publishHooks = publishMessageDialogHooks;
     if (argc > 1 && argv && argv[1]) data->isInitApp = isInitList(argv[1]);
     mdlResource_openFile(&data->appRscHandle, nullptr, rscMode);
     copyText(data->applicationName, applicationName ? applicationName : "");
-    if (!makeBlocks(*data)) {
-        abandon(data);
+    if (!makeBlocks(*data, before)) {
+        messageState.publishHooks = nullptr;
+        mgdP = shown;
+        abandon(data, before);
         return MCLIB_ERROR;
     }
+    if (before) leave(before, data);
     const char* name = data->applicationName;
     setTitles(name);  // in front of the rooms, whose loads may show a message box
     for (const Room room : rooms) room(*data);

@@ -6,6 +6,7 @@
 #include "frame/global_data.h"
 #include "frame/main.h"
 #include "print/driver.h"
+#include "print/shared.h"
 #include "print/walker.h"
 
 namespace {
@@ -51,6 +52,11 @@ const PrintDriver* currentDriver() {
 }
 
 }  // namespace
+
+void print::closeJobs() {
+    for (const PrintDriver* driver : drivers)
+        if (driver) driver->close();
+}
 
 int mclibPrint_fopen(const char* fileName, int device) {
     GlobalData* gd = mclibMain_getGlobalDataP();

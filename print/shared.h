@@ -9,6 +9,11 @@
 extern mclibPrinterSetupData* mclibpsd;
 extern mclibPlotScale* mcScaleP;
 
+namespace print {
+// Closes the files of print jobs that are open, on every device.
+void closeJobs();
+}  // namespace print
+
 // Fills the scale list at start-up: the default scales, the first one active. False when out of memory.
 bool loadPlotScales();
 

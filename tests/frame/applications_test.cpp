@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "elmattr/attributes.h"
 #include "frame/errors.h"
 #include "frame/main.h"
 #include "host/mdl/dialog.h"
@@ -52,6 +53,12 @@ class Frame : public SessionTest {
         return mclibMain_getGlobalDataP();
     }
 };
+
+// The value in a published structure.
+std::string valueOf(const char* access) {
+    char text[512];
+    return mdlDialog_getAccessValue(text, sizeof text, access) == MDL_SUCCESS ? text : "unreachable";
+}
 
 // ---- the table ----
 
@@ -121,6 +128,7 @@ TEST_F(Frame, GivesApplicationsOfOneNameABlockEach) {
 
 TEST_F(Frame, ANewSessionStartsWithoutTheApplicationsBefore) {
     startMany(mostApplications);
+    ASSERT_EQ(mdlDialog_setAccessValue("mclibpd->pron", "E18"), MDL_SUCCESS);
     endSession();
     const host::Session next({.frontEnd = nullptr, .variables = {{"MC_DIR", "c:\\mc\\"}}});
     for (int i = 0; i < mostApplications; ++i) {
@@ -129,6 +137,28 @@ TEST_F(Frame, ANewSessionStartsWithoutTheApplicationsBefore) {
         ASSERT_EQ(lastStatus, MCLIB_SUCCESS) << i;
         EXPECT_EQ(nameOf(desc), name);
     }
+    EXPECT_EQ(valueOf("mclibpd->pron"), "");
+}
+
+TEST_F(Frame, AnApplicationThatRegistersAgainKeepsTheSharedBlocks) {
+    MdlDesc* desc = start("one");
+    const host::ApplicationScope scope(desc);
+    EXPECT_EQ(mdlDialog_setAccessValue("mclibpd->pron", "E18"), MDL_SUCCESS);
+    EXPECT_EQ(mdlDialog_setAccessValue("mcScaleP->activeScale", "77"), MDL_SUCCESS);
+    const ElmAttrData look{};
+    EXPECT_EQ(mclibElmAttr_addAttribute(1, "Line", 0, ATTR_KIND_SYMBOLOGY, 0, nullptr, 0, &look), MCLIB_SUCCESS);
+    const size_t before = host::memoryUse().blocks;
+    char name[] = "again", list[] = "USER";
+    char* argv[] = {name, list, nullptr};
+    EXPECT_EQ(mclibMain_initMcLib("again", 2, argv), MCLIB_SUCCESS);
+    EXPECT_EQ(nameOf(desc), "again");
+    EXPECT_EQ(valueOf("mclibpd->pron"), "E18");
+    EXPECT_EQ(valueOf("mcScaleP->activeScale"), "77");
+    EXPECT_LT(host::memoryUse().blocks, before) << "what the first registration kept is freed";
+    host::failMemoryFrom(3);
+    EXPECT_EQ(mclibMain_initMcLib("poor", 2, argv), MCLIB_ERROR);
+    host::failMemoryFrom(0);
+    EXPECT_EQ(nameOf(desc), "again") << "it goes on as it was";
 }
 
 TEST_F(Frame, TellsACallerThatIsntRegistered) {
@@ -216,17 +246,22 @@ TEST_F(Frame, RegistrationWithoutMemoryLeavesNothingBehind) {
         }
     }
     EXPECT_EQ(nameOf(first), "first");
+    EXPECT_EQ(valueOf("mgdP->applicationName"), "first") << "its open dialogs go on";
     MdlDesc* next = start("next");
     EXPECT_EQ(lastStatus, MCLIB_SUCCESS);
     EXPECT_EQ(nameOf(next), "next");
 }
 
-// ---- shared blocks and published names ----
-
-std::string valueOf(const char* access) {
-    char text[512];
-    return mdlDialog_getAccessValue(text, sizeof text, access) == MDL_SUCCESS ? text : "unreachable";
+TEST_F(Frame, TheFirstApplicationWithoutMemoryIsToldSo) {
+    host::failMemoryFrom(1);
+    start("poor");
+    host::failMemoryFrom(0);
+    EXPECT_EQ(lastStatus, MCLIB_ERROR);
+    ASSERT_EQ(front().messages.size(), 1u);
+    EXPECT_NE(front().messages[0].brief.find("no memory"), std::string::npos);
 }
+
+// ---- shared blocks and published names ----
 
 TEST_F(Frame, SharesTheBlocksAmongApplicationsAndMakesThemAnewAfterTheLast) {
     MdlDesc* first = start("first");

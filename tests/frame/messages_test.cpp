@@ -8,6 +8,7 @@
 
 #include "frame/errors.h"
 #include "frame/main.h"
+#include "frame/messages.h"
 #include "host/dialog/dialog.h"
 #include "host/mdl/resource.h"
 #include "host/mdl/system.h"
@@ -245,6 +246,32 @@ TEST_F(Boxes, OtherModesPrintTheFirstLine) {
     EXPECT_TRUE(shown.empty());
 }
 
+TEST_F(Boxes, AMessageThatIsntInItsListIsTold) {
+    front().clear();
+    EXPECT_EQ(mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, 77, 99), MCLIB_NOT_SHOWN);
+    EXPECT_EQ(mclibError_rscListPrintf(LIST_COLLECT, MCLIB_ERRORS, 9999), MCLIB_NOT_SHOWN);
+    EXPECT_EQ(front().consoleText,
+              "Roads: message 99 of list 77 isn't there. Put the application's resource file (.rsc), which has it, "
+              "beside its module (.so).\n"
+              "Roads: message 9999 of list 20005 isn't there. Check that MS_APPRSC names mclib.rsc.\n");
+}
+
+// A session that finds no layouts.
+class WithoutLayouts : public SessionTest {};
+
+TEST_F(WithoutLayouts, AMessageIsToldWithoutItsBox) {
+    const host::ApplicationScope scope(application("lost"));
+    EXPECT_EQ(mclibError_msgBoxPrintf(145, "Replace %s?\nIt is old.", "a.txt"), MSGBOX_SECOND);
+    ASSERT_EQ(front().messages.size(), 3u) << "and why there is no box";
+    EXPECT_EQ(front().messages[1].brief, "Replace a.txt?");
+    EXPECT_EQ(front().messages[2].brief, "It is old.");
+    mclibError_listPrintf(LIST_COLLECT, "first\nsecond");
+    EXPECT_EQ(mclibError_listPrintf(LIST_SHOW, "2 failed"), MSGBOX_SECOND);
+    EXPECT_EQ(front().messages.back().brief, "2 failed");
+    mclibError_listPrintf(LIST_SHOW, "again");
+    EXPECT_EQ(front().consoleText, "first\nsecond\n") << "the lines are told once";
+}
+
 // ---- memory ----
 
 TEST_F(Boxes, MemoryComesZeroedAndGrowsWithItsContent) {
@@ -340,8 +367,7 @@ TEST_F(FolderOffer, DefinesTheFolderThatTheApplicationCameFrom) {
     constexpr Case cases[] = {{"C:\\a\\b\\c\\d\\e.ma", "C:\\a\\"},
                               {"C:\\b\\e.ma", "C:\\"},
                               {"C:\\x\\b\\c\\e.ma", "C:\\"},
-                              {"/opt/mc/mdl/apps/x.so", "/opt/"},
-                              {"roads", "roads"}};
+                              {"/opt/mc/mdl/apps/x.so", "/opt/"}};
     for (const Case& c : cases) {
         shown.clear();
         start("Roads", c.argv0);
@@ -366,8 +392,9 @@ TEST_F(FolderOffer, CanBeDeclinedAndIsntMadeTwice) {
     EXPECT_EQ(shown.size(), 1u);
 }
 
-TEST_F(FolderOffer, IsntMadeToTheOneThatDoesWithoutIt) {
+TEST_F(FolderOffer, IsntMadeToTheOneThatDoesWithoutItNorToOneFromNowhere) {
     for (const char* name : {"pdfvirk", "PDFVIRK", "PdfVirk"}) start(name, "C:\\a\\b\\c\\d\\e.ma");
+    start("Roads", "roads");  // nobody knows where it came from
     EXPECT_EQ(front().dialogs, 0);
     start("pdfvirk2", "C:\\a\\b\\c\\d\\e.ma");
     EXPECT_EQ(front().dialogs, 1);
