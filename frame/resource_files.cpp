@@ -32,6 +32,14 @@ bool makeAndOpen(McHandle& h, int mode) {
            mdlResource_openFile(&h.handle, h.name, mode) == MDL_SUCCESS;
 }
 
+// With the handle 0 of a file that isn't open, the host would find a block of some other file.
+void* loadFrom(const McHandle& h, int32_t type, int32_t id) {
+    return h.handle != 0 ? mdlResource_load(h.handle, type, id) : nullptr;
+}
+StringList* loadListFrom(const McHandle& h, int32_t id) {
+    return h.handle != 0 ? mdlStringList_loadResource(h.handle, id) : nullptr;
+}
+
 void tellSmall(const McHandle& h, int32_t type, int32_t id, int32_t stored, int size) {
     char line[512];
     std::snprintf(line, sizeof line, "%s: resource %d of type 0x%08x has %d bytes, %d are needed; it was passed over",
@@ -57,8 +65,7 @@ int mclibResource_closeFile(McHandle* h) {
 
 int mclibResource_add(McHandle* h, int32_t type, int32_t id, const void* data, int size, int32_t attributes) {
     if (!h || size < 0 || (!data && size > 0)) return MCLIB_ERROR;
-    // With the handle 0 of a file that isn't open, the host would find a block of some other file to write over.
-    void* block = h->handle != 0 ? mdlResource_load(h->handle, type, id) : nullptr;
+    void* block = loadFrom(*h, type, id);
     if (!block) return checked(mdlResource_add(h->handle, type, id, data, size, attributes, h->name), *h);
     int status = MDL_ERROR;
     if (size <= mdlResource_size(block)) {
@@ -71,7 +78,7 @@ int mclibResource_add(McHandle* h, int32_t type, int32_t id, const void* data, i
 
 int mclibResource_load(McHandle* h, int32_t type, int32_t id, void* dest, int size) {
     if (!h || !dest || size < 0) return MCLIB_ERROR;
-    void* block = mdlResource_load(h->handle, type, id);
+    void* block = loadFrom(*h, type, id);
     if (!block) return MCLIB_ERROR;
     const int32_t stored = mdlResource_size(block);
     if (size <= stored)
@@ -84,12 +91,12 @@ int mclibResource_load(McHandle* h, int32_t type, int32_t id, void* dest, int si
 
 int mclibResource_addStringList(McHandle* h, int32_t id, StringList* list) {
     if (!h || !list) return MCLIB_ERROR;
-    StringList* stored = mdlStringList_loadResource(h->handle, id);
+    StringList* stored = loadListFrom(*h, id);
     if (!stored) return checked(mdlStringList_addResource(h->handle, id, list, h->name), *h);
     mdlStringList_destroy(stored);
     return checked(mdlStringList_writeResource(list, h->handle, id, h->name), *h);
 }
 
 StringList* mclibResource_loadStringList(McHandle* h, int32_t id) {
-    return h ? mdlStringList_loadResource(h->handle, id) : nullptr;
+    return h ? loadListFrom(*h, id) : nullptr;
 }

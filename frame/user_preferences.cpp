@@ -51,6 +51,7 @@ int openPath(GlobalData& data, const char* path) {
         return MCLIB_SUCCESS;
     }
     file.handle = 0;
+    data.upfIsOpen = 0;
     return MCLIB_ERROR;
 }
 

@@ -78,6 +78,8 @@ TEST_F(ResourceFiles, AResourceIsAddedOnceAndThenWrittenOver) {
     EXPECT_EQ(mclibResource_add(&h, type, 1, "XY", 2, 0), MCLIB_SUCCESS);
     char read[8] = "~~~~~~~";
     EXPECT_EQ(mclibResource_load(&h, type, 1, read, 6), MCLIB_SUCCESS);
+    McHandle none = {};
+    EXPECT_EQ(mclibResource_load(&none, type, 1, read, 6), MCLIB_ERROR) << "a file that isn't open has nothing";
     EXPECT_STREQ(read, "XYcdef~") << "a shorter write leaves the bytes behind it";
     EXPECT_EQ(mclibResource_load(&h, type, 2, read, 6), MCLIB_ERROR);
     EXPECT_TRUE(boxes.empty());
@@ -200,6 +202,11 @@ TEST_F(ResourceFiles, AFileThatCannotBeOpenedLeavesNoHandle) {
     EXPECT_EQ(boxes.size(), 2u) << "it can neither be read nor be made";
     EXPECT_EQ(mclibUpf_getHandle(), 0);
     EXPECT_EQ(readFile("p.upf"), "not a resource file");
+    mclibUpf_openWithPath(nullptr, path("good.upf").c_str());
+    EXPECT_EQ(mclibUpf_openWithPath(nullptr, path("p.upf").c_str()), MCLIB_ERROR);
+    char read[4];
+    EXPECT_EQ(mclibUpf_load(type, 1, read, 4), MCLIB_ERROR);
+    EXPECT_EQ(front().consoleText, "User preference file not open!!\n") << "none is open any more";
 }
 
 // ---- remembered files ----
