@@ -27,10 +27,11 @@ bool isThere(const std::string& file) {
     return mdlFile_find(nullptr, file.c_str(), nullptr, nullptr) == 0;
 }
 
-// The folder of the application family; empty when neither variable is defined.
+// The folder of the application family; empty when both variables are undefined or empty.
 std::string familyFolder() {
     for (const char* variable : {"MC_LOCAL", "MC_DIR"})
-        if (const HostPtr<char> value{mdlSystem_getExpandedCfgVar(variable)}) return value.get();
+        if (const HostPtr<char> value{mdlSystem_getExpandedCfgVar(variable)}; value && *value.get() != '\0')
+            return value.get();
     return {};
 }
 

@@ -1,9 +1,9 @@
 #include "frame/win32.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
+#include "host/mdl/external.h"
 #include "host/mdl/win32.h"
 
 namespace {
@@ -28,7 +28,7 @@ uint32_t valueBelow(void* root, const char* key, const char* value, uint32_t* ty
 }  // namespace
 
 int mclibWin32_execCommand(const char* command, const char* arguments) {
-    return std::system(commandLineOf(command, arguments).c_str());
+    return mdlExternal_runShellLine(commandLineOf(command, arguments).c_str());
 }
 
 int mclibWin32_execCommandAndWait(const char* command, const char* arguments, int showWindow) {

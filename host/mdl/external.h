@@ -30,4 +30,9 @@ MDL_EXPORT int mdlExternal_terminateProgram(MdlExternalProgram *program);
  * started. */
 MDL_EXPORT int mdlExternal_extStartProgram(const char *program, int argumentCount, const char *const *arguments);
 
+/* Runs a line of the system's shell and waits for its end. What begins like a path on a drive, at the beginning of the
+ * line, behind a blank or behind a quote, is given as the system's path. What `system` of the C library gives: the
+ * status as the system tells it, or -1; -1 too for null. */
+MDL_EXPORT int mdlExternal_runShellLine(const char *line);
+
 #endif

@@ -1,10 +1,15 @@
 // Starting programs for applications.
 #include "host/mdl/external.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstddef>
+#include <cstdio>
+#include <cstdlib>
 
 #include "host/session/guard.h"
+#include "host/system/charset.h"
+#include "host/system/paths.h"
 #include "host/system/programs.h"
 
 namespace host {
@@ -16,6 +21,41 @@ static_assert(offsetof(Process, id) == 0 && sizeof(MdlExternalProgram) == sizeof
 
 MdlExternalProgram* handleOf(Process* process) {
     return reinterpret_cast<MdlExternalProgram*>(process);
+}
+
+// The path of the system in the manner of what it stands in: the shell takes it as one word.
+std::string shellText(const std::string& path, char quote) {
+    std::string text;
+    for (const char c : path) {
+        const bool apart = quote == '\'' ? c == '\'' : std::string_view("\\\"$`").find(c) != std::string_view::npos;
+        const bool divides = quote == 0 && std::string_view(" \t'&;|<>()*?[]#~!{}").find(c) != std::string_view::npos;
+        if (quote == '\'' && apart)
+            text += "'\\''";
+        else
+            text += (apart || divides ? "\\" : "") + std::string(1, c);
+    }
+    return text;
+}
+
+// A line for a shell of this system, in which no drive is left.
+std::string shellLine(std::string_view line) {
+    std::string text;
+    char quote = 0;  // that the place lies in
+    for (size_t i = 0; i < line.size();) {
+        const char c = line[i];
+        const bool begins = i == 0 || std::string_view(" \t'\"=<>|&;(").find(line[i - 1]) != std::string_view::npos;
+        if (begins && beginsWithDrive(line.substr(i))) {
+            const std::string ends = quote ? std::string(1, quote) : " \t'\"&|;<>()";
+            const size_t end = std::min(line.find_first_of(ends, i), line.size());
+            text += shellText(systemPath(line.substr(i, end - i)), quote);
+            i = end;
+            continue;
+        }
+        if ((c == '"' || c == '\'') && (quote == 0 || quote == c)) quote = quote == 0 ? c : 0;
+        text += utf8FromNarrow(line.substr(i, 1));
+        ++i;
+    }
+    return text;
 }
 
 int endOf(Process* process) {
@@ -63,5 +103,13 @@ int mdlExternal_extStartProgram(const char* program, int argumentCount, const ch
         if (program == nullptr || argumentCount < 0 || (argumentCount > 0 && arguments == nullptr)) return MDL_ERROR;
         const std::vector<std::string> words(arguments, arguments + argumentCount);
         return startProcess(program, words, {}, false) != nullptr ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
+int mdlExternal_runShellLine(const char* line) {
+    return guarded<int>(-1, [&] {
+        if (line == nullptr) return -1;
+        std::fflush(stdout);  // what the host printed so far stands before what the line prints
+        return std::system(shellLine(line).c_str());
     });
 }

@@ -68,11 +68,6 @@ std::string withoutQuotes(std::string_view name) {
 
 // ---- starting ----
 
-bool beginsWithDrive(std::string_view word) {
-    const char letter = word.size() < 3 ? '\0' : static_cast<char>(word[0] | 0x20);
-    return letter >= 'a' && letter <= 'z' && word[1] == ':' && (word[2] == '\\' || word[2] == '/');
-}
-
 // A word as a program of the system gets it.
 std::string systemWord(const std::string& word) {
     return beginsWithDrive(word) ? systemPath(word) : utf8FromHost(word);
@@ -176,6 +171,11 @@ std::string allFrom(int descriptor) {
 }
 
 }  // namespace
+
+bool beginsWithDrive(std::string_view word) {
+    const char letter = word.size() < 3 ? '\0' : static_cast<char>(word[0] | 0x20);
+    return letter >= 'a' && letter <= 'z' && word[1] == ':' && (word[2] == '\\' || word[2] == '/');
+}
 
 std::optional<std::string> existingPath(const std::string& path) {
     std::error_code error;

@@ -25,6 +25,9 @@ HOST_EXPORT std::optional<std::string> findProgram(std::string_view name);
 // quote that isn't closed reaches to the end of the line.
 HOST_EXPORT std::vector<std::string> wordsOf(std::string_view line);
 
+// Whether the word begins like a path on a drive: "c:\\" or "c:/".
+bool beginsWithDrive(std::string_view word);
+
 enum class Output {
     ofHost,    // where the host's own output goes
     discarded  // errors still go where the host's go

@@ -106,6 +106,23 @@ TEST_F(CommandLines, TheSystemsOwnCallsRunThemToo) {
     EXPECT_EQ(mclibWin32_execCommandAndWait("nosuch", nullptr, 1), 0);
 }
 
+TEST_F(CommandLines, ALineForTheShellHasTheNamesOfThisSystem) {
+    const std::string program = recorder.add("tool");
+    const std::string drive = path("drive_c");
+    struct Case {
+        const char *arguments, *given;
+    };
+    for (const Case& c : {Case{"\xf8.txt x:y", "[\xc3\xb8.txt][x:y]\n"},
+                          {"c:\\f.txt -o=c:\\g", "[DRIVE/f.txt][-o=DRIVE/g]\n"},
+                          {"\"c:\\a b\\$f\" 'c:\\it' c:\\a&:", "[DRIVE/a b/$f][DRIVE/it][DRIVE/a]\n"}}) {
+        SCOPED_TRACE(c.arguments);
+        EXPECT_EQ(mclibWin32_execCommand(program.c_str(), c.arguments), 0);
+        std::string given = c.given;
+        for (size_t at; (at = given.find("DRIVE")) != given.npos;) given.replace(at, 5, drive);
+        EXPECT_EQ(recorder.take(), "[tool]" + given);
+    }
+}
+
 class StoredSettings : public LibraryTest {
   protected:
     StoredSettings() {
