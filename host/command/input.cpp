@@ -113,7 +113,9 @@ bool serveCommands() {
             return false;
         }
         const std::optional<CommandInput> input = commandInputIn(*line);
-        complaint = input ? "" : "\"" + *line + "\" isn't a point";
+        // Open windows can be used meanwhile.
+        const bool taken = input || Session::current()->frontEnd().answerOpenDialog(*line);
+        complaint = taken ? "" : "\"" + *line + "\" isn't a point";
         if (input) follow(*input);
     }
     return true;

@@ -15,9 +15,9 @@ bool isInput(const DialogItem& item) {
         case ITEM_PUSH_BUTTON:
         case ITEM_TEXT:
         case ITEM_TOGGLE:
-        case ITEM_OPTION_BUTTON: return true;
+        case ITEM_OPTION_BUTTON:
         case ITEM_COMBO_BOX:
-        case ITEM_LIST_BOX: return Dialog::rowCount(item) > 0;
+        case ITEM_LIST_BOX: return true;
         default: return false;
     }
 }
@@ -52,11 +52,8 @@ std::string chosenLabel(const DialogItem& item) {
     return item.value;
 }
 
-std::string choices(const DialogItem& item) {
-    std::string text;
-    for (const OptionRow& row : item.rows)
-        if (row.enabled) text += (text.empty() ? "" : ", ") + row.label;
-    return text;
+bool isList(const DialogItem& item) {
+    return item.kind == ITEM_LIST_BOX || item.kind == ITEM_COMBO_BOX;
 }
 
 std::string rowsOf(const DialogItem& item) {
@@ -81,12 +78,13 @@ std::string lineOf(const DialogItem& item, const std::string& number) {
         case ITEM_TEXT: return head + label + ": " + value + "\n";
         case ITEM_TOGGLE: return head + (item.value == "1" ? "[x] " : "[ ] ") + label + "\n";
         case ITEM_OPTION_BUTTON:
-            return head + label + ": " + utf8FromNarrow(chosenLabel(item)) + " (" + utf8FromNarrow(choices(item)) +
-                   ")\n";
+            return head + label + ": " + utf8FromNarrow(chosenLabel(item)) + " (" + choicesOf(item) + ")\n";
         case ITEM_COMBO_BOX:
             return head + label + ": " + utf8FromNarrow(Dialog::cellText(item, item.selectedRow, 0)) + "\n" +
                    rowsOf(item);
-        case ITEM_LIST_BOX: return (number.empty() && label.empty() ? "" : head + label + "\n") + rowsOf(item);
+        case ITEM_LIST_BOX:
+            return (number.empty() && label.empty() ? "" : head + (label.empty() ? "Rows" : label) + "\n") +
+                   rowsOf(item);
         case ITEM_LABEL:
         case ITEM_GROUP_BOX: return label.empty() ? label : label + "\n";
         default: return {};
@@ -95,27 +93,43 @@ std::string lineOf(const DialogItem& item, const std::string& number) {
 
 }  // namespace
 
-std::vector<size_t> usableItems(const Dialog& dialog) {
-    std::vector<size_t> usable;
+std::vector<size_t> numberedItems(const Dialog& dialog) {
+    std::vector<size_t> numbered;
     for (const bool buttons : {true, false})
-        for (size_t i = 0; i < dialog.items().size(); ++i) {
-            const DialogItem& item = dialog.items()[i];
-            if (dialog.isVisible(item) && item.enabled && isInput(item) && (item.kind == ITEM_PUSH_BUTTON) == buttons)
-                usable.push_back(i);
-        }
+        for (size_t i = 0; i < dialog.items().size(); ++i)
+            if (isInput(dialog.items()[i]) && (dialog.items()[i].kind == ITEM_PUSH_BUTTON) == buttons)
+                numbered.push_back(i);
+    return numbered;
+}
+
+bool isUsable(const Dialog& dialog, size_t item) {
+    const DialogItem& asked = dialog.items()[item];
+    return dialog.isVisible(asked) && asked.enabled && isInput(asked) &&
+           (!isList(asked) || Dialog::rowCount(asked) > 0);
+}
+
+std::vector<size_t> usableItems(const Dialog& dialog) {
+    std::vector<size_t> usable = numberedItems(dialog);
+    std::erase_if(usable, [&](size_t item) { return !isUsable(dialog, item); });
     return usable;
 }
 
+std::string choicesOf(const DialogItem& item) {
+    std::string text;
+    for (const OptionRow& row : item.rows)
+        if (row.enabled) text += (text.empty() ? "" : ", ") + utf8FromNarrow(row.label);
+    return text;
+}
+
 std::string textOf(const Dialog& dialog) {
-    const std::vector<size_t> usable = usableItems(dialog);
+    const std::vector<size_t> numbered = numberedItems(dialog);
     std::string text = "--- " + utf8FromNarrow(dialog.title()) + " ---\n" + drawnText(dialog);
     std::string buttons;
     for (size_t i = 0; i < dialog.items().size(); ++i) {
         const DialogItem& item = dialog.items()[i];
         if (!dialog.isVisible(item)) continue;
-        const auto place = std::ranges::find(usable, i);
-        const std::string number =
-            place == usable.end() ? std::string() : std::to_string(place - usable.begin() + 1) + ") ";
+        const auto place = std::ranges::find(numbered, i) - numbered.begin();
+        const std::string number = isUsable(dialog, i) ? std::to_string(place + 1) + ") " : std::string();
         if (item.kind != ITEM_PUSH_BUTTON)
             text += lineOf(item, number);
         else if (!number.empty())

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 #include <vector>
 
 #include "host/system/file_list.h"
@@ -14,7 +15,8 @@ namespace {
 namespace fs = std::filesystem;
 using Kind = FileQuestion::Kind;
 
-constexpr size_t mostChoices = 60;  // lines shown
+constexpr size_t mostChoices = 60;  // names shown
+constexpr size_t mostColumns = 76;
 
 bool matchesFilter(std::string_view filter, std::string_view name) {
     while (!filter.empty()) {
@@ -28,16 +30,6 @@ bool matchesFilter(std::string_view filter, std::string_view name) {
 bool isAbsolute(std::string_view name) {
     const NameParts parts = partsOf(name);
     return !parts.device.empty() || parts.directory.starts_with('/') || parts.directory.starts_with('\\');
-}
-
-// Whole characters that all names begin with.
-std::string commonBeginning(const std::vector<std::string>& names) {
-    const std::string& first = names.front();
-    size_t length = first.size();
-    for (const std::string& name : names)
-        length = std::min(length, static_cast<size_t>(std::ranges::mismatch(first, name).in1 - first.begin()));
-    while (length > 0 && length < first.size() && (static_cast<unsigned char>(first[length]) & 0xC0) == 0x80) --length;
-    return first.substr(0, length);
 }
 
 struct Entries {
@@ -65,6 +57,23 @@ void appendNumbered(std::string& text, const std::vector<std::string>& names) {
     for (size_t i = 0; i < names.size(); ++i) text += "  " + std::to_string(i + 1) + ") " + names[i] + "\n";
 }
 
+// The folders, and the files of the filter, in lines of a terminal's width.
+std::string folderListing(const FileQuestion& question) {
+    Entries entries = entriesOf(systemPath(question.directory), "", question.filter);
+    for (std::string& name : entries.folders) name += '/';
+    std::vector<std::string> names = std::move(entries.folders);
+    if (question.kind != Kind::directory) names.insert(names.end(), entries.filtered.begin(), entries.filtered.end());
+    std::ranges::sort(names);
+    std::string text, line;
+    for (size_t i = 0; i < std::min(names.size(), mostChoices); ++i) {
+        if (!line.empty() && line.size() + names[i].size() > mostColumns) text += std::exchange(line, {}) + "\n";
+        line += "  " + names[i];
+    }
+    if (!line.empty()) text += line + "\n";
+    if (names.size() > mostChoices) text += "  ... and " + std::to_string(names.size() - mostChoices) + " more\n";
+    return text;
+}
+
 const char* helpOf(Kind kind) {
     switch (kind) {
         case Kind::directory: return "Give a directory; an empty line takes the one above, ! cancels.\n";
@@ -81,6 +90,7 @@ std::string textOf(const FileQuestion& question) {
     std::string text = "--- " + (question.title.empty() ? std::string("File") : question.title) + " ---\n";
     text += "Directory: " + question.directory + "\n";
     if (question.kind != Kind::directory) text += "Filter: " + question.filter + "\n";
+    text += folderListing(question);
     if (!question.remembered.empty()) text += "Remembered:\n";
     appendNumbered(text, question.remembered);
     if (question.kind == Kind::list) {

@@ -29,6 +29,7 @@ enum : char {
     CTRL_P = 16,
     CTRL_U = 21,
     CTRL_W = 23,
+    CTRL_Z = 26,
     ESCAPE = 27,
     DELETE = 127
 };
@@ -57,6 +58,26 @@ std::string_view firstCharacters(std::string_view text, size_t count) {
 }
 
 }  // namespace
+
+std::string printable(std::string text, std::string_view keep) {
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto code = static_cast<unsigned char>(text[i]);
+        const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
+        const bool second = code == 0xC2 && next >= 0x80 && next < 0xA0;  // the control characters U+0080 to U+009F
+        if (second) text.erase(i, 1);
+        if (second || ((code < ' ' || code == 0x7F) && keep.find(text[i]) == keep.npos)) text[i] = ' ';
+    }
+    return text;
+}
+
+std::string commonBeginning(const std::vector<std::string>& texts) {
+    const std::string& first = texts.front();
+    size_t length = first.size();
+    for (const std::string& text : texts)
+        length = std::min(length, static_cast<size_t>(std::ranges::mismatch(first, text).in1 - first.begin()));
+    while (length > 0 && length < first.size() && isContinuation(first[length])) --length;
+    return first.substr(0, length);
+}
 
 // ---- the line ----
 
@@ -111,6 +132,7 @@ LineEdit::State LineEdit::control(char byte) {
         case '\r':
         case '\n': return State::done;
         case CTRL_C: return State::interrupted;
+        case CTRL_Z: return State::suspended;
         case CTRL_D:
             if (text_.empty()) return State::givenUp;
             eraseNext();
@@ -213,9 +235,10 @@ void put(std::FILE* output, std::string_view text) {
 void draw(std::FILE* output, std::string_view prompt, const LineEdit& line) {
     const size_t columns = columnsOf(fileno(output)), taken = characters(prompt) + 1;
     const size_t room = columns > taken + 8 ? columns - taken : 8;
-    const std::string_view text = line.text();
-    const std::string_view before = lastCharacters(text.substr(0, line.cursor()), room);
-    const std::string_view after = firstCharacters(text.substr(line.cursor()), room - characters(before));
+    const std::string head = printable(line.text().substr(0, line.cursor()), "");
+    const std::string tail = printable(line.text().substr(line.cursor()), "");
+    const std::string_view before = lastCharacters(head, room);
+    const std::string_view after = firstCharacters(tail, room - characters(before));
     put(output, "\r");
     put(output, prompt);
     put(output, before);
@@ -227,7 +250,7 @@ void draw(std::FILE* output, std::string_view prompt, const LineEdit& line) {
 
 void showChoices(std::FILE* output, const std::vector<std::string>& choices) {
     put(output, "\n");
-    for (const std::string& choice : choices) put(output, choice + "\n");
+    for (const std::string& choice : choices) put(output, printable(choice, "") + "\n");
 }
 
 // The next byte; nothing at the end.
@@ -246,18 +269,30 @@ bool canEditLines(std::FILE* input, std::FILE* output) {
     return isatty(fileno(input)) && isatty(fileno(output)) && kind && *kind != '\0' && std::strcmp(kind, "dumb") != 0;
 }
 
+namespace {
+
+// Takes keys until the line is done, left or suspended.
+LineEdit::State takeKeys(LineEdit& line, std::FILE* input, std::FILE* output, std::string_view prompt) {
+    const RawMode raw(fileno(input));
+    auto state = LineEdit::State::typing;
+    while (state == LineEdit::State::typing) {
+        draw(output, prompt, line);
+        const auto byte = nextByte(fileno(input));
+        state = byte ? line.key(*byte) : LineEdit::State::givenUp;
+        if (const auto choices = line.takeChoices(); !choices.empty()) showChoices(output, choices);
+    }
+    return state;
+}
+
+}  // namespace
+
 std::optional<std::string> editLine(std::FILE* input, std::FILE* output, std::string_view prompt,
                                     const LineHelp& help) {
     LineEdit line(help);
-    auto state = LineEdit::State::typing;
-    {
-        const RawMode raw(fileno(input));
-        while (state == LineEdit::State::typing) {
-            draw(output, prompt, line);
-            const auto byte = nextByte(fileno(input));
-            state = byte ? line.key(*byte) : LineEdit::State::givenUp;
-            if (const auto choices = line.takeChoices(); !choices.empty()) showChoices(output, choices);
-        }
+    auto state = takeKeys(line, input, output, prompt);
+    while (state == LineEdit::State::suspended) {
+        std::raise(SIGTSTP);  // comes back when the process is continued
+        state = takeKeys(line, input, output, prompt);
     }
     put(output, "\n");
     std::fflush(output);

@@ -19,18 +19,25 @@ struct Completion {
     std::vector<std::string> choices;  // shown when the text couldn't grow
 };
 
+// What comes from files and drawings can't steer the terminal: a blank for each control character but those in `keep`.
+HOST_EXPORT std::string printable(std::string text, std::string_view keep = "\n\t");
+
+// Whole characters that all texts begin with; there must be one.
+std::string commonBeginning(const std::vector<std::string>& texts);
+
 struct LineHelp {
     std::function<Completion(std::string_view)> complete;  // null: the tabulator does nothing
     std::vector<std::string> history;                      // for the arrow upwards, the latest first
 };
 
 // The line as keys change it; it needs no terminal. Keys: arrows, Home, End, Delete, Backspace, Tab, Enter, and Ctrl
-// with A, B, E, F, K, N, P, U, W; Ctrl-D gives up in an empty line, and Ctrl-C interrupts.
+// with A, B, E, F, K, N, P, U, W; Ctrl-D gives up in an empty line, Ctrl-C interrupts, and Ctrl-Z
+// suspends.
 class HOST_EXPORT LineEdit {
   public:
     explicit LineEdit(const LineHelp& help) : help_(help) {}
 
-    enum class State { typing, done, givenUp, interrupted };
+    enum class State { typing, done, givenUp, interrupted, suspended };
     State key(char byte);
 
     const std::string& text() const { return text_; }

@@ -7,11 +7,15 @@
 #include <cstring>
 #include <deque>
 #include <fstream>
+#include <numeric>
+#include <span>
+#include <sstream>
 #include <stdexcept>
 #include <utility>
 
 #include "host/command/command.h"
 #include "host/front/dialog_text.h"
+#include "host/front/dialog_words.h"
 #include "host/front/file_question.h"
 #include "host/front/line_editor.h"
 #include "host/mdl/system.h"
@@ -23,8 +27,10 @@ namespace host {
 namespace {
 
 enum { MESSAGE_FIELD = 0, STATUS_FIELD = 1, ERROR_FIELD = 3 };
-enum { BUTTON_FIRST = -3, BUTTON_SECOND = -4 };
-constexpr size_t mostPixels = 8000;  // a window's side
+constexpr std::string_view pointHelp =
+    "Give x,y or x,y,z in master units, and a view from 2 to 8 behind it unless it is view 1; an empty line resets, "
+    "and "
+    "\"end\" ends the command.\n";
 
 std::string_view trimmed(std::string_view text) {
     const size_t first = text.find_first_not_of(" \t\r");
@@ -32,15 +38,8 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
-// Without letter case, for the letters of Windows-1252.
-std::string folded(std::string_view narrow) {
-    std::string result;
-    for (const char c : narrow) {
-        const auto code = static_cast<unsigned char>(c);
-        const bool capital = (code >= 'A' && code <= 'Z') || (code >= 0xc0 && code <= 0xde && code != 0xd7);
-        result.push_back(static_cast<char>(capital ? code + 0x20 : code));
-    }
-    return result;
+bool isCallForHelp(std::string_view answer) {
+    return trimmed(answer) == "help" || trimmed(answer) == "?";
 }
 
 std::deque<std::string> linesOf(const std::string& path) {
@@ -59,78 +58,28 @@ std::optional<size_t> numberIn(std::string_view text) {
     return number;
 }
 
-// ---- what an answer does ----
+// ---- what is shown ----
 
-std::vector<size_t> usableButtons(const Dialog& dialog) {
-    std::vector<size_t> buttons = usableItems(dialog);
-    std::erase_if(buttons, [&](size_t i) { return dialog.items()[i].kind != ITEM_PUSH_BUTTON; });
-    return buttons;
+constexpr size_t longText = 12;  // lines behind which a message is out of sight
+constexpr size_t mostTold = 10;
+
+std::vector<std::string> dividedIntoLines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) lines.push_back(line + "\n");
+    return lines;
 }
 
-// The one that an unattended run presses: that with the id -3, else the first in the layout.
-std::optional<size_t> firstButton(const Dialog& dialog) {
-    const std::vector<size_t> buttons = usableButtons(dialog);
-    if (buttons.empty()) return std::nullopt;
-    const auto first = std::ranges::find_if(buttons, [&](size_t i) { return dialog.items()[i].id == BUTTON_FIRST; });
-    return first == buttons.end() ? buttons[0] : *first;
-}
-
-// How many ways out there are: one leaves nothing to choose.
-size_t endingButtons(const Dialog& dialog) {
-    std::vector<size_t> buttons = usableButtons(dialog);
-    std::erase_if(buttons, [&](size_t i) {
-        const int32_t id = dialog.items()[i].id;
-        return id != BUTTON_FIRST && id != BUTTON_SECOND;
-    });
-    return buttons.size();
-}
-
-std::optional<size_t> defaultButton(const Dialog& dialog) {
-    for (const size_t button : usableButtons(dialog))
-        if (dialog.items()[button].isDefault) return button;
-    return std::nullopt;
-}
-
-// The one item among these whose label is, or else begins with, the answer.
-std::optional<size_t> labelled(const Dialog& dialog, const std::vector<size_t>& items, std::string_view answer) {
-    const std::string wanted = folded(answer);
-    std::vector<size_t> beginning;
-    for (const size_t item : items) {
-        const std::string label = folded(dialog.items()[item].label);
-        if (label == wanted) return item;
-        if (label.starts_with(wanted)) beginning.push_back(item);
+// The title and the lines that weren't there before; all of them when they are too many to be told apart.
+std::string changedLines(const std::vector<std::string>& before, const std::vector<std::string>& now) {
+    std::string text = now.front();
+    size_t changed = 0;
+    for (const std::string& line : std::span(now).subspan(1)) {
+        if (std::ranges::find(before, line) != before.end()) continue;
+        text += line;
+        ++changed;
     }
-    return beginning.size() == 1 ? std::optional(beginning[0]) : std::nullopt;
-}
-
-bool choose(Dialog& dialog, size_t index, std::string_view value) {
-    std::vector<OptionRow> rows = dialog.items()[index].rows;
-    std::erase_if(rows, [](const OptionRow& r) { return !r.enabled; });
-    const std::string wanted = folded(value);
-    auto row = std::ranges::find_if(rows, [&](const OptionRow& r) { return folded(r.label) == wanted; });
-    if (const auto number = numberIn(value); row == rows.end() && number && *number >= 1 && *number <= rows.size())
-        row = rows.begin() + static_cast<ptrdiff_t>(*number - 1);
-    return row != rows.end() && dialog.setValue(index, std::to_string(row->value));
-}
-
-// A row by the text in its first column, else by its number.
-bool selectRow(Dialog& dialog, size_t index, std::string_view value) {
-    const DialogItem& item = dialog.items()[index];
-    const std::string wanted = folded(value);
-    for (int32_t row = 0; row < Dialog::rowCount(item); ++row)
-        if (folded(Dialog::cellText(item, row, 0)) == wanted) return dialog.selectRow(index, row);
-    const auto number = numberIn(value);
-    return number && *number >= 1 && *number <= INT32_MAX && dialog.selectRow(index, static_cast<int32_t>(*number) - 1);
-}
-
-bool setItem(Dialog& dialog, size_t index, std::string_view value) {
-    switch (dialog.items()[index].kind) {
-        case ITEM_OPTION_BUTTON: return choose(dialog, index, value);
-        case ITEM_COMBO_BOX:
-        case ITEM_LIST_BOX: return selectRow(dialog, index, value);
-        case ITEM_PUSH_BUTTON: return false;
-        default: return dialog.setValue(index, value);
-    }
+    return changed > 4 && changed > now.size() / 2 ? std::accumulate(now.begin(), now.end(), std::string()) : text;
 }
 
 // ---- the front end ----
@@ -148,27 +97,32 @@ class TerminalFrontEnd : public FrontEnd {
 
     void console(std::string_view text) override {
         endProgress();
-        std::fwrite(text.data(), 1, text.size(), options_.output);
+        const std::string shown = printable(std::string(text));
+        std::fwrite(shown.data(), 1, shown.size(), options_.output);
         std::fflush(options_.output);
     }
 
     void messageField(int field, std::string_view text) override {
-        if (field == ERROR_FIELD && !text.empty()) show(std::string(text) + "\n");
+        if (field == ERROR_FIELD && !text.empty()) tell(std::string(text) + "\n");
         if ((field != MESSAGE_FIELD && field != STATUS_FIELD) || !showsProgress_) return;
-        std::fprintf(options_.errors, "\r%.*s\x1b[K", static_cast<int>(text.size()), text.data());
+        std::fprintf(options_.errors, "\r%s\x1b[K", printable(std::string(text), " ").c_str());
         std::fflush(options_.errors);
         progressShown_ = !text.empty();
     }
 
     void messageCenter(int, std::string_view brief, std::string_view details) override {
-        show(std::string(brief) + (details.empty() ? "" : ": ") + std::string(details) + "\n");
+        tell(std::string(brief) + (details.empty() ? "" : ": ") + std::string(details) + "\n");
+    }
+
+    void takeNote() override {
+        if (attended()) nextAnswer("Press Enter to go on > ");
     }
 
     bool runModal(Dialog& dialog) override {
         while (!dialog.ended()) {
             present(dialog);
             if (dialog.ended()) break;
-            if (const auto answer = nextAnswer(question(dialog)))
+            if (const auto answer = askAbout(dialog))
                 take(dialog, *answer);
             else if (!answerUnattended(dialog))
                 return false;
@@ -177,14 +131,13 @@ class TerminalFrontEnd : public FrontEnd {
     }
 
     std::optional<std::string> commandLine(std::string_view prompt, std::string_view complaint) override {
-        if (!complaint.empty()) {
-            refuse(
-                std::string(complaint) +
-                ". Give x,y or x,y,z in master units, and a view from 2 to 8 behind it unless it is view 1; an empty "
-                "line resets, and \"end\" ends the command.\n");
-        }
+        if (!complaint.empty()) refuse(std::string(complaint) + ". " + std::string(pointHelp));
         show(std::string(prompt) + "\n");
-        if (auto answer = nextAnswer("x,y[,z] [view] > ")) return answer;
+        while (auto answer = nextAnswer("x,y[,z] [view] > ")) {
+            if (!isCallForHelp(*answer)) return answer;
+            show(std::string(pointHelp) + (openDialogs().empty() ? "" : "Any other answer goes to the open window:\n"));
+            if (const auto dialog = turnedTo()) show(helpOn(*dialog));
+        }
         if (options_.yes && std::exchange(pointedAt_, commandSerial()) != commandSerial()) {
             show("> 0,0\n");
             return "0,0";
@@ -223,19 +176,24 @@ class TerminalFrontEnd : public FrontEnd {
     }
 
     bool serveOpenDialog() override {
-        const auto open = openDialogs();
-        if (open.empty()) return false;
-        const auto turned = std::ranges::find(open, turnedTo_.lock());
-        const std::shared_ptr<Dialog> dialog = turned == open.end() ? open.back() : *turned;
+        const auto dialog = turnedTo();
+        if (!dialog) return false;
         present(*dialog);
         if (dialog->ended()) return true;
-        if (open.size() > 1) show(windowList(open, *dialog));
-        if (const auto answer = nextAnswer(question(*dialog)))
+        if (openDialogs().size() > 1) show(windowList(*dialog));
+        if (const auto answer = askAbout(*dialog))
             take(*dialog, *answer);
         else if (options_.yes && pressed_.lock() != dialog)
             pressFirst(dialog);
         else
             dialog->close();
+        return true;
+    }
+
+    bool answerOpenDialog(std::string_view line) override {
+        const auto dialog = turnedTo();
+        if (!dialog || trimmed(line).empty() || !follow(*dialog, line)) return false;
+        if (!dialog->ended()) present(*dialog);
         return true;
     }
 
@@ -249,13 +207,42 @@ class TerminalFrontEnd : public FrontEnd {
         dialog->press(*button);
     }
 
+    // The dialog that answers are for: the one that was turned to, else the last opened; null when none is open.
+    std::shared_ptr<Dialog> turnedTo() const {
+        const auto open = openDialogs();
+        if (open.empty()) return nullptr;
+        const auto turned = std::ranges::find(open, turnedTo_.lock());
+        return turned == open.end() ? open.back() : *turned;
+    }
+
+    // Whoever reads on a terminal sees a dialog once, and then what changes in it, so that messages stay in sight.
     void present(Dialog& dialog) {
         if (Session* session = Session::current()) session->runDueTimers();
         dialog.refresh();
-        if (!dialog.ended()) show(textOf(dialog));
+        if (dialog.ended()) return;
+        const std::string text = textOf(dialog);
+        if (!attended()) return show(text);
+        std::erase_if(shown_, [](const ShownDialog& shown) { return shown.dialog.expired(); });
+        std::vector<std::string> lines = dividedIntoLines(text);
+        const bool another = std::exchange(presented_, dialog.weak_from_this()).lock().get() != &dialog;
+        const std::string told = std::exchange(told_, {});
+        auto before = std::ranges::find_if(shown_, [&](const auto& s) { return s.dialog.lock().get() == &dialog; });
+        if (before == shown_.end()) before = shown_.insert(before, {dialog.weak_from_this(), {}});
+        if (another || before->lines != lines) {
+            const std::string part = before->lines.empty() ? text : changedLines(before->lines, lines);
+            show(part);
+            if (!told.empty() && static_cast<size_t>(std::ranges::count(part, '\n')) > longText) show(told);
+        }
+        before->lines = std::move(lines);
     }
 
-    static std::string windowList(const std::vector<std::shared_ptr<Dialog>>& open, const Dialog& current) {
+    // The next time the dialog is shown all of it is.
+    void showWhole(const Dialog& dialog) {
+        std::erase_if(shown_, [&](const ShownDialog& shown) { return shown.dialog.lock().get() == &dialog; });
+    }
+
+    static std::string windowList(const Dialog& current) {
+        const auto open = openDialogs();
         std::string text = "Open windows:";
         for (size_t i = 0; i < open.size(); ++i)
             text += std::string(i == 0 ? " " : ", ") + (open[i].get() == &current ? "*" : "") + std::to_string(i + 1) +
@@ -263,18 +250,17 @@ class TerminalFrontEnd : public FrontEnd {
         return text + "\n";
     }
 
-    // What comes from files and drawings can't steer the terminal.
-    static std::string printable(std::string text) {
-        std::ranges::replace_if(
-            text, [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\n'; }, ' ');
-        return text;
-    }
-
     void show(std::string text) {
         endProgress();
         text = printable(std::move(text));
         std::fwrite(text.data(), 1, text.size(), options_.errors);
         std::fflush(options_.errors);
+    }
+
+    // Shows a message, which is shown again when a long dialog takes it out of sight.
+    void tell(const std::string& line) {
+        show(line);
+        if (static_cast<size_t>(std::ranges::count(told_, '\n')) < mostTold) told_ += line;
     }
 
     void endProgress() {
@@ -286,6 +272,7 @@ class TerminalFrontEnd : public FrontEnd {
     // Ctrl-D) closes the dialog, and isn't asked again.
     std::optional<std::string> nextAnswer(const std::string& question, const LineHelp& help = {}) {
         gaveUp_ = false;
+        told_.clear();
         scripted_ = !answers_.empty();
         if (scripted_) {
             std::string answer = std::move(answers_.front());
@@ -298,6 +285,7 @@ class TerminalFrontEnd : public FrontEnd {
             endProgress();
             auto line = editLine(options_.input, options_.errors, printable(question), help);
             gaveUp_ = !line;
+            if (line && !trimmed(*line).empty()) history_.insert(history_.begin(), *line);
             return line;
         }
         show(question);
@@ -315,75 +303,52 @@ class TerminalFrontEnd : public FrontEnd {
         return button ? "[" + utf8FromNarrow(dialog.items()[*button].label) + "] > " : "> ";
     }
 
+    std::optional<std::string> askAbout(const Dialog& dialog) {
+        return nextAnswer(question(dialog),
+                          {[&](std::string_view typed) { return completeAnswer(dialog, typed); }, history_});
+    }
+
     void take(Dialog& dialog, std::string_view answer) {
-        const NarrowText narrow = narrowFromUtf8(trimmed(answer));
-        if (narrow.badPosition) return refuse("There is a character in this answer that can't be used.\n");
-        if (!follow(dialog, narrow.text) && !followWord(dialog, narrow.text))
+        if (!follow(dialog, answer))
             refuse("This can't be done here: \"" + std::string(trimmed(answer)) +
-                   "\". Give the number or label of a button, or number=value for another item.\n");
+                   "\". \"help\" lists what can be done.\n");
+    }
+
+    // False when the answer means nothing here.
+    bool follow(Dialog& dialog, std::string_view answer) {
+        if (isCallForHelp(answer)) return show(helpOf(dialog)), true;
+        const NarrowText narrow = narrowFromUtf8(trimmed(answer));
+        if (narrow.badPosition) return refuse("There is a character in this answer that can't be used.\n"), true;
+        const Followed followed = followAnswer(dialog, narrow.text);
+        if (!followed.complaint.empty()) refuse(followed.complaint + "\n");
+        return followed.fits || followWord(dialog, narrow.text);
+    }
+
+    // Words that are for this front end and not for a dialog.
+    bool followWord(Dialog& dialog, std::string_view answer) {
+        constexpr std::string_view turn = "window ";
+        if (answer == "show") return showWhole(dialog), true;
+        if (!answer.starts_with(turn) || dialog.modal()) return false;
+        const auto open = openDialogs();
+        const auto number = numberIn(trimmed(answer.substr(turn.size())));
+        if (!number || *number < 1 || *number > open.size()) {
+            refuse("There is no open window of that number. " + windowList(dialog));
+        } else {
+            turnedTo_ = open[*number - 1];
+            showWhole(*open[*number - 1]);
+        }
+        return true;
+    }
+
+    static std::string helpOf(const Dialog& dialog) {
+        return "You can answer:\n" + helpOn(dialog) + "  show: shows all of this window again\n" +
+               (dialog.modal() ? "" : "  window NUMBER: turns to another open window\n") + "  help: this list\n";
     }
 
     // Tells what wasn't done, which a run that nobody attends has to end with.
     void refuse(const std::string& line) {
-        show(line);
+        tell(line);
         mdlSystem_noteFailure();
-    }
-
-    bool follow(Dialog& dialog, std::string_view answer) {
-        if (answer.empty()) {
-            const auto button = defaultButton(dialog);
-            return button && dialog.press(*button);
-        }
-        if (const auto button = labelled(dialog, usableButtons(dialog), answer)) return dialog.press(*button);
-        const size_t equals = answer.find('=');
-        const std::string_view name = trimmed(answer.substr(0, equals));
-        const std::vector<size_t> usable = usableItems(dialog);
-        const auto number = numberIn(name);
-        const auto labels = equals == std::string_view::npos ? usable : withoutButtons(dialog, usable);
-        const auto found = !number                                    ? labelled(dialog, labels, name)
-                           : *number >= 1 && *number <= usable.size() ? std::optional(usable[*number - 1])
-                                                                      : std::nullopt;
-        if (!found) return false;
-        const size_t index = *found;
-        if (equals != std::string_view::npos) return setItem(dialog, index, trimmed(answer.substr(equals + 1)));
-        const DialogItem& item = dialog.items()[index];
-        if (item.kind == ITEM_TOGGLE) return dialog.setValue(index, item.value == "1" ? "0" : "1");
-        return item.kind == ITEM_PUSH_BUTTON && dialog.press(index);
-    }
-
-    static std::vector<size_t> withoutButtons(const Dialog& dialog, std::vector<size_t> items) {
-        std::erase_if(items, [&](size_t item) { return dialog.items()[item].kind == ITEM_PUSH_BUTTON; });
-        return items;
-    }
-
-    // An answer that is for the window and not for an item: a word, a blank, and what it is about.
-    bool followWord(Dialog& dialog, std::string_view answer) {
-        const size_t blank = std::min(answer.find(' '), answer.size());
-        const std::string_view word = answer.substr(0, blank), rest = trimmed(answer.substr(blank));
-        if (word == "close" && rest.empty()) {
-            dialog.close();
-            return true;
-        }
-        if (word == "picture" && !rest.empty()) return savePicture(dialog, std::string(rest));
-        if (word == "size" && !rest.empty()) {
-            const size_t cross = std::min(rest.find('x'), rest.size() - 1);
-            const auto width = numberIn(rest.substr(0, cross)), height = numberIn(rest.substr(cross + 1));
-            return width && height && std::max(*width, *height) <= mostPixels &&
-                   dialog.resize(static_cast<int32_t>(*width), static_cast<int32_t>(*height));
-        }
-        const auto open = openDialogs();
-        const auto number = numberIn(rest);
-        if (word != "window" || dialog.modal() || !number || *number < 1 || *number > open.size()) return false;
-        turnedTo_ = open[*number - 1];
-        return true;
-    }
-
-    bool savePicture(Dialog& dialog, const std::string& name) {
-        const bool written = mdlWindow_savePicture(dialog.handle(), name.c_str()) == MDL_SUCCESS;
-        show(written ? "The picture is in " + utf8FromNarrow(name) + ".\n"
-                     : "No picture could be written to " + utf8FromNarrow(name) +
-                           ". Give a name that ends in .png, in a folder that is there.\n");
-        return true;
     }
 
     bool answerUnattended(Dialog& dialog) {
@@ -399,15 +364,24 @@ class TerminalFrontEnd : public FrontEnd {
         return true;
     }
 
+    struct ShownDialog {
+        std::weak_ptr<Dialog> dialog;
+        std::vector<std::string> lines;
+    };
+
     std::deque<std::string> answers_;
     bool asks_;
     bool showsProgress_;
     bool progressShown_ = false;
-    bool scripted_ = false;           // the last answer came from the file
-    bool gaveUp_ = false;             // the user left the last question without an answer
-    uint64_t pointedAt_ = 0;          // the command that an unattended run gave its one point
-    std::weak_ptr<Dialog> turnedTo_;  // of the dialogs that aren't modal
-    std::weak_ptr<Dialog> pressed_;   // the one whose first button an unattended run has pressed
+    bool scripted_ = false;             // the last answer came from the file
+    bool gaveUp_ = false;               // the user left the last question without an answer
+    uint64_t pointedAt_ = 0;            // the command that an unattended run gave its one point
+    std::weak_ptr<Dialog> turnedTo_;    // of the dialogs that aren't modal
+    std::string told_;                  // messages since the last answer
+    std::vector<std::string> history_;  // answers that were typed, the latest first
+    std::vector<ShownDialog> shown_;    // what was shown of the dialogs that are open
+    std::weak_ptr<Dialog> presented_;   // the last one shown
+    std::weak_ptr<Dialog> pressed_;     // the one whose first button an unattended run has pressed
     TerminalOptions options_;
 };
 

@@ -10,6 +10,7 @@
 
 #include "host/command/command.h"
 #include "host/dialog/dialog.h"
+#include "host/front/line_editor.h"
 #include "host/mdl/dialog.h"
 #include "host/mdl/file_dialogs.h"
 #include "host/mdl/lists.h"
@@ -47,10 +48,12 @@ host::ResourceContents layouts() {
         device.rows.push_back({value, {}});
         device.rows.back().label.set("en", value == 10 ? "Paper" : "Sk\xe6rm");
     }
+    host::ItemLayout margin = item(ITEM_TEXT, 5, "Margin");
+    margin.format = "%.1f";
     dialog(
         FORM, "Form",
         {item(ITEM_TEXT, 1, "Name"), device, item(ITEM_TOGGLE, 3, "Frame"), item(ITEM_LIST_BOX, 4, "Rows", LIST_HOOK),
-         item(ITEM_PUSH_BUTTON, -3, "Print"), item(ITEM_PUSH_BUTTON, -4, "Preview")});
+         margin, item(ITEM_PUSH_BUTTON, -3, "Print"), item(ITEM_PUSH_BUTTON, -4, "Preview")});
     dialog(TOOLS, "Tools", {item(ITEM_PUSH_BUTTON, 7, "Work"), item(ITEM_PUSH_BUTTON, 8, "Rest")});
     return contents;
 }
@@ -154,10 +157,10 @@ TEST_F(Terminal, TakesAButtonByNumberLabelOrBeginning) {
     }
 }
 
-TEST_F(Terminal, AnAnswerThatFitsTwoButtonsIsRefused) {
+TEST_F(Terminal, AnAnswerThatFitsTwoButtonsIsRefusedWithBoth) {
     typed("pr\nprev\n");
     EXPECT_EQ(run(FORM), 4);
-    EXPECT_THAT(shown, HasSubstr("This can't be done here: \"pr\""));
+    EXPECT_THAT(shown, HasSubstr("\"pr\" can be Print or Preview. Give more of the label, or its number.\n[Print] > "));
 }
 
 TEST_F(Terminal, WhatIsRefusedInAnUnattendedRunEndsItWithStatusOne) {
@@ -176,29 +179,100 @@ TEST_F(Terminal, WhatIsRefusedInAnUnattendedRunEndsItWithStatusOne) {
 }
 
 TEST_F(Terminal, SetsTextsChoicesTogglesAndRowsByNumber) {
-    typed("3= \xc3\x86 b=c \n4=sk\xc3\xa6rm\n5\n6=2\nprint\n");
+    answers("3= \xc3\x86 b=c \n4=sk\xc3\xa6rm\n5\n6=2\nprint\n");
     EXPECT_EQ(run(FORM), 3);
     EXPECT_THAT(shown, HasSubstr("3) Name: \n4) Device: Paper (Paper, Sk\xc3\xa6rm)\n5) [ ] Frame\n6) Rows\n"
-                                 "      1.  first\n      2.  second\n  1) Print  2) Preview\n"));
+                                 "      1.  first\n      2.  second\n7) Margin: \n  1) Print  2) Preview\n"));
     EXPECT_THAT(shown,
                 HasSubstr("3) Name: \xc3\x86 b=c\n4) Device: Sk\xc3\xa6rm (Paper, Sk\xc3\xa6rm)\n5) [x] Frame\n"));
     EXPECT_THAT(shown, HasSubstr("    * 2.  second\n"));
 }
 
 TEST_F(Terminal, SetsItemsByTheirLabels) {
-    typed("name=x=y\nDEV = sk\xc3\xa6rm\nframe\nrow=Second\nlabel=1\nprint\n");
+    answers("name=x=y\nDEV = sk\xc3\xa6rm\nframe\nrow=Second\nlabel=1\nprint\n");
     EXPECT_EQ(run(FORM), 3);
     EXPECT_THAT(shown, HasSubstr("3) Name: x=y\n4) Device: Sk\xc3\xa6rm (Paper, Sk\xc3\xa6rm)\n5) [x] Frame\n"));
     EXPECT_THAT(shown, HasSubstr("    * 2.  second\n"));
     EXPECT_THAT(shown, HasSubstr("can't be done here: \"label=1\""));
 }
 
-TEST_F(Terminal, WrongAnswersAreToldAndAskedAgain) {
-    typed("4=3\n5=maybe\n6=9\n6=0\n6=third\n9=x\n3\n3=\xe6\x97\xa5\n1\n");
+TEST_F(Terminal, WrongAnswersAreToldWithTheReasonAndAskedAgain) {
+    struct Case {
+        const char *answer, *told;
+    };
+    const Case cases[] = {
+        {"4=3", "Device: \"3\" is none of its choices: Paper, Sk\xc3\xa6rm.\n"},
+        {"5=maybe", "Frame: \"maybe\" is neither 1 nor 0.\n"},
+        {"6=9", "Rows: \"9\" is none of its rows, nor the number of one.\n"},
+        {"6=0", "Rows: \"0\" is none of its rows"},
+        {"rows=third", "Rows: \"third\" is none of its rows"},
+        {"7=7,5", "Margin: \"7,5\" isn't a number: the decimal sign is \".\".\n"},
+        {"9=x", "There is no item 9 that can be used now.\n"},
+        {"1=x", "Print is a button, which takes no value.\n"},
+        {"3", "Name takes a value: number=value.\n"},
+        {"3=\xe6\x97\xa5", "There is a character in this answer that can't be used.\n"},
+        {"size 300", "\"300\" isn't WIDTHxHEIGHT in pixels, such as 800x600.\n"},
+        {"undo", "This can't be done here: \"undo\". \"help\" lists what can be done.\n"},
+    };
+    std::string lines;
+    for (const Case& c : cases) lines += std::string(c.answer) + "\n";
+    typed(lines + "1\n");
     EXPECT_EQ(run(FORM), 3);
-    size_t told = 0;
-    for (size_t at = shown.find("can't be"); at != std::string::npos; at = shown.find("can't be", at + 1)) ++told;
-    EXPECT_EQ(told, 8u);
+    for (const Case& c : cases) EXPECT_THAT(shown, HasSubstr(c.told)) << c.answer;
+    const size_t first = shown.find("--- Form ---");
+    EXPECT_EQ(shown.find("--- Form ---", first + 1), shown.npos) << "the dialog isn't shown over the message";
+}
+
+TEST_F(Terminal, WhoeverReadsSeesWhatChangesAndAllOfItWhenAsked) {
+    typed("frame\nshow\nclose\n");
+    run(FORM);
+    EXPECT_THAT(shown, HasSubstr("[Print] > --- Form ---\n5) [x] Frame\n[Print] > --- Form ---\n3) Name: \n"));
+}
+
+TEST_F(Terminal, HelpListsWhatCanBeDone) {
+    typed("help\n?\nclose\n");
+    run(FORM);
+    EXPECT_THAT(shown, HasSubstr("You can answer:\n"
+                                 "  a button, by its number, its label or the beginning of it: Print, Preview\n"
+                                 "  an empty line: Print\n"));
+    EXPECT_THAT(shown, HasSubstr("turns a switch: Name, Device, Frame, Rows, Margin\n  close: closes this window\n"));
+    EXPECT_THAT(shown, HasSubstr("  picture FILE.png: makes a picture of this window\n  show: "));
+}
+
+TEST_F(Terminal, ItemsKeepTheirNumbersWhileOthersAreHidden) {
+    answers("5\nclose\n");
+    inSession([] {
+        MdlDialog* form = mdlDialog_open(0, FORM);
+        mdlDialog_itemShow(mdlDialog_itemGetByTypeAndId(form, ITEM_OPTION_BUTTON, 2), 0);
+        mdlDialog_itemShow(mdlDialog_itemGetByTypeAndId(form, ITEM_PUSH_BUTTON, -3), 0);
+        while (host::Session::current()->frontEnd().serveOpenDialog()) {
+        }
+    });
+    EXPECT_THAT(shown, HasSubstr("3) Name: \n5) [x] Frame\n6) Rows\n"));
+    EXPECT_THAT(shown, HasSubstr("\n  2) Preview\n"));
+}
+
+TEST_F(Terminal, WhatComesFromDataCannotSteerTheTerminal) {
+    options.showsProgress = true;
+    inSession([] {
+        toolSubsystem_printf("a\x1b[31m\tb\n");
+        mdlOutput_printf(0, "%s", "page\x1b[2J\r");
+        mdlOutput_messageCenter(10, "x\x1b]0;y\a", "\x7f", 0);
+    });
+    EXPECT_EQ(contentsOf("output"), "a [31m\tb\n");
+    EXPECT_EQ(shown, "\rpage [2J \x1b[K\nx ]0;y :  \n");
+    EXPECT_EQ(host::printable("\xc2\x9b"
+                              "2J\xc3\xa5"),
+              " 2J\xc3\xa5");
+}
+
+TEST_F(Terminal, AnAlertWaitsUntilSomebodyHasTakenNote) {
+    for (const bool attended : {true, false}) {
+        typed("\n");
+        options.asks = attended;
+        inSession([] { mdlOutput_messageCenter(10, "disk", "nearly full", 1); });
+        EXPECT_EQ(shown, attended ? "disk: nearly full\nPress Enter to go on > " : "disk: nearly full\n");
+    }
 }
 
 TEST_F(Terminal, YesPressesTheFirstButtonAndSaysSo) {
@@ -273,8 +347,8 @@ TEST_F(Terminal, OpenDialogsAreServedUntilNoneIsLeft) {
     EXPECT_THAT(shown, HasSubstr("3) Name: name\n"));
     EXPECT_THAT(shown, HasSubstr("Open windows: 1 Sp\xc3\xb8rsm\xc3\xa5l, *2 Form\n"));
     EXPECT_THAT(shown, HasSubstr("Open windows: *1 Sp\xc3\xb8rsm\xc3\xa5l, 2 Form\n"));
-    EXPECT_THAT(shown, HasSubstr("can't be done here: \"size 300x200\""));
-    EXPECT_THAT(shown, HasSubstr("can't be done here: \"window 7\""));
+    EXPECT_THAT(shown, HasSubstr("This window keeps its size.\n"));
+    EXPECT_THAT(shown, HasSubstr("There is no open window of that number. Open windows: "));
     EXPECT_EQ(contentsOf("form.png").substr(1, 3), "PNG");
 }
 
@@ -311,8 +385,8 @@ TEST_F(Terminal, ARowThatIsNotEnabledIsNeitherOfferedNorTaken) {
         }
     });
     EXPECT_THAT(shown, HasSubstr("4) Device: Paper (Paper)\n"));
-    EXPECT_THAT(shown, HasSubstr("can't be done here: \"4=Sk\xc3\xa6rm\""));
-    EXPECT_THAT(shown, HasSubstr("can't be done here: \"4=2\""));
+    EXPECT_THAT(shown, HasSubstr("Device: \"Sk\xc3\xa6rm\" is none of its choices: Paper.\n"));
+    EXPECT_THAT(shown, HasSubstr("Device: \"2\" is none of its choices: Paper.\n"));
 }
 
 // ---- commands ----
@@ -334,6 +408,22 @@ TEST_F(Terminal, ACommandAsksForPointsUntilItIsReset) {
     EXPECT_THAT(points, testing::ElementsAre(4, 6));
     EXPECT_THAT(shown, HasSubstr("Plass for siden p\xc3\xa5 arket\nx,y[,z] [view] > "));
     EXPECT_THAT(shown, HasSubstr("\"here\" isn't a point. Give x,y"));
+}
+
+TEST_F(Terminal, OpenDialogsCanBeUsedWhileACommandWaitsForAPoint) {
+    typed("help\nframe\nname=7\n5=x\n4,5\nclose\nwhat\n\n");
+    inSession([] {
+        mdlDialog_open(0, FORM);
+        startPointCommand();
+        EXPECT_TRUE(host::serveCommands());
+        EXPECT_TRUE(host::openDialogs().empty());
+    });
+    EXPECT_THAT(points, testing::ElementsAre(4));
+    EXPECT_THAT(shown, HasSubstr("Any other answer goes to the open window:\n  a button"));
+    EXPECT_THAT(shown, HasSubstr("5) [x] Frame\n"));
+    EXPECT_THAT(shown, HasSubstr("3) Name: 7\n"));
+    EXPECT_THAT(shown, HasSubstr("Frame: \"x\" is neither 1 nor 0.\n"));
+    EXPECT_THAT(shown, HasSubstr("\"what\" isn't a point.")) << "no window is open any more";
 }
 
 TEST_F(Terminal, AnUnattendedCommandGetsItsAnswersThenTheOriginOnce) {
