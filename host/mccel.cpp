@@ -582,15 +582,21 @@ int main(int argc, char** argv) {
     CLI::App app("Compiles descriptions of cells (TOML) into a cell library.", "mccel");
     std::string output, pictures;
     std::vector<std::string> sources;
-    app.add_option("-o,--output", output, "The cell library to make")->required()->type_name("FILE.cel");
+    app.add_option("-o,--output", output, "The cell library to make")->type_name("FILE.cel");
     app.add_option("-p,--pictures", pictures, "Also make a PNG picture of each cell here")->type_name("FOLDER");
     app.add_option("sources", sources, "Descriptions of cells, pens and letterings")
-        ->required()
         ->type_name("FILE.toml");
+    app.set_version_flag("--version", "mccel " MCHOST_VERSION);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : 2;
+    }
+    // Told by hand, so that an option that isn't known is named first.
+    if (output.empty() || sources.empty()) {
+        std::fprintf(stderr, "mccel: %s; give --output FILE and the sources. --help tells more.\n",
+                     output.empty() ? "the cell library to make isn't named" : "there are no sources");
+        return 2;
     }
 
     Compiler compiler;

@@ -1,6 +1,7 @@
 // mchost: starts a host session, opens a design file, runs an application in it.
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -12,7 +13,9 @@
 #include <vector>
 
 #include "host/command/command.h"
+#include "host/front/line_editor.h"
 #include "host/front/terminal.h"
+#include "host/mchost_modules.h"
 #include "host/mdl/model.h"
 #include "host/mdl/system.h"
 #include "host/session/keyin.h"
@@ -24,17 +27,26 @@
 namespace {
 
 namespace fs = std::filesystem;
+using namespace mchost;
 
 enum ExitStatus { statusGood = 0, statusFailed = 1, statusWrongCall = 2 };
+constexpr const char *userList = "USER", *startList = "MS_INITAPPS", *fileList = "MS_DGNAPPS";
+// Stands between the applications of one session on the command line.
+constexpr std::string_view nextApplication = "--and";
 enum Level { levelSystem = 0, levelProject = 3, levelUser = 4 };
+
+// An application that is named on the command line.
+struct Start {
+    std::string application;
+    std::vector<std::string> arguments;
+};
 
 struct Options {
     std::vector<std::string> settings;
     std::string configFile, openFile, newFile, answersFile;
-    std::string listName = "USER";
+    std::string listName = userList;
     bool is3d = false, yes = false;
-    std::string application;
-    std::vector<std::string> arguments;  // of the application
+    std::vector<Start> starts;
 };
 
 struct Variable {
@@ -43,7 +55,7 @@ struct Variable {
 
 void tell(const std::string& line) {
     std::fflush(stdout);
-    std::fprintf(stderr, "mchost: %s\n", line.c_str());
+    std::fprintf(stderr, "mchost: %s\n", host::printable(line, "\n").c_str());
 }
 
 std::string trimmed(std::string_view text) {
@@ -63,53 +75,9 @@ std::optional<Variable> variableIn(std::string_view text) {
 
 // ---- where things lie ----
 
-fs::path programFolder() {
-    std::error_code error;
-    return fs::read_symlink("/proc/self/exe", error).parent_path();
-}
-
-bool isFile(const fs::path& path) {
-    std::error_code error;
-    const fs::file_status status = fs::status(path, error);
-    return fs::exists(status) && !fs::is_directory(status);
-}
-
 fs::path dataFolder() {
     const fs::path installed = programFolder() / "../share/mclib";
     return (isFile(installed / "mclib.rsc") ? installed : programFolder() / "../lib").lexically_normal();
-}
-
-std::vector<std::string> foldersOf(const char* variable) {
-    std::vector<std::string> folders;
-    char* value = mdlSystem_getExpandedCfgVar(variable);
-    for (std::string_view left = value == nullptr ? "" : value; !left.empty();) {
-        const std::string_view folder = left.substr(0, left.find(';'));
-        if (!folder.empty()) folders.push_back(host::systemPath(folder));
-        left.remove_prefix(std::min(left.size(), folder.size() + 1));
-    }
-    dlmSystem_mdlFree(value);
-    return folders;
-}
-
-// The module of an application in a folder: a name without its suffix is completed, so that a folder or a file of
-// sources with the application's name doesn't stand in the way.
-std::optional<fs::path> moduleAt(const fs::path& name) {
-    const fs::path completed = name.string() + ".so";
-    if (name.extension() == ".so" && isFile(name)) return name;
-    if (isFile(completed)) return completed;
-    return std::nullopt;
-}
-
-std::optional<fs::path> findApplication(const std::string& name) {
-    if (auto module = moduleAt(host::systemPath(name))) return module;
-    if (name.find('/') != std::string::npos) return std::nullopt;
-    std::vector<std::string> folders = foldersOf("MS_MDL");
-    folders.push_back(programFolder() / "lib");
-    folders.push_back(programFolder() / "../lib");
-    for (const std::string& folder : folders) {
-        if (auto module = moduleAt(fs::path(folder) / name)) return module->lexically_normal();
-    }
-    return std::nullopt;
 }
 
 // ---- configuration ----
@@ -167,24 +135,47 @@ bool openDesignFile(const Options& options) {
     return mdlSystem_newDesignFile(hostName.c_str(), 0) == MDL_SUCCESS;
 }
 
-bool runApplication(host::Session& session, const Options& options) {
-    const std::optional<fs::path> module = findApplication(options.application);
+bool opensDesignFile(const Options& options) {
+    return !options.newFile.empty() || !options.openFile.empty();
+}
+
+bool isStartList(std::string_view listName) {
+    return listName == startList || listName == fileList;
+}
+
+bool startApplication(host::Session& session, const Start& start, const std::string& listName) {
+    const std::optional<fs::path> module = findApplication(start.application);
     if (!module) {
-        tell("no application \"" + options.application +
-             "\" as named, along MS_MDL or in the folder lib of mchost; give " + "the path of its .so file");
+        tell("no application \"" + start.application + "\"" + (isStartList(listName) ? " of " + listName : "") +
+             " as named, along MS_MDL or in the folder lib of mchost; give the path of its .so file. mchost --help "
+             "lists those that are found");
         return false;
     }
     std::vector<std::string> arguments;
-    for (const std::string& argument : options.arguments) arguments.push_back(host::hostName(argument));
-    return session.loadApplication(host::hostName(module->string()), host::hostName(module->stem().string()),
-                                   options.listName, arguments) != nullptr;
+    for (const std::string& argument : start.arguments) arguments.push_back(host::hostName(argument));
+    return session.loadApplication(host::hostName(module->string()), host::hostName(module->stem().string()), listName,
+                                   arguments) != nullptr;
 }
 
-// An application of a start list runs before a design file is open, and hears of it then.
+bool startListed(host::Session& session, const char* listName) {
+    return std::ranges::all_of(entriesOf(listName), [&](const std::string& name) {
+        return startApplication(session, {name, {}}, listName);
+    });
+}
+
+bool startNamed(host::Session& session, const Options& options) {
+    return std::ranges::all_of(options.starts,
+                               [&](const Start& start) { return startApplication(session, start, options.listName); });
+}
+
+// Applications of a start list run before a design file is open, and hear of it then.
 bool run(host::Session& session, const Options& options) {
-    const bool applicationFirst = options.listName == "MS_INITAPPS" || options.listName == "MS_DGNAPPS";
-    if (applicationFirst) return runApplication(session, options) && openDesignFile(options);
-    return openDesignFile(options) && runApplication(session, options);
+    // Applications show pages of the web through this one; its part is done by carryOut.
+    session.startApplication("WEBBROWS", [](int, char**) { return 0; });
+    if (!startListed(session, startList)) return false;
+    if (opensDesignFile(options) && !startListed(session, fileList)) return false;
+    if (isStartList(options.listName)) return startNamed(session, options) && openDesignFile(options);
+    return openDesignFile(options) && startNamed(session, options);
 }
 
 // What the application has left for its user: commands that wait for points, then dialogs that stay open, which may
@@ -200,13 +191,23 @@ void tellNotCarriedOut(std::string_view keyIn) {
     tell("not carried out, do it by hand: " + host::utf8FromNarrow(keyIn));
 }
 
-// "% TEXT" hands the text to the operating system.
+// "% TEXT" hands the text to the operating system, "browse url ADDRESS" and "browse file NAME" open what they name.
 bool carryOut(const host::KeyIn& keyIn) {
-    constexpr std::string_view toSystem = "% ";
+    struct Command {
+        std::string_view begin;
+        bool (*carryOut)(std::string_view text);
+    };
+    constexpr Command commands[] = {
+        {"% ", host::handToSystem}, {"browse url ", host::openBySystem}, {"browse file ", host::openBySystem}};
     const std::string_view text = keyIn.text;
-    if (!text.starts_with(toSystem)) return false;
-    if (!host::handToSystem(text.substr(toSystem.size()))) tellNotCarriedOut(text);
-    return true;
+    for (const Command& command : commands) {
+        if (!text.starts_with(command.begin)) continue;
+        if (command.carryOut(text.substr(command.begin.size()))) return true;
+        tellNotCarriedOut(text);
+        mdlSystem_noteFailure();
+        return true;
+    }
+    return false;
 }
 
 // Other key-ins are commands of a drawing program around the session; mchost has none to carry them out.
@@ -243,7 +244,8 @@ int work(const Options& options) {
 
 struct HelpText : CLI::Formatter {
     std::string make_usage(const CLI::App*, std::string) const override {
-        return "Usage: mchost [OPTIONS] APP [arguments of APP...]\n";
+        return "Usage: mchost [OPTIONS] APP [arguments of APP...] [--and APP [arguments of APP...]]...\n"
+               "       mchost APP --help\n";
     }
     // What can't go together stands in the descriptions.
     std::string make_option_opts(const CLI::Option* option) const override {
@@ -251,10 +253,27 @@ struct HelpText : CLI::Formatter {
     }
 };
 
+constexpr const char* noneNamed = "no application is named";
+
 int wrongCall(const CLI::App& cli, const std::string& what) {
     tell(what);
     std::fputs(cli.help().c_str(), stderr);
     return statusWrongCall;
+}
+
+void takeStarts(Options& options, const std::vector<std::string>& words) {
+    options.starts.assign(words.empty() ? 0 : 1, {});
+    bool named = false;
+    for (const std::string& word : words) {
+        if (word == nextApplication) {
+            options.starts.emplace_back();
+            named = false;
+        } else if (std::exchange(named, true)) {
+            options.starts.back().arguments.push_back(word);
+        } else {
+            options.starts.back().application = word;
+        }
+    }
 }
 
 std::string checkedSetting(const std::string& setting) {
@@ -281,10 +300,34 @@ int parse(CLI::App& cli, Options& options, int argc, char** argv) {
     try {
         cli.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return error.get_exit_code() == 0 ? cli.exit(error) : wrongCall(cli, error.what());
+        if (error.get_exit_code() != 0) return wrongCall(cli, error.what());
+        if (error.get_name() == "CallForHelp" && configure(options)) cli.footer(listOfApplications());
+        return cli.exit(error);
     }
-    options.arguments = cli.remaining();
+    takeStarts(options, cli.remaining());
     return -1;
+}
+
+// What is wrong with a call that could be read; empty when nothing is.
+std::string faultOf(const Options& options) {
+    for (const Start& start : options.starts) {
+        if (start.application.empty()) return options.starts.size() == 1 ? noneNamed : "no application behind --and";
+        if (start.application.starts_with('-')) return "no such option: " + start.application;
+    }
+    if (isStartList(options.listName) && !opensDesignFile(options))
+        return "an application of " + options.listName + " waits for a design file; give one with --open or --new";
+    return "";
+}
+
+// Whether there is something to start though nothing is named.
+bool somethingIsListed(const Options& options) {
+    return !entriesOf(startList).empty() || (opensDesignFile(options) && !entriesOf(fileList).empty());
+}
+
+int callWithoutApplication(CLI::App& cli) {
+    const int status = wrongCall(cli, noneNamed);
+    std::fputs(listOfApplications().c_str(), stderr);
+    return status;
 }
 
 }  // namespace
@@ -294,11 +337,10 @@ int main(int argc, char** argv) {
     Options options;
     const int ended = parse(cli, options, argc, argv);
     if (ended >= 0) return ended;
-    if (options.arguments.empty() || options.arguments.front().empty() || options.arguments.front().starts_with('-')) {
-        const bool noName = options.arguments.empty() || options.arguments.front().empty();
-        return wrongCall(cli, noName ? "no application is named" : "no such option: " + options.arguments.front());
+    if (const std::string fault = faultOf(options); !fault.empty()) return wrongCall(cli, fault);
+    if (options.starts.empty()) {
+        if (!configure(options)) return statusFailed;
+        if (!somethingIsListed(options)) return callWithoutApplication(cli);
     }
-    options.application = options.arguments.front();
-    options.arguments.erase(options.arguments.begin());
     return work(options);
 }

@@ -303,14 +303,20 @@ int main(int argc, char** argv) {
     CLI::App app("Compiles resource sources (TOML) into one resource file.", "mcrsc");
     std::string output;
     std::vector<std::string> sources;
-    app.add_option("-o,--output", output, "The resource file to make")->required()->type_name("FILE.rsc");
+    app.add_option("-o,--output", output, "The resource file to make")->type_name("FILE.rsc");
     app.add_option("sources", sources, "Sources of string lists, dialogs and icons")
-        ->required()
         ->type_name("FILE.toml");
+    app.set_version_flag("--version", "mcrsc " MCHOST_VERSION);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? 0 : 2;
+    }
+    // Told by hand, so that an option that isn't known is named first.
+    if (output.empty() || sources.empty()) {
+        std::fprintf(stderr, "mcrsc: %s; give --output FILE and the sources. --help tells more.\n",
+                     output.empty() ? "the resource file to make isn't named" : "there are no sources");
+        return 2;
     }
 
     Compiler compiler;

@@ -24,7 +24,9 @@ bool isFor(const char* argument, const char* text) {
 
 int main(int argc, char** argv) {
     if (argc == 2 && (isFor(argv[1], "--help") || isFor(argv[1], "/?"))) return std::fputs(usage, stdout) < 0;
+    if (argc == 2 && isFor(argv[1], "--version")) return std::puts("mcshell " MCHOST_VERSION) < 0;
     if (argc < 3 || !isFor(argv[1], "/C")) {
+        if (argc > 1 && !isFor(argv[1], "/C")) std::fprintf(stderr, "mcshell: don't know \"%s\"\n", argv[1]);
         std::fputs(usage, stderr);
         return host::shell::wrongUse;
     }

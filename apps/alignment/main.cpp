@@ -17,6 +17,7 @@
 #include "checks.h"
 #include "drawing.h"
 #include "host/mdl/model.h"
+#include "host/mdl/system.h"
 #include "host/mdl/view.h"
 #include "listing.h"
 #include "mclib.h"
@@ -195,6 +196,8 @@ ExitStatus run(const std::vector<std::string>& arguments) {
 
 }  // namespace
 }  // namespace alignment
+
+MDL_DESCRIPTION("roads of lines, arcs and clothoids on a sheet");
 
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace alignment;

@@ -7,6 +7,7 @@
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
 #include "apps/common/values.h"
+#include "host/mdl/system.h"
 #include "job.h"
 #include "mclib.h"
 #include "table.h"
@@ -163,6 +164,8 @@ ExitStatus work(const Options& options) {
 
 }  // namespace
 }  // namespace formula
+
+MDL_DESCRIPTION("a calculator, and a checker of formulas and tag strings");
 
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace formula;

@@ -15,6 +15,7 @@
 #include "apps/common/tell.h"
 #include "form.h"
 #include "host/mdl/dialog.h"
+#include "host/mdl/system.h"
 #include "list.h"
 #include "mclib.h"
 #include "options.h"
@@ -168,6 +169,8 @@ ExitStatus work(const Options& options) {
 
 }  // namespace
 }  // namespace materials
+
+MDL_DESCRIPTION("material lists on the forms of an office");
 
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace materials;

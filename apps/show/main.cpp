@@ -7,6 +7,7 @@
 
 #include "apps/common/tell.h"
 #include "host/mdl/files.h"
+#include "host/mdl/system.h"
 #include "show.h"
 
 namespace show {
@@ -75,6 +76,8 @@ ExitStatus tellAll(const Options& options) {
 
 }  // namespace
 }  // namespace show
+
+MDL_DESCRIPTION("what a design file, cell library or resource file holds");
 
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace show;

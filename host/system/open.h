@@ -11,5 +11,7 @@ namespace host {
 // configuration variable MC_OPENER names (xdg-open); any other text is a command line. Nothing is waited for. False
 // when nothing could be started.
 HOST_EXPORT bool handToSystem(std::string_view text);
+// The same for a file, a folder or an address alone; false too for anything else.
+HOST_EXPORT bool openBySystem(std::string_view name);
 
 }  // namespace host

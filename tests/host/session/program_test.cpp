@@ -1,13 +1,17 @@
 // Applications loaded from shared objects, by the session and by the program.
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
 #include "host/mdl/system.h"
 #include "host/mdl/win32.h"
+#include "tests/support/recorder.h"
 #include "tests/support/session_fixture.h"
 
 namespace {
@@ -72,7 +76,7 @@ TEST_F(Program, GivesAnApplicationItsArgumentsUntouched) {
     EXPECT_EQ(outcome.status, 0) << outcome.error;
     EXPECT_EQ(outcome.out, "[USER][arguments][--list][-x][--set][A=B][--help]\n");
     EXPECT_EQ(outcome.error, "");
-    EXPECT_EQ(run("--list-name MS_INITAPPS " + probe_ + "arguments").out, "[MS_INITAPPS][arguments]\n");
+    EXPECT_EQ(run("--new l.mcd --list-name MS_INITAPPS " + probe_ + "arguments").out, "[MS_INITAPPS][arguments]\n");
     EXPECT_EQ(run(probe_ + "arguments 'Bl\xc3\xa5 \xc3\x98y'").out, "[USER][arguments][Bl\xc3\xa5 \xc3\x98y]\n");
 }
 
@@ -88,15 +92,79 @@ TEST_F(Program, FindsAnApplicationAlongThePathThatIsSet) {
 
 TEST_F(Program, AWrongCallShowsUsage) {
     for (const char* call : {"", "--nosuchoption app", "--open", "--set novalue app", "--set =x app",
-                             "--set 'a b=x' app", "--open a.mcd --new b.mcd app", "--set A=B", "--3d app", "''"}) {
+                             "--set 'a b=x' app", "--list-name MS_DGNAPPS app", "app --and", "app --and --x",
+                             "--open a.mcd --new b.mcd app", "--set A=B", "--3d app", "''"}) {
         SCOPED_TRACE(call);
         const Outcome outcome = run(call);
         EXPECT_EQ(outcome.status, 2);
         EXPECT_TRUE(outcome.error.starts_with("mchost: "));
         EXPECT_NE(outcome.error.find("Usage: mchost"), std::string::npos);
     }
+    EXPECT_NE(run("--nosuchoption app").error.find("no such option: --nosuchoption"), std::string::npos);
     EXPECT_EQ(run("--help").status, 0);
     EXPECT_NE(run("--version").out.find("mchost 6."), std::string::npos);
+}
+
+TEST_F(Program, EveryProgramNamesAnOptionThatItDoesNotKnow) {
+    for (const char* program : {"mchost", "mccel", "mcrsc", "mcshell"}) {
+        const auto call = [&](const std::string& arguments) {
+            const std::string line =
+                std::string(BUILD_DIR "/bin/") + program + " " + arguments + " >'" + path("out") + "' 2>&1 </dev/null";
+            const int status = WEXITSTATUS(std::system(line.c_str()));
+            return std::to_string(status) + " " + readFile("out");
+        };
+        EXPECT_EQ(call("--version").substr(0, 4 + std::strlen(program)), "0 " + std::string(program) + " 6");
+        EXPECT_EQ(call("--nonsense").find("--nonsense") != std::string::npos, true) << program;
+        EXPECT_NE(call("--nonsense")[0], '0');
+    }
+}
+
+TEST_F(Program, TellsWhichApplicationsThereAre) {
+    const std::string path = "--set 'MS_MDL=" + modules + "' ";
+    const std::string line = "\n  probe     does what its first argument says\n";
+    EXPECT_NE(run("--config probe.cfg --help").error.find("probe.cfg"), std::string::npos);
+    writeFile("probe.cfg", "MS_MDL = " + modules + "\n");
+    EXPECT_NE(run("--config probe.cfg --help").out.find(line), std::string::npos);
+    const Outcome alone = run(path);
+    EXPECT_EQ(alone.status, 2);
+    EXPECT_NE(alone.error.find(line), std::string::npos) << alone.error;
+}
+
+TEST_F(Program, SeveralApplicationsRunInOneSession) {
+    EXPECT_EQ(run(probe_ + "arguments a --and " + probe_ + "arguments --and " + probe_ + "return 7").out,
+              "[USER][arguments][a]\n[USER][arguments]\n");
+    EXPECT_EQ(run(probe_ + "return 2 --and " + probe_ + "return 0").status, 2);
+    EXPECT_EQ(run(probe_ + "arguments --and nosuchapp").status, 1);
+}
+
+TEST_F(Program, TheListsOfTheConfigurationAreStarted) {
+    const std::string lists =
+        "--set 'MS_INITAPPS=" + modules + "probe;" + modules + "probe.so' --set 'MS_DGNAPPS=" + modules + "probe' ";
+    EXPECT_EQ(run(lists + probe_ + "arguments").out, "[MS_INITAPPS]\n[MS_INITAPPS]\n[USER][arguments]\n");
+    EXPECT_EQ(run(lists + "--new a.mcd").out, "[MS_INITAPPS]\n[MS_INITAPPS]\n[MS_DGNAPPS]\n");
+    const Outcome missing = run("--set MS_INITAPPS=nosuchapp " + probe_);
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_NE(missing.error.find("\"nosuchapp\" of MS_INITAPPS"), std::string::npos);
+}
+
+TEST_F(Program, WhatAnApplicationBrowsesIsOpenedByTheSystem) {
+    const Recorder recorder(path(""));
+    recorder.add("opener");
+    writeFile("a page.htm", "<p>");
+    const std::string opener = "--set MC_OPENER='" + path("bin/opener") + "' " + probe_;
+    const auto opened = [&](const std::string& keyIn) {
+        const Outcome outcome = run(opener + "key '" + keyIn + "'");
+        std::string log;
+        for (int i = 0; outcome.status == 0 && i < 100 && log.empty(); ++i) {
+            usleep(20000);
+            log = recorder.take();
+        }
+        return std::to_string(outcome.status) + " " + log;
+    };
+    EXPECT_EQ(opened("browse url http://example.org/"), "0 [opener][http://example.org/]\n");
+    EXPECT_EQ(opened("browse file " + path("a page.htm")), "0 [opener][" + path("a page.htm") + "]\n");
+    EXPECT_EQ(opened("browse file /none.htm"), "1 ");
+    EXPECT_EQ(run(probe_ + "task WEBBROWS").out, "there\n");
 }
 
 TEST_F(Program, FailedWorkIsStatusOne) {
@@ -106,11 +174,11 @@ TEST_F(Program, FailedWorkIsStatusOne) {
     };
     writeFile("bad.cfg", "# fine\nMC_X = 1\nwhat is this\n");
     writeFile("foreign.mcd", "not a design file");
-    for (const Case& c :
-         {Case{probe_ + "return 0", 0}, Case{probe_ + "return 7", 1}, Case{probe_ + "return 256", 1},
-          Case{probe_ + "exit 0", 0}, Case{probe_ + "exit 3", 1}, Case{"--config none.cfg " + probe_, 1},
-          Case{"--config bad.cfg " + probe_, 1}, Case{"--open none.mcd " + probe_, 1},
-          Case{"--open foreign.mcd " + probe_, 1}, Case{"'" + modules + "no_main'", 1}}) {
+    for (const Case& c : {Case{probe_ + "return 0", 0}, Case{probe_ + "return 7", 1}, Case{probe_ + "return 256", 1},
+                          Case{probe_ + "fail", 1}, Case{probe_ + "exit 0", 0}, Case{probe_ + "exit 3", 1},
+                          Case{"--config none.cfg " + probe_, 1}, Case{"--config bad.cfg " + probe_, 1},
+                          Case{"--open none.mcd " + probe_, 1}, Case{"--open foreign.mcd " + probe_, 1},
+                          Case{"'" + modules + "no_main'", 1}}) {
         EXPECT_EQ(run(c.call).status, c.status) << c.call;
     }
     EXPECT_NE(run("--config bad.cfg " + probe_).error.find("bad.cfg:3"), std::string::npos);
@@ -152,7 +220,7 @@ TEST_F(Program, WhatIsLostOrLeftOverIsTold) {
     const Outcome full = run(probe_ + "arguments", "/dev/full");
     EXPECT_EQ(full.status, 1);
     EXPECT_NE(full.error.find("written in full"), std::string::npos);
-    EXPECT_NE(run(probe_ + "key 'browse url x'").error.find("browse url x"), std::string::npos);
+    EXPECT_NE(run(probe_ + "key 'update right'").error.find("update right"), std::string::npos);
     setenv("MCHOST_TRACE_MEMORY", "1", 1);
     const std::string error = run(probe_ + "leak").error;
     unsetenv("MCHOST_TRACE_MEMORY");

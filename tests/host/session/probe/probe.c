@@ -39,15 +39,20 @@ static int watch(void) {
     return mdlSystem_setFunction(MDL_FUNCTION_NEW_DESIGN_FILE, (void *)heard);
 }
 
+MDL_DESCRIPTION("does what its first argument says");
+
 int main(int argc, char **argv) {
     const char *what = argc > 2 ? argv[2] : "";
     const char *value = argc > 3 ? argv[3] : "";
+    if (argc == 2 && strcmp(argv[1], "USER") != 0) return printArguments(argc, argv);
     if (strcmp(what, "arguments") == 0) return printArguments(argc, argv);
     if (strcmp(what, "variable") == 0) return printVariable(value);
     if (strcmp(what, "draw") == 0) return draw();
     if (strcmp(what, "watch") == 0) return watch();
     if (strcmp(what, "return") == 0) return atoi(value);
     if (strcmp(what, "exit") == 0) mdlSystem_exit(atoi(value), 1);
+    if (strcmp(what, "fail") == 0) mdlSystem_noteFailure();
+    if (strcmp(what, "task") == 0 && mdlSystem_findMdlDesc(value) != NULL) toolSubsystem_printf("there\n");
     if (strcmp(what, "leak") == 0) dlmSystem_mdlMalloc(1000);
     if (strcmp(what, "key") == 0) mdlInput_sendKeyin(value, 0, -1, NULL);
     if (strcmp(what, "say") == 0) mdlOutput_messageCenter(10, value, "try again", 0);
