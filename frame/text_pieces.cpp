@@ -51,6 +51,7 @@ size_t lineBreakLength(const char* text) {
 }  // namespace
 
 char** mclibString_tokenize(int* count, char* text, const char* delimiters) {
+    if (!count) return nullptr;
     *count = 0;
     if (!text || !delimiters) return nullptr;
     TokenList list;
@@ -65,6 +66,7 @@ char** mclibString_tokenize(int* count, char* text, const char* delimiters) {
 }
 
 char** mclibString_tokenize2(int* count, const char* text, const char* delimiters) {
+    if (!count) return nullptr;
     *count = 0;
     char* copy = text ? checkedCopy(text) : nullptr;
     if (!copy) return nullptr;

@@ -53,6 +53,7 @@ uint32_t mclibWin32_getRegistryValue(const char* key, const char* value, uint32_
 }
 
 int mclibWin32_getGetUniversalFileName(const char* path, char* universalName) {
+    if (!path || !universalName) return 0;
     alignas(Win32UniversalName) char buffer[universalNameSize];
     uint32_t size = sizeof buffer;
     if (WNetGetUniversalNameA(path, universalNameLevel, buffer, &size) != WIN32_SUCCESS) return 0;

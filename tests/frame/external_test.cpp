@@ -163,6 +163,7 @@ TEST_F(LibraryTest, ANetworkNameComesFromTheTableOfMounts) {
     EXPECT_STREQ(name, "\\\\server\\jobs new\\a\\b.mcd");
     std::strcpy(name, "untouched");
     EXPECT_EQ(mclibWin32_getGetUniversalFileName("/usr/b.mcd", name), 0);
+    EXPECT_EQ(mclibWin32_getGetUniversalFileName("c:\\a\\b.mcd", nullptr), 0);
     EXPECT_EQ(mclibWin32_getGetUniversalFileName(("c:\\" + std::string(250, 'x')).c_str(), name), 0);  // too long
     EXPECT_STREQ(name, "untouched");
 }
