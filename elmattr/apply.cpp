@@ -117,7 +117,13 @@ void setSlant(TextParams& params, double degrees) {
     params.slant = degrees * *fc_piover180P;
 }
 
-TextSettings textSettings(const ElmAttrData& data, double scale) {
+// Kinds with a text value have it in the place of the slant.
+bool hasSlant(const ElmAttrRecord& record) {
+    return record.kind != ATTR_KIND_LABELLED_TEXT && record.kind != ATTR_KIND_OPTION_TEXT;
+}
+
+TextSettings textSettings(const ElmAttrRecord& record, double scale) {
+    const ElmAttrData& data = record.data;
     TextSettings text;
     loadTextStyle(text, data, scale);
     if (uses(data, ATTR_USE_SIZE)) {
@@ -136,7 +142,7 @@ TextSettings textSettings(const ElmAttrData& data, double scale) {
     } else if (!text.styleLoaded) {
         text.params.font = activeParameter<int32_t>(MDL_PARAM_FONT);
     }
-    if (uses(data, ATTR_USE_SLANT)) {
+    if (uses(data, ATTR_USE_SLANT) && hasSlant(record)) {
         setSlant(text.params, data.textSlant);
     } else if (!text.styleLoaded && std::abs(tcbP->activeSlant) > *fc_epsilonP) {
         setSlant(text.params, tcbP->activeSlant);
@@ -170,7 +176,7 @@ int mclibElmAttr_createText(MSElementBuffer* out, const MSElementBuffer* templat
     if (text != nullptr && !(wide = toWide(text))) return MCLIB_ERROR;
     const ElmAttrRecord* record = recordOfCurrentApplication(id);
     if (record == nullptr) return MCLIB_ERROR;
-    const TextSettings settings = textSettings(record->data, scale);
+    const TextSettings settings = textSettings(*record, scale);
     if (mdlText_createWide(out, templateP, wide.get(), origin, rotation,
                            settings.sizeSettled ? &settings.size : nullptr, &settings.params,
                            reserved) != MDL_SUCCESS) {

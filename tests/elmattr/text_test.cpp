@@ -252,6 +252,22 @@ TEST_F(CreateText, AStyleWithoutSizeTakesTheActiveOne) {
     mdlCurrTrans_end();
 }
 
+// A text value lies where the slant of other kinds does.
+TEST_F(CreateText, AKindWithATextValueHasNoSlant) {
+    data.useFlags = ATTR_USE_SIZE | ATTR_USE_SLANT;
+    data.textHeight = data.textWidth = 1;
+    std::strcpy(data.optionText, "abcdef\xf8\x7f");
+    mclibElmAttr_addAttribute(6, "text", group, ATTR_KIND_LABELLED_TEXT, 0, nullptr, 0, &data, 80, "Caption", 0);
+    mclibElmAttr_addAttribute(7, "text", group, ATTR_KIND_OPTION_TEXT, 0, nullptr, 0, &data, "Caption", 0);
+    for (const int id : {6, 7}) {
+        TextParams params{};
+        ASSERT_EQ(mclibElmAttr_createText(dgnBufP, nullptr, "x", nullptr, nullptr, 0, id, 1, nullptr), MCLIB_SUCCESS);
+        mdlText_extract(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &params, nullptr, nullptr, nullptr,
+                        dgnBufP);
+        EXPECT_EQ(params.slant, 0);
+    }
+}
+
 TEST_F(CreateText, AnUnknownStyleIsAsNone) {
     useStyle();
     EXPECT_EQ(create("x").params.textStyle, -1);
