@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "frame/host_ptr.h"
+#include "frame/letters.h"
 #include "frame/util.h"
 #include "host/mdl/external.h"
 #include "host/mdl/system.h"
@@ -25,10 +26,9 @@ bool isForShell(std::string_view word) {
 }
 
 std::string upperCase(std::string_view text) {
-    std::string upper(text);
-    for (char& c : upper)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - ('a' - 'A'));
-    return upper;
+    std::string result(text);
+    std::ranges::transform(result, result.begin(), upper);
+    return result;
 }
 
 std::string_view textOf(const char* text) {

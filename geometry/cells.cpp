@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "frame/letters.h"
 #include "frame/util.h"
 #include "geometry/elmdscr.h"
 #include "host/mdl/cell.h"
@@ -38,17 +39,6 @@ std::string folder() {
 
 void copyCut(char* to, int size, const std::string& text) {
     if (size > 0) to[text.copy(to, static_cast<size_t>(size) - 1)] = '\0';
-}
-
-// In small letters of Windows-1252, whatever the locale.
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    for (char& c : result) {
-        const auto code = static_cast<unsigned char>(c);
-        const bool capital = (code >= 'A' && code <= 'Z') || (code >= 0xC0 && code <= 0xDE && code != 0xD7);
-        if (capital) c = static_cast<char>(code + 0x20);
-    }
-    return result;
 }
 
 std::string attachedFile() {

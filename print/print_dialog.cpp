@@ -4,6 +4,7 @@
 #include <string>
 
 #include "frame/errors.h"
+#include "frame/letters.h"
 #include "frame/main.h"
 #include "frame/text_buffer.h"
 #include "host/mdl/files.h"
@@ -39,15 +40,6 @@ MdlPlotDesc* plotOf(const GlobalData& data) {
 
 MdlPlotter* plotterOf(const GlobalData& data) {
     return data.plotDescr ? mdlPlotDesc_getPlotter(plotOf(data)) : nullptr;
-}
-
-std::string lowered(std::string text) {
-    for (char& c : text) {
-        const auto code = static_cast<unsigned char>(c);
-        const bool capital = (code >= 'A' && code <= 'Z') || (code >= 0xC0 && code <= 0xDE && code != 0xD7);
-        if (capital) c = static_cast<char>(code + 0x20);
-    }
-    return text;
 }
 
 // The name of a plot's file with "<page>" for the page, short enough to be shown.

@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "frame/errors.h"
+#include "frame/letters.h"
 #include "host/mdl/system.h"
 #include "text/char_set.h"
 
@@ -245,29 +246,6 @@ int32_t takeWhole(McFii& f) {
 
 enum { numericDoubles = 1, numericWholes = 2, numericPairs = 3 };
 
-// ---- characters ----
-
-// Letters below the codes where accented letters stand side by side.
-constexpr CharSet scatteredLetters("\x83\x8A\x8C\x8E\x9A\x9C\x9E\x9F\xAA\xB5\xBA");
-
-bool isLetter(char c) {
-    const auto u = static_cast<unsigned char>(c);
-    const unsigned char lower = u | 0x20;
-    return ('a' <= lower && lower <= 'z') || (u >= 0xC0 && u != 0xD7 && u != 0xF7) || scatteredLetters.has(c);
-}
-
-char toUpper(char c) {
-    const auto u = static_cast<unsigned char>(c);
-    if (u == 0x9A || u == 0x9C || u == 0x9E) return static_cast<char>(u - 0x10);
-    if (u == 0xFF) return '\x9F';
-    const bool lower = ('a' <= u && u <= 'z') || (u >= 0xE0 && u <= 0xFE && u != 0xF7);
-    return lower ? static_cast<char>(u - 0x20) : c;
-}
-
-bool equalIgnoringCase(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, {}, toUpper, toUpper);
-}
-
 // ---- lines ----
 
 // Removes blanks outside double quotes.
@@ -489,7 +467,7 @@ int mclibFii_seekText(McFii* f, const char* text) {
     const std::string_view found(f->position, ::strnlen(f->position, wanted.size()));
     if (f->caseSensitive) return found == wanted ? MCLIB_SUCCESS : MCLIB_ERROR;
     if (wanted.size() >= sizeof f->word) return MCLIB_ERROR;
-    std::ranges::transform(copyCut(f->word, found), f->word, toUpper);
+    std::ranges::transform(copyCut(f->word, found), f->word, upper);
     return equalIgnoringCase(f->word, wanted) ? MCLIB_SUCCESS : MCLIB_ERROR;
 }
 

@@ -12,9 +12,9 @@
 #include <limits>
 #include <string_view>
 
+#include "frame/letters.h"
 #include "host/mdl/system.h"
 #include "host/mdl/transform.h"
-#include "text/ascii_characters.h"
 
 namespace {
 
@@ -43,9 +43,9 @@ constexpr auto tokenStarts = [] {
 // What a letter or digit is in a name, upper case; 0 for all other characters.
 constexpr auto nameCharacters = [] {
     std::array<char, 256> characters{};
-    for (int c = 0; c < 128; ++c) {
-        const char raised = upper(static_cast<char>(c));
-        if (isDigit(raised) || (raised >= 'A' && raised <= 'Z')) characters[c] = raised;
+    for (int i = 0; i < 128; ++i) {
+        const auto c = static_cast<char>(i);
+        if (isDigit(c) || isLetter(c)) characters[i] = upper(c);
     }
     return characters;
 }();

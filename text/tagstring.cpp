@@ -12,8 +12,8 @@
 
 #include "frame/errors.h"
 #include "frame/host_ptr.h"
+#include "frame/letters.h"
 #include "host/mdl/system.h"
-#include "text/ascii_characters.h"
 
 namespace {
 

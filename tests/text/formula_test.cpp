@@ -189,13 +189,14 @@ TEST(Formula, NextTokenIsReadBeforeWhatStandsInFrontIsWorkedOut) {
 }
 
 TEST(Formula, ParametersHaveTheirValuesAndAreUpperCasedInPlace) {
-    char names[][6] = {"a", "b2", "Log", "pi", "hEigh", "a"};
-    const double values[] = {2, 3, 10, 99, 7, 5};
-    const auto value = [&](const char* formula) { return evaluate(formula, names, values, 6); };
+    char names[][6] = {"a", "b2", "Log", "pi", "hEigh", "a", "bl\xE5"};
+    const double values[] = {2, 3, 10, 99, 7, 5, 11};
+    const auto value = [&](const char* formula) { return evaluate(formula, names, values, 7); };
     EXPECT_EQ(value("A*b2").value, 6);
     EXPECT_STREQ(names[0], "A");
     EXPECT_STREQ(names[1], "B2");
     EXPECT_STREQ(names[4], "HEIGH");
+    EXPECT_STREQ(names[6], "BL\xC5");
     EXPECT_EQ(value("LOG(1)").value, 0) << "the function's name wins";
     EXPECT_EQ(value("PI").value, *fc_piP);
     EXPECT_EQ(value("height").console, "Error 'HEIGHT' in cmParse\n") << "the whole run of letters and digits counts";
