@@ -54,8 +54,9 @@ MDL_EXPORT int32_t dlmSystem_callMdlFunction(const char *signature, MdlDesc *des
 
 /* Registers a function of the current application for a kind of event; null takes it back. One function for each
  * application and kind. Kind 1: new design file, void f(char *fileName, int state), called with state 0 before the
- * open file is closed and with state 1 when the new one is open. */
-enum { MDL_FUNCTION_NEW_DESIGN_FILE = 1 };
+ * open file is closed and with state 1 when the new one is open. Kind 2: the application ends, void f(void), while it is
+ * still the current one. */
+enum { MDL_FUNCTION_NEW_DESIGN_FILE = 1, MDL_FUNCTION_END = 2 };
 MDL_EXPORT int mdlSystem_setFunction(int kind, void *function);
 /* Calls `function` (void f(int32_t id)) in the context of the current application once, after `ticks` ticks.
  * Gives the timer's id in idP. MDL_ERROR without a current application. Less than one tick counts as one. */

@@ -78,6 +78,7 @@ void finishApplication(MdlDesc& application) noexcept {
     ++activeState->depth;
     ++application.depth;  // hooks that are called now don't end it a second time
     MdlDesc* const before = std::exchange(currentApplication, &application);
+    if (application.atEnd != nullptr) dlmSystem_callMdlFunction("", &application, application.atEnd);
     for (size_t i = endObservers().size(); i-- > 0;)
         guarded<int>(0, [&] { return endObservers()[i](&application), 0; });
     std::erase_if(activeState->timers, [&](const Timer& timer) { return timer.application == &application; });
@@ -208,7 +209,10 @@ void mdlSystem_noteFailure(void) {
 }
 
 int mdlSystem_setFunction(int kind, void* function) {
-    if (kind != MDL_FUNCTION_NEW_DESIGN_FILE || currentApplication == nullptr) return MDL_ERROR;
-    currentApplication->newDesignFile = function;
-    return MDL_SUCCESS;
+    if (currentApplication == nullptr) return MDL_ERROR;
+    switch (kind) {
+        case MDL_FUNCTION_NEW_DESIGN_FILE: currentApplication->newDesignFile = function; return MDL_SUCCESS;
+        case MDL_FUNCTION_END: currentApplication->atEnd = function; return MDL_SUCCESS;
+        default: return MDL_ERROR;
+    }
 }

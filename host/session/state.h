@@ -23,6 +23,7 @@ struct MdlDesc {
     bool ended = false;
     bool unload = true;
     void* newDesignFile = nullptr;
+    void* atEnd = nullptr;
 };
 
 namespace host {
