@@ -288,6 +288,7 @@ int mclibMain_initMcLibExtended(const char* applicationName, int argc, char** ar
     for (const Room room : rooms) room(*data);
     publishBlocks();
     mdlSystem_setFunction(MDL_FUNCTION_NEW_DESIGN_FILE, reinterpret_cast<void*>(mclibMain_newDesignFile));
+    mdlSystem_setFunction(MDL_FUNCTION_END, reinterpret_cast<void*>(print::closeJobOfApplication));
     if (asksForFolder(name)) offerFamilyFolder(name, argc, argv);
     mclibUpf_initialize(data);
     if (std::strcmp(name, "MCDraft") != 0) refreshLineStyles();

@@ -143,7 +143,7 @@ void mclibAscii_fclose(void) {
     state.texts.release();
     state.characters.release();
     output.write("\n");
-    output.close();
+    output.close("a text file");
 }
 
 int mclibAscii_jobStatus(void) {
@@ -153,7 +153,7 @@ int mclibAscii_jobStatus(void) {
 // ---- drawing ----
 
 void mclibAscii_drawText(const Point3d* shape, const char* text, double, double, double angle, int) {
-    if (!output.isOpen() || !(std::abs(angle) <= mostTurned)) return;
+    if (!output.isOpen() || !shape || !text || !(std::abs(angle) <= mostTurned)) return;
     const Point3d& place = shape[0];
     if (!std::isfinite(place.x) || !std::isfinite(place.y)) return;
     GrowingBlock<char>& characters = state.characters;

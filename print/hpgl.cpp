@@ -43,6 +43,16 @@ constexpr auto plotterCodes = [] {
     return codes;
 }();
 
+// The letters, and ASCII without what has given its place to them.
+constexpr auto shownLetters = [] {
+    ShownLetters shown = asciiAnd({});
+    for (const Letter& l : letters) {
+        shown[static_cast<unsigned char>(l.letter)] = true;
+        shown[static_cast<unsigned char>(l.code)] = false;
+    }
+    return shown;
+}();
+
 PrintOutput output;
 
 char* putPoint(char* p, double x, double y) {
@@ -86,7 +96,7 @@ void mclibHpgl_newPage(void) {
 void mclibHpgl_fclose(void) {
     if (!output.isOpen()) return;
     mclibHpgl_newPage();
-    output.close();
+    output.close("HP-GL");
 }
 
 int mclibHpgl_jobStatus(void) {
@@ -96,16 +106,17 @@ int mclibHpgl_jobStatus(void) {
 // ---- drawing ----
 
 void mclibHpgl_drawPolyline(const Point3d* points, int count, double, double) {
-    if (!output.isOpen() || count < 1) return;
+    if (!output.isOpen() || !points || count < 1) return;
     char* p = put(putPoint(put(output.line(), "PU;PA"), points[0].x, points[0].y), ";PD;");
     for (int i = 1; i < count; ++i) p = put(putPoint(put(output.roomAt(p), "PD;PA"), points[i].x, points[i].y), ";\n");
     output.taken(p);
 }
 
 void mclibHpgl_drawText(double x, double y, char* text, double height, double angle, int just) {
-    if (!output.isOpen()) return;
+    if (!output.isOpen() || !text) return;
     const double radians = angle * std::numbers::pi / 180;
     const size_t length = std::char_traits<char>::length(text);
+    output.look({text, length}, shownLetters);
     for (size_t i = 0; i < length; ++i) text[i] = plotterCodes[static_cast<unsigned char>(text[i])];
     char* p = put(putPoint(put(output.line(), "PU;PA"), x, y), ";SI");
     p = putPair(p, putHundredths, height * characterWidth, height * characterHeight);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 #include "frame/export.h"
 #include "host/mdl/files.h"
@@ -9,6 +10,9 @@
 
 bool PrintOutput::open(const char* driverName, const char* name) {
     driver = driverName;
+    if (!name) name = "";
+    notShown = {};
+    someNotShown = false;
     fileName[std::string_view(name).copy(fileName, sizeof fileName - 1)] = '\0';
     end = block;
     stream = dlmSystem_mdlFopen(name, "w");
@@ -17,12 +21,29 @@ bool PrintOutput::open(const char* driverName, const char* name) {
     return !failed;
 }
 
-void PrintOutput::close() {
+void PrintOutput::close(const char* device, const char* remedy) {
     flush();
     if (dlmSystem_mdlFclose(stream) != 0) failed = true;
     stream = nullptr;
     if (failed)
         toolSubsystem_printf("%s: cannot write all of %s; make room on its disk and print again.\n", driver, fileName);
+    else if (someNotShown)
+        tellNotShown(device, remedy);
+}
+
+// One line; a code without a visible character is told as a number.
+void PrintOutput::tellNotShown(const char* device, const char* remedy) const {
+    constexpr std::string_view withoutInk = "\x81\x8D\x8F\x90\x9D\xA0\xAD";
+    std::string letters;
+    for (size_t code = 0; code < notShown.size(); ++code) {
+        if (!notShown[code]) continue;
+        const auto c = static_cast<char>(code);
+        char number[16] = {c};
+        if (withoutInk.find(c) != withoutInk.npos) snprintf(number, sizeof number, "(%zu)", code);
+        letters += std::string(letters.empty() ? "" : " ") + number;
+    }
+    toolSubsystem_printf("%s: %s doesn't show these letters of %s: %s%s\n", driver, device, fileName, letters.c_str(),
+                         remedy);
 }
 
 int32_t PrintOutput::status() const {

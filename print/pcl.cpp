@@ -36,6 +36,13 @@ constexpr std::string_view landscapeHead =
 constexpr std::string_view toPcl = "\33%1A";
 constexpr std::string_view reset = "\33E";
 
+// The font's symbol set is ISO 8859-1: what Windows-1252 has between ASCII and the no-break space isn't there.
+constexpr auto shownLetters = [] {
+    ShownLetters shown = asciiAnd({});
+    for (size_t c = 0xA0; c < shown.size(); ++c) shown[c] = true;
+    return shown;
+}();
+
 PrintOutput output;
 
 // What the page knows of the texts before.
@@ -116,7 +123,7 @@ void mclibPcl_fclose(void) {
     if (!output.isOpen()) return;
     output.write(toPcl);
     output.write(reset);
-    output.close();
+    output.close("PCL");
 }
 
 int mclibPcl_jobStatus(void) {
@@ -126,7 +133,7 @@ int mclibPcl_jobStatus(void) {
 // ---- drawing ----
 
 void mclibPcl_drawPolyline(const Point3d* points, int count, double width, double gray) {
-    if (!output.isOpen() || count < 1) return;
+    if (!output.isOpen() || !points || count < 1) return;
     if (isGray(gray))
         fillOutline(points, count, width, gray);
     else
@@ -135,7 +142,7 @@ void mclibPcl_drawPolyline(const Point3d* points, int count, double width, doubl
 
 void mclibPcl_drawPolylineExtended(const Point3d* points, int count, double width, int lineType, double patternLength,
                                    double gray) {
-    if (!output.isOpen() || count < 1) return;
+    if (!output.isOpen() || !points || count < 1) return;
     if (lineType > 0) {
         char* p = put(putInteger(put(output.line(), "LT"), lineType), ",");
         output.taken(put(putHundredths(p, patternLength), ";"));
@@ -145,7 +152,8 @@ void mclibPcl_drawPolylineExtended(const Point3d* points, int count, double widt
 }
 
 void mclibPcl_drawText(double x, double y, const char* text, double height, double angle, int just) {
-    if (!output.isOpen()) return;
+    if (!output.isOpen() || !text) return;
+    output.look(text, shownLetters);
     const double radians = angle * std::numbers::pi / 180;
     TextSetup& last = state.last;
     char* p = put(putPoint(put(output.line(), "PU;PA"), x, y), ";");

@@ -5,6 +5,7 @@
 
 #include "frame/global_data.h"
 #include "frame/main.h"
+#include "host/mdl/system.h"
 #include "print/driver.h"
 #include "print/shared.h"
 #include "print/walker.h"
@@ -41,10 +42,28 @@ constexpr auto pageSizes = std::to_array<PageSize>({
 // clang-format on
 static_assert(std::ranges::all_of(pageSizes, [](const PageSize& p) { return &p - pageSizes.data() + 1 == p.code; }));
 
-const PrintDriver* driverOf(int32_t device) {
-    return 0 <= device && device < static_cast<int32_t>(drivers.size()) ? drivers[static_cast<size_t>(device)]
-                                                                        : nullptr;
+bool isDevice(int32_t device) {
+    return 0 <= device && device < static_cast<int32_t>(drivers.size());
 }
+
+const PrintDriver* driverOf(int32_t device) {
+    return isDevice(device) ? drivers[static_cast<size_t>(device)] : nullptr;
+}
+
+// The application whose job is open, or was the last to be; only told apart from others, never followed.
+const GlobalData* jobOwner = nullptr;
+
+void closeOpenJobs() {
+    for (const PrintDriver* driver : drivers)
+        if (driver) driver->close();
+    jobOwner = nullptr;
+}
+
+// A job that is open when the process ends is whole too.
+struct AtExit {
+    ~AtExit() { closeOpenJobs(); }
+};
+const AtExit atExit;
 
 const PrintDriver* currentDriver() {
     const GlobalData* gd = mclibMain_getGlobalDataP();
@@ -61,9 +80,17 @@ void print::closeJobs() {
 int mclibPrint_fopen(const char* fileName, int device) {
     GlobalData* gd = mclibMain_getGlobalDataP();
     if (!gd) return 0;
+    closeOpenJobs();
     gd->printDevice = device;
+    jobOwner = gd;
+    if (!isDevice(device))
+        toolSubsystem_printf("mclibPrint: there is no print device %d; nothing is printed.\n", device);
     const PrintDriver* driver = driverOf(device);
     return driver ? driver->open(fileName, gd->printPageCode) : 1;
+}
+
+void print::closeJobOfApplication() {
+    if (jobOwner && jobOwner == mclibMain_getGlobalDataP()) closeOpenJobs();
 }
 
 void mclibPrint_newPage(void) {
@@ -78,6 +105,7 @@ void mclibPrint_fclose(void) {
 int mclibPrint_jobStatus(void) {
     const GlobalData* gd = mclibMain_getGlobalDataP();
     if (!gd) return MCLIB_ERROR;
+    if (!isDevice(gd->printDevice)) return MCLIB_ERROR;
     const PrintDriver* driver = driverOf(gd->printDevice);
     return driver ? driver->jobStatus() : MCLIB_SUCCESS;
 }

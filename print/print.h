@@ -21,13 +21,16 @@ enum {
 };
 
 /* Opens the print file on a device, which then is the application's. 1, or 0 when the file can't be opened (with a line
- * on the console) or no application is registered; nothing is drawn then until the next open. */
+ * on the console) or no application is registered; nothing is drawn then until the next open. A job that is still open,
+ * on whatever device, is closed first, and so is one whose application ends. A number that is no device has a line on the
+ * console, and its job status is MCLIB_ERROR. */
 MCLIB_EXPORT int mclibPrint_fopen(const char *fileName, int device);
 MCLIB_EXPORT void mclibPrint_newPage(void);
-/* Ends the last page and closes the file. mclibPrint_jobStatus tells whether all of it is stored. */
+/* Ends the last page and closes the file. mclibPrint_jobStatus tells whether all of it is stored. Letters of the job that
+ * the device can't show have a line on the console: which letters it shows is told with each driver. */
 MCLIB_EXPORT void mclibPrint_fclose(void);
 /* MCLIB_ERROR when the file of the current device's job couldn't be opened, written or closed (a full disk); it stays so
- * until the next open. MCLIB_SUCCESS otherwise. */
+ * until the next open. So it is for a number that is no device. MCLIB_SUCCESS otherwise. */
 MCLIB_EXPORT int mclibPrint_jobStatus(void);
 /* The size of a page code: 1 to 12 are A0 to A5, portrait and landscape in turn. Another code, such as 0 for a size that
  * the user types, leaves width and height alone. The code is kept as the application's page code in any case. */

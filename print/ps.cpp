@@ -1,6 +1,7 @@
 // The output: the prolog, then one line of text for each drawing step, in points, on one open page after the other.
 #include "print/ps.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -11,6 +12,7 @@
 #include "host/mdl/system.h"
 #include "print/driver.h"
 #include "print/output.h"
+#include "print/ps_letters.h"
 #include "print/ps_prolog.h"
 #include "print/styles.h"
 
@@ -20,6 +22,13 @@ namespace {
 constexpr double pointsPerMm = 2.834645651435303;
 
 PrintOutput output;
+
+// What the job knows of its letters.
+struct PsLetters {
+    bool extended;     // the rest of Windows-1252 is set up where a page needs it
+    bool setUpOnPage;  // and was on this page
+};
+PsLetters state;
 
 inline char* putNumber(char* p, double v) {
     p = putHundredths(p, v);
@@ -93,6 +102,16 @@ class EscapedText {
     size_t length = 0;
 };
 
+// Before the first text of a page with a letter that the head doesn't bring, the font is set up anew.
+void prepareLetters(std::string_view text) {
+    output.look(text, state.extended ? windowsLetters : headLetters);
+    if (!state.extended || state.setUpOnPage) return;
+    const auto isInHead = [](char c) { return headLetters[static_cast<unsigned char>(c)]; };
+    if (std::ranges::all_of(text, isInHead)) return;
+    output.write(psWindowsLetters);
+    state.setUpOnPage = true;
+}
+
 constexpr std::string_view textProcedure(int just) {
     switch (just) {
         case 0: return "_dtfc\n";
@@ -127,17 +146,22 @@ int mclibPs_fopen(const char* fileName) {
     mclibPs_fclose();
     if (!output.open("mcpslib", fileName)) return 0;
     output.write(psProlog);
+    char encoding[16] = "";
+    mdlSystem_getCfgVar(encoding, encodingVariable, sizeof encoding);
+    state = {.extended = std::string_view(encoding) == windowsEncoding, .setUpOnPage = false};
     return 1;
 }
 
 void mclibPs_newPage(void) {
-    if (output.isOpen()) output.write("showpage\n");
+    if (!output.isOpen()) return;
+    output.write("showpage\n");
+    state.setUpOnPage = false;
 }
 
 void mclibPs_fclose(void) {
     if (!output.isOpen()) return;
     mclibPs_newPage();
-    output.close();
+    output.close("PostScript", state.extended ? "" : "; MC_PSENCODING = 1252 brings what Windows-1252 has");
 }
 
 int mclibPs_jobStatus(void) {
@@ -154,7 +178,7 @@ void mclibPs_drawLine(float x1, float y1, float x2, float y2, float width) {
 }
 
 void mclibPs_drawPolyline(const Point3d* points, int count, double width, double gray) {
-    if (!output.isOpen() || count < 1) return;
+    if (!output.isOpen() || !points || count < 1) return;
     const bool filled = isGray(gray);
     char* p = output.line();
     if (filled) p = putGray(p, gray);
@@ -165,15 +189,16 @@ void mclibPs_drawPolyline(const Point3d* points, int count, double width, double
 }
 
 void mclibPs_drawPolylineExtended(const Point3d* points, int count, double width, const char* dash, double gray) {
-    if (!output.isOpen() || count < 1) return;
+    if (!output.isOpen() || !points || count < 1) return;
     output.write("[");
-    output.write(dash);
+    output.write(dash ? dash : "");
     output.write("] 0 setdash\n");
     mclibPs_drawPolyline(points, count, width, gray);
 }
 
 void mclibPs_drawText(double x, double y, const char* text, double height, double angle, int just) {
-    if (!output.isOpen()) return;
+    if (!output.isOpen() || !text) return;
+    prepareLetters(text);
     char* p = putLength(putLength(output.line(), x), y);
     p = put(put(put(p, "("), EscapedText(text).view()), ") ");
     output.taken(put(putNumber(putLength(p, height), angle), textProcedure(just)));

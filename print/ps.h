@@ -1,8 +1,10 @@
 /* The PostScript driver: a page description as a plain text file that goes to a printer unchanged.
  *
  * Lengths are millimetres on the paper, x right, y up, from the sheet's lower left corner; angles are degrees, counter-
- * clockwise. Numbers are written with two decimals. Text is Windows-1252; the letters of the Norwegian alphabet and
- * its neighbours are mapped, other characters are those of the font's own encoding. One job at a time; what is drawn
+ * clockwise. Numbers are written with two decimals. Text is Windows-1252. The head of the file
+ * brings the letters of the Norwegian alphabet and its neighbours; other codes have what stands there in the font's own
+ * encoding, unless the configuration variable MC_PSENCODING is 1252 when the job begins: a page with other letters then
+ * sets the font up for all of Windows-1252 in front of its first text that needs it. One job at a time; what is drawn
  * without an open job does nothing. No application is needed. */
 #ifndef MCLIB_PRINT_PS_H
 #define MCLIB_PRINT_PS_H
@@ -12,7 +14,8 @@
 /* Opens the file and writes the prolog. 1, or 0 with a line on the console. A job that was left open ends first. */
 MCLIB_EXPORT int mclibPs_fopen(const char *fileName);
 MCLIB_EXPORT void mclibPs_newPage(void);
-/* Ends the last page and closes the file; a line on the console names a file that couldn't be stored. */
+/* Ends the last page and closes the file; a line on the console names a file that couldn't be stored, another one letters
+ * of the job that aren't shown as they are. */
 MCLIB_EXPORT void mclibPs_fclose(void);
 /* MCLIB_ERROR when the last job's file couldn't be opened, or something couldn't be written to it so far; after
  * mclibPs_fclose the word on the whole file. MCLIB_SUCCESS otherwise, and before the first job. */

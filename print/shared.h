@@ -17,6 +17,11 @@ void closeJobs();
 // Fills the scale list at start-up: the default scales, the first one active. False when out of memory.
 bool loadPlotScales();
 
+namespace print {
+// Closes the print job that the current application, which ends, has left open.
+void closeJobOfApplication();
+}  // namespace print
+
 static_assert(sizeof(mclibPrinterSetupData) == 840 && offsetof(mclibPrinterSetupData, pageWidth) == 8);
 static_assert(offsetof(mclibPrinterSetupData, orientation) == 56 && offsetof(mclibPrinterSetupData, printerName) == 68);
 static_assert(offsetof(mclibPrinterSetupData, fileName) == 323 && offsetof(mclibPrinterSetupData, fileOnly) == 580);

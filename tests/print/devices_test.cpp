@@ -102,6 +102,7 @@ TEST_F(Devices, FileThatCantBeOpenedIsToldAndNothingIsDrawn) {
         mclibPrint_fclose();
         EXPECT_EQ(mclibPrint_jobStatus(), MCLIB_ERROR);
         EXPECT_TRUE(front().consoleText.ends_with(": cannot open " + file + ".\n")) << front().consoleText;
+        EXPECT_EQ(mclibPrint_fopen(nullptr, device.number), 0);
         EXPECT_FALSE(job(device.number).empty());  // the next job is a good one
     }
 }
@@ -126,11 +127,47 @@ TEST_F(Devices, JobLeftOpenEndsBeforeTheNext) {
     for (const Device& device : devices) {
         SCOPED_TRACE(device.name);
         const std::string whole = job(device.number);
-        mclibPrint_fopen(path("left.out").c_str(), device.number);
-        mclibPrint_printElementDescr(page, 0, 0, 200, 100);
-        EXPECT_EQ(job(device.number), whole);
-        EXPECT_EQ(readFile("left.out"), whole);
+        for (const Device& next : devices) {
+            const std::string other = job(next.number);
+            mclibPrint_fopen(path("left.out").c_str(), device.number);
+            mclibPrint_printElementDescr(page, 0, 0, 200, 100);
+            EXPECT_EQ(job(next.number), other);
+            EXPECT_EQ(readFile("left.out"), whole);
+        }
     }
+}
+
+TEST_F(Devices, JobLeftOpenEndsWithItsApplication) {
+    const auto leave = [](int argc, char** argv) {
+        mclibMain_initMcLib("left", argc, argv);
+        return mclibPrint_fopen(argv[2], PRINT_POSTSCRIPT) == 1 ? 0 : 1;
+    };
+    session().endApplication(session().startApplication("left", leave, "USER", {path("left.out")}));
+    EXPECT_EQ(readFile("left.out"), std::string(psProlog) + "showpage\n");
+}
+
+TEST_F(Devices, LettersThatADeviceDoesntShowAreToldOnceAJob) {
+    corners();
+    for (const int up : {10000, 20000}) text(L"{\u00e5} m\u00b2 45\u00b0 \u20ac \u0081", 2, 0, {0, up * 1.0, 0});
+    struct Case {
+        int device;
+        const char* told;  // the end of the line
+    };
+    for (const Case& c :
+         {Case{PRINT_POSTSCRIPT, ": \u20ac (129) \u00b0 \u00b2; MC_PSENCODING = 1252 brings what Windows-1252 has"},
+          Case{PRINT_HPGL, ": { } \u20ac (129) \u00b0 \u00b2"}, Case{PRINT_PCL, ": \u20ac (129)"},
+          Case{PRINT_ASCII, ""}}) {
+        SCOPED_TRACE(c.device);
+        front().clear();
+        const std::string file = job(c.device, {0, 0, 200, 100}, 2);
+        const std::string& told = front().consoleText;
+        EXPECT_TRUE(*c.told ? told.ends_with(std::string(c.told) + "\n") : told.empty()) << told;
+        EXPECT_EQ(std::ranges::count(told, '\n'), *c.told ? 1 : 0);
+    }
+    mdlSystem_defineCfgVar("MC_PSENCODING", "1252", 4);
+    front().clear();
+    job(PRINT_POSTSCRIPT);
+    EXPECT_TRUE(front().consoleText.ends_with(": (129)\n")) << front().consoleText;
 }
 
 // A page of a size that overflows every plotter's units, with points and texts on its far ends.
@@ -145,12 +182,15 @@ TEST_F(Devices, HugeCoordinatesMakeAFile) {
 
 TEST_F(Devices, WithoutADriverAWholeJobIsTaken) {
     corners();
-    for (const int device : {2, 3, 6, 7, -1}) {
+    for (const int device : {2, 3, 6, 7, 77, -1}) {
+        front().clear();
         EXPECT_EQ(mclibPrint_fopen(path("nothing.out").c_str(), device), 1);
         mclibPrint_printElementDescr(page, 0, 0, 10, 10);
         mclibPrint_newPage();
         mclibPrint_fclose();
-        EXPECT_EQ(mclibPrint_jobStatus(), MCLIB_SUCCESS);
+        const bool known = device > 0 && device < 7;
+        EXPECT_EQ(mclibPrint_jobStatus(), known ? MCLIB_SUCCESS : MCLIB_ERROR);
+        EXPECT_EQ(front().consoleText.empty(), known) << front().consoleText;
     }
     EXPECT_EQ(readFile("nothing.out"), "");
 }

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "print/ps_letters.h"
 #include "print/ps_prolog.h"
 #include "tests/print/file_fixture.h"
 
@@ -130,6 +131,39 @@ TEST_F(PostScript, PagesEndWithShowpage) {
     mclibPs_newPage();
     mclibPs_fclose();
     EXPECT_EQ(read(file), std::string(psProlog) + "showpage\nshowpage\nshowpage\n");
+}
+
+// The rest of Windows-1252 is set up before the first text that needs it, on each page that does.
+TEST_F(PostScript, LettersBeyondTheHeadAreSetUpOnThePagesThatNeedThem) {
+    const auto pages = [this] {
+        mclibPs_fopen(file.c_str());
+        for (const char* words : {"\xE6\xF8\xE5 \xA7 (ASCII)", "m\xB2", "45\xB0", "plain"}) {
+            mclibPs_drawText(0, 0, words, 1, 0, 2);
+            if (*words == 'm') mclibPs_drawText(0, 0, "\x80", 1, 0, 2);
+            if (*words != '4') mclibPs_newPage();
+        }
+        mclibPs_fclose();
+        return read(file).substr(psProlog.size());
+    };
+    const std::string plain = pages();
+    setenv("MC_PSENCODING", "1252", 1);
+    const std::string whole = pages(), setUp(psWindowsLetters);
+    unsetenv("MC_PSENCODING");
+    const std::string first = textLine("\xE6\xF8\xE5 \xA7 (ASCII)") + "showpage\n";
+    const std::string area = textLine("m\xB2") + textLine("\x80") + "showpage\n";
+    const std::string angle = textLine("45\xB0") + textLine("plain") + "showpage\nshowpage\n";
+    EXPECT_EQ(plain, first + area + angle);
+    EXPECT_EQ(whole, first + setUp + area + setUp + angle);
+}
+
+TEST_F(PostScript, NothingIsDrawnOfNothing) {
+    EXPECT_EQ(page([] {
+                  mclibPs_drawText(0, 0, nullptr, 1, 0, 2);
+                  mclibPs_drawPolyline(nullptr, 2, 1, -1);
+                  mclibPs_drawPolylineExtended(nullptr, 2, 1, "", -1);
+              }),
+              "");
+    EXPECT_TRUE(page([] { mclibPs_drawPolylineExtended(corner, 2, 1, nullptr, -1); }).starts_with("[] 0 setdash\n"));
 }
 
 TEST_F(PostScript, EpsFileIsCopiedAsItIs) {
