@@ -58,14 +58,20 @@ void addRecord(int applicationId, const Block& block, int writtenMessage) {
     }
 }
 
+static_assert(sizeof(mclibSideData::pageName) == PAGE_NAME_LETTERS + 1);
+
+bool isSamePage(const char* a, const char* b) {
+    return std::strncmp(a, b, PAGE_NAME_LETTERS) == 0;
+}
+
 bool isIn(const char* const* names, const char* name) {
-    while (*names != nullptr && std::strcmp(*names, name) != 0) ++names;
+    while (*names != nullptr && !isSamePage(*names, name)) ++names;
     return *names != nullptr;
 }
 
 bool isToGo(const char* name, const char* pageName, const char* const* keepNames) {
     if (keepNames != nullptr) return !isIn(keepNames, name);
-    return pageName == nullptr || std::strcmp(name, pageName) == 0;
+    return pageName == nullptr || isSamePage(name, pageName);
 }
 
 }  // namespace

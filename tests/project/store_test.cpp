@@ -147,7 +147,7 @@ class ProjectStore : public LibraryTest {
     }
     static void writePage(const char* name, const char* revision = "") {
         mclibSideData page{};
-        std::strcpy(page.pageName, name);
+        std::string_view(name).copy(page.pageName, sizeof page.pageName - 1);
         std::strcpy(page.revs, revision);
         mclibProject_writePageInfoToDesignFile(&page);
     }
@@ -296,6 +296,19 @@ TEST_F(ProjectStore, DeletingPagesGoesByNameOrByWhatIsKept) {
         EXPECT_EQ(pages(), c.left);
         mclibProject_deletePageInfoFromDesignFile(nullptr, nullptr);
     }
+}
+
+TEST_F(ProjectStore, NamesOfPagesCountAsFarAsARecordKeepsThem) {
+    const std::string name(104, 'x'), other = std::string(79, 'x') + "y";
+    writePage(name.c_str(), "A");
+    writePage(other.c_str(), "B");
+    EXPECT_STREQ(readPage(name.c_str()).revs, "A");
+    const char* const keep[] = {name.c_str(), nullptr};
+    mclibProject_deletePageInfoFromDesignFile(nullptr, keep);
+    EXPECT_STREQ(readPage(name.c_str()).revs, "A");
+    EXPECT_STREQ(readPage(other.c_str()).revs, "");
+    mclibProject_deletePageInfoFromDesignFile(name.c_str(), nullptr);
+    EXPECT_STREQ(readPage(name.c_str()).revs, "");
 }
 
 TEST_F(ProjectStore, FailedWriteIsToldAndUndoBringsBackTheRecord) {
