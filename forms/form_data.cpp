@@ -93,20 +93,30 @@ bool isText(int type) {
     return type == MCLIB_FORM_TEXT || type == MCLIB_FORM_CHAR;
 }
 
-// The number that an argument stands for: a pointer is its address, cut to the word.
+bool isKind(int type) {
+    return type >= MCLIB_FORM_FLOAT && type <= MCLIB_FORM_CALLBACK;
+}
+
+// The type that the argument is read by: the field's. A float and anything else are passed in different places, so
+// there the argument's own counts.
+int typeToRead(int type, int fieldType) {
+    const bool passedOtherwise = isKind(type) && (type == MCLIB_FORM_FLOAT) != (fieldType == MCLIB_FORM_FLOAT);
+    return passedOtherwise ? type : fieldType;
+}
+
 int32_t integerOf(const Argument& argument) {
     if (argument.type == MCLIB_FORM_INTEGER) return argument.integer;
-    if (argument.type == MCLIB_FORM_FLOAT) {
-        if (!(argument.floating > INT32_MIN)) return INT32_MIN;
-        return argument.floating < INT32_MAX ? static_cast<int32_t>(argument.floating) : INT32_MAX;
-    }
+    if (!(argument.floating > INT32_MIN)) return INT32_MIN;
+    return argument.floating < INT32_MAX ? static_cast<int32_t>(argument.floating) : INT32_MAX;
+}
+
+// A pointer counts as its address, cut to the word.
+double floatOf(const Argument& argument) {
+    if (argument.type == MCLIB_FORM_FLOAT) return argument.floating;
+    if (argument.type == MCLIB_FORM_INTEGER) return argument.integer;
     const auto address = isText(argument.type) ? reinterpret_cast<uintptr_t>(argument.text)
                                                : reinterpret_cast<uintptr_t>(argument.callback.callback.function);
     return static_cast<int32_t>(static_cast<uint32_t>(address));
-}
-
-double floatOf(const Argument& argument) {
-    return argument.type == MCLIB_FORM_FLOAT ? argument.floating : integerOf(argument);
 }
 
 int storeText(FormValue& value, const char* text) {
@@ -149,10 +159,6 @@ int store(FormData& field, int row, const Argument& argument) {
     }
 }
 
-bool isKind(int type) {
-    return type >= MCLIB_FORM_FLOAT && type <= MCLIB_FORM_CALLBACK;
-}
-
 void freeTexts(FormData* field, int32_t rowCount) {
     for (int32_t row = 0; row < rowCount; ++row)
         if (field->isSet[row]) dlmSystem_mdlFree(field->values[row].text);
@@ -193,7 +199,7 @@ int mclibMatList_insertValue(FormData* form, const char* name, int type, int row
     field->isSet[row] = 1;
     va_list values;
     va_start(values, row);
-    const Argument argument = readArgument(isKind(type) ? type : field->type, values);
+    const Argument argument = readArgument(typeToRead(type, field->type), values);
     va_end(values);
     return store(*field, row, argument);
 }

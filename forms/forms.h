@@ -57,11 +57,11 @@ MCLIB_EXPORT FormData *mclibMatList_createFormDataArray(int nameLength, int rowC
 MCLIB_EXPORT void mclibMatList_destroyFormDataArray(FormData *form);
 
 /* Stores the value that follows `row` in the field of that name. A name is told by its first nameLength characters. The
- * first insertion makes the field and gives it its type, for good: a later value of another type is converted to it
- * where it can be (numbers to numbers, a pointer to the number that it is); a number can't become a text, nor anything
- * a callback. A text keeps at most 1,023 characters; null counts as empty. Results: 0; 1 when form or name is null; 2
- * when row isn't 0 to rowCount - 1; 3 when the field's type isn't 1 to 5, when the value can't be converted (the row
- * keeps what it has), or when out of memory. */
+ * first insertion makes the field and gives it its type, for good: later on the value is what that type wants, whatever
+ * `type` says, but for floats. A float for an integer field is cut to it, and what isn't one becomes a float for a float
+ * field; a float can't become a text or a callback. A text keeps at most 1,023 characters; null counts as empty.
+ * Results: 0; 1 when form or name is null; 2 when row isn't 0 to rowCount - 1; 3 when the field's type isn't 1 to 5, when
+ * the value can't be converted (the row keeps what it has), or when out of memory. */
 MCLIB_EXPORT int mclibMatList_insertValue(FormData *form, const char *name, int type, int row, ...);
 /* Takes a file name apart: row 0 of the field `name` its device with ":", row 1 its directory with every "%" doubled,
  * row 2 its name without extension, row 3 its extension with ".", row 4 its name with extension. Rows that the array

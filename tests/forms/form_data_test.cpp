@@ -78,8 +78,9 @@ TEST_F(FormArray, FieldKeepsItsFirstType) {
     EXPECT_EQ(mclibMatList_insertValue(form_, "MASS", 0, 1, 6.5), 0);  // a type that there isn't: the field's
     EXPECT_EQ(field("MASS")->values[1].floating, 6.5);
     mclibMatList_insertValue(form_, "DESC", MCLIB_FORM_TEXT, 0, "Bolt");
-    EXPECT_EQ(mclibMatList_insertValue(form_, "DESC", MCLIB_FORM_INTEGER, 0, int32_t{4}), 3);
-    EXPECT_EQ(text, std::string("12"));
+    EXPECT_EQ(mclibMatList_insertValue(form_, "DESC", MCLIB_FORM_INTEGER, 1, "Nut"), 0);
+    EXPECT_EQ(this->text("DESC", 1), "Nut");
+    EXPECT_EQ(mclibMatList_insertValue(form_, "DESC", MCLIB_FORM_FLOAT, 0, 4.0), 3);
     EXPECT_EQ(this->text("DESC", 0), "Bolt");
     EXPECT_NE(front().consoleText.find("DESC"), std::string::npos);
 }
