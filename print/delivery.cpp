@@ -26,37 +26,72 @@ bool isCopied(std::string_view printer) {
 
 // ---- commands ----
 
-struct Expansion {
-    std::string text;
-    bool hasCopies = false;  // whether the commands make the copies by themselves
-};
-
-Expansion expand(std::string_view commands, std::string_view fileName, int copies) {
-    Expansion expansion;
-    while (!commands.empty()) {
-        const std::string_view mark = commands.substr(0, 2);
-        if (mark == "%s")
-            expansion.text += fileName;
-        else if (mark == "%d")
-            expansion.text += std::to_string(copies);
-        else
-            expansion.text += mark[0];
-        expansion.hasCopies |= mark == "%d";
-        commands.remove_prefix(mark == "%s" || mark == "%d" ? 2 : 1);
-    }
-    return expansion;
-}
+constexpr std::string_view blanks = " \t", fileMark = "%s", copiesMark = "%d";
 
 // The commands between semicolons without the blanks in front of them; empty ones are left out.
-std::vector<std::string> commandsIn(std::string_view text) {
-    std::vector<std::string> commands;
+std::vector<std::string_view> commandsIn(std::string_view text) {
+    std::vector<std::string_view> commands;
     while (!text.empty()) {
         std::string_view command = text.substr(0, text.find(';'));
         text.remove_prefix(std::min(text.size(), command.size() + 1));
-        command.remove_prefix(std::min(command.find_first_not_of(" \t"), command.size()));
-        if (!command.empty()) commands.emplace_back(command);
+        command.remove_prefix(std::min(command.find_first_not_of(blanks), command.size()));
+        if (!command.empty()) commands.push_back(command);
     }
     return commands;
+}
+
+// The words of a command, as the host divides a line: at blanks, and what stands between quotes is kept together.
+std::vector<std::string> wordsIn(std::string_view command) {
+    std::vector<std::string> words;
+    bool inWord = false, inQuotes = false;
+    for (const char c : command) {
+        const bool divides = !inQuotes && blanks.find(c) != blanks.npos;
+        if (!divides && !inWord) words.emplace_back();
+        inWord = !divides;
+        if (c == '"')
+            inQuotes = !inQuotes;
+        else if (!divides)
+            words.back() += c;
+    }
+    return words;
+}
+
+// A text with the file's name for "%s" and the number of copies for "%d".
+std::string filled(std::string_view text, std::string_view fileName, int copies) {
+    std::string result;
+    while (!text.empty()) {
+        const std::string_view mark = text.substr(0, 2);
+        if (mark == fileMark)
+            result += fileName;
+        else if (mark == copiesMark)
+            result += std::to_string(copies);
+        else
+            result += mark[0];
+        text.remove_prefix(mark == fileMark || mark == copiesMark ? 2 : 1);
+    }
+    return result;
+}
+
+// A word as it stands in a line of words.
+std::string quoted(const std::string& word) {
+    if (!word.empty() && word.find_first_of(" \t\"") == word.npos) return word;
+    std::string result = "\"";
+    for (const char c : word) result.append(c == '"' ? 2 : 1, c);
+    return result + '"';
+}
+
+// A name that a command would take for an option or a redirection is one in the current folder.
+std::string asArgument(std::string_view fileName) {
+    const bool isName = !fileName.starts_with('-') && fileName.substr(0, 2).find('>') == fileName.npos;
+    return std::string(isName ? "" : "./").append(fileName);
+}
+
+// The words are divided first and filled in then, so whatever a name holds stays in its word.
+std::string commandLine(std::string_view command, std::string_view fileName, int copies) {
+    std::string line;
+    for (const std::string& word : wordsIn(command))
+        line.append(line.empty() ? "" : " ").append(quoted(filled(word, asArgument(fileName), copies)));
+    return line;
 }
 
 // 0, or what a command failed with, which the user is told.
@@ -69,13 +104,23 @@ int runCommand(const std::string& command) {
     return status;
 }
 
+int refuse(std::string_view printer) {
+    toolSubsystem_printf(
+        "The printer \"%s\" is no port and no network printer, and as a command it has no place for the file, so "
+        "nothing "
+        "is sent. Write %%s in it where the file's name belongs, as in \"lp -d office %%s\".\n",
+        printer.data());
+    return MCLIB_ERROR;
+}
+
 int runCommands(const char* fileName, const char* printer, int copies) {
-    const Expansion expansion = expand(printer, fileName, copies);
-    const std::vector<std::string> commands = commandsIn(expansion.text);
+    const std::string_view commands = printer;
+    if (commands.find(fileMark) == commands.npos) return refuse(commands);
     int firstFailure = MCLIB_SUCCESS;
-    for (int round = expansion.hasCopies ? 1 : copies; round > 0; --round)
-        for (const std::string& command : commands)
-            if (const int status = runCommand(command); firstFailure == MCLIB_SUCCESS) firstFailure = status;
+    for (int round = commands.find(copiesMark) != commands.npos ? 1 : copies; round > 0; --round)
+        for (const std::string_view command : commandsIn(commands))
+            if (const int status = runCommand(commandLine(command, fileName, copies)); firstFailure == MCLIB_SUCCESS)
+                firstFailure = status;
     return firstFailure;
 }
 
@@ -104,7 +149,7 @@ Printers systemPrinters() {
     return read ? std::move(printers) : Printers{};
 }
 
-// The system printer that the host's printer plot driver file names; empty when there is none.
+// The system printer that the host's printer plot driver file names, or its path; empty when there is none.
 std::string defaultPrinter() {
     const HostPtr<char> root{mdlSystem_getExpandedCfgVar(workspaceRoot)};
     if (!root) return {};
@@ -127,10 +172,11 @@ std::string pathOf(const Win32PrinterInfo& printer) {
 bool addPrinter(StringList* list, const Win32PrinterInfo& printer, const std::string& defaultName) {
     int32_t index = 0;
     if (mdlStringList_insertMember(&index, list, -1, stringsPerPrinter) != MDL_SUCCESS) return false;
-    const std::string name = printer.printerName ? printer.printerName : "";
+    const std::string name = printer.printerName ? printer.printerName : "", path = pathOf(printer);
     mdlStringList_setMember(list, index, name.c_str(), nullptr);
-    mdlStringList_setMember(list, index + 1, pathOf(printer).c_str(), nullptr);
-    if (!defaultName.empty() && name == defaultName) mdlStringList_setInfoField(list, index + 1, defaultMark, 1);
+    mdlStringList_setMember(list, index + 1, path.c_str(), nullptr);
+    if (!defaultName.empty() && (name == defaultName || path == defaultName))
+        mdlStringList_setInfoField(list, index + 1, defaultMark, 1);
     return true;
 }
 

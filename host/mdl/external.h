@@ -17,7 +17,7 @@ typedef struct MdlExternalProgram {
 } MdlExternalProgram;
 
 /* Starts a program and doesn't wait for it. `arguments` is one line (null: none), divided into words at blanks and tabs;
- * what stands between double quotes is kept together, and the quotes go. Null when it can't be started. */
+ * what stands between double quotes is kept together, and the quotes go; two of them in it are one. Null when it can't be started. */
 MDL_EXPORT MdlExternalProgram *mdlExternal_startProgram(const char *program, const char *arguments);
 /* Waits for the end of the program and gives the handle back. Its exit status in statusP: 0 to 255, or 128 and the
  * signal's number for a program that a signal ended. 0, or MDL_ERROR when there is nothing to wait for: the status is

@@ -209,14 +209,17 @@ std::optional<std::string> findProgram(std::string_view name) {
 std::vector<std::string> wordsOf(std::string_view line) {
     std::vector<std::string> words;
     bool inWord = false, inQuotes = false;
-    for (const char c : line) {
+    for (size_t i = 0; i < line.size(); ++i) {
+        const char c = line[i];
         const bool divides = !inQuotes && (c == ' ' || c == '\t');
         if (!divides && !inWord) words.emplace_back();
         inWord = !divides;
-        if (c == '"')
+        const bool twoQuotes = inQuotes && line.substr(i, 2) == "\"\"";
+        if (c == '"' && !twoQuotes)
             inQuotes = !inQuotes;
         else if (!divides)
             words.back() += c;
+        i += twoQuotes;
     }
     return words;
 }

@@ -21,8 +21,8 @@ HOST_EXPORT std::optional<std::string> existingPath(const std::string& path);
 // it stands; quotes around it are dropped.
 HOST_EXPORT std::optional<std::string> findProgram(std::string_view name);
 
-// The words of a line, divided at blanks and tabs. What stands between double quotes is kept together without them; a
-// quote that isn't closed reaches to the end of the line.
+// The words of a line, divided at blanks and tabs. What stands between double quotes is kept together without them, and
+// two quotes in it are one of the word's; a quote that isn't closed reaches to the end of the line.
 HOST_EXPORT std::vector<std::string> wordsOf(std::string_view line);
 
 // Whether the word begins like a path on a drive: "c:\\" or "c:/".

@@ -79,20 +79,50 @@ TEST_F(Delivery, TheTemplateDecidesHowOftenCommandsRun) {
     for (const Case& c : {
              Case{"copy %s lpt2;del %s", 2, copy + del + copy + del},
              {"print /n:%d %s", 3, "[sh][/C][PRINT][/n:3][" + file + "]\n"},
-             {"lp 100%% %x %", 1, "[lp][100%%][%x][%]\n"},
-             {";; lp -d A3 ; ;\tlp;", 1, "[lp][-d][A3]\n[lp]\n"},
+             {"lp 100%% %x % %s", 1, "[lp][100%%][%x][%][" + file + "]\n"},
+             {";; lp -d A3 ; ;\tlp \"a  %s\";", 1, "[lp][-d][A3]\n[lp][a  " + file + "]\n"},
              {"lp %d%s%s", 2, "[lp][2" + file + file + "]\n"},
-             {"lp", 0, ""},
-             {"", 3, ""},
+             {"lp %s", 0, ""},
          }) {
         SCOPED_TRACE(c.printer);
         EXPECT_EQ(send(c.printer, c.copies), 0);
         EXPECT_EQ(recorder.take(), c.ran);
     }
     std::string many, ran;
-    for (int i = 0; i < 25; ++i) many += "lp;", ran += "[lp]\n";
+    for (int i = 0; i < 25; ++i) many += "lp %s;", ran += "[lp][" + file + "]\n";
     EXPECT_EQ(send(many), 0);
     EXPECT_EQ(recorder.take(), ran);
+}
+
+TEST_F(Delivery, WhateverLettersANameHasItIsOneWordOfItsCommand) {
+    recorder.add("lp");
+    const struct {
+        const char *name, *printer, *ran;
+    } cases[] = {
+        {"a;touch PWNED.ps", "lp %s", "[lp][a;touch PWNED.ps]\n"},
+        {"b\" x\" ;touch PWNED \" y.ps", "lp \"%s\" end", "[lp][b\" x\" ;touch PWNED \" y.ps][end]\n"},
+        {"my list.ps", "lp file=%s", "[lp][file=my list.ps]\n"},
+        {"\"", "lp %s", "[lp][\"]\n"},
+        {"%d;%s", "lp %s", "[lp][%d;%s]\n"},
+        {"-o.ps", "lp %s", "[lp][./-o.ps]\n"},
+        {">P.ps", "lp %s", "[lp][./>P.ps]\n"},
+        {"2>P.ps", "lp %s", "[lp][./2>P.ps]\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(mclibPrint_sendFileToPrinter(c.name, c.printer, 1), 0);
+        EXPECT_EQ(recorder.take(), c.ran);
+    }
+}
+
+TEST_F(Delivery, CommandsWithoutAPlaceForTheFileAreRefused) {
+    recorder.add("lp");
+    for (const char* printer : {"lp", "lp -n %d", ";;", ""}) {
+        front().clear();
+        EXPECT_EQ(send(printer), MCLIB_ERROR);
+        EXPECT_THAT(front().consoleText, testing::HasSubstr("has no place for the file")) << printer;
+    }
+    EXPECT_EQ(recorder.take(), "");
 }
 
 TEST_F(Delivery, AFailedCommandIsToldAndTheNextOneRuns) {
@@ -102,8 +132,8 @@ TEST_F(Delivery, AFailedCommandIsToldAndTheNextOneRuns) {
     EXPECT_EQ(recorder.take(), "[bad][" + file + "]\n[good]\n");
     EXPECT_EQ(front().consoleText, "Error executing\nbad " + file + "\nReturn status = 3\n");
     front().clear();
-    EXPECT_EQ(send("LPT10;good;lpt1"), MCLIB_ERROR);  // neither is a port
-    EXPECT_EQ(recorder.take(), "[good]\n");
+    EXPECT_EQ(send("LPT10;good %s;lpt1"), MCLIB_ERROR);  // neither is a port
+    EXPECT_EQ(recorder.take(), "[good][" + file + "]\n");
     EXPECT_THAT(front().consoleText, testing::HasSubstr("Error executing\nLPT10\nReturn status = 32768\n"));
     EXPECT_THAT(front().consoleText, testing::HasSubstr("Error executing\nlpt1\nReturn status = 32768\n"));
 }
@@ -148,11 +178,13 @@ TEST_F(Delivery, ThePrinterListHasWhatServersOffer) {
     mdlStringList_destroy(list);
     mdlSystem_defineCfgVar("_USTN_WORKSPACEROOT", path("work").c_str(), 4);
     fs::create_directories(path("work/System/plotdrv"));
-    writeFile("work/System/plotdrv/printer.plt", "printer = drum\n");
-    list = mclibWin32_findWindowsPrinterNames();
-    EXPECT_EQ(listed(list),
-              (std::vector<ListedPrinter>{{"A3", "\\\\office\\A3", 0}, {"drum", "\\\\plotters\\drum", 1}}));
-    mdlStringList_destroy(list);
+    for (const char* named : {"drum", "\\\\plotters\\drum"}) {
+        writeFile("work/System/plotdrv/printer.plt", std::string("printer = ") + named + "\n");
+        list = mclibWin32_findWindowsPrinterNames();
+        EXPECT_EQ(listed(list),
+                  (std::vector<ListedPrinter>{{"A3", "\\\\office\\A3", 0}, {"drum", "\\\\plotters\\drum", 1}}));
+        mdlStringList_destroy(list);
+    }
 }
 
 TEST_F(Delivery, NoPrinterAtAllGivesNoListAndLocalOnesAnEmptyOne) {
