@@ -20,7 +20,14 @@ using host::Dialog;
 
 enum { PRINT_DIALOG = 20007, REPLY_OK = 3, REPLY_CANCEL = 4 };
 enum { RANGE = 20012, FIRST = 20013, LAST = 20014 };
-enum { PRINTERS = 20006, TARGET = 20012, FILE_ONLY = 20006, FILE_NAME = 20013, SYSTEM_BUTTON = 20004 };
+enum {
+    PRINTERS = 20006,
+    PRINTER_TEXT = 20016,
+    TARGET = 20012,
+    FILE_ONLY = 20006,
+    FILE_NAME = 20013,
+    SYSTEM_BUTTON = 20004
+};
 
 class PrintDialog : public LibraryTest {
   protected:
@@ -65,7 +72,8 @@ class PrintDialog : public LibraryTest {
     static std::string valueOf(int32_t kind, int32_t id) { return mdlDialog_itemGetValue(item(kind, id)); }
     // Letters of the target's items that are on show.
     static std::string shown() {
-        const std::array<std::pair<char, MdlItem*>, 5> items = {{{'p', item(ITEM_COMBO_BOX, PRINTERS)},
+        const std::array<std::pair<char, MdlItem*>, 6> items = {{{'p', item(ITEM_COMBO_BOX, PRINTERS)},
+                                                                 {'P', item(ITEM_TEXT, PRINTER_TEXT)},
                                                                  {'t', item(ITEM_TEXT, TARGET)},
                                                                  {'o', item(ITEM_TOGGLE, FILE_ONLY)},
                                                                  {'f', item(ITEM_TEXT, FILE_NAME)},
@@ -95,7 +103,7 @@ class PrintDialog : public LibraryTest {
 
 TEST_F(PrintDialog, AFileDeviceHasItsPrintersAndItsFile) {
     look([](Dialog&) {
-        EXPECT_EQ(shown(), "pof");
+        EXPECT_EQ(shown(), "pPof");
         EXPECT_EQ(mdlDialog_itemIsEnabled(item(ITEM_COMBO_BOX, PRINTERS)), 1);
         EXPECT_EQ(mdlDialog_itemIsEnabled(item(ITEM_TEXT, FILE_NAME)), 0);
     });
@@ -140,15 +148,28 @@ TEST_F(PrintDialog, APlotOnASystemPrinterShowsPrinterAndPaper) {
     run();
 }
 
-TEST_F(PrintDialog, TheSystemsDialogGivesAnotherPrinter) {
-    plotWith("printer = laser\n");
+TEST_F(PrintDialog, TheSystemsDialogGivesAnotherPrinterAndChangesNoneByItself) {
+    std::filesystem::create_directories(path("spool/office/a3"));
     constexpr int32_t choice = 1;  // option button of the system's dialog
-    script.press(SYSTEM_BUTTON).setValue(ITEM_OPTION_BUTTON, choice, "0").press(-3);
-    script.check([](Dialog&) { EXPECT_EQ(valueOf(ITEM_TEXT, TARGET), "a3"); });
-    run();
-    char printer[MDL_PLOT_TEXT_BYTES] = "";
-    mdlPlotDesc_getSysPrinter(printer, static_cast<MdlPlotDesc*>(data->plotDescr));
-    EXPECT_STREQ(printer, "a3");
+    const struct {
+        const char *printer, *chosen, *after;  // chosen: a row of hall\a3, hall\laser, office\a3
+    } cases[] = {
+        {"laser", "0", "\\\\hall\\a3"},           {"laser", "2", "\\\\office\\a3"},
+        {"\\\\office\\a3", "", "\\\\office\\a3"}, {"\\\\Hall\\LASER", "", "\\\\hall\\laser"},
+        {"\\\\other\\a3", "", "\\\\other\\a3"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.printer);
+        mdlPlotDesc_destroy(static_cast<MdlPlotDesc*>(data->plotDescr));
+        plotWith(std::string("printer = ") + c.printer + "\n");
+        script.press(SYSTEM_BUTTON);
+        if (*c.chosen) script.setValue(ITEM_OPTION_BUTTON, choice, c.chosen);
+        script.press(-3).check([&](Dialog&) { EXPECT_EQ(valueOf(ITEM_TEXT, TARGET), c.after); });
+        run();
+        char printer[MDL_PLOT_TEXT_BYTES] = "";
+        mdlPlotDesc_getSysPrinter(printer, static_cast<MdlPlotDesc*>(data->plotDescr));
+        EXPECT_STREQ(printer, c.after);
+    }
 }
 
 TEST_F(PrintDialog, APlotWithoutADescriptionShowsAFile) {
