@@ -12,7 +12,10 @@
 #include "frame/util.h"
 #include "geometry/elmdscr.h"
 #include "host/mdl/dialog.h"
+#include "host/mdl/model.h"
 #include "host/mdl/resource.h"
+#include "host/mdl/view.h"
+#include "print/page_look.h"
 #include "print/shared.h"
 
 namespace forms {
@@ -154,14 +157,31 @@ void setTitle(const GlobalData& data, MdlDialog* dialog) {
     mdlWindow_titleSet(dialog, title);
 }
 
+// A page on the screen has the order and the greys of paper. Other than 0 for what another pass draws.
+int lookOnPaper(MdlElementLook* look, const MSElementBuffer* element, void* filter) {
+    LevelId level = 0;
+    mdlElement_getProperties(&level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, element);
+    const int32_t code = print::codeOfLevel(mdlModelRef_getActive(), level);
+    if (!print::isInPass(*static_cast<const int32_t*>(filter), code)) return 1;
+    if (code != print::backgroundLevel) return 0;
+    if (print::isClosedShape(element)) look->gray = print::fillOf(element, code, look->color);
+    if (print::isGreyColor(code, look->color)) look->color = 0;
+    return 0;
+}
+
 void drawSheet(const GlobalData& data, MdlDialog* dialog, const DialogRect& area) {
     const Sheet sheet = sheetOnScreen(isTurned(data.previewDescr));
     const DialogRect paper = fitted(area, sheet);
     if (isEmpty(paper)) return;
     mdlDialog_rectFill(dialog, &paper, PAPER_COLOR);
     const DialogRect printable = insideMargins(paper, sheet);
-    if (data.previewDescr && !isEmpty(printable))
+    if (!data.previewDescr || isEmpty(printable)) return;
+    for (int32_t filter : print::pagePasses) {
+        const MdlPaper onScreen{(paper.right - paper.left) / sheet.width, lookOnPaper, &filter};
+        mdlWindow_setPaper(dialog, &onScreen);
         mclibElemDscr_drawElementDescr(dialog, &printable, data.previewDescr, pageViewFlags, 0);
+    }
+    mdlWindow_setPaper(dialog, nullptr);
 }
 
 }  // namespace
@@ -177,15 +197,9 @@ void storeExtent(GlobalData& data, const MdlDialog* dialog) {
     *data.previewExtent = {window.right - window.left, window.bottom - window.top};
     const PreferenceFile file(MDL_RSC_WRITE);
     if (!file) return;
-    if (uint8_t* const block = loadExtent(file.handle())) {
-        extentFields(StoreFields({block, storedExtentSize}), *data.previewExtent);
-        mdlResource_write(block);
-        mdlResource_free(block);
-        return;
-    }
     uint8_t bytes[storedExtentSize];
     extentFields(StoreFields(bytes), *data.previewExtent);
-    mdlResource_add(file.handle(), extentType, extentId, bytes, sizeof bytes, 0, nullptr);
+    mdlResource_put(file.handle(), extentType, extentId, bytes, sizeof bytes);
 }
 
 void layOutPreview(MdlDialog* dialog) {

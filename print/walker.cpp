@@ -10,20 +10,18 @@
 #include "frame/main.h"
 #include "frame/util.h"
 #include "geometry/elmdscr.h"
-#include "host/mdl/level.h"
 #include "host/mdl/model.h"
 #include "host/mdl/text.h"
 #include "host/mdl/transform.h"
+#include "print/page_look.h"
 #include "print/styles.h"
 
 namespace {
 
 constexpr double pi = std::numbers::pi;
-constexpr int32_t backgroundLevel = 63;
 constexpr double strokeTolerance = 0.01;  // mm
 constexpr double heightOfBox = 1.3;       // text height for each millimetre of its box
-constexpr double noFill = -1.0;
-constexpr int visitAll = 11;  // headers and components of the whole chain
+constexpr int visitAll = 11;              // headers and components of the whole chain
 
 // ---- from design to paper ----
 
@@ -69,8 +67,7 @@ struct Symbology {
     int32_t color, weight, style;
 };
 
-// One pass over the page. A filter of 0 or above takes the elements of that level code alone, a negative one leaves
-// those of its absolute value out.
+// One pass over the page.
 struct Pass {
     const PrintDriver& driver;
     ModelRef* model;
@@ -84,16 +81,10 @@ struct Pass {
         LevelId level = 0;
         mdlElement_getProperties(&level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, element);
         if (levelKnown && level == knownLevel) return knownCode;
-        knownCode = 0;
-        mdlLevel_getCode(&knownCode, model, level);
+        knownCode = print::codeOfLevel(model, level);
         knownLevel = level;
         levelKnown = true;
         return knownCode;
-    }
-
-    bool takes(int32_t levelCode) const {
-        if (filter >= 0 && levelCode != filter) return false;
-        return filter > 0 || levelCode != -filter;
     }
 };
 
@@ -176,12 +167,6 @@ void printStroke(const Pass& pass, const PointArray& points, int32_t count, cons
                         .gray = gray});
 }
 
-// The grey that a closed shape is filled with: on the background level the colours 100 to 200 are greys.
-double fillOf(const MSElementBuffer* element, int32_t levelCode, int32_t color) {
-    if (levelCode == backgroundLevel && 100 <= color && color <= 200) return 1.0 - (color - 100) * 0.01;
-    return mdlElement_isFilled(element) ? 0.0 : noFill;
-}
-
 void printClosedShape(const Pass& pass, const ElementDescr* node, int32_t levelCode) {
     const Symbology symbology = symbologyOf(node->element, pass.model);
     Point3d* points = nullptr;
@@ -189,7 +174,7 @@ void printClosedShape(const Pass& pass, const ElementDescr* node, int32_t levelC
     const int status = mdlElmdscr_stroke(&points, &count, node, strokeTolerance);
     const PointArray owned(points);
     if (status == MDL_SUCCESS)
-        printStroke(pass, owned, count, symbology, fillOf(node->element, levelCode, symbology.color));
+        printStroke(pass, owned, count, symbology, print::fillOf(node->element, levelCode, symbology.color));
 }
 
 void printLine(const Pass& pass, const MSElementBuffer* element) {
@@ -197,7 +182,7 @@ void printLine(const Pass& pass, const MSElementBuffer* element) {
     int32_t count = 0;
     const int status = mdlElement_stroke(&points, &count, element, strokeTolerance);
     const PointArray owned(points);
-    if (status == MDL_SUCCESS) printStroke(pass, owned, count, symbologyOf(element, pass.model), noFill);
+    if (status == MDL_SUCCESS) printStroke(pass, owned, count, symbologyOf(element, pass.model), print::noFill);
 }
 
 bool isPartOfComplexShape(const ElementDescr* node) {
@@ -208,18 +193,14 @@ int printElement(MSElementBuffer* element, void* argument, int32_t, int32_t, Ele
     auto& pass = *static_cast<Pass*>(argument);
     mclibUtil_updateHourGlass();
     const int32_t levelCode = pass.levelCodeOf(element);
-    if (!pass.takes(levelCode) || isPartOfComplexShape(node)) return 0;
-    switch (mdlElement_getType(element)) {
-        case MDL_TEXT:
-            if (pass.driver.label) printText(pass, element);
-            break;
-        case MDL_SHAPE:
-        case MDL_COMPLEX_SHAPE:
-        case MDL_ELLIPSE:
-            if (pass.driver.stroke) printClosedShape(pass, node, levelCode);
-            break;
-        default:
-            if (pass.driver.stroke) printLine(pass, element);
+    if (!print::isInPass(pass.filter, levelCode) || isPartOfComplexShape(node)) return 0;
+    if (mdlElement_getType(element) == MDL_TEXT) {
+        if (pass.driver.label) printText(pass, element);
+    } else if (pass.driver.stroke) {
+        if (print::isClosedShape(element))
+            printClosedShape(pass, node, levelCode);
+        else
+            printLine(pass, element);
     }
     return 0;
 }
@@ -233,7 +214,7 @@ void walkPage(const PrintDriver& driver, ElementDescr* page, const PaperBox& box
     if (!transform.fit(range, box, driver.quarterTurn)) return;
     const GlobalData* gd = mclibMain_getGlobalDataP();
     const double pageAngle = gd ? gd->pageAngle : 0.0;
-    for (const int32_t filter : {backgroundLevel, -backgroundLevel}) {
+    for (const int32_t filter : print::pagePasses) {
         Pass pass{.driver = driver, .model = mdlModelRef_getActive(), .pageAngle = pageAngle, .filter = filter};
         mdlElmdscr_operation(page, printElement, &pass, visitAll);
     }

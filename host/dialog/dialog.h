@@ -14,6 +14,7 @@
 
 #include "host/export.h"
 #include "host/mdl/dialog.h"
+#include "host/mdl/view.h"
 #include "host/resource/container.h"
 
 namespace host {
@@ -31,6 +32,14 @@ struct DrawnTextBox {
     double x, y, alongX, alongY, upX, upY;
 };
 
+// How a line of an element lies on paper. Lengths are pixels.
+struct PaperLine {
+    std::vector<double> points;  // x and y in turn
+    double width;
+    std::vector<double> dashes;  // and gaps in turn; none: solid
+    double gray;                 // of the fill, 0 black to 1 white, and there is no line then; else below 0
+};
+
 // One drawing call of a hook; pixels of the content area.
 struct DrawCall {
     enum class Kind { text, edge, icon, line, bevel, fill };
@@ -44,6 +53,7 @@ struct DrawCall {
     std::vector<int32_t> points;      // of a line: x and y in turn
     LineLook look;                    // of a line
     bool filled = false;              // of a bevel, and of a line
+    std::optional<PaperLine> paper;   // of an element's line, whose points and look count no more then
     std::optional<DrawnTextBox> box;  // of a text of a drawing, which fills it; `color` is then an element's colour
 };
 
@@ -135,6 +145,8 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     LineLook lineLook() const { return lineLook_; }
     int32_t lineColor() const { return lineColor_; }
     void setLine(LineLook look, int32_t color) { lineLook_ = look, lineColor_ = color; }
+    const MdlPaper& paper() const { return paper_; }
+    void setPaper(const MdlPaper& paper) { paper_ = paper; }
     void clear();  // the display list
     bool open();   // sends the messages of creation; false when a hook closed it meanwhile
     void end(int32_t reply);
@@ -170,6 +182,7 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     int32_t attributes_ = 0;
     int32_t reply_ = 0;
     int32_t font_;
+    MdlPaper paper_{};
     LineLook lineLook_;
     int32_t lineColor_ = firstFixedColor + 7;
     bool modal_;

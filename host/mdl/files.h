@@ -54,6 +54,8 @@ MDL_EXPORT int mdlFile_abbreviateName(char *name, int size);
 /* The path of the system (UTF-8) that a name stands for, for calls other than the host's. MDL_ERROR, and an empty path,
  * when it doesn't fit in `size` bytes. */
 MDL_EXPORT int mdlFile_getSystemPath(char *path, int size, const char *name);
+/* The same to be shown to people: in Windows-1252 when that has all its characters. */
+MDL_EXPORT int mdlFile_getSystemName(char *shown, int size, const char *name);
 
 /* ---- folders ---- */
 enum { MDL_ATTRIBUTE_READ_ONLY = 1, MDL_ATTRIBUTE_DIRECTORY = 128 };

@@ -75,6 +75,8 @@ MDL_EXPORT int mdlResource_write(const void *block);
  * nothing to the host. A block that is there already isn't replaced: MDL_ERROR. */
 MDL_EXPORT int mdlResource_add(RscHandle rscFile, int32_t type, int32_t id, const void *data, int32_t size,
                                int32_t attributes, const char *name);
+/* The same, and a block that is stored there already is replaced, whatever its size. */
+MDL_EXPORT int mdlResource_put(RscHandle rscFile, int32_t type, int32_t id, const void *data, int32_t size);
 /* Gives back a block that was loaded. MDL_ERROR for anything else; 0 for null. */
 MDL_EXPORT int mdlResource_free(void *block);
 

@@ -171,7 +171,27 @@ class DialogPen {
         cairo_set_font_size(pen(), 12);
     }
 
+    void paperLine(const PaperLine& line, const DrawCall& call) {
+        constexpr double thinnest = 1 / dotsPerPixel;
+        cairo_save(pen());
+        use(line.gray < 0 ? colorOf(call.color) : PaperColor{line.gray, line.gray, line.gray});
+        const std::vector<double>& p = line.points;
+        for (size_t i = 0; i + 1 < p.size(); i += 2) cairo_line_to(pen(), p[i], p[i + 1]);
+        if (p.front() == p[p.size() - 2] && p[1] == p.back()) cairo_close_path(pen());
+        if (call.filled || line.gray >= 0) cairo_fill_preserve(pen());
+        cairo_set_line_width(pen(), std::max(line.width, thinnest));
+        cairo_set_dash(pen(), line.dashes.data(), static_cast<int>(line.dashes.size()), 0);
+        cairo_set_line_join(pen(), CAIRO_LINE_JOIN_ROUND);
+        cairo_set_line_cap(pen(), line.dashes.empty() ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
+        if (line.gray < 0)
+            cairo_stroke(pen());
+        else
+            cairo_new_path(pen());
+        cairo_restore(pen());
+    }
+
     void polyline(const DrawCall& call) {
+        if (call.paper) return paperLine(*call.paper, call);
         use(colorOf(call.color));
         cairo_set_line_width(pen(), call.look.width);
         for (size_t i = 0; i + 1 < call.points.size(); i += 2)

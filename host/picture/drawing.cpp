@@ -34,11 +34,13 @@ void draw(const ElementDescr* ed, const Range3d* range, double tolerance, const 
         const bool outline = headOf(ed->element).type == MDL_COMPLEX_SHAPE;
         if (!outline && ed->firstChild) draw(ed->firstChild, range, tolerance, pen);
         if (isOutside(ed, range)) continue;
+        Look look = lookOf(ed);
+        if (pen.adjust && !pen.adjust(ed->element, look)) continue;
         points.clear();
         if (const auto text = textOf(ed->element)) {
-            if (text->body.count > 0) pen.text(*text, lookOf(ed));
+            if (text->body.count > 0) pen.text(*text, look);
         } else if (strokeNode(points, ed, tolerance, identityTransform)) {
-            pen.line(points, lookOf(ed));
+            pen.line(points, look);
         }
     }
 }

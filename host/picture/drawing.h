@@ -15,12 +15,17 @@ struct Look {
     int32_t color = 0, weight = 0, style = 0;
     double styleScale = 1, styleWidth = 0;
     bool filled = false;
+    double gray = noGray;  // 0 (black) to 1 (white): the outline is filled with this, and has no line
     ModelRef* model = nullptr;
+
+    static constexpr double noGray = -1;
 };
 
 struct Pen {
     std::function<void(const std::vector<Point3d>& points, const Look& look)> line;
     std::function<void(const TextView& text, const Look& look)> text;
+    // May change the look of an element; false leaves it out. None: everything as it is.
+    std::function<bool(const MSElementBuffer* element, Look& look)> adjust = nullptr;
 };
 
 // Calls the pen for chain and children, in UOR, in their order. Elements without a look of their own (headers,

@@ -33,6 +33,7 @@ struct Dashes {
     int count;
     double lengths[6];
 };
+constexpr size_t mostDashes = 32;
 constexpr auto styleDashes = std::to_array<Dashes>({
     {0, {}},                                   // 0 solid
     {2, {0.35, 0.85}},                         // 1 dots
@@ -63,12 +64,6 @@ constexpr auto colors = std::to_array<PaperColor>({
     {0.25, 0.40, 0.35},  // 14 dark green
     {0.75, 0.75, 0.75},  // 15 light grey
 });
-
-double penWidth(const Look& look, double mmPerMaster) {
-    if (look.styleWidth > 0 && std::isfinite(look.styleWidth)) return look.styleWidth * mmPerMaster;
-    const auto weight = static_cast<size_t>(look.weight);
-    return penWidths[look.weight >= 0 && weight < penWidths.size() ? weight : 2];
-}
 
 double pointsOf(double mm) {
     return mm * pointsPerInch / mmPerInch;
@@ -103,6 +98,30 @@ std::string utf8Of(const TextView& text) {
 }
 
 }  // namespace
+
+double penWidth(const Look& look, double mmPerMaster) {
+    if (look.styleWidth > 0 && std::isfinite(look.styleWidth)) return look.styleWidth * mmPerMaster;
+    const auto weight = static_cast<size_t>(look.weight);
+    return penWidths[look.weight >= 0 && weight < penWidths.size() ? weight : 2];
+}
+
+std::vector<double> dashesOf(const Look& look, double mmPerMaster) {
+    std::vector<double> lengths;
+    if (look.style < 0) {
+        int32_t count = 0;
+        lengths.resize(mostDashes);
+        if (mdlLineStyle_getPattern(lengths.data(), &count, look.style, look.model) != MDL_SUCCESS) count = 0;
+        lengths.resize(static_cast<size_t>(count));
+        for (double& length : lengths) length *= mmPerMaster * look.styleScale;
+    } else if (static_cast<size_t>(look.style) < styleDashes.size()) {
+        const Dashes& dashes = styleDashes[static_cast<size_t>(look.style)];
+        lengths.assign(dashes.lengths, dashes.lengths + dashes.count);
+    }
+    const bool usable = std::ranges::all_of(lengths, [](double l) { return l >= 0 && std::isfinite(l); }) &&
+                        std::ranges::any_of(lengths, [](double l) { return l > 0.05; });
+    if (!usable) lengths.clear();
+    return lengths;
+}
 
 PaperColor paperColor(int32_t index) {
     return colors[static_cast<uint32_t>(index) % colors.size()];
@@ -175,22 +194,10 @@ Point3d Sheet::onPaper(const Point3d& p) const {
             std::clamp((range_.high.y - p.y) * scale_, -farOff, farOff), 0};
 }
 
-void Sheet::setDashes(const Look& look) {
-    std::array<double, 32> lengths{};
-    int32_t count = 0;
-    if (look.style < 0 && mdlLineStyle_getPattern(lengths.data(), &count, look.style, look.model) == MDL_SUCCESS) {
-        const double unit = mdlModelRef_getUorPerMaster(look.model) * scale_ * look.styleScale;
-        for (int32_t i = 0; i < count; ++i) lengths[static_cast<size_t>(i)] *= unit;
-    } else if (look.style > 0 && static_cast<size_t>(look.style) < styleDashes.size()) {
-        const Dashes& dashes = styleDashes[static_cast<size_t>(look.style)];
-        std::ranges::copy(dashes.lengths, lengths.begin());
-        count = dashes.count;
-    }
-    const auto shown = std::span(lengths).first(static_cast<size_t>(count));
-    const bool usable = std::ranges::all_of(shown, [](double l) { return l >= 0 && std::isfinite(l); }) &&
-                        std::ranges::any_of(shown, [](double l) { return l > 0.05; });
-    cairo_set_dash(pen_.get(), lengths.data(), usable ? count : 0, 0);
-    cairo_set_line_cap(pen_.get(), usable ? CAIRO_LINE_CAP_BUTT : CAIRO_LINE_CAP_ROUND);
+void Sheet::setDashes(const Look& look, double mmPerMaster) {
+    const std::vector<double> dashes = dashesOf(look, mmPerMaster);
+    cairo_set_dash(pen_.get(), dashes.data(), static_cast<int>(dashes.size()), 0);
+    cairo_set_line_cap(pen_.get(), dashes.empty() ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
 }
 
 void Sheet::line(const std::vector<Point3d>& points, const Look& look) {
@@ -203,8 +210,9 @@ void Sheet::line(const std::vector<Point3d>& points, const Look& look) {
     }
     if (points.front() == points.back()) cairo_close_path(pen);
     if (look.filled) cairo_fill_preserve(pen);
-    setDashes(look);
-    cairo_set_line_width(pen, penWidth(look, mdlModelRef_getUorPerMaster(look.model) * scale_));
+    const double mmPerMaster = mdlModelRef_getUorPerMaster(look.model) * scale_;
+    setDashes(look, mmPerMaster);
+    cairo_set_line_width(pen, penWidth(look, mmPerMaster));
     cairo_stroke(pen);
 }
 

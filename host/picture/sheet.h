@@ -17,6 +17,11 @@ struct PaperColor {
 };
 PaperColor paperColor(int32_t index);
 
+// On paper, in millimetres: the width of the pen that an element is drawn with, mmPerMaster to a master unit, and the
+// dashes and gaps of its line in turn, none for a solid one.
+double penWidth(const Look& look, double mmPerMaster);
+std::vector<double> dashesOf(const Look& look, double mmPerMaster);
+
 enum class PictureKind { png, svg, pdf };
 
 // A page of paper with a picture on it, which is cut off behind the pens of lines on its edges. Millimetres from the
@@ -46,7 +51,7 @@ class Sheet {
           double pageHeight);
     void line(const std::vector<Point3d>& points, const Look& look);
     void text(const TextView& text, const Look& look);
-    void setDashes(const Look& look);
+    void setDashes(const Look& look, double mmPerMaster);
     Point3d onPaper(const Point3d& p) const;
 
     PictureKind kind_;

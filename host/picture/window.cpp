@@ -5,8 +5,9 @@
 
 #include "host/dialog/registry.h"
 #include "host/mdl/dialog.h"
+#include "host/mdl/model.h"
 #include "host/mdl/view.h"
-#include "host/picture/drawing.h"
+#include "host/picture/sheet.h"
 #include "host/session/guard.h"
 
 using namespace host;
@@ -48,23 +49,47 @@ class WindowMap {
     double scale_ = 1, left_, bottom_;
 };
 
-int32_t pixel(double value) {
+// What lies far off the window is brought nearer: cairo counts in fixed numbers that would overflow.
+double nearby(double value) {
     constexpr double farOff = 1e6;
-    return static_cast<int32_t>(std::lround(std::clamp(value, -farOff, farOff)));
+    return std::clamp(value, -farOff, farOff);
 }
+
+int32_t pixel(double value) {
+    return static_cast<int32_t>(std::lround(nearby(value)));
+}
+
+constexpr double screenPixelsPerMm = 96 / 25.4;
 
 // Draws into the display list of a dialog.
 class WindowPen {
   public:
-    WindowPen(Dialog& dialog, const WindowMap& map) : dialog_(dialog), map_(map) {}
+    WindowPen(Dialog& dialog, const WindowMap& map)
+        : dialog_(dialog),
+          map_(map),
+          pixelsPerMm_(dialog.paper().pixelsPerMm > 0 ? dialog.paper().pixelsPerMm : screenPixelsPerMm) {}
+
+    bool adjust(const MSElementBuffer* element, Look& look) const {
+        const MdlPaper& paper = dialog_.paper();
+        if (!paper.look) return true;
+        MdlElementLook shown{look.color, look.gray};
+        if (paper.look(&shown, element, paper.userArg) != 0) return false;
+        look.color = shown.color;
+        look.gray = shown.gray;
+        return true;
+    }
 
     void line(const std::vector<Point3d>& points, const Look& look) {
         DrawCall call{.kind = DrawCall::Kind::line, .color = look.color, .filled = look.filled};
+        const double mmPerMaster = mdlModelRef_getUorPerMaster(look.model) * map_.scale() / pixelsPerMm_;
+        PaperLine paper{{}, penWidth(look, mmPerMaster) * pixelsPerMm_, dashesOf(look, mmPerMaster), look.gray};
+        for (double& length : paper.dashes) length *= pixelsPerMm_;
         for (const Point3d& p : points) {
             const Point3d at = map_.at(p);
-            call.points.push_back(pixel(at.x));
-            call.points.push_back(pixel(at.y));
+            paper.points.insert(paper.points.end(), {nearby(at.x), nearby(at.y)});
+            call.points.insert(call.points.end(), {pixel(at.x), pixel(at.y)});
         }
+        call.paper = std::move(paper);
         dialog_.add(std::move(call));
     }
 
@@ -82,6 +107,7 @@ class WindowPen {
   private:
     Dialog& dialog_;
     const WindowMap& map_;
+    double pixelsPerMm_;
 };
 
 }  // namespace
@@ -90,6 +116,15 @@ int mdlView_getStandard(RotMatrix* matrix, int32_t view) {
     if (!matrix || view < 1 || view > static_cast<int32_t>(standardViews.size())) return MDL_ERROR;
     *matrix = standardViews[static_cast<size_t>(view) - 1];
     return MDL_SUCCESS;
+}
+
+int mdlWindow_setPaper(MdlDialog* window, const MdlPaper* paper) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto dialog = dialogOf(window);
+        if (!dialog) return MDL_ERROR;
+        dialog->setPaper(paper ? *paper : MdlPaper{});
+        return MDL_SUCCESS;
+    });
 }
 
 int mdlElmdscr_displayToWindow(MdlDialog* window, const DialogRect* rect, const ViewFlags*, ElementDescr* ed,
@@ -105,7 +140,8 @@ int mdlElmdscr_displayToWindow(MdlDialog* window, const DialogRect* rect, const 
         WindowPen pen(*dialog, map);
         draw(ed, nullptr, tolerance / map.scale(),
              {[&](const auto& points, const Look& look) { pen.line(points, look); },
-              [&](const TextView& text, const Look& look) { pen.text(text, look); }});
+              [&](const TextView& text, const Look& look) { pen.text(text, look); },
+              [&](const MSElementBuffer* element, Look& look) { return pen.adjust(element, look); }});
         return MDL_SUCCESS;
     });
 }

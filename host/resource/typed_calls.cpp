@@ -115,6 +115,18 @@ int writeTo(RscHandle file, const std::function<void(ResourceStore&)>& body) noe
     });
 }
 
+namespace {
+
+int putBlock(RscHandle file, Put how, int32_t type, int32_t id, const void* data, int32_t size, int32_t attributes,
+             std::string_view name) {
+    if (size < 0 || size > greatestBlock || (!data && size > 0)) return MDL_ERROR;
+    return writeTo(file, [&](ResourceStore& store) {
+        store.put(how, type, id, {static_cast<const std::byte*>(data), static_cast<size_t>(size)}, attributes, name);
+    });
+}
+
+}  // namespace
+
 }  // namespace host
 
 using namespace host;
@@ -150,11 +162,11 @@ int mdlResource_write(const void* block) {
 
 int mdlResource_add(RscHandle rscFile, int32_t type, int32_t id, const void* data, int32_t size, int32_t attributes,
                     const char* name) {
-    if (size < 0 || size > greatestBlock || (!data && size > 0)) return MDL_ERROR;
-    return writeTo(rscFile, [&](ResourceStore& store) {
-        store.put(Put::add, type, id, {static_cast<const std::byte*>(data), static_cast<size_t>(size)}, attributes,
-                  textOf(name));
-    });
+    return putBlock(rscFile, Put::add, type, id, data, size, attributes, textOf(name));
+}
+
+int mdlResource_put(RscHandle rscFile, int32_t type, int32_t id, const void* data, int32_t size) {
+    return putBlock(rscFile, Put::either, type, id, data, size, 0, {});
 }
 
 int mdlResource_free(void* block) {

@@ -74,6 +74,14 @@ std::string_view textOf(const char* part) {
     return part == nullptr ? std::string_view() : part;
 }
 
+// Leaves the buffer empty when the text doesn't fit.
+int giveWhole(char* buffer, int size, std::string_view text) {
+    if (buffer == nullptr || size < 1) return MDL_ERROR;
+    const bool fits = text.size() < static_cast<size_t>(size);
+    copyPart(buffer, fits ? text : std::string_view());
+    return fits ? MDL_SUCCESS : MDL_ERROR;
+}
+
 std::string builtName(std::string_view device, std::string_view directory, std::string_view name,
                       std::string_view extension) {
     std::string path(device);
@@ -154,13 +162,11 @@ int mdlFile_abbreviateName(char* name, int size) {
 }
 
 int mdlFile_getSystemPath(char* path, int size, const char* name) {
-    return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (path == nullptr || size < 1) return MDL_ERROR;
-        const std::string found = systemPath(name != nullptr ? name : "");
-        const bool fits = found.size() < static_cast<size_t>(size);
-        copyPart(path, fits ? found : std::string());
-        return fits ? MDL_SUCCESS : MDL_ERROR;
-    });
+    return guarded<int>(MDL_ERROR, [&]() -> int { return giveWhole(path, size, systemPath(textOf(name))); });
+}
+
+int mdlFile_getSystemName(char* shown, int size, const char* name) {
+    return guarded<int>(MDL_ERROR, [&]() -> int { return giveWhole(shown, size, hostName(systemPath(textOf(name)))); });
 }
 
 int mdlFile_getFileAttributes(int32_t* attributesP, const char* name) {

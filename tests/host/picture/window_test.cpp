@@ -49,6 +49,7 @@ class WindowTest : public SessionTest {
 
     MdlDialog* window = nullptr;
     ElementDescr* ed = nullptr;
+    int asked = 0;
 };
 
 TEST_F(WindowTest, DrawingFillsTheRectangleAndIsCentred) {
@@ -58,6 +59,35 @@ TEST_F(WindowTest, DrawingFillsTheRectangleAndIsCentred) {
     ASSERT_EQ(calls.size(), 1u);
     EXPECT_EQ(calls[0].kind, DrawCall::Kind::line);
     EXPECT_EQ(calls[0].points, (std::vector<int32_t>{10, 70, 110, 70}));
+}
+
+TEST_F(WindowTest, LinesAreAsWideAndDashedAsOnThePaperThatTheWindowShows) {
+    const uint32_t weight = 5;
+    const int32_t style = 3;
+    mdlElement_setSymbology(ed->element, nullptr, &weight, &style);
+    ASSERT_EQ(display(), MDL_SUCCESS);
+    const MdlPaper paper{2.0,
+                         [](MdlElementLook* look, const MSElementBuffer* element, void* asked) {
+                             ++*static_cast<int*>(asked);
+                             look->gray = 0.25;
+                             return mdlElement_getType(element) == MDL_TEXT ? 1 : 0;
+                         },
+                         &asked};
+    addText(40);
+    ASSERT_EQ(mdlWindow_setPaper(window, &paper), MDL_SUCCESS);
+    ASSERT_EQ(display(), MDL_SUCCESS);
+    EXPECT_EQ(asked, 2);
+    ASSERT_EQ(mdlWindow_setPaper(window, nullptr), MDL_SUCCESS);
+    const auto calls = drawn();
+    ASSERT_EQ(calls.size(), 2u) << "the text was left out";
+    ASSERT_TRUE(calls[0].paper && calls[1].paper);
+    EXPECT_NEAR(calls[0].paper->width, 96 / 25.4, 1e-9) << "1 mm on a screen";
+    EXPECT_LT(calls[0].paper->gray, 0);
+    EXPECT_EQ(calls[1].paper->width, 2);
+    EXPECT_EQ(calls[1].paper->dashes, (std::vector<double>{8, 4}));
+    EXPECT_EQ(calls[1].paper->gray, 0.25);
+    EXPECT_EQ(calls[1].paper->points, (std::vector<double>{10, 70, 110, 70}));
+    EXPECT_EQ(mdlWindow_setPaper(nullptr, nullptr), MDL_ERROR);
 }
 
 TEST_F(WindowTest, TextsOfAnySizeFillTheirBoxes) {
