@@ -43,7 +43,7 @@ constexpr int messageTitleSize = 513;
 struct GlobalData {
     uint8_t upfIsOpen;
     uint8_t upfIsReadOnly;
-    char** pageNames;
+    char** pageNames;  // ended by a null pointer
     char* dialogTitle;
     char* dialogLabel;
     char currentPageName[81];
@@ -68,6 +68,7 @@ struct GlobalData {
     int32_t fileListFirstUse;
     int32_t isInitApp;
     int32_t pageInfoPage;
+    int32_t pageNameCount;
     int32_t listBoxColumns, listBoxRows;
     int32_t nextAttributeId;
     int32_t initAppCount;

@@ -37,7 +37,7 @@ constexpr int versionFormat = 57;
 constexpr int defineFolderQuestion = 5;
 constexpr int defineFolderFlags = 145;
 constexpr int userLevel = 4;
-enum { PROJECT_DIALOG = 20008, ATTRIBUTE_DIALOG = 20013 };
+enum { ATTRIBUTE_DIALOG = 20013 };
 
 // ---- blocks ----
 

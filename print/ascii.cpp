@@ -9,6 +9,7 @@
 #include "frame/errors.h"
 #include "host/mdl/system.h"
 #include "host/mdl/transform.h"
+#include "print/ascii_sheet.h"
 #include "print/driver.h"
 #include "print/output.h"
 
@@ -123,26 +124,41 @@ void tellCutGaps() {
         output.name());
 }
 
-}  // namespace
-
-// ---- the job ----
-
-int mclibAscii_fopen(const char* fileName) {
-    mclibAscii_fclose();
+void beginSheet() {
     state = {.characters = {}, .texts = {}, .minX = *fc_rmaxi4P, .gapCut = false};
-    return output.open("mclibAscii", fileName);
 }
 
-void mclibAscii_newPage(void) {}
-
-void mclibAscii_fclose(void) {
-    if (!output.isOpen()) return;
+void endSheet() {
     sortRows(state.texts.data, state.texts.count);
     layOutTexts(state.texts.data, state.texts.count);
     if (state.gapCut) tellCutGaps();
     state.texts.release();
     state.characters.release();
     output.write("\n");
+}
+
+}  // namespace
+
+// ---- the job ----
+
+int mclibAscii_fopen(const char* fileName) {
+    mclibAscii_fclose();
+    beginSheet();
+    return output.open("mclibAscii", fileName);
+}
+
+void mclibAscii_newPage(void) {}
+
+void nextAsciiSheet() {
+    if (!output.isOpen()) return;
+    endSheet();
+    output.write("\f");
+    beginSheet();
+}
+
+void mclibAscii_fclose(void) {
+    if (!output.isOpen()) return;
+    endSheet();
     output.close("a text file");
 }
 

@@ -4,9 +4,15 @@
 #include <string>
 #include <string_view>
 
+#include "frame/global_data.h"
 #include "host/mdl/plot.h"
 
 namespace print {
+
+// The description of the application's plot; null while there is none.
+inline MdlPlotDesc* plotOf(const GlobalData& data) {
+    return static_cast<MdlPlotDesc*>(data.plotDescr);
+}
 
 // Whether the plotter's plots go to a system printer, and not to files; a null plotter has none.
 bool plotsToSystem(const MdlPlotter* plotter);

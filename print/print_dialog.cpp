@@ -34,10 +34,6 @@ void synchAndDraw(MdlItem* item) {
 
 // ---- where a plot goes ----
 
-MdlPlotDesc* plotOf(const GlobalData& data) {
-    return static_cast<MdlPlotDesc*>(data.plotDescr);
-}
-
 MdlPlotter* plotterOf(const GlobalData& data) {
     return data.plotDescr ? mdlPlotDesc_getPlotter(plotOf(data)) : nullptr;
 }
@@ -66,17 +62,17 @@ void takePlotFile(const MdlPlotter* plotter) {
 }
 
 // ---- the target's items ----
-// The text is one of a row of five: what serves the other devices stands in front of it, the toggle of the file, the
-// file's name or the paper's, and the button of the system's print dialog behind it.
+// The text is one of a row of six: what serves the other devices, a text and a list, stands in front of it, the toggle
+// of the file, the file's name or the paper's, and the button of the system's print dialog behind it.
 
 struct TargetItems {
-    MdlItem *printers, *target, *fileOnly, *file, *systemDialog;
+    MdlItem *printerText, *printers, *target, *fileOnly, *file, *systemDialog;
 };
 
 TargetItems targetItemsOf(MdlDialog* dialog) {
     MdlItem* target = mdlDialog_itemGetByTypeAndId(dialog, ITEM_TEXT, TARGET);
     const auto at = [&](int32_t steps) { return mdlDialog_itemNeighbour(target, steps); };
-    return {at(-1), target, at(1), at(2), at(3)};
+    return {at(-2), at(-1), target, at(1), at(2), at(3)};
 }
 
 // Makes room for the button behind the item.
@@ -99,6 +95,7 @@ void showPlotTarget(const GlobalData& data, const TargetItems& items) {
         mdlDialog_itemSetLabel(items.target, mclibUtil_getLanguageText(TEXT_PLOT_FILE));
     }
     mdlDialog_itemShow(items.printers, 0);
+    mdlDialog_itemShow(items.printerText, 0);
     mdlDialog_itemEnable(items.target, 0);
     mdlDialog_itemEnable(items.file, 0);
     mdlDialog_itemSynch(items.target);
@@ -157,14 +154,6 @@ void enableRange(const GlobalData& data, MdlDialog* dialog) {
     mdlDialog_itemEnable(mdlDialog_itemNeighbour(first, 1), enabled);
 }
 
-int32_t fillWithPages(const GlobalData& data, MdlItem* item) {
-    mdlDialog_optionButtonDeleteAll(item);
-    int32_t page = 0;
-    for (; data.pageNames && data.pageNames[page]; ++page)
-        mdlDialog_optionButtonInsert(item, data.pageNames[page], page);
-    return page;
-}
-
 void keepBehindFirst(const GlobalData& data, MdlItem* lastPage) {
     for (int32_t row = 0, page = 0; row < mdlDialog_optionButtonCount(lastPage); ++row)
         if (mdlDialog_optionButtonGet(lastPage, row, nullptr, &page) == MDL_SUCCESS)
@@ -219,6 +208,14 @@ constexpr auto printDialogHooks = std::to_array<DialogHook>({
 });
 
 }  // namespace
+
+int32_t fillWithPages(const GlobalData& data, MdlItem* optionButton) {
+    mdlDialog_optionButtonDeleteAll(optionButton);
+    int32_t page = 0;
+    for (; data.pageNames && data.pageNames[page]; ++page)
+        mdlDialog_optionButtonInsert(optionButton, data.pageNames[page], page);
+    return page;
+}
 
 void publishPrintDialogHooks() {
     mdlDialog_hookPublish(static_cast<int32_t>(printDialogHooks.size()), printDialogHooks.data());

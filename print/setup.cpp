@@ -2,9 +2,9 @@
 #include "print/setup.h"
 
 #include <array>
-#include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "frame/errors.h"
 #include "frame/host_ptr.h"
@@ -12,6 +12,7 @@
 #include "frame/util.h"
 #include "host/mdl/files.h"
 #include "host/mdl/resource.h"
+#include "print/delivery.h"
 #include "print/folder.h"
 #include "print/print.h"
 #include "print/setup_record.h"
@@ -24,6 +25,7 @@ namespace {
 
 enum { MESSAGE_FILE = 13, MESSAGE_NO_VARIABLE = 21 };
 enum { PAGE_A4 = 9 };
+constexpr std::string_view nobodysPrinter = "\\\\server\\printer";
 
 // ---- defaults ----
 
@@ -52,9 +54,18 @@ void setDefaults(mclibPrinterSetupData& setup) {
     setup.orientation = 2;
     setup.deviceType = PRINT_POSTSCRIPT;
     setup.copies = 1;
-    copyText(setup.printerName, "\\\\server\\printer");
+    copyText(setup.printerName, nobodysPrinter);
     copyText(setup.fileName, temporaryFolder() + "mc.ps");
     setDefaultPlotter(setup);
+}
+
+// ---- printers ----
+
+bool isListed(std::string_view path) {
+    StringList* const printers = mclibWin32_findWindowsPrinterNames();
+    const bool listed = rowOfPrinter(printers, path) >= 0;
+    mdlStringList_destroy(printers);
+    return listed;
 }
 
 // ---- the preference file ----
@@ -70,9 +81,7 @@ void reportFile() {
 // The preference file, closed at the end of the scope.
 class PreferenceFile {
   public:
-    explicit PreferenceFile(int mode) : open_(mclibUtil_openUserPrefFile(&handle_, mode) == MCLIB_SUCCESS) {
-        if (!open_) reportFile();
-    }
+    explicit PreferenceFile(int mode) : open_(mclibUtil_openUserPrefFile(&handle_, mode) == MCLIB_SUCCESS) {}
     ~PreferenceFile() {
         if (open_) mdlResource_closeFile(handle_);
     }
@@ -91,17 +100,18 @@ struct FreeResource {
 };
 using Resource = std::unique_ptr<void, FreeResource>;
 
-// A resource of that size at least.
-Resource loadResource(const PreferenceFile& file, int32_t type, int32_t id, size_t size) {
-    Resource block(mdlResource_load(file.handle(), type, id));
-    if (block && static_cast<size_t>(mdlResource_size(block.get())) < size) block.reset();
-    return block;
+// A block that is too short counts as none.
+bool loadFrom(const PreferenceFile& file, int32_t type, int32_t id, size_t size) {
+    const Resource block(mdlResource_load(file.handle(), type, id));
+    if (!block || static_cast<size_t>(mdlResource_size(block.get())) < size) return false;
+    setupLayout(LoadFields({static_cast<const uint8_t*>(block.get()), size}), *mclibpsd);
+    return true;
 }
 
-bool loadFrom(const PreferenceFile& file, int32_t type, int32_t id, size_t size) {
-    const Resource block = loadResource(file, type, id, size);
-    if (!block) return false;
-    setupLayout(LoadFields({static_cast<const uint8_t*>(block.get()), size}), *mclibpsd);
+bool loadStored(const PreferenceFile& file) {
+    if (loadFrom(file, SETUP_TYPE, SETUP_ID, setupSize)) return true;
+    if (!loadFrom(file, OLDER_TYPE, OLDER_ID, olderSize)) return false;
+    setDefaultPlotter(*mclibpsd);
     return true;
 }
 
@@ -110,25 +120,30 @@ bool loadFrom(const PreferenceFile& file, int32_t type, int32_t id, size_t size)
 void loadSetup() {
     if (!mclibpsd) return;
     const PreferenceFile file(MDL_RSC_READ);
-    if (file && loadFrom(file, SETUP_TYPE, SETUP_ID, setupSize)) return;
-    if (file && loadFrom(file, OLDER_TYPE, OLDER_ID, olderSize)) return setDefaultPlotter(*mclibpsd);
-    setDefaults(*mclibpsd);
+    if (!file) reportFile();
+    if (!file || !loadStored(file)) setDefaults(*mclibpsd);
+}
+
+void readStoredSetup() {
+    if (!mclibpsd) return;
+    if (const PreferenceFile file(MDL_RSC_READ); file) loadStored(file);
 }
 
 void storeSetup() {
     if (!mclibpsd) return;
     const PreferenceFile file(MDL_RSC_WRITE);
-    if (!file) return;
     std::array<uint8_t, setupSize> bytes{};
     setupLayout(StoreFields(bytes), *mclibpsd);
-    int status;
-    if (const Resource block = loadResource(file, SETUP_TYPE, SETUP_ID, setupSize)) {
-        std::memcpy(block.get(), bytes.data(), bytes.size());
-        status = mdlResource_write(block.get());
-    } else {
-        status = mdlResource_add(file.handle(), SETUP_TYPE, SETUP_ID, bytes.data(), setupSize, 0, nullptr);
-    }
-    if (status != MDL_SUCCESS) reportFile();
+    if (!file || mdlResource_put(file.handle(), SETUP_TYPE, SETUP_ID, bytes.data(), setupSize) != MDL_SUCCESS)
+        reportFile();
+}
+
+bool isNobodysPrinter(std::string_view printer) {
+    return printer.empty() || printer == nobodysPrinter;
+}
+
+bool printerIsChosen() {
+    return !isNobodysPrinter(mclibpsd->printerName) || isListed(mclibpsd->printerName);
 }
 
 }  // namespace print

@@ -23,6 +23,7 @@ enum { PAGE_SIZES = 20003 };                                                    
 enum { FILE_DEVICES = 20001, PLOTTERS = 20002 };                                            // group boxes
 enum { PRINTERS = 20006 };                                                                  // combo box
 enum { PAGE_WIDTH = 20009, PAGE_HEIGHT = 20010, FILE_NAME = 20013, PLOTTER_FILE = 20014 };  // texts
+enum { PRINTER_TEXT = 20016 };
 enum { REPLY_OK = 3, REPLY_CANCEL = 4 };
 enum { TEXT_PLOTTER_TITLE = 51 };
 enum { TYPED_SIZE = 0, PAGE_A4 = 9 };  // page codes
@@ -31,6 +32,13 @@ constexpr int32_t stringsPerPrinter = 2, pathOfPrinter = 1, defaultField = 1;
 
 MdlItem* textItem(MdlDialog* dialog, int32_t id) {
     return mdlDialog_itemGetByTypeAndId(dialog, ITEM_TEXT, id);
+}
+
+std::string_view pathOfRow(const StringList* printers, int32_t row) {
+    const char* path = "";
+    if (printers && row >= 0)
+        mdlStringList_getMember(&path, nullptr, printers, row * stringsPerPrinter + pathOfPrinter);
+    return path;
 }
 
 // ---- what the values ask of the items ----
@@ -59,7 +67,9 @@ void applyDevice(MdlDialog* dialog) {
     const auto show = [&](int32_t group, bool shown) {
         mdlDialog_itemShow(mdlDialog_itemGetByTypeAndId(dialog, ITEM_GROUP_BOX, group), shown);
     };
-    show(FILE_DEVICES, device != PRINT_HOST_PLOTTER && device != PRINT_ASCII);
+    const bool toPrinter = device != PRINT_HOST_PLOTTER && device != PRINT_ASCII;
+    show(FILE_DEVICES, toPrinter);
+    mdlDialog_itemShow(printerTextOf(dialog), toPrinter);
     show(PLOTTERS, device == PRINT_HOST_PLOTTER);
 }
 
@@ -106,13 +116,7 @@ void plotterFileButton(DialogMessage* message) {
     mdlDialog_itemSynch(textItem(message->dialog, PLOTTER_FILE));
 }
 
-// ---- printers ----
-
-std::string_view pathOf(const StringList* printers, int32_t row) {
-    const char* path = "";
-    if (row >= 0) mdlStringList_getMember(&path, nullptr, printers, row * stringsPerPrinter + pathOfPrinter);
-    return path;
-}
+// ---- printers: the list of what servers offer, and a text for every kind of printer ----
 
 bool isDefault(const StringList* printers, int32_t row) {
     int32_t mark = 0;
@@ -120,43 +124,61 @@ bool isDefault(const StringList* printers, int32_t row) {
     return mark != 0;
 }
 
-// The row of the set-up's printer, else that of the default one; -1 for neither.
+// The row of the set-up's printer; where nobody has chosen one that of the default one; -1 for neither.
 int32_t rowToSelect(const StringList* printers) {
-    const int32_t rows = mdlStringList_size(printers) / stringsPerPrinter;
-    int32_t marked = -1;
-    for (int32_t row = 0; row < rows; ++row) {
-        if (pathOf(printers, row) == mclibpsd->printerName) return row;
-        if (marked < 0 && isDefault(printers, row)) marked = row;
-    }
-    return marked;
+    if (const int32_t row = rowOfPrinter(printers, mclibpsd->printerName); row >= 0) return row;
+    if (!isNobodysPrinter(mclibpsd->printerName)) return -1;
+    for (int32_t row = 0, rows = mdlStringList_size(printers) / stringsPerPrinter; row < rows; ++row)
+        if (isDefault(printers, row)) return row;
+    return -1;
 }
 
 void fillPrinters(GlobalData& data, MdlItem* item) {
+    data.printerRow = -1;
     StringList* printers = mclibWin32_findWindowsPrinterNames();
     if (!printers) return;
     mdlDialog_comboBoxSetStrListP(item, printers, stringsPerPrinter);
-    const int32_t row = rowToSelect(printers);
-    if (row >= 0) data.printerRow = row;
+    data.printerRow = rowToSelect(printers);
     mdlDialog_comboBoxSelectRow(item, data.printerRow);
 }
 
-void leavePrinters(const GlobalData& data, MdlItem* item) {
-    StringList* printers = mdlDialog_comboBoxGetStrListP(item);
-    if (!printers) return;
-    if (const std::string_view path = pathOf(printers, data.printerRow); !path.empty())
+// The printer of the row that is selected, if any, becomes the set-up's.
+void takePrinter(const GlobalData& data, const MdlItem* item) {
+    const StringList* printers = mdlDialog_comboBoxGetStrListP(item);
+    if (const std::string_view path = pathOfRow(printers, data.printerRow); !path.empty())
         copyText(mclibpsd->printerName, path);
+}
+
+void leavePrinters(const GlobalData& data, MdlItem* item) {
+    takePrinter(data, item);
+    StringList* printers = mdlDialog_comboBoxGetStrListP(item);
     mdlDialog_comboBoxSetStrListP(item, nullptr, stringsPerPrinter);
     mdlStringList_destroy(printers);
 }
 
 void printerList(DialogMessage* message) {
     GlobalData* data = mclibMain_getGlobalDataP();
-    message->handled = data && mclibpsd && (message->type == ITEM_CREATE || message->type == ITEM_DESTROY);
+    message->handled = data && mclibpsd;
     if (!message->handled) return;
-    if (message->type == ITEM_CREATE)
-        fillPrinters(*data, message->item);
-    else
-        leavePrinters(*data, message->item);
+    switch (message->type) {
+        case ITEM_CREATE: fillPrinters(*data, message->item); break;
+        case ITEM_DESTROY: leavePrinters(*data, message->item); break;
+        case ITEM_STATE_CHANGED:
+            takePrinter(*data, message->item);
+            mdlDialog_itemSynch(printerTextOf(message->dialog));
+            break;
+        default: message->handled = 0;
+    }
+}
+
+// What was typed is the printer, so the list shows it or none.
+void printerText(DialogMessage* message) {
+    GlobalData* data = mclibMain_getGlobalDataP();
+    message->handled = data && mclibpsd && message->type == ITEM_STATE_CHANGED;
+    if (!message->handled) return;
+    MdlItem* const list = mdlDialog_itemGetByTypeAndId(message->dialog, ITEM_COMBO_BOX, PRINTERS);
+    data->printerRow = rowOfPrinter(mdlDialog_comboBoxGetStrListP(list), mclibpsd->printerName);
+    mdlDialog_comboBoxSelectRow(list, data->printerRow);
 }
 
 constexpr auto setupHooks = std::to_array<DialogHook>({
@@ -166,13 +188,25 @@ constexpr auto setupHooks = std::to_array<DialogHook>({
     {20021, fileOnlyToggle},
     {20022, pageSizeButton},
     {20101, printerList},
+    {20150, printerText},
 });
 
 }  // namespace
 
+int32_t rowOfPrinter(const StringList* printers, std::string_view path) {
+    for (int32_t row = 0, rows = mdlStringList_size(printers) / stringsPerPrinter; row < rows; ++row)
+        if (pathOfRow(printers, row) == path) return row;
+    return -1;
+}
+
+MdlItem* printerTextOf(MdlDialog* dialog) {
+    return textItem(dialog, PRINTER_TEXT);
+}
+
 void applyFileOnly(MdlDialog* dialog) {
     const bool fileOnly = mclibpsd->fileOnly != 0;
     mdlDialog_itemEnable(mdlDialog_itemGetByTypeAndId(dialog, ITEM_COMBO_BOX, PRINTERS), !fileOnly);
+    mdlDialog_itemEnable(printerTextOf(dialog), !fileOnly);
     mdlDialog_itemEnable(textItem(dialog, FILE_NAME), fileOnly);
 }
 

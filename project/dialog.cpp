@@ -18,7 +18,6 @@ namespace {
 using project::projectId;
 using project::projectType;
 
-enum { PROJECT_DIALOG = 20008 };
 enum { LOAD_TITLE = 54, SAVE_TITLE = 55 };
 enum { ERROR_OPEN = 1, ERROR_NO_PROJECT = 7, QUESTION_OVERWRITE = 8, ERROR_WRITE = 9, ERROR_READ_ONLY = 10 };
 enum {
@@ -29,6 +28,8 @@ static_assert(NO_PROJECT_FLAGS == 66 && OVERWRITE_FLAGS == 296);
 constexpr const char* projectFiles = "*.rsc";
 constexpr const char* projectFileTitle = "Prosjekt info";
 constexpr int32_t projectFileDefaults = -20001;
+
+void (*projectWritten)() = nullptr;
 
 void report(int flags, int message, const char* file) {
     mclibError_rscMsgBoxPrintf(flags, MCLIB_ERRORS, message, file);
@@ -115,6 +116,7 @@ void read(MdlDialog* dialog) {
 
 void write(MdlDialog*) {
     mclibProject_writeProjectInfoToDesignFile(mclibpd);
+    if (projectWritten) projectWritten();
 }
 
 // ---- hooks ----
@@ -143,6 +145,10 @@ constexpr auto projectHooks = std::to_array<DialogHook>({
 
 void publishProjectHooks() {
     mdlDialog_hookPublish(static_cast<int32_t>(projectHooks.size()), projectHooks.data());
+}
+
+void setProjectWritten(void (*function)()) {
+    projectWritten = function;
 }
 
 int mclibProject_dialogOpen(void) {

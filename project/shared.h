@@ -8,7 +8,10 @@
 extern mclibProsjektData* mclibpd;
 extern mclibSideData* mclibsd;
 
+enum { PROJECT_DIALOG = 20008 };
 void publishProjectHooks();
+// A function that is called when the dialog has written the project to the design file; one for the whole library.
+void setProjectWritten(void (*function)());
 
 static_assert(sizeof(mclibProsjektData) == 1603 && sizeof(mclibSideData) == 2115);
 

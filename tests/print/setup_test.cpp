@@ -23,7 +23,14 @@ using testing::HasSubstr;
 
 enum { BLOCK_TYPE = 0x50745365, BLOCK_ID = 20002, OLDER_TYPE = 0x50725344, OLDER_ID = 20001 };
 enum { SIZES = 20003, DEVICE = 20005, WIDTH = 20009, HEIGHT = 20010, FILE_NAME = 20013, PLOTTER_FILE = 20014 };
-enum { FILE_ONLY = 20006, PRINTERS = 20006, FILE_DEVICES = 20001, PLOTTERS = 20002, CHOOSE = 20003 };
+enum {
+    PRINTER_TEXT = 20016,
+    FILE_ONLY = 20006,
+    PRINTERS = 20006,
+    FILE_DEVICES = 20001,
+    PLOTTERS = 20002,
+    CHOOSE = 20003
+};
 
 // The stored block's bytes, told from the printed table of offsets.
 class StoredBlock {
@@ -107,6 +114,9 @@ class PrinterSetup : public LibraryTest {
         return mdlDialog_itemGetByTypeAndId(mdlDialog_find(20006, nullptr), kind, id);
     }
     static bool enabled(int32_t kind, int32_t id) { return mdlDialog_itemIsEnabled(item(kind, id)) == 1; }
+    static int32_t selectedPrinter(const Dialog& dialog) {
+        return dialog.items()[static_cast<size_t>(dialog.indexOf(ITEM_COMBO_BOX, PRINTERS))].selectedRow;
+    }
     // Which group boxes are on show, with how many members.
     static std::string targets(Dialog& dialog) {
         std::string text;
@@ -207,10 +217,12 @@ TEST_F(PrinterSetup, TheOlderFormIsReadAndKeptAnewBesideIt) {
     EXPECT_EQ(kept(OLDER_TYPE, OLDER_ID).bytes, sample(584).bytes);
 }
 
-TEST_F(PrinterSetup, ABlockThatIsCutShortCountsAsNone) {
+TEST_F(PrinterSetup, ABlockThatIsCutShortCountsAsNoneAndIsReplaced) {
     keep(BLOCK_TYPE, BLOCK_ID, sample(839));
     look();
     EXPECT_EQ(number("copies"), 1);
+    accept();
+    EXPECT_EQ(kept(BLOCK_TYPE, BLOCK_ID).bytes.size(), 840u);
 }
 
 TEST_F(PrinterSetup, TextsWithoutAnEndStayInTheirFields) {
@@ -312,20 +324,46 @@ TEST_F(PrinterSetup, ThePrinterOfTheSetupIsSelectedAndAChosenOneTaken) {
         EXPECT_EQ(Dialog::rowCount(printers), 2);
         EXPECT_EQ(Dialog::cellText(printers, printers.selectedRow, 1), "\\\\hall\\laser");
     });
-    script.choose(PRINTERS, 0).check([](Dialog&) { EXPECT_EQ(value("printerName"), "\\\\hall\\laser"); });
+    script.choose(PRINTERS, 0).check([](Dialog&) {
+        EXPECT_STREQ(mdlDialog_itemGetValue(item(ITEM_TEXT, PRINTER_TEXT)), "\\\\hall\\a3");
+    });
     accept();
     EXPECT_EQ(kept(BLOCK_TYPE, BLOCK_ID).textAt(68), "\\\\hall\\a3");
 }
 
-TEST_F(PrinterSetup, APrinterThatIsNotListedStaysUntilTheDialogCloses) {
+TEST_F(PrinterSetup, NoPrinterIsGuessed) {
+    look();  // there is none
     addPrinter("hall", "a3");
-    look([](Dialog&) { EXPECT_EQ(value("printerName"), "\\\\server\\printer"); });
-    EXPECT_EQ(value("printerName"), "\\\\hall\\a3");
+    look([](Dialog& d) { EXPECT_EQ(selectedPrinter(d), -1); });
+    EXPECT_EQ(value("printerName"), "\\\\server\\printer");
+    keep(BLOCK_TYPE, BLOCK_ID, sample());
+    look([](Dialog& d) { EXPECT_EQ(selectedPrinter(d), -1); });
+    EXPECT_EQ(value("printerName"), "\\\\hall\\laser") << "it may be switched off";
 }
 
-TEST_F(PrinterSetup, WithoutAnyPrinterItsNameStays) {
-    look();
-    EXPECT_EQ(value("printerName"), "\\\\server\\printer");
+TEST_F(PrinterSetup, TheDefaultPrinterIsSelectedWhereNobodyChoseOneAndTakenWhenTheDialogCloses) {
+    addPrinter("hall", "a3");
+    addPrinter("hall", "laser");
+    define("_USTN_WORKSPACEROOT", path("work"));
+    std::filesystem::create_directories(path("work/System/plotdrv"));
+    writeFile("work/System/plotdrv/printer.plt", "printer = laser\n");
+    look([](Dialog& d) {
+        EXPECT_EQ(selectedPrinter(d), 1);
+        EXPECT_EQ(value("printerName"), "\\\\server\\printer");
+    });
+    EXPECT_EQ(value("printerName"), "\\\\hall\\laser");
+}
+
+TEST_F(PrinterSetup, AnyKindOfPrinterCanBeTyped) {
+    addPrinter("hall", "a3");
+    for (const char* printer : {"LPT1", "$(PLOTTER)", "lp -d office -n %d %s", "\\\\hall\\a3", "lp %s"}) {
+        SCOPED_TRACE(printer);
+        script.setValue(ITEM_TEXT, PRINTER_TEXT, printer).check([&](Dialog& d) {
+            EXPECT_EQ(selectedPrinter(d), printer == std::string("\\\\hall\\a3") ? 0 : -1);
+        });
+        accept();
+        EXPECT_EQ(kept(BLOCK_TYPE, BLOCK_ID).textAt(68), printer);
+    }
 }
 
 }  // namespace
