@@ -1,19 +1,47 @@
 #include "forms/form_cell.h"
 
+#include <algorithm>
+#include <string>
+#include <vector>
+
 #include "forms/forms.h"
+#include "frame/shown_path.h"
 #include "frame/util.h"
 #include "geometry/cells.h"
 #include "host/mdl/cell.h"
+#include "host/mdl/system.h"
 
 namespace forms {
+
+namespace {
+
+std::vector<std::string> toldMissing;
+
+void tellMissing(const char* cellName) {
+    const std::string line = "The cell \"" + std::string(cellName) + "\" isn't in the library " +
+                             shownPath(tcbP->cellLibraryName) + ", so a page lacks it.";
+    if (std::ranges::find(toldMissing, line) != toldMissing.end()) return;
+    toldMissing.push_back(line);
+    constexpr int error = 11;
+    mdlOutput_messageCenter(error, line.c_str(), "Use a library that has it, or compile it into this one.", 0);
+}
+
+}  // namespace
+
+void tellMissingCellsAnew() {
+    toldMissing.clear();
+}
 
 int getFormCell(ElementDescr** out, const char* cellName, const char* library, int cellOption) {
     *out = nullptr;
     if (!library || mclibCell_loadCellLibraryIfNeeded(library) != MCLIB_SUCCESS) return MCLIB_FORM_NO_LIBRARY;
-    const wchar_t* name = mclibUtil_convertToUnicodeText(cellName ? cellName : "");
+    if (!cellName) cellName = "";
+    const wchar_t* name = mclibUtil_convertToUnicodeText(cellName);
     const int status = mdlCell_getElmDscr(out, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                           cellOption, name, nullptr);
-    return status == MDL_SUCCESS && *out ? 0 : MCLIB_FORM_NO_CELL;
+    if (status == MDL_SUCCESS && *out) return 0;
+    tellMissing(cellName);
+    return MCLIB_FORM_NO_CELL;
 }
 
 }  // namespace forms

@@ -184,12 +184,14 @@ void publishPageInfoHooks() {
     mdlDialog_hookPublish(static_cast<int32_t>(pageInfoHooks.size()), pageInfoHooks.data());
 }
 
-KeepEditedBlock::KeepEditedBlock() {
-    if (mdlDialog_find(PAGE_INFO_DIALOG, nullptr)) kept_ = *mclibsd;
+KeepEditedBlocks::KeepEditedBlocks() {
+    if (mdlDialog_find(PROJECT_DIALOG, nullptr)) project_ = *mclibpd;
+    if (mdlDialog_find(PAGE_INFO_DIALOG, nullptr)) page_ = *mclibsd;
 }
 
-KeepEditedBlock::~KeepEditedBlock() {
-    if (kept_) *mclibsd = *kept_;
+KeepEditedBlocks::~KeepEditedBlocks() {
+    if (project_) *mclibpd = *project_;
+    if (page_) *mclibsd = *page_;
 }
 
 }  // namespace forms

@@ -18,17 +18,18 @@ void takeNewPages(GlobalData& data);
 // Publishes the dialog's hooks.
 void publishPageInfoHooks();
 
-// To stand around the making of a page by the application, which may read title-block data into mclibsd: while a dialog
-// edits that block, of whichever application, what stood in it is put back.
-class KeepEditedBlock {
+// To stand around the making of a page by the application, which may read title-block data into mclibpd and mclibsd:
+// while a dialog edits one of these blocks, of whichever application, what stood in it is put back.
+class KeepEditedBlocks {
   public:
-    KeepEditedBlock();
-    ~KeepEditedBlock();
-    KeepEditedBlock(const KeepEditedBlock&) = delete;
-    KeepEditedBlock& operator=(const KeepEditedBlock&) = delete;
+    KeepEditedBlocks();
+    ~KeepEditedBlocks();
+    KeepEditedBlocks(const KeepEditedBlocks&) = delete;
+    KeepEditedBlocks& operator=(const KeepEditedBlocks&) = delete;
 
   private:
-    std::optional<mclibSideData> kept_;
+    std::optional<mclibProsjektData> project_;
+    std::optional<mclibSideData> page_;
 };
 
 }  // namespace forms

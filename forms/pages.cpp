@@ -2,20 +2,25 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 #include <string_view>
 
+#include "forms/form_cell.h"
 #include "forms/page_info.h"
 #include "frame/errors.h"
+#include "frame/host_ptr.h"
 #include "frame/text_buffer.h"
 #include "geometry/elmdscr.h"
 #include "host/mdl/system.h"
 #include "print/shared.h"
+#include "project/store.h"
 
 namespace forms {
 
 namespace {
 
 enum { orientationTurned = 0, orientationByShape = 2 };
+enum { ERROR_NAMES = 40 };
 
 // Of the preview that was opened last; they stay until the next one opens.
 struct ApplicationFunctions {
@@ -42,14 +47,49 @@ char* copyOf(std::string_view name) {
     return static_cast<char*>(copy);
 }
 
+// The names and a null behind them; null when out of memory.
+char** copiesOf(char* const* names, int32_t count) {
+    char** const copies = nameArray(count);
+    for (int32_t i = 0; copies && i < count; ++i) {
+        copies[i] = copyOf(names && names[i] ? names[i] : "");
+        if (copies[i]) continue;
+        freeNames(copies);
+        return nullptr;
+    }
+    return copies;
+}
+
+// ---- names that records can't tell apart ----
+
+bool isLong(std::string_view name) {
+    return name.size() >= PAGE_NAME_LETTERS;
+}
+
+std::string_view asRecorded(std::string_view name) {
+    return name.substr(0, PAGE_NAME_LETTERS);
+}
+
+// Whether the design file can keep what each page's title block says. Tells when not. Pages of one name share it, as
+// the user sees.
+bool canBeRecorded(char* const* names, int32_t count) {
+    const HostPtr<char*[]> sorted(nameArray(count));
+    if (!sorted) return false;
+    char** const end = std::copy_if(names, names + count, sorted.get(), isLong);
+    std::sort(sorted.get(), end, [](std::string_view a, std::string_view b) { return a < b; });
+    const auto twins = [](std::string_view a, std::string_view b) { return a != b && asRecorded(a) == asRecorded(b); };
+    char** const found = std::adjacent_find(sorted.get(), end, twins);
+    if (found == end) return true;
+    const std::string shared(asRecorded(*found));
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NAMES, shared.c_str());
+    return false;
+}
+
 }  // namespace
 
 // ---- names ----
 
 int32_t pageCount(const GlobalData& data) {
-    int32_t count = 0;
-    while (data.pageNames && data.pageNames[count]) ++count;
-    return count;
+    return data.pageNameCount;
 }
 
 const char* pageName(const GlobalData& data, int32_t page) {
@@ -57,16 +97,16 @@ const char* pageName(const GlobalData& data, int32_t page) {
 }
 
 bool setPageNames(GlobalData& data, int32_t count, char* const* names) {
-    char** const copies = nameArray(std::max(count, 0));
+    count = std::max(count, 0);
+    char** const copies = copiesOf(names, count);
     if (!copies) return false;
-    for (int32_t i = 0; i < count; ++i) {
-        copies[i] = copyOf(names && names[i] ? names[i] : "");
-        if (copies[i]) continue;
+    if (!canBeRecorded(copies, count)) {
         freeNames(copies);
         return false;
     }
     freeNames(data.pageNames);
     data.pageNames = copies;
+    data.pageNameCount = count;
     return true;
 }
 
@@ -74,6 +114,7 @@ bool setPageNames(GlobalData& data, int32_t count, char* const* names) {
 
 void setFunctions(McPageFunction page, McPageListFunction pageList) {
     functions = {page, pageList, nullptr};
+    tellMissingCellsAnew();
 }
 
 void setUserPrintFunction(McUserPrintFunction function) {
@@ -96,7 +137,7 @@ void makePage(GlobalData& data, int32_t page, bool inDrawing, ElementDescr** res
     *result = nullptr;
     copyText(data.currentPageName, pageName(data, page));
     if (!functions.page || page < 0 || page >= pageCount(data)) return;
-    const KeepEditedBlock keep;
+    const KeepEditedBlocks keep;
     dlmSystem_callAnyFunction("IPPI", mdlSystem_getCurrMdlDesc(), reinterpret_cast<void*>(functions.page), page,
                               data.pageNames[page], result, inDrawing ? 1 : 0);
 }

@@ -38,7 +38,8 @@ class Page {
 int32_t pageCount(const GlobalData& data);
 // The name of a page; empty for a number outside the list.
 const char* pageName(const GlobalData& data, int32_t page);
-// Replaces the names by copies; false, with the names as they were, when out of memory.
+// Replaces the names by copies. False, with the names as they were and the user told, when out of memory, and when
+// different names are the same as far as page records keep them (project/store.h).
 bool setPageNames(GlobalData& data, int32_t count, char* const* names);
 
 // ---- making ----

@@ -74,21 +74,23 @@ int setGroupOf(MSElementBuffer* element, void* group, int32_t, int32_t, ElementD
     return 0;
 }
 
-void addLine(const Point3d& from, const Point3d& to, uint32_t group) {
+bool addLine(const Point3d& from, const Point3d& to, uint32_t group) {
     const Point3d ends[] = {from, to};
-    if (mdlLine_create(dgnBufP, nullptr, ends) != MDL_SUCCESS) return;
+    if (mdlLine_create(dgnBufP, nullptr, ends) != MDL_SUCCESS) return false;
     setGroup(dgnBufP, group);
-    if (mdlElement_add(dgnBufP) != 0) mdlElement_display(dgnBufP, MDL_DRAW);
+    if (mdlElement_add(dgnBufP) == 0) return false;
+    mdlElement_display(dgnBufP, MDL_DRAW);
+    return true;
 }
 
-void markCorners(uint32_t group) {
+// False when the design file doesn't take them.
+bool markCorners(uint32_t group) {
     const double arm = uor(crossArm);
     const Corners sheet = sheetOutline();
-    for (int i = 0; i < 4; ++i) {
-        const Point3d& p = sheet.at[i];
-        addLine({p.x - arm, p.y, p.z}, {p.x + arm, p.y, p.z}, group);
-        addLine({p.x, p.y - arm, p.z}, {p.x, p.y + arm, p.z}, group);
-    }
+    return std::all_of(sheet.at, sheet.at + 4, [&](const Point3d& p) {
+        return addLine({p.x - arm, p.y, p.z}, {p.x + arm, p.y, p.z}, group) &&
+               addLine({p.x, p.y - arm, p.z}, {p.x, p.y + arm, p.z}, group);
+    });
 }
 
 // The page function builds in a system of its own.
@@ -114,9 +116,13 @@ void showSheets(Point3d* point, int32_t view, int32_t drawMode) {
 void placeAt(GlobalData& data, const Point3d& point, int32_t view) {
     forEachSheet(data, point, view, [&](int32_t number) {
         uint32_t group = static_cast<uint32_t>(mclibUtil_newGraphicGroup());
-        markCorners(group);
-        const auto adopt = [&](Page& page) { mdlElmdscr_operation(page.get(), setGroupOf, &group, everyElement); };
-        return tellUnlessPlaced(data, number, placePage(data, number, true, adopt));
+        const auto adopt = [&](Page& page) {
+            mdlElmdscr_operation(page.get(), setGroupOf, &group, everyElement);
+            return true;
+        };
+        PlacedPage placed{.made = true};
+        if (markCorners(group)) placed = placePage(data, number, true, adopt);
+        return tellUnlessPlaced(data, number, placed);
     });
 }
 
@@ -167,13 +173,12 @@ void forEachSheet(const GlobalData& data, const Point3d& point, int32_t view,
     }
 }
 
-PlacedPage placePage(GlobalData& data, int32_t number, bool inDrawing, const std::function<void(Page&)>& prepare) {
+PlacedPage placePage(GlobalData& data, int32_t number, bool inDrawing, const std::function<bool(Page&)>& prepare) {
     PlacedPage placed{.area = printableArea()};
     Page page;
     makeInOwnSystem(data, number, inDrawing, page);
     placed.made = static_cast<bool>(page);
-    if (!page || isEmpty(placed.area)) return placed;
-    prepare(page);
+    if (!page || isEmpty(placed.area) || !prepare(page)) return placed;
     mclibElemDscr_placeElementDescr(placed.area.at, 1, page.get());
     const Transform* toWorld = nullptr;
     mdlCurrTrans_getAddresses(&toWorld, nullptr);
@@ -189,11 +194,14 @@ bool tellUnlessPlaced(const GlobalData& data, int32_t number, const PlacedPage& 
     return false;
 }
 
+bool hasDrawing() {
+    if (mdlModelRef_getActive()) return true;
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NO_DESIGN_FILE);
+    return false;
+}
+
 void startPlacing(GlobalData& data, bool forPlot) {
-    if (!mdlModelRef_getActive()) {
-        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NO_DESIGN_FILE);
-        return dropPlot(data);
-    }
+    if (!hasDrawing()) return dropPlot(data);
     if (!forPlot) dropPlot(data);  // one that still waits for its point
     data.placeForPlot = forPlot ? 1 : 0;
     mdlState_startPrimitive(dataPoint, nullptr, 0, 0);

@@ -34,13 +34,15 @@ struct PlacedPage {
     Corners area;          // of its printable area, in the current transform
 };
 // Makes the page, prepares it, fits it into the printable area of the sheet at the origin, and adds it to the design
-// file.
-PlacedPage placePage(GlobalData& data, int32_t page, bool inDrawing, const std::function<void(Page&)>& prepare);
+// file. A page that can't be prepared isn't added.
+PlacedPage placePage(GlobalData& data, int32_t page, bool inDrawing, const std::function<bool(Page&)>& prepare);
 // False, and the user is told, when a page couldn't be put into the design file.
 bool tellUnlessPlaced(const GlobalData& data, int32_t page, const PlacedPage& placed);
 
 // The plot of the pages that lie at the point while it runs. Ends with the plot's description.
 void plotAt(GlobalData& data, const Point3d& point, int32_t view);
+// Whether a design file is open. Tells when not.
+bool hasDrawing();
 // Lets go of the description of a plot that hasn't run.
 void dropPlot(GlobalData& data);
 

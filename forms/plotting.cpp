@@ -6,6 +6,7 @@
 
 #include "forms/placing.h"
 #include "frame/errors.h"
+#include "frame/shown_path.h"
 #include "frame/text_buffer.h"
 #include "host/mdl/dialog.h"
 #include "host/mdl/elmdscr.h"
@@ -21,11 +22,14 @@ namespace forms {
 
 namespace {
 
+using print::plotOf;
+
 enum { PRINT_DIALOG = 20007 };
 enum { REPLY_OK = 3 };
 enum { MESSAGE_FIELD = 0 };
 enum { NOTICE_NONE = 0, NOTICE_PAGE = 1, NOTICE_POINT = 14 };
-enum { ERROR_PLOT = 33, ERROR_LAST_PLOT = 35 };
+enum { ERROR_PLOT = 33, ERROR_LAST_PLOT = 35, ERROR_COPIES = 43 };
+enum { TEXT_PLOTTED = 62 };
 enum { UNITS_MILLIMETRES = 4 };
 constexpr int pointBox = MSGBOX_KIND_4 | MSGBOX_FIRST_64;
 constexpr int goOnBox = MSGBOX_KIND_1 | MSGBOX_FIRST_64 | MSGBOX_SECOND_512;
@@ -46,10 +50,6 @@ const char* paperName(int32_t pageSize) {
     for (const PaperName& row : paperNames)
         if (row.pageSize == pageSize) return row.name;
     return "A4";
-}
-
-MdlPlotDesc* plotOf(const GlobalData& data) {
-    return static_cast<MdlPlotDesc*>(data.plotDescr);
 }
 
 // ---- the description ----
@@ -124,7 +124,10 @@ bool plotPage(MdlPlotDesc* descr, const PlotPage& page) {
     mdlPlotDesc_setNumCopies(descr, mclibpsd->copies);
     mdlPlotDesc_maximize(descr);
     const std::string file = fileFor(descr, page);
-    return mdlPlotDesc_plot(descr, file.empty() ? nullptr : file.c_str()) == MDL_SUCCESS;
+    if (mdlPlotDesc_plot(descr, file.empty() ? nullptr : file.c_str()) != MDL_SUCCESS) return false;
+    if (!file.empty())
+        toolSubsystem_printf("%s: %s\n", mclibUtil_getLanguageText(TEXT_PLOTTED), shownPath(file.c_str()).c_str());
+    return true;
 }
 
 // ---- the run ----
@@ -147,16 +150,18 @@ class PagesInDrawing {
 };
 
 // A page of several elements becomes the content of a cell without a name, so that it goes again as one.
-void gather(Page& page) {
-    if (page.get()->next == nullptr) return;
+bool gather(Page& page) {
+    if (page.get()->next == nullptr) return true;
     ElementDescr* cell = nullptr;
     const bool made = mdlCell_create(dgnBufP, L"", nullptr, *mgds_modesP) == MDL_SUCCESS &&
                       mdlElmdscr_new(&cell, nullptr, dgnBufP) == MDL_SUCCESS;
-    if (!made) return;
-    if (mdlElmdscr_appendDscr(cell, page.get()) == MDL_SUCCESS)
+    if (!made) return false;
+    const bool gathered = mdlElmdscr_appendDscr(cell, page.get()) == MDL_SUCCESS;
+    if (gathered)
         *page.out() = cell;
     else
         mdlElmdscr_freeAll(&cell);
+    return gathered;
 }
 
 void placeAll(GlobalData& data, const Point3d& point, int32_t view) {
@@ -185,6 +190,13 @@ void plotAll(const GlobalData& data) {
     }
 }
 
+// Whether a system printer has something to make. Tells when not.
+bool hasCopies(const GlobalData& data) {
+    if (mclibpsd->copies > 0 || !print::plotsToSystem(mdlPlotDesc_getPlotter(plotOf(data)))) return true;
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_COPIES);
+    return false;
+}
+
 }  // namespace
 
 void dropPlot(GlobalData& data) {
@@ -204,10 +216,10 @@ void plotAt(GlobalData& data, const Point3d& point, int32_t view) {
 }
 
 void plotPages(GlobalData& data) {
-    if (!preparePlot(data)) return;
+    if (!hasDrawing() || !preparePlot(data)) return;
     int32_t reply = 0;
     mdlDialog_openModal(&reply, 0, PRINT_DIALOG);
-    if (reply != REPLY_OK) return dropPlot(data);
+    if (reply != REPLY_OK || !hasCopies(data)) return dropPlot(data);
     mclibError_rscMsgBoxPrintf(pointBox, MCLIB_QUESTIONS, NOTICE_POINT);
     startPlacing(data, true);
 }

@@ -6,6 +6,7 @@
 
 #include "forms/page_info.h"
 #include "forms/pages.h"
+#include "forms/placing.h"
 #include "forms/preview_window.h"
 #include "forms/print_job.h"
 #include "frame/errors.h"
@@ -16,19 +17,22 @@
 #include "host/mdl/elmdscr.h"
 #include "host/mdl/system.h"
 #include "print/setup.h"
+#include "print/setup_store.h"
 #include "project/dialog.h"
+#include "project/shared.h"
 
 namespace forms {
 
 namespace {
 
-enum { PLACE_DIALOG = 20012, SPREADSHEET_DIALOG = 20023 };
+enum { PLACE_DIALOG = 20012 };
 enum { TEMPLATE_TEXT = 20071 };
 enum { TEMPLATE_TITLE = 33 };
 enum { ERROR_NO_SPREADSHEET = 30 };
 enum { REPLY_OK = 3 };
 enum { DRAWING_FLAGS = 3 };  // itemFlags: focus and default, which an item that only draws has not
 enum { TAKE_PAGE = 1 };      // signal to the button of a new page list: its value is the page to show
+enum { SHOW_ANEW = 1 };      // signal to the button of the page
 constexpr int32_t templateDefaults = -20005;
 
 MdlItem* optionButtonOf(MdlDialog* dialog) {
@@ -72,6 +76,7 @@ void initPreview(GlobalData& data, MdlDialog* dialog) {
     restoreExtent(data, dialog);
     layOutPreview(dialog);
     data.previewPage = data.fileDialogP->pageChoice;
+    takeNewPages(data);
     showPage(data);
 }
 
@@ -117,8 +122,18 @@ void pageAreaItem(DialogMessage* message) {
 
 void pageButton(DialogMessage* message) {
     GlobalData* data = mclibMain_getGlobalDataP();
-    message->handled = data && message->type == ITEM_STATE_CHANGED;
-    if (message->handled) changePage(*data);
+    message->handled = data && (message->type == ITEM_STATE_CHANGED || message->type == ITEM_SIGNAL);
+    if (!message->handled) return;
+    if (message->type == ITEM_SIGNAL)
+        showPage(*data);
+    else
+        changePage(*data);
+}
+
+// The preview that is open makes its page anew, whichever application it belongs to.
+void showPageAnew() {
+    if (MdlDialog* const open = mdlDialog_find(PREVIEW_DIALOG, nullptr))
+        mdlDialog_itemSignal(optionButtonOf(open), SHOW_ANEW, 0);
 }
 
 void newListButton(DialogMessage* message) {
@@ -143,16 +158,12 @@ void print(GlobalData& data, MdlDialog*) {
 }
 
 void place(GlobalData& data, MdlDialog*) {
-    if (accepted(PLACE_DIALOG)) startPlacing(data, false);
+    if (hasDrawing() && accepted(PLACE_DIALOG)) startPlacing(data, false);
 }
 
-// Where pages go to the spreadsheet program, which this version doesn't reach.
-void exportPages() {
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NO_SPREADSHEET);
-}
-
+// This version doesn't reach the spreadsheet program, so it asks nothing either.
 void spreadsheet(GlobalData&, MdlDialog*) {
-    if (accepted(SPREADSHEET_DIALOG)) exportPages();
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NO_SPREADSHEET);
 }
 
 void chooseTemplate(GlobalData& data, MdlDialog* dialog) {
@@ -196,9 +207,7 @@ constexpr auto previewHooks = std::to_array<DialogHook>({
 }  // namespace
 
 void fillWithPageNames(const GlobalData& data, MdlItem* optionButton) {
-    mdlDialog_optionButtonDeleteAll(optionButton);
-    for (int32_t page = 0, count = pageCount(data); page < count; ++page)
-        mdlDialog_optionButtonInsert(optionButton, pageName(data, page), page);
+    print::fillWithPages(data, optionButton);
     mdlDialog_itemSynch(optionButton);
 }
 
@@ -210,6 +219,7 @@ void showPage(GlobalData& data) {
 }
 
 void publishPreviewHooks() {
+    setProjectWritten(showPageAnew);
     mdlDialog_hookPublish(static_cast<int32_t>(previewHooks.size()), previewHooks.data());
     publishPageInfoHooks();
 }

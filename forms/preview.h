@@ -22,7 +22,9 @@ typedef int (*McPageListFunction)(char **names);
 typedef void (*McUserPrintFunction)(int page);
 
 /* Opens the preview on the first page. The names are copied. Either function may be null: there are then no pages to be
- * made, or no new list. The dialog, which isn't modal and is open when the call returns; null when it can't be opened. */
+ * made, or no new list. The dialog, which isn't modal and is open when the call returns; null when it can't be opened,
+ * and, after a message, for different names that are the same in their first 80 letters: the design file keeps no more
+ * of a name, so their title blocks would be one. */
 MCLIB_EXPORT MdlDialog *mclibPreview_dialogOpen(int pageCount, char *const *pageNames, McPageFunction pageFunction,
                                                 McPageListFunction pageListFunction);
 /* The same on page number firstShown, from 0; a number outside the list is held to it. */
@@ -35,9 +37,11 @@ MCLIB_EXPORT void mclibPreview_setUserPrintFunction(McUserPrintFunction function
 
 /* Prints pages without the dialog, as a print job of the preview does: within the margins of the printer set-up, and
  * turned where that asks for it. The pages from number `first` to `last`, counted from 0, both included and held to the
- * list, go to `fileName` for `device` (PRINT_... of print/print.h, not the host's plotter); nothing goes to a printer.
- * To be called while no preview is open, since it takes the names and the function over from it. MCLIB_ERROR, after a
- * message, when the file can't be written, and when a page wasn't made. */
+ * list, go to `fileName` for `device` (PRINT_... of print/print.h, not the host's plotter), in a text file behind each
+ * other with a form feed between them; nothing goes to a printer. To be called while no preview is open, since it takes
+ * the names and the function over from it. MCLIB_ERROR, after a message, when the file can't be written, when the margins
+ * leave nothing of the sheet, and when different names are the same in their first 80 letters, which is what the design
+ * file keeps of a name; without one when a page wasn't made. */
 MCLIB_EXPORT int mclibPreview_printPages(int pageCount, char *const *pageNames, McPageFunction pageFunction,
                                          const char *fileName, int device, int first, int last);
 

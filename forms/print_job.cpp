@@ -5,18 +5,22 @@
 #include <optional>
 #include <string>
 
+#include "forms/form_cell.h"
 #include "forms/page_info.h"
 #include "forms/pages.h"
 #include "frame/errors.h"
 #include "frame/main.h"
 #include "frame/resource_files.h"
+#include "frame/shown_path.h"
 #include "frame/text_buffer.h"
 #include "host/mdl/dialog.h"
 #include "host/mdl/model.h"
 #include "host/mdl/system.h"
 #include "host/mdl/transform.h"
+#include "print/ascii_sheet.h"
 #include "print/delivery.h"
 #include "print/print.h"
+#include "print/setup_store.h"
 #include "print/shared.h"
 
 namespace forms {
@@ -28,6 +32,7 @@ enum { REPLY_CANCEL = 4 };
 enum { MESSAGE_FIELD = 0 };
 enum { NOTICE_NONE = 0, NOTICE_PAGE = 1, NOTICE_SENDING = 2 };
 enum { ERROR_OPEN = 1, ERROR_STORE = 2, ERROR_SENDING = 31 };
+enum { ERROR_MARGINS = 41, ERROR_NO_PRINTER = 42, ERROR_COPIES = 43, ERROR_NO_PAGE = 44 };
 enum { TEXT_FILE_TITLE = 34 };
 constexpr int32_t textFileDefaults = -20003;
 
@@ -41,42 +46,64 @@ void tellPage(const char* name) {
 
 // ---- one page ----
 
-void turn(ElementDescr* page, double angle) {
+constexpr double quarter = std::numbers::pi / 2;
+
+// False when memory doesn't suffice, which the host has told.
+bool turn(ElementDescr* page, double angle) {
     Transform rotation;
     mdlTMatrix_rotateByAngles(&rotation, nullptr, 0, 0, angle);
-    mdlElmdscr_transform(page, &rotation);
+    if (mdlElmdscr_transform(page, &rotation) != MDL_SUCCESS) return false;
     mdlCell_setRange(page, mdlModelRef_getActive());
+    return true;
 }
 
-// Prints a page within the margins of its sheet. A turned one is left turned unless it is still needed.
-void printPage(GlobalData& data, ElementDescr* page, bool restore) {
-    constexpr double quarter = std::numbers::pi / 2;
-    data.pageAngle = 0.0;
-    if (!page) return;
-    const bool turned = isTurned(page);
-    if (turned) {
-        turn(page, quarter);
-        data.pageAngle = 90.0;
-    }
+struct PrintableArea {
+    double width, height;  // mm
+    bool isEmpty() const { return !(width > 0 && height > 0); }
+};
+
+PrintableArea printableArea() {
     const mclibPrinterSetupData& p = *mclibpsd;
-    mclibPrint_printElementDescr(page, p.marginLeft, p.marginBottom, p.pageWidth - p.marginLeft - p.marginRight,
-                                 p.pageHeight - p.marginTop - p.marginBottom);
-    if (turned && restore) turn(page, -quarter);
+    return {p.pageWidth - p.marginLeft - p.marginRight, p.pageHeight - p.marginTop - p.marginBottom};
+}
+
+// Prints a page within the margins of its sheet, and leaves it turned as it was printed. False when there is none, or
+// it couldn't be turned.
+bool printPage(GlobalData& data, ElementDescr* page, bool turned) {
+    if (!page || (turned && !turn(page, quarter))) return false;
+    data.pageAngle = turned ? 90.0 : 0.0;
+    const PrintableArea area = printableArea();
+    mclibPrint_printElementDescr(page, mclibpsd->marginLeft, mclibpsd->marginBottom, area.width, area.height);
+    data.pageAngle = 0.0;
+    return true;
 }
 
 // ---- the pages of a job ----
 
 void printByUser(McUserPrintFunction print, int32_t number) {
-    const KeepEditedBlock keep;
+    const KeepEditedBlocks keep;
     print(number);
 }
 
-void printPageOnShow(GlobalData& data) {
+// A page that can't be turned back is made anew.
+bool printPageOnShow(GlobalData& data) {
     tellPage(pageName(data, data.previewPage));
-    if (const McUserPrintFunction print = userPrintFunction())
+    if (const McUserPrintFunction print = userPrintFunction()) {
         printByUser(print, data.previewPage);
+        return true;
+    }
+    const bool turned = isTurned(data.previewDescr);
+    if (!printPage(data, data.previewDescr, turned)) return false;
+    if (turned && !turn(data.previewDescr, -quarter)) showPage(data);
+    return true;
+}
+
+// Text files have their pages behind each other too.
+void nextSheet(const GlobalData& data) {
+    if (data.printDevice == PRINT_ASCII)
+        nextAsciiSheet();
     else
-        printPage(data, data.previewDescr, true);
+        mclibPrint_newPage();
 }
 
 // Makes and prints the pages one by one, and tells how many. One that can't be made takes no sheet.
@@ -93,17 +120,16 @@ int32_t printSpan(GlobalData& data, PageSpan span) {
         Page page;
         makePage(data, number, false, page.out());
         if (!page) continue;
-        if (printed++ > 0) mclibPrint_newPage();
-        printPage(data, page.get(), false);
+        if (printed > 0) nextSheet(data);
+        if (printPage(data, page.get(), isTurned(page.get()))) ++printed;
     }
     return printed;
 }
 
-void printAsked(GlobalData& data) {
-    if (data.fileDialogP->printRange == printCurrentPage)
-        printPageOnShow(data);
-    else if (canMakePages())
-        printSpan(data, pagesToPrint(data));
+// Whether there was something to print.
+bool printAsked(GlobalData& data) {
+    if (data.fileDialogP->printRange == printCurrentPage) return printPageOnShow(data);
+    return canMakePages() && printSpan(data, pagesToPrint(data)) > 0;
 }
 
 // ---- the file of a job ----
@@ -128,15 +154,38 @@ std::optional<std::string> askForTarget(GlobalData& data) {
     return mclibpsd->fileName;
 }
 
+void report(int message) {
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, message);
+}
+
 void reportFile(int message, const std::string& file) {
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, message, file.c_str());
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, message, shownPath(file.c_str()).c_str());
 }
 
 void sendToPrinter() {
+    if (!print::printerIsChosen()) return reportFile(ERROR_NO_PRINTER, mclibpsd->fileName);
     tell(NOTICE_SENDING);
     if (mclibPrint_sendFileToPrinter(mclibpsd->fileName, mclibpsd->printerName, mclibpsd->copies) != MCLIB_SUCCESS)
-        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_SENDING, mclibpsd->fileName,
+        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_SENDING, shownPath(mclibpsd->fileName).c_str(),
                                    mclibpsd->printerName);
+}
+
+// Whether the file goes to a printer when it is whole.
+bool isSent(int32_t device) {
+    return device != PRINT_ASCII && !mclibpsd->fileOnly && !userPrintFunction();
+}
+
+// Whether the set-up lets something be printed. Tells when not.
+bool canPrint(int32_t device) {
+    if (!userPrintFunction() && printableArea().isEmpty()) return report(ERROR_MARGINS), false;
+    if (isSent(device) && mclibpsd->copies < 1) return report(ERROR_COPIES), false;
+    return true;
+}
+
+// The sheets of the job are of the set-up's size, whichever the application asked for last.
+void usePageSize() {
+    double width = 0, height = 0;
+    mclibPrint_getPageSize(&width, &height, mclibpsd->pageSize);
 }
 
 // Ends the file; whether all of it was written. Tells when not.
@@ -150,13 +199,18 @@ bool closeFile(const std::string& file) {
 }  // namespace
 
 void printPages(GlobalData& data) {
+    print::readStoredSetup();
     if (mclibpsd->deviceType == PRINT_HOST_PLOTTER) return plotPages(data);
     const std::optional<std::string> file = askForTarget(data);
-    if (!file) return;
     const int32_t device = mclibpsd->deviceType;
+    if (!file || !canPrint(device)) return;
+    tellMissingCellsAnew();
+    usePageSize();
     if (!mclibPrint_fopen(file->c_str(), device)) return reportFile(ERROR_OPEN, *file);
-    printAsked(data);
-    if (closeFile(*file) && device != PRINT_ASCII && !mclibpsd->fileOnly && !userPrintFunction()) sendToPrinter();
+    const bool any = printAsked(data);
+    const bool stored = closeFile(*file);
+    if (!any) report(ERROR_NO_PAGE);
+    if (any && stored && isSent(device)) sendToPrinter();
     tell(NOTICE_NONE);
 }
 
@@ -169,6 +223,10 @@ int mclibPreview_printPages(int pageCount, char* const* pageNames, McPageFunctio
     if (!data || !fileName || !pageFunction || !setPageNames(*data, pageCount, pageNames)) return MCLIB_ERROR;
     setFunctions(pageFunction, nullptr);
     setUserPrintFunction(nullptr);
+    if (printableArea().isEmpty()) {
+        report(ERROR_MARGINS);
+        return MCLIB_ERROR;
+    }
     const PageSpan span{std::max(first, 0), std::min(last, pageCount - 1)};
     if (!mclibPrint_fopen(fileName, device)) {
         reportFile(ERROR_OPEN, fileName);

@@ -152,7 +152,11 @@ TEST_F(Filling, MissingLibraryOrCell) {
     EXPECT_EQ(mclibMatList_generatePageElementDescr("LIST", "nowhere.cel", &page, form_, 1), -2);
     EXPECT_EQ(page, nullptr);
     makeForm({});
-    EXPECT_EQ(mclibMatList_generatePageElementDescr("OTHER", "form.cel", &page, form_, 1), -1);
+    for (int times = 0; times < 2; ++times)
+        EXPECT_EQ(mclibMatList_generatePageElementDescr("OTHER", "form.cel", &page, form_, 1), -1);
+    ASSERT_EQ(front().messages.size(), 2u) << "of the library that isn't there, and once of the cell";
+    EXPECT_NE(front().messages[1].brief.find("\"OTHER\" isn't in the library " + path("")), std::string::npos)
+        << front().messages[1].brief;
     EXPECT_EQ(page, nullptr);
 }
 

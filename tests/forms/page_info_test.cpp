@@ -1,7 +1,9 @@
 // The page information dialog: what it keeps, and what it asks before changes are lost.
 #include <cstring>
 
+#include "forms/forms.h"
 #include "frame/global_data.h"
+#include "project/dialog.h"
 #include "tests/forms/preview_fixture.h"
 
 namespace {
@@ -115,6 +117,34 @@ TEST_F(PageInfo, MakingPagesLeavesWhatIsBeingEdited) {
     testApplication.whileMade = nullptr;
     press(info(), saveButton);
     EXPECT_EQ(stored("two"), "H");
+}
+
+TEST_F(PageInfo, MakingPagesLeavesTheProjectThatIsBeingEditedAndItsWritingShowsThePageAnew) {
+    openPreview({one, two});
+    press(dialog(), 20092);
+    host::Dialog& project = *openDialog(20008);
+    EXPECT_TRUE(project.setValue(placeOf(project, ITEM_TEXT, 20100), "TYPED"));
+    testApplication.whileMade = [](int) {  // as a page with a title block
+        FormData* form = mclibMatList_createFormDataArray(4, 10);
+        mclibProject_insertProjectData(form);
+        mclibMatList_destroyFormDataArray(form);
+    };
+    choose(dialog(), 20001, 1);
+    EXPECT_EQ(get("mclibpd->pron"), "TYPED");
+    const size_t made = testApplication.made.size();
+    press(project, 20028);
+    EXPECT_EQ(testApplication.made.size(), made + 1);
+    mclibProsjektData stored;
+    mclibProject_readProjectInfoFromDesignFile(&stored);
+    EXPECT_STREQ(stored.pron, "TYPED");
+}
+
+TEST_F(PageInfo, GoesToThePageOnShowOfANewPreview) {
+    store("Alpha", "S");
+    openInfo();
+    openPreview({{"Alpha", 180000, 277000}, {"Beta", 180000, 277000}});
+    EXPECT_EQ(shown(), "S");
+    EXPECT_EQ(info().items()[placeOf(info(), ITEM_OPTION_BUTTON, pageButton)].rows[1].label, "Beta");
 }
 
 TEST_F(PageInfo, GoesToThePageOnShowOfANewList) {

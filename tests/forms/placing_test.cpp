@@ -212,14 +212,14 @@ TEST_F(PlacingTest, ThePageOnShowIsNotPlacedOnceThePreviewIsClosed) {
 TEST_F(PlacingTest, WithoutADesignFileNothingStarts) {
     openPreview(fourPages);
     mdlSystem_closeDesignFile();
-    std::string told;
-    answers.press(-3).check([&](host::Dialog& box) {
-        for (const host::DrawCall& call : box.drawing()) told += call.text;
-    });
-    answers.press(-3);
-    press(dialog(), PLACE);
-    EXPECT_THAT(told, HasSubstr("No design file is open"));
-    EXPECT_FALSE(host::commandRuns());
+    for (const char* device : {"0", "6"}) {
+        set("mclibpsd->deviceType", device);
+        answerBox();  // before anything is asked
+        press(dialog(), device == std::string("0") ? PLACE : PRINT);
+        EXPECT_THAT(told, HasSubstr("No design file is open")) << device;
+        EXPECT_FALSE(host::commandRuns());
+        told.clear();
+    }
 }
 
 // ---- plots ----
@@ -268,6 +268,7 @@ TEST_F(PlottingTest, EachPageBecomesAFileAndNoneStaysInTheDrawing) {
     ASSERT_NE(mdlElement_add(dgnBufP), 0u);
     plot(1);
     EXPECT_THAT(plots(), ElementsAre("test_Four.pdf", "test_One.pdf", "test_Three.pdf", "test_Two.pdf"));
+    EXPECT_THAT(front().consoleText, HasSubstr("Plotted: " + path("plots/test_Two.pdf") + "\n"));
     ASSERT_EQ(drawing().size(), 1u) << "the line that was there before";
     EXPECT_EQ(drawing()[0].type, MDL_LINE);
     EXPECT_FALSE(host::commandRuns());
@@ -354,6 +355,10 @@ TEST_F(PlottingTest, ASystemPrinterGetsAJobForEachPage) {
     mdlSystem_defineCfgVar("MC_SPOOL", path("spool").c_str(), 4);
     setUp("printer = \\\\office\\wide\n");
     openPreview(fourPages);
+    answers.setValue(ITEM_TEXT, 20011, "0").press(-3);
+    answerBox();
+    press(dialog(), PRINT);
+    EXPECT_THAT(told, HasSubstr("copies is less than 1"));
     plot(1);
     EXPECT_TRUE(plots().empty());
     EXPECT_EQ(std::distance(fs::directory_iterator(path("spool/office/wide")), {}), 4);

@@ -33,9 +33,10 @@ struct TestPage {
 struct TestApplication {
     std::vector<TestPage> pages;
     std::vector<std::string> newList;
-    std::vector<int> made, drawn;             // page numbers
-    std::vector<std::string> currentNames;    // when they were made
-    std::function<void(int page)> whileMade;  // what the application does beside making a page
+    std::vector<int> made, drawn;              // page numbers
+    std::vector<std::string> currentNames;     // when they were made
+    std::function<void(int page)> whileMade;   // what the application does beside making a page
+    std::function<void(ElementDescr*)> addTo;  // what else stands on each page
 };
 inline TestApplication testApplication;
 
@@ -63,6 +64,7 @@ inline void makeTestPage(int page, char* name, ElementDescr** result, int) {
     if (source.width <= 0) return;
     appendFrame(result, source.width, source.height);
     appendText(*result, name);
+    if (testApplication.addTo) testApplication.addTo(*result);
 }
 
 inline int giveNewList(char** names) {
@@ -119,6 +121,16 @@ class PreviewTest : public LibraryTest {
         return value;
     }
 
+    // The next modal dialog is a box with one button; its text goes to `told`.
+    void answerBox(int button = -3) {
+        answers
+            .check([this](host::Dialog& box) {
+                for (const host::DrawCall& call : box.drawing()) told += call.text + "\n";
+            })
+            .press(button);
+    }
+
     host::DialogScript answers;  // of the modal dialogs
+    std::string told;            // by boxes
     MdlDialog* preview = nullptr;
 };

@@ -1,13 +1,17 @@
 // The preview's window: pages on their sheet, the choice of a page, new lists, its size.
+#include <chrono>
 #include <cstring>
 
 #include "frame/global_data.h"
+#include "host/mdl/level.h"
+#include "host/mdl/model.h"
 #include "tests/forms/preview_fixture.h"
 
 namespace {
 
 using host::DrawCall;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr int32_t stripWidth = 160, edge = 8, inset = 5;  // pixels, with the dialog's font 16 high
@@ -241,15 +245,83 @@ TEST_F(PreviewPages, StayWhenAnotherDesignFileIsOpened) {
     EXPECT_EQ(get("mgdP->previewPage"), "1");
 }
 
-TEST_F(PreviewPages, TheSpreadsheetIsNotThereYetButItsTemplateCanBeChosen) {
+// A square on the level with that code.
+void appendSquare(ElementDescr* page, int32_t levelCode, uint32_t color, uint32_t weight) {
+    LevelId id = 0;
+    ModelRef* const model = mdlModelRef_getActive();
+    if (mdlLevel_getIdFromCode(&id, model, levelCode) != MDL_SUCCESS)
+        mdlLevel_create(&id, model, (L"Level " + std::to_wstring(levelCode)).c_str());
+    const uint32_t level = id;
+    MSElementBuffer element;
+    const Point3d corners[] = {{9000, 9000, 0}, {99000, 9000, 0}, {99000, 99000, 0}, {9000, 99000, 0}};
+    mdlShape_create(&element, nullptr, corners, 4, 0);
+    mdlElement_setSymbology(&element, &color, &weight, nullptr);
+    mdlElement_setProperties(&element, &level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    mdlElmdscr_appendElement(page, &element);
+}
+
+TEST_F(PreviewWindow, ShowsAPageAsItPrints) {
+    testApplication.addTo = [](ElementDescr* page) {
+        appendSquare(page, 5, 115, 5);
+        appendSquare(page, 63, 115, 0);
+    };
     openPreview({upright});
-    const std::string book = writeFile("list.xlt", "");
-    front().files.answer(book);
-    answers.press(20012).setValue(ITEM_TEXT, 20072, "Sheet1").press(-3).press(-3);
+    const DialogRect sheet = paper();
+    std::vector<host::PaperLine> lines;
+    for (const DrawCall& call : dialog().drawing())
+        if (call.paper) lines.push_back(*call.paper);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_NEAR(lines[0].gray, 0.85, 1e-9) << "the background lies under everything else";
+    EXPECT_LT(lines[1].gray, 0);
+    EXPECT_LT(lines[2].gray, 0) << "elsewhere the colour is no grey";
+    EXPECT_NEAR(lines[2].width, (sheet.right - sheet.left) / 210.0, 1e-9) << "weight 5 is 1 mm";
+    EXPECT_EQ(mdlWindow_savePicture(preview, path("preview.png").c_str()), MDL_SUCCESS);
+}
+
+TEST_F(PreviewPages, TheSpreadsheetIsNotThereYetWhichIsToldBeforeAnythingIsAsked) {
+    openPreview({upright});
+    answerBox();
     press(dialog(), 20011);
-    EXPECT_TRUE(answers.finished());
+    EXPECT_THAT(told, HasSubstr("can't be sent to a spreadsheet yet"));
+    const std::string book = writeFile("list.xlt", "");  // and yet its dialog is there
+    front().files.answer(book);
+    answers.press(20012).press(-3);
+    int32_t reply = 0;
+    mdlDialog_openModal(&reply, 0, 20023);
     EXPECT_EQ(get("mgdP->fileDialogP->excelTemplate"), book);
-    EXPECT_EQ(get("mgdP->fileDialogP->excelSheet"), "Sheet1");
+}
+
+TEST_F(PreviewPages, NamesThatRecordsCannotTellApartAreRefused) {
+    const std::string start(80, 'x');
+    for (const auto& [first, second, refused] :
+         {std::tuple(start + "1", start + "2", true), std::tuple(start, start + "2", true),
+          std::tuple(start + "1", start + "1", false), std::tuple("1" + start, "2" + start, false)}) {
+        std::string names[] = {first, "between", second};
+        char* pointers[] = {names[0].data(), names[1].data(), names[2].data()};
+        testApplication.pages = {upright, upright, upright};
+        told.clear();
+        if (refused) answerBox();
+        preview = mclibPreview_dialogOpen(3, pointers, makeTestPage, nullptr);
+        EXPECT_EQ(preview == nullptr, refused) << first << " " << second;
+        EXPECT_EQ(told.find("same 80 letters") != std::string::npos, refused);
+    }
+}
+
+TEST_F(PreviewPages, EightyThousandPagesAreNoDearerEachThanAThousand) {
+    const auto seconds = [](size_t count) {
+        std::vector<std::string> names;
+        for (size_t i = 0; i < count; ++i) names.push_back("Page " + std::to_string(i));
+        std::vector<char*> pointers;
+        for (std::string& name : names) pointers.push_back(name.data());
+        const auto start = std::chrono::steady_clock::now();
+        const auto noPage = [](int, char*, ElementDescr**, int) {};
+        mclibPreview_printPages(static_cast<int>(count), pointers.data(), noPage, "/dev/null", 0, 0,
+                                static_cast<int>(count) - 1);
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    };
+    seconds(1000);
+    const double each = seconds(1000) / 1000;
+    EXPECT_LT(seconds(80000) / 80000, 10 * each);
 }
 
 }  // namespace
