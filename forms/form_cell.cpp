@@ -34,13 +34,17 @@ void tellMissingCellsAnew() {
 
 int getFormCell(ElementDescr** out, const char* cellName, const char* library, int cellOption) {
     *out = nullptr;
-    if (!library || mclibCell_loadCellLibraryIfNeeded(library) != MCLIB_SUCCESS) return MCLIB_FORM_NO_LIBRARY;
+    if (!library || mclibCell_loadCellLibraryIfNeeded(library) != MCLIB_SUCCESS) {
+        mdlSystem_noteFailure();
+        return MCLIB_FORM_NO_LIBRARY;
+    }
     if (!cellName) cellName = "";
     const wchar_t* name = mclibUtil_convertToUnicodeText(cellName);
     const int status = mdlCell_getElmDscr(out, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
                                           cellOption, name, nullptr);
     if (status == MDL_SUCCESS && *out) return 0;
     tellMissing(cellName);
+    mdlSystem_noteFailure();
     return MCLIB_FORM_NO_CELL;
 }
 

@@ -81,6 +81,7 @@ bool canBeRecorded(char* const* names, int32_t count) {
     if (found == end) return true;
     const std::string shared(asRecorded(*found));
     mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NAMES, shared.c_str());
+    mdlSystem_noteFailure();
     return false;
 }
 

@@ -11,6 +11,7 @@
 #include "host/mdl/elmdscr.h"
 #include "host/mdl/model.h"
 #include "host/mdl/state.h"
+#include "host/mdl/system.h"
 #include "host/mdl/transform.h"
 #include "print/shared.h"
 
@@ -191,12 +192,14 @@ PlacedPage placePage(GlobalData& data, int32_t number, bool inDrawing, const std
 bool tellUnlessPlaced(const GlobalData& data, int32_t number, const PlacedPage& placed) {
     if (!placed.made || placed.position != 0) return true;
     mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_PLACE, pageName(data, number));
+    mdlSystem_noteFailure();
     return false;
 }
 
 bool hasDrawing() {
     if (mdlModelRef_getActive()) return true;
     mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NO_DESIGN_FILE);
+    mdlSystem_noteFailure();
     return false;
 }
 

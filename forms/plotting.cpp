@@ -174,6 +174,7 @@ void placeAll(GlobalData& data, const Point3d& point, int32_t view) {
 
 // Whether the user wants the pages behind one that failed; there is nothing to ask when it was the last.
 bool goesOnAfter(const PlotPage& failed, bool isLast) {
+    mdlSystem_noteFailure();
     if (!isLast) return mclibError_rscMsgBoxPrintf(goOnBox, MCLIB_ERRORS, ERROR_PLOT, failed.name) != MSGBOX_SECOND;
     mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_LAST_PLOT, failed.name);
     return false;
@@ -194,6 +195,7 @@ void plotAll(const GlobalData& data) {
 bool hasCopies(const GlobalData& data) {
     if (mclibpsd->copies > 0 || !print::plotsToSystem(mdlPlotDesc_getPlotter(plotOf(data)))) return true;
     mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_COPIES);
+    mdlSystem_noteFailure();
     return false;
 }
 
@@ -216,7 +218,7 @@ void plotAt(GlobalData& data, const Point3d& point, int32_t view) {
 }
 
 void plotPages(GlobalData& data) {
-    if (!hasDrawing() || !preparePlot(data)) return;
+    if (!hasDrawing() || !preparePlot(data)) return mdlSystem_noteFailure();
     int32_t reply = 0;
     mdlDialog_openModal(&reply, 0, PRINT_DIALOG);
     if (reply != REPLY_OK || !hasCopies(data)) return dropPlot(data);

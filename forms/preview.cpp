@@ -164,6 +164,7 @@ void place(GlobalData& data, MdlDialog*) {
 // This version doesn't reach the spreadsheet program, so it asks nothing either.
 void spreadsheet(GlobalData&, MdlDialog*) {
     mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NO_SPREADSHEET);
+    mdlSystem_noteFailure();
 }
 
 void chooseTemplate(GlobalData& data, MdlDialog* dialog) {

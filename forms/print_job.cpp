@@ -156,18 +156,22 @@ std::optional<std::string> askForTarget(GlobalData& data) {
 
 void report(int message) {
     mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, message);
+    mdlSystem_noteFailure();
 }
 
 void reportFile(int message, const std::string& file) {
     mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, message, shownPath(file.c_str()).c_str());
+    mdlSystem_noteFailure();
 }
 
 void sendToPrinter() {
     if (!print::printerIsChosen()) return reportFile(ERROR_NO_PRINTER, mclibpsd->fileName);
     tell(NOTICE_SENDING);
-    if (mclibPrint_sendFileToPrinter(mclibpsd->fileName, mclibpsd->printerName, mclibpsd->copies) != MCLIB_SUCCESS)
-        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_SENDING, shownPath(mclibpsd->fileName).c_str(),
-                                   mclibpsd->printerName);
+    if (mclibPrint_sendFileToPrinter(mclibpsd->fileName, mclibpsd->printerName, mclibpsd->copies) == MCLIB_SUCCESS)
+        return;
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_SENDING, shownPath(mclibpsd->fileName).c_str(),
+                               mclibpsd->printerName);
+    mdlSystem_noteFailure();
 }
 
 // Whether the file goes to a printer when it is whole.

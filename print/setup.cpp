@@ -8,6 +8,7 @@
 
 #include "frame/errors.h"
 #include "frame/host_ptr.h"
+#include "frame/shown_path.h"
 #include "frame/text_buffer.h"
 #include "frame/util.h"
 #include "host/mdl/files.h"
@@ -73,7 +74,7 @@ bool isListed(std::string_view path) {
 void reportFile() {
     const HostPtr<char> name(mdlSystem_getExpandedCfgVar("MS_USERPREF"));
     if (name)
-        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, MESSAGE_FILE, name.get());
+        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, MESSAGE_FILE, shownPath(name.get()).c_str());
     else
         mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, MESSAGE_NO_VARIABLE);
 }

@@ -6,9 +6,11 @@
 #include "frame/errors.h"
 #include "frame/main.h"
 #include "frame/resource_files.h"
+#include "frame/shown_path.h"
 #include "host/mdl/dialog.h"
 #include "host/mdl/files.h"
 #include "host/mdl/resource.h"
+#include "host/mdl/system.h"
 #include "project/records.h"
 #include "project/shared.h"
 #include "project/store.h"
@@ -32,7 +34,8 @@ constexpr int32_t projectFileDefaults = -20001;
 void (*projectWritten)() = nullptr;
 
 void report(int flags, int message, const char* file) {
-    mclibError_rscMsgBoxPrintf(flags, MCLIB_ERRORS, message, file);
+    mclibError_rscMsgBoxPrintf(flags, MCLIB_ERRORS, message, shownPath(file).c_str());
+    mdlSystem_noteFailure();
 }
 
 // An open resource file.
@@ -87,7 +90,8 @@ void saveProject(const char* name) {
 bool mayOverwrite(const char* name) {
     int32_t attributes = 0;
     if (mdlFile_getFileAttributes(&attributes, name) != MDL_SUCCESS) return true;
-    return mclibError_rscMsgBoxPrintf(OVERWRITE_FLAGS, MCLIB_ERRORS, QUESTION_OVERWRITE, name) != MSGBOX_SECOND;
+    return mclibError_rscMsgBoxPrintf(OVERWRITE_FLAGS, MCLIB_ERRORS, QUESTION_OVERWRITE, shownPath(name).c_str()) !=
+           MSGBOX_SECOND;
 }
 
 // ---- what the buttons do ----

@@ -53,6 +53,7 @@ void addRecord(int applicationId, const Block& block, int writtenMessage) {
     if (mclib66Elem_saveDataToFile(applicationId, project::currentForm, payload.data(),
                                    static_cast<int>(payload.size()), &position) != MCLIB_SUCCESS) {
         mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, RECORD_NOT_ADDED);
+        mdlSystem_noteFailure();
     } else {
         mdlOutput_rscPrintf(statusField, 0, MCLIB_QUESTIONS, writtenMessage);
     }

@@ -29,7 +29,8 @@ const std::map<std::string, std::set<Message>> passedOn = {
     {"frame/units.cpp", {{20007, 2}, {20007, 13}, {20007, 14}, {20007, 20}}},  // firsts and lasts of months and days
     {"frame/resource_files.cpp", {{20005, 1}, {20005, 9}, {20005, 10}, {20005, 16}}},
     {"frame/startup.cpp", {{20007, 38}, {20007, 39}, {20007, 40}, {20007, 41}}},
-    {"forms/print_job.cpp", {{20003, 0}, {20003, 2}, {20005, 1}, {20005, 2}}},
+    {"forms/print_job.cpp",
+     {{20003, 0}, {20003, 2}, {20005, 1}, {20005, 2}, {20005, 41}, {20005, 42}, {20005, 43}, {20005, 44}}},
     {"project/dialog.cpp", {{20005, 1}, {20005, 7}, {20005, 8}, {20005, 9}, {20005, 10}}},
     {"project/store.cpp", {{20003, 4}, {20003, 7}}},  // what was written
     {"batch/message_dialogs.cpp",
