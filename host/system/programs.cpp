@@ -11,6 +11,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <climits>
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -179,14 +180,22 @@ bool beginsWithDrive(std::string_view word) {
 
 std::optional<std::string> existingPath(const std::string& path) {
     std::error_code error;
+    if (path.size() >= PATH_MAX) return std::nullopt;  // the system opens none
     if (fs::exists(path, error)) return path;
     const fs::path whole = path;
-    if (!whole.has_relative_path()) return std::nullopt;
-    if (!whole.has_filename()) return existingPath(whole.parent_path());
-    const std::optional<std::string> folder = existingPath(whole.has_parent_path() ? whole.parent_path() : ".");
-    if (!folder) return std::nullopt;
-    const auto entry = entryIgnoringCase(*folder, whole.filename(), [](const fs::path&) { return true; });
-    return entry ? std::optional(fs::path(*folder) / *entry) : std::nullopt;
+    fs::path found = whole.root_path();
+    for (const fs::path& part : whole.relative_path()) {
+        if (part.empty()) continue;  // behind a separator at the end
+        if (fs::exists(found / part, error)) {
+            found /= part;
+            continue;
+        }
+        if (found.empty()) found = ".";
+        const auto entry = entryIgnoringCase(found, part, [](const fs::path&) { return true; });
+        if (!entry) return std::nullopt;
+        found /= *entry;
+    }
+    return whole.has_relative_path() ? std::optional(found) : std::nullopt;
 }
 
 std::optional<std::string> findProgram(std::string_view name) {

@@ -32,6 +32,20 @@ TEST(ArgumentLine, QuotesKeepWordsTogether) {
     for (const auto& [line, words] : cases) EXPECT_EQ(host::wordsOf(line), words) << line;
 }
 
+TEST(ExistingPath, PartsAreFoundWhateverTheirCase) {
+    char pattern[] = "/tmp/pathXXXXXX";
+    const fs::path folder = mkdtemp(pattern);
+    fs::create_directories(folder / "Jobs/a");
+    const std::string found = (folder / "Jobs/a").string();
+    EXPECT_EQ(host::existingPath((folder / "JOBS/A").string()), found);
+    EXPECT_EQ(host::existingPath((folder / "jobs//A/").string()), found);
+    EXPECT_EQ(host::existingPath((folder / "jobs/b").string()), std::nullopt);
+    std::string deep = folder.string();
+    for (int part = 0; part < 100000; ++part) deep += "/a";
+    EXPECT_EQ(host::existingPath(deep), std::nullopt);
+    fs::remove_all(folder);
+}
+
 class Programs : public SessionTest {
   protected:
     int run(const char* program, const char* arguments = nullptr) {
