@@ -64,17 +64,9 @@ std::vector<Word> wordsOfLine(std::string_view line) {
 }
 
 std::vector<Word> wordsOfArguments(const std::vector<std::string>& arguments) {
+    if (arguments.size() == 1) return wordsOfLine(arguments[0]);
     std::vector<Word> words;
-    for (const std::string& argument : arguments) {
-        const std::string_view sign = operatorAt(argument, true);
-        const bool whole = sign == argument;
-        if (sign.empty() || (!whole && !isRedirection(sign))) {
-            words.push_back({argument, false, 0, argument});
-            continue;
-        }
-        words.push_back({std::string(sign), true, 0, argument});
-        if (!whole) words.push_back({argument.substr(sign.size()), false, 0, argument});
-    }
+    for (const std::string& argument : arguments) words.push_back({argument, false, 0, argument});
     return words;
 }
 

@@ -17,7 +17,8 @@ struct Word {
 // The words of a line of a batch file: divided at blanks and tabs, kept together by double quotes, which go. Operators
 // outside of quotes are words of their own.
 std::vector<Word> wordsOfLine(std::string_view line);
-// Words that were divided elsewhere: an operator is one that begins with it.
+// One argument is a line. Several are words as they stand: who divided them has seen their quotes, and an operator that
+// is left is a part of a name.
 std::vector<Word> wordsOfArguments(const std::vector<std::string>& arguments);
 
 // Sends the standard output and error of this process elsewhere for as long as it stands.

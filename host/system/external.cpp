@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include "host/session/guard.h"
 #include "host/system/charset.h"
@@ -58,6 +59,15 @@ std::string shellLine(std::string_view line) {
     return text;
 }
 
+// Our command interpreter gets the line as it stands: it knows quotes and what redirects output.
+std::vector<std::string> argumentsFor(const char* program, std::string_view line) {
+    constexpr std::string_view command = "/C ";
+    const std::optional<std::string> path = findProgram(program);
+    const bool isInterpreter = path && std::filesystem::path(*path).filename() == "mcshell";
+    if (!isInterpreter || !line.starts_with(command)) return wordsOf(line);
+    return {"/C", std::string(line.substr(command.size()))};
+}
+
 int endOf(Process* process) {
     const int status = *waitFor(*process);
     release(*process);
@@ -73,7 +83,7 @@ using namespace host;
 MdlExternalProgram* mdlExternal_startProgram(const char* program, const char* arguments) {
     return guarded<MdlExternalProgram*>(nullptr, [&]() -> MdlExternalProgram* {
         if (program == nullptr) return nullptr;
-        return handleOf(startProcess(program, wordsOf(arguments == nullptr ? "" : arguments), {}, true));
+        return handleOf(startProcess(program, argumentsFor(program, arguments == nullptr ? "" : arguments), {}, true));
     });
 }
 

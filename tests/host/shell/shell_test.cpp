@@ -126,9 +126,9 @@ TEST_F(Shell, RefusesWithOneClearLine) {
              {"print /n:x 'c:\\note.txt'", 2, "number of copies"},
              {"print /d:LPT2 'c:\\note.txt'", 1, "no such printer"},
              {"nosuch", 127, "no command of mcshell"},
-             {"dir '|' sort", 2, "\"|\" isn't understood"},
-             {"dir '>'", 2, "the name of a file is missing"},
-             {"dir '>LPT1'", 2, "write it to a file, and COPY that"},
+             {"'dir | sort'", 2, "\"|\" isn't understood"},
+             {"'dir >'", 2, "the name of a file is missing"},
+             {"'dir >LPT1'", 2, "write it to a file, and COPY that"},
          }) {
         SCOPED_TRACE(c.command);
         const Outcome outcome = run(c.command);
@@ -143,12 +143,17 @@ TEST_F(Shell, RefusesWithOneClearLine) {
 }
 
 TEST_F(Shell, SendsOutputElsewhereAndPassesAProgramsStatusOn) {
-    EXPECT_EQ(run("dir /b 'c:\\jobs' '>' 'c:\\list'").out, "");
-    EXPECT_EQ(run("echo more '>>c:\\list'").status, 0);
+    EXPECT_EQ(run("'dir /b c:\\jobs > c:\\list'").out, "");
+    EXPECT_EQ(run("'echo more>>c:\\list'").status, 0);
     EXPECT_EQ(readFile("drive_c/list"), "A.ps\nb.ps\nmore\n");
-    EXPECT_EQ(run("del 'c:\\none' '2>nul'").error, "");
-    EXPECT_EQ(run("del 'c:\\none' '>both' '2>&1'").error, "");
+    EXPECT_EQ(run("'del c:\\none 2>nul'").error, "");
+    EXPECT_EQ(run("'del c:\\none >both 2>&1'").error, "");
     EXPECT_THAT(readFile("both"), testing::HasSubstr("No such file"));
+    for (const char* quoted : {"copy '>x' nul", "'copy \">x\" nul'"}) {
+        writeFile(">x", "");
+        EXPECT_EQ(run(quoted).out, "1 file copied\n") << quoted;
+        EXPECT_FALSE(fs::exists(path("x"))) << quoted;
+    }
     EXPECT_EQ(run("SH -c 'echo from sh; exit 9'").status, 9);
     EXPECT_EQ(readFile("out"), "from sh\n");
 }
