@@ -1,10 +1,7 @@
 #include "apps/common/outputs.h"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 
 #include "apps/common/system_path.h"
 #include "apps/common/tell.h"
@@ -13,21 +10,19 @@ namespace app {
 
 namespace fs = std::filesystem;
 
-Outputs::Outputs(const fs::path& base, const std::vector<const char*>& suffixes) {
-    const std::string beside = base.string() + ".part" + std::to_string(getpid());
-    for (const char* suffix : suffixes) {
-        names_.push_back(base.string() + suffix);
-        temporaries_.push_back(beside + suffix);
-    }
+namespace {
+
+constexpr const char* kept = ".kept";  // behind the suffix: what a file of the same name was
+
+std::string lastPart(const std::string& name) {
+    return name.substr(name.find_last_of("/\\:") + 1);
 }
 
-Outputs::~Outputs() {
-    removeTemporaries();
-}
+}  // namespace
 
-void Outputs::removeTemporaries() {
-    std::error_code ignored;
-    for (const fs::path& file : temporaries_) fs::remove(systemPath(file), ignored);
+Outputs::Outputs(const fs::path& base, const std::vector<const char*>& suffixes)
+    : base_(base.string()), suffixes_(suffixes.begin(), suffixes.end()), folder_(nullptr, mdlWorkFolder_remove) {
+    for (const std::string& suffix : suffixes_) names_.push_back(base_ + suffix);
 }
 
 bool Outputs::prepare(const fs::path& input, bool overwrite) {
@@ -43,30 +38,50 @@ bool Outputs::prepare(const fs::path& input, bool overwrite) {
             return fail(name.string() + ": the file is there already; give --overwrite or another name with --out");
         }
     }
-    for (const fs::path& file : temporaries_) {
-        if (std::ofstream(systemPath(file))) continue;
-        return fail(file.parent_path().empty()
-                        ? "the current folder can't be written: " + std::string(std::strerror(errno))
-                        : file.parent_path().string() + ": the folder can't be written (" + std::strerror(errno) +
-                              "); give another one with --out");
+    MdlWorkFolder* folder = nullptr;
+    if (const int failed = mdlWorkFolder_make(&folder, base_.c_str())) {
+        const std::string place = fs::path(base_).parent_path().string();
+        const std::string why = std::strerror(failed);
+        return fail(place.empty() ? "the current folder can't be written: " + why
+                                  : place + ": the folder can't be written (" + why + "); give another one with --out");
     }
-    removeTemporaries();
+    folder_.reset(folder);
     return true;
 }
 
 std::string Outputs::temporary(const char* suffix) const {
-    for (const fs::path& file : temporaries_) {
-        if (file.extension() == suffix) return file.string();
-    }
-    return {};
+    return std::string(mdlWorkFolder_name(folder_.get())) + "/" + lastPart(base_) + suffix;
+}
+
+fs::path Outputs::inFolder(const std::string& suffix) const {
+    return systemPath(temporary(suffix.c_str()));
+}
+
+// What had the name is kept for as long as another file may fail; a file system without links keeps nothing.
+bool Outputs::put(size_t i) {
+    const fs::path name = systemPath(names_[i]);
+    std::error_code error;
+    isNew_.push_back(!fs::exists(fs::symlink_status(name, error)));
+    fs::create_hard_link(name, inFolder(suffixes_[i] + kept), error);
+    fs::rename(inFolder(suffixes_[i]), name, error);
+    return !error || fail(names_[i].string() + ": the file can't be put in place: " + error.message());
+}
+
+void Outputs::takeBack(size_t i) {
+    const fs::path name = systemPath(names_[i]);
+    std::error_code error;
+    fs::rename(inFolder(suffixes_[i] + kept), name, error);
+    if (isNew_[i]) fs::remove(name, error);
 }
 
 bool Outputs::finish() {
+    if (mdlSystem_memoryFailures() != 0) return fail("memory has run out on the way, so no file is made");
     for (size_t i = 0; i < names_.size(); ++i) {
-        std::error_code error;
-        fs::rename(systemPath(temporaries_[i]), systemPath(names_[i]), error);
-        if (error) return fail(names_[i].string() + ": the file can't be put in place: " + error.message());
+        if (put(i)) continue;
+        while (i-- > 0) takeBack(i);
+        return false;
     }
+    folder_.reset();
     return true;
 }
 

@@ -66,6 +66,17 @@ MDL_EXPORT int mdlFile_getFileAttributes(int32_t *attributesP, const char *name)
  * read. An entry that is named without a wildcard gives a list of one, or an empty one. */
 MDL_EXPORT int mdlFileList_get(StringList **listP, const char *pattern, int attributes);
 
+/* ---- files that aren't whole yet ---- */
+/* A folder of this process alone, for files on their way to a place beside it: its files are given their own names
+ * with rename() when they are whole. What is left in it goes with it, also when a signal ends the process; what a
+ * killed process left is cleared away when the next one is made in the same place. */
+typedef struct MdlWorkFolder MdlWorkFolder;
+/* Makes one in the folder where the file `beside` is to be. 0, or the system's error number. The caller removes it. */
+MDL_EXPORT int mdlWorkFolder_make(MdlWorkFolder **folderP, const char *beside);
+/* Its name, valid as long as the folder. */
+MDL_EXPORT const char *mdlWorkFolder_name(const MdlWorkFolder *folder);
+MDL_EXPORT void mdlWorkFolder_remove(MdlWorkFolder *folder); /* null does nothing */
+
 /* ---- copies ---- */
 /* Copies a file. A file of the destination's name is replaced as a whole or not at all, and keeps its permissions; a
  * device file is written to. A folder is no destination.

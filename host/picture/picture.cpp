@@ -81,7 +81,8 @@ int writePicture(const std::string& path, const ElementDescr* ed, const Range3d*
     if (!(heightMm > 0 && heightMm <= mostMm) || tooLarge)
         return fail(path, "it would be too large; take a smaller width or resolution");
 
-    Draft draft(path);
+    const Draft draft(path);
+    if (const std::string problem = draft.problem(); !problem.empty()) return fail(path, problem.c_str());
     Sheet sheet(*kind, draft.path(), range, widthMm, dpi);
     if (ed)
         draw(ed, &range, sheet.tolerance(), sheet.pen());

@@ -1,4 +1,6 @@
 // A page on its way to a file or a printer.
+#include <fcntl.h>
+
 #include <cstring>
 #include <filesystem>
 
@@ -11,6 +13,7 @@
 #include "host/space/view.h"
 #include "host/system/paths.h"
 #include "host/system/printers.h"
+#include "host/system/unfinished.h"
 
 namespace host {
 namespace {
@@ -65,7 +68,8 @@ Failure plotIntoFile(const PlotDriver& driver, const Fit& fit, const RotMatrix& 
         return "there is no folder \"" + folder.string() + "\"; make it, or plot to another one";
     }
     if (fs::is_directory(target, error)) return "a folder has that name; give the plot another one";
-    Draft draft(target);
+    const Draft draft(target);
+    if (std::string problem = draft.problem(); !problem.empty()) return problem;
     if (Failure failure = drawPage(driver, fit, view, draft.path())) return failure;
     if (!draft.place()) return "no file of that name can be put there";
     return std::nullopt;
@@ -87,10 +91,12 @@ class JobFile {
   public:
     explicit JobFile(std::string_view extension) {
         std::string name = (fs::temp_directory_path() / "plotXXXXXX").string() + std::string(extension);
-        const int file = mkstemps(name.data(), static_cast<int>(extension.size()));
+        const SignalsHeld held;
+        const int file = mkostemps(name.data(), static_cast<int>(extension.size()), O_CLOEXEC);
         if (file < 0) return;
         ::close(file);
-        path_ = name;
+        path_ = std::move(name);
+        noted_.emplace(path_.c_str());
     }
     ~JobFile() {
         std::error_code ignored;
@@ -102,6 +108,7 @@ class JobFile {
 
   private:
     std::string path_;
+    std::optional<Unfinished> noted_;
 };
 
 Failure plotOnPrinter(const MdlPlotDesc& descr, const Fit& fit, const RotMatrix& view) {

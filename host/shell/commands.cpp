@@ -20,6 +20,7 @@
 #include "host/system/paths.h"
 #include "host/system/printers.h"
 #include "host/system/programs.h"
+#include "host/system/unfinished.h"
 
 namespace host::shell {
 
@@ -196,8 +197,12 @@ class JoinedFile {
   public:
     explicit JoinedFile(const std::vector<fs::path>& files) {
         std::string folder = (fs::temp_directory_path() / "mcshellXXXXXX").string();
-        if (mkdtemp(folder.data()) == nullptr) return;
-        folder_ = folder;
+        {
+            const SignalsHeld held;
+            if (mkdtemp(folder.data()) == nullptr) return;
+            noted_.emplace(folder.c_str());
+        }
+        folder_ = std::move(folder);
         path_ = folder_ / files.front().filename();
         std::ofstream to(path_, std::ios::binary);
         for (const fs::path& file : files) {
@@ -208,8 +213,7 @@ class JoinedFile {
         complete_ = complete_ && to.flush().good();
     }
     ~JoinedFile() {
-        std::error_code ignored;
-        if (!folder_.empty()) fs::remove_all(folder_, ignored);
+        if (!folder_.empty()) removeFolder(folder_.c_str());
     }
     JoinedFile(const JoinedFile&) = delete;
     JoinedFile& operator=(const JoinedFile&) = delete;
@@ -219,6 +223,7 @@ class JoinedFile {
 
   private:
     fs::path folder_, path_;
+    std::optional<Unfinished> noted_;
     bool complete_ = true;
 };
 

@@ -75,8 +75,12 @@ int copyToDevice(const fs::path& device, const fs::path& source) {
 }  // namespace
 
 TemporaryFile::TemporaryFile(const fs::path& folder) : path_((folder / ".mcXXXXXX").string()) {
+    const SignalsHeld held;
     descriptor_ = mkostemp(path_.data(), O_CLOEXEC);
-    if (descriptor_ < 0) error_ = errno;
+    if (descriptor_ < 0)
+        error_ = errno;
+    else
+        noted_.emplace(path_.c_str());
 }
 
 TemporaryFile::~TemporaryFile() {
@@ -98,6 +102,7 @@ int TemporaryFile::putInPlace(const fs::path& destination) {
     struct stat status {};
     if (stat(destination.c_str(), &status) == 0 && fchmod(descriptor_, status.st_mode & 0777) != 0) return errno;
     if (rename(path_.c_str(), destination.c_str()) != 0) return errno;
+    noted_.reset();
     path_.clear();
     return 0;
 }

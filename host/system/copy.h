@@ -2,9 +2,11 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "host/export.h"
+#include "host/system/unfinished.h"
 
 namespace host {
 
@@ -24,6 +26,7 @@ class TemporaryFile {
 
   private:
     std::string path_;
+    std::optional<Unfinished> noted_;
     int descriptor_ = -1;
     int error_ = 0;
 };

@@ -149,6 +149,17 @@ TEST_F(Materials, WhatCantBeDoneLeavesFilesAlone) {
     EXPECT_EQ(read("kept.ps"), "kept");
 }
 
+TEST_F(Materials, WhatAKilledRunLeftGoesWithTheNextOne) {
+    write("list.txt", "ITEM 1; a\n");
+    for (const char* left : {".mcpart-killed", ".mcpart-lives"}) {
+        std::filesystem::create_directories(folder_ / left);
+        write(std::string(left) + "/list.ps", "half a");
+    }
+    EXPECT_EQ(
+        shell("exec 9<.mcpart-lives; flock 9; '" BUILD_DIR "/bin/mchost' materials list.txt --out list.ps").status, 0);
+    EXPECT_THAT(files(), ElementsAre(".mcpart-lives", "list.ps", "list.txt"));
+}
+
 TEST_F(Materials, NamesMayHaveAnyLettersOfTheLanguages) {
     write("bl\xc3\xa5.txt", "ITEM 1; r\xc3\xb8r\n");
     const Outcome outcome = run("bl\xc3\xa5.txt --out gr\xc3\xb8nn.ps");
