@@ -19,6 +19,7 @@
 #include "host/mdl/text.h"
 #include "host/mdl/view.h"
 #include "host/model/cell_library.h"
+#include "host/session/program.h"
 #include "host/system/charset.h"
 
 namespace {
@@ -483,7 +484,7 @@ void Compiler::compileCell(const toml::table& source) {
     const auto name = in_.text(source, "name", longestName);
     if (!name) return;
     in_.setCell(host::utf8FromNarrow(*name));
-    MSElementBuffer header;
+    static MSElementBuffer header;  // too large for a small stack
     ElementDescr* made = nullptr;
     mdlCell_create(&header, wideOf(*name).c_str(), nullptr, 0);
     if (source.get("description"))
@@ -576,9 +577,7 @@ bool Compiler::writePictures(const std::string& folder) {
     return true;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runWith(int argc, char** argv) {
     CLI::App app("Compiles descriptions of cells (TOML) into a cell library.", "mccel");
     std::string output, pictures;
     std::vector<std::string> sources;
@@ -608,4 +607,10 @@ int main(int argc, char** argv) {
     }
     const bool good = compiler.write(output) && (pictures.empty() || compiler.writePictures(pictures));
     return good ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return host::runProgram("mccel", [&] { return runWith(argc, argv); });
 }

@@ -19,6 +19,7 @@
 #include "host/mdl/model.h"
 #include "host/mdl/system.h"
 #include "host/session/keyin.h"
+#include "host/session/program.h"
 #include "host/session/session.h"
 #include "host/system/charset.h"
 #include "host/system/open.h"
@@ -330,9 +331,7 @@ int callWithoutApplication(CLI::App& cli) {
     return status;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runWith(int argc, char** argv) {
     CLI::App cli("Runs an application of the family.");
     Options options;
     const int ended = parse(cli, options, argc, argv);
@@ -343,4 +342,10 @@ int main(int argc, char** argv) {
         if (!somethingIsListed(options)) return callWithoutApplication(cli);
     }
     return work(options);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return host::runProgram("mchost", [&] { return runWith(argc, argv); });
 }

@@ -15,6 +15,7 @@
 #include "host/dialog/number_format.h"
 #include "host/mdl/dialog.h"
 #include "host/resource/container.h"
+#include "host/session/program.h"
 #include "host/system/charset.h"
 
 namespace {
@@ -297,9 +298,7 @@ void Compiler::requireEnglish() {
     }
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runWith(int argc, char** argv) {
     CLI::App app("Compiles resource sources (TOML) into one resource file.", "mcrsc");
     std::string output;
     std::vector<std::string> sources;
@@ -330,4 +329,10 @@ int main(int argc, char** argv) {
         return 1;
     }
     return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return host::runProgram("mcrsc", [&] { return runWith(argc, argv); });
 }

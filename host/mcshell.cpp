@@ -6,12 +6,14 @@
 
 #include <vector>
 
+#include "host/session/program.h"
 #include "host/shell/shell.h"
 
 namespace {
 
 constexpr const char* usage =
     "usage: mcshell /C COMMAND [arguments]\n"
+    "       mcshell /C \"COMMAND [arguments] [> FILE]\"\n"
     "  Carries out one command on host paths (c:\\temp\\a.ps) or paths of the system: CD, CHDIR, CHDSK, COPY, DEL, "
     "DIR,\n"
     "  MKDIR, MD, MOVE, PATH, PRINT, RENAME, REN, XCOPY, ECHO, a batch file (.BAT, .CMD) or a program.\n";
@@ -20,9 +22,7 @@ bool isFor(const char* argument, const char* text) {
     return strcasecmp(argument, text) == 0;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runWith(int argc, char** argv) {
     if (argc == 2 && (isFor(argv[1], "--help") || isFor(argv[1], "/?"))) return std::fputs(usage, stdout) < 0;
     if (argc == 2 && isFor(argv[1], "--version")) return std::puts("mcshell " MCHOST_VERSION) < 0;
     if (argc < 3 || !isFor(argv[1], "/C")) {
@@ -34,4 +34,10 @@ int main(int argc, char** argv) {
     if (std::fflush(stdout) == 0) return status;
     std::fprintf(stderr, "mcshell: what was printed couldn't be written in full; is the disk full?\n");
     return host::shell::failed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return host::runProgram("mcshell", [&] { return runWith(argc, argv); });
 }

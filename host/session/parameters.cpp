@@ -76,10 +76,10 @@ int workmode() {
 
 }  // namespace
 
-void resetParameters() {
+void resetParameters() noexcept {
     active = {};
     controlBlock = initialControlBlock;
-    controlBlock.workmode = workmode();
+    controlBlock.workmode = guarded<int>(0, workmode);
 }
 
 }  // namespace host
