@@ -139,8 +139,10 @@ void makePage(GlobalData& data, int32_t page, bool inDrawing, ElementDescr** res
     copyText(data.currentPageName, pageName(data, page));
     if (!functions.page || page < 0 || page >= pageCount(data)) return;
     const KeepEditedBlocks keep;
+    const int failures = mdlSystem_memoryFailures();
     dlmSystem_callAnyFunction("IPPI", mdlSystem_getCurrMdlDesc(), reinterpret_cast<void*>(functions.page), page,
                               data.pageNames[page], result, inDrawing ? 1 : 0);
+    if (mdlSystem_memoryFailures() != failures) mdlElmdscr_freeAll(result);  // something is missing in it
 }
 
 PageSpan pagesToPrint(const GlobalData& data) {

@@ -180,7 +180,7 @@ PlacedPage placePage(GlobalData& data, int32_t number, bool inDrawing, const std
     makeInOwnSystem(data, number, inDrawing, page);
     placed.made = static_cast<bool>(page);
     if (!page || isEmpty(placed.area) || !prepare(page)) return placed;
-    mclibElemDscr_placeElementDescr(placed.area.at, 1, page.get());
+    if (mclibElemDscr_placeElementDescr(placed.area.at, 1, page.get()) != MCLIB_SUCCESS) return placed;
     const Transform* toWorld = nullptr;
     mdlCurrTrans_getAddresses(&toWorld, nullptr);
     if (mdlElmdscr_transform(page.get(), toWorld) != MDL_SUCCESS) return placed;

@@ -11,9 +11,10 @@
 
 namespace {
 
-void dressAndAppend(MSElementBuffer* element, int attrId, ElementDescr* ed) {
+int dressAndAppend(MSElementBuffer* element, int attrId, ElementDescr* ed) {
     mclibElmAttr_setSymbologyAndProperties(element, attrId, nullptr);
-    if (ed != nullptr) mdlElmdscr_appendElement(ed, element);
+    if (ed == nullptr) return MCLIB_SUCCESS;
+    return mdlElmdscr_appendElement(ed, element) == MDL_SUCCESS ? MCLIB_SUCCESS : MCLIB_ERROR;
 }
 
 // While it stands, the attribute has another justification; afterwards it has its own again.
@@ -42,60 +43,58 @@ class OneOffJustification {
     ElmAttrData saved_, changed_;
 };
 
-void createText(const Point3d* origin, const char* text, double scale, int attrId, ElementDescr* ed) {
+int createText(const Point3d* origin, const char* text, double scale, int attrId, ElementDescr* ed) {
     const int status = mclibElmAttr_createText(dgnBufP, nullptr, text, origin, nullptr, 0, attrId, scale, nullptr);
-    if (status == MCLIB_SUCCESS && ed != nullptr) mdlElmdscr_appendElement(ed, dgnBufP);
+    if (status != MCLIB_SUCCESS) return MCLIB_ERROR;
+    return ed == nullptr || mdlElmdscr_appendElement(ed, dgnBufP) == MDL_SUCCESS ? MCLIB_SUCCESS : MCLIB_ERROR;
 }
 
 }  // namespace
 
-void mclibElement_createLine(const Point3d* points, int attrId, ElementDescr* ed) {
+int mclibElement_createLine(const Point3d* points, int attrId, ElementDescr* ed) {
     mdlLine_create(dgnBufP, nullptr, points);
-    dressAndAppend(dgnBufP, attrId, ed);
+    return dressAndAppend(dgnBufP, attrId, ed);
 }
 
-void mclibElement_createLineString(const Point3d* points, int count, int attrId, ElementDescr* ed) {
+int mclibElement_createLineString(const Point3d* points, int count, int attrId, ElementDescr* ed) {
     mdlLineString_create(dgnBufP, nullptr, points, count);
-    dressAndAppend(dgnBufP, attrId, ed);
+    return dressAndAppend(dgnBufP, attrId, ed);
 }
 
-void mclibElement_createArc(const Point3d* center, double radius, double startAngle, double sweepAngle, int attrId,
-                            ElementDescr* ed) {
+int mclibElement_createArc(const Point3d* center, double radius, double startAngle, double sweepAngle, int attrId,
+                           ElementDescr* ed) {
     mdlArc_create(dgnBufP, nullptr, center, radius, radius, nullptr, startAngle, sweepAngle);
-    dressAndAppend(dgnBufP, attrId, ed);
+    return dressAndAppend(dgnBufP, attrId, ed);
 }
 
-void mclibElement_createArcByCenter(const Point3d* start, const Point3d* center, const Point3d* end, int clockwise,
-                                    const Point3d* normal, int attrId, ElementDescr* ed) {
-    MSElementBuffer arc;  // not dgnBufP, which stays as it is
+int mclibElement_createArcByCenter(const Point3d* start, const Point3d* center, const Point3d* end, int clockwise,
+                                   const Point3d* normal, int attrId, ElementDescr* ed) {
+    static MSElementBuffer arc;  // not dgnBufP, which stays as it is; too large for a small stack
     arc.head = {};
     mdlArc_createByCenter(&arc, nullptr, start, center, end, clockwise, normal);
-    dressAndAppend(&arc, attrId, ed);
+    return dressAndAppend(&arc, attrId, ed);
 }
 
-void mclibElement_createEllipse(const Point3d* center, double radius, int attrId, ElementDescr* ed) {
-    mclibElement_createEllipseExtended(center, radius, 0, attrId, ed);
+int mclibElement_createEllipse(const Point3d* center, double radius, int attrId, ElementDescr* ed) {
+    return mclibElement_createEllipseExtended(center, radius, 0, attrId, ed);
 }
 
-void mclibElement_createEllipseExtended(const Point3d* center, double radius, int fillMode, int attrId,
-                                        ElementDescr* ed) {
+int mclibElement_createEllipseExtended(const Point3d* center, double radius, int fillMode, int attrId,
+                                       ElementDescr* ed) {
     mdlEllipse_create(dgnBufP, nullptr, center, radius, radius, nullptr, fillMode);
-    dressAndAppend(dgnBufP, attrId, ed);
+    return dressAndAppend(dgnBufP, attrId, ed);
 }
 
-void mclibElement_createShape(const Point3d* points, int count, int fillMode, int attrId, ElementDescr* ed) {
+int mclibElement_createShape(const Point3d* points, int count, int fillMode, int attrId, ElementDescr* ed) {
     mdlShape_create(dgnBufP, nullptr, points, count, fillMode);
-    dressAndAppend(dgnBufP, attrId, ed);
+    return dressAndAppend(dgnBufP, attrId, ed);
 }
 
-void mclibElement_createText(const Point3d* origin, const char* text, double scale, const int* just, int attrId,
-                             ElementDescr* ed) {
-    if (just == nullptr) {
-        createText(origin, text, scale, attrId, ed);
-        return;
-    }
+int mclibElement_createText(const Point3d* origin, const char* text, double scale, const int* just, int attrId,
+                            ElementDescr* ed) {
+    if (just == nullptr) return createText(origin, text, scale, attrId, ed);
     const OneOffJustification justification(attrId, *just);
-    if (justification.known()) createText(origin, text, scale, attrId, ed);
+    return justification.known() ? createText(origin, text, scale, attrId, ed) : MCLIB_ERROR;
 }
 
 int mclibElement_setSymbologyByLevel(MSElementBuffer* element) {

@@ -138,7 +138,7 @@ void undoRotation(MSElementBuffer* header) {
         mdlRMatrix_getInverse(&matrix, &matrix) == MDL_SUCCESS) {
         Transform back;
         mdlTMatrix_fromRMatrix(&back, &matrix);
-        mdlElement_transform(header, header, &back);
+        if (mdlElement_transform(header, header, &back) != MDL_SUCCESS) return;
     }
     putOrigin(header, origin);
 }

@@ -28,10 +28,10 @@ int mclibElemDscr_getRange(Point3d* range, const ElementDescr* ed) {
     return mdlElmdscr_computeRange(&range[0], &range[1], ed, nullptr);
 }
 
-void mclibElemDscr_placeElementDescr(Point3d* box, int translate, ElementDescr* ed) {
+int mclibElemDscr_placeElementDescr(Point3d* box, int translate, ElementDescr* ed) {
     mdlElmdscr_validate(ed, mdlModelRef_getActive());
     Point3d range[2];
-    if (mclibElemDscr_getRange(range, ed) != MDL_SUCCESS) return;
+    if (mclibElemDscr_getRange(range, ed) != MDL_SUCCESS) return MCLIB_SUCCESS;
     const double dx = extentOf(range[0].x, range[1].x);
     const double dy = extentOf(range[0].y, range[1].y);
     if (box[0].x == box[2].x) box[2].x = box[0].x + emptyBoxExtent;
@@ -42,14 +42,15 @@ void mclibElemDscr_placeElementDescr(Point3d* box, int translate, ElementDescr* 
     const Point3d origin = {box[0].x + (width - scale * dx) / 2 - scale * range[0].x,
                             box[0].y + (height - scale * dy) / 2 - scale * range[0].y, box[0].z};
 
-    if (mdlCurrTrans_begin() != MDL_SUCCESS) return;
+    if (mdlCurrTrans_begin() != MDL_SUCCESS) return MCLIB_ERROR;
     mdlCurrTrans_identity();
     mdlCurrTrans_scale(scale, scale, scale);
     if (translate != 0) mdlCurrTrans_translateOriginWorld(&origin);
     const Transform* toWorld = nullptr;
     mdlCurrTrans_getAddresses(&toWorld, nullptr);
-    mdlElmdscr_transform(ed, toWorld);
+    const int status = mdlElmdscr_transform(ed, toWorld);
     mdlCurrTrans_end();
+    return status;
 }
 
 int mclibElemDscr_drawElementDescr(MdlDialog* window, const DialogRect* rect, ElementDescr* ed,

@@ -42,6 +42,10 @@ constexpr auto pageSizes = std::to_array<PageSize>({
 // clang-format on
 static_assert(std::ranges::all_of(pageSizes, [](const PageSize& p) { return &p - pageSizes.data() + 1 == p.code; }));
 
+// Of the last job: whether it may lack what there was no memory for.
+int failuresAtOpen = 0;
+bool lackedMemory = false;
+
 bool isDevice(int32_t device) {
     return 0 <= device && device < static_cast<int32_t>(drivers.size());
 }
@@ -85,6 +89,8 @@ int mclibPrint_fopen(const char* fileName, int device) {
     jobOwner = gd;
     if (!isDevice(device))
         toolSubsystem_printf("mclibPrint: there is no print device %d; nothing is printed.\n", device);
+    failuresAtOpen = mdlSystem_memoryFailures();
+    lackedMemory = false;
     const PrintDriver* driver = driverOf(device);
     return driver ? driver->open(fileName, gd->printPageCode) : 1;
 }
@@ -100,6 +106,7 @@ void mclibPrint_newPage(void) {
 
 void mclibPrint_fclose(void) {
     if (const PrintDriver* driver = currentDriver()) driver->close();
+    lackedMemory = mdlSystem_memoryFailures() != failuresAtOpen;
 }
 
 int mclibPrint_jobStatus(void) {
@@ -107,6 +114,7 @@ int mclibPrint_jobStatus(void) {
     if (!gd) return MCLIB_ERROR;
     if (!isDevice(gd->printDevice)) return MCLIB_ERROR;
     const PrintDriver* driver = driverOf(gd->printDevice);
+    if (lackedMemory) return MCLIB_ERROR;
     return driver ? driver->jobStatus() : MCLIB_SUCCESS;
 }
 

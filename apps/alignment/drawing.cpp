@@ -51,6 +51,8 @@ class Drawing {
   private:
     using SheetPoint = std::array<double, 2>;
 
+    // Whether the drawing took an element.
+    bool note(int status) { return status == MDL_SUCCESS || (isWhole_ = false); }
     int attributeOf(Role role) const { return road_.attributeOf(role); }
     Point3d beside(const Place& place, double along, double left) const;
 
@@ -78,6 +80,7 @@ class Drawing {
     const Road& road_;
     const Sheet& sheet_;
     Page page_;
+    bool isWhole_ = true;
     std::vector<Point3d> trace_;  // the road on the sheet, in small steps
     SheetPoint north_{};          // middle of the north arrow
 };
@@ -93,7 +96,7 @@ Point3d Drawing::beside(const Place& p, double along, double left) const {
 
 void Drawing::line(Role role, const Point3d& from, const Point3d& to) {
     const Point3d points[2] = {from, to};
-    mclibElement_createLine(points, attributeOf(role), page_.get());
+    note(mclibElement_createLine(points, attributeOf(role), page_.get()));
 }
 
 void Drawing::sheetLine(Role role, SheetPoint from, SheetPoint to) {
@@ -106,10 +109,9 @@ void Drawing::text(Role role, const Point3d& at, const std::string& text, double
     RotMatrix rotation;
     mdlRMatrix_fromAngle(&rotation, angle);
     // Text sizes are metres on paper.
-    if (mclibElmAttr_createText(dgnBufP, nullptr, text.c_str(), &at, &rotation, 0, id, 1 / sheet_.scale, nullptr) ==
-        MCLIB_SUCCESS) {
-        mdlElmdscr_appendElement(page_.get(), dgnBufP);
-    }
+    const int made =
+        mclibElmAttr_createText(dgnBufP, nullptr, text.c_str(), &at, &rotation, 0, id, 1 / sheet_.scale, nullptr);
+    if (!text.empty()) note(made == MCLIB_SUCCESS ? mdlElmdscr_appendElement(page_.get(), dgnBufP) : made);
 }
 
 void Drawing::sheetText(Role role, double x, double y, const std::string& words, int just) {
@@ -151,11 +153,11 @@ bool Drawing::element(const Element& e) {
     const Point3d ends[2] = {{e.x1, e.y1, 0}, {e.x2, e.y2, 0}};
     Point3d centre{};
     switch (e.kind()) {
-        case GEO_LINE: mclibElement_createLine(ends, e.attribute, page_.get()); return true;
+        case GEO_LINE: return note(mclibElement_createLine(ends, e.attribute, page_.get()));
         case GEO_CIRCLE:
             mclibGeo_getCircleCenter(&centre.x, &centre.y, e.x1, e.y1, e.x2, e.y2, e.r1);
-            mclibElement_createArcByCenter(&ends[0], &centre, &ends[1], e.r1 < 0, nullptr, e.attribute, page_.get());
-            return true;
+            return note(mclibElement_createArcByCenter(&ends[0], &centre, &ends[1], e.r1 < 0, nullptr, e.attribute,
+                                                       page_.get()));
         default: return clothoid(e) || fail(formatted("the clothoid at station %.3f can't be drawn", e.start));
     }
 }
@@ -183,7 +185,8 @@ void Drawing::label(const Element& e) {
 // A line across the road where two elements meet, with a dot on the axis and the station at its end.
 void Drawing::boundary(const Place& p) {
     const Point3d axis = {p.x, p.y, 0};
-    mclibElement_createEllipseExtended(&axis, sheet_.metres(boundaryDot), 1, attributeOf(Role::boundary), page_.get());
+    note(mclibElement_createEllipseExtended(&axis, sheet_.metres(boundaryDot), 1, attributeOf(Role::boundary),
+                                            page_.get()));
     line(Role::boundary, beside(p, 0, -boundaryFrom), beside(p, 0, -boundaryTo));
     readableText(Role::boundary, beside(p, 0, -boundaryTextAt), formatted("%.2f", p.station), p.bearing - M_PI / 2,
                  leftCentre);
@@ -262,8 +265,8 @@ void Drawing::northArrow() {
     };
     const Point3d dark[3] = {at(0, 8), at(-2.4, -6), at(0, -4)};
     const Point3d light[3] = {at(0, 8), at(2.4, -6), at(0, -4)};
-    mclibElement_createShape(dark, 3, 1, attributeOf(Role::grid), page_.get());
-    mclibElement_createShape(light, 3, 0, attributeOf(Role::grid), page_.get());
+    note(mclibElement_createShape(dark, 3, 1, attributeOf(Role::grid), page_.get()));
+    note(mclibElement_createShape(light, 3, 0, attributeOf(Role::grid), page_.get()));
     text(Role::station, at(0, 9), "N", 0, centreBase);
 }
 
@@ -298,7 +301,7 @@ void Drawing::scaleBar() {
         const double x = left + i * step;
         const Point3d corners[4] = {sheet_.ground(x, bottom), sheet_.ground(x + step, bottom),
                                     sheet_.ground(x + step, bottom + thickness), sheet_.ground(x, bottom + thickness)};
-        mclibElement_createShape(corners, 4, i % 2 == 0, attributeOf(Role::grid), page_.get());
+        note(mclibElement_createShape(corners, 4, i % 2 == 0, attributeOf(Role::grid), page_.get()));
     }
     for (const int i : {0, 1, 2, fields}) {
         const char* unit = i == fields ? " m" : "";
@@ -336,7 +339,7 @@ bool Drawing::draw() {
         boundary(placeOn(e, 0));
     }
     boundary(placeOn(road_.elements.back(), road_.elements.back().length));
-    return true;
+    return isWhole_ || fail("the drawing lacks elements that there was no memory for");
 }
 
 }  // namespace
@@ -346,13 +349,13 @@ Page drawRoad(const Road& road, const Sheet& sheet) {
     return drawing.draw() ? drawing.take() : nullptr;
 }
 
-void turnUpright(ElementDescr* page, const Sheet& sheet) {
-    if (sheet.angle == 0) return;
+bool turnUpright(ElementDescr* page, const Sheet& sheet) {
+    if (sheet.angle == 0) return true;
     const double uor = mdlModelRef_getUorPerMaster(mdlModelRef_getActive());
     const double c = std::cos(sheet.angle), s = std::sin(sheet.angle);
     const double x = sheet.centre.x * uor, y = sheet.centre.y * uor;
     const Transform turn = {{{c, s, 0, x - c * x - s * y}, {-s, c, 0, y + s * x - c * y}, {0, 0, 1, 0}}};
-    mdlElmdscr_transform(page, &turn);
+    return mdlElmdscr_transform(page, &turn) == MDL_SUCCESS || fail("the drawing can't be turned upright");
 }
 
 Range3d uprightFrame(const Sheet& sheet) {

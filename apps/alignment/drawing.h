@@ -34,7 +34,7 @@ class MasterUnits {
 // Null, after a message, when an element can't be made.
 Page drawRoad(const Road& road, const Sheet& sheet);
 // Turns a page about the sheet's centre so that the sheet's lower edge runs along x.
-void turnUpright(ElementDescr* page, const Sheet& sheet);
+bool turnUpright(ElementDescr* page, const Sheet& sheet);
 // The frame of an upright page, in UOR.
 Range3d uprightFrame(const Sheet& sheet);
 

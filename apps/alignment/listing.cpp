@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 #include "apps/common/tell.h"
 #include "host/mdl/system.h"
@@ -106,9 +107,10 @@ void setSize(int attribute) {
     mclibElmAttr_editAttribute(attribute, 0, data.get());
 }
 
-void addText(ElementDescr* page, const Cell& cell, double y, int attribute) {
+bool addText(ElementDescr* page, const Cell& cell, double y, int attribute) {
     const Point3d at = {static_cast<double>(cell.column) * columnWidth + (cell.column > 0 ? insideColumn : 0), y, 0};
-    if (!cell.text.empty()) mclibElement_createText(&at, cell.text.c_str(), 1.0, nullptr, attribute, page);
+    return cell.text.empty() ||
+           mclibElement_createText(&at, cell.text.c_str(), 1.0, nullptr, attribute, page) == MCLIB_SUCCESS;
 }
 
 }  // namespace
@@ -134,14 +136,19 @@ ListPage stationPage(const Road& road, double step) {
         app::fail("no memory for the station list");
         return list;
     }
-    list.page.reset(page);
+    Page made(page);
     const int attribute = road.attributeOf(Role::text);
     setSize(attribute);
     double y = list.height;
     for (const Line& line : lines) {
         y -= lineHeight;
-        for (const Cell& cell : line) addText(page, cell, y, attribute);
+        for (const Cell& cell : line) {
+            if (addText(page, cell, y, attribute)) continue;
+            app::fail("the station list can't be made: \"" + cell.text + "\" finds no place in it");
+            return list;
+        }
     }
+    list.page = std::move(made);
     return list;
 }
 

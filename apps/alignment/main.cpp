@@ -135,8 +135,8 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Project& project, con
     if (!workFile.isOpen()) return fail(designName + ": the design file can't be made");
     const Page page = drawRoad(road, sheet);
     if (!page || !project.write(designName) || !writeDesignFile(designName, page.get())) return false;
-    turnUpright(page.get(), sheet);
-    if (!print(outputs.temporary(printSuffix), page.get(), road, sheet, options)) return false;
+    if (!turnUpright(page.get(), sheet) || !print(outputs.temporary(printSuffix), page.get(), road, sheet, options))
+        return false;
     if (!writePicture(outputs.temporary(pictureSuffix.c_str()), page.get(), sheet)) return false;
     if (options.raster && !writeRaster(outputs.temporary(rasterSuffix), page.get(), sheet, *options.raster))
         return false;

@@ -21,15 +21,15 @@ int main(int argc, char **argv)
     Point3d centre = { 85, 60, 0 };
     ElementDescr *page = NULL;
     mclibElement_createShape(corners, 5, 0, FRAME, NULL);
-    mdlElmdscr_new(&page, NULL, dgnBufP);
-    mclibElement_createText(&centre, "Hello, paper", 1.0, NULL, TITLE, page);
+    if (mdlElmdscr_new(&page, NULL, dgnBufP) != MDL_SUCCESS) return 1;
+    int made = mclibElement_createText(&centre, "Hello, paper", 1.0, NULL, TITLE, page) == MCLIB_SUCCESS;
 
     /* 170 x 120 mm, 20 mm from the left and 150 mm from the lower edge of the sheet. */
-    int opened = mclibPrint_fopen(file, 0);
+    int opened = made && mclibPrint_fopen(file, 0);
     if (opened) {
         mclibPrint_printElementDescr(page, 20, 150, 170, 120);
         mclibPrint_fclose();
     }
     mdlElmdscr_freeAll(&page);
-    return opened ? 0 : 1;
+    return opened && mclibPrint_jobStatus() == MCLIB_SUCCESS ? 0 : 1;
 }

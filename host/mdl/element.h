@@ -74,7 +74,7 @@ MDL_EXPORT int mdlElement_memcpy(MSElementBuffer *out, const MSElementBuffer *in
 MDL_EXPORT int mdlElement_isFilled(const MSElementBuffer *element); /* 1 or 0 */
 /* Transforms the element in UOR, whatever the current transform; `out` may be `in`. MDL_ERROR, with `out` as it was,
  * when a coordinate would leave the finite numbers. */
-MDL_EXPORT int mdlElement_transform(MSElementBuffer *out, const MSElementBuffer *in, const Transform *transform);
+MDL_EXPORT MDL_CHECKED int mdlElement_transform(MSElementBuffer *out, const MSElementBuffer *in, const Transform *transform);
 /* Copies the element without any linkage. */
 MDL_EXPORT int mdlElement_stripAttributes(MSElementBuffer *out, const MSElementBuffer *in);
 

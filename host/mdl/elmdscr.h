@@ -15,14 +15,14 @@ struct ElementDescr {
 };
 
 /* A new descriptor with a copy of the element in edPP. `model` null is the active one. */
-MDL_EXPORT int mdlElmdscr_new(ElementDescr **edPP, ModelRef *model, const MSElementBuffer *element);
+MDL_EXPORT MDL_CHECKED int mdlElmdscr_new(ElementDescr **edPP, ModelRef *model, const MSElementBuffer *element);
 /* Appends a copy of the element: as the last component when ed is a header that takes components (cell, text node,
  * complex shape), else at the end of ed's chain. */
-MDL_EXPORT int mdlElmdscr_appendElement(ElementDescr *ed, const MSElementBuffer *element);
+MDL_EXPORT MDL_CHECKED int mdlElmdscr_appendElement(ElementDescr *ed, const MSElementBuffer *element);
 /* Appends a descriptor, which then belongs to ed, in the same way. MDL_ERROR, with both as they were, when it stands in a
  * chain or header already, or ed is a part of it. */
-MDL_EXPORT int mdlElmdscr_appendDscr(ElementDescr *ed, ElementDescr *part);
-MDL_EXPORT int mdlElmdscr_duplicate(ElementDescr **edPP, const ElementDescr *ed); /* with chain and children */
+MDL_EXPORT MDL_CHECKED int mdlElmdscr_appendDscr(ElementDescr *ed, ElementDescr *part);
+MDL_EXPORT MDL_CHECKED int mdlElmdscr_duplicate(ElementDescr **edPP, const ElementDescr *ed); /* with chain and children */
 MDL_EXPORT void mdlElmdscr_freeAll(ElementDescr **edPP); /* frees chain and children; *edPP becomes null */
 
 /* Reads the element at a position, its components with it. The number of elements read; 0 when it can't be read. */
@@ -34,7 +34,7 @@ MDL_EXPORT uint32_t mdlElmdscr_readToMaster(ElementDescr **edPP, FilePos positio
 MDL_EXPORT FilePos mdlElmdscr_rewrite(ElementDescr *ed, FilePos position);
 /* Adds every descriptor of the chain to its model, which is the active one; the position of the first, or 0 on failure,
  * and none is added then. */
-MDL_EXPORT FilePos mdlElmdscr_add(ElementDescr *ed);
+MDL_EXPORT MDL_CHECKED FilePos mdlElmdscr_add(ElementDescr *ed);
 MDL_EXPORT int mdlElmdscr_display(ElementDescr *ed, ModelRef *model, int32_t drawMode);
 
 /* Brings the range of the cell headers in chain and children in line with their components. MDL_ERROR when one of them
@@ -46,7 +46,7 @@ MDL_EXPORT int mdlElmdscr_validate(ElementDescr *ed, ModelRef *model);
  * null. MDL_ERROR, with low and high untouched, when nothing in it has an extent of its own. */
 MDL_EXPORT int mdlElmdscr_computeRange(Point3d *low, Point3d *high, const ElementDescr *ed, const Transform *transform);
 /* Transforms every element, in UOR. MDL_ERROR, with all as it was, when a coordinate would leave the finite numbers. */
-MDL_EXPORT int mdlElmdscr_transform(ElementDescr *ed, const Transform *transform);
+MDL_EXPORT MDL_CHECKED int mdlElmdscr_transform(ElementDescr *ed, const Transform *transform);
 /* As mdlElement_stroke for a whole descriptor: the components of a complex shape, which follow each other, in one run
  * that ends on its first point. Chain members behind ed
  * aren't looked at. */
@@ -65,7 +65,7 @@ MDL_EXPORT int mdlElmdscr_operation(ElementDescr *ed, MdlDescrFunction f, void *
 /* Reads an element without its components. The number of bytes; 0 when there is none. */
 MDL_EXPORT uint32_t mdlElement_read(MSElementBuffer *out, ModelRef *model, FilePos position);
 /* Adds an element to the active model; its position, 0 on failure. */
-MDL_EXPORT FilePos mdlElement_add(const MSElementBuffer *element);
+MDL_EXPORT MDL_CHECKED FilePos mdlElement_add(const MSElementBuffer *element);
 /* Writes the element over the one at `position`, whose components stay; the position, 0 on failure. */
 MDL_EXPORT FilePos mdlElement_rewrite(const MSElementBuffer *element, FilePos position);
 /* A host without a screen of its own shows nothing but what a command's dynamics (state.h) draw in their mode, and that

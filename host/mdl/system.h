@@ -70,6 +70,9 @@ MDL_EXPORT int32_t mdlSystem_getTicks(void);
 MDL_EXPORT void *dlmSystem_mdlMalloc(size_t size);
 MDL_EXPORT void *dlmSystem_mdlRealloc(void *block, size_t size);
 MDL_EXPORT void dlmSystem_mdlFree(void *block);
+/* How often the session has lacked memory for something: what was made meanwhile may not be whole. With any, its exit
+ * status is 1. */
+MDL_EXPORT int mdlSystem_memoryFailures(void);
 
 /* ---- configuration variables: session definitions over the environment ---- */
 

@@ -18,6 +18,13 @@
 #define MDL_EXPORT extern __attribute__((visibility("default")))
 #endif
 
+/* A result that mustn't be left unread. The library and the applications are built with MDL_CHECK_RESULTS. */
+#ifdef MDL_CHECK_RESULTS
+#define MDL_CHECKED __attribute__((warn_unused_result))
+#else
+#define MDL_CHECKED
+#endif
+
 enum { MDL_SUCCESS = 0, MDL_ERROR = 0x8000 };
 
 /* A point or vector. */

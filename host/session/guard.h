@@ -2,18 +2,27 @@
 #pragma once
 
 #include <exception>
+#include <new>
 #include <utility>
 
 namespace host {
 
+constexpr const char* noMemory = "There is not enough memory. Close other programs and try again.";
+
 // Tells an error that no caller asked about: one line in the message centre, or on standard error without a session.
 void reportError(const char* what) noexcept;
+
+// The session's run can't end well any more: something was left out for want of memory.
+void noteMemoryRanOut() noexcept;
 
 // Runs the body of a host call; `failed` is the result when it throws.
 template <class Result, class Body>
 Result guarded(Result failed, Body&& body) noexcept {
     try {
         return std::forward<Body>(body)();
+    } catch (const std::bad_alloc&) {
+        noteMemoryRanOut();
+        reportError(noMemory);
     } catch (const std::exception& e) {
         reportError(e.what());
     } catch (...) {

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "host/mdl/system.h"
+#include "host/session/guard.h"
 
 namespace host {
 
@@ -104,18 +105,22 @@ using namespace host;
 
 void* dlmSystem_mdlMalloc(size_t size) {
     void* block = failsNow() || isImpossible(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
-    if (block != nullptr) count(block, __builtin_return_address(0));
+    if (block != nullptr)
+        count(block, __builtin_return_address(0));
+    else
+        noteMemoryRanOut();
     return block;
 }
 
 void* dlmSystem_mdlRealloc(void* block, size_t size) {
-    if (failsNow() || isImpossible(size)) return nullptr;
+    if (failsNow() || isImpossible(size)) return noteMemoryRanOut(), nullptr;
     const size_t before = block == nullptr ? 0 : malloc_usable_size(block);
     if (block != nullptr && Trace::active() != nullptr) Trace::active()->remove(block);
     void* grown = std::realloc(block, size == 0 ? 1 : size);
     void* const caller = __builtin_return_address(0);
     if (grown == nullptr) {
         if (block != nullptr && Trace::active() != nullptr) Trace::active()->add(block, caller);
+        noteMemoryRanOut();
         return nullptr;
     }
     if (block != nullptr) {

@@ -92,6 +92,12 @@ Session* Session::current() {
     return activeSession;
 }
 
+void noteMemoryRanOut() noexcept {
+    if (activeState == nullptr) return;
+    ++activeState->memoryFailures;
+    if (activeState->exitStatus == 0) activeState->exitStatus = 1;
+}
+
 int Session::exitStatus() const {
     return state_->exitStatus == 0 && state_->failureNoted ? 1 : state_->exitStatus;
 }
@@ -124,3 +130,7 @@ ApplicationScope::~ApplicationScope() {
 }
 
 }  // namespace host
+
+int mdlSystem_memoryFailures(void) {
+    return host::activeState == nullptr ? 0 : host::activeState->memoryFailures;
+}

@@ -47,6 +47,7 @@ struct Session::State {
     int depth = 0;  // calls into applications that haven't come back
     int exitStatus = 0;
     bool failureNoted = false;
+    int memoryFailures = 0;
 };
 
 // Null when there is no session.
@@ -57,6 +58,6 @@ extern MdlDesc* currentApplication;
 Variables& variables();
 
 void startClock();
-void resetParameters();
+void resetParameters() noexcept;
 
 }  // namespace host

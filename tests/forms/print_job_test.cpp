@@ -3,6 +3,8 @@
 #include <filesystem>
 
 #include "frame/global_data.h"
+#include "host/mdl/elmdscr.h"
+#include "host/session/memory.h"
 #include "print/print.h"
 #include "tests/forms/preview_fixture.h"
 
@@ -146,6 +148,25 @@ TEST_F(PrintJob, PagesOfATextFileStandBehindEachOther) {
     const std::string file = path("out.txt");
     EXPECT_EQ(mclibPreview_printPages(3, names.data(), makeTestPage, file.c_str(), PRINT_ASCII, 0, 2), MCLIB_SUCCESS);
     EXPECT_EQ(readFile("out.txt"), "one\n\ftwo\n\fthree\n");
+}
+
+TEST_F(PrintJob, APageThatMemoryRanOutForIsNotPrinted) {
+    const auto makeTwo = [](int page, char*, ElementDescr** result, int) {
+        const Point3d ends[2] = {{0, 0, 0}, {1000, 1000, 0}};
+        mdlLine_create(dgnBufP, nullptr, ends);
+        EXPECT_EQ(mdlElmdscr_new(result, nullptr, dgnBufP), MDL_SUCCESS);
+        if (page == 0) return;
+        host::failMemoryFrom(1);
+        dlmSystem_mdlFree(dlmSystem_mdlMalloc(8));
+        host::failMemoryFrom(0);
+    };
+    char first[] = "first", second[] = "second";
+    char* const names[] = {first, second};
+    EXPECT_EQ(mclibPreview_printPages(2, names, makeTwo, path("out.ps").c_str(), PRINT_POSTSCRIPT, 0, 0),
+              MCLIB_SUCCESS);
+    EXPECT_EQ(mclibPreview_printPages(2, names, makeTwo, path("out.ps").c_str(), PRINT_POSTSCRIPT, 0, 1), MCLIB_ERROR);
+    EXPECT_EQ(countOf(readFile("out.ps"), "showpage"), 1u);
+    EXPECT_EQ(session().exitStatus(), 1);
 }
 
 TEST_F(PrintJob, TurnsAPageForItsSheetAndBackAgain) {

@@ -69,7 +69,9 @@ TEST_F(Builders, EachBuilderDressesItsElementAndAppendsIt) {
     EXPECT_EQ(mdlElement_isFilled(dgnBufP), 1);
     mclibElement_createShape(points, 4, 1, redLine, ed);
     mclibElement_createArcByCenter(&points[1], &points[0], &points[3], 0, nullptr, redLine, ed);
-    mclibElement_createText(&points[0], "abc", 1, nullptr, text, ed);
+    EXPECT_EQ(mclibElement_createText(&points[0], "abc", 1, nullptr, text, ed), MCLIB_SUCCESS);
+    constexpr int centred = 7, unknown = 99;
+    EXPECT_EQ(mclibElement_createText(&points[0], "abc", 1, &centred, unknown, ed), MCLIB_ERROR);
     EXPECT_EQ(types(), (std::vector<int>{MDL_LINE, MDL_LINE_STRING, MDL_ARC, MDL_ELLIPSE, MDL_ELLIPSE, MDL_SHAPE,
                                          MDL_ARC, MDL_TEXT}));
     for (const ElementDescr* node = ed; node->next != nullptr; node = node->next) {
