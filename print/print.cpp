@@ -77,8 +77,7 @@ const PrintDriver* currentDriver() {
 }  // namespace
 
 void print::closeJobs() {
-    for (const PrintDriver* driver : drivers)
-        if (driver) driver->close();
+    closeOpenJobs();
 }
 
 int mclibPrint_fopen(const char* fileName, int device) {
