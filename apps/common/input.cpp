@@ -1,10 +1,17 @@
 #include "apps/common/input.h"
 
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string_view>
 
+#include "apps/common/numbers.h"
 #include "apps/common/system_path.h"
 #include "apps/common/tell.h"
+#include "host/mdl/files.h"
 #include "host/mdl/text.h"
 
 namespace app {
@@ -15,22 +22,54 @@ constexpr const char* blanks = " \t";
 constexpr int fileBufferSize = 512;
 constexpr int lineSize = 2048;
 
-// Turns UTF-8 into Windows-1252 in place, so that files of either kind can be read; what is no UTF-8 stays.
-void narrow(char* text) {
-    std::string out;
-    for (const auto* p = reinterpret_cast<const unsigned char*>(text); *p != 0; ++p) {
-        const int more = *p < 0x80 ? 0 : *p >= 0xC2 && *p < 0xE0 ? 1 : *p >= 0xE0 && *p < 0xF0 ? 2 : -1;
-        wchar_t wide[2] = {static_cast<wchar_t>(more == 0 ? *p : more == 1 ? *p & 0x1F : *p & 0x0F), L'\0'};
-        if (more < 0) return;
-        for (int i = 0; i < more; ++i) {
-            if ((*++p & 0xC0) != 0x80) return;
-            wide[0] = wide[0] << 6 | (*p & 0x3F);
+// A UTF-8 text as Windows-1252, with a "?" for each letter that has no code there. Nothing when it is no UTF-8.
+struct Narrowed {
+    std::string text;
+    size_t lost = std::string::npos;  // where the first "?" for a letter stands
+    uint32_t lostLetter = 0;          // which letter that is
+};
+
+std::optional<Narrowed> narrowed(std::string_view utf8) {
+    Narrowed out;
+    while (!utf8.empty()) {
+        const auto first = static_cast<unsigned char>(utf8[0]);
+        const size_t length = first < 0x80 ? 1 : first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+        if (length == 0 || first > 0xF4 || utf8.size() < length) return {};
+        uint32_t letter = length == 1 ? first : first & (0x7FU >> length);
+        for (const char c : utf8.substr(1, length - 1)) {
+            if ((c & 0xC0) != 0x80) return {};
+            letter = letter << 6 | (c & 0x3F);
         }
-        char one[2] = "";
+        utf8.remove_prefix(length);
+        const wchar_t wide[] = {static_cast<wchar_t>(letter), L'\0'};
+        char one[2] = "?";
         mdlCnv_convertUnicodeToMultibyte(wide, 1, one, sizeof one);
-        out += one;
+        if (one[0] == '?' && letter != '?' && out.lost == out.text.npos) {
+            out.lost = out.text.size();
+            out.lostLetter = letter;
+        }
+        out.text += one;
     }
-    std::strcpy(text, out.c_str());
+    return out;
+}
+
+// Why a file can't be read as text; empty when it can.
+std::string refusalOf(const std::string& fileName) {
+    std::error_code error;
+    const std::filesystem::path path = systemPath(fileName);
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (fileName == "-") return "standard input isn't read; give the name of a file";
+    if (!std::filesystem::exists(status)) return "there is no such file";
+    if (std::filesystem::is_directory(status)) return "this is a folder; give the name of a file in it";
+    if (!std::filesystem::is_regular_file(status)) return "this is a device and no file that can be read";
+    std::string start(512, '\0');
+    std::ifstream file(path, std::ios::binary);
+    if (!file) return std::string("the file can't be read: ") + std::strerror(errno);
+    file.read(start.data(), static_cast<std::streamsize>(start.size()));
+    start.resize(static_cast<size_t>(file.gcount()));
+    if (start.starts_with("\xFF\xFE") || start.starts_with("\xFE\xFF"))
+        return "the file is UTF-16; save it as UTF-8 and try again";
+    return start.find('\0') == start.npos ? "" : "this is no text file";
 }
 
 std::string missing(const char* what) {
@@ -43,15 +82,15 @@ Input::~Input() {
     if (open_) mclibFii_close(&fii_);
 }
 
-bool Input::fail() {
-    failed_ = true;
-    return false;
+const McFile* Input::current() const {
+    const McFile* file = fii_.file;
+    while (file->child != nullptr) file = file->child;
+    return file;
 }
 
 bool Input::open(const std::string& fileName) {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(systemPath(fileName), error))
-        return app::fail(fileName + ": there is no such file");
+    const std::string refusal = refusalOf(fileName);
+    if (!refusal.empty()) return app::fail(fileName + ": " + refusal);
     if (mclibFii_openExtended(&fii_, fileName.c_str(), "r", "\\", "#", fileBufferSize, lineSize, nullptr) !=
         MCLIB_SUCCESS) {
         return app::fail(fileName + ": the file can't be read");
@@ -61,34 +100,69 @@ bool Input::open(const std::string& fileName) {
 }
 
 bool Input::nextLine() {
-    const bool read = mclibFii_readNewLine(&fii_) == MCLIB_SUCCESS;
-    if (!read && mclibFii_eof(&fii_) == 0) {
-        failHere("the line can't be read; it has " + std::to_string(lineSize - 1) + " characters at most");
-        return fail();
+    for (;;) {
+        const bool read = mclibFii_readNewLine(&fii_) == MCLIB_SUCCESS;
+        if (fii_.file->lostInclude > 0) failAtInclude();
+        if (read && takeLetters() && !atEnd() && *position() != '#') return true;
+        if (read) continue;
+        // The library has told of a line that is too long, and of a disk that fails, behind which nothing is read.
+        if (mclibFii_eof(&fii_) != 0 || mdlTextFile_error(current()->stream) != 0) break;
+        failed_ = true;
     }
-    if (fii_.file->lostInclude > 0) return failAtInclude();
-    if (read) narrow(fii_.line);
-    return read;
+    failed_ = failed_ || mclibFii_eof(&fii_) == 0;
+    tellUntold();
+    return false;
 }
 
-// The library has told which file is missing.
-bool Input::failAtInclude() {
-    app::fail(std::string(fii_.file->name) + ", line " + std::to_string(fii_.file->lostInclude) +
-              ": the file that %include names can't be opened; put it beside this one, or give its path");
-    return fail();
+// The line as Windows-1252. False after a message when it has a letter that can't be shown.
+bool Input::takeLetters() {
+    const std::optional<Narrowed> line = narrowed(fii_.line);
+    if (line) std::strcpy(fii_.line, line->text.c_str());
+    if (line && line->lost != line->text.npos) {
+        char number[16];
+        std::snprintf(number, sizeof number, "U+%04X", line->lostLetter);
+        return failAt(fii_.line + line->lost, std::string("the letter ") + number +
+                                                  ", shown as ? below, isn't one of Windows-1252, which drawings are "
+                                                  "written in; write it with other letters");
+    }
+    for (char* letter = fii_.line; *letter != '\0'; ++letter) {
+        if (static_cast<unsigned char>(*letter) < ' ' && *letter != '\t') {
+            *letter = '?';
+            return failAt(letter, "a control character stands here; is this a text file?");
+        }
+        const std::string refusal = letterRefusal_ == nullptr ? "" : letterRefusal_(*letter);
+        if (!refusal.empty()) return failAt(letter, refusal);
+    }
+    return true;
+}
+
+// The library has told which file is missing, or includes itself.
+void Input::failAtInclude() {
+    failed_ = true;
+    if (++errors_ <= mostErrors) {
+        app::fail(std::string(fii_.file->name) + ", line " + std::to_string(fii_.file->lostInclude) +
+                  ": the file that %include names can't be opened; put it beside this one, or give its path. A file "
+                  "can't include itself");
+    }
+    fii_.file->lostInclude = 0;
 }
 
 // ---- errors ----
 
-bool Input::failHere(const std::string& what) const {
-    const McFile* file = fii_.file;
-    while (file->child != nullptr) file = file->child;
+bool Input::failHere(const std::string& what) {
+    failed_ = true;
+    if (++errors_ > mostErrors) return false;
     std::string lines(2 * std::strlen(fii_.line) + 3, '\0');
     if (mclibFii_makeErr2(&fii_, lines.data(), static_cast<int>(lines.size())) == nullptr) lines.clear();
     lines.resize(std::strlen(lines.c_str()));
     const auto column = fii_.position - fii_.line + 1;
-    return app::fail(std::string(file->name) + ", line " + std::to_string(file->lineNumber) + ", column " +
-                     std::to_string(column) + ": " + what + "\n" + lines);
+    return app::fail(fileName() + ", line " + std::to_string(lineNumber()) + ", column " + std::to_string(column) +
+                     ": " + what + "\n" + lines);
+}
+
+void Input::tellUntold() {
+    const int untold = errors_ - mostErrors;
+    if (untold > 0) app::fail("and " + std::to_string(untold) + (untold == 1 ? " more error" : " more errors"));
 }
 
 bool Input::failAt(char* position, const std::string& what) {
@@ -100,7 +174,9 @@ bool Input::failAt(char* position, const std::string& what) {
 
 bool Input::number(double& value, const char* what) {
     if (atEnd()) return failHere(missing(what));
-    if (mclibFii_isDouble(&fii_, blanks) != MCLIB_SUCCESS) return failHere(std::string(what) + " must be a number");
+    if (mclibFii_isDouble(&fii_, blanks) != MCLIB_SUCCESS)
+        return failHere(std::string(what) + " must be a number" +
+                        commaHint({fii_.position, std::strcspn(fii_.position, blanks)}));
     value = *mclibFii_getDoubleP(&fii_);
     return true;
 }

@@ -18,11 +18,20 @@ class Input {
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
 
+    // Why a letter (Windows-1252, above 127 or one that a device uses otherwise) is refused; empty when it isn't. Null,
+    // as it is at first: none is.
+    using LetterRefusal = std::string (*)(char letter);
+    void setLetterRefusal(LetterRefusal refusal) { letterRefusal_ = refusal; }
+
     // False after a message.
     bool open(const std::string& fileName);
-    // The next logical line, as Windows-1252. False at the end, and after a message; failed() tells which.
+    // The next logical line, as Windows-1252. A line that can't be taken is told and passed: failed() is true from then
+    // on. False at the end.
     bool nextLine();
     bool failed() const { return failed_; }
+    // The file that the line stands in, and where in it.
+    std::string fileName() const { return current()->name; }
+    int lineNumber() const { return current()->lineNumber; }
 
     // ---- tokens: false after a message; `what` names the token in it ----
     bool number(double& value, const char* what);
@@ -41,15 +50,20 @@ class Input {
     // ---- places in the line ----
     char* position() const { return fii_.position; }
     char* lineStart() const { return fii_.line; }
-    // An error at the position, or at another one.
-    bool failHere(const std::string& what) const;
+    // An error at the position, or at another one. Behind the first mostErrors the others are counted alone.
+    static constexpr int mostErrors = 20;
+    bool failHere(const std::string& what);
     bool failAt(char* position, const std::string& what);
 
   private:
-    bool fail();  // remembers that the reading failed
-    bool failAtInclude();
+    const McFile* current() const;
+    bool takeLetters();
+    void failAtInclude();
+    void tellUntold();
 
     McFii fii_{};
+    LetterRefusal letterRefusal_ = nullptr;
+    int errors_ = 0;
     bool open_ = false, failed_ = false;
 };
 

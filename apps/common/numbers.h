@@ -23,4 +23,11 @@ std::optional<Number> numberIn(std::string_view text) {
     return value;
 }
 
+// What a message about such a text adds where it is a number with a comma; else empty.
+inline const char* commaHint(std::string_view text) {
+    const bool comma =
+        !text.empty() && text.find_first_not_of("0123456789+-,") == text.npos && text.find(',') != text.npos;
+    return comma ? "; a point divides its decimals" : "";
+}
+
 }  // namespace app

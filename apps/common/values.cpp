@@ -1,9 +1,11 @@
 #include "apps/common/values.h"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <span>
 
+#include "apps/common/quiet.h"
 #include "host/mdl/system.h"
 
 namespace app {
@@ -19,9 +21,6 @@ bool isLetter(char c) {
 bool isDigit(char c) {
     return '0' <= c && c <= '9';
 }
-char upper(char c) {
-    return 'a' <= c && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
 
 bool isFormulaName(const std::string& name) {
     return !name.empty() && name.size() <= longestFormulaName && isLetter(name[0]) &&
@@ -34,6 +33,7 @@ void store(std::span<char> out, const std::string& text) {
 
 // The evaluator knows the names that it keeps for itself: with such a one as parameter the formula isn't that value.
 bool isTaken(const std::string& name) {
+    const QuietConsole quiet;
     constexpr double probe = -1.5;
     char slot[MCLIB_FORMULA_NAME_SIZE] = "";
     store(slot, name);
@@ -55,15 +55,63 @@ std::string reasonFor(int error, bool atEnd) {
     }
 }
 
+// ---- tag strings ----
+
+constexpr std::string_view textFunctions[] = {"substr", "strupr", "extstr"};
+
+// A piece of a tag string between the characters that divide it, without blanks at its ends.
+struct Piece {
+    std::string_view text;
+    char end;  // what divides it from the next one; NUL at the end
+};
+
+// A tag string's pieces outside quotes, and what is wrong with its quotes and brackets.
+struct Pieces {
+    std::vector<Piece> pieces;
+    std::string_view fault = {};
+    size_t faultAt = 0;
+};
+
+Pieces piecesOf(std::string_view text) {
+    Pieces out;
+    size_t from = 0, open = 0, at = 0;
+    const auto fault = [&](std::string_view what, size_t place) { out.fault = what, out.faultAt = place; };
+    const auto end = [&](char divider) {
+        std::string_view piece = text.substr(from, at - from);
+        piece.remove_prefix(std::min(piece.find_first_not_of(' '), piece.size()));
+        piece = piece.substr(0, piece.find_last_not_of(' ') + 1);
+        out.pieces.push_back({piece, divider});
+        from = at + 1;
+    };
+    for (; at < text.size(); ++at) {
+        const char c = text[at];
+        if (c == '\'' && at + 2 < text.size() && text[at + 2] == '\'') at += 2;
+        if (c == '"') {
+            const size_t closing = text.find('"', at + 1);
+            if (closing == text.npos) return fault("the quote isn't closed", at), out;
+            at = closing;
+        }
+        if (c == '(') ++open;
+        if (c == ')' && open-- == 0) return fault("there is no bracket that this one closes", at), out;
+        if (c == '+' || c == '(' || c == ')' || c == ',') end(c);
+    }
+    end('\0');
+    if (open > 0) fault("a bracket isn't closed", text.size());
+    return out;
+}
+
+// Whether a piece can be the name of a text: no quoted one, no position, no function, no side of extstr.
+bool canBeName(const Piece& piece) {
+    return piece.end != '(' && !piece.text.empty() && piece.text.find_first_of("\"'") == piece.text.npos &&
+           piece.text.find_first_not_of("0123456789+-*/ ") != piece.text.npos && piece.text != "start" &&
+           piece.text != "end";
+}
+
 struct HostFree {
     void operator()(char* text) const { dlmSystem_mdlFree(text); }
 };
 
 }  // namespace
-
-bool sameName(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, {}, upper, upper);
-}
 
 std::string Values::numberNameRefusal(const std::string& name) const {
     if (!isFormulaName(name)) {
@@ -78,17 +126,18 @@ std::string Values::numberNameRefusal(const std::string& name) const {
 }
 
 std::string Values::textNameRefusal(const std::string& name) const {
-    static constexpr std::string_view functions[] = {"substr", "strupr", "extstr"};
     if (name.empty() || name.size() > longestTagName || name.find_first_of("+\"(),") != name.npos ||
         name.front() == ' ' || name.back() == ' ') {
         return "the name of a text has 1 to " + std::to_string(longestTagName) +
                " characters without + \" ( ) , and without blanks at its ends, unlike \"" + name + "\"";
     }
-    if (std::ranges::any_of(functions, [&](std::string_view f) { return name.starts_with(f); }))
+    if (std::ranges::any_of(textFunctions, [&](std::string_view f) { return name.starts_with(f); }))
         return "\"" + name + "\" begins as a function of tag strings does; give another name";
-    if (std::ranges::any_of(tags_, [&](const TagEntry& tag) { return sameName(tag.name, name); }))
-        return "there is a value \"" + name + "\" already";
-    return {};
+    return hasText(name) ? "there is a value \"" + name + "\" already" : "";
+}
+
+bool Values::hasText(std::string_view name) const {
+    return std::ranges::any_of(tags_, [&](const TagEntry& tag) { return sameName(tag.name, name); });
 }
 
 void Values::addNumber(const std::string& name, double value, const std::string& shown) {
@@ -115,25 +164,54 @@ void Values::setText(const std::string& name, const std::string& text) {
 }
 
 Outcome Values::evaluate(const std::string& formula) {
+    const QuietConsole quiet;
     int error = 0;
     char* const names = names_.empty() ? nullptr : names_.front().data();
     const double* const value =
         mclibParse_parseFormulaP(formula.c_str(), &error, static_cast<int>(names_.size()), names, numbers_.data());
+    if (error == 0 && std::isfinite(*value)) return {*value};
+    if (error == 0) return {{}, "the value is no finite number"};
     Outcome outcome;
-    if (error == 0) {
-        outcome.value = *value;
-        return outcome;
-    }
     const int reason = mclibParse_getFormulaError(&outcome.column);
     outcome.why = reasonFor(reason, outcome.column > static_cast<int>(formula.size()));
     return outcome;
 }
 
-std::optional<std::string> Values::expand(const std::string& tagString) {
-    const std::unique_ptr<char, HostFree> text(
-        mclibParse_tagString(tagString.c_str(), tags_.data(), static_cast<int>(tags_.size())));
-    if (!text) return {};
-    return text.get();
+// Only where the library looked for a name that isn't there: which one, and which there are.
+TextOutcome Values::unknownName(std::string_view tagString) const {
+    constexpr size_t mostNames = 20;
+    const std::vector<Piece> pieces = piecesOf(tagString).pieces;
+    const auto unknown = std::ranges::find_if(pieces, [&](const Piece& p) { return canBeName(p) && !hasText(p.text); });
+    std::string names;
+    for (size_t i = 0; i < std::min(tags_.size(), mostNames); ++i)
+        names += (i > 0 ? ", " : "") + std::string(tags_[i].name);
+    if (tags_.size() > mostNames) names += ", ...";
+    const std::string thereAre = tags_.empty() ? "there are none" : "there are " + names;
+    if (unknown == pieces.end()) return {{}, "a name in it isn't that of a text; " + thereAre};
+    return {{},
+            "there is no text \"" + std::string(unknown->text) + "\"; " + thereAre,
+            static_cast<int>(unknown->text.data() - tagString.data()) + 1};
+}
+
+TextOutcome Values::expand(const std::string& tagString) {
+    const Pieces pieces = piecesOf(tagString);
+    if (!pieces.fault.empty()) return {{}, std::string(pieces.fault), static_cast<int>(pieces.faultAt) + 1};
+    // The library takes an unknown name for an empty text. It upper-cases the names that it compares, so this one,
+    // which none can be equal to, tells whether it went through the whole table in vain.
+    constexpr char unmet = 'a', met = 'A';
+    TagEntry& last = tags_.emplace_back();
+    last.name[0] = unmet;
+    last.name[1] = '+';
+    std::unique_ptr<char, HostFree> text;
+    {
+        const QuietConsole quiet;
+        text.reset(mclibParse_tagString(tagString.c_str(), tags_.data(), static_cast<int>(tags_.size())));
+    }
+    const bool isUnknown = tags_.back().name[0] == met;
+    tags_.pop_back();
+    if (isUnknown) return unknownName(tagString);
+    if (!text) return {{}, "an element of the tag string is missing, or there are too many brackets in each other"};
+    return {std::string(text.get())};
 }
 
 }  // namespace app

@@ -7,18 +7,22 @@
 #include <string_view>
 #include <vector>
 
+#include "apps/common/names.h"
 #include "mclib.h"
 #include "text/formula.h"
 #include "text/tagstring.h"
 
 namespace app {
 
-// What a formula came to.
-struct Outcome {
-    std::optional<double> value;
-    std::string why;  // without a value: the reason, as a message tells it
-    int column = 1;   // and where it showed, from 1
+// What a formula or a tag string came to.
+template <class Value>
+struct OutcomeOf {
+    std::optional<Value> value;
+    std::string why = {};  // without a value: the reason, as a message tells it
+    int column = 1;        // and where it showed, from 1
 };
+using Outcome = OutcomeOf<double>;
+using TextOutcome = OutcomeOf<std::string>;
 
 class Values {
   public:
@@ -33,18 +37,19 @@ class Values {
     void setNumber(const std::string& name, double value, const std::string& shown);
     void setText(const std::string& name, const std::string& text);
 
+    // A finite number.
     Outcome evaluate(const std::string& formula);
-    // Nothing when an element is missing, or a bracket or quote isn't closed.
-    std::optional<std::string> expand(const std::string& tagString);
+    TextOutcome expand(const std::string& tagString);
 
   private:
+    bool hasText(std::string_view name) const;
+    TextOutcome unknownName(std::string_view tagString) const;
+
     using FormulaName = std::array<char, MCLIB_FORMULA_NAME_SIZE>;
     std::vector<FormulaName> names_;
     std::vector<double> numbers_;
     std::vector<TagEntry> tags_;
 };
-
-bool sameName(std::string_view a, std::string_view b);
 
 constexpr size_t longestTagText = sizeof TagEntry{}.value - 1;
 

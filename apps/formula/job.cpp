@@ -133,10 +133,10 @@ bool Job::tag() {
 bool Job::string() {
     std::string name, tagString;
     if (!this->name(name, &Values::textNameRefusal) || !in_.rest(tagString, "the tag string")) return false;
-    const std::optional<std::string> text = values_.expand(tagString);
-    if (!text) return in_.failHere("an element of the tag string is missing, or a bracket or quote isn't closed");
-    values_.addText(name, *text);
-    table_.texts.push_back({name, *text, ""});
+    const app::TextOutcome text = values_.expand(tagString);
+    if (!text.value) return in_.failAt(in_.position() + text.column - 1, text.why);
+    values_.addText(name, *text.value);
+    table_.texts.push_back({name, *text.value, ""});
     return true;
 }
 
@@ -153,7 +153,7 @@ bool Job::read(const std::string& fileName) {
     if (!in_.open(fileName)) return false;
     bool good = true;
     while (in_.nextLine()) good = line() && good;
-    if (in_.failed()) return false;
+    good = good && !in_.failed();
     for (const GivenNumber& g : given_) good = app::fail(fileName + ": there is no good PARAMETER " + g.first);
     return good;
 }

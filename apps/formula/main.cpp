@@ -1,9 +1,11 @@
 // formula: a calculator, and a checker of formulas and tag strings in a file.
+#include <cctype>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "apps/common/help.h"
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
 #include "apps/common/values.h"
@@ -31,7 +33,8 @@ constexpr const char* usage =
     "usage: mchost formula \"FORMULA\" [NAME=NUMBER]...      the value of a formula\n"
     "       mchost formula --tag \"STRING\" [NAME=TEXT]...    the text of a tag string\n"
     "       mchost formula --file FILE.txt [NAME=NUMBER]... all of a file, with other values for its parameters\n"
-    "  --decimals N   0 to 12; without it as many as a number needs, and 3 in a file that tells none\n";
+    "  --decimals N   0 to 12; without it as many as a number needs, and 3 in a file that tells none\n"
+    "  --help         print this\n";
 // clang-format on
 
 enum class Mode { formula, tag, file };
@@ -79,6 +82,9 @@ std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
         if (argument == "--tag" || argument == "--file" || argument == "--decimals") {
             if (i + 1 == arguments.size()) return wrong(argument + " needs a value"), std::nullopt;
             if (!setOption(options, argument, arguments[++i])) return {};
+        } else if (argument.starts_with("--") && argument.size() > 2 &&
+                   std::isalpha(static_cast<unsigned char>(argument[2]))) {
+            return wrong("there is no option " + argument), std::nullopt;
         } else if (equals != argument.npos) {
             options.given.push_back({argument.substr(0, equals), argument.substr(equals + 1)});
         } else if (!setSubject(options, argument)) {
@@ -94,7 +100,9 @@ std::optional<std::vector<GivenNumber>> numbersOf(const std::vector<Given>& give
     std::vector<GivenNumber> numbers;
     for (const Given& g : given) {
         const std::optional<double> value = numberIn<double>(g.value);
-        if (!value) return wrong(g.name + " must be a number, not \"" + g.value + "\""), std::nullopt;
+        if (!value) {
+            return wrong(g.name + " must be a number, not \"" + g.value + "\"" + app::commaHint(g.value)), std::nullopt;
+        }
         numbers.push_back({g.name, *value});
     }
     return numbers;
@@ -103,6 +111,12 @@ std::optional<std::vector<GivenNumber>> numbersOf(const std::vector<Given>& give
 // ---- work ----
 
 constexpr int decimalsOfFiles = 3;
+
+ExitStatus failAt(const std::string& subject, int column, const std::string& why) {
+    const std::string caret(static_cast<size_t>(column) - 1, ' ');
+    fail("column " + std::to_string(column) + ": " + why + "\n" + subject + "\n" + caret + "^");
+    return failed;
+}
 
 ExitStatus calculate(const Options& options) {
     const auto numbers = numbersOf(options.given);
@@ -114,12 +128,7 @@ ExitStatus calculate(const Options& options) {
         values.addNumber(name, value, "");
     }
     const Outcome outcome = values.evaluate(*options.subject);
-    if (!outcome.value) {
-        const std::string caret(static_cast<size_t>(outcome.column) - 1, ' ');
-        fail("column " + std::to_string(outcome.column) + ": " + outcome.why + "\n" + *options.subject + "\n" + caret +
-             "^");
-        return failed;
-    }
+    if (!outcome.value) return failAt(*options.subject, outcome.column, outcome.why);
     toolSubsystem_printf("%s\n", shown(*outcome.value, options.decimals.value_or(asNeeded)).c_str());
     return done;
 }
@@ -135,12 +144,9 @@ ExitStatus expandTag(const Options& options) {
         }
         values.addText(name, text);
     }
-    const std::optional<std::string> text = values.expand(*options.subject);
-    if (!text) {
-        fail("an element of the tag string is missing, or a bracket or quote isn't closed\n" + *options.subject);
-        return failed;
-    }
-    toolSubsystem_printf("%s\n", text->c_str());
+    const app::TextOutcome text = values.expand(*options.subject);
+    if (!text.value) return failAt(*options.subject, text.column, text.why);
+    toolSubsystem_printf("%s\n", text.value->c_str());
     return done;
 }
 
@@ -170,6 +176,8 @@ MDL_DESCRIPTION("a calculator, and a checker of formulas and tag strings");
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace formula;
     if (mclibMain_initMcLib("FORMULA", argc, argv) != MCLIB_SUCCESS) return failed;
-    const std::optional<Options> options = optionsFrom({argv + std::min(argc, 2), argv + argc});
+    const std::vector<std::string> arguments(argv + std::min(argc, 2), argv + argc);
+    if (app::helped(arguments, usage)) return done;
+    const std::optional<Options> options = optionsFrom(arguments);
     return options ? work(*options) : wrongCall;
 }

@@ -48,6 +48,7 @@ TEST_F(Formula, AFailedFormulaHasACaretWhereItWasNoticed) {
         {"''", "formula: column 1: something is missing: a value or a bracket\n\n^\n"},
         {"'1/(a-2)*5' a=2", "formula: column 8: a division by 0"},
         {"'sqrt(-1)'", "formula: column 9: a function of a value that it doesn't take"},
+        {"1E400*0", "formula: column 1: the value is no finite number"},
         {"$(printf '1%.0s' $(seq 80))", "formula: column 1: too long or too deep: 512 characters, 79"},
     };
     for (const auto& [arguments, told] : cases) {
@@ -60,9 +61,19 @@ TEST_F(Formula, AFailedFormulaHasACaretWhereItWasNoticed) {
 TEST_F(Formula, ExpandsATagString) {
     EXPECT_EQ(run("--tag '\"No. \"+NR' NR=7").output, "No. 7\n");
     EXPECT_EQ(run("--tag 'strupr(MY TAG)+\"§\"' 'my tag=bl\xc3\xa5=x'").output, "BL\xc3\xa5=X\"\n");
-    const Outcome failed = run("--tag 'strupr(NR'");
-    EXPECT_EQ(failed.status, 1);
-    EXPECT_THAT(failed.output, HasSubstr("a bracket or quote isn't closed\nstrupr(NR"));
+    EXPECT_EQ(run("--tag 'extstr(NR,4,\"\"0\"\",start)+substr(NR,0,strlen(NR)-1)' NR=12 2>&1").status, 0);
+    const std::vector<std::pair<const char*, const char*>> cases = {
+        {"'strupr(NR' NR=7", "formula: column 10: a bracket isn't closed\nstrupr(NR\n         ^\n"},
+        {"'\"a'", "formula: column 1: the quote isn't closed"},
+        {"'NR)' NR=7", "formula: column 3: there is no bracket that this one closes"},
+        {"'\"a\"+C' B=x", "formula: column 5: there is no text \"C\"; there are B\n"},
+        {"'strupr(substr(C D, 0, strlen(B)-1))' B=x", "formula: column 15: there is no text \"C D\""},
+    };
+    for (const auto& [arguments, told] : cases) {
+        const Outcome failed = run(std::string("--tag ") + arguments);
+        EXPECT_EQ(failed.status, 1) << arguments;
+        EXPECT_TRUE(failed.output.starts_with(told)) << arguments << failed.output;
+    }
 }
 
 TEST_F(Formula, WorksOutTheExampleAsATable) {
@@ -130,22 +141,27 @@ TEST_F(Formula, AFailedLineIsToldAndTheOthersAreWorkedOut) {
         const Outcome outcome = job(before + c.line + "\nPARAMETER GOOD2 5\n");
         EXPECT_EQ(outcome.status, 1) << c.line;
         EXPECT_THAT(outcome.output, HasSubstr(c.told)) << c.line;
-        EXPECT_EQ(outcome.output.ends_with("GOOD2  5.000\n"), c.line[0] != '%') << c.line << outcome.output;
+        EXPECT_TRUE(outcome.output.ends_with("GOOD2  5.000\n")) << c.line << outcome.output;
+        EXPECT_THAT(outcome.output, Not(HasSubstr("cmParse"))) << c.line;
     }
     EXPECT_THAT(job(fifty + "FORMULA A 1\n").output, HasSubstr("there are 50 numbers already"));
     EXPECT_THAT(job("FORMULA A " + std::string(600, '1') + "\n").output, HasSubstr("column 11: too long"));
-    EXPECT_THAT(job("FORMULA A " + std::string(3000, '1') + "\n").output, HasSubstr("2047 characters at most"));
+    const Outcome tooLong = job("FORMULA A " + std::string(3000, '1') + "\nFORMULA B 4\n");
+    EXPECT_EQ(tooLong.status, 1);
+    EXPECT_THAT(tooLong.output, testing::AllOf(HasSubstr("A line has 2048 characters or more"), HasSubstr("B  4.000")));
     EXPECT_EQ(run("--file nowhere.txt").status, 1);
 }
 
 TEST_F(Formula, WrongCallsGiveTheUsageAndStatus2) {
     for (const char* arguments :
          {"", "1 2", "--tag", "--file", "1+a a=x", "1 a=", "1 sin=2", "1 toolong=2", "1 a=1 A=2", "1 --decimals 13",
-          "1 --decimals x", "--tag x --file y", "--tag x 'a+b=c'"}) {
+          "1 --decimals x", "--tag x --file y", "--tag x 'a+b=c'", "--nonsense"}) {
         const Outcome outcome = run(arguments);
         EXPECT_EQ(outcome.status, 2) << arguments;
         EXPECT_THAT(outcome.output, HasSubstr("usage: mchost formula \"FORMULA\"")) << arguments;
     }
+    EXPECT_EQ(run("--help").status, 0);
+    EXPECT_THAT(run("--help 2>&-").output, HasSubstr("usage: mchost formula"));
 }
 
 }  // namespace
