@@ -18,7 +18,9 @@ using app::fail;
 
 namespace {
 
-constexpr double tickStep = 20, textStep = 100;                                                   // metres of station
+constexpr double leastTickStep = 20;  // metres of station
+constexpr double leastTickGap = 2;    // millimetres between ticks
+constexpr int ticksPerText = 5;
 constexpr double tickLength = 1.2, longTickLength = 2.5, stationTextAt = 5.0;                     // millimetres
 constexpr double boundaryFrom = -2.0, boundaryTo = 7.0, boundaryTextAt = 8.0, boundaryDot = 0.9;  // from the axis
 constexpr double labelAt = 4.5, labelSpacing = 3.2, labelClear = 0.5, outerLabelAt = 18.5;
@@ -175,7 +177,10 @@ void Drawing::label(const Element& e) {
     const auto write = [&](const std::string& words, double right) {
         readableText(Role::label, beside(middle, 0, -right), words, middle.bearing, centreCentre);
     };
-    if (width + 2 * sheet_.metres(labelClear) > e.length) return write(kind.empty() ? length : kind, outerLabelAt);
+    if (width + 2 * sheet_.metres(labelClear) > e.length) {
+        line(Role::label, beside(middle, 0, 0), beside(middle, 0, -outerLabelAt + labelSpacing));
+        return write(kind.empty() ? length : kind, outerLabelAt);
+    }
     if (kind.empty()) return write(length, labelAt);
     const bool turned = mclibUtil_angleIn2Or3Quadrant(middle.bearing - sheet_.angle) != 0;
     write(kind, turned ? labelAt + labelSpacing : labelAt);
@@ -192,7 +197,11 @@ void Drawing::boundary(const Place& p) {
                  leftCentre);
 }
 
+// Ticks each 20 m, or so much farther apart that they don't merge.
 void Drawing::stations() {
+    double tickStep = leastTickStep;
+    for (int i = 0; tickStep < sheet_.metres(leastTickGap); ++i) tickStep *= i % 3 == 0 ? 2.5 : 2;
+    const double textStep = ticksPerText * tickStep;
     for (const double station : roundStations(road_, tickStep)) {
         const Place p = placeAt(road_, station);
         const bool isLong = std::abs(std::remainder(station, textStep)) < tickStep / 2;

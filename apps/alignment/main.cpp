@@ -9,10 +9,12 @@
 #include <vector>
 
 #include "apps/common/delivery.h"
+#include "apps/common/help.h"
 #include "apps/common/last_files.h"
 #include "apps/common/outputs.h"
 #include "apps/common/system_path.h"
 #include "apps/common/tell.h"
+#include "apps/common/utf8.h"
 #include "attributes.h"
 #include "checks.h"
 #include "drawing.h"
@@ -44,13 +46,19 @@ constexpr const char* preferenceVariable = "MC_ALIGNMENT_PREF";
 constexpr const char* preferenceFile = "alignment.upf";
 constexpr int32_t roadFiles = 1;  // the record
 
-void reportGaps(const Road& road) {
-    for (const Gap& gap : gaps(road)) {
+// Whether neighbours meet; a line for each that doesn't.
+bool meets(const Road& road) {
+    const std::vector<Gap> found = gaps(road);
+    for (const Gap& gap : found) {
+        const auto behind = std::ranges::find(road.elements, gap.station, &Element::start);
         char text[256];
-        std::snprintf(text, sizeof text, "gap at station %.3f: the elements lie %.4f m and turn %.4f gon apart",
+        std::snprintf(text, sizeof text,
+                      "gap at station %.3f: the elements lie %.4f m and turn %.4f gon apart; look at the coordinates, "
+                      "and at the order and signs of the radii",
                       gap.station, gap.distance, -gap.angle * 200 / M_PI);
-        warn(text);
+        fail(behind->origin + ": " + text);
     }
+    return found.empty();
 }
 
 fs::path outputBase(const Options& options) {
@@ -87,7 +95,8 @@ bool print(const std::string& name, ElementDescr* page, const Road& road, const 
         warn("PCL files are for A4 paper, and " + sheet.paper.name + " is cut there; use --paper A4");
     if (device != PRINT_ASCII) return printPage(name, device, page, {margin, margin, sheet.width(), sheet.height()});
     const ListPage list = stationPage(road, options.step);
-    return list.page && printPage(name, device, list.page.get(), {0, 0, list.width, list.height});
+    return list.page && printPage(name, device, list.page.get(), {0, 0, list.width, list.height}) &&
+           (app::makeUtf8(name) || fail(name + ": the station list can't be written; is the disk full?"));
 }
 
 bool writePicture(const std::string& name, ElementDescr* page, const Sheet& sheet) {
@@ -143,8 +152,8 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Project& project, con
     if (!workFile.close()) return fail(designName + ": the design file can't be stored");
     if (!outputs.finish()) return false;
     for (const fs::path& name : outputs.names()) toolSubsystem_printf("alignment: made %s\n", name.c_str());
-    return options.printer.empty() ||
-           app::sendToPrinter(outputBase(options).string() + printSuffix, options.printer, 1);
+    const std::string printFile = outputBase(options).string() + printSuffix;
+    return options.printer.empty() || app::sendToPrinter(printFile, printFile, options.printer, 1);
 }
 
 // The road and the looks that it is drawn with, from the files that the user named.
@@ -152,7 +161,7 @@ std::optional<Road> readAll(const Options& options, const Project& project, Attr
     Road begun;
     project.tell(begun);
     if (!attributes.begin(options.own)) return {};
-    std::optional<Road> road = readRoad(options.input, std::move(begun), attributes);
+    std::optional<Road> road = readRoad(options.input, options.device->letterRefusal, std::move(begun), attributes);
     if (!road) return {};
     if (options.scale > 0) road->scale = options.scale;
     if (!attributes.canKeep(options.saveAttributes, options.overwrite)) return {};
@@ -173,14 +182,16 @@ bool work(const Options& options, app::LastFiles& lastFiles) {
     const std::optional<Road> road = readAll(options, project, attributes);
     if (!road) return false;
     lastFiles.remember(roadFiles, options.input);
-    reportGaps(*road);
+    const bool whole = meets(*road);
     if (options.list) printStations(*road, options.step);
     const bool drawing = !options.list || !options.out.empty();
     if (drawing && !draw(*road, project, options)) return false;
-    return attributes.saveOwn() && (options.saveAttributes.empty() || attributes.saveLooks(options.saveAttributes));
+    return attributes.saveOwn() && (options.saveAttributes.empty() || attributes.saveLooks(options.saveAttributes)) &&
+           whole;
 }
 
 ExitStatus run(const std::vector<std::string>& arguments) {
+    if (app::helped(arguments, usage)) return done;
     std::optional<Options> options = optionsFrom(arguments);
     if (!options) return wrong;
     app::LastFiles lastFiles(preferenceVariable, preferenceFile);

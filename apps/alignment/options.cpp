@@ -1,7 +1,11 @@
 #include "options.h"
 
 #include <algorithm>
+#include <array>
+#include <filesystem>
 
+#include "apps/common/delivery.h"
+#include "apps/common/names.h"
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
 #include "mclib.h"
@@ -9,17 +13,16 @@
 
 namespace alignment {
 
-namespace {
-
 // clang-format off
-constexpr const char* usage =
+const char* const usage =
     "usage: mchost alignment ROAD.txt [options]\n"
     "  --last           the road of the last time, instead of ROAD.txt\n"
     "  --out NAME       where to make the files: a folder, or a path without suffix (default: the input's name in the\n"
     "                   current folder)\n"
     "  --paper A3       A0 to A5, lying; --portrait for standing\n"
     "  --scale 5000     instead of the SCALE of the input\n"
-    "  --device postscript   of the print file: postscript, hpgl, pcl, or ascii for the station list as a text file\n"
+    "  --device postscript   of the print file: postscript, hpgl, pcl, or ascii for the station list as a text file;\n"
+    "                   --out NAME.ps, .hpgl, .pcl or .txt tells it too\n"
     "  --print PRINTER  send the print file to a port (LPT1), a network printer (\\\\server\\printer), what $(VARIABLE) tells, or\n"
     "                   by a command: \"lp -d office %s\"\n"
     "  --picture png    png or svg\n"
@@ -29,8 +32,11 @@ constexpr const char* usage =
     "  --step 20        metres between the rows of the list\n"
     "  --attributes FILE.rsc       take the looks of attributes from that file, over what the input tells\n"
     "  --save-attributes FILE.rsc  keep the looks in that file\n"
-    "  --own FILE.rsc   your own attributes: those of the file can be used, and the input's OWN lines are kept there\n";
+    "  --own FILE.rsc   your own attributes: those of the file can be used, and the input's OWN lines are kept there\n"
+    "  --help           print this\n";
 // clang-format on
+
+namespace {
 
 bool wrong(const std::string& what) {
     wrongCall(what);
@@ -89,6 +95,27 @@ bool setRaster(Options& options, std::string_view, const std::string& value) {
                                    " pixels, not \"" + value + "\"");
 }
 
+bool setPrinter(Options& options, std::string_view, const std::string& value) {
+    options.printer = value;
+    const std::string refusal = app::printerRefusal(value);
+    return refusal.empty() || wrong(refusal);
+}
+
+// The device by the suffix of `out`, which goes then. A name with another suffix keeps it.
+bool chooseDevice(Options& options) {
+    std::string why;
+    const std::filesystem::path out = options.out;
+    const app::Device* const device = app::deviceFor(out.extension().string(), options.device, why);
+    const auto isMade = [&](const char* suffix) { return app::sameName(out.extension().string(), suffix); };
+    constexpr const char* made = "--out takes a path without suffix, for the drawing, the print file and the picture";
+    if (std::ranges::any_of(std::array{".mcd", ".png", ".svg", ".pbm"}, isMade))
+        return wrong(options.out + ": " + made);
+    if (!device) return wrong(options.out + ": " + why);
+    options.device = device;
+    if (isMade(device->suffix)) options.out = (out.parent_path() / out.stem()).string();
+    return true;
+}
+
 // ---- the options ----
 
 struct ValueOption {
@@ -100,7 +127,7 @@ constexpr ValueOption valueOptions[] = {
     {"--paper", setPaper},
     {"--scale", setNumber<&Options::scale>},
     {"--device", setDevice},
-    {"--print", setText<&Options::printer>},
+    {"--print", setPrinter},
     {"--picture", setPicture},
     {"--raster", setRaster},
     {"--step", setNumber<&Options::step>},
@@ -138,7 +165,7 @@ std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
             if (!option->set(options, argument, arguments[++i])) return {};
         } else if (flag != std::end(flags)) {
             options.*flag->set = true;
-        } else if (argument.starts_with("-") || !options.input.empty()) {
+        } else if ((argument.starts_with("-") && argument != "-") || !options.input.empty()) {
             return wrong("don't know what to do with \"" + argument + "\""), std::nullopt;
         } else {
             options.input = argument;
@@ -147,6 +174,7 @@ std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
     if (options.last && !options.input.empty())
         return wrong("--last takes the road of the last time, so there can't be \"" + options.input + "\" as well"),
                std::nullopt;
+    if (!chooseDevice(options)) return {};
     return options;
 }
 

@@ -16,7 +16,10 @@ namespace {
 
 class Reader {
   public:
-    Reader(Road begun, Attributes& attributes) : road_(std::move(begun)), attributes_(attributes) {}
+    Reader(app::Input::LetterRefusal letterRefusal, Road begun, Attributes& attributes)
+        : road_(std::move(begun)), attributes_(attributes) {
+        in_.setLetterRefusal(letterRefusal);
+    }
     bool read(const std::string& fileName);
     Road take() { return std::move(road_); }
 
@@ -29,6 +32,12 @@ class Reader {
 
     bool line();
     bool knownAttribute(int& id);
+    struct Range {
+        const char* name;
+        int least, most;
+    };
+    bool ranged(int& value, const Range& range);
+    bool textSize(double& metres, const char* name);
     bool look(ToldAttribute& told);
     bool addedTo(std::string (Attributes::*add)(const ToldAttribute&));
 
@@ -81,12 +90,32 @@ bool Reader::tolerance() {
     return true;
 }
 
+// A whole number of the range, or one that stands for something else.
+bool Reader::ranged(int& value, const Range& range) {
+    in_.atEnd();
+    char* const position = in_.position();
+    if (!in_.wholeNumber(value, range.name)) return false;
+    if (range.least <= value && value <= range.most) return true;
+    return in_.failAt(position, std::string(range.name) + " must be " + std::to_string(range.least) + " to " +
+                                    std::to_string(range.most));
+}
+
+bool Reader::textSize(double& metres, const char* name) {
+    constexpr double most = 100;
+    in_.atEnd();
+    char* const position = in_.position();
+    double millimetres = 0;
+    if (!in_.positive(millimetres, name)) return false;
+    metres = millimetres / 1000;
+    return millimetres <= most || in_.failAt(position, std::string(name) + " must be at most 100 mm on paper");
+}
+
 // What follows the number: "label" colour weight style "level" [text height] [text width]
 bool Reader::look(ToldAttribute& told) {
     std::string level;
     ElmAttrData& data = told.data;
-    if (!in_.text(told.label, "the label") || !in_.wholeNumber(data.color, "the colour") ||
-        !in_.wholeNumber(data.weight, "the weight") || !in_.wholeNumber(data.style, "the line style") ||
+    if (!in_.text(told.label, "the label") || !ranged(data.color, {"the colour", ATTR_BY_LEVEL, 255}) ||
+        !ranged(data.weight, {"the weight", ATTR_BY_LEVEL, 31}) || !ranged(data.style, {"the line style", 0, 7}) ||
         !in_.text(level, "the level")) {
         return false;
     }
@@ -96,12 +125,9 @@ bool Reader::look(ToldAttribute& told) {
     if (!level.empty()) data.useFlags |= ATTR_USE_LEVEL;
     told.kind = ATTR_KIND_SYMBOLOGY;
     if (in_.atEnd()) return true;
-    double height = 0, width = 0;
-    if (!in_.positive(height, "the text height") || !in_.positive(width, "the text width")) return false;
+    if (!textSize(data.textHeight, "the text height") || !textSize(data.textWidth, "the text width")) return false;
     told.kind = ATTR_KIND_TEXT;
     data.useFlags |= ATTR_USE_SIZE;
-    data.textHeight = height / 1000;  // millimetres on paper
-    data.textWidth = width / 1000;
     data.textLineSpacing = 0.5;
     return true;
 }
@@ -115,9 +141,25 @@ bool Reader::addedTo(std::string (Attributes::*add)(const ToldAttribute&)) {
     return refusal.empty() || in_.failAt(position, refusal);
 }
 
+// Whether a part that has texts can be drawn with the attribute.
+bool hasTextSize(int id) {
+    const auto data = std::make_unique<ElmAttrData>();
+    mclibElmAttr_extractData(id, data.get());
+    return (data->useFlags & ATTR_USE_SIZE) != 0 && data->textHeight > 0 && data->textWidth > 0;
+}
+
 bool Reader::use() {
+    static constexpr auto textRoles = std::array{Role::station, Role::boundary, Role::label, Role::title, Role::text};
     for (size_t role = 0; role < roleCount; ++role) {
-        if (in_.isKeyword(roleNames[role])) return knownAttribute(road_.attributes[role]);
+        if (!in_.isKeyword(roleNames[role])) continue;
+        in_.atEnd();
+        char* const position = in_.position();
+        int& id = road_.attributes[role];
+        if (!knownAttribute(id)) return false;
+        const bool hasTexts = std::ranges::find(textRoles, static_cast<Role>(role)) != textRoles.end();
+        return !hasTexts || hasTextSize(id) ||
+               in_.failAt(position, "attribute " + std::to_string(id) + " has no text size, which " + roleNames[role] +
+                                        " needs; add height and width in mm to its line, behind the level");
     }
     std::string names;
     for (const char* name : roleNames) names += std::string(names.empty() ? "" : ", ") + name;
@@ -152,6 +194,7 @@ bool Reader::element() {
     e.attribute = road_.attributeOf(role);
     if (!in_.atEnd() && !knownAttribute(e.attribute)) return false;
     e.start = road_.endStation();
+    e.origin = in_.fileName() + ", line " + std::to_string(in_.lineNumber());
     if (!measure(e)) return in_.failHere("the numbers of this element are too large to work with");
     road_.elements.push_back(e);
     return true;
@@ -169,7 +212,7 @@ bool Reader::line() {
 bool Reader::read(const std::string& fileName) {
     if (!in_.open(fileName)) return false;
     while (in_.nextLine()) {
-        if (!line()) return false;
+        if (in_.failed() || !line()) return false;
     }
     if (in_.failed()) return false;
     return !road_.elements.empty() || in_.failHere("the file ends without an ELEMENT");
@@ -177,8 +220,9 @@ bool Reader::read(const std::string& fileName) {
 
 }  // namespace
 
-std::optional<Road> readRoad(const std::string& fileName, Road begun, Attributes& attributes) {
-    Reader reader(std::move(begun), attributes);
+std::optional<Road> readRoad(const std::string& fileName, app::Input::LetterRefusal letterRefusal, Road begun,
+                             Attributes& attributes) {
+    Reader reader(letterRefusal, std::move(begun), attributes);
     if (!reader.read(fileName)) return {};
     return reader.take();
 }

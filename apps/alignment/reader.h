@@ -4,13 +4,15 @@
 #include <optional>
 #include <string>
 
+#include "apps/common/input.h"
 #include "attributes.h"
 #include "road.h"
 
 namespace alignment {
 
-// Reads a road over what `begun` says of it, and adds its attributes. Nothing, after one message that tells file, line,
-// column and what is wrong, when it can't be read as a whole.
-std::optional<Road> readRoad(const std::string& fileName, Road begun, Attributes& attributes);
+// Reads a road over what `begun` says of it, and adds its attributes. Nothing, after a message that tells file, line,
+// column and what is wrong, when it can't be read as a whole or has a letter that is refused.
+std::optional<Road> readRoad(const std::string& fileName, app::Input::LetterRefusal letterRefusal, Road begun,
+                             Attributes& attributes);
 
 }  // namespace alignment

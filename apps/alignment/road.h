@@ -31,6 +31,7 @@ struct Element {
     int attribute;         // drawn with
     double start, length;  // station of the first end, arc length
     double bearing;        // of the tangent at the first end: radians, counter-clockwise from east
+    std::string origin;    // the line of the input that tells it, such as "road.txt, line 5"
 
     int kind() const;  // GEO_LINE, GEO_CIRCLE, GEO_CLOTHOID
     double curvatureAt(double distance) const;

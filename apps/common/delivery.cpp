@@ -10,22 +10,33 @@ namespace app {
 
 namespace {
 
+// A port, what a variable tells, or a network printer: files are copied there. All else is a command.
+bool isCopied(const std::string& printer) {
+    return (printer.size() == 4 && printer.starts_with("LPT")) || printer.starts_with('$') || printer.starts_with('\\');
+}
+
 // Why a printer didn't get a file: a command that failed has been told already.
 std::string deliveryError(const std::string& printer, int status) {
-    const bool byCopy =
-        (printer.size() == 4 && printer.starts_with("LPT")) || printer.starts_with('$') || printer.starts_with('\\');
-    if (byCopy && status == ENXIO) return "there is no such printer; docs/commands.md tells how one is made";
-    return byCopy ? std::strerror(status) : "a command failed";
+    if (!isCopied(printer)) return "the command failed";
+    if (status != ENXIO) return std::strerror(status);
+    return "there is no such printer. It can be a queue of the print system, or a folder of that name below the one "
+           "that "
+           "MC_SPOOL names";
 }
 
 }  // namespace
 
-bool sendToPrinter(const std::string& name, const std::string& printer, int copies) {
-    const int status = mclibPrint_sendFileToPrinter(name.c_str(), printer.c_str(), copies);
-    if (status != 0)
-        return fail(name + ": the print file is made, but not printed by \"" + printer +
-                    "\": " + deliveryError(printer, status));
-    toolSubsystem_printf(APPLICATION ": sent %s to %s\n", name.c_str(), printer.c_str());
+std::string printerRefusal(const std::string& printer) {
+    if (isCopied(printer) || printer.find("%s") != printer.npos) return {};
+    return "--print takes LPT1 to LPT9, \\\\server\\printer, $(VARIABLE), or a command with %s for the file, such as "
+           "\"lp -d office %s\"; not \"" +
+           printer + "\"";
+}
+
+bool sendToPrinter(const std::string& file, const std::string& shown, const std::string& printer, int copies) {
+    const int status = mclibPrint_sendFileToPrinter(file.c_str(), printer.c_str(), copies);
+    if (status != 0) return fail(shown + ": not printed by \"" + printer + "\": " + deliveryError(printer, status));
+    toolSubsystem_printf(APPLICATION ": sent %s to %s\n", shown.c_str(), printer.c_str());
     return true;
 }
 

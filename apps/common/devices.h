@@ -1,34 +1,30 @@
-// The print devices by the names that users give them.
+// The print devices by the names and suffixes that users give them, and the letters that they have.
 #pragma once
 
-#include <algorithm>
-#include <iterator>
+#include <optional>
+#include <string>
 #include <string_view>
 
+#include "apps/common/input.h"
 #include "mclib.h"
 
 namespace app {
 
 struct Device {
     std::string_view name;
-    int number;          // PRINT_...
-    const char* suffix;  // of the print file
+    int number;                          // PRINT_...
+    const char* suffix;                  // of the print file
+    Input::LetterRefusal letterRefusal;  // of texts that go there; null: it has all of Windows-1252
 };
 
-// clang-format off
-inline constexpr Device devices[] = {
-    {"postscript", PRINT_POSTSCRIPT, ".ps"},
-    {"hpgl",       PRINT_HPGL,       ".hpgl"},
-    {"pcl",        PRINT_PCL,        ".pcl"},
-    {"ascii",      PRINT_ASCII,      ".txt"},
-};
-// clang-format on
+// The first one is taken when none is told.
+const Device& usualDevice();
 inline constexpr const char* deviceNames = "postscript, hpgl, pcl or ascii";
-
 // Null when there is no device of that name.
-inline const Device* deviceNamed(std::string_view name) {
-    const Device* const device = std::ranges::find(devices, name, &Device::name);
-    return device == std::end(devices) ? nullptr : device;
-}
+const Device* deviceNamed(std::string_view name);
+
+// The device for an output file of that suffix (".ps"; letter case doesn't count) when the user asked for `asked`
+// (null: for none). Null, with `why`, when the suffix belongs to another device or to something that isn't made here.
+const Device* deviceFor(std::string_view suffix, const Device* asked, std::string& why);
 
 }  // namespace app

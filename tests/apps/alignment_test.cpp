@@ -174,11 +174,11 @@ TEST_F(Alignment, APartialClothoidLeadsFromCircleToCircle) {
     EXPECT_EQ(alignment("egg.txt --scale 250").status, 0);
 }
 
-TEST_F(Alignment, GapsAreReportedWithTheirStationAndTheRoadIsDrawn) {
+TEST_F(Alignment, GapsAreReportedWithTheirPlaceAndTheRoadIsDrawn) {
     write("gap.txt", head + straight + "ELEMENT 100 0.013 200 1 0 0 0\nELEMENT 200 1 300 1.987 0 0 0\n");
     const Outcome run = alignment("gap.txt");
-    EXPECT_EQ(run.status, 0) << run.output;
-    EXPECT_THAT(run.output, HasSubstr("gap at station 100.000: the elements lie 0.0130 m"));
+    EXPECT_EQ(run.status, 1) << run.output;
+    EXPECT_THAT(run.output, HasSubstr("gap.txt, line 5: gap at station 100.000: the elements lie 0.0130 m"));
     EXPECT_THAT(run.output, testing::Not(HasSubstr("gap at station 200")));
     EXPECT_TRUE(fs::exists(folder_ / "gap.mcd"));
 }
@@ -225,17 +225,39 @@ TEST_F(Alignment, SendsTheSheetToAPrinterOrThroughACommand) {
     EXPECT_EQ(shell(printing + "--overwrite --print 'copy %s lpt1;WC -c %s'").status, 0);
     EXPECT_EQ(read("spool/LPT1/road-2.ps"), read("road.ps"));
     for (const auto& [printer, why] :
-         {std::pair("LPT7", "there is no such printer"), std::pair("false", "a command")}) {
-        const Outcome failed = shell(printing + "--overwrite --print " + printer);
+         {std::pair("LPT7", "there is no such printer"), std::pair("false %s", "the command failed")}) {
+        const Outcome failed = shell(printing + "--overwrite --print '" + printer + "'");
         EXPECT_EQ(failed.status, 1);
-        EXPECT_THAT(failed.output, HasSubstr(std::string("road.ps: the print file is made, but not printed by \"") +
-                                             printer + "\": " + why));
+        EXPECT_THAT(failed.output, HasSubstr(std::string("road.ps: not printed by \"") + printer + "\": " + why));
     }
+    EXPECT_EQ(shell(printing + "--overwrite --print cat").status, 2);
+}
+
+TEST_F(Alignment, TheSuffixTellsTheDevice) {
+    write("road.txt", head + straight);
+    EXPECT_EQ(alignment("road.txt --out sheet.hpgl").status, 0);
+    EXPECT_EQ(files(), (std::vector<std::string>{"road.txt", "sheet.hpgl", "sheet.mcd", "sheet.png"}));
+    for (const char* name : {"a.pdf", "a.png", "a.ps --device pcl"})
+        EXPECT_EQ(alignment(std::string("road.txt --out ") + name).status, 2) << name;
+    EXPECT_EQ(alignment("--help").status, 0);
+}
+
+// Ticks that would merge on paper are thinned out, and so are their numbers.
+TEST_F(Alignment, SmallScalesHaveFewerTicks) {
+    const auto ticks = [&](const std::string& scale) {
+        write("road.txt", head + "ELEMENT 0 0 900 0 0 0 0\n");
+        EXPECT_EQ(alignment("road.txt --overwrite --scale " + scale).status, 0);
+        const std::string page = read("road.ps");
+        size_t count = 0;
+        for (const char* text : {"(300) ", "(600) ", "(700) "}) count += page.find(text) != page.npos;
+        return count;
+    };
+    EXPECT_EQ(ticks("5000"), 3u);
+    EXPECT_EQ(ticks("20000"), 0u);  // each 250 m
 }
 
 TEST_F(Alignment, TheAsciiDeviceGivesTheStationListAsItIsPrinted) {
-    // No text has a size of its own there.
-    write("short.txt", head + "ATTRIBUTE 99 \"plain\" 0 0 0 \"L\"\nUSE TEXT 99\n" + straight);
+    write("short.txt", head + "PROJECT \"Bl\xc3\xa5veien\"\n" + straight);
     for (const std::string& input : {examples + "granlia.txt", std::string("short.txt")}) {
         ASSERT_EQ(alignment(input + " --step 7 --device ascii --out list --overwrite").status, 0);
         EXPECT_EQ(read("list.txt"), shell("'" + mchost + "' alignment " + input + " --step 7 --list 2>&-").output);
@@ -339,6 +361,13 @@ TEST_F(Alignment, WrongInputIsToldWithItsPlaceAndMakesNothing) {
         {head + "ELEMENT 0 0 100 0 0 0 0 77\n", {"column 25", "no attribute 77"}},
         {head + "USE TICK 50\n" + straight, {"line 4, column 10", "no attribute 50"}},
         {head + "USE TOCK 5\n" + straight, {"line 4, column 5: USE what?"}},
+        {head + "USE BOUNDARY 1\n" + straight,
+         {"line 4, column 14: attribute 1 has no text size, which BOUNDARY needs"}},
+        {head + "ATTRIBUTE 50 \"a\" 999 0 0 \"L\"\n", {"line 4, column 18: the colour must be -1 to 255"}},
+        {head + "ATTRIBUTE 50 \"a\" 0 99 0 \"L\"\n", {"column 20: the weight must be -1 to 31"}},
+        {head + "ATTRIBUTE 50 \"a\" 0 0 99 \"L\"\n", {"column 22: the line style must be 0 to 7"}},
+        {head + "ATTRIBUTE 50 \"a\" 0 0 0 \"L\" 500 2\n", {"column 28: the text height must be at most 100 mm"}},
+        {head + "DATE \"5 \xe2\x82\xac \xe2\x89\xa4\"\n", {"line 4, column 11: the letter U+2264"}},
         {head + "ATTRIBUTE 3 \"again\" 0 0 0 \"L\"\n", {"attribute 3 already"}},
         {"PROJECT \"" + longText + "\"\n", {"line 1, column 9", "256 characters"}},
         {"PROJECT \"P\n", {"column 9", "no closing quote"}},

@@ -1,0 +1,40 @@
+#include "apps/common/utf8.h"
+
+#include <fstream>
+#include <iterator>
+
+#include "apps/common/system_path.h"
+#include "host/mdl/text.h"
+
+namespace app {
+
+std::string utf8From(std::string_view narrow) {
+    std::string out;
+    for (const char letter : narrow) {
+        const char one[] = {letter, '\0'};
+        wchar_t wide[2] = L"";
+        mdlCnv_convertMultibyteToUnicode(one, 1, wide, 2);
+        const auto code = static_cast<uint32_t>(wide[0]);  // below 0x10000
+        if (code < 0x80) {
+            out += letter;
+            continue;
+        }
+        if (code >= 0x800) out += static_cast<char>(0xE0 | code >> 12);
+        out += static_cast<char>(code >= 0x800 ? 0x80 | (code >> 6 & 0x3F) : 0xC0 | code >> 6);
+        out += static_cast<char>(0x80 | (code & 0x3F));
+    }
+    return out;
+}
+
+bool makeUtf8(const std::string& file) {
+    const std::filesystem::path path = systemPath(file);
+    std::ifstream in(path, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(in), {}};
+    if (!in.is_open() || in.bad()) return false;
+    std::ofstream out(path, std::ios::binary);
+    out << utf8From(text);
+    out.close();
+    return out.good();
+}
+
+}  // namespace app
