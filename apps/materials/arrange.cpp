@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <compare>
-#include <functional>
 #include <string_view>
 #include <unordered_map>
 
@@ -105,8 +104,23 @@ void merge(std::vector<Item>& items) {
 
 class Rows {
   public:
-    explicit Rows(size_t rowsPerPage) : rowsPerPage_(rowsPerPage) {}
+    Rows(const List& list, size_t rowsPerPage, const Heights& heights)
+        : list_(list), rowsPerPage_(rowsPerPage), heights_(heights) {}
 
+    // A group's items, from the first one. The number of the item behind them.
+    size_t addGroup(size_t first);
+    void addSum(const Row& sum) {
+        if (!atTop() && left() > 1) add({Row::blank});
+        add(sum);
+    }
+    std::vector<Row> take() {
+        if (rows_.empty()) add({Row::blank});
+        fillPage();
+        return std::move(rows_);
+    }
+    double mass() const { return mass_; }
+
+  private:
     void add(Row row) { rows_.push_back(row); }
     // Rows that are left on the page: all of them on a page that nothing stands on.
     size_t left() const { return rowsPerPage_ - rows_.size() % rowsPerPage_; }
@@ -114,16 +128,48 @@ class Rows {
     void fillPage() {
         while (!atTop()) add({Row::blank});
     }
-    std::vector<Row> take() {
-        if (rows_.empty()) add({Row::blank});
-        fillPage();
-        return std::move(rows_);
+    bool isTitled(size_t group) const { return !list_.groups[group].title.empty(); }
+    void addHeading(size_t group, bool continued) {
+        const size_t lines = heights_.heading(list_.groups[group], continued);
+        for (size_t line = 0; line < lines; ++line) add({Row::heading, group, line, 0, continued});
+    }
+    // Goes to the next page where there is no room for so many rows of the group.
+    void makeRoom(size_t lines, size_t group) {
+        if (left() < lines) fillPage();
+        if (atTop() && isTitled(group)) addHeading(group, true);
     }
 
-  private:
+    const List& list_;
     const size_t rowsPerPage_;
+    const Heights& heights_;
     std::vector<Row> rows_;
+    double mass_ = 0;  // of all groups
 };
+
+size_t Rows::addGroup(size_t first) {
+    const size_t group = list_.items[first].group;
+    if (list_.groups[group].newPage) fillPage();
+    if (isTitled(group)) {
+        if (!atTop()) add({Row::blank});
+        const size_t needed = heights_.heading(list_.groups[group], false) + heights_.item(list_.items[first]);
+        if (left() < std::min(needed, rowsPerPage_)) fillPage();
+        addHeading(group, false);
+    }
+    double mass = 0;
+    size_t i = first;
+    for (; i < list_.items.size() && list_.items[i].group == group; ++i) {
+        const size_t lines = heights_.item(list_.items[i]);
+        if (i > first || !isTitled(group)) makeRoom(std::min(lines, rowsPerPage_), group);
+        for (size_t line = 0; line < lines; ++line) add({Row::item, i, line});
+        mass += list_.items[i].total;
+    }
+    if (list_.sumGroups && isTitled(group)) {
+        makeRoom(1, group);
+        add({Row::groupSum, group, 0, mass});
+    }
+    mass_ += mass;
+    return i;
+}
 
 }  // namespace
 
@@ -139,32 +185,10 @@ void arrange(List& list) {
     });
 }
 
-std::vector<Row> rowsOf(const List& list, size_t rowsPerPage, const std::function<size_t(const Item&)>& linesOf) {
-    Rows rows(rowsPerPage);
-    double all = 0;
-    for (size_t i = 0; i < list.items.size();) {
-        const size_t group = list.items[i].group;
-        const bool titled = !list.groups[group].title.empty();
-        if (list.groups[group].newPage) rows.fillPage();
-        if (titled) {
-            if (!rows.atTop()) rows.add({Row::blank});
-            if (rows.left() <= std::min(linesOf(list.items[i]), rowsPerPage - 1)) rows.fillPage();
-            rows.add({Row::heading, group});
-        }
-        double mass = 0;
-        for (; i < list.items.size() && list.items[i].group == group; ++i) {
-            const size_t lines = std::min(linesOf(list.items[i]), rowsPerPage);
-            if (rows.left() < lines) rows.fillPage();
-            for (size_t line = 0; line < lines; ++line) rows.add({Row::item, i, line});
-            mass += list.items[i].total;
-        }
-        if (list.sumGroups && titled) rows.add({Row::groupSum, group, 0, mass});
-        all += mass;
-    }
-    if (list.sumAll) {
-        if (!rows.atTop() && rows.left() > 1) rows.add({Row::blank});
-        rows.add({Row::sum, 0, 0, all});
-    }
+std::vector<Row> rowsOf(const List& list, size_t rowsPerPage, const Heights& heights) {
+    Rows rows(list, rowsPerPage, heights);
+    for (size_t i = 0; i < list.items.size();) i = rows.addGroup(i);
+    if (list.sumAll) rows.addSum({Row::sum, 0, 0, rows.mass()});
     return rows.take();
 }
 

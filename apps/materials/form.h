@@ -1,41 +1,71 @@
-// The forms that a list can be printed on, and how much of a text fits into their columns.
+// The forms that a list can be printed on: what the field codes of their cells have places for, and how wide these are.
+// Lengths are units of the cell.
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
-#include "list.h"
-
 namespace materials {
-
-// A column of texts: a field of the form, and how many letters it has room for, 1 or more.
-struct TextColumn {
-    const char* field;
-    std::string Item::*text;
-    size_t letters;
-};
 
 struct Margins {
     double left, right, top, bottom;  // millimetres
 };
 
-struct Form {
+struct FormKind {
     const char* name;
     const char* cell;
     int pageSize;  // code of the paper
     bool lying;
     Margins margins;
-    size_t rows;  // of items
-    std::span<const TextColumn> columns;
 };
 
-std::span<const Form> forms();
+std::span<const FormKind> formKinds();
 
-// A text in lines of at most so many letters, broken at blanks where it can be. One line at least.
-std::vector<std::string> wrapped(const std::string& text, size_t letters);
-// How many rows an item takes.
-size_t linesOf(const Item& item, const Form& form);
+enum class Align { left, centre, right };
+
+// A text of the form that is the code of one row of one field.
+struct Place {
+    size_t element;  // which of the cell's elements it is
+    double x, y;     // of the text's left end, middle or right end, on its base line
+    Align align;
+    double size;                  // height of the letters
+    std::optional<int> decimals;  // that the code asks for, so that it wants a number
+    double left, right;           // what bounds it: lines, other texts, the edge
+    double above;                 // the line above it
+
+    // For a text; on both sides of a text in the middle. Between lines and letters there is a gap.
+    double room() const;
+};
+
+// The form in the library, read once.
+class Form {
+  public:
+    static constexpr size_t nameLength = 4;  // of all fields
+
+    // Nothing after a message.
+    static std::optional<Form> read(const FormKind& kind, const std::string& library);
+
+    const FormKind& kind() const { return *kind_; }
+    size_t rows() const { return rows_; }  // of items
+    size_t highestRow() const { return highestRow_; }
+
+    // Rows count from 0. Null when the field isn't there, or only within another text.
+    const Place* place(std::string_view field, size_t row) const;
+    bool has(std::string_view field, size_t row = 0) const;
+    // The least room of its rows for letters whose height is 1; nothing when it isn't there.
+    std::optional<double> width(std::string_view field) const;
+
+  private:
+    friend class FormReader;
+
+    const FormKind* kind_ = nullptr;
+    size_t rows_ = 0, highestRow_ = 0;
+    std::unordered_map<std::string, std::vector<std::optional<Place>>> fields_;
+};
 
 }  // namespace materials

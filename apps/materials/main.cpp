@@ -1,21 +1,29 @@
 // materials: from a list of materials in a text file to filled forms, in the preview or on paper.
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "apps/common/delivery.h"
+#include "apps/common/help.h"
 #include "apps/common/numbers.h"
 #include "apps/common/outputs.h"
 #include "apps/common/system_path.h"
 #include "apps/common/tell.h"
+#include "apps/common/utf8.h"
 #include "form.h"
 #include "host/mdl/dialog.h"
 #include "host/mdl/system.h"
+#include "library.h"
 #include "list.h"
 #include "mclib.h"
 #include "options.h"
@@ -35,6 +43,7 @@ enum ExitStatus { done = 0, failed = 1, badCall = 2 };
 // The list and its pages, which stay while the preview is open.
 struct Job {
     List list;
+    std::optional<Form> form;
     std::optional<Pages> pages;
     std::vector<std::string> names;  // of the pages
     std::vector<char*> pointers;     // to them
@@ -57,8 +66,8 @@ void makePage(int page, char*, ElementDescr** result, int) {
 std::optional<PageRange> pagesOf(const Options& options, size_t count) {
     if (!options.pages) return PageRange{0, count - 1};
     if (options.pages->last > count) {
-        fail("there are " + std::to_string(count) + " pages, so --pages can't take " +
-             std::to_string(options.pages->last));
+        fail((count == 1 ? "there is 1 page" : "there are " + std::to_string(count) + " pages") +
+             ", so --pages can't take " + std::to_string(options.pages->last));
         return {};
     }
     return PageRange{options.pages->first - 1, options.pages->last - 1};
@@ -69,7 +78,7 @@ void setSetup(const std::string& field, double value) {
     mdlDialog_setAccessValue(("mclibpsd->" + field).c_str(), app::shown(value, app::asNeeded).c_str());
 }
 
-void setUp(const Form& form) {
+void setUp(const FormKind& form) {
     double width = 0, height = 0;
     mclibPrint_getPageSize(&width, &height, form.pageSize);
     if (form.lying == (width < height)) std::swap(width, height);
@@ -101,7 +110,7 @@ bool printPages(const std::string& file, int device, PageRange range) {
                                    count - 1) == MCLIB_SUCCESS;
 }
 
-// The device for plain text lays out one page a file, so its files are put behind each other.
+// The device for plain text lays out one page a file, in Windows-1252; they are put behind each other in UTF-8.
 bool printTo(const std::string& file, int device, PageRange range) {
     if (device != PRINT_ASCII) return printPages(file, device, range);
     const std::string part = file + ".page";
@@ -110,7 +119,10 @@ bool printTo(const std::string& file, int device, PageRange range) {
     for (size_t page = range.first; good && page <= range.last; ++page) {
         good = printPages(part, device, {page, page});
         if (page > range.first) all << '\f';
-        all << std::ifstream(app::systemPath(part), std::ios::binary).rdbuf();
+        const std::ifstream in(app::systemPath(part), std::ios::binary);
+        std::ostringstream text;
+        text << in.rdbuf();
+        all << app::utf8From(text.str());
     }
     std::error_code ignored;
     fs::remove(app::systemPath(part), ignored);
@@ -121,47 +133,97 @@ bool printTo(const std::string& file, int device, PageRange range) {
 // The file to make: its name without suffix, and the suffix.
 std::pair<fs::path, std::string> target(const Options& options) {
     const fs::path out = options.out, name = fs::path(options.input).stem();
-    if (out.empty()) return {name, options.device->suffix};
     if (!out.has_filename() || fs::is_directory(app::systemPath(out))) return {out / name, options.device->suffix};
     if (!out.has_extension()) return {out, options.device->suffix};
     return {out.parent_path() / out.stem(), out.extension().string()};
 }
 
-ExitStatus print(const Options& options) {
-    const std::optional<PageRange> range = pagesOf(options, job().pages->count());
-    if (!range) return badCall;
+// Makes the file under a name of its own for the time being. False after a message.
+bool make(const std::string& file, const Options& options, PageRange range) {
+    setUp(*options.form);
+    job().unattended = true;
+    return printTo(file, options.device->number, range) || fail("not all pages could be made, so nothing is printed");
+}
+
+bool send(const std::string& file, const std::string& shown, const Options& options) {
+    return app::sendToPrinter(file, shown, options.printer, options.copies.value_or(1));
+}
+
+std::string whatIsIn(PageRange range) {
+    return counted(job().list.items.size(), "item") + ", " + counted(range.last - range.first + 1, "page");
+}
+
+// To a file, which is sent to a printer when there is one.
+ExitStatus printToFile(const Options& options, PageRange range) {
     const auto [base, suffix] = target(options);
     app::Outputs outputs(base, {suffix.c_str()});
     if (!outputs.prepare(options.input, options.overwrite)) return failed;
-    setUp(*options.form);
-    job().unattended = true;
-    if (!printTo(outputs.temporary(suffix.c_str()), options.device->number, *range)) {
-        fail("not all pages could be made, so nothing is printed");
-        return failed;
-    }
-    if (!outputs.finish()) return failed;
+    if (!make(outputs.temporary(suffix.c_str()), options, range) || !outputs.finish()) return failed;
     const std::string file = outputs.names().front().string();
-    toolSubsystem_printf("materials: made %s: %s, %s\n", file.c_str(), counted(job().list.items.size(), "item").c_str(),
-                         counted(range->last - range->first + 1, "page").c_str());
-    if (options.printer.empty()) return done;
-    return app::sendToPrinter(file, options.printer, options.copies) ? done : failed;
+    toolSubsystem_printf("materials: made %s: %s\n", file.c_str(), whatIsIn(range).c_str());
+    return options.printer.empty() || send(file, file, options) ? done : failed;
 }
 
-// The name of the library without its folder, which is looked in before all others.
-std::string findable(const std::string& library) {
-    const size_t separator = library.find_last_of("/\\");
-    if (separator == library.npos) return library;
-    constexpr int userLevel = 4;
-    char others[1024] = "$(MC_DIR)cell/";
-    mdlSystem_getCfgVar(others, "MC_CELL", sizeof others);
-    mdlSystem_defineCfgVar("MC_CELL", (library.substr(0, separator + 1) + ";" + others).c_str(), userLevel);
-    return library.substr(separator + 1);
+// To a printer alone: the file lies in a folder that is removed.
+ExitStatus printAway(const Options& options, PageRange range) {
+    std::string folder = (fs::temp_directory_path() / "materialsXXXXXX").string();
+    if (!mkdtemp(folder.data())) {
+        fail(folder + ": a folder for the print file can't be made: " + std::strerror(errno));
+        return failed;
+    }
+    const std::string name = fs::path(options.input).stem().string() + options.device->suffix;
+    const std::string file = folder + "/" + name;
+    const bool good = make(file, options, range) && send(file, name + " (" + whatIsIn(range) + ")", options);
+    std::error_code ignored;
+    fs::remove_all(folder, ignored);
+    return good ? done : failed;
+}
+
+ExitStatus print(const Options& options) {
+    const std::optional<PageRange> range = pagesOf(options, job().pages->count());
+    if (!range) return badCall;
+    return options.out.empty() ? printAway(options, *range) : printToFile(options, *range);
+}
+
+// What the user should know of the list and its form.
+void warn(const List& list, const Options& options) {
+    if (list.items.empty()) app::warn(options.input + ": there is no ITEM in it, so the form is empty");
+    constexpr size_t mostTold = 20;
+    size_t doubles = 0;
+    std::unordered_map<std::string_view, const Item*> marks;
+    for (const Item& item : list.items) {
+        const auto [first, isNew] = marks.emplace(item.mark, &item);
+        if (isNew || item.mark.empty() || ++doubles > mostTold) continue;
+        app::warn(list.placeOf(item.origin) + ": another item has the mark " + item.mark + ", that of " +
+                  list.placeOf(first->second->origin));
+    }
+    if (doubles > mostTold) app::warn("and " + std::to_string(doubles - mostTold) + " more marks are there twice");
+    const std::string unshown = job().pages->unshown();
+    if (unshown.empty()) return;
+    app::warn(std::string(options.form->name) + " has no place for " + unshown + ": use " +
+              (options.form == &formKinds()[0] ? "--form A3" : "a form of your own, with --library"));
+}
+
+// The pages of the list. False after a message.
+bool prepare(const Options& options) {
+    const std::optional<std::string> library = findableLibrary(options.library);
+    if (!library) return false;
+    CellName logo = {"LOGO", options.logo};
+    if (!logo.library.empty() &&
+        (!isLibrary(logo.library) || !cellOf(logo.library, logo.cell.c_str(), "is shown as the logo"))) {
+        return false;
+    }
+    job().form = Form::read(*options.form, *library);
+    if (!job().form) return false;
+    if (!readList(options.input, options.device->letterRefusal, job().list)) return false;
+    arrange(job().list);
+    job().pages.emplace(job().list, *job().form, *library, logo);
+    warn(job().list, options);
+    return job().pages->fit();
 }
 
 ExitStatus work(const Options& options) {
-    if (!readList(options.input, job().list)) return failed;
-    arrange(job().list);
-    job().pages.emplace(job().list, *options.form, findable(options.library));
+    if (!prepare(options)) return failed;
     job().names = job().pages->names();
     for (std::string& name : job().names) job().pointers.push_back(name.data());
     return options.out.empty() && options.printer.empty() ? openPreview() : print(options);
@@ -175,6 +237,8 @@ MDL_DESCRIPTION("material lists on the forms of an office");
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace materials;
     if (mclibMain_initMcLib("MATERIALS", argc, argv) != MCLIB_SUCCESS) return failed;
-    const std::optional<Options> options = optionsFrom({argv + std::min(argc, 2), argv + argc});
+    const std::vector<std::string> arguments(argv + std::min(argc, 2), argv + argc);
+    if (app::helped(arguments, usage)) return done;
+    const std::optional<Options> options = optionsFrom(arguments);
     return options ? work(*options) : badCall;
 }

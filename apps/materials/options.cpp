@@ -1,28 +1,32 @@
 #include "options.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
 
+#include "apps/common/delivery.h"
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
 
 namespace materials {
 
-namespace {
-
 // clang-format off
-constexpr const char* usage =
+const char* const usage =
     "usage: mchost materials LIST.txt [options]\n"
     "  without --out and --print     the preview opens; its buttons print, plot and place the pages\n"
-    "  --out FILE            print to a file without the preview\n"
-    "  --print PRINTER       and send it there: a port, a network printer, or a command with %s for the file\n"
+    "  --out FILE            print to a file without the preview; .ps, .hpgl, .pcl or .txt tells the device\n"
+    "  --print PRINTER       send it to a port, a network printer, or a command with %s for the file\n"
     "  --copies 1            so many times\n"
     "  --device postscript   of the file: postscript, hpgl, pcl or ascii\n"
     "  --pages 2-4           these pages alone; also 3\n"
     "  --form A4             A4 or A3\n"
-    "  --library forms.cel   the cell library with the form: a path, or a name that is found through MC_CELL\n"
-    "  --overwrite           replace a file that is there\n";
+    "  --library forms.cel   the cell library with the form: a path, or a name that is looked for here and through MC_CELL\n"
+    "  --logo OFFICE.cel     the cell library whose cell LOGO is shown\n"
+    "  --overwrite           replace a file that is there\n"
+    "  --help                print this\n";
 // clang-format on
+
+namespace {
 
 bool wrong(const std::string& what) {
     app::fail(what);
@@ -39,6 +43,11 @@ bool setText(Options& options, std::string_view name, const std::string& value) 
     return true;
 }
 
+bool setOut(Options& options, std::string_view name, const std::string& value) {
+    if (value == "-") return wrong("--out takes the name of a file; standard output isn't written");
+    return setText<&Options::out>(options, name, value);
+}
+
 bool setDevice(Options& options, std::string_view, const std::string& value) {
     if (const app::Device* device = app::deviceNamed(value)) options.device = device;
     return app::deviceNamed(value) ||
@@ -46,8 +55,8 @@ bool setDevice(Options& options, std::string_view, const std::string& value) {
 }
 
 bool setForm(Options& options, std::string_view, const std::string& value) {
-    const auto form = std::ranges::find_if(forms(), [&](const Form& f) { return value == f.name; });
-    if (form == forms().end()) return wrong("--form takes A4 or A3, not \"" + value + "\"");
+    const auto form = std::ranges::find_if(formKinds(), [&](const FormKind& f) { return value == f.name; });
+    if (form == formKinds().end()) return wrong("--form takes A4 or A3, not \"" + value + "\"");
     options.form = &*form;
     return true;
 }
@@ -67,7 +76,13 @@ bool setPages(Options& options, std::string_view, const std::string& value) {
 
 bool setCopies(Options& options, std::string_view, const std::string& value) {
     options.copies = app::numberIn<int>(value).value_or(0);
-    return options.copies >= 1 || wrong("--copies takes a number from 1, not \"" + value + "\"");
+    return *options.copies >= 1 || wrong("--copies takes a number from 1, not \"" + value + "\"");
+}
+
+bool setPrinter(Options& options, std::string_view, const std::string& value) {
+    options.printer = value;
+    const std::string refusal = app::printerRefusal(value);
+    return refusal.empty() || wrong(refusal);
 }
 
 // ---- the options ----
@@ -78,14 +93,36 @@ struct ValueOption {
     bool ofPrint = false;  // counts without the preview alone
 };
 constexpr ValueOption valueOptions[] = {
-    {"--out", setText<&Options::out>},
-    {"--print", setText<&Options::printer>},
+    {"--out", setOut},
+    {"--print", setPrinter},
     {"--copies", setCopies, true},
     {"--device", setDevice, true},
     {"--pages", setPages, true},
     {"--form", setForm},
     {"--library", setText<&Options::library>},
+    {"--logo", setText<&Options::logo>},
 };
+
+// The device that the file is for.
+bool chooseDevice(Options& options) {
+    std::string why;
+    const app::Device* const device =
+        app::deviceFor(std::filesystem::path(options.out).extension().string(), options.device, why);
+    if (!device) return wrong(options.out + ": " + why);
+    options.device = device;
+    if (device->number != PRINT_PCL || !options.form->lying) return true;
+    return wrong(std::string("PCL files are for A4 paper, which form ") + options.form->name +
+                 " is cut to; take --form A4 or another device");
+}
+
+// Options that go together.
+bool complete(Options& options, const std::string& ofPrint) {
+    if (options.input.empty()) return wrong("the name of the list is missing");
+    if (!ofPrint.empty() && options.out.empty() && options.printer.empty())
+        return wrong(ofPrint + " goes with --out or --print; the preview has buttons for it");
+    if (options.copies && options.printer.empty()) return wrong("--copies goes with --print");
+    return chooseDevice(options);
+}
 
 }  // namespace
 
@@ -102,15 +139,13 @@ std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
         } else if (argument == "--overwrite") {
             options.overwrite = true;
             ofPrint = argument;
-        } else if (argument.starts_with("-") || !options.input.empty()) {
+        } else if ((argument.starts_with("-") && argument != "-") || !options.input.empty()) {
             return wrong("don't know what to do with \"" + argument + "\""), std::nullopt;
         } else {
             options.input = argument;
         }
     }
-    if (options.input.empty()) return wrong("the name of the list is missing"), std::nullopt;
-    if (!ofPrint.empty() && options.out.empty() && options.printer.empty())
-        return wrong(ofPrint + " goes with --out or --print; the preview has buttons for it"), std::nullopt;
+    if (!complete(options, ofPrint)) return {};
     return options;
 }
 

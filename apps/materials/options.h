@@ -15,15 +15,17 @@ struct PageRange {
 };
 
 struct Options {
-    std::string input, out, printer, library = "forms.cel";
-    const app::Device* device = &app::devices[0];
-    const Form* form = &forms()[0];
+    std::string input, out, printer, library = "forms.cel", logo;
+    const app::Device* device = nullptr;  // null: by the suffix of `out`
+    const FormKind* form = &formKinds()[0];
     std::optional<PageRange> pages;  // from 1
-    int copies = 1;
+    std::optional<int> copies;       // 1 when not told
     bool overwrite = false;
 };
 
-// Nothing after a message and the usage.
+extern const char* const usage;
+
+// With the device set. Nothing after a message and the usage.
 std::optional<Options> optionsFrom(const std::vector<std::string>& arguments);
 
 }  // namespace materials

@@ -1,49 +1,78 @@
 #include "pages.h"
 
 #include <algorithm>
+#include <iterator>
+#include <limits>
 #include <memory>
 #include <utility>
 
 #include "apps/common/numbers.h"
+#include "apps/common/tell.h"
+#include "host/mdl/element.h"
+#include "host/mdl/elmdscr.h"
+#include "host/mdl/model.h"
+#include "host/mdl/text.h"
+#include "host/mdl/transform.h"
 
 namespace materials {
 
 namespace {
 
-// Every name on a form has so many letters.
-constexpr int nameLength = 4;
 constexpr int cellOption = 1;
 constexpr size_t mostFieldRows = 20;  // of the fields that the library fills
-
-constexpr int mostDecimalsOfNumber = 3;
-
-// As few decimals as a number of pieces or metres needs.
-std::string numberText(double number) {
-    std::string text = app::shown(number, mostDecimalsOfNumber);
-    if (text.find('.') == text.npos) return text;
-    text.erase(text.find_last_not_of('0') + 1);
-    if (text.back() == '.') text.pop_back();
-    return text;
-}
+constexpr double leastScale = 0.7;    // of letters that are made smaller so that a text fits
+constexpr const char* pageSumField = "SUMM";
 
 struct DestroyArray {
     void operator()(FormData* values) const { mclibMatList_destroyFormDataArray(values); }
 };
 
-void insertText(FormData* values, const char* name, int row, const std::string& text) {
-    if (!text.empty()) mclibMatList_insertValue(values, name, MCLIB_FORM_TEXT, row, text.c_str());
+// ---- elements of a page, in its own coordinates ----
+
+constexpr uint32_t sumWeight = 1, sumLineWeight = 2;
+
+// Makes the text smaller about the place that it is written from, and moves it along its line.
+void fitText(MSElementBuffer* text, const Place& place, double scale, double shift) {
+    const Transform fit = {
+        {{scale, 0, 0, (1 - scale) * place.x + shift}, {0, scale, 0, (1 - scale) * place.y}, {0, 0, 1, 0}}};
+    mdlElement_transform(text, text, &fit);
+}
+
+bool appendSumLine(ElementDescr* page, const MSElementBuffer* sum, const Place& place) {
+    const Point3d ends[] = {{place.left, place.above, 0}, {place.right, place.above, 0}};
+    uint32_t level = 0, color = 0;
+    mdlElement_getProperties(&level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, sum);
+    mdlElement_getSymbology(&color, nullptr, nullptr, sum);
+    const int32_t solid = 0;
+    mdlCurrTrans_begin();
+    mdlCurrTrans_identity();
+    const int status = mdlLine_create(dgnBufP, nullptr, ends);
+    mdlCurrTrans_end();
+    if (status != MDL_SUCCESS) return false;
+    mdlElement_setProperties(dgnBufP, &level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    mdlElement_setSymbology(dgnBufP, &color, &sumLineWeight, &solid);
+    return mdlElmdscr_appendElement(page, dgnBufP) == MDL_SUCCESS;
+}
+
+std::vector<ElementDescr*> elementsOf(ElementDescr* page) {
+    std::vector<ElementDescr*> elements;
+    for (ElementDescr* node = page->firstChild; node; node = node->next) elements.push_back(node);
+    return elements;
 }
 
 }  // namespace
 
-Pages::Pages(const List& list, const Form& form, std::string library)
-    : list_(list),
-      form_(form),
-      library_(std::move(library)),
-      rows_(rowsOf(list, form.rows, [&](const Item& item) { return linesOf(item, form); })) {
+Pages::Pages(const List& list, const Form& form, std::string library, CellName logo)
+    : list_(list), form_(form), library_(std::move(library)), logo_(std::move(logo)) {
+    for (const TextColumn& column : textColumns)
+        widths_.push_back(form.width(column.field).value_or(std::numeric_limits<double>::infinity()));
+    measureDecimals();
+    rows_ = rowsOf(list, form.rows(),
+                   {.item = [this](const Item& item) { return heightOf(item); },
+                    .heading = [this](const Group& g, bool again) { return headingLines(g, again).size(); }});
     double mass = 0;
     for (size_t i = 0; i < rows_.size(); ++i) {
-        if (i % form_.rows == 0) massUpTo_.push_back(mass);
+        if (i % form_.rows() == 0) massUpTo_.push_back(mass);
         if (rows_[i].kind == Row::item && rows_[i].line == 0) mass += list_.items[rows_[i].index].total;
     }
     massUpTo_.push_back(mass);
@@ -55,50 +84,207 @@ std::vector<std::string> Pages::names() const {
     return names;
 }
 
-void Pages::insertItem(FormData* values, int row, const Row& content) const {
-    const Item& item = list_.items[content.index];
-    for (const TextColumn& column : form_.columns) {
-        const std::vector<std::string> lines = wrapped(item.*column.text, column.letters);
-        if (content.line < lines.size()) insertText(values, column.field, row, lines[content.line]);
+// ---- rows ----
+
+std::vector<std::string> Pages::linesOf(const Item& item, const TextColumn& column) const {
+    return wrapped(item.*column.text, widths_[static_cast<size_t>(&column - textColumns)], column.breaks);
+}
+
+std::vector<std::string> Pages::headingLines(const Group& group, bool continued) const {
+    const auto width = form_.has(headingField) ? form_.width(headingField) : form_.width(descriptionField);
+    return wrapped(group.title + (continued ? " (continued)" : ""),
+                   width.value_or(std::numeric_limits<double>::infinity()), Breaks::atBlanks);
+}
+
+size_t Pages::heightOf(const Item& item) const {
+    size_t lines = 1;
+    for (const TextColumn& column : textColumns) {
+        if (!(item.*column.text).empty() && form_.has(column.field))
+            lines = std::max(lines, linesOf(item, column).size());
     }
-    if (content.line > 0) return;
-    if (item.hasNumber) insertText(values, "NUMB", row, numberText(item.number));
-    if (item.hasMass) {
-        mclibMatList_insertValue(values, "MASS", MCLIB_FORM_FLOAT, row, item.mass);
-        mclibMatList_insertValue(values, "TOTM", MCLIB_FORM_FLOAT, row, item.total);
+    return lines;
+}
+
+void Pages::measureDecimals() {
+    for (const NumberColumn& column : numberColumns) {
+        double& widest = decimals_.emplace_back(0);
+        for (const Item& item : list_.items) {
+            if (item.*column.has)
+                widest = std::max(widest, widthOf(decimalsOf(column.shown(item.*column.value, list_.numbers))));
+        }
     }
 }
 
-void Pages::insertRow(FormData* values, int row, const Row& content) const {
-    const auto insertSum = [&](const std::string& text) {
-        insertText(values, "DESC", row, text);
-        mclibMatList_insertValue(values, "TOTM", MCLIB_FORM_FLOAT, row, content.mass);
+// ---- what stands on a page ----
+
+void Pages::addItem(std::vector<Entry>& entries, size_t row, const Row& content) const {
+    const Item& item = list_.items[content.index];
+    for (const TextColumn& column : textColumns) {
+        if ((item.*column.text).empty()) continue;
+        std::vector<std::string> lines = linesOf(item, column);
+        if (content.line < lines.size())
+            entries.push_back({column.field, row, std::move(lines[content.line]), &item.origin});
+    }
+    if (content.line > 0) return;
+    for (size_t i = 0; i < std::size(numberColumns); ++i) {
+        const NumberColumn& column = numberColumns[i];
+        if (!(item.*column.has)) continue;
+        const double value = item.*column.value;
+        entries.push_back(
+            {column.field, row, column.shown(value, list_.numbers), &item.origin, value, decimals_[i], true});
+    }
+}
+
+void Pages::addHeading(std::vector<Entry>& entries, size_t row, const Row& content) const {
+    const Group& group = list_.groups[content.index];
+    entries.push_back({form_.has(headingField) ? headingField : descriptionField, row,
+                       headingLines(group, content.continued)[content.line], &group.origin});
+}
+
+// The group's title stands in a sum where it fits.
+void Pages::addSum(std::vector<Entry>& entries, size_t row, const Row& content) const {
+    std::string text = "Sum of all";
+    if (content.kind == Row::groupSum) {
+        text = "Sum of " + list_.groups[content.index].title;
+        if (widthOf(text) * leastScale > form_.width(descriptionField).value_or(0)) text = "Sum";
+    }
+    entries.push_back({.field = descriptionField, .row = row, .text = text, .origin = nullptr, .isSum = true});
+    entries.push_back({totalField, row, massText(content.mass, list_.numbers), nullptr, content.mass,
+                       decimals_[std::size(numberColumns) - 1], true, true});
+}
+
+void Pages::addPageSums(std::vector<Entry>& entries, size_t page) const {
+    const double upTo = massUpTo_[page + 1];
+    const double sums[] = {upTo - massUpTo_[page], upTo};
+    for (size_t row = 0; row < std::size(sums); ++row)
+        entries.push_back({pageSumField, row, massText(sums[row], list_.numbers), nullptr, sums[row], 0, true});
+}
+
+std::vector<Pages::Entry> Pages::titleEntries() const {
+    std::vector<Entry> entries;
+    for (const ProjectText& text : list_.project)
+        entries.push_back({text.key, static_cast<size_t>(text.row), text.text, &text.origin});
+    return entries;
+}
+
+std::vector<Pages::Entry> Pages::rowEntries(size_t page) const {
+    std::vector<Entry> entries;
+    addPageSums(entries, page);
+    for (size_t row = 0; row < form_.rows(); ++row) {
+        const Row& content = rows_[page * form_.rows() + row];
+        switch (content.kind) {
+            case Row::blank: break;
+            case Row::heading: addHeading(entries, row, content); break;
+            case Row::groupSum:
+            case Row::sum: addSum(entries, row, content); break;
+            case Row::item: addItem(entries, row, content); break;
+        }
+    }
+    return entries;
+}
+
+// ---- room ----
+
+// As it stands on the page.
+std::string Pages::textOf(const Entry& entry, const Place& place) {
+    return entry.isNumber && place.decimals ? app::shown(entry.value, *place.decimals) : entry.text;
+}
+
+Pages::Fitted Pages::fitted(const Entry& entry, const Place& place) {
+    const double room = place.room() / place.size, width = widthOf(textOf(entry, place));
+    Fitted fit = {width > room ? room / width : 1, 0};
+    if (!entry.isNumber || place.align != Align::right || place.decimals) return fit;
+    const double missing = entry.decimalsWidth - widthOf(decimalsOf(entry.text));
+    fit.shift = -std::clamp(missing, 0.0, std::max(room - width, 0.0)) * place.size;
+    return fit;
+}
+
+bool Pages::fits(const Entry& entry) const {
+    const Place* const place = form_.place(entry.field, entry.row);
+    return !place || entry.text.empty() || fitted(entry, *place).scale >= leastScale;
+}
+
+bool Pages::fit() const {
+    constexpr size_t mostTold = 20;
+    size_t wrong = 0;
+    const auto check = [&](const Entry& entry) {
+        if (fits(entry) || ++wrong > mostTold) return;
+        const std::string where = entry.origin ? list_.placeOf(*entry.origin) + ": " : "";
+        app::fail(where + "\"" + entry.text + "\" doesn't fit into its field on form " + form_.kind().name +
+                  ", not even with smaller letters; shorten it, or take a form with more room for it");
     };
-    switch (content.kind) {
-        case Row::blank: break;
-        case Row::heading: insertText(values, "HEAD", row, list_.groups[content.index].title); break;
-        case Row::groupSum: insertSum("Sum"); break;
-        case Row::sum: insertSum("Sum of all"); break;
-        case Row::item: insertItem(values, row, content); break;
+    std::ranges::for_each(titleEntries(), check);
+    for (size_t page = 0; page < count(); ++page) std::ranges::for_each(rowEntries(page), check);
+    if (wrong > mostTold) app::fail("and " + std::to_string(wrong - mostTold) + " more texts don't fit");
+    return wrong == 0;
+}
+
+std::string Pages::unshown() const {
+    std::string names;
+    const auto add = [&](const std::string& name) { names += (names.empty() ? "" : ", ") + name; };
+    for (const TextColumn& column : textColumns) {
+        const auto has = [&](const Item& item) { return !(item.*column.text).empty(); };
+        if (!form_.has(column.field) && std::ranges::any_of(list_.items, has)) add(column.name);
+    }
+    for (const NumberColumn& column : numberColumns) {
+        if (!form_.has(column.field) && std::ranges::any_of(list_.items, column.has)) add(column.name);
+    }
+    for (const ProjectText& text : list_.project) {
+        if (form_.has(text.key, static_cast<size_t>(text.row))) continue;
+        add(text.line == 1 ? text.name : std::string(text.name) + " line " + std::to_string(text.line));
+    }
+    return names;
+}
+
+// ---- a page ----
+
+void Pages::insert(FormData* values, const Entry& entry) const {
+    const Place* const place = form_.place(entry.field, entry.row);
+    const std::string field(entry.field);
+    const auto row = static_cast<int>(entry.row);
+    if (!place || entry.text.empty()) return;
+    if (entry.isNumber && place->decimals)
+        mclibMatList_insertValue(values, field.c_str(), MCLIB_FORM_FLOAT, row, entry.value);
+    else
+        mclibMatList_insertValue(values, field.c_str(), MCLIB_FORM_TEXT, row, entry.text.c_str());
+}
+
+// Brings the texts of the page to their room, and sets sums apart.
+void Pages::finish(ElementDescr* page, const std::vector<Entry>& entries) const {
+    const std::vector<ElementDescr*> elements = elementsOf(page);
+    for (const Entry& entry : entries) {
+        const Place* const place = form_.place(entry.field, entry.row);
+        if (!place || place->element >= elements.size()) continue;
+        MSElementBuffer* const text = elements[place->element]->element;
+        if (mdlElement_getType(text) != MDL_TEXT) continue;
+        const Fitted fit = fitted(entry, *place);
+        if (fit.scale < 1 || fit.shift != 0) fitText(text, *place, fit.scale, fit.shift);
+        if (!entry.isSum) continue;
+        mdlElement_setSymbology(text, nullptr, &sumWeight, nullptr);
+        if (entry.isNumber) appendSumLine(page, text, *place);
     }
 }
 
 ElementDescr* Pages::make(size_t number) const {
-    const auto rowCount = static_cast<int>(std::max(form_.rows, mostFieldRows));
-    const std::unique_ptr<FormData, DestroyArray> owner(mclibMatList_createFormDataArray(nameLength, rowCount));
+    const auto rowCount = static_cast<int>(std::max(form_.highestRow(), mostFieldRows));
+    const std::unique_ptr<FormData, DestroyArray> owner(
+        mclibMatList_createFormDataArray(static_cast<int>(Form::nameLength), rowCount));
     FormData* const values = owner.get();
     if (!values) return nullptr;
     mclibMatList_insertSystemData(values);
-    mclibMatList_insertLogo(values);
+    if (logo_.library.empty())
+        mclibMatList_insertLogo(values);
+    else
+        mclibMatList_insertLogoExt(values, logo_.cell.c_str(), logo_.library.c_str());
     mclibProject_insertProjectData(values);
-    for (const ProjectText& text : list_.project) insertText(values, text.key, text.row, text.text);
     mclibMatList_insertValue(values, "page", MCLIB_FORM_INTEGER, 0, static_cast<int>(number + 1));
     mclibMatList_insertValue(values, "pags", MCLIB_FORM_INTEGER, 0, static_cast<int>(count()));
-    mclibMatList_insertValue(values, "SUMM", MCLIB_FORM_FLOAT, 0, massUpTo_[number + 1] - massUpTo_[number]);
-    mclibMatList_insertValue(values, "SUMM", MCLIB_FORM_FLOAT, 1, massUpTo_[number + 1]);
-    for (size_t i = 0; i < form_.rows; ++i) insertRow(values, static_cast<int>(i), rows_[number * form_.rows + i]);
+    std::vector<Entry> entries = titleEntries();
+    std::ranges::move(rowEntries(number), std::back_inserter(entries));
+    for (const Entry& entry : entries) insert(values, entry);
     ElementDescr* page = nullptr;
-    mclibMatList_generatePageElementDescr(form_.cell, library_.c_str(), &page, values, cellOption);
+    mclibMatList_generatePageElementDescr(form_.kind().cell, library_.c_str(), &page, values, cellOption);
+    if (page) finish(page, entries);
     return page;
 }
 

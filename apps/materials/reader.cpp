@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 #include <string_view>
 
 #include "apps/common/input.h"
@@ -42,7 +43,7 @@ struct NamedProjectText {
     const char* key;
     int firstRow, lastRow;
 };
-constexpr const char* titleKey = "tegn";
+constexpr const char *titleKey = "tegn", *titleName = "title";
 constexpr NamedProjectText projectTexts[] = {
     {"number",        "pron", 0, 0},
     {"client",        "kost", 0, 4},
@@ -74,19 +75,36 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-// The field up to a ";" that stands outside double quotes; the line goes on behind it.
-std::string_view takeField(std::string_view& line) {
-    bool quoted = false;
+constexpr char quote = '"';
+
+// The field up to a ";" that stands outside double quotes; the line goes on behind it. `unclosed` is where a quotation
+// begins that doesn't end, else npos.
+std::string_view takeField(std::string_view& line, size_t& unclosed) {
+    unclosed = line.npos;
     size_t end = 0;
-    for (; end < line.size() && (quoted || line[end] != ';'); ++end) quoted ^= line[end] == '"';
+    for (; end < line.size() && (unclosed != line.npos || line[end] != ';'); ++end) {
+        if (line[end] == quote) unclosed = unclosed == line.npos ? end : line.npos;
+    }
     const std::string_view field = trimmed(line.substr(0, end));
     line.remove_prefix(std::min(end + 1, line.size()));
     return field;
 }
 
+// A field that is quoted as a whole is what stands between its quotes, in which two of them are one.
+std::string unquoted(std::string_view field) {
+    if (field.size() < 2 || field.front() != quote || field.back() != quote) return std::string(field);
+    const std::string_view inside = field.substr(1, field.size() - 2);
+    std::string text;
+    for (size_t i = 0; i < inside.size(); ++i) {
+        if (inside[i] == quote && (++i == inside.size() || inside[i] != quote)) return std::string(field);
+        text += inside[i];
+    }
+    return text;
+}
+
 class Reader {
   public:
-    explicit Reader(List& list);
+    Reader(List& list, app::Input::LetterRefusal letterRefusal);
     bool read(const std::string& fileName);
 
   private:
@@ -94,7 +112,7 @@ class Reader {
         const char* name;
         bool (Reader::*read)();
     };
-    static const std::array<Keyword, 11> keywords;
+    static const std::array<Keyword, 13> keywords;
 
     bool line();
     // Keywords.
@@ -103,13 +121,18 @@ class Reader {
     bool number();
     bool text();
     bool total();
+    bool decimals();
+    bool thousands();
     bool sort();
     bool merge();
     bool sum();
     bool group();
     bool newPage();
     bool item();
+    bool fieldsOf(std::span<std::string_view> fields);
+    bool numbersOf(Item& item, std::string_view number, std::string_view mass);
 
+    Origin origin();
     // Fields of an item. Each may be empty, and begins with "=" when it is worked out.
     bool amount(std::string_view field, const char* what, double& value, bool& has);
     bool words(std::string_view field, std::string& text);
@@ -123,12 +146,14 @@ class Reader {
     bool newPage_ = false;  // asked for in front of the next group
 };
 
-constexpr std::array<Reader::Keyword, 11> Reader::keywords = {{
+constexpr std::array<Reader::Keyword, 13> Reader::keywords = {{
     {"TITLE", &Reader::title},
     {"PROJECT", &Reader::project},
     {"NUMBER", &Reader::number},
     {"TEXT", &Reader::text},
     {"TOTAL", &Reader::total},
+    {"DECIMALS", &Reader::decimals},
+    {"THOUSANDS", &Reader::thousands},
     {"SORT", &Reader::sort},
     {"MERGE", &Reader::merge},
     {"SUM", &Reader::sum},
@@ -137,7 +162,8 @@ constexpr std::array<Reader::Keyword, 11> Reader::keywords = {{
     {"ITEM", &Reader::item},
 }};
 
-Reader::Reader(List& list) : list_(list) {
+Reader::Reader(List& list, app::Input::LetterRefusal letterRefusal) : list_(list) {
+    in_.setLetterRefusal(letterRefusal);
     for (const char* name : {numberName, massName}) values_.addNumber(name, 0, "");
     for (const char* name : {markName, dimensionName, unitName}) values_.addText(name, "");
 }
@@ -153,7 +179,9 @@ auto rowNamed(const Rows& rows, const std::string& name) {
 bool Reader::title() {
     std::string text;
     if (!in_.text(text, "the title") || !in_.endOfLine()) return false;
-    list_.project.push_back({titleKey, 0, text});
+    for (const ProjectText& told : list_.project)
+        if (told.name == titleName) return in_.failAt(in_.lineStart(), "there is a TITLE already");
+    list_.project.push_back({titleKey, 0, text, titleName, 1, origin()});
     return true;
 }
 
@@ -172,11 +200,12 @@ bool Reader::project() {
     for (const ProjectText& told : list_.project)
         if (std::string_view(told.key) == row->key && told.row >= next) next = told.row + 1;
     if (next > row->lastRow) {
-        return in_.failAt(start, "there are " + std::to_string(row->lastRow - row->firstRow + 1) + " lines of \"" +
-                                     name + "\" already, which is the most");
+        const int most = row->lastRow - row->firstRow + 1;
+        return in_.failAt(start, (most == 1 ? "there is 1 line" : "there are " + std::to_string(most) + " lines") +
+                                     " of \"" + name + "\" already, which is the most");
     }
     if (!in_.text(text, "the text") || !in_.endOfLine()) return false;
-    list_.project.push_back({row->key, next, text});
+    list_.project.push_back({row->key, next, text, row->name, next - row->firstRow + 1, origin()});
     return true;
 }
 
@@ -213,6 +242,31 @@ bool Reader::text() {
 // TOTAL formula
 bool Reader::total() {
     return in_.rest(total_, "the formula");
+}
+
+// DECIMALS number
+bool Reader::decimals() {
+    constexpr int most = 6;
+    int count = 0;
+    in_.atEnd();
+    char* const start = in_.position();
+    if (!in_.wholeNumber(count, "the number of decimals")) return false;
+    if (count < 0 || count > most)
+        return in_.failAt(start, "the number of decimals must be 0 to " + std::to_string(most));
+    list_.numbers.decimals = count;
+    return in_.endOfLine();
+}
+
+// THOUSANDS "sign"
+bool Reader::thousands() {
+    in_.atEnd();
+    char* const start = in_.position();
+    std::string sign;
+    if (!in_.text(sign, "the sign between thousands") || !in_.endOfLine()) return false;
+    if (sign.size() != 1 || std::string_view("0123456789.-").find(sign[0]) != std::string_view::npos)
+        return in_.failAt(start, "between thousands stands one sign that is no part of a number, such as a blank");
+    list_.numbers.thousands = sign;
+    return true;
 }
 
 // SORT column...
@@ -255,6 +309,7 @@ bool Reader::group() {
     Group group;
     if (!in_.text(group.title, "the title") || !in_.endOfLine()) return false;
     group.newPage = newPage_;
+    group.origin = origin();
     newPage_ = false;
     list_.groups.push_back(group);
     return true;
@@ -271,33 +326,72 @@ bool Reader::failAt(std::string_view field, size_t offset, const std::string& wh
     return in_.failAt(in_.lineStart() + (field.data() - in_.lineStart()) + offset, what);
 }
 
+Origin Reader::origin() {
+    const std::string file = in_.fileName();
+    auto found = std::ranges::find(list_.files, file);
+    if (found == list_.files.end()) found = list_.files.insert(found, file);
+    return {static_cast<size_t>(found - list_.files.begin()), in_.lineNumber()};
+}
+
 bool Reader::amount(std::string_view field, const char* what, double& value, bool& has) {
     has = !field.empty();
     if (!has) return true;
     if (!field.starts_with('=')) {
         const auto read = app::numberIn<double>(field);
-        if (!read || !std::isfinite(*read))
-            return failAt(field, 0, std::string(what) + " must be a number, or a formula behind \"=\"");
+        if (!read || !std::isfinite(*read)) {
+            return failAt(field, 0,
+                          std::string(what) + " must be a number, or a formula behind \"=\"" + app::commaHint(field));
+        }
         value = *read;
-        return true;
+    } else {
+        const app::Outcome outcome = values_.evaluate(std::string(field.substr(1)));
+        if (!outcome.value) return failAt(field, static_cast<size_t>(outcome.column), outcome.why);
+        value = *outcome.value;
     }
-    const app::Outcome outcome = values_.evaluate(std::string(field.substr(1)));
-    if (!outcome.value) return failAt(field, static_cast<size_t>(outcome.column), outcome.why);
-    if (!std::isfinite(*outcome.value)) return failAt(field, 1, std::string(what) + " is no finite number");
-    value = *outcome.value;
-    return true;
+    return value >= 0 ||
+           failAt(field, 0, std::string(what) + " is " + shown(value, asNeeded) + ", and can't be below 0");
 }
 
 bool Reader::words(std::string_view field, std::string& text) {
     if (!field.starts_with('=')) {
-        text = field;
+        text = unquoted(field);
         return true;
     }
-    const auto expanded = values_.expand(std::string(field.substr(1)));
-    if (!expanded)
-        return failAt(field, 1, "an element of the tag string is missing, or a bracket or quote isn't closed");
-    text = *expanded;
+    const app::TextOutcome expanded = values_.expand(std::string(field.substr(1)));
+    if (!expanded.value) return failAt(field, static_cast<size_t>(expanded.column), expanded.why);
+    text = *expanded.value;
     return true;
+}
+
+// The fields of the line's rest, as many as it has.
+bool Reader::fieldsOf(std::span<std::string_view> fields) {
+    std::string_view line = in_.position();
+    for (std::string_view& field : fields) {
+        const std::string_view rest = line;
+        size_t unclosed = 0;
+        field = takeField(line, unclosed);
+        if (unclosed != line.npos) {
+            return failAt(rest, unclosed,
+                          "this quote isn't closed. A field with an inch sign is quoted as a whole, with the sign "
+                          "twice: \"3\"\" pipe\"");
+        }
+    }
+    return trimmed(line).empty() || failAt(line, 0,
+                                           "nothing more is expected here: an item has mark; description; dimension; "
+                                           "number; unit; mass; material; note");
+}
+
+// Number, mass and total, which formulas and tag strings of the item know then.
+bool Reader::numbersOf(Item& item, std::string_view number, std::string_view mass) {
+    bool good = amount(number, "the number", item.number, item.hasNumber);
+    values_.setNumber(numberName, item.number, shown(item.number, asNeeded));
+    good = good && amount(mass, "the mass", item.mass, item.hasMass);
+    values_.setNumber(massName, item.mass, shown(item.mass, asNeeded));
+    if (!good || !item.hasMass) return good;
+    const app::Outcome outcome = values_.evaluate(total_);
+    if (!outcome.value) return failAt(mass, 0, "the total can't be worked out: " + outcome.why);
+    item.total = *outcome.value;
+    return item.total >= 0 || failAt(mass, 0, "the total is " + shown(item.total, asNeeded) + ", and can't be below 0");
 }
 
 // ITEM mark; description; dimension; number; unit; mass; material; note
@@ -305,27 +399,12 @@ bool Reader::item() {
     if (in_.atEnd()) return in_.failHere("the mark is missing");
     enum { mark, description, dimension, number, unit, mass, material, note, fieldCount };
     std::array<std::string_view, fieldCount> fields;
-    std::string_view line = in_.position();
-    for (std::string_view& field : fields) field = takeField(line);
-    if (!trimmed(line).empty()) {
-        return failAt(line, 0,
-                      "nothing more is expected here: an item has mark; description; dimension; number; unit; mass; "
-                      "material; note");
-    }
+    if (!fieldsOf(fields)) return false;
 
     Item item;
     item.group = list_.groups.size() - 1;
-    bool good = amount(fields[number], "the number", item.number, item.hasNumber);
-    values_.setNumber(numberName, item.number, shown(item.number, asNeeded));
-    good = good && amount(fields[mass], "the mass", item.mass, item.hasMass);
-    values_.setNumber(massName, item.mass, shown(item.mass, asNeeded));
-    if (!good) return false;
-    if (item.hasMass) {
-        const app::Outcome outcome = values_.evaluate(total_);
-        if (!outcome.value) return failAt(fields[mass], 0, "the total can't be worked out: " + outcome.why);
-        if (!std::isfinite(*outcome.value)) return failAt(fields[mass], 0, "the total is no finite number");
-        item.total = *outcome.value;
-    }
+    item.origin = origin();
+    if (!numbersOf(item, fields[number], fields[mass])) return false;
     if (!words(fields[mark], item.mark)) return false;
     values_.setText(markName, item.mark);
     if (!words(fields[dimension], item.dimension)) return false;
@@ -364,8 +443,8 @@ bool Reader::read(const std::string& fileName) {
 
 }  // namespace
 
-bool readList(const std::string& fileName, List& list) {
-    return Reader(list).read(fileName);
+bool readList(const std::string& fileName, app::Input::LetterRefusal letterRefusal, List& list) {
+    return Reader(list, letterRefusal).read(fileName);
 }
 
 }  // namespace materials

@@ -1,0 +1,25 @@
+// Cell libraries, and the cells in them.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "host/mdl/elmdscr.h"
+
+namespace materials {
+
+struct FreeDescr {
+    void operator()(ElementDescr* ed) const { mdlElmdscr_freeAll(&ed); }
+};
+using Cell = std::unique_ptr<ElementDescr, FreeDescr>;
+
+// The name by which the library's calls find a cell library: a path, or a name that is looked for in the current folder
+// and then in those that MC_CELL tells. Nothing after a message.
+std::optional<std::string> findableLibrary(const std::string& name);
+// The same for one that isn't to go before others of its name.
+bool isLibrary(const std::string& name);
+// A cell of the library. Null, after a message that tells what it is for, when it isn't there.
+Cell cellOf(const std::string& library, const char* cell, const std::string& purpose);
+
+}  // namespace materials
