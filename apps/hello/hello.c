@@ -1,6 +1,9 @@
 /* hello: a frame and a text, drawn by named attributes and printed on an A4 sheet. */
+#include <string.h>
+
 #include <mclib.h>
 #include "host/mdl/elmdscr.h"
+#include "host/mdl/system.h"
 
 enum { DRAWING = 1, FRAME = 10, TITLE = 11 };
 
@@ -8,10 +11,14 @@ int main(int argc, char **argv)
 {
     if (mclibMain_initMcLib("hello", argc, argv) != MCLIB_SUCCESS) return 1;
     const char *file = argc > 2 ? argv[2] : "hello.ps";
+    if (file[0] == '-') {
+        toolSubsystem_printf("usage: mchost hello [FILE.ps]\n");
+        return strcmp(file, "--help") == 0 ? 0 : 2;
+    }
 
     /* How things look is said once, by number; the user may change it later. */
     ElmAttrData frame = { .color = 0, .weight = 4, .useFlags = ATTR_USE_COLOR | ATTR_USE_WEIGHT };
-    ElmAttrData title = { .textWidth = 9, .textHeight = 9, .textJust = 7, .useFlags = ATTR_USE_SIZE | ATTR_USE_JUST };
+    ElmAttrData title = { .useFlags = ATTR_USE_SIZE | ATTR_USE_JUST, .textWidth = 9, .textHeight = 9, .textJust = 7 };
     mclibElmAttr_setGroupeNames(1, "Drawing", DRAWING, 0);
     mclibElmAttr_addAttribute(FRAME, "Frame", DRAWING, ATTR_KIND_SYMBOLOGY, 0, NULL, 0, &frame);
     mclibElmAttr_addAttribute(TITLE, "Title", DRAWING, ATTR_KIND_TEXT, 0, NULL, 0, &title);

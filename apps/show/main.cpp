@@ -2,9 +2,9 @@
 //
 // It calls the host alone and registers with nobody, so that no preference file is opened, or made, on the way.
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "apps/common/help.h"
 #include "apps/common/tell.h"
 #include "host/mdl/files.h"
 #include "host/mdl/system.h"
@@ -20,7 +20,8 @@ enum ExitStatus { done = 0, failed = 1, wrongCall = 2 };
 // clang-format off
 constexpr const char* usage =
     "usage: mchost show [--full] FILE...   what design files (.mcd), cell libraries (.cel) and resource files hold\n"
-    "  --full   every element, every field of every record, and the members of string lists\n";
+    "  --full   every element, every field of every record, and the members of string lists\n"
+    "  --help   print this\n";
 // clang-format on
 
 struct Options {
@@ -34,14 +35,14 @@ bool wrong(const std::string& what) {
     return false;
 }
 
-bool takeArguments(Options& options, std::span<char*> arguments) {
-    for (const std::string_view argument : arguments) {
+bool takeArguments(Options& options, const std::vector<std::string>& arguments) {
+    for (const std::string& argument : arguments) {
         if (argument == "--full")
             options.full = true;
         else if (argument.starts_with("--"))
-            return wrong("there is no option " + std::string(argument));
+            return wrong("there is no option " + argument);
         else
-            options.files.emplace_back(argument);
+            options.files.push_back(argument);
     }
     return !options.files.empty() || wrong("the name of a file is missing");
 }
@@ -82,6 +83,7 @@ MDL_DESCRIPTION("what a design file, cell library or resource file holds");
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace show;
     Options options;
-    const auto count = static_cast<size_t>(argc), first = std::min<size_t>(count, 2);
-    return takeArguments(options, std::span(argv, count).subspan(first)) ? tellAll(options) : wrongCall;
+    const std::vector<std::string> arguments(argv + std::min(argc, 2), argv + argc);
+    if (app::helped(arguments, usage)) return done;
+    return takeArguments(options, arguments) ? tellAll(options) : wrongCall;
 }
