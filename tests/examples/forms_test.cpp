@@ -31,9 +31,6 @@ class ExampleForms : public LibraryTest {
     void text(const char* name, int row, const char* value) {
         EXPECT_EQ(mclibMatList_insertValue(form, name, MCLIB_FORM_TEXT, row, value), 0) << name;
     }
-    void number(const char* name, int row, double value) {
-        EXPECT_EQ(mclibMatList_insertValue(form, name, MCLIB_FORM_FLOAT, row, value), 0) << name;
-    }
     void fillRows() {
         for (int row = 0; row < rowCount; ++row) {
             text("MARK", row, "VK 12.4");
@@ -42,12 +39,12 @@ class ExampleForms : public LibraryTest {
             text("MATL", row, "Ductile iron GGG 400");
             text("NUMB", row, "1234.50");
             text("UNIT", row, "pcs");
-            number("MASS", row, 1234.56);
-            number("TOTM", row, 123456.78);
+            text("MASS", row, "1234.56");
+            text("TOTM", row, "123456.78");
             text("NOTE", row, "Standard 558 part 2, face to face F4, drilled");
         }
-        number("SUMM", 0, 1234567.8);
-        number("SUMM", 1, 12345678.9);
+        text("SUMM", 0, "1234567.8");
+        text("SUMM", 1, "12345678.9");
     }
     void fillPage() {
         mclibMatList_insertValue(form, "page", MCLIB_FORM_INTEGER, 0, 12);
