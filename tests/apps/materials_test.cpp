@@ -89,7 +89,8 @@ TEST_F(Materials, PagesBreakBetweenItemsThatStayWhole) {
     for (int i = 1; i <= 27; ++i) items += "ITEM A" + std::to_string(i) + "; text\n";
     const std::string heading = table(items + "GROUP \"Bends\"\nITEM B; bend\n");
     EXPECT_LT(heading.find('\f'), heading.find("Bends"));
-    const std::string wide = table(items + "ITEM B; a description that is wider than its column, and goes on below it\n");
+    const std::string wide =
+        table(items + "ITEM B; a description that is wider than its column, and goes on below it\n");
     EXPECT_LT(wide.find('\f'), wide.find("B|a description that is wider than"));
     EXPECT_THAT(wide, HasSubstr("below it"));
     const std::string forced = table("GROUP \"A\"\nITEM A; a\nNEWPAGE\nGROUP \"B\"\nITEM B; b\n");
@@ -265,19 +266,22 @@ TEST_F(Materials, WhatIsNoListIsToldAsSuch) {
         {"wide.txt", "wide.txt: the file is UTF-16; save it as UTF-8"},
         {"binary.txt", "binary.txt: this is no text file"},
         {"many.txt", "and 280 more errors"},
+        {"self.txt", "self.txt, line 1: the file that %include names can't be opened"},
     };
     write("wide.txt", std::string("\xff\xfeI\0T\0", 6));
     write("binary.txt", std::string("a\0b", 3));
     std::string many;
     for (int i = 0; i < 300; ++i) many += "WRONG\n";
     write("many.txt", many);
+    write("self.txt", "%include self.txt\n");
     for (const auto& [list, told] : cases) {
         const Outcome outcome = run("'" + list + "' --out list.ps");
         EXPECT_NE(outcome.status, 0) << list;
         EXPECT_THAT(outcome.output, HasSubstr(told)) << list;
         EXPECT_LT(countOf("\n", outcome.output), 70u) << list;
     }
-    EXPECT_THAT(table("  # indented\nITEM 1; \"quoted; text\"; \"3\"\" x\"\n"), HasSubstr("1|quoted; text|3\" x\n"));
+    EXPECT_THAT(table("\xef\xbb\xbf  # indented\nITEM 1; \"quoted; text\"; \"3\"\" x\"\n"),
+                HasSubstr("1|quoted; text|3\" x\n"));
 }
 
 TEST_F(Materials, LettersThatADeviceHasntAreRefused) {

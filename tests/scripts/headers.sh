@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # headers.sh SOURCE_DIR CC CXX: every public header compiles by itself as C11 and as C++20, without a warning, and none
-# hides a header of the system.
+# hides a header of the system. The application that the README shows is good in both languages too.
 set -euo pipefail
 cd "$1"
 fail=0
@@ -11,5 +11,8 @@ for header in mclib.h host/mdl/*.h $(grep -lE 'MCLIB_EXPORT' ./*/*.h); do
     if echo "#include <${header##*/}>" | $2 -fsyntax-only -x c - 2>/dev/null; then
         echo "$header has the name of a header of the system"; fail=1
     fi
+done
+for language in "$2 -std=c11" "$3 -std=c++20 -x c++"; do
+    $language -I. -Wall -Wextra -pedantic -Wno-missing-field-initializers -Werror -fsyntax-only apps/hello/hello.c || { echo "hello.c: $language"; fail=1; }
 done
 exit $fail
