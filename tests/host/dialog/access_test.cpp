@@ -8,6 +8,7 @@
 
 #include "host/dialog/access.h"
 #include "host/dialog/number_format.h"
+#include "host/mdl/system.h"
 #include "tests/support/session_fixture.h"
 
 namespace {
