@@ -11,6 +11,8 @@ constexpr const char* noMemory = "There is not enough memory. Close other progra
 
 // Tells an error that no caller asked about: one line in the message centre, or on standard error without a session.
 void reportError(const char* what) noexcept;
+// The same for what is being caught and is no std::exception: its type is told.
+void reportUnknownError() noexcept;
 
 // The session's run can't end well any more: something was left out for want of memory.
 void noteMemoryRanOut() noexcept;
@@ -26,7 +28,7 @@ Result guarded(Result failed, Body&& body) noexcept {
     } catch (const std::exception& e) {
         reportError(e.what());
     } catch (...) {
-        reportError("unknown error");
+        reportUnknownError();
     }
     return failed;
 }

@@ -1,9 +1,12 @@
 // Console, message fields and message centre: narrow text from the applications, UTF-8 to the front end.
+#include <cxxabi.h>
 #include <locale.h>
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
+#include <typeinfo>
 
 #include "host/mdl/resource.h"
 #include "host/mdl/system.h"
@@ -62,6 +65,17 @@ void reportError(const char* what) noexcept {
     } catch (...) {
         std::fputs("error while an error was told\n", stderr);
     }
+}
+
+void reportUnknownError() noexcept {
+    const std::type_info* const type = abi::__cxa_current_exception_type();
+    int status = 0;
+    char* const name = type == nullptr ? nullptr : abi::__cxa_demangle(type->name(), nullptr, nullptr, &status);
+    char text[256];
+    std::snprintf(text, sizeof text, "A value of the type %s was thrown, and nobody in the application caught it",
+                  name == nullptr ? "that nobody knows" : name);
+    std::free(name);
+    reportError(text);
 }
 
 }  // namespace host

@@ -37,9 +37,9 @@ class HOST_EXPORT Session {
     static Session* current();  // null when there is none
 
     // Starts an application that lies in this process: gives it a descriptor and a process number and runs `main` with
-    // argv[0] = argv0 (the task name when empty), argv[1] = listName and the further arguments. Null when the
-    // application has ended by the time that `main` is over. What `main` returns goes to exitStatus; the application
-    // stays.
+    // argv[0] = argv0 (the task name when empty), argv[1] = listName and the further arguments. The descriptor, also
+    // when the application has ended itself by the time that `main` is over. What `main` returns goes to exitStatus;
+    // the application stays.
     MdlDesc* startApplication(std::string_view taskName, MainFunction main, std::string_view listName = "USER",
                               const std::vector<std::string>& arguments = {}, std::string_view argv0 = {});
     // Loads a shared object and starts its `main`, with the object's full path as argv[0]. Null, with one line in the

@@ -115,9 +115,12 @@ TEST_F(Applications, TheTurnComesBackWhenACallThrows) {
         void (*const fails)() = [] { throw std::runtime_error("the disk is wet"); };
         EXPECT_EQ(dlmSystem_callAnyFunction("", application("inner"), reinterpret_cast<void*>(fails)), MDL_ERROR);
         EXPECT_EQ(mdlSystem_getCurrMdlDesc(), application("outer"));
+        void (*const throwsNumber)() = [] { throw 7; };
+        dlmSystem_callAnyFunction("", nullptr, reinterpret_cast<void*>(throwsNumber));
     });
     EXPECT_EQ(mdlSystem_getCurrMdlDesc(), nullptr);
-    ASSERT_EQ(front().messages.size(), 1u);
+    ASSERT_EQ(front().messages.size(), 2u);
+    EXPECT_EQ(front().messages[1].brief, "A value of the type int was thrown, and nobody in the application caught it");
     EXPECT_EQ(front().messages[0].brief, "the disk is wet");
 }
 
