@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/dialog/dialog.h"
+#include "host/export.h"
 #include "host/front/line_editor.h"
 
 namespace host {
@@ -30,6 +31,6 @@ size_t endingButtons(const Dialog& dialog);
 // What can be answered, line by line, each ended.
 std::string helpOn(const Dialog& dialog);
 // The labels and words that begin as was typed (UTF-8).
-Completion completeAnswer(const Dialog& dialog, std::string_view typed);
+HOST_EXPORT Completion completeAnswer(const Dialog& dialog, std::string_view typed);
 
 }  // namespace host

@@ -62,29 +62,11 @@ std::string valueOf(const char* access) {
 
 // ---- the table ----
 
-struct Ring {
-    std::vector<MdlDesc*> descs;
-    std::vector<std::string> onTheWayIn, onTheWayBack;
-} ring;
-
-void goRound(int32_t index) {
-    ring.onTheWayIn.push_back(mclibMain_getApplicationName());
-    const auto next = static_cast<size_t>(index) + 1;
-    if (next < ring.descs.size())
-        dlmSystem_callAnyFunction("I", ring.descs[next], reinterpret_cast<void*>(goRound), index + 1);
-    ring.onTheWayBack.push_back(mclibMain_getApplicationName());
-}
-
 TEST_F(Frame, Runs49ApplicationsSideBySideAndRefusesTheNext) {
-    ring = {};
-    ring.descs = startMany(mostApplications);
-    dlmSystem_callAnyFunction("I", ring.descs[0], reinterpret_cast<void*>(goRound), 0);
-    std::vector<std::string> names;
-    for (int i = 0; i < mostApplications; ++i) names.push_back("app" + std::to_string(i));
-    EXPECT_EQ(ring.onTheWayIn, names);
-    EXPECT_EQ(ring.onTheWayBack, std::vector<std::string>(names.rbegin(), names.rend()));
+    const std::vector<MdlDesc*> descs = startMany(mostApplications);
+    for (size_t i = 0; i < descs.size(); ++i) EXPECT_EQ(nameOf(descs[i]), "app" + std::to_string(i));
     std::set<GlobalData*> blocks;
-    for (MdlDesc* desc : ring.descs) blocks.insert(blockOf(desc));
+    for (MdlDesc* desc : descs) blocks.insert(blockOf(desc));
     EXPECT_EQ(blocks.size(), static_cast<size_t>(mostApplications));
 
     front().clear();
@@ -92,7 +74,7 @@ TEST_F(Frame, Runs49ApplicationsSideBySideAndRefusesTheNext) {
     EXPECT_EQ(lastStatus, MCLIB_ERROR);
     EXPECT_EQ(front().consoleText, "Error in mclib_InitGlobalData\n");
     EXPECT_EQ(nameOf(one_too_many), "");
-    EXPECT_EQ(nameOf(ring.descs[mostApplications - 1]), "app48");
+    EXPECT_EQ(nameOf(descs[mostApplications - 1]), "app48");
 }
 
 TEST_F(Frame, UsesSlotsOfEndedApplicationsAgain) {

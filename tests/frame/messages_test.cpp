@@ -83,37 +83,6 @@ class Boxes : public Messages {
     host::ApplicationScope scope_;
 };
 
-TEST_F(Boxes, TakeTitleAndButtonsFromTheLowestFlagOfEachGroup) {
-    using Buttons = std::vector<std::string>;
-    struct Case {
-        int flags;
-        const char* title;
-        Buttons buttons;
-    };
-    const Case cases[] = {
-        {0, "Roads", {"OK"}},
-        {17, "Roads", {"OK"}},
-        {7, "Roads", {"OK"}},
-        {66, "Roads: warning", {"Continue"}},
-        {68, "Roads: note", {"Continue"}},
-        {145, "Roads", {"OK", "Cancel"}},
-        {152, "Roads: question", {"OK", "Cancel"}},
-        {296, "Roads: question", {"Yes", "No"}},
-        {577, "Roads", {"Continue", "End"}},
-        {0x3F0 | 12, "Roads: note", {"OK", "Cancel"}},
-    };
-    for (const Case& c : cases) {
-        shown.clear();
-        EXPECT_EQ(mclibError_msgBoxPrintf(c.flags, "text"), MSGBOX_FIRST);
-        ASSERT_EQ(shown.size(), 1u);
-        EXPECT_EQ(shown[0].id, 20011);
-        EXPECT_EQ(shown[0].title, c.title) << c.flags;
-        EXPECT_EQ(shown[0].buttons, c.buttons) << c.flags;
-    }
-    answerWith(BUTTON_SECOND);
-    EXPECT_EQ(mclibError_msgBoxPrintf(145, "text"), MSGBOX_SECOND);
-}
-
 TEST_F(Boxes, ShowTheLinesOfTheirTextWithoutEmptyOnes) {
     mclibError_msgBoxPrintf(17, "\na%d\n\nb %s\n", 1, "x");
     mclibError_msgBoxPrintf(17, "\n\n");
@@ -163,19 +132,6 @@ TEST_F(Boxes, OnALongLineNameItsFileAndPlace) {
     EXPECT_NE(shown[0].lines[0].find("20"), std::string::npos);
     EXPECT_EQ(shown[0].lines[1], path("in.txt") + ", line 2");
     EXPECT_EQ(mclibFile_close(file), 0);
-}
-
-TEST_F(Boxes, MayOpenOverEachOther) {
-    int depth = 0;
-    front().answer = [&](host::Dialog& dialog) {
-        if (depth++ == 0) {
-            EXPECT_EQ(mclibError_msgBoxPrintf(296, "inner"), MSGBOX_SECOND);
-            lookAt(dialog);  // drawn again with what is left: nothing of the inner box, whose text is gone
-            return pressButton(dialog, BUTTON_FIRST);
-        }
-        return pressButton(dialog, BUTTON_SECOND);
-    };
-    EXPECT_EQ(mclibError_msgBoxPrintf(145, "outer"), MSGBOX_FIRST);
 }
 
 TEST_F(Boxes, HaveTitlesThatBelongToTheApplication) {

@@ -54,7 +54,23 @@ WriteProtection::~WriteProtection() {
     setRights(file_, 0644, 0755);
 }
 
+namespace {
+
+// What the one who runs the tests has set for the system is no part of a test.
+void dropOwnVariables() {
+    std::vector<std::string> names;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string_view text = *entry;
+        if (text.starts_with("MC_") || text.starts_with("MS_") || text.starts_with("_USTN_"))
+            names.emplace_back(text.substr(0, text.find('=')));
+    }
+    for (const std::string& name : names) unsetenv(name.c_str());
+}
+
+}  // namespace
+
 SessionTest::SessionTest(std::vector<std::pair<std::string, std::string>> variables) : folder_(newFolder()) {
+    dropOwnVariables();
     std::filesystem::create_directory(folder_ / "drive_c");
     auto front = std::make_unique<RecordingFrontEnd>();
     front_ = front.get();

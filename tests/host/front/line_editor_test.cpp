@@ -85,6 +85,7 @@ TEST(LineEditor, EnterIsDoneAndControlKeysGiveUp) {
     LineEdit line(help);
     EXPECT_EQ(line.key(4), LineEdit::State::givenUp);
     EXPECT_EQ(line.key(3), LineEdit::State::interrupted);
+    EXPECT_EQ(line.key(26), LineEdit::State::suspended);
     line.key('a');
     EXPECT_EQ(line.key(4), LineEdit::State::typing) << "something stands in the line";
     EXPECT_EQ(line.key('\r'), LineEdit::State::done);

@@ -10,6 +10,7 @@
 
 #include "host/command/command.h"
 #include "host/dialog/dialog.h"
+#include "host/front/dialog_words.h"
 #include "host/front/line_editor.h"
 #include "host/mdl/dialog.h"
 #include "host/mdl/file_dialogs.h"
@@ -237,6 +238,20 @@ TEST_F(Terminal, HelpListsWhatCanBeDone) {
                                  "  an empty line: Print\n"));
     EXPECT_THAT(shown, HasSubstr("turns a switch: Name, Device, Frame, Rows, Margin\n  close: closes this window\n"));
     EXPECT_THAT(shown, HasSubstr("  picture FILE.png: makes a picture of this window\n  show: "));
+}
+
+TEST_F(Terminal, TabCompletesLabelsAndWords) {
+    inSession([] {
+        mdlDialog_open(0, FORM);
+        const std::shared_ptr<host::Dialog> form = host::openDialogs()[0];
+        const auto complete = [&](const char* typed) { return host::completeAnswer(*form, typed).text; };
+        EXPECT_EQ(complete("P"), "Pr");
+        EXPECT_THAT(host::completeAnswer(*form, "pr").choices, testing::ElementsAre("Print", "Preview"));
+        EXPECT_EQ(complete("pri"), "Print");
+        EXPECT_EQ(complete("na"), "Name=");
+        EXPECT_EQ(complete("cl"), "close");
+        EXPECT_EQ(complete("none"), "none");
+    });
 }
 
 TEST_F(Terminal, ItemsKeepTheirNumbersWhileOthersAreHidden) {

@@ -113,6 +113,7 @@ TEST_F(Timers, GoWithTheirApplicationAndMaySetThemselvesAgain) {
     asApplication("stays", [] { setTimer("again", 1); });
     session().advanceTicks(100);
     EXPECT_EQ(fired.size(), 5u);
+    for (const std::string& timer : fired) EXPECT_EQ(timer.find("never"), timer.npos);
     int32_t id = 0;
     EXPECT_EQ(mdlSystem_setTimerFunction(&id, 1, reinterpret_cast<void*>(ring)), MDL_ERROR) << "nobody's turn";
 }
