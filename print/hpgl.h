@@ -1,9 +1,9 @@
 /* The HP-GL driver: lines and texts for a pen plotter, all with one pen.
  *
  * Lengths are millimetres on the paper, x right, y up, from the sheet's lower left corner; angles are degrees, counter-
- * clockwise. ASCII and six Norwegian letters are shown, those in the places of [ \ ] { | }; a line on the console
- * at the end of the job names others. The print front end turns its picture by a quarter turn for this device. One job at a time; what is drawn
- * without an open job does nothing. No application is needed. */
+ * clockwise. ASCII and six Norwegian letters are shown, those in the places of [ \ ] { | }; a line on the console at the
+ * end of the job names others. The print front end turns its picture by a quarter turn for this device. One job at a time;
+ * what is drawn without an open job does nothing. No application is needed. */
 #ifndef MCLIB_PRINT_HPGL_H
 #define MCLIB_PRINT_HPGL_H
 

@@ -2,8 +2,8 @@
  *
  * Lengths are millimetres on the paper, x right, y up, from the sheet's lower left corner; angles are degrees, counter-
  * clockwise. Texts go to the file as they are, byte for byte, and are shown in ISO 8859-1; a line on the console at the
- * end of the job names letters that aren't there. The page is always an A4 one, whatever its page code. One
- * job at a time; what is drawn without an open job does nothing. No application is needed. */
+ * end of the job names letters that aren't there. The page is always an A4 one, whatever its page code. One job at
+ * a time; what is drawn without an open job does nothing. No application is needed. */
 #ifndef MCLIB_PRINT_PCL_H
 #define MCLIB_PRINT_PCL_H
 
