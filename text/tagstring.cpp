@@ -212,8 +212,12 @@ bool Evaluation::text(View expression, Text& built) {
         rest = afterSkipping(rest, " +");
         good = element(rest, built);
     }
-    built.cut(MCLIB_TAG_RESULT_LENGTH);
     leave();
+    if (depth == 0 && built.view().size() > MCLIB_TAG_RESULT_LENGTH) {
+        toolSubsystem_printf("The text of \"%.*s\" is cut at %d characters!\n", VIEW_ARGS(expression),
+                             MCLIB_TAG_RESULT_LENGTH);
+    }
+    built.cut(MCLIB_TAG_RESULT_LENGTH);
     return good;
 }
 

@@ -297,6 +297,7 @@ TEST(FiiReader, OpeningRefusesWhatItCantDo) {
     const std::string path = files.write("fii.txt", "a;b\n");
     McFii fii;
     EXPECT_EQ(mclibFii_open(nullptr, path.c_str(), "r"), MCLIB_ERROR);
+    EXPECT_EQ(mclibFii_open(&fii, nullptr, "r"), MCLIB_ERROR);
     EXPECT_EQ(mclibFii_openExtended(&fii, path.c_str(), "r", "\\", "#", 512, 1024, "abcdefghijklmnopqrstuvwxyz!"),
               MCLIB_ERROR);
     mclibFii_close(&fii);

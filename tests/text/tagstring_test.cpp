@@ -194,6 +194,9 @@ TEST_F(TagString, WhatIsNotClosedFails) {
 TEST_F(TagString, TextsAreCutAtTheirLimits) {
     setValue("NAME", std::string(2000, 'n'));
     EXPECT_EQ(expand("NAME"), std::string(511, 'n'));
+    EXPECT_EQ(console, "The text of \"NAME\" is cut at 511 characters!\n");
+    EXPECT_EQ(expand("substr(NAME,0,2)"), "nn");
+    EXPECT_EQ(console, "");
     EXPECT_EQ(expand("substr(NAME,510,600)+NR"), "n7");
     EXPECT_EQ(expand("extstr(NR,2000000000,'0',start)"), std::string(511, '0'));
     std::memset(tags[0].value, 'v', sizeof tags[0].value);
