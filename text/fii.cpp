@@ -1,9 +1,6 @@
 #include "text/fii.h"
 
 #include <algorithm>
-#include <bit>
-#include <charconv>
-#include <cmath>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -15,13 +12,13 @@
 #include "frame/letters.h"
 #include "host/mdl/system.h"
 #include "text/char_set.h"
+#include "text/decimal.h"
 
 namespace {
 
 constexpr int defaultFileBufferSize = 512;
 constexpr int defaultLineSize = 1024;
 constexpr const char* defaultSeparators = " \n\t";
-constexpr CharSet blanks(" \t\n\v\f\r");
 constexpr CharSet wholeCharacters("0123456789-+");
 constexpr CharSet numberCharacters("0123456789.eE-+");
 
@@ -85,133 +82,7 @@ void skipUnlessPacked(McFii& f) {
     if (!f.pack) skipSeparators(f);
 }
 
-// ---- numbers: strtol and strtod without locale, hexadecimal, infinite and undefined values ----
-
-struct Digits {
-    const char *begin, *end;  // begin: after blanks and a plus sign
-};
-
-// Where from_chars can start; nothing when no number does.
-std::optional<Digits> digitsOf(std::string_view text) {
-    const char *p = text.data(), *end = p + text.size();
-    while (p != end && blanks.has(*p)) ++p;
-    if (p != end && *p == '+') {
-        ++p;
-        if (p != end && *p == '-') return {};
-    }
-    const char* first = p != end && *p == '-' ? p + 1 : p;
-    if (first == end || !(('0' <= *first && *first <= '9') || *first == '.')) return {};
-    return Digits{p, end};
-}
-
-// A number at the start of a text, and how it ended.
-template <typename T>
-struct Parsed {
-    T value = 0;
-    const char* end = nullptr;  // null: no number
-    bool inRange = true;
-};
-
-template <typename T>
-Parsed<T> parseNumber(std::string_view text) {
-    Parsed<T> parsed;
-    const std::optional<Digits> digits = digitsOf(text);
-    if (!digits) return parsed;
-    const auto [end, error] = std::from_chars(digits->begin, digits->end, parsed.value);
-    if (error == std::errc::invalid_argument) return parsed;
-    parsed.end = end;
-    parsed.inRange = error == std::errc();
-    return parsed;
-}
-
-// The run of digits at p, at most 8 of them, read in one step; 8 bytes must be readable. Each step of the sum brings
-// together two neighbours, the first of which stands in the lower bits.
-struct DigitRun {
-    uint64_t value;
-    int count;
-};
-
-DigitRun digitRun(const char* p) {
-    uint64_t v;
-    std::memcpy(&v, p, sizeof v);
-    if constexpr (std::endian::native == std::endian::big) v = __builtin_bswap64(v);
-    v ^= 0x3030303030303030;  // digits become 0 to 9
-    const uint64_t others = ((v + 0x7676767676767676) | v) & 0x8080808080808080;
-    const int count = others ? std::countr_zero(others) / 8 : 8;
-    if (count == 0) return {0, 0};
-    v <<= 64 - 8 * count;
-    v = (v * 10 + (v >> 8)) & 0x00FF00FF00FF00FF;
-    v = (v * 100 + (v >> 16)) & 0x0000FFFF0000FFFF;
-    v = (v * 10000 + (v >> 32)) & 0xFFFFFFFF;
-    return {v, count};
-}
-
-constexpr uint64_t wholePowersOfTen[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
-constexpr double signs[] = {1.0, -1.0};
-constexpr double powersOfTen[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
-
-// A plain decimal: a sign, up to 15 digits, at most 8 of them behind a point. Digits and power of ten are exact doubles
-// then, so that one division rounds the value as strtod does.
-struct Decimal {
-    int64_t digits = 0;
-    int places = 0;
-    bool negative = false, point = false;
-    bool plain = false;  // nothing else stands in the text
-
-    // The text lies in a reader's line.
-    explicit Decimal(std::string_view text) {
-        const char *p = text.data(), *end = p + text.size();
-        if (text.size() > 17) return;
-        const bool sign = *p == '-' || *p == '+';
-        negative = *p == '-';
-        p += sign;
-        DigitRun run = digitRun(p);
-        p += run.count;
-        uint64_t value = run.value;
-        if (run.count == 8) {
-            run = digitRun(p);
-            p += run.count;
-            value = value * wholePowersOfTen[run.count] + run.value;
-        }
-        if (*p == '.') {
-            point = true;
-            run = digitRun(p + 1);
-            p += 1 + run.count;
-            value = value * wholePowersOfTen[run.count] + run.value;
-            places = run.count;
-        }
-        const auto count = p - text.data() - point - sign;
-        plain = p == end && count > 0 && count <= 15;
-        digits = static_cast<int64_t>(value);
-    }
-};
-
-// The value of a token that is a number entirely; 0 for an empty one.
-std::optional<int32_t> wholeNumber(std::string_view token) {
-    if (token.empty()) return 0;
-    const Decimal decimal(token);
-    if (decimal.plain && !decimal.point && decimal.digits <= std::numeric_limits<int32_t>::max())
-        return static_cast<int32_t>(decimal.negative ? -decimal.digits : decimal.digits);
-    const Parsed<int32_t> parsed = parseNumber<int32_t>(token);
-    if (parsed.end != token.data() + token.size() || !parsed.inRange) return {};
-    return parsed.value;
-}
-
-std::optional<double> number(std::string_view token) {
-    if (token.empty()) return 0.0;
-    const Decimal decimal(token);
-    if (decimal.plain) {
-        const double value = static_cast<double>(decimal.digits) / powersOfTen[decimal.places];
-        return std::copysign(value, signs[decimal.negative]);
-    }
-    const Parsed<double> parsed = parseNumber<double>(token);
-    if (parsed.end != token.data() + token.size() || std::isinf(parsed.value)) return {};
-    if (parsed.inRange) return parsed.value;
-    const size_t exponent = token.find_first_of("eE");
-    const bool tooSmall = exponent != token.npos && token[exponent + 1] == '-';
-    if (!tooSmall) return {};
-    return std::copysign(0.0, token.find('-') < token.find_first_of("0123456789.") ? -1.0 : 1.0);
-}
+// ---- numbers ----
 
 template <typename T>
 int takeNumber(McFii& f, const char* delimiters, std::optional<T> (*parse)(std::string_view), T& value, int32_t error) {
@@ -227,18 +98,18 @@ int takeNumber(McFii& f, const char* delimiters, std::optional<T> (*parse)(std::
 
 // The text at p in which a number can lie: leading blanks, then a run of its characters.
 std::string_view numberAt(const char* p, const CharSet& characters) {
-    return {p, static_cast<size_t>(characters.past(blanks.past(p)) - p)};
+    return {p, static_cast<size_t>(characters.past(decimal::blanks.past(p)) - p)};
 }
 
 double takeDouble(McFii& f) {
-    const double value = parseNumber<double>(numberAt(f.position, numberCharacters)).value;
+    const double value = decimal::parseNumber<double>(numberAt(f.position, numberCharacters)).value;
     f.position = numberCharacters.past(f.position);
     return value;
 }
 
 int32_t takeWhole(McFii& f) {
-    const Parsed<int32_t> parsed = parseNumber<int32_t>(numberAt(f.position, wholeCharacters));
-    const bool negative = *blanks.past(f.position) == '-';
+    const decimal::Parsed<int32_t> parsed = decimal::parseNumber<int32_t>(numberAt(f.position, wholeCharacters));
+    const bool negative = *decimal::blanks.past(f.position) == '-';
     f.position = wholeCharacters.past(f.position);
     if (parsed.inRange) return parsed.value;
     return negative ? std::numeric_limits<int32_t>::min() : std::numeric_limits<int32_t>::max();
@@ -367,11 +238,11 @@ int mclibFii_eof(const McFii* f) {
 // ---- numbers ----
 
 int mclibFii_isLong(McFii* f, const char* delimiters) {
-    return takeNumber(*f, delimiters, wholeNumber, f->longValue, FII_NOT_WHOLE);
+    return takeNumber(*f, delimiters, decimal::wholeNumber, f->longValue, FII_NOT_WHOLE);
 }
 
 int mclibFii_isDouble(McFii* f, const char* delimiters) {
-    return takeNumber(*f, delimiters, number, f->doubleValue, FII_NOT_NUMBER);
+    return takeNumber(*f, delimiters, decimal::number, f->doubleValue, FII_NOT_NUMBER);
 }
 
 int32_t mclibFii_getLong(const McFii* f) {

@@ -15,6 +15,7 @@
 #include "frame/letters.h"
 #include "host/mdl/system.h"
 #include "host/mdl/transform.h"
+#include "text/decimal.h"
 
 namespace {
 
@@ -206,12 +207,6 @@ void printUnknownName(const char* rest) {
     toolSubsystem_printf("Error '%s' in cmParse\n", text);
 }
 
-// The exact powers of ten: a whole number below 2^53 times or divided by one of them is rounded once, as a reader of
-// decimal numbers must (W. D. Clinger, "How to read floating point numbers accurately").
-constexpr std::array powersOfTen{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-constexpr ptrdiff_t exactDigits = 15;
-
 // Any number of the scanner's form, as atof reads it. `magnitude` is the power of ten of its first digit that counts.
 double longNumber(const char* first, const char* last, ptrdiff_t magnitude) {
     double value = 0.0;
@@ -269,11 +264,11 @@ Token Scanner::number() {
         badness = MCLIB_FORMULA_LIMIT;
         return Token::bad;
     }
-    if (digits > exactDigits || std::abs(scale) >= std::ssize(powersOfTen)) {
+    if (digits > decimal::exactDigits || std::abs(scale) >= std::ssize(decimal::powersOfTen)) {
         value = longNumber(start, at, scale + digits - 1);
     } else {
         value = static_cast<double>(mantissa);
-        value = scale < 0 ? value / powersOfTen[-scale] : value * powersOfTen[scale];
+        value = scale < 0 ? value / decimal::powersOfTen[-scale] : value * decimal::powersOfTen[scale];
     }
     return Token::number;
 }
