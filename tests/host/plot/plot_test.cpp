@@ -305,7 +305,7 @@ TEST_F(PrinterTest, TheUserChoosesThePrinter) {
     EXPECT_EQ(answer, 2);
     char name[MDL_PLOT_TEXT_BYTES];
     EXPECT_EQ(mdlPlotDesc_getSysPrinter(name, plot.get()), MDL_SUCCESS);
-    EXPECT_STREQ(name, "narrow");
+    EXPECT_STREQ(name, "\\\\office\\narrow");
     front().answer = nullptr;
     EXPECT_EQ(mdlPlotter_showSystemPrintdlg(&answer, plotter, 4, 1), MDL_ERROR) << "nobody answers";
 }
