@@ -434,8 +434,8 @@ TEST_F(Alignment, WhatCantBeWrittenIsToldAndLosesNothing) {
                 HasSubstr("/nonexistent: the folder can't be written"));
     // Blocks of 512 bytes that a file may have: too few for the design file, then for the picture.
     for (const char* blocks : {"8", "250"}) {
-        const Outcome run = shell("trap '' XFSZ; ulimit -f " + std::string(blocks) + "; '" + mchost +
-                                  "' alignment road.txt --overwrite");
+        const Outcome run =
+            shell("ulimit -f " + std::string(blocks) + "; '" + mchost + "' alignment road.txt --overwrite");
         EXPECT_EQ(run.status, 1) << blocks << run.output;
         EXPECT_THAT(run.output, HasSubstr("can't be")) << blocks;
         EXPECT_TRUE(read("road.mcd") == "mine") << blocks;
