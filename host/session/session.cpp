@@ -7,6 +7,7 @@
 #include "host/dialog/dialog.h"
 #include "host/front/dialog_text.h"
 #include "host/mdl/model.h"
+#include "host/mdl/system.h"
 #include "host/session/applications.h"
 #include "host/session/guard.h"
 #include "host/session/state.h"
