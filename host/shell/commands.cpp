@@ -213,7 +213,9 @@ class JoinedFile {
         complete_ = complete_ && to.flush().good();
     }
     ~JoinedFile() {
-        if (!folder_.empty()) removeFolder(folder_.c_str());
+        if (folder_.empty()) return;
+        unlink(path_.c_str());
+        removeFolder(folder_.c_str());
     }
     JoinedFile(const JoinedFile&) = delete;
     JoinedFile& operator=(const JoinedFile&) = delete;

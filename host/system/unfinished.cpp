@@ -101,12 +101,11 @@ SignalsHeld::~SignalsHeld() {
     pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-void removeFolder(const char* path) {
-    const int folder = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (folder < 0) return;
-    while (removeEntries(folder) > 0) {
+void removeFolder(const char* path, int folder) {
+    const int opened = folder >= 0 ? -1 : open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    while (removeEntries(folder >= 0 ? folder : opened) > 0) {
     }
-    close(folder);
+    if (opened >= 0) close(opened);
     rmdir(path);
 }
 

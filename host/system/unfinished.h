@@ -33,8 +33,9 @@ class SignalsHeld {
     sigset_t before_;
 };
 
-// Removes a folder with the files in it. May be called by a signal handler.
-void removeFolder(const char* path);
+// Removes a folder with the files in it; `folder` is a descriptor of it where there is one. May be called by a signal
+// handler.
+void removeFolder(const char* path, int folder = -1);
 
 // Removes all that is unfinished, before the process ends at once.
 void removeUnfinished() noexcept;

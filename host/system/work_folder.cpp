@@ -81,7 +81,7 @@ bool WorkFolder::make(const std::string& pattern) {
 }
 
 WorkFolder::~WorkFolder() {
-    if (!path_.empty()) removeFolder(path_.c_str());
+    if (!path_.empty()) removeFolder(path_.c_str(), lock_);
     if (lock_ >= 0) close(lock_);
 }
 
