@@ -1,76 +1,102 @@
 #include "tests/faults/judge.h"
 
 #include <sqlite3.h>
+#include <stdlib.h>
 
 #include <csignal>
 #include <fstream>
 #include <iterator>
-#include <memory>
 
 namespace fs = std::filesystem;
 
 namespace {
 
-bool isDatabase(const std::string& bytes) {
-    return bytes.starts_with("SQLite format 3");
-}
-
-// All that is in a database, as text; nothing for a damaged one.
-std::string contentOf(const std::string& bytes) {
-    sqlite3* opened = nullptr;
-    sqlite3_open(":memory:", &opened);
-    const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> database(opened, sqlite3_close);
-    auto* copy = static_cast<unsigned char*>(sqlite3_malloc64(bytes.size()));
-    std::copy(bytes.begin(), bytes.end(), copy);
-    if (bytes.size() > 19) copy[18] = copy[19] = 1;  // a file in memory has no log
-    const auto size = static_cast<sqlite3_int64>(bytes.size());
-    sqlite3_deserialize(opened, "main", copy, size, size, SQLITE_DESERIALIZE_FREEONCLOSE);
-    std::string text;
-    const auto add = [](void* to, int columns, char** values, char**) {
-        for (int i = 0; i < columns; ++i)
-            *static_cast<std::string*>(to) += std::string(values[i] ? values[i] : "-") + "|";
-        *static_cast<std::string*>(to) += "\n";
-        return 0;
-    };
-    sqlite3_exec(opened, "PRAGMA integrity_check", add, &text, nullptr);
-    if (text != "ok|\n") return {};
-    std::string tables;
-    sqlite3_exec(opened,
-                 "SELECT group_concat('SELECT * FROM \"' || name || '\"', ';') FROM sqlite_master "
-                 "WHERE type = 'table'",
-                 add, &tables, nullptr);
-    if (tables.size() > 2) sqlite3_exec(opened, tables.substr(0, tables.size() - 2).c_str(), add, &text, nullptr);
-    return text;
-}
-
-bool isSame(const std::string& a, const std::string& b) {
-    if (a == b) return true;
-    if (!isDatabase(a) || !isDatabase(b)) return false;
-    const std::string content = contentOf(a);
-    return !content.empty() && content == contentOf(b);
-}
+constexpr const char* companions[] = {"-wal", "-shm", "-journal"};
 
 const std::string* in(const Files& files, const std::string& name) {
     const auto found = files.find(name);
     return found == files.end() ? nullptr : &found->second;
 }
 
-// What isn't there counts as an empty text here, and as the same as nothing else.
-std::string compareGood(const Files& good, const Files& left) {
-    for (const auto& [name, bytes] : good) {
-        const std::string* found = in(left, name);
-        if (!found) return "status 0, and " + name + " is missing";
-        if (!isSame(*found, bytes)) return "status 0, and " + name + " is another one";
-    }
+// What a database of `files` keeps beside it is a part of it.
+bool isCompanion(const std::string& name, const Files& files) {
+    for (const char* ending : companions)
+        if (name.ends_with(ending) && in(files, name.substr(0, name.rfind('-')))) return true;
+    return false;
+}
+
+int addRow(void* text, int columns, char** values, char**) {
+    for (int i = 0; i < columns; ++i) *static_cast<std::string*>(text) += values[i] ? values[i] : "-";
+    *static_cast<std::string*>(text) += "\n";
+    return 0;
+}
+
+// All rows of all tables as text; nothing for a damaged database.
+std::string rowsIn(const fs::path& path) {
+    sqlite3* database = nullptr;
+    std::string check, selects, rows;
+    sqlite3_open(path.c_str(), &database);
+    sqlite3_exec(database, "PRAGMA integrity_check", addRow, &check, nullptr);
+    sqlite3_exec(
+        database,
+        "SELECT 'SELECT ' || group_concat('quote(\"' || c.name || '\")', '||'',''||') || ' FROM \"' || t.name || "
+        "'\" ORDER BY 1;' FROM sqlite_master t, pragma_table_info(t.name) c WHERE t.type = 'table' "
+        "GROUP BY t.name ORDER BY t.name",
+        addRow, &selects, nullptr);
+    sqlite3_exec(database, selects.c_str(), addRow, &rows, nullptr);
+    sqlite3_close(database);
+    return check == "ok\n" ? selects + rows : std::string();
+}
+
+// The same for a database among files, with its log.
+std::string contentOf(const Files& files, const std::string& name) {
+    std::string pattern = (fs::temp_directory_path() / "mcjudge.XXXXXX").string();
+    const fs::path folder = mkdtemp(pattern.data()), copy = folder / "copy";
+    std::ofstream(copy, std::ios::binary) << files.at(name);
+    for (const char* companion : companions)
+        if (const std::string* log = in(files, name + companion))
+            std::ofstream(copy.string() + companion, std::ios::binary) << *log;
+    const std::string content = rowsIn(copy);
+    fs::remove_all(folder);
+    return content;
+}
+
+// Whether a file that both have is the same in them.
+bool isSame(const Files& a, const Files& b, const std::string& name) {
+    if (!in(a, name) || !in(b, name)) return false;
+    if (a.at(name) == b.at(name)) return true;
+    if (!a.at(name).starts_with("SQLite format 3")) return false;
+    const std::string content = contentOf(a, name);
+    return !content.empty() && content == contentOf(b, name);
+}
+
+// The user's preferences are kept beside the work: when they can't be, that is told, and the work is done.
+bool isPreference(const std::string& name) {
+    return name.starts_with("home/");
+}
+
+std::string leftOver(const Files& before, const Files& good, const Files& left) {
+    for (const auto& [name, bytes] : left)
+        if (!in(good, name) && !in(before, name) && !isCompanion(name, before) && !isCompanion(name, good))
+            return name + " is left over";
     return {};
 }
 
-std::string compareFailed(const Files& before, const Files& good, const Files& left) {
-    for (const auto& [name, bytes] : before) {
-        const std::string* found = in(left, name);
-        const std::string* made = in(good, name);
-        if (!found) return name + " is lost";
-        if (!isSame(*found, bytes) && !(made && isSame(*found, *made))) return name + " is damaged";
+std::string damageIn(const Files& before, const Files& good, const Files& left) {
+    for (const auto& [name, bytes] : before)
+        if (!in(left, name) && !isCompanion(name, before)) return name + " is lost";
+    for (const auto& [name, bytes] : left)
+        if (!isCompanion(name, left) && !isSame(left, before, name) && !isSame(left, good, name))
+            return name + " is damaged";
+    return {};
+}
+
+std::string lackIn(const Result& result, const Files& before, const Files& good, const Files& left) {
+    for (const auto& [name, bytes] : good) {
+        if (isSame(left, good, name) || isCompanion(name, good)) continue;
+        const bool asBefore = isSame(left, before, name) || (!in(left, name) && !in(before, name));
+        if (!isPreference(name) || !asBefore || result.messages.empty())
+            return "status 0, and " + name + (in(left, name) ? " is another one" : " is missing");
     }
     return {};
 }
@@ -92,12 +118,8 @@ std::string faultIn(const Result& result, const Fault& fault, const Files& befor
     if (result.status == -1) return "it doesn't end";
     const bool asked = fault.mode == "term" && result.status == 128 + SIGTERM;
     if (result.status > 1 && !asked) return "status " + std::to_string(result.status);
-    for (const auto& [name, bytes] : left) {
-        const std::string* made = in(good, name);
-        if (!made && !in(before, name)) return name + " is left over";
-        if (made && !in(before, name) && !isSame(bytes, *made)) return name + " is no whole file";
-    }
-    if (result.status == 0) return compareGood(good, left);
-    if (!asked && result.messages.empty()) return "status 1 without a message";
-    return compareFailed(before, good, left);
+    if (result.status == 1 && result.messages.empty()) return "status 1 without a message";
+    if (std::string what = leftOver(before, good, left); !what.empty()) return what;
+    if (std::string what = damageIn(before, good, left); !what.empty()) return what;
+    return result.status == 0 ? lackIn(result, before, good, left) : std::string();
 }

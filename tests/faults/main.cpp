@@ -59,37 +59,46 @@ class Judged {
     int judgeOne(const Case& run, const Fault& fault);
 
   private:
+    // A good run in that folder: where files tell where they lie, those of other folders are other ones.
+    Result runGood(const Case& run, const fs::path& folder, Files& good, Counts* counts) const;
     bool begin(const Case& run);
-    std::string runOnce(const Case& run, const Fault& fault, const fs::path& folder, Result& result) const;
+    std::string runOnce(const Case& run, const Fault& fault, const fs::path& folder, const Files& good,
+                        Result& result) const;
     void tell(const Case& run, const Fault& fault, const std::string& what, const Result& result);
 
     Place place_;
     fs::path folder_;
-    Files before_, good_;
+    Files before_;
     Counts counts_;
     std::mutex telling_;
 };
 
-// The good run, and what was there before it.
+Result Judged::runGood(const Case& run, const fs::path& folder, Files& good, Counts* counts) const {
+    fs::remove_all(folder);
+    fs::copy(folder_ / "template", folder, fs::copy_options::recursive);
+    Result result = runWith(run, place_, folder, {}, counts);
+    good = filesIn(folder);
+    return result;
+}
+
+// What is there before each run, and how many calls a good one makes.
 bool Judged::begin(const Case& run) {
     prepare(run, place_, folder_ / "template");
     before_ = filesIn(folder_ / "template");
-    good_.clear(), counts_.clear();
-    const fs::path folder = folder_ / "good";
-    fs::remove_all(folder);
-    fs::copy(folder_ / "template", folder, fs::copy_options::recursive);
-    const Result result = runWith(run, place_, folder, {}, &counts_);
-    good_ = filesIn(folder);
+    counts_.clear();
+    Files good;
+    const Result result = runGood(run, folder_ / "runa", good, &counts_);
     if (result.status == 0) return true;
     std::cerr << run.name << ": the good run ends with " << result.status << "\n" << result.messages;
     return false;
 }
 
-std::string Judged::runOnce(const Case& run, const Fault& fault, const fs::path& folder, Result& result) const {
+std::string Judged::runOnce(const Case& run, const Fault& fault, const fs::path& folder, const Files& good,
+                            Result& result) const {
     fs::remove_all(folder);
     fs::copy(folder_ / "template", folder, fs::copy_options::recursive);
     result = runWith(run, place_, folder, fault);
-    return faultIn(result, fault, before_, good_, filesIn(folder));
+    return faultIn(result, fault, before_, good, filesIn(folder));
 }
 
 void Judged::tell(const Case& run, const Fault& fault, const std::string& what, const Result& result) {
@@ -104,14 +113,17 @@ int Judged::judge(const Case& run, int runs) {
     std::atomic<size_t> next = 0;
     std::atomic<int> bad = 0;
     const auto work = [&](int number) {
+        const fs::path folder = folder_ / (std::string("run") + static_cast<char>('a' + number));
+        Files good;
+        runGood(run, folder, good, nullptr);
         for (size_t i = next++; i < faults.size(); i = next++) {
             Result result;
-            const std::string what = runOnce(run, faults[i], folder_ / ("run" + std::to_string(number)), result);
+            const std::string what = runOnce(run, faults[i], folder, good, result);
             if (!what.empty()) ++bad, tell(run, faults[i], what, result);
         }
     };
     std::vector<std::thread> threads;
-    for (unsigned i = 0; i < std::max(1U, std::thread::hardware_concurrency()); ++i)
+    for (unsigned i = 0; i < std::clamp(std::thread::hardware_concurrency(), 1U, 26U); ++i)
         threads.emplace_back(work, static_cast<int>(i));
     for (std::thread& thread : threads) thread.join();
     std::cout << run.name << ": " << faults.size() << " runs, " << bad << " bad" << std::endl;
@@ -121,8 +133,10 @@ int Judged::judge(const Case& run, int runs) {
 int Judged::judgeOne(const Case& run, const Fault& fault) {
     if (!begin(run)) return 1;
     Result result;
-    const std::string what = runOnce(run, fault, folder_ / "run0", result);
-    std::cout << result.messages << "status " << result.status << ", in " << (folder_ / "run0") << "\n"
+    Files good;
+    runGood(run, folder_ / "runa", good, nullptr);
+    const std::string what = runOnce(run, fault, folder_ / "runa", good, result);
+    std::cout << result.messages << "status " << result.status << ", in " << (folder_ / "runa") << "\n"
               << (what.empty() ? "as it must be" : what) << "\n";
     return what.empty() ? 0 : 1;
 }
