@@ -76,6 +76,7 @@ class Drawing {
     void text(Role role, const Point3d& at, const std::string& text, double angle, int just);
     void sheetText(Role role, double x, double y, const std::string& text, int just = leftBase);
     void readableText(Role role, const Point3d& at, const std::string& text, double angle, int just);
+    bool labelText(Role role, const Point3d& at, const std::string& text, double angle, int just);
 
     double distanceToRoad(double x, double y) const;  // on the sheet
 
@@ -85,6 +86,13 @@ class Drawing {
     bool isWhole_ = true;
     std::vector<Point3d> trace_;  // the road on the sheet, in small steps
     SheetPoint north_{};          // middle of the north arrow
+
+    // A piece of a text along the road, about as wide as it is high, in metres.
+    struct Piece {
+        double x, y, height;
+    };
+    std::vector<Piece> taken_;
+    size_t leftOut_ = 0;  // texts that would have met others
 };
 
 // ---- pieces ----
@@ -127,6 +135,28 @@ void Drawing::readableText(Role role, const Point3d& at, const std::string& word
         if (just == leftCentre) just = rightCentre;
     }
     text(role, at, words, angle, just);
+}
+
+// A readable text along the road. It is left out, which is counted, where it would meet another one.
+bool Drawing::labelText(Role role, const Point3d& at, const std::string& words, double angle, int just) {
+    double width = 0, height = 0;
+    mclibUtil_extractTextSize(words.c_str(), 1 / sheet_.scale, attributeOf(role), 0, &width, &height, nullptr, nullptr);
+    const double first = just == leftCentre ? 0 : -width / 2;
+    const int steps = height > 0 ? static_cast<int>(width / height) + 1 : 1;
+    std::vector<Piece> pieces;
+    for (int i = 0; i <= steps; ++i) {
+        const double along = first + width * i / steps;
+        pieces.push_back({at.x + along * std::cos(angle), at.y + along * std::sin(angle), height});
+    }
+    const auto isTaken = [this](const Piece& own) {
+        return std::ranges::any_of(taken_, [&](const Piece& other) {
+            return std::hypot(own.x - other.x, own.y - other.y) < (own.height + other.height) / 2;
+        });
+    };
+    if (std::ranges::any_of(pieces, isTaken)) return ++leftOut_, false;
+    taken_.insert(taken_.end(), pieces.begin(), pieces.end());
+    readableText(role, at, words, angle, just);
+    return true;
 }
 
 double Drawing::distanceToRoad(double x, double y) const {
@@ -175,16 +205,16 @@ void Drawing::label(const Element& e) {
     mclibUtil_extractTextSize(length.c_str(), 1 / sheet_.scale, attributeOf(Role::label), 0, &width, nullptr, nullptr,
                               nullptr);
     const auto write = [&](const std::string& words, double right) {
-        readableText(Role::label, beside(middle, 0, -right), words, middle.bearing, centreCentre);
+        return labelText(Role::label, beside(middle, 0, -right), words, middle.bearing, centreCentre);
     };
     if (width + 2 * sheet_.metres(labelClear) > e.length) {
-        line(Role::label, beside(middle, 0, 0), beside(middle, 0, -outerLabelAt + labelSpacing));
-        return write(kind.empty() ? length : kind, outerLabelAt);
+        if (write(kind.empty() ? length : kind, outerLabelAt))
+            line(Role::label, beside(middle, 0, 0), beside(middle, 0, -outerLabelAt + labelSpacing));
+        return;
     }
-    if (kind.empty()) return write(length, labelAt);
     const bool turned = mclibUtil_angleIn2Or3Quadrant(middle.bearing - sheet_.angle) != 0;
-    write(kind, turned ? labelAt + labelSpacing : labelAt);
-    write(length, turned ? labelAt : labelAt + labelSpacing);
+    if (!kind.empty()) write(kind, turned ? labelAt + labelSpacing : labelAt);
+    write(length, turned || kind.empty() ? labelAt : labelAt + labelSpacing);
 }
 
 // A line across the road where two elements meet, with a dot on the axis and the station at its end.
@@ -193,8 +223,8 @@ void Drawing::boundary(const Place& p) {
     note(mclibElement_createEllipseExtended(&axis, sheet_.metres(boundaryDot), 1, attributeOf(Role::boundary),
                                             page_.get()));
     line(Role::boundary, beside(p, 0, -boundaryFrom), beside(p, 0, -boundaryTo));
-    readableText(Role::boundary, beside(p, 0, -boundaryTextAt), formatted("%.2f", p.station), p.bearing - M_PI / 2,
-                 leftCentre);
+    labelText(Role::boundary, beside(p, 0, -boundaryTextAt), formatted("%.2f", p.station), p.bearing - M_PI / 2,
+              leftCentre);
 }
 
 // Ticks each 20 m, or so much farther apart that they don't merge.
@@ -208,7 +238,7 @@ void Drawing::stations() {
         const double length = isLong ? longTickLength : tickLength;
         line(Role::tick, beside(p, 0, -length), beside(p, 0, length));
         if (isLong)
-            readableText(Role::station, beside(p, 0, stationTextAt), formatted("%g", station), p.bearing, centreCentre);
+            labelText(Role::station, beside(p, 0, stationTextAt), formatted("%g", station), p.bearing, centreCentre);
     }
 }
 
@@ -344,10 +374,16 @@ bool Drawing::draw() {
     stations();
     for (const Element& e : road_.elements) {
         if (!element(e)) return false;
-        label(e);
         boundary(placeOn(e, 0));
     }
     boundary(placeOn(road_.elements.back(), road_.elements.back().length));
+    for (const Element& e : road_.elements) label(e);
+    if (leftOut_ > 0) {
+        app::warn(
+            formatted("there is no room for %zu of the texts along the road at 1:%g, so they are left out; a larger "
+                      "scale has room for more",
+                      leftOut_, road_.scale));
+    }
     return isWhole_ || fail("the drawing lacks elements that there was no memory for");
 }
 

@@ -32,7 +32,6 @@
 namespace alignment {
 
 using app::fail;
-using app::warn;
 namespace {
 
 namespace fs = std::filesystem;
@@ -86,13 +85,9 @@ bool printPage(const std::string& name, int device, ElementDescr* page, const Pa
            fail(name + ": the print file can't be written; is the disk full?");
 }
 
-constexpr double longestPclSide = 297;  // A4, whatever the sheet is
-
 // The sheet; the station list on a device that has nothing but texts.
 bool print(const std::string& name, ElementDescr* page, const Road& road, const Sheet& sheet, const Options& options) {
     const int device = options.device->number;
-    if (device == PRINT_PCL && std::max(sheet.paper.width, sheet.paper.height) > longestPclSide)
-        warn("PCL files are for A4 paper, and " + sheet.paper.name + " is cut there; use --paper A4");
     if (device != PRINT_ASCII) return printPage(name, device, page, {margin, margin, sheet.width(), sheet.height()});
     const ListPage list = stationPage(road, options.step);
     return list.page && printPage(name, device, list.page.get(), {0, 0, list.width, list.height}) &&

@@ -111,6 +111,11 @@ bool chooseDevice(Options& options) {
     if (std::ranges::any_of(std::array{".mcd", ".png", ".svg", ".pbm"}, isMade))
         return wrong(options.out + ": " + made);
     if (!device) return wrong(options.out + ": " + why);
+    constexpr double longestPclSide = 297;  // A4
+    const Paper paper = *paperSize(options.paper, options.portrait);
+    if (device->number == PRINT_PCL && std::max(paper.width, paper.height) > longestPclSide)
+        return wrong("PCL files are for A4 paper, which " + paper.name +
+                     " is cut to; take --paper A4 or another device");
     options.device = device;
     if (isMade(device->suffix)) options.out = (out.parent_path() / out.stem()).string();
     return true;

@@ -140,6 +140,7 @@ class Rasterising {
         bottom_ = (size.height - 1 - sheet.paper.height * pixelsPerMm_) / 2 + margin * pixelsPerMm_;
     }
     void draw(const MSElementBuffer* element);
+    const std::string& unknown() const { return unknown_; }  // letters that there are no lines for
 
   private:
     void drawText(const MSElementBuffer* element);
@@ -153,6 +154,7 @@ class Rasterising {
     Point3d corner_;
     ModelRef* model_;
     double unitsPerMm_, pixelsPerMm_, left_, bottom_;
+    std::string unknown_;
 };
 
 // A line that is wider than a pixel is filled piece by piece.
@@ -192,7 +194,9 @@ void Rasterising::drawText(const MSElementBuffer* element) {
     if (std::hypot(top.x - origin.x, top.y - origin.y) < leastHeight)
         return bitmap_.line(at(0, letterHeight / 2.0), at(width, letterHeight / 2.0));
     for (size_t i = 0; text[i] != '\0'; ++i) {
-        for (const LetterLine& line : letterLines(text[i])) {
+        const std::vector<LetterLine> lines = letterLines(text[i]);
+        if (lines.empty() && text[i] != ' ' && unknown_.find(text[i]) == unknown_.npos) unknown_ += text[i];
+        for (const LetterLine& line : lines) {
             Outline points;
             for (const auto& [x, y] : line) points.push_back(at(static_cast<double>(i) * letterAdvance + x, y));
             bitmap_.polyline(points);
@@ -227,6 +231,9 @@ bool writeRaster(const std::string& name, ElementDescr* page, const Sheet& sheet
     Bitmap bitmap(size);
     Rasterising rasterising(bitmap, sheet, size);
     mdlElmdscr_operation(page, drawElement, &rasterising, visitAll);
+    if (!rasterising.unknown().empty())
+        app::warn("the PBM picture has gaps in the place of " + rasterising.unknown() +
+                  ", for which it has no letters");
     std::ofstream out(app::systemPath(name), std::ios::binary);
     bitmap.write(out);
     out.close();

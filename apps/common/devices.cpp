@@ -23,7 +23,8 @@ std::string noSuchLetter(char letter, const char* device, const char* instead) {
 
 // The letters beyond ASCII that every PostScript file has. The others need an encoding, which is asked for when the
 // first of them comes, unless the user has chosen one.
-constexpr std::string_view postscriptLetters = "\xC4\xE4\xD6\xF6\xDC\xFC\xDF\xE6\xC6\xF8\xD8\xE5\xC5\xA9";
+constexpr std::string_view postscriptLetters =
+    "\xC4\xE4\xD6\xF6\xDC\xFC\xDF\xE6\xC6\xF8\xD8\xE5\xC5\xA9\xA1\xA2\xA3\xA5\xA7\xAB\xB6\xBB\xBF";
 
 std::string postscriptRefusal(char letter) {
     constexpr int userLevel = 4;
@@ -46,11 +47,18 @@ std::string hpglRefusal(char letter) {
     return noSuchLetter(letter, "HP-GL plotters", "write it with others, or take another device");
 }
 
+// PCL printers have the letters of ISO 8859-1, which leaves these codes to control characters.
+std::string pclRefusal(char letter) {
+    const auto code = static_cast<unsigned char>(letter);
+    if (code < 0x80 || code > 0x9F) return {};
+    return noSuchLetter(letter, "PCL printers", "write it with others, or take another device");
+}
+
 // clang-format off
 constexpr Device devices[] = {
     {"postscript", PRINT_POSTSCRIPT, ".ps",   postscriptRefusal},
     {"hpgl",       PRINT_HPGL,       ".hpgl", hpglRefusal},
-    {"pcl",        PRINT_PCL,        ".pcl",  nullptr},
+    {"pcl",        PRINT_PCL,        ".pcl",  pclRefusal},
     {"ascii",      PRINT_ASCII,      ".txt",  nullptr},
 };
 

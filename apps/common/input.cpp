@@ -72,6 +72,12 @@ std::string refusalOf(const std::string& fileName) {
     return start.find('\0') == start.npos ? "" : "this is no text file";
 }
 
+// Tabs apart. Windows-1252 has no letters for five codes above ASCII.
+bool isControl(char c) {
+    constexpr std::string_view unused = "\x7F\x81\x8D\x8F\x90\x9D";
+    return (static_cast<unsigned char>(c) < ' ' && c != '\t') || unused.find(c) != unused.npos;
+}
+
 std::string missing(const char* what) {
     return std::string(what) + " is missing";
 }
@@ -126,7 +132,7 @@ bool Input::takeLetters() {
                                                   "written in; write it with other letters");
     }
     for (char* letter = fii_.line; *letter != '\0'; ++letter) {
-        if (static_cast<unsigned char>(*letter) < ' ' && *letter != '\t') {
+        if (isControl(*letter)) {
             *letter = '?';
             return failAt(letter, "a control character stands here; is this a text file?");
         }

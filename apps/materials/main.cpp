@@ -4,9 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -110,26 +108,6 @@ bool printPages(const std::string& file, int device, PageRange range) {
                                    count - 1) == MCLIB_SUCCESS;
 }
 
-// The device for plain text lays out one page a file, in Windows-1252; they are put behind each other in UTF-8.
-bool printTo(const std::string& file, int device, PageRange range) {
-    if (device != PRINT_ASCII) return printPages(file, device, range);
-    const std::string part = file + ".page";
-    std::ofstream all(app::systemPath(file), std::ios::binary);
-    bool good = all.is_open();
-    for (size_t page = range.first; good && page <= range.last; ++page) {
-        good = printPages(part, device, {page, page});
-        if (page > range.first) all << '\f';
-        const std::ifstream in(app::systemPath(part), std::ios::binary);
-        std::ostringstream text;
-        text << in.rdbuf();
-        all << app::utf8From(text.str());
-    }
-    std::error_code ignored;
-    fs::remove(app::systemPath(part), ignored);
-    all.close();
-    return good && all.good();
-}
-
 // The file to make: its name without suffix, and the suffix.
 std::pair<fs::path, std::string> target(const Options& options) {
     const fs::path out = options.out, name = fs::path(options.input).stem();
@@ -142,7 +120,10 @@ std::pair<fs::path, std::string> target(const Options& options) {
 bool make(const std::string& file, const Options& options, PageRange range) {
     setUp(*options.form);
     job().unattended = true;
-    return printTo(file, options.device->number, range) || fail("not all pages could be made, so nothing is printed");
+    if (!printPages(file, options.device->number, range))
+        return fail("not all pages could be made, so nothing is printed");
+    return options.device->number != PRINT_ASCII || app::makeUtf8(file) ||
+           fail("the text file can't be written; is the disk full?");
 }
 
 bool send(const std::string& file, const std::string& shown, const Options& options) {

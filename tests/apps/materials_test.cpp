@@ -289,7 +289,10 @@ TEST_F(Materials, LettersThatADeviceHasntAreRefused) {
     EXPECT_THAT(run("list.txt --out list.hpgl").output,
                 HasSubstr("list.txt, line 2, column 10: the letter \"\xc2\xb2\" (B2"));
     EXPECT_EQ(run("list.txt --out list.ps", "--set MC_PSENCODING=0").status, 1);
+    write("euro.txt", "ITEM 1; 5 \xe2\x82\xac\n");
+    EXPECT_THAT(run("euro.txt --out list.pcl").output, HasSubstr("euro.txt, line 1, column 11: the letter"));
     EXPECT_EQ(run("list.txt --out list.ps").status, 0);
+    EXPECT_THAT(read("list.ps"), HasSubstr("8#262/twosuperior"));
     EXPECT_EQ(run("list.txt --out table.txt").status, 0);
     EXPECT_THAT(read("table.txt"), AllOf(HasSubstr("m\xc2\xb2"), HasSubstr("\xc3\xa6\xc3\xb8\xc3\xa5")));
 }
