@@ -21,7 +21,7 @@ struct Command {
     MdlDataPointFunction dataPoint = nullptr;
     MdlResetFunction reset = nullptr, restart = nullptr;
     MdlDynamicsFunction dynamics = nullptr;
-    std::string prompt;
+    std::string prompt = {};
 };
 
 // Lives for a session.

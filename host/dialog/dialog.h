@@ -44,17 +44,17 @@ struct PaperLine {
 struct DrawCall {
     enum class Kind { text, edge, icon, line, bevel, fill };
     Kind kind;
-    DialogRect rect;  // of a text, an icon and a line: what it covers
-    std::string text;
-    int32_t font;
-    bool sunken;
-    std::shared_ptr<const Icon> icon;
-    int32_t color;                    // a fixed colour; of a line: below firstFixedColor an element's colour
-    std::vector<int32_t> points;      // of a line: x and y in turn
-    LineLook look;                    // of a line
-    bool filled = false;              // of a bevel, and of a line
-    std::optional<PaperLine> paper;   // of an element's line, whose points and look count no more then
-    std::optional<DrawnTextBox> box;  // of a text of a drawing, which fills it; `color` is then an element's colour
+    DialogRect rect = {};  // of a text, an icon and a line: what it covers
+    std::string text = {};
+    int32_t font = 0;
+    bool sunken = false;
+    std::shared_ptr<const Icon> icon = {};
+    int32_t color = 0;                     // a fixed colour; of a line: below firstFixedColor an element's colour
+    std::vector<int32_t> points = {};      // of a line: x and y in turn
+    LineLook look = {};                    // of a line
+    bool filled = false;                   // of a bevel, and of a line
+    std::optional<PaperLine> paper = {};   // of an element's line, whose points and look count no more then
+    std::optional<DrawnTextBox> box = {};  // of a text of a drawing, which fills it; `color` is an element's then
 };
 
 struct OptionRow {

@@ -81,7 +81,7 @@ int mdlDialog_textDrawCD(MdlDialog* handle, int32_t x, int32_t y, const char* te
         if (!text) return MDL_ERROR;
         const int32_t font = dialog.font();
         const DialogRect rect{x, y, x + host::widthOfText(text, font), y + host::heightOfFont(font)};
-        dialog.add({DrawCall::Kind::text, rect, text, font, false, nullptr, 0, {}});
+        dialog.add({.kind = DrawCall::Kind::text, .rect = rect, .text = text, .font = font});
         return MDL_SUCCESS;
     });
 }
@@ -94,7 +94,8 @@ int mdlWindow_polylineDraw(MdlDialog* handle, const int32_t* points, int32_t cou
             const int32_t x = points[2 * i], y = points[2 * i + 1];
             rect = {std::min(rect.left, x), std::min(rect.top, y), std::max(rect.right, x), std::max(rect.bottom, y)};
         }
-        dialog.add({DrawCall::Kind::line, rect, {}, 0, false, nullptr, color, {points, points + 2 * count}});
+        dialog.add(
+            {.kind = DrawCall::Kind::line, .rect = rect, .color = color, .points = {points, points + 2 * count}});
         return MDL_SUCCESS;
     });
 }
@@ -123,15 +124,11 @@ int mdlWindow_lineStyleSet(MdlDialog* handle, int32_t style, int32_t colorIndex,
 int mdlWindow_lineDraw(MdlDialog* handle, int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         const DialogRect rect{std::min(x0, x1), std::min(y0, y1), std::max(x0, x1), std::max(y0, y1)};
-        dialog.add({DrawCall::Kind::line,
-                    rect,
-                    {},
-                    0,
-                    false,
-                    nullptr,
-                    dialog.lineColor(),
-                    {x0, y0, x1, y1},
-                    dialog.lineLook()});
+        dialog.add({.kind = DrawCall::Kind::line,
+                    .rect = rect,
+                    .color = dialog.lineColor(),
+                    .points = {x0, y0, x1, y1},
+                    .look = dialog.lineLook()});
         return MDL_SUCCESS;
     });
 }
@@ -139,7 +136,7 @@ int mdlWindow_lineDraw(MdlDialog* handle, int32_t x0, int32_t y0, int32_t x1, in
 int mdlDialog_rectDrawBeveled(MdlDialog* handle, const DialogRect* rect, int32_t sunken, int32_t filled) {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!rect) return MDL_ERROR;
-        dialog.add({DrawCall::Kind::bevel, *rect, {}, 0, sunken != 0, nullptr, 0, {}, {}, filled != 0});
+        dialog.add({.kind = DrawCall::Kind::bevel, .rect = *rect, .sunken = sunken != 0, .filled = filled != 0});
         return MDL_SUCCESS;
     });
 }
@@ -147,7 +144,7 @@ int mdlDialog_rectDrawBeveled(MdlDialog* handle, const DialogRect* rect, int32_t
 int mdlDialog_rectFill(MdlDialog* handle, const DialogRect* rect, int32_t fixedColor) {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!rect || fixedColor < 0 || fixedColor >= host::fixedColors) return MDL_ERROR;
-        dialog.add({DrawCall::Kind::fill, *rect, {}, 0, false, nullptr, fixedColor, {}});
+        dialog.add({.kind = DrawCall::Kind::fill, .rect = *rect, .color = fixedColor});
         return MDL_SUCCESS;
     });
 }
@@ -155,7 +152,7 @@ int mdlDialog_rectFill(MdlDialog* handle, const DialogRect* rect, int32_t fixedC
 int mdlDialog_rectDrawEdge(MdlDialog* handle, const DialogRect* rect, int32_t sunken) {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!rect) return MDL_ERROR;
-        dialog.add({DrawCall::Kind::edge, *rect, {}, 0, sunken != 0, nullptr, 0, {}});
+        dialog.add({.kind = DrawCall::Kind::edge, .rect = *rect, .sunken = sunken != 0});
         return MDL_SUCCESS;
     });
 }
@@ -169,7 +166,7 @@ int mdlWindow_iconDraw(MdlDialog* handle, RscHandle rscFile, int32_t iconId, int
         auto icon = host::findIcon(rscFile, iconId);
         if (!icon) return MDL_ERROR;
         const DialogRect rect{x, y, x + icon->size, y + icon->size};
-        dialog.add({DrawCall::Kind::icon, rect, {}, 0, false, std::move(icon), colorIndex, {}});
+        dialog.add({.kind = DrawCall::Kind::icon, .rect = rect, .icon = std::move(icon), .color = colorIndex});
         return MDL_SUCCESS;
     });
 }

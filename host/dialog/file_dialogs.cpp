@@ -99,10 +99,10 @@ std::string startFolder(const std::string& directory) {
 // What is asked for, in narrow text.
 struct Request {
     Kind kind;
-    std::string title, listTitle;
+    std::string title, listTitle = {};
     std::string directory, filter, suggested;
-    std::vector<std::string> remembered;
-    std::vector<std::string> members;
+    std::vector<std::string> remembered = {};
+    std::vector<std::string> members = {};
 };
 
 std::vector<std::string> allUtf8(const std::vector<std::string>& texts) {

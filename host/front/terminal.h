@@ -31,12 +31,12 @@ namespace host {
 
 struct TerminalOptions {
     bool yes = false;
-    std::string answersFile;  // UTF-8; empty for none
+    std::string answersFile = {};  // UTF-8; empty for none
     std::FILE* input = stdin;
-    std::FILE* output = stdout;         // console lines
-    std::FILE* errors = stderr;         // messages, dialogs and questions
-    std::optional<bool> asks;           // whether somebody sits at the input; else it is asked whether it is a terminal
-    std::optional<bool> showsProgress;  // whether `errors` shows progress on one line; else when it is a terminal
+    std::FILE* output = stdout;     // console lines
+    std::FILE* errors = stderr;     // messages, dialogs and questions
+    std::optional<bool> asks = {};  // whether somebody sits at the input; else it is asked whether it is a terminal
+    std::optional<bool> showsProgress = {};  // whether `errors` shows progress on one line; else when it is a terminal
 };
 
 // Throws std::runtime_error, with a line that tells it, when the file of answers can't be read.

@@ -32,9 +32,9 @@ struct Level {
     LevelId id;
     int32_t code;
     std::wstring name;
-    LevelSymbology byLevel;
-    LevelOverride override;
-    bool stored;  // belongs into the file
+    LevelSymbology byLevel = {};
+    LevelOverride override = {};
+    bool stored = false;  // belongs into the file
 };
 
 struct LineStyle {
@@ -53,20 +53,20 @@ class DesignFile;
 }  // namespace host
 
 struct ModelRef {
-    host::DesignFile* file;
-    uint64_t serial;  // differs for every model that was ever open, while the address may come again
+    host::DesignFile* file = nullptr;
+    uint64_t serial = 0;  // differs for every model that was ever open, while the address may come again
     bool is3d = false;
     double uorPerMaster = 10000;
-    host::ElementStore elements;
-    std::vector<host::Level> levels;  // in order of id
+    host::ElementStore elements = {};
+    std::vector<host::Level> levels = {};  // in order of id
     LevelId nextLevel = 1;
-    std::vector<host::LineStyle> lineStyles;  // in order of their numbers from -1 down
-    std::map<std::wstring, host::TextStyle> textStyles;
+    std::vector<host::LineStyle> lineStyles = {};  // in order of their numbers from -1 down
+    std::map<std::wstring, host::TextStyle> textStyles = {};
     bool tablesChanged = false;   // levels or styles, since they were last stored
     uint32_t unstoredLevels = 0;  // levels that aren't to be stored so far
 
-    std::vector<FilePos> deleted;  // what can be brought back, the last one last
-    host::RangeIndex ranges;       // filled at the first search by window
+    std::vector<FilePos> deleted = {};  // what can be brought back, the last one last
+    host::RangeIndex ranges = {};       // filled at the first search by window
     bool rangesFilled = false;
 };
 

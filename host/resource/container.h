@@ -53,10 +53,10 @@ struct ItemLayout {
     int32_t id = 0;
     int32_t x = 0, y = 0, width = 0, height = 0;  // pixels of the content area
     int32_t hook = 0;                             // 0: none
-    std::string access;                           // access string, empty for none
-    std::string format;                           // of a number in a text item
-    Texts label;
-    std::vector<RowLayout> rows;
+    std::string access = {};                      // access string, empty for none
+    std::string format = {};                      // of a number in a text item
+    Texts label = {};
+    std::vector<RowLayout> rows = {};
     int32_t group = 0;  // id of the group box that it is a member of; 0: none
 };
 
@@ -64,8 +64,8 @@ struct DialogLayout {
     int32_t id = 0;
     int32_t width = 0, height = 0;
     int32_t hook = 0;
-    Texts title;
-    std::vector<ItemLayout> items;
+    Texts title = {};
+    std::vector<ItemLayout> items = {};
 };
 
 // A square of pixels, each drawn or not, rows from the top; the sign stands for it where only text can be shown.

@@ -25,7 +25,14 @@ struct Parameters {
     char styleName[styleNameSize] = "";
 };
 
-constexpr MdlTcb initialControlBlock = {.readoutFormat = 5};  // four decimals
+constexpr MdlTcb initialControlBlock = {
+    .designFileName = "",
+    .readoutFormat = 5,  // four decimals
+    .readoutFlags = 0,
+    .activeSlant = 0,
+    .workmode = 0,
+    .cellLibraryName = "",
+};
 
 Parameters active;
 MdlTcb controlBlock = initialControlBlock;

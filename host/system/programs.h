@@ -34,16 +34,16 @@ enum class Output {
 };
 
 struct StartOptions {
-    std::string folder;  // that the program starts in; empty for the current one
-    bool idle = false;   // with the lowest priority
+    std::string folder = {};  // that the program starts in; empty for the current one
+    bool idle = false;        // with the lowest priority
     Output output = Output::ofHost;
 };
 
 // A started program; its address is its handle.
 struct Process {
     int32_t id = 0;
-    std::optional<int> status;  // of one that has ended: the exit status, or 128 and the signal's number
-    bool kept = false;          // until it is released; one that isn't goes when it has ended
+    std::optional<int> status = {};  // of one that has ended: the exit status, or 128 and the signal's number
+    bool kept = false;               // until it is released; one that isn't goes when it has ended
 };
 
 // Starts a program with its arguments (texts of the host); null when it isn't found or can't be started. A kept process

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cwchar>
 #include <string>
 #include <vector>
 
@@ -133,7 +134,11 @@ TEST_F(Show, ProjectAndPageRecordsOfEveryForm) {
 
 TEST_F(Show, AttributeRecordsTellTheValuesThatApply) {
     mclibElmAttr_setGroupeNames(1, "Group", 3, 0);
-    ElmAttrData data = {.color = 5, .style = 1, .weight = ATTR_BY_LEVEL, .levelName = L"Pipes"};
+    ElmAttrData data = {};
+    data.color = 5;
+    data.style = 1;
+    data.weight = ATTR_BY_LEVEL;
+    std::wcscpy(data.levelName, L"Pipes");
     data.useFlags = ATTR_USE_COLOR | ATTR_USE_WEIGHT | ATTR_USE_LEVEL;
     mclibElmAttr_addAttribute(12, "Pipe", 3, ATTR_KIND_SYMBOLOGY, ATTR_USE_COLOR, nullptr, 0, &data);
     ASSERT_EQ(mclibElmAttr_writeResource(file_.c_str()), MCLIB_SUCCESS);
@@ -169,7 +174,12 @@ TEST_F(Show, OlderAttributeRecordsAreReadByTheirOwnLayouts) {
 }
 
 TEST_F(Show, RecordsOfThePreferenceFile) {
-    mclibPrinterSetupData setup = {.pageSize = 10, .pageWidth = 297, .pageHeight = 210, .deviceType = 5, .copies = 2};
+    mclibPrinterSetupData setup = {};
+    setup.pageSize = 10;
+    setup.pageWidth = 297;
+    setup.pageHeight = 210;
+    setup.deviceType = 5;
+    setup.copies = 2;
     std::strcpy(setup.printerName, "LPT1");
     std::strcpy(setup.plotterFile, "c:\\pdf.plt");
     std::vector<uint8_t> bytes(print::setupSize), extent(forms::storedExtentSize);
@@ -179,7 +189,10 @@ TEST_F(Show, RecordsOfThePreferenceFile) {
     add(print::SETUP_TYPE, 20002, bytes);
     add(print::OLDER_TYPE, 20001, std::span(bytes).first(print::olderSize));
     add(forms::extentType, 20001, extent);
-    UserFileRecord files = {.marker = MDL_USER_FILE_MARKER, .version = MDL_USER_FILE_VERSION, .fileCount = 2};
+    UserFileRecord files = {};
+    files.marker = MDL_USER_FILE_MARKER;
+    files.version = MDL_USER_FILE_VERSION;
+    files.fileCount = 2;
     std::strcpy(files.fileName, "c:\\a.txt");
     std::strcpy(files.fileHistory[1], "c:\\b.txt");
     ASSERT_EQ(mdlUserPrefs_saveFileName(&files, handle_, 5), MDL_SUCCESS);

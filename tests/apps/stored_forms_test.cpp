@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <cwchar>
 #include <string>
 #include <vector>
 
@@ -51,7 +52,11 @@ class StoredForms : public LibraryTest, protected ApplicationRun {
 
 TEST_F(StoredForms, Attributes) {
     mclibElmAttr_setGroupeNames(1, "Group", 3, 0);
-    ElmAttrData data = {.color = 5, .style = -2, .weight = ATTR_BY_LEVEL, .levelName = L"R\u00f8r"};
+    ElmAttrData data = {};
+    data.color = 5;
+    data.style = -2;
+    data.weight = ATTR_BY_LEVEL;
+    std::wcscpy(data.levelName, L"R\u00f8r");
     data.elementClass = 1;
     data.useFlags = ATTR_USE_COLOR | ATTR_USE_TEXT_STYLE;
     data.styleScale = 2;
@@ -98,7 +103,12 @@ TEST_F(StoredForms, Attributes) {
 }
 
 TEST_F(StoredForms, PrinterSetup) {
-    mclibPrinterSetupData setup = {.pageSize = 9, .pageWidth = 2, .marginBottom = 0.5, .orientation = 2, .copies = 3};
+    mclibPrinterSetupData setup = {};
+    setup.pageSize = 9;
+    setup.pageWidth = 2;
+    setup.marginBottom = 0.5;
+    setup.orientation = 2;
+    setup.copies = 3;
     std::strcpy(setup.printerName, "LPT1");
     std::strcpy(setup.fileName, "a.ps");
     setup.fileOnly = 1;

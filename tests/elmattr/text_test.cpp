@@ -184,7 +184,7 @@ class CreateText : public AttributeText {
         return made;
     }
     static void defineStyle(double width, double height) {
-        const TextParams params = {.font = 4, .just = 13, .textStyle = 1, .styleFields = 0};
+        const TextParams params = {4, 13, 1, 0, 0, 0, 0};
         const TextSize size = {1, width, height, 1};
         ASSERT_EQ(mdlTextStyle_define(mdlModelRef_getActive(), L"Road", &params, &size), MDL_SUCCESS);
     }

@@ -23,10 +23,10 @@ enum { BUTTON_FIRST = -3, BUTTON_SECOND = -4 };
 // What a modal dialog showed before it was answered.
 struct Shown {
     int32_t id = 0;
-    std::string title;
-    std::vector<std::string> lines;
-    std::vector<std::string> buttons;  // those that are shown
-    std::vector<std::string> rows;     // of a list box
+    std::string title = {};
+    std::vector<std::string> lines = {};
+    std::vector<std::string> buttons = {};  // those that are shown
+    std::vector<std::string> rows = {};     // of a list box
 };
 
 Shown lookAt(host::Dialog& dialog) {

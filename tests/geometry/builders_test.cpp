@@ -193,7 +193,7 @@ TEST_F(Builders, ACellKeepsItsNamesWhenItLosesItsLinkages) {
 // ---- plot fences ----
 
 struct Found {
-    std::vector<double> corners;  // x of each fence's first point
+    std::vector<double> corners = {};  // x of each fence's first point
     int reply = 0;
 };
 

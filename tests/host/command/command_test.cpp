@@ -189,7 +189,7 @@ struct ServedCommand : testing::Test {
         given = {};
         auto owned = std::make_unique<AnsweringFrontEnd>();
         front = owned.get();
-        session = std::make_unique<host::Session>(host::SessionOptions{.frontEnd = std::move(owned)});
+        session = std::make_unique<host::Session>(host::SessionOptions{.frontEnd = std::move(owned), .variables = {}});
         mdlState_startPrimitive(takePoint, restart, 0, 0);
         mdlOutput_prompt("Gi punkt \xe5");
     }

@@ -143,7 +143,10 @@ TEST_F(Elements, PositionOfTheLastElementIsNotGivenAgainAfterItsDeletion) {
 TEST_F(Elements, FileGivesBackWhatManyDeletionsLeft) {
     static MSElementBuffer large;
     std::memset(&large, 0x5A, sizeof large);
-    large.head = {.type = MDL_APPLICATION_DATA, .size = 32000, .attributeOffset = 32000, .level = 20};
+    large.head = {};
+    large.head.type = MDL_APPLICATION_DATA;
+    large.head.size = large.head.attributeOffset = 32000;
+    large.head.level = 20;
     for (int i = 0; i < 100; ++i) mdlElement_add(&large);
     mdlElement_add(numbered(3));
     mdlSystem_saveDesignFile();
