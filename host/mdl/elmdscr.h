@@ -77,5 +77,8 @@ MDL_EXPORT int mdlElement_display(const MSElementBuffer *element, int32_t drawMo
 MDL_EXPORT int mdlElement_undoableDelete(const MSElementBuffer *element, FilePos position, int32_t display);
 /* Brings back the last deletion that hasn't been brought back, at the position that it had; 0 when there is none. */
 MDL_EXPORT FilePos mdlUndo_lastDelete(void);
+/* The same for the last deletion or rewrite, whichever it was: an element that was rewritten is what it was before.
+ * Elements that a rewrite has added behind it stay. */
+MDL_EXPORT FilePos mdlUndo_lastChange(void);
 
 #endif

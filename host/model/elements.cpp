@@ -1,6 +1,7 @@
 // Elements and descriptors to and from the open design files.
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 #include "host/element/range.h"
 #include "host/mdl/modify.h"
@@ -56,22 +57,51 @@ FilePos addUnit(ModelRef& model, std::span<const StoredNode> unit) {
     return position;
 }
 
+// Runs a change of the element at the position, so that it can be taken back.
+template <class Body>
+void change(ModelRef& model, FilePos position, bool isDeletion, Body body) {
+    model.changes.push_back({position, model.elements.record(position), isDeletion});
+    try {
+        body();
+    } catch (...) {
+        model.changes.pop_back();
+        throw;
+    }
+}
+
 FilePos replaceUnit(ModelRef& model, FilePos position, std::span<const StoredNode> unit) {
-    model.elements.replace(position, unit);
+    change(model, position, false, [&] { model.elements.replace(position, unit); });
     noteStored(model, position, unit);
     return position;
 }
 
-// So that it can be brought back.
 void removeUnit(ModelRef& model, FilePos position) {
-    model.deleted.push_back(position);
-    try {
-        model.elements.remove(position);
-    } catch (...) {
-        model.deleted.pop_back();
-        throw;
-    }
+    change(model, position, true, [&] { model.elements.remove(position); });
     updateRange(model, position);
+}
+
+Unit unitOf(const RecordHead* record) {
+    Unit unit;
+    forEachNode(record, [&](const StoredNode& node) { unit.push_back(node); });
+    return unit;
+}
+
+// Takes back the last change that `which` accepts; its position, or 0 when there is none.
+template <class Which>
+FilePos takeBack(Which which) {
+    ModelRef* model = openModel(nullptr);
+    if (model == nullptr) return 0;
+    const auto last = std::find_if(model->changes.rbegin(), model->changes.rend(), which);
+    if (last == model->changes.rend()) return 0;
+    const auto [position, before, isDeletion] = *last;
+    if (isDeletion) {
+        model->elements.restore(position);
+    } else {
+        model->elements.replace(position, unitOf(before));
+    }
+    model->changes.erase(std::next(last).base());
+    updateRange(*model, position);
+    return position;
 }
 
 // The units of a chain; empty when one of them can't be stored.
@@ -157,8 +187,7 @@ FilePos mdlElement_rewrite(const MSElementBuffer* element, FilePos position) {
     return guarded<FilePos>(0, [&]() -> FilePos {
         ModelRef* model = writableModel(nullptr);
         if (model == nullptr || !model->elements.isLive(position)) return 0;
-        Unit unit;
-        forEachNode(model->elements.record(position), [&](const StoredNode& node) { unit.push_back(node); });
+        Unit unit = unitOf(model->elements.record(position));
         unit.front().element = element;
         return canBeStored(*model, unit) ? replaceUnit(*model, position, unit) : 0;
     });
@@ -174,15 +203,11 @@ int mdlElement_undoableDelete(const MSElementBuffer*, FilePos position, int32_t)
 }
 
 FilePos mdlUndo_lastDelete(void) {
-    return guarded<FilePos>(0, []() -> FilePos {
-        ModelRef* model = openModel(nullptr);
-        if (model == nullptr || model->deleted.empty()) return 0;
-        const FilePos position = model->deleted.back();
-        model->elements.restore(position);
-        model->deleted.pop_back();
-        updateRange(*model, position);
-        return position;
-    });
+    return guarded<FilePos>(0, [] { return takeBack(std::mem_fn(&Change::isDeletion)); });
+}
+
+FilePos mdlUndo_lastChange(void) {
+    return guarded<FilePos>(0, [] { return takeBack([](const Change&) { return true; }); });
 }
 
 // ---- descriptors ----

@@ -48,6 +48,13 @@ struct TextStyle {
     TextSize size;
 };
 
+// A deletion or a rewrite, with the record of before, which stays where it is until the store is compacted.
+struct Change {
+    FilePos position;
+    const RecordHead* before;
+    bool isDeletion;
+};
+
 class DesignFile;
 
 }  // namespace host
@@ -65,8 +72,8 @@ struct ModelRef {
     bool tablesChanged = false;   // levels or styles, since they were last stored
     uint32_t unstoredLevels = 0;  // levels that aren't to be stored so far
 
-    std::vector<FilePos> deleted = {};  // what can be brought back, the last one last
-    host::RangeIndex ranges = {};       // filled at the first search by window
+    std::vector<host::Change> changes = {};  // what can be taken back, the last one last
+    host::RangeIndex ranges = {};            // filled at the first search by window
     bool rangesFilled = false;
 };
 

@@ -133,6 +133,20 @@ TEST_F(Elements, DeletedComeBackInReverseOrderUnderTheirPositions) {
     EXPECT_EQ(mdlElement_add(numbered(5)), 5u) << "positions are never given again";
 }
 
+TEST_F(Elements, RewritesAndDeletionsAreTakenBackLastFirst) {
+    for (uint32_t i = 1; i <= 3; ++i) mdlElement_add(numbered(i));
+    EXPECT_EQ(mdlElement_rewrite(numbered(11), 1), 1u);
+    EXPECT_EQ(mdlElement_rewrite(numbered(12), 1), 1u);
+    EXPECT_EQ(mdlElement_undoableDelete(nullptr, 1, 0), MDL_SUCCESS);
+    EXPECT_EQ(mdlElement_rewrite(numbered(13), 2), 2u);
+    EXPECT_EQ(mdlUndo_lastDelete(), 1u) << "the rewrite behind it stays";
+    EXPECT_EQ(numberOf(1), 12u);
+    EXPECT_EQ(numberOf(2), 13u);
+    for (const FilePos position : {2u, 1u, 1u, 0u}) EXPECT_EQ(mdlUndo_lastChange(), position);
+    EXPECT_EQ(numberOf(1), 1u);
+    EXPECT_EQ(numberOf(2), 2u);
+}
+
 TEST_F(Elements, PositionOfTheLastElementIsNotGivenAgainAfterItsDeletion) {
     mdlElement_add(numbered(1));
     mdlElement_undoableDelete(nullptr, 1, 0);
