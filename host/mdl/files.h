@@ -96,6 +96,12 @@ MDL_EXPORT int mdlFile_copy(const char *destination, const char *source);
 /* ---- work files: a design file opened beside the active one ---- */
 /* Opens a design file to look at it. The model in modelP. 0 or MDL_ERROR. */
 MDL_EXPORT int mdlWorkDgn_openFile(ModelRef **modelP, const char *name);
+/* The same to change it too: what is added to its model or rewritten there (mdlElmdscr_add, mdlElmdscr_rewrite of its
+ * descriptors) is stored when it is closed, at the latest when the session ends. MDL_ERROR, with a line in the message
+ * centre, also when it can't be written or is open to write already, here or in another session. */
+MDL_EXPORT int mdlWorkDgn_openFileToWrite(ModelRef **modelP, const char *name);
+/* MDL_ERROR for a model that isn't open or, with a line in the message centre, when what was changed can't be stored;
+ * it is closed in any case. Closing the active file in this way leaves it open. */
 MDL_EXPORT int mdlWorkDgn_closeFile(ModelRef *model);
 /* The same for a cell library: its model holds the cells, each a header with its components, in the library's own units
  * and on its own levels. Closed in the same way. */

@@ -20,7 +20,8 @@ MDL_EXPORT int mdlSystem_newDesignFile(const char *name, int readOnly);
  * the file then holds what it held before. */
 MDL_EXPORT int mdlSystem_saveDesignFile(void);
 /* Stores what was changed and closes the open design file, so that none is open; its file may then be moved. MDL_ERROR
- * when it couldn't be stored, with a line in the message centre, or none is open; it is closed in any case. */
+ * when none is open or, with a line in the message centre, it couldn't be stored or isn't whole without the log beside
+ * it (NAME-wal), which holds what was stored last; it is closed in any case. */
 MDL_EXPORT int mdlSystem_closeDesignFile(void);
 
 MDL_EXPORT ModelRef *mdlModelRef_getActive(void); /* null when no design file is open */

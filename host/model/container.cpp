@@ -14,6 +14,7 @@
 #include "host/model/new_file.h"
 #include "host/model/table_rules.h"
 #include "host/model/utf8.h"
+#include "host/system/paths.h"
 
 namespace host {
 namespace {
@@ -275,7 +276,7 @@ void loadModel(Database& database, ModelRef& model) {
 
 std::string sqliteReason(const SqliteFailure& failure) {
     switch (failure.code) {
-        case SQLITE_FULL: return "the disk is full. Make room on it and store again.";
+        case SQLITE_FULL: return "the disk is full. Make room on it and try again.";
         case SQLITE_CORRUPT:
         case SQLITE_NOTADB: return damaged;
         case SQLITE_BUSY:
@@ -287,7 +288,7 @@ std::string sqliteReason(const SqliteFailure& failure) {
                    "). Check their permissions, or copy the file to another folder.";
         default:
             return "the disk or its file system fails (" + std::string(failure.what()) +
-                   "). Make sure that there is room, and store again.";
+                   "). Make sure that there is room, and try again.";
     }
 }
 
@@ -320,17 +321,13 @@ void writeWhole(const std::string& path, ModelRef& model, FileKind kind) {
     transaction.commit();
 }
 
-using Publish = void (*)(const std::string& temporary, const std::string& path);
-
 // Writes a file under a name of its own, and then gives it the path.
-void writeAndPublish(const std::string& path, ModelRef& model, FileKind kind, Publish publish) {
-    const std::string temporary = temporaryName(path);
-    unlink(temporary.c_str());  // of a process of our number that was killed
+void writeAndPublish(const std::string& path, ModelRef& model, FileKind kind, void (NewFile::*publish)()) {
     try {
-        writeWhole(temporary, model, kind);
-        publish(temporary, path);
+        NewFile file(path);
+        writeWhole(file.name(), model, kind);
+        (file.*publish)();
     } catch (const SqliteFailure& failure) {
-        unlink(temporary.c_str());
         throw FileProblem(sqliteReason(failure));
     } catch (const std::system_error& error) {
         throw FileProblem("it can't be made (" + error.code().message() + "). Give another name or folder.");
@@ -360,7 +357,7 @@ void createContainer(const std::string& path, bool is3d, FileKind kind) {
 }
 
 void replaceContainer(const std::string& path, ModelRef& model, FileKind kind) {
-    writeAndPublish(path, model, kind, replaceFile);
+    writeAndPublish(path, model, kind, &NewFile::replace);
 }
 
 void loadContainer(const std::string& path, ModelRef& model, FileKind kind) {
@@ -376,6 +373,24 @@ void loadContainer(const std::string& path, ModelRef& model, FileKind kind) {
         throw FileProblem(failure.code == SQLITE_ERROR ? damaged : sqliteReason(failure));
     }
 }
+
+namespace {
+
+// The database keeps to one file from now on. A reader holds that up, and nothing is lost then: its log is empty.
+void endLog(Database& database) {
+    database.run("PRAGMA wal_checkpoint(TRUNCATE)");
+    try {
+        database.run("PRAGMA journal_mode=DELETE");
+    } catch (const SqliteFailure& failure) {
+        if (failure.code != SQLITE_BUSY) throw;
+    }
+}
+
+bool isWholeAlone(const std::string& path) {
+    return fileSize(path + "-wal") == 0 && fileSize(path + "-journal") == 0;
+}
+
+}  // namespace
 
 bool hasChanges(ModelRef& model) {
     return model.tablesChanged ||
@@ -408,20 +423,42 @@ void ContainerWriter::takeInLog() noexcept {
     if (access((path_ + "-wal").c_str(), F_OK) != 0) return;
     try {
         open();
-    } catch (const SqliteFailure&) {
-        // The log stays where it is and goes on being read.
+        close();
+    } catch (const std::exception&) {
+        database_.close();
     }
-    close();
 }
 
 void ContainerWriter::shrink() noexcept {
-    if (database_.isOpen()) sqlite3_exec(database_.handle(), "VACUUM", nullptr, nullptr, nullptr);
+    try {
+        if (database_.isOpen()) database_.run("VACUUM");
+    } catch (const SqliteFailure&) {
+        // Nothing has changed.
+    }
 }
 
-void ContainerWriter::close() noexcept {
-    if (!database_.isOpen()) return;
-    sqlite3_exec(database_.handle(), "PRAGMA journal_mode=DELETE", nullptr, nullptr, nullptr);
+ContainerWriter::~ContainerWriter() {
+    try {
+        if (database_.isOpen()) close();
+    } catch (const std::exception&) {
+        // Those who can still tell somebody have closed it before.
+    }
+}
+
+void ContainerWriter::close() {
+    if (!database_.isOpen() && isWholeAlone(path_)) return;
+    std::string reason;
+    try {
+        open();
+        endLog(database_);
+    } catch (const SqliteFailure& failure) {
+        reason = sqliteReason(failure);
+    }
     database_.close();
+    if (reason.empty() && !isWholeAlone(path_)) reason = "another program reads it. Close it there.";
+    if (reason.empty()) return;
+    throw FileProblem("its last changes are in \"" + hostName(path_) + "-wal\" and couldn't be brought into it: " +
+                      reason + " Keep the two together until it has been opened and closed again.");
 }
 
 }  // namespace host

@@ -42,13 +42,14 @@ void loadContainer(const std::string& path, ModelRef& model, FileKind kind = Fil
 class ContainerWriter {
   public:
     explicit ContainerWriter(std::string path) : path_(std::move(path)) {}
-    ~ContainerWriter() { close(); }
+    ~ContainerWriter();
 
     // All changes, or none: FileProblem when they can't be stored, and they are still known as changes then.
     void save(ModelRef& model);
-    // Brings all into the one file and ends the database. What was saved is safe also when this fails.
-    void close() noexcept;
-    // Brings in what a killed session left beside the file.
+    // Brings all into the one file and ends the database. FileProblem when the file isn't whole without its log then;
+    // what was saved is safe in the two of them.
+    void close();
+    // Brings in what a killed session left beside the file. Where that can't be, the log goes on being read.
     void takeInLog() noexcept;
     // Gives the disk back what the file no longer needs; it stays as it is when that fails.
     void shrink() noexcept;

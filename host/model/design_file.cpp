@@ -47,9 +47,10 @@ void WriterLock::take(const std::string& path) {
 DesignFile::DesignFile(const std::string& path, Use use, FileKind kind)
     : model{.file = this, .serial = nextSerial()},
       path_(path),
+      use_(use),
       readOnly_(use == Use::read || !fileAndFolderCanBeWritten(path)),
       writer_(path) {
-    const bool writes = use == Use::write && !readOnly_;
+    const bool writes = takesChanges();
     if (writes) lock_.take(path);
     loadContainer(path, model, kind);
     if (writes) writer_.takeInLog();
@@ -70,16 +71,20 @@ bool DesignFile::is(const std::string& path) const {
 }
 
 void DesignFile::save() {
-    if (!readOnly_) writer_.save(model);
+    if (takesChanges()) writer_.save(model);
 }
 
-void DesignFile::saveAndShrink() {
+void DesignFile::close() {
     const ElementStore& elements = model.elements;
     const bool shrinks =
-        !readOnly_ && elements.wasteBytes() > littleWaste && elements.wasteBytes() > elements.usedBytes() / 2;
-    if (shrinks) model.elements.compact();
+        takesChanges() && elements.wasteBytes() > littleWaste && elements.wasteBytes() > elements.usedBytes() / 2;
+    if (shrinks) {
+        model.changes.clear();
+        model.elements.compact();
+    }
     save();
     if (shrinks) writer_.shrink();
+    if (takesChanges()) writer_.close();
 }
 
 }  // namespace host

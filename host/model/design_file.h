@@ -26,7 +26,7 @@ class WriterLock {
 class DesignFile {
   public:
     enum class Use {
-        write,
+        write,  // by one session at a time
         read,
         look,  // reading too, while isReadOnly tells of the file itself
     };
@@ -40,23 +40,24 @@ class DesignFile {
     const std::string& path() const { return path_; }
     std::string name() const;  // as users write it
     bool isReadOnly() const { return readOnly_; }
+    bool takesChanges() const { return use_ == Use::write && !readOnly_; }
     bool is(const std::string& path) const;  // whether that path leads to this file
 
-    void save();           // FileProblem when the changes can't be stored
-    void saveAndShrink();  // before it is closed: also gives back what deleted elements took, when that is much
+    void save();  // FileProblem when the changes can't be stored
+    // Stores all in the one file, and gives back what deleted elements took, when that is much. FileProblem when that
+    // can't be; the file is still open then, and can be stored and closed again.
+    void close();
 
     ModelRef model;
 
   private:
     std::string path_;
+    Use use_;
     dev_t device_ = 0;
     ino_t inode_ = 0;
     bool readOnly_;
     WriterLock lock_;  // ends after the writer: closing any handle of a file drops the locks that SQLite has on it
     ContainerWriter writer_;
 };
-
-// Closes the active file and all work files without storing anything.
-void dropDesignFiles();
 
 }  // namespace host

@@ -69,14 +69,33 @@ void publishActive() {
 
 void closeActive() {
     if (!files.active) return;
-    files.active->saveAndShrink();
+    files.active->close();
     files.active.reset();
     publishActive();
 }
 
+// Closes the active file in favour of the next one. When that fails it stays open, and applications hear of it again.
+void leaveActive(const std::string& next) {
+    if (!files.active) return;
+    const std::string name = files.active->name();
+    bool told = false;
+    try {
+        files.active->save();
+        fireNewDesignFile(next.c_str(), 0);
+        told = true;
+        closeActive();
+    } catch (const FileProblem& problem) {
+        if (told) fireNewDesignFile(name.c_str(), 1);
+        throw FileProblem("\"" + name + "\", which is open, can't be closed: " + problem.what());
+    }
+}
+
 void closeAtSessionEnd() {
     if (files.active) mdlSystem_closeDesignFile();
-    dropDesignFiles();
+    while (!files.work.empty())
+        if (mdlWorkDgn_closeFile(&files.work.back()->model) != MDL_SUCCESS) markFailed();
+    files = {};
+    publishActive();
 }
 
 void watchSession() {
@@ -94,18 +113,18 @@ void exchangeActive(const std::string& path, bool readOnly) {
     const auto use = readOnly ? DesignFile::Use::read : DesignFile::Use::write;
     const bool again = files.active && files.active->is(path);
     std::unique_ptr<DesignFile> next = again ? nullptr : std::make_unique<DesignFile>(path, use);
-    if (files.active) {
-        files.active->save();
-        fireNewDesignFile(name.c_str(), 0);
-        closeActive();
-    }
+    leaveActive(name);
     files.active = again ? std::make_unique<DesignFile>(path, use) : std::move(next);
     publishActive();
     fireNewDesignFile(name.c_str(), 1);
 }
 
-ModelRef* openWork(const std::string& path, FileKind kind) {
-    files.work.push_back(std::make_unique<DesignFile>(path, DesignFile::Use::look, kind));
+ModelRef* openWork(const std::string& path, FileKind kind, DesignFile::Use use = DesignFile::Use::look) {
+    auto file = std::make_unique<DesignFile>(path, use, kind);
+    if (use == DesignFile::Use::write && file->isReadOnly()) {
+        throw FileProblem("it or its folder can't be written. Check their permissions, or copy the file first.");
+    }
+    files.work.push_back(std::move(file));
     return &files.work.back()->model;
 }
 
@@ -138,11 +157,6 @@ ModelRef* levelLibrary(const std::string& path) {
 
 }  // namespace
 
-void dropDesignFiles() {
-    files = {};
-    publishActive();
-}
-
 int fileProblem(std::string_view line) {
     mdlOutput_messageCenter(10, std::string(line).c_str(), "", 0);
     return MDL_ERROR;
@@ -162,8 +176,7 @@ ModelRef* writableModel(ModelRef* model) {
         fileProblem("Can't change a design file that isn't open: open it first.");
         return nullptr;
     }
-    const bool isActive = files.active && found == &files.active->model;
-    if (isActive && !files.active->isReadOnly()) return found;
+    if (found->file->takesChanges()) return found;
     fileProblem("Can't change the design file \"" + found->file->name() +
                 "\": it is open to be read only. Open it to be written, or copy it first.");
     return nullptr;
@@ -222,6 +235,15 @@ int mdlWorkDgn_openFile(ModelRef** modelP, const char* name) {
     });
 }
 
+int mdlWorkDgn_openFileToWrite(ModelRef** modelP, const char* name) {
+    if (modelP == nullptr) return MDL_ERROR;
+    return withFile("open the design file", name, [&](const std::string& path) {
+        watchSession();
+        *modelP = openWork(path, FileKind::designFile, DesignFile::Use::write);
+        return MDL_SUCCESS;
+    });
+}
+
 int mdlWorkDgn_openCellLibrary(ModelRef** modelP, const char* name) {
     if (modelP == nullptr) return MDL_ERROR;
     return withFile("open the cell library", name, [&](const std::string& path) {
@@ -233,8 +255,14 @@ int mdlWorkDgn_openCellLibrary(ModelRef** modelP, const char* name) {
 
 int mdlWorkDgn_closeFile(ModelRef* model) {
     if (model == nullptr) return MDL_ERROR;
-    if (std::erase_if(files.work, [&](const auto& file) { return &file->model == model; }) != 0) return MDL_SUCCESS;
-    return model == mdlModelRef_getActive() ? MDL_SUCCESS : MDL_ERROR;
+    const auto found = std::ranges::find(files.work, model, [](const auto& file) { return &file->model; });
+    if (found == files.work.end()) return model == mdlModelRef_getActive() ? MDL_SUCCESS : MDL_ERROR;
+    const std::unique_ptr<DesignFile> file = std::move(*found);
+    files.work.erase(found);
+    return withFile("close the design file", file->name().c_str(), [&](const std::string&) {
+        file->close();
+        return MDL_SUCCESS;
+    });
 }
 
 ModelRef* mdlLevelLibrary_getModelRef(void) {

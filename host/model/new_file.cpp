@@ -1,14 +1,24 @@
 #include "host/model/new_file.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <charconv>
+#include <filesystem>
+#include <optional>
+#include <string_view>
 #include <system_error>
 
 namespace host {
 
 namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view ending = ".new";
 
 // 0, or the error number.
 int waitForDisk(const std::string& path) {
@@ -19,48 +29,96 @@ int waitForDisk(const std::string& path) {
     return error;
 }
 
-int giveNameOfAnother(const std::string& temporary, const std::string& path) {
-    return rename(temporary.c_str(), path.c_str()) == 0 ? 0 : errno;
+int nameInPlace(const std::string& from, const std::string& to) {
+    return rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
 }
 
-int giveName(const std::string& temporary, const std::string& path) {
-    if (link(temporary.c_str(), path.c_str()) == 0) {
-        unlink(temporary.c_str());
+int nameIfFree(const std::string& from, const std::string& to) {
+    if (link(from.c_str(), to.c_str()) == 0) {
+        unlink(from.c_str());
         return 0;
     }
     const int error = errno;
     const bool noLinks = error == EPERM || error == EOPNOTSUPP || error == ENOSYS;
     if (!noLinks) return error;
-    if (access(path.c_str(), F_OK) == 0) return EEXIST;
-    return giveNameOfAnother(temporary, path);
+    if (access(to.c_str(), F_OK) == 0) return EEXIST;
+    return nameInPlace(from, to);
+}
+
+// The process of a name "BASE.PROCESS.new"; nothing for other names.
+std::optional<pid_t> makerOf(std::string_view name, std::string_view base) {
+    if (!name.starts_with(base) || !name.ends_with(ending)) return std::nullopt;
+    name.remove_suffix(ending.size());
+    name.remove_prefix(std::min(base.size(), name.size()));
+    if (!name.starts_with('.')) return std::nullopt;
+    pid_t maker = 0;
+    const char* const last = name.data() + name.size();
+    const auto [end, error] = std::from_chars(name.data() + 1, last, maker);
+    return error == std::errc() && end == last && maker > 0 ? std::optional(maker) : std::nullopt;
+}
+
+bool isGone(pid_t process) {
+    return kill(process, 0) != 0 && errno == ESRCH;
+}
+
+void removeStale(const fs::path& path) {
+    const std::string base = path.filename();
+    std::error_code failed;
+    fs::directory_iterator entry(path.has_parent_path() ? path.parent_path() : ".", failed);
+    for (; !failed && entry != fs::directory_iterator(); entry.increment(failed)) {
+        const std::optional<pid_t> maker = makerOf(entry->path().filename().string(), base);
+        if (maker && isGone(*maker)) unlink(entry->path().c_str());
+    }
+}
+
+// 0, or the error number.
+int makeEmpty(const std::string& name) {
+    const int file = open(name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0644);
+    if (file < 0) return errno;
+    close(file);
+    return 0;
+}
+
+sigset_t endingSignals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
+    return signals;
 }
 
 }  // namespace
 
-std::string temporaryName(const std::string& path) {
-    return path + "." + std::to_string(getpid()) + ".new";
-}
-
-namespace {
-
-using Name = int (*)(const std::string& temporary, const std::string& path);
-
-void publish(const std::string& temporary, const std::string& path, Name name) {
-    int error = waitForDisk(temporary);
-    if (error == 0) error = name(temporary, path);
-    if (error == 0) return;
-    unlink(temporary.c_str());
+NewFile::NewFile(const std::string& path)
+    : path_(path), name_(path + "." + std::to_string(getpid()) + std::string(ending)) {
+    removeStale(path);
+    unlink(name_.c_str());  // of a killed process that had our number
+    const sigset_t signals = endingSignals();
+    pthread_sigmask(SIG_BLOCK, &signals, &before_);
+    const int error = makeEmpty(name_);
+    there_ = error == 0;
+    if (there_) return;
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
     throw std::system_error(error, std::generic_category());
 }
 
-}  // namespace
-
-void publishFile(const std::string& temporary, const std::string& path) {
-    publish(temporary, path, giveName);
+NewFile::~NewFile() {
+    if (there_) unlink(name_.c_str());
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-void replaceFile(const std::string& temporary, const std::string& path) {
-    publish(temporary, path, giveNameOfAnother);
+void NewFile::giveName(Naming naming) {
+    int error = waitForDisk(name_);
+    if (error == 0) error = naming(name_, path_);
+    if (error != 0) throw std::system_error(error, std::generic_category());
+    there_ = false;
+}
+
+void NewFile::publish() {
+    giveName(nameIfFree);
+}
+
+void NewFile::replace() {
+    giveName(nameInPlace);
 }
 
 }  // namespace host

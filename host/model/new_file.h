@@ -1,18 +1,36 @@
 // Files that are made whole under a name of their own, and then get the one that they are known by.
 #pragma once
 
+#include <csignal>
 #include <string>
 
 namespace host {
 
-// A name beside `path` that no other process takes.
-std::string temporaryName(const std::string& path);
+// An empty file "PATH.PROCESS.new" to fill, which nobody else takes or can lead elsewhere by a link. It goes again
+// unless it gets its name; signals that end the process wait until one of both has happened. Those of processes that
+// were killed are removed on the way.
+class NewFile {
+  public:
+    explicit NewFile(const std::string& path);  // std::system_error when it can't be made
+    ~NewFile();
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
 
-// Gives the file at `temporary` the name `path` when it is safely on the disk. Throws std::system_error, with the
-// temporary file removed, when that fails; file_exists when the name has been taken in the meantime.
-void publishFile(const std::string& temporary, const std::string& path);
+    const std::string& name() const { return name_; }
 
-// The same in place of any file that has the name.
-void replaceFile(const std::string& temporary, const std::string& path);
+    // Gives the file its name when it is safely on the disk. Throws std::system_error when that fails; file_exists when
+    // the name has been taken in the meantime.
+    void publish();
+    // The same in place of any file that has the name.
+    void replace();
+
+  private:
+    using Naming = int (*)(const std::string& from, const std::string& to);
+    void giveName(Naming naming);
+
+    std::string path_, name_;
+    sigset_t before_;  // the signals that were held back before
+    bool there_ = false;
+};
 
 }  // namespace host

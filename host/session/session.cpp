@@ -51,11 +51,11 @@ bool designFileIsOpen() {
 void finishCommand(Session::State& state) {
     closeQueuedDialogs();
     std::erase_if(state.keyIns, [&](const KeyIn& k) { return k.task.empty() && state.carryOut && state.carryOut(k); });
-    if (designFileIsOpen() && mdlSystem_saveDesignFile() != MDL_SUCCESS && state.exitStatus == 0) state.exitStatus = 1;
+    if (designFileIsOpen() && mdlSystem_saveDesignFile() != MDL_SUCCESS) markFailed();
 }
 
-void closeDesignFile(Session::State& state) {
-    if (designFileIsOpen() && mdlSystem_closeDesignFile() != MDL_SUCCESS && state.exitStatus == 0) state.exitStatus = 1;
+void closeDesignFile() {
+    if (designFileIsOpen() && mdlSystem_closeDesignFile() != MDL_SUCCESS) markFailed();
 }
 
 }  // namespace
@@ -86,7 +86,7 @@ Session::~Session() {
 
 void Session::finish() {
     for (size_t i = state_->applications.size(); i-- > 0;) endApplication(state_->applications[i].get());
-    closeDesignFile(*state_);
+    closeDesignFile();
 }
 
 Session* Session::current() {
@@ -109,6 +109,10 @@ FrontEnd& Session::frontEnd() {
 
 Session::State& Session::state() {
     return *state_;
+}
+
+void markFailed() {
+    if (activeState && activeState->exitStatus == 0) activeState->exitStatus = 1;
 }
 
 void observeSessionEnd(void (*observer)()) {

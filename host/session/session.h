@@ -96,6 +96,9 @@ HOST_EXPORT void observeApplicationEnd(void (*observer)(MdlDesc* desc));
 // still stands and can show messages; the observer told last is called first.
 HOST_EXPORT void observeSessionEnd(void (*observer)());
 
+// Something that the session was to keep isn't kept, or not where it should be: its exit status is a failure.
+void markFailed();
+
 // Calls the new-design-file functions of all applications: state 0 before the open file is closed, 1 when the new one
 // is open.
 HOST_EXPORT void fireNewDesignFile(const char* name, int state);

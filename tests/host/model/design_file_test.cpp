@@ -1,8 +1,10 @@
 // Design files from making to closing: what is kept, and what happens beside other sessions and on bad disks.
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/mount.h>
 #include <unistd.h>
 
+#include <fstream>
 #include <random>
 
 #include "host/mdl/files.h"
@@ -218,6 +220,41 @@ TEST_F(DesignFile, WorkFileIsReadBesideTheActiveOne) {
     EXPECT_EQ(numberOf(1, work), UINT32_MAX) << "a closed model is no model";
 }
 
+TEST_F(DesignFile, WorkFileThatIsOpenToBeWrittenIsStoredWhenItIsClosed) {
+    create();
+    const std::string other = path("work.mcd");
+    mdlSystem_createDesignFile(other.c_str(), 0);
+    open();
+    const auto addTo = [&](ModelRef* work, uint32_t number) {
+        ElementDescr* ed = nullptr;
+        mdlElmdscr_new(&ed, work, numbered(number));
+        const FilePos position = mdlElmdscr_add(ed);
+        mdlElmdscr_freeAll(&ed);
+        return position;
+    };
+    ModelRef *work = nullptr, *again = nullptr;
+    ASSERT_EQ(mdlWorkDgn_openFileToWrite(&work, other.c_str()), MDL_SUCCESS);
+    EXPECT_EQ(mdlWorkDgn_openFileToWrite(&again, other.c_str()), MDL_ERROR) << "one writer";
+    onlyMessage(other);
+    EXPECT_EQ(mdlWorkDgn_openFileToWrite(&again, file.c_str()), MDL_ERROR) << "it is the active one";
+    onlyMessage(file);
+    EXPECT_EQ(addTo(work, 7), 1u);
+    EXPECT_EQ(mdlWorkDgn_closeFile(work), MDL_SUCCESS);
+    EXPECT_EQ(addTo(work, 8), 0u) << "a closed model is no model";
+    front().clear();
+    ASSERT_EQ(mdlWorkDgn_openFileToWrite(&work, other.c_str()), MDL_SUCCESS);
+    EXPECT_EQ(addTo(work, 9), 2u);
+    endSession();
+    host::Session next;
+    ASSERT_EQ(mdlWorkDgn_openFile(&work, other.c_str()), MDL_SUCCESS);
+    EXPECT_EQ(numberOf(1, work), 7u);
+    EXPECT_EQ(numberOf(2, work), 9u) << "stored with the end of the session";
+    {
+        const WriteProtection protection(other);
+        EXPECT_EQ(mdlWorkDgn_openFileToWrite(&again, other.c_str()), MDL_ERROR);
+    }
+}
+
 // ---- other sessions ----
 
 // A child process that has the file open to write, with one element stored and another one not stored yet.
@@ -355,6 +392,75 @@ TEST_F(DesignFile, FullDiskLosesNothing) {
         EXPECT_EQ(numberOf(kept, model), kept);
         mdlWorkDgn_closeFile(model);
     }
+}
+
+// A small disk of its own. Nothing stands where this process may not have one.
+class SmallDisk {
+  public:
+    explicit SmallDisk(std::string folder) : folder_(std::move(folder)) {
+        std::filesystem::create_directory(folder_);
+        there_ = mount("none", folder_.c_str(), "tmpfs", 0, "size=2m") == 0;
+    }
+    ~SmallDisk() {
+        if (there_) umount(folder_.c_str());
+    }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+    bool isThere() const { return there_; }
+    void fill() const {
+        std::ofstream filler(folder_ + "/filler");
+        while (filler << std::string(4096, 'x') << std::flush) continue;
+    }
+
+  private:
+    std::string folder_;
+    bool there_;
+};
+
+// The log of the last changes fits on the disk, but the file that should take it in can't grow any more.
+TEST_F(DesignFile, AFileThatIsNotWholeWithoutItsLogIsNotClosedWell) {
+    const SmallDisk disk(path("disk"));
+    if (!disk.isThere()) GTEST_SKIP() << "no disk can be made here";
+    const std::string name = path("disk/a.mcd");
+    create();
+    ASSERT_EQ(mdlSystem_createDesignFile(name.c_str(), 0), MDL_SUCCESS);
+    ASSERT_EQ(mdlSystem_newDesignFile(name.c_str(), 0), MDL_SUCCESS);
+    for (uint32_t i = 1; i <= 1500; ++i) mdlElement_add(numbered(i));
+    ASSERT_EQ(mdlSystem_saveDesignFile(), MDL_SUCCESS);
+    disk.fill();
+    EXPECT_EQ(mdlSystem_newDesignFile(file.c_str(), 0), MDL_ERROR);
+    EXPECT_EQ(tcbP->designFileName, name) << "it stays open";
+    EXPECT_NE(onlyMessage(name + "-wal").find("disk is full"), std::string::npos);
+    EXPECT_EQ(mdlSystem_closeDesignFile(), MDL_ERROR);
+    EXPECT_NE(onlyMessage(name + "-wal").find("disk is full"), std::string::npos);
+    EXPECT_EQ(mdlModelRef_getActive(), nullptr);
+
+    ASSERT_EQ(mdlSystem_newDesignFile(name.c_str(), 0), MDL_SUCCESS);
+    EXPECT_EQ(mdlModelRef_getElementCount(nullptr), 1500u) << "what is in the log counts";
+    session().finish();
+    EXPECT_EQ(session().exitStatus(), 1) << "nothing was changed, and the log is there still";
+    front().clear();
+    for (const char* end : {"", "-wal"}) std::filesystem::copy_file(name + end, path("moved.mcd") + end);
+    ASSERT_EQ(mdlSystem_newDesignFile(path("moved.mcd").c_str(), 0), MDL_SUCCESS);
+    EXPECT_EQ(mdlModelRef_getElementCount(nullptr), 1500u);
+    EXPECT_EQ(mdlSystem_closeDesignFile(), MDL_SUCCESS);
+    EXPECT_FALSE(std::filesystem::exists(path("moved.mcd-wal")));
+}
+
+TEST_F(DesignFile, NewFilesTakeTheirTemporaryNameFromNobody) {
+    const pid_t gone = startChild([] { return 0; });
+    waitForChild(gone);
+    const std::string victim = writeFile("victim", "whole"), own = file + "." + std::to_string(getpid()) + ".new";
+    const std::string stale = writeFile("a.mcd." + std::to_string(gone) + ".new", "half");
+    const std::string running = writeFile("a.mcd." + std::to_string(getppid()) + ".new", "half");
+    const std::string other = writeFile("a.mcd.x.new", "another");
+    std::filesystem::create_symlink(victim, own);
+    create();
+    EXPECT_EQ(readFile("victim"), "whole");
+    EXPECT_FALSE(std::filesystem::exists(stale));
+    EXPECT_TRUE(std::filesystem::exists(running) && std::filesystem::exists(other));
+    EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(own)));
+    open();
 }
 
 }  // namespace
