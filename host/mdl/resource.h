@@ -22,7 +22,9 @@ enum { MDL_RSC_READ_ONLY = -906 /* the file was opened for reading, or it or its
     ((int32_t)((uint32_t)(unsigned char)(a) << 24 | (uint32_t)(unsigned char)(b) << 16 | \
                (uint32_t)(unsigned char)(c) << 8 | (uint32_t)(unsigned char)(d)))
 
-/* ---- files ---- */
+/* ---- files ----
+ * A file that was removed or replaced since it was opened takes no more: calls that write give MDL_ERROR, with a line in
+ * the message centre. */
 
 /* Makes a resource file without content, which then has to be opened. A resource file of that name is emptied, except
  * one that another process makes at the same time: it does for both. A file that is no resource file, is damaged, of a
@@ -34,10 +36,12 @@ MDL_EXPORT int mdlResource_createFile(const char *name, const char *title, int m
  * also looked in for what an own file lacks.
  * To be written the file must be writable. A name without an extension is also tried with ".rsc".
  * 0, or MDL_ERROR with the handle 0; a file that isn't a resource file, or is damaged, also gets a line in the message
- * centre, and stays as it is; one that isn't there, or can't be written to, gets none. What an application leaves open
- * is closed when it ends. */
+ * centre (one, however often the application tries), and stays as it is; one that isn't there, or can't be written to,
+ * gets none. What an application leaves open is closed when it ends. */
 MDL_EXPORT int mdlResource_openFile(RscHandle *handleP, const char *name, int mode);
-/* Closes; blocks that were loaded from the file stay valid, but can't be written any more. */
+/* Closes; blocks that were loaded from the file stay valid, but can't be written any more. MDL_ERROR for one that isn't
+ * open or, with a line in the message centre, whose last changes stay in the log beside it (NAME-wal): nothing is lost
+ * while the two are kept together. */
 MDL_EXPORT int mdlResource_closeFile(RscHandle handle);
 
 /* ---- what a file holds ---- */

@@ -1,6 +1,5 @@
 #include "host/resource/container.h"
 
-#include <filesystem>
 #include <span>
 #include <system_error>
 
@@ -181,9 +180,11 @@ void writeIcons(Database& db, const ResourceContents& contents) {
     }
 }
 
-void writeAll(const std::string& path, const ResourceContents& contents) {
+}  // namespace
+
+void fillContainer(const std::string& path, const ResourceContents& contents) {
     Database db;
-    db.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    db.open(path, SQLITE_OPEN_READWRITE);
     db.run("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF; PRAGMA application_id = " +
            std::to_string(containerKind) + "; PRAGMA user_version = " + std::to_string(containerVersion));
     Transaction transaction(db);
@@ -193,6 +194,8 @@ void writeAll(const std::string& path, const ResourceContents& contents) {
     writeIcons(db, contents);
     transaction.commit();
 }
+
+namespace {
 
 int32_t readVersion(Database& db, const std::string& path) {
     if (db.number("PRAGMA application_id") != containerKind)
@@ -254,14 +257,11 @@ ResourceContents readContainer(const std::string& path) {
 }
 
 void writeContainer(const std::string& path, const ResourceContents& contents) {
-    const std::string fresh = temporaryName(path);
-    std::error_code ignored;
-    std::filesystem::remove(fresh, ignored);
     try {
-        writeAll(fresh, contents);
-        replaceFile(fresh, path);
+        NewFile file(path);
+        fillContainer(file.name(), contents);
+        file.replace();
     } catch (const std::exception& error) {
-        std::filesystem::remove(fresh, ignored);
         refuse(path, "can't be written (" + std::string(error.what()) +
                          "); make sure that its folder is there and can be written to, and that there is room");
     }

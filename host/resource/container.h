@@ -92,6 +92,9 @@ class Database;  // host/model/sqlite.h
 // Opens the file as a database, for reading what is stored in it. Throws SqliteFailure.
 void openResourceDatabase(Database& database, const std::string& path);
 
+// Writes into an empty file that nobody else knows. Throws SqliteFailure.
+void fillContainer(const std::string& path, const ResourceContents& contents);
+
 HOST_EXPORT ResourceContents readContainer(const std::string& path);
 // Writes a new file in place of any at `path`, whole or not at all.
 HOST_EXPORT void writeContainer(const std::string& path, const ResourceContents& contents);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -46,7 +47,8 @@ struct OpenFile {
 // Lives for the process; an application's files leave it when they are closed or the application ends, others with the
 // session.
 struct OpenFiles {
-    std::vector<OpenFile> files;  // in order of opening
+    std::vector<OpenFile> files;                         // in order of opening
+    std::vector<std::pair<MdlDesc*, std::string>> told;  // why a file can't be read, and who knows it
     RscHandle lastHandle = 0;
 };
 OpenFiles& openFiles() {
@@ -54,8 +56,19 @@ OpenFiles& openFiles() {
     return state;
 }
 
+// MDL_SUCCESS when all of them are whole without a log now.
+int closeFiles(const std::function<bool(const OpenFile&)>& which) {
+    int status = MDL_SUCCESS;
+    for (const OpenFile& file : openFiles().files)
+        if (which(file) && guarded<int>(MDL_ERROR, [&] { return file.store->close(), MDL_SUCCESS; }) != MDL_SUCCESS)
+            status = MDL_ERROR;
+    std::erase_if(openFiles().files, which);
+    return status;
+}
+
 void closeFilesOf(MdlDesc* desc) {
-    std::erase_if(openFiles().files, [desc](const OpenFile& file) { return file.owner == desc; });
+    if (closeFiles([desc](const OpenFile& file) { return file.owner == desc; }) != MDL_SUCCESS) markFailed();
+    std::erase_if(openFiles().told, [desc](const auto& known) { return known.first == desc; });
 }
 
 void watchApplications() {
@@ -110,7 +123,14 @@ bool canBeWritten(const std::string& path) {
 RscHandle openFile(const std::string& path, int mode) {
     const std::optional<FileStamp> stamp = stampOf(path);
     if (!stamp || (mode == MDL_RSC_WRITE && !canBeWritten(path))) return 0;
-    SharedContents contents = contentsOf(path, *stamp);
+    SharedContents contents;
+    try {
+        contents = contentsOf(path, *stamp);
+    } catch (const ResourceError& error) {
+        tellUnreadable(error);
+        return 0;
+    }
+    std::erase_if(openFiles().told, [&](const auto& known) { return known.second.starts_with(path + ": "); });
     watchApplications();
     const RscHandle handle = openFiles().lastHandle + 1;
     openFiles().files.push_back(
@@ -190,6 +210,15 @@ std::shared_ptr<const ResourceContents> contentsOf(RscHandle handle) {
     return search(handle, [](const OpenFile& file) { return file.contents; });
 }
 
+void tellUnreadable(const ResourceError& error) {
+    watchApplications();
+    auto& told = openFiles().told;
+    const std::pair<MdlDesc*, std::string> known(mdlSystem_getCurrMdlDesc(), error.what());
+    if (std::ranges::find(told, known) != told.end()) return;
+    told.push_back(known);
+    reportError(error.what());
+}
+
 std::vector<OpenStore> openStores(RscHandle handle) {
     std::vector<OpenStore> stores;
     search(handle, [&](const OpenFile& file) -> const OpenFile* {
@@ -212,9 +241,9 @@ int mdlResource_openFile(RscHandle* handleP, const char* name, int mode) {
 }
 
 int mdlResource_closeFile(RscHandle handle) {
-    const auto closed =
-        std::erase_if(host::openFiles().files, [handle](const host::OpenFile& file) { return file.handle == handle; });
-    return closed ? MDL_SUCCESS : MDL_ERROR;
+    const auto isIt = [handle](const host::OpenFile& file) { return file.handle == handle; };
+    if (std::ranges::none_of(host::openFiles().files, isIt)) return MDL_ERROR;
+    return host::closeFiles(isIt);
 }
 
 int mdlResource_loadFromStringList(char* buffer, RscHandle rscFile, int32_t listId, int32_t messageId) {

@@ -31,6 +31,8 @@ struct OpenStore {
 };
 // The store of that handle, or all in order of search.
 std::vector<OpenStore> openStores(RscHandle file);
+// Tells why a file can't be read: an application once, however often it tries, until that file has been opened.
+void tellUnreadable(const ResourceError& error);
 // Runs a body that writes to the store of a handle. A status of host/mdl/resource.h; the reason of a failure goes to
 // the message centre.
 int writeTo(RscHandle file, const std::function<void(ResourceStore&)>& body) noexcept;

@@ -6,9 +6,11 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <iterator>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "host/model/digest.h"
@@ -98,6 +100,11 @@ Reason reasonOf(const SqliteFailure& failure) {
     }
 }
 
+FilePlace placeOf(const std::string& path) {
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 ? FilePlace{info.st_dev, info.st_ino} : FilePlace{};
+}
+
 [[noreturn]] void failWith(const std::string& path, const Reason& reason) {
     throw StoreFailure(path + ": " + reason.text, reason.readOnly);
 }
@@ -118,8 +125,27 @@ struct ResourceStore::Statements {
 
 ResourceStore::ResourceStore(std::string path) : path_(std::move(path)) {}
 
-// The last one to close takes the log into the file.
-ResourceStore::~ResourceStore() = default;
+ResourceStore::~ResourceStore() {
+    try {
+        close();
+    } catch (const std::exception&) {
+        // Those who can still tell somebody have closed it before.
+    }
+}
+
+// The last one to close takes the log into the file; another process that has the file open does it later.
+void ResourceStore::close() {
+    if (!database_) return;
+    const std::unique_ptr<Database> database = std::move(database_);
+    statements_.reset();
+    if (!std::exchange(writable_, false)) return;
+    try {
+        database->run("PRAGMA wal_checkpoint(TRUNCATE)");
+    } catch (const SqliteFailure& failure) {
+        failWith(path_ + "-wal", {"the last changes of \"" + path_ + "\" are here and couldn't be brought into it (" +
+                                  reasonOf(failure).text + "); keep the two together and open it again"});
+    }
+}
 
 void ResourceStore::fail(const std::string& why, bool readOnly) const {
     failWith(path_, {why, readOnly});
@@ -140,11 +166,19 @@ Database& ResourceStore::reading() {
     auto database = std::make_unique<Database>();
     openResourceDatabase(*database, path_);
     database_ = std::move(database);
+    place_ = placeOf(path_);
     return *database_;
+}
+
+// What would be written to a file that has lost its name is lost with it.
+void ResourceStore::requireInPlace() const {
+    if (placeOf(path_) == place_) return;
+    fail("the file was removed or replaced while it was open, so nothing more is kept in it; open it again");
 }
 
 Database& ResourceStore::writing() {
     Database& db = reading();
+    requireInPlace();
     if (writable_) return db;
     try {
         if (db.text("PRAGMA journal_mode = WAL") == "wal") db.run("PRAGMA synchronous = NORMAL");
@@ -308,24 +342,27 @@ void requireFolder(const std::string& path) {
                     !missing});
 }
 
-// Gives a file that nobody knows yet its tables and its log, without waiting for the disk.
+// Gives a file that nobody knows yet its tables, without a log and without waiting for the disk.
 void prepare(const std::string& path, std::string_view title) {
     Database db;
     db.open(path, SQLITE_OPEN_READWRITE);
-    db.run("PRAGMA synchronous = OFF; PRAGMA journal_mode = WAL");
+    db.run("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF");
     Transaction transaction(db);
     db.run(schema);
     Statement(db, "INSERT INTO about VALUES(?)").execute(bytesOf(title));
     transaction.commit();
 }
 
-// Lets one process at a time make files in a folder. Where the file system has no locks, nobody waits.
+// Lets one process at a time make files in a folder. Where the file system has no locks, nobody waits. A StoreFailure
+// when others have the folder for longer than any file takes.
 class FolderLock {
   public:
     explicit FolderLock(const std::string& path) {
         const std::filesystem::path folder = std::filesystem::path(path).parent_path();
         folder_ = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (folder_ >= 0) flock(folder_, LOCK_EX);
+        if (folder_ < 0 || take()) return;
+        close(folder_);
+        failWith(path, {"another program has its folder locked; try again when it has ended, or give another folder"});
     }
     ~FolderLock() {
         if (folder_ >= 0) close(folder_);
@@ -334,6 +371,17 @@ class FolderLock {
     FolderLock& operator=(const FolderLock&) = delete;
 
   private:
+    bool take() const {
+        constexpr std::chrono::milliseconds longest(5000), pause(10);
+        const auto end = std::chrono::steady_clock::now() + longest;
+        while (flock(folder_, LOCK_EX | LOCK_NB) != 0) {
+            if (errno != EWOULDBLOCK && errno != EINTR) return true;
+            if (std::chrono::steady_clock::now() >= end) return false;
+            std::this_thread::sleep_for(pause);
+        }
+        return true;
+    }
+
     int folder_;
 };
 
@@ -345,22 +393,18 @@ void makeResourceFile(const std::string& path, std::string_view title) {
     if (access(path.c_str(), F_OK) == 0) return;
     // The log of a file that was removed would be taken for the new file's own.
     for (const char* companion : {"-wal", "-shm", "-journal"}) unlink((path + companion).c_str());
-    const std::string temporary = temporaryName(path);
     try {
-        writeContainer(temporary, {});
-        prepare(temporary, title);
-        publishFile(temporary, path);
+        NewFile file(path);
+        fillContainer(file.name(), {});
+        prepare(file.name(), title);
+        file.publish();
     } catch (const std::system_error& error) {
         if (error.code() == std::errc::file_exists) return;
         failWith(path,
                  {"can't be made (" + error.code().message() + "); check the name, its folder and the disk",
                   error.code() == std::errc::permission_denied || error.code() == std::errc::read_only_file_system});
     } catch (const SqliteFailure& failure) {
-        unlink(temporary.c_str());
         failWith(path, reasonOf(failure));
-    } catch (const ResourceError&) {
-        unlink(temporary.c_str());
-        failWith(path, {"it can't be made; make sure that there is room on the disk, and try again"});
     }
 }
 

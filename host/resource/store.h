@@ -10,6 +10,8 @@
 // only.
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -50,14 +52,25 @@ struct ListHead {
     std::string name;
 };
 
+// Which file it is, whatever its name; of no file: zeros.
+struct FilePlace {
+    dev_t device = 0;
+    ino_t inode = 0;
+    bool operator==(const FilePlace&) const = default;
+};
+
 class HOST_EXPORT ResourceStore {
   public:
     explicit ResourceStore(std::string path);  // of a resource file that was read; it is opened when it is needed
-    ~ResourceStore();
+    ~ResourceStore();                          // as close
     ResourceStore(const ResourceStore&) = delete;
     ResourceStore& operator=(const ResourceStore&) = delete;
 
     const std::string& path() const { return path_; }
+
+    // Ends the database, which the next call opens again. A failure when what was written stays in the log beside the
+    // file; nothing is lost then as long as the two stay together.
+    void close();
 
     // Nothing when there is none.
     std::optional<std::vector<std::byte>> block(int32_t type, int32_t id);
@@ -78,6 +91,7 @@ class HOST_EXPORT ResourceStore {
     struct Statements;
     Database& reading();
     Database& writing();
+    void requireInPlace() const;
     bool hasTable(const char* name);
     [[noreturn]] void fail(const std::string& why, bool readOnly = false) const;
     template <class Body>
@@ -86,6 +100,7 @@ class HOST_EXPORT ResourceStore {
     std::string path_;
     std::unique_ptr<Database> database_;
     std::unique_ptr<Statements> statements_;
+    FilePlace place_;
     bool writable_ = false;  // the tables are there and the log is on
 };
 

@@ -74,6 +74,8 @@ int status(const std::function<void()>& body) noexcept {
     } catch (const StoreFailure& failure) {
         reportError(failure.what());
         return failure.readOnly ? int{MDL_RSC_READ_ONLY} : int{MDL_ERROR};
+    } catch (const ResourceError& error) {
+        return guarded<int>(MDL_ERROR, [&] { return tellUnreadable(error), MDL_ERROR; });
     } catch (const std::exception& error) {
         reportError(error.what());
         return MDL_ERROR;

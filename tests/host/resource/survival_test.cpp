@@ -1,10 +1,14 @@
 // Resource files against processes that are killed while they write, and against each other.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <string>
 #include <thread>
@@ -109,6 +113,33 @@ TEST_F(Survival, AKilledMakerLeavesNoHalfFile) {
         }
         EXPECT_NO_THROW(host::createResourceFile(file, "title"));
     }
+}
+
+TEST_F(Survival, ANewFileIsWholeWithoutALog) {
+    host::makeResourceFile(file, "title");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1);
+    char head[20] = "";
+    std::ifstream(file, std::ios::binary).read(head, sizeof head);
+    EXPECT_EQ(head[18], 1) << "a file that is known by its log alone is none before its name is there";
+    ResourceStore store(file);
+    EXPECT_EQ(store.title(), "title");
+}
+
+TEST_F(Survival, ALockedFolderIsToldAndNotWaitedForWithoutEnd) {
+    const int lock = open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    ASSERT_EQ(flock(lock, LOCK_EX), 0);
+    EXPECT_EQ(inChild([&] {
+                  alarm(20);
+                  close(lock);
+                  try {
+                      host::makeResourceFile(file, "");
+                  } catch (const host::StoreFailure& failure) {
+                      return std::string(failure.what()).find("locked") != std::string::npos ? 0 : 1;
+                  }
+                  return 2;
+              }),
+              0);
+    close(lock);
 }
 
 TEST_F(Survival, TwoMakersAtOnceKeepEachOthersContent) {

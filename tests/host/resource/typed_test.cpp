@@ -107,6 +107,39 @@ TEST_F(Typed, ABlockOutlivesItsFileButIsNotWrittenAnyMoreAndIsGivenBackOnce) {
     EXPECT_EQ(mdlResource_free(nullptr), MDL_SUCCESS);
 }
 
+TEST_F(Typed, AFileThatLostItsNameTakesNoMore) {
+    for (const bool replaced : {false, true}) {
+        SCOPED_TRACE(replaced);
+        const std::string file = make("a.rsc");
+        const RscHandle handle = open(file);
+        ASSERT_EQ(add(handle, 1, "kept"), MDL_SUCCESS);
+        std::filesystem::remove(file);
+        if (replaced) std::filesystem::rename(make("b.rsc"), file);
+        front().clear();
+        EXPECT_EQ(add(handle, 2, "nowhere"), MDL_ERROR);
+        EXPECT_EQ(rewrite(handle, 1, "none"), MDL_ERROR);
+        ASSERT_EQ(front().messages.size(), 2u);
+        EXPECT_THAT(front().messages[0].brief, testing::HasSubstr(file + ": the file was removed or replaced"));
+        mdlResource_closeFile(handle);
+        EXPECT_EQ(load(replaced ? open(file) : 0, 2), "(none)");
+        std::filesystem::remove(file);
+    }
+}
+
+TEST_F(Typed, WhyAFileCannotBeReadIsToldOnce) {
+    const std::string file = writeFile("a.rsc", std::string(4096, 'x')), whole = make("b.rsc");
+    RscHandle handle = 0;
+    for (const int mode : {MDL_RSC_WRITE, MDL_RSC_READ, MDL_RSC_WRITE})
+        EXPECT_EQ(mdlResource_openFile(&handle, file.c_str(), mode), MDL_ERROR);
+    EXPECT_EQ(mdlResource_createFile(file.c_str(), "", MDL_RSC_WRITE), MDL_ERROR);
+    EXPECT_EQ(front().messages.size(), 1u);
+    std::filesystem::copy_file(whole, file, std::filesystem::copy_options::overwrite_existing);
+    mdlResource_closeFile(open(file));
+    writeFile("a.rsc", std::string(4096, 'x'));
+    EXPECT_EQ(mdlResource_openFile(&handle, file.c_str(), MDL_RSC_READ), MDL_ERROR);
+    EXPECT_EQ(front().messages.size(), 2u) << "it had become whole in between";
+}
+
 TEST_F(Typed, WithoutAHandleTheFilesOfTheApplicationAreSearchedLastOpenedFirst) {
     const std::string first = make("a.rsc"), second = make("b.rsc");
     asApplication("one", [&] {
