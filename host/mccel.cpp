@@ -497,9 +497,7 @@ void Compiler::compileCell(const toml::table& source) {
     if (!made->firstChild && faults() == 0)
         in_.fault(source, "there is nothing in it; draw = [...] tells its elements");
     mdlCell_setRange(made, nullptr);
-    const bool isNew = std::ranges::none_of(
-        order_, [&](const std::string& known) { return host::sameCellName(wideOf(known), wideOf(*name)); });
-    if (!isNew)
+    if (draft_.has(wideOf(*name)))
         in_.fault(source, "there is a cell of that name already");
     else if (!draft_.add(made))
         in_.fault(source, "it is too large");

@@ -21,6 +21,12 @@ wchar_t folded(wchar_t c) {
     return small ? c - 0x20 : c;
 }
 
+std::wstring inCapitals(std::wstring_view name) {
+    std::wstring capitals(name);
+    std::ranges::transform(capitals, capitals.begin(), folded);
+    return capitals;
+}
+
 bool isCellHeader(const MSElementBuffer* element) {
     return element->head.type == MDL_CELL_HEADER;
 }
@@ -105,10 +111,6 @@ void flatten(const ElementDescr* node, uint32_t depth, std::vector<StoredNode>& 
 
 }  // namespace
 
-bool sameCellName(std::wstring_view a, std::wstring_view b) {
-    return std::ranges::equal(a, b, {}, folded, folded);
-}
-
 // ---- reading ----
 
 CellLibrary::CellLibrary(const std::string& path) : path_(path), model_(std::make_unique<ModelRef>()) {
@@ -124,7 +126,7 @@ void CellLibrary::takeCells() {
         const MSElementBuffer* header = elements.element(position);
         if (header == nullptr) continue;
         std::wstring name = isCellHeader(header) ? nameOf(header) : L"";
-        if (name.empty() || find(name)) {
+        if (name.empty() || !places_.try_emplace(inCapitals(name), cells_.size()).second) {
             refuse("a cell in it has no name of its own. Compile the library anew from its source.");
         }
         cells_.push_back({position, std::move(name), descriptionOf(header)});
@@ -132,8 +134,8 @@ void CellLibrary::takeCells() {
 }
 
 const CellLibrary::Cell* CellLibrary::find(std::wstring_view name) const {
-    const auto found = std::ranges::find_if(cells_, [&](const Cell& cell) { return sameCellName(cell.name, name); });
-    return found != cells_.end() ? &*found : nullptr;
+    const auto found = places_.find(inCapitals(name));
+    return found != places_.end() ? &cells_[found->second] : nullptr;
 }
 
 ElementDescr* CellLibrary::read(const Cell& cell, ModelRef* target) const {
@@ -175,10 +177,13 @@ void CellLibraryDraft::setLevelSymbology(LevelId id, uint32_t color, int32_t sty
     }
 }
 
+bool CellLibraryDraft::has(std::wstring_view name) const {
+    return names_.contains(inCapitals(name));
+}
+
 bool CellLibraryDraft::add(const ElementDescr* cell) {
-    std::wstring name = cell && isCellHeader(cell->element) ? nameOf(cell->element) : L"";
-    const auto isSame = [&](const std::wstring& known) { return sameCellName(known, name); };
-    if (name.empty() || std::ranges::any_of(names_, isSame)) return false;
+    std::wstring name = cell && isCellHeader(cell->element) ? inCapitals(nameOf(cell->element)) : L"";
+    if (name.empty() || names_.contains(name)) return false;
     std::vector<StoredNode> unit;
     flatten(cell, 0, unit);
     const auto isSound = [](const StoredNode& n) {
@@ -186,7 +191,7 @@ bool CellLibraryDraft::add(const ElementDescr* cell) {
     };
     if (!std::ranges::all_of(unit, isSound) || ElementStore::unitBytes(unit) > ElementStore::maxUnitBytes) return false;
     model_->elements.add(unit);
-    names_.push_back(std::move(name));
+    names_.insert(std::move(name));
     return true;
 }
 

@@ -4,6 +4,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "host/export.h"
@@ -12,10 +14,7 @@
 
 namespace host {
 
-// Whether two names of cells are the same: the case of letters doesn't count.
-HOST_EXPORT bool sameCellName(std::wstring_view a, std::wstring_view b);
-
-// What a library file holds, in memory.
+// What a library file holds, in memory. The case of letters doesn't count in names of cells.
 class HOST_EXPORT CellLibrary {
   public:
     struct Cell {
@@ -42,6 +41,7 @@ class HOST_EXPORT CellLibrary {
     std::string path_;
     std::unique_ptr<ModelRef> model_;
     std::vector<Cell> cells_;
+    std::unordered_map<std::wstring, size_t> places_;  // in cells_, by name in capitals
 };
 
 // A library in the making.
@@ -56,6 +56,7 @@ class HOST_EXPORT CellLibraryDraft {
     LevelId level(std::wstring_view name);
     void setLevelSymbology(LevelId id, uint32_t color, int32_t style, uint32_t weight);
 
+    bool has(std::wstring_view name) const;  // a cell of that name
     // Adds a cell: a header (mdlCell_create) with its components. False when it isn't one, is too large, or another
     // cell has its name. The descriptor stays the caller's.
     bool add(const ElementDescr* cell);
@@ -65,7 +66,7 @@ class HOST_EXPORT CellLibraryDraft {
 
   private:
     std::unique_ptr<ModelRef> model_;
-    std::vector<std::wstring> names_;
+    std::unordered_set<std::wstring> names_;  // in capitals
 };
 
 }  // namespace host
