@@ -22,7 +22,7 @@ bool isDefined(const char* variable) {
 
 LevelId findLevel(ModelRef* model, const wchar_t* name) {
     LevelId id = 0;
-    if (model && mdlLevel_isValidByName(model, name)) mdlLevel_getIdFromName(&id, model, 0, name);
+    if (mdlLevel_isValidByName(model, name)) mdlLevel_getIdFromName(&id, model, 0, name);
     return id;
 }
 
@@ -76,13 +76,14 @@ LevelId mclibUtil_levelIdFromNameExtended(const wchar_t* name, int rewriteTable,
     if (!name) return 0;
     ModelRef* model = mdlModelRef_getActive();
     LevelId id = findLevel(model, name);
-    if (!id) id = findLevel(mdlLevelLibrary_getModelRef(), name);
+    ModelRef* const library = id ? nullptr : mdlLevelLibrary_getModelRef();
+    if (library) id = findLevel(library, name);
     if (id) return id;
     if (mdlSystem_getWorkmode() == workmodeV7) {
         reportNoLevelInV7(name);
         return 0;
     }
-    if (!model || mdlLevel_create(&id, model, name) != MDL_SUCCESS) return 0;
+    if (mdlLevel_create(&id, model, name) != MDL_SUCCESS) return 0;
     int status = MDL_SUCCESS;
     if (setSymbology) status = setSymbologyOf(model, id, {word1, word2, word3});
     if (rewriteTable && status == MDL_SUCCESS) mdlLevelTable_rewrite(model);

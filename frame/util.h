@@ -55,7 +55,7 @@ MCLIB_EXPORT int mclibUtil_mdlExternalNotAvailable(void);
  * right already or isn't defined. */
 MCLIB_EXPORT int mclibUtil_setWorkmode(const char* variableName);
 /* Id of the level of that name, which is made when neither the active model nor the level library has it; 0 on failure.
- */
+ * While no design file is open the session's own levels take the model's place. */
 MCLIB_EXPORT LevelId mclibUtil_levelIdFromName(const wchar_t* name);
 /* rewriteTable: store a new level at once. setSymbology: give a new level symbology: word1 colour, word2 weight, word3
  * line style. */

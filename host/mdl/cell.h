@@ -21,7 +21,7 @@ MDL_EXPORT int mdlCell_detachLibrary(void);
  * elements as components. It is in UOR of the active model: a master unit of the library is a master unit there. Levels
  * go by their names; one that the active model hasn't is made with the symbology that it has in the library, and belongs
  * into the design file once an element on it is stored. The header is of the active model's kind, 2D or 3D, as are the
- * headers in it. With no design file open UOR and levels are the library's. `option` makes no difference in this
+ * headers in it. With no design file open UOR and kind are the library's, and levels those of the session (level.h). `option` makes no difference in this
  * host; all `reserved` are null. MDL_ERROR, with *edPP null, when no library is attached or it has no such cell. */
 MDL_EXPORT int mdlCell_getElmDscr(ElementDescr **edPP, const void *reserved1, const void *reserved2,
                                   const void *reserved3, const void *reserved4, const void *reserved5,

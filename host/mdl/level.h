@@ -2,7 +2,11 @@
  *
  * A level has an id (from 1, never given twice), a code, a name, and symbology for the elements that take theirs by
  * level. A new model has the level "Default", id 1, code 0. A level "Level N" or "N" with N from 1 to 63 gets the code
- * N where that is free; every other one gets the next free code from 64 on. */
+ * N where that is free; every other one gets the next free code from 64 on. Names are told apart by case: "Road" and
+ * "ROAD" are two levels.
+ *
+ * A null model means the active one. While no design file is open it means a table of levels of the session's own, so
+ * that what is made then has its levels too; that table is stored nowhere. */
 #ifndef HOST_MDL_LEVEL_H
 #define HOST_MDL_LEVEL_H
 
@@ -28,7 +32,7 @@ MDL_EXPORT int mdlLevel_setElementSymbology(ModelRef *model, LevelId id, const u
 MDL_EXPORT int mdlLevel_setSymbology(ModelRef *model, LevelId id, uint32_t color, int32_t style, uint32_t weight);
 MDL_EXPORT int mdlLevel_getElementSymbology(uint32_t *color, int32_t *style, uint32_t *weight, ModelRef *model,
                                             LevelId id);
-/* Stores the levels of the model in its file. */
+/* Stores the levels of the model in its file; those that came with cells alone are stored with the first element. */
 MDL_EXPORT int mdlLevelTable_rewrite(ModelRef *model);
 /* The model of the level library, or null: the design file that the configuration variable MS_LEVELLIB names. */
 MDL_EXPORT ModelRef *mdlLevelLibrary_getModelRef(void);

@@ -60,6 +60,7 @@ class LevelMap {
         Level& made = addLevel(to_, source->name);
         made.byLevel = source->byLevel;
         made.override = source->override;
+        made.fromCells = true;
         return made.id;
     }
 
@@ -68,11 +69,12 @@ class LevelMap {
     std::map<LevelId, LevelId> known_;
 };
 
-// Brings a cell of a library in line with the model that it goes to: its units, kind and levels.
+// Brings a cell of a library in line with the model that it goes to: its units, kind and levels. One that goes to no
+// model keeps its units and kind; its levels are then those of the session.
 class Fitting {
   public:
-    Fitting(const ModelRef& from, ModelRef& to)
-        : levels_(from, to), is3d_(to.is3d), factor_(to.uorPerMaster / from.uorPerMaster) {}
+    Fitting(const ModelRef& from, ModelRef* to, ModelRef& levels)
+        : levels_(from, levels), to_(to), factor_(to ? to->uorPerMaster / from.uorPerMaster : 1) {}
 
     bool fit(ElementDescr* ed) {
         const Transform transform{{{factor_, 0, 0, 0}, {0, factor_, 0, 0}, {0, 0, factor_, 0}}};
@@ -82,7 +84,7 @@ class Fitting {
   private:
     bool fitChain(ElementDescr* first) {
         for (ElementDescr* node = first; node; node = node->next) {
-            if (isCellHeader(node->element) && !fitHeader(node)) return false;
+            if (to_ && isCellHeader(node->element) && !fitHeader(node)) return false;
             node->element->head.level = levels_(node->element->head.level);
             if (!fitChain(node->firstChild)) return false;
         }
@@ -92,11 +94,12 @@ class Fitting {
     // A cell isn't enlarged by finer units: its axes stay as long as they are.
     bool fitHeader(ElementDescr* node) {
         const auto header = std::make_unique<MSElementBuffer>();
-        return convertCellHeader(header.get(), node->element, is3d_, 1 / factor_) && setNodeElement(node, header.get());
+        return convertCellHeader(header.get(), node->element, to_->is3d, 1 / factor_) &&
+               setNodeElement(node, header.get());
     }
 
     LevelMap levels_;
-    bool is3d_;
+    const ModelRef* to_;
     double factor_;
 };
 
@@ -143,7 +146,8 @@ ElementDescr* CellLibrary::read(const Cell& cell, ModelRef* target) const {
     ElementDescr* ed = readUnit(*model_, cell.position, target, count);
     if (ed == nullptr) return nullptr;
     ed->filePos = 0;  // of the library's own numbering
-    if (target && !Fitting(*model_, *target).fit(ed)) {
+    ModelRef* const levels = levelModel(target);
+    if (levels && !Fitting(*model_, target, *levels).fit(ed)) {
         mdlElmdscr_freeAll(&ed);
         return nullptr;
     }
@@ -155,8 +159,7 @@ ElementDescr* CellLibrary::read(const Cell& cell, ModelRef* target) const {
 
 CellLibraryDraft::CellLibraryDraft(double uorPerMaster) : model_(std::make_unique<ModelRef>()) {
     model_->uorPerMaster = uorPerMaster;
-    model_->levels.push_back({.id = 1, .code = 0, .name = L"Default", .stored = true});
-    model_->nextLevel = 2;
+    addFirstLevel(*model_);
 }
 
 CellLibraryDraft::~CellLibraryDraft() = default;

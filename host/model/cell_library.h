@@ -31,8 +31,8 @@ class HOST_EXPORT CellLibrary {
     const std::vector<Cell>& cells() const { return cells_; }  // in the order in which they were added
     const Cell* find(std::wstring_view name) const;            // null when it has none of that name
 
-    // The cell as a descriptor of `target`, with its units, levels and kind; for null with those of the library. Null
-    // when out of memory.
+    // The cell as a descriptor of `target`, with its units, levels and kind; for null with units and kind of the
+    // library and levels of the session (levelModel), where there is one. Null when out of memory.
     ElementDescr* read(const Cell& cell, ModelRef* target) const;
 
   private:

@@ -351,9 +351,8 @@ void createContainer(const std::string& path, bool is3d, FileKind kind) {
     removeCompanions(path);  // the log of a file that was removed would be taken for the new file's own
     ModelRef model = {};
     model.is3d = is3d;
-    model.levels.push_back({.id = 1, .code = 0, .name = L"Default", .stored = true});
-    model.nextLevel = 2;
-    writeAndPublish(path, model, kind, publishFile);
+    addFirstLevel(model);
+    writeAndPublish(path, model, kind, &NewFile::publish);
 }
 
 void replaceContainer(const std::string& path, ModelRef& model, FileKind kind) {

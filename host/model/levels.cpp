@@ -3,11 +3,13 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <memory>
 
 #include "host/mdl/element.h"
 #include "host/model/model.h"
 #include "host/model/table_rules.h"
 #include "host/session/guard.h"
+#include "host/session/session.h"
 
 namespace host {
 namespace {
@@ -54,20 +56,51 @@ void takeIfGiven(Value& to, const Value* from) {
     if (from) to = *from;
 }
 
+// The levels of the session itself; emptied when it ends.
+std::unique_ptr<ModelRef> ownLevels;
+
+ModelRef* sessionLevels() {
+    if (Session::current() == nullptr) return nullptr;
+    static const bool watching = (observeSessionEnd([] { ownLevels.reset(); }), true);
+    (void)watching;
+    if (!ownLevels) {
+        ownLevels = std::make_unique<ModelRef>();
+        addFirstLevel(*ownLevels);
+    }
+    return ownLevels.get();
+}
+
+// As levelModel, of what can be written; null with a line in the message centre.
+ModelRef* writableLevelModel(ModelRef* model) {
+    ModelRef* found = levelModel(model);
+    return found != nullptr && found == ownLevels.get() ? found : writableModel(model);
+}
+
 // Changes a level of a model that can be written.
 template <class Change>
 int changeLevel(ModelRef* model, LevelId id, Change apply) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
-        ModelRef* found = writableModel(model);
+        ModelRef* found = writableLevelModel(model);
         Level* level = found ? findLevel(*found, id) : nullptr;
         if (level == nullptr) return MDL_ERROR;
         apply(*level);
+        level->fromCells = false;
         if (level->stored) found->tablesChanged = true;
         return MDL_SUCCESS;
     });
 }
 
 }  // namespace
+
+ModelRef* levelModel(ModelRef* model) {
+    ModelRef* found = openModel(model);
+    return found != nullptr || model != nullptr ? found : guarded<ModelRef*>(nullptr, sessionLevels);
+}
+
+void addFirstLevel(ModelRef& model) {
+    model.levels.push_back({.id = 1, .code = 0, .name = L"Default", .stored = true});
+    model.nextLevel = 2;
+}
 
 const Level* findLevel(const ModelRef& model, LevelId id) {
     return findLevel(const_cast<ModelRef&>(model), id);
@@ -91,6 +124,7 @@ void storeLevel(ModelRef& model, LevelId id) {
     Level* level = findLevel(model, id);
     if (level == nullptr || level->stored) return;
     level->stored = true;
+    level->fromCells = false;
     --model.unstoredLevels;
     model.tablesChanged = true;
 }
@@ -100,18 +134,18 @@ void storeLevel(ModelRef& model, LevelId id) {
 using namespace host;
 
 int mdlLevel_isValidByName(ModelRef* model, const wchar_t* name) {
-    return levelByName(openModel(model), name) != nullptr;
+    return levelByName(levelModel(model), name) != nullptr;
 }
 
 int mdlLevel_getIdFromName(LevelId* idP, ModelRef* model, LevelId, const wchar_t* name) {
-    const Level* level = levelByName(openModel(model), name);
+    const Level* level = levelByName(levelModel(model), name);
     if (level == nullptr) return MDL_ERROR;
     if (idP) *idP = level->id;
     return MDL_SUCCESS;
 }
 
 int mdlLevel_getIdFromCode(LevelId* idP, ModelRef* model, int32_t code) {
-    const ModelRef* found = openModel(model);
+    const ModelRef* found = levelModel(model);
     if (found == nullptr) return MDL_ERROR;
     const auto level = std::ranges::find(found->levels, code, &Level::code);
     if (level == found->levels.end()) return MDL_ERROR;
@@ -120,7 +154,7 @@ int mdlLevel_getIdFromCode(LevelId* idP, ModelRef* model, int32_t code) {
 }
 
 int mdlLevel_getName(wchar_t* name, int32_t size, ModelRef* model, LevelId id) {
-    const ModelRef* found = openModel(model);
+    const ModelRef* found = levelModel(model);
     const Level* level = found ? findLevel(*found, id) : nullptr;
     if (level == nullptr || name == nullptr || size <= 0) return MDL_ERROR;
     const size_t copied = std::min(level->name.size(), static_cast<size_t>(size - 1));
@@ -130,7 +164,7 @@ int mdlLevel_getName(wchar_t* name, int32_t size, ModelRef* model, LevelId id) {
 }
 
 int mdlLevel_getCode(int32_t* codeP, ModelRef* model, LevelId id) {
-    const ModelRef* found = openModel(model);
+    const ModelRef* found = levelModel(model);
     const Level* level = found ? findLevel(*found, id) : nullptr;
     if (level == nullptr) return MDL_ERROR;
     if (codeP) *codeP = level->code;
@@ -138,7 +172,7 @@ int mdlLevel_getCode(int32_t* codeP, ModelRef* model, LevelId id) {
 }
 
 int mdlLevel_getNextId(LevelId* idP, ModelRef* model) {
-    const ModelRef* found = openModel(model);
+    const ModelRef* found = levelModel(model);
     if (found == nullptr || idP == nullptr) return MDL_ERROR;
     const auto next = std::ranges::upper_bound(found->levels, *idP, {}, &Level::id);
     if (next == found->levels.end()) return MDL_ERROR;
@@ -149,7 +183,7 @@ int mdlLevel_getNextId(LevelId* idP, ModelRef* model) {
 int mdlLevel_create(LevelId* idP, ModelRef* model, const wchar_t* name) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         if (name == nullptr || !isTableName(name)) return MDL_ERROR;
-        ModelRef* found = writableModel(model);
+        ModelRef* found = writableLevelModel(model);
         if (found == nullptr || levelByName(found, name) != nullptr) return MDL_ERROR;
         const Level& level = addLevel(*found, name);
         if (idP) *idP = level.id;
@@ -175,7 +209,7 @@ int mdlLevel_setSymbology(ModelRef* model, LevelId id, uint32_t color, int32_t s
 }
 
 int mdlLevel_getElementSymbology(uint32_t* color, int32_t* style, uint32_t* weight, ModelRef* model, LevelId id) {
-    const ModelRef* found = openModel(model);
+    const ModelRef* found = levelModel(model);
     const Level* level = found ? findLevel(*found, id) : nullptr;
     if (level == nullptr) return MDL_ERROR;
     if (color) *color = level->byLevel.color;
@@ -186,10 +220,10 @@ int mdlLevel_getElementSymbology(uint32_t* color, int32_t* style, uint32_t* weig
 
 int mdlLevelTable_rewrite(ModelRef* model) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
-        ModelRef* found = writableModel(model);
+        ModelRef* found = writableLevelModel(model);
         if (found == nullptr) return MDL_ERROR;
-        for (Level& level : found->levels) level.stored = true;
-        found->unstoredLevels = 0;
+        for (Level& level : found->levels) level.stored = level.stored || !level.fromCells;
+        found->unstoredLevels = static_cast<uint32_t>(std::ranges::count(found->levels, false, &Level::stored));
         found->tablesChanged = true;
         return MDL_SUCCESS;
     });
@@ -199,7 +233,7 @@ int mdlElement_getEffectiveSymbology(int32_t* color, int32_t* weight, int32_t* s
                                      double* styleWidth, const MSElementBuffer* element, ModelRef* model) {
     if (element == nullptr) return MDL_ERROR;
     const ElementHead& head = element->head;
-    const ModelRef* found = openModel(model);
+    const ModelRef* found = levelModel(model);
     const Level* level = found ? findLevel(*found, head.level) : nullptr;
     const LevelSymbology byLevel = level ? level->byLevel : LevelSymbology{};
     LineStyleParams params = byLevel.styleParams;

@@ -34,7 +34,8 @@ struct Level {
     std::wstring name;
     LevelSymbology byLevel = {};
     LevelOverride override = {};
-    bool stored = false;  // belongs into the file
+    bool stored = false;     // belongs into the file
+    bool fromCells = false;  // a cell that was read has made it: it is stored with an element alone
 };
 
 struct LineStyle {
@@ -84,9 +85,14 @@ ModelRef* openModel(ModelRef* model);
 // The same when it can be written, else null with a line in the message centre.
 ModelRef* writableModel(ModelRef* model);
 
+// The model that a caller of level functions means: while no design file is open, null stands for a table of the
+// session's own, which isn't stored. Null when there is no session either.
+ModelRef* levelModel(ModelRef* model);
+
 const Level* findLevel(const ModelRef& model, LevelId id);
 const LineStyle* findLineStyle(const ModelRef& model, int32_t number);
 const Level* findLevel(const ModelRef& model, std::wstring_view name);
+void addFirstLevel(ModelRef& model);  // "Default", to a model without levels
 // Makes a level of a name that the model hasn't yet, in memory: it isn't stored before it is marked.
 Level& addLevel(ModelRef& model, std::wstring_view name);
 // Marks a level as one that belongs into the file.

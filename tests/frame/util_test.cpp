@@ -303,6 +303,10 @@ TEST_F(Levels, AreMadeOnDemandAndFoundAgain) {
     EXPECT_EQ(mdlLevel_isValidByName(model_, L"Roads"), 1);
     EXPECT_EQ(mclibUtil_levelIdFromName(L""), 0u);
     EXPECT_EQ(mclibUtil_levelIdFromName(nullptr), 0u);
+    mdlSystem_closeDesignFile();
+    const LevelId own = mclibUtil_levelIdFromName(L"Tracks");
+    EXPECT_NE(own, 0u) << "what is made without a design file has levels too";
+    EXPECT_EQ(mclibUtil_levelIdFromName(L"Tracks"), own);
 }
 
 TEST_F(Levels, TakeColourWeightAndStyleWhenTheyAreNew) {

@@ -3,9 +3,11 @@
 #include <cmath>
 #include <numbers>
 
+#include "host/mdl/cell.h"
 #include "host/mdl/elmdscr.h"
 #include "print/ps_prolog.h"
 #include "tests/print/page_fixture.h"
+#include "tests/support/cell_file.h"
 
 namespace {
 
@@ -61,6 +63,42 @@ TEST_F(Print, WeightsAndStylesBeyondTheTablesHaveADefault) {
         line(30000, 40000, 80000, 40000, {.weight = c.weight, .style = c.style});
         EXPECT_EQ(printed(), linePath(c.dash, c.width)) << c.weight << ' ' << c.style;
     }
+}
+
+// The background of a page and looks by level come from levels that a session has without a design file too.
+TEST_F(Print, APageLooksTheSameWithAndWithoutADesignFile) {
+    CellFile library;
+    constexpr int32_t byLevel = -1, styleByLevel = 0x7FFFFFFF;
+    mdlCell_create(&element, L"FORM", nullptr, 0);
+    mdlElmdscr_new(&page, nullptr, &element);
+    const auto add = [&](const wchar_t* level, double size, int32_t color, int32_t weight, int32_t style) {
+        const Point3d points[3] = {{0, 0, 0}, {size, 0, 0}, {size, size, 0}};
+        mdlShape_create(&element, nullptr, points, 3, 0);
+        element.head.level = library.draft().level(level);
+        element.head.color = color;
+        element.head.weight = static_cast<int16_t>(weight);
+        element.head.style = style;
+        mdlElmdscr_appendElement(page, &element);
+    };
+    add(L"Lines", 200000, byLevel, byLevel, styleByLevel);
+    add(L"63", 50000, 115, 0, 0);
+    library.draft().setLevelSymbology(library.draft().level(L"Lines"), 3, 2, 6);
+    ASSERT_TRUE(library.draft().add(page));
+    library.write(path("form.cel"));
+    ASSERT_EQ(mdlCell_attachLibraryEx(nullptr, path("form.cel").c_str(), 0, 1, 2), MDL_SUCCESS);
+    std::string jobs[2];
+    for (std::string& job : jobs) {
+        mdlElmdscr_freeAll(&page);
+        ASSERT_EQ(mdlCell_getElmDscr(&page, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 1,
+                                     L"FORM", nullptr),
+                  MDL_SUCCESS);
+        job = this->job();
+        mdlSystem_closeDesignFile();
+    }
+    EXPECT_EQ(jobs[1], jobs[0]);
+    const size_t grey = jobs[1].find("0.85 setgray"), dashes = jobs[1].find("[5.76 3.6] 0 setdash\n4.25 setlinewidth");
+    EXPECT_LT(grey, dashes) << jobs[1];
+    EXPECT_NE(dashes, std::string::npos) << jobs[1];
 }
 
 TEST_F(Print, GreyOfAShapeComesFromFillColourAndLevel) {

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <thread>
 
@@ -147,12 +148,55 @@ TEST_F(Cells, LevelsGoByNameAndAreStoredWithTheElement) {
     EXPECT_EQ(style, 2);
     EXPECT_EQ(weight, 5u);
 
+    mdlLevelTable_rewrite(nullptr);  // as for any other new level
     reopen();
     EXPECT_FALSE(mdlLevel_isValidByName(nullptr, L"Valves")) << "no element of it was stored";
     ASSERT_EQ(get(L"C"), MDL_SUCCESS);
     ASSERT_NE(mdlElmdscr_add(cell), 0u);
     reopen();
     EXPECT_TRUE(mdlLevel_isValidByName(nullptr, L"Valves"));
+}
+
+// What is made without a design file has levels all the same, and they go with the session.
+TEST_F(Cells, WithoutADesignFileLevelsAreTheSessions) {
+    CellFile file;
+    file.add(L"C", L"", 1, 10, L"Valves").add(L"D", L"", 1, 10, L"63").draft().setLevelSymbology(2, 3, 2, 5);
+    file.write(path("a.cel"));
+    ASSERT_EQ(attach("a.cel"), MDL_SUCCESS);
+    for (const wchar_t* name : {L"D", L"C", L"D"}) ASSERT_EQ(get(name), MDL_SUCCESS);
+    LevelId id = cell->firstChild->element->head.level;
+    int32_t code = 0;
+    EXPECT_EQ(mdlLevel_getCode(&code, nullptr, id), MDL_SUCCESS);
+    EXPECT_EQ(code, 63);
+    ASSERT_EQ(mdlLevel_getIdFromName(&id, nullptr, 0, L"Valves"), MDL_SUCCESS);
+    uint32_t color = 0, weight = 0;
+    mdlLevel_getElementSymbology(&color, nullptr, &weight, nullptr, id);
+    EXPECT_EQ(color, 3u);
+    EXPECT_EQ(weight, 5u);
+    EXPECT_EQ(mdlLevel_create(&id, nullptr, L"Made"), MDL_SUCCESS);
+    EXPECT_EQ(mdlLevelTable_rewrite(nullptr), MDL_SUCCESS);
+    create();
+    open();
+    for (const wchar_t* name : {L"Valves", L"63", L"Made"}) EXPECT_FALSE(mdlLevel_isValidByName(nullptr, name));
+    endSession();
+    EXPECT_EQ(mdlLevel_getCode(&code, nullptr, 1), MDL_ERROR);
+    host::Session next;
+    EXPECT_TRUE(mdlLevel_isValidByName(nullptr, L"Default"));
+    EXPECT_FALSE(mdlLevel_isValidByName(nullptr, L"Made"));
+}
+
+// Processor time for a library of so many cells, made and attached, in clock ticks.
+clock_t timeFor(int cells, const std::string& file) {
+    const clock_t begin = std::clock();
+    CellFile library;
+    for (int i = 0; i < cells; ++i) library.add((L"CELL" + std::to_wstring(i)).c_str());
+    library.write(file);
+    EXPECT_EQ(mdlCell_attachLibraryEx(nullptr, file.c_str(), 0, 1, 2), MDL_SUCCESS);
+    return std::clock() - begin;
+}
+
+TEST_F(Cells, EightTimesAsManyTakeAboutEightTimesAsLong) {
+    EXPECT_LT(timeFor(16'000, path("many.cel")), 25 * timeFor(2'000, path("few.cel")));
 }
 
 TEST_F(Cells, AReadOnlyFileShowsCellsToo) {
