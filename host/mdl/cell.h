@@ -9,9 +9,10 @@
 #include "elmdscr.h"
 
 /* Attaches a library in place of the one before; its full name goes to tcbP->cellLibraryName and to `fullName` (256
- * bytes, may be null). `name` is a path: no folders are searched. The last three arguments are taken and not used; the
- * library gives 0, 1, 2. MDL_ERROR, with a line in the message centre and the library before still attached, when the
- * file isn't there, isn't a cell library, is damaged, or has a full name of more than 255 characters. */
+ * bytes, may be null). `name` is a path: no folders are searched, and letter case doesn't count where no file has it as
+ * it stands. The last three arguments are taken and not used; the library gives 0, 1, 2. MDL_ERROR, with a line in the
+ * message centre and the library before still attached, when the file isn't there, isn't a cell library, is damaged, or
+ * has a full name of more than 255 characters. */
 MDL_EXPORT int mdlCell_attachLibraryEx(char *fullName, const char *name, int32_t reserved1, int32_t reserved2,
                                        int32_t reserved3);
 /* Detaches the library, so that none is attached. MDL_ERROR when none was. */

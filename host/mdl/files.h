@@ -35,10 +35,11 @@ MDL_EXPORT int mdlTextFile_eof(const MdlTextFile *file);   /* 1 when a read has 
 MDL_EXPORT int mdlTextFile_error(const MdlTextFile *file); /* the system's error number of a failed read, else 0 */
 
 /* ---- names ---- */
-/* Finds a file: `name` as it stands, else in each folder of the configuration variable `searchVariable` (folders
- * divided by `;`), each also with `defaultExtension` when the name has none. Both may be null. A null name is the first
- * of what the variable names that is a file itself. The full name of a file that was found goes to `result` (256 bytes,
- * may be null). 0 for a file found. */
+/* Finds a file in the folders of the configuration variable `searchVariable` (divided by `;`), then in the current one;
+ * a name with a folder in it ("./a.cel") is first tried as it stands. Each place is also tried with `defaultExtension`
+ * when the name has none. Both may be null. Letter case doesn't count where no file has the name as it stands. A null
+ * name is the first of what the variable names that is a file itself. The full name of a file that was found goes to
+ * `result` (256 bytes, may be null). 0 for a file found. */
 MDL_EXPORT int mdlFile_find(char *result, const char *name, const char *searchVariable, const char *defaultExtension);
 /* Takes a name apart: device ("c:" or empty), directory (with its last separator), name, extension (without its dot).
  * Each part may be null; each buffer holds 256 bytes. */

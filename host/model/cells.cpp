@@ -15,6 +15,7 @@
 #include "host/session/guard.h"
 #include "host/session/session.h"
 #include "host/system/paths.h"
+#include "host/system/programs.h"
 
 struct MdlCellLibrary {
     std::shared_ptr<const host::CellLibrary> library;  // null when none is attached
@@ -60,7 +61,8 @@ void watchSession() {
 
 std::shared_ptr<const CellLibrary> load(const char* name) {
     if (*name == '\0') throw FileProblem("no name was given. Give the name of a cell library (.cel).");
-    const std::string path = std::filesystem::absolute(systemPath(name)).lexically_normal().string();
+    const std::string named = std::filesystem::absolute(systemPath(name)).lexically_normal().string();
+    const std::string path = existingPath(named).value_or(named);
     if (hostName(path).size() >= sizeof tcbP->cellLibraryName) {
         throw FileProblem("its full name is longer than 255 characters. Move it to a folder with a shorter name.");
     }

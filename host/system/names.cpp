@@ -9,6 +9,7 @@
 #include "host/session/guard.h"
 #include "host/session/state.h"
 #include "host/system/paths.h"
+#include "host/system/programs.h"
 
 namespace host {
 
@@ -16,20 +17,23 @@ namespace {
 
 namespace fs = std::filesystem;
 
+enum class Case { asItStands, aside };
+
 // The full host name of a file that is there; a folder isn't a file.
-std::optional<std::string> fullNameOfFile(const std::string& name) {
-    const fs::path path = systemPath(name);
+std::optional<std::string> fullNameOfFile(const std::string& name, Case letters) {
+    const std::string named = systemPath(name);
+    const std::optional<std::string> path = letters == Case::aside ? existingPath(named) : named;
     std::error_code error;
-    const fs::file_status status = fs::status(path, error);
+    const fs::file_status status = fs::status(path.value_or(""), error);
     if (!fs::exists(status) || fs::is_directory(status)) return std::nullopt;
-    if (path.is_absolute()) return name;
-    return hostName(fs::absolute(path, error).lexically_normal().string());
+    if (*path == named && fs::path(named).is_absolute()) return name;
+    return hostName(fs::absolute(*path, error).lexically_normal().string());
 }
 
-std::optional<std::string> findWithExtension(const std::string& name, std::string_view extension) {
-    if (auto found = fullNameOfFile(name)) return found;
+std::optional<std::string> findWithExtension(const std::string& name, std::string_view extension, Case letters) {
+    if (auto found = fullNameOfFile(name, letters)) return found;
     if (extension.empty() || !partsOf(name).extension.empty()) return std::nullopt;
-    return fullNameOfFile(name + (extension.starts_with('.') ? "" : ".") + std::string(extension));
+    return fullNameOfFile(name + (extension.starts_with('.') ? "" : ".") + std::string(extension), letters);
 }
 
 std::string inFolder(std::string folder, std::string_view name) {
@@ -55,13 +59,22 @@ std::optional<std::string> firstAlong(const char* variable, Find find) {
     return std::nullopt;
 }
 
-std::optional<std::string> findAlong(const std::string& name, const char* searchVariable, std::string_view extension) {
+std::optional<std::string> findAlong(const std::string& name, const char* searchVariable, std::string_view extension,
+                                     Case letters) {
     if (name.empty()) return std::nullopt;
-    if (auto found = findWithExtension(name, extension)) return found;
+    const bool isBare = name.find_first_of("/\\:") == std::string::npos;
+    if (auto found = isBare ? std::nullopt : findWithExtension(name, extension, letters)) return found;
     if (isAbsolute(name)) return std::nullopt;
-    return firstAlong(searchVariable, [&](std::string folder) {
-        return findWithExtension(inFolder(std::move(folder), name), extension);
+    auto found = firstAlong(searchVariable, [&](std::string folder) {
+        return findWithExtension(inFolder(std::move(folder), name), extension, letters);
     });
+    return found || !isBare ? found : findWithExtension(name, extension, letters);
+}
+
+// Letter case counts where a file has the name as it stands.
+std::optional<std::string> findAlong(const std::string& name, const char* searchVariable, std::string_view extension) {
+    if (auto found = findAlong(name, searchVariable, extension, Case::asItStands)) return found;
+    return findAlong(name, searchVariable, extension, Case::aside);
 }
 
 void copyPart(char* buffer, std::string_view part) {
@@ -119,9 +132,10 @@ using namespace host;
 
 int mdlFile_find(char* result, const char* name, const char* searchVariable, const char* defaultExtension) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        const std::optional<std::string> found = name == nullptr
-                                                     ? firstAlong(searchVariable, fullNameOfFile)
-                                                     : findAlong(name, searchVariable, textOf(defaultExtension));
+        const std::optional<std::string> found =
+            name == nullptr
+                ? firstAlong(searchVariable, [](const std::string& file) { return fullNameOfFile(file, Case::aside); })
+                : findAlong(name, searchVariable, textOf(defaultExtension));
         if (!found || found->size() > longestHostName) return MDL_ERROR;
         copyPart(result, *found);
         return MDL_SUCCESS;

@@ -122,6 +122,8 @@ TEST_F(Names, FilesAreFoundAsTheyStandAndAlongAPath) {
         {"scales", "MC_DATA", ".mc", "c:\\lib/scales.mc"},
         {"scales", "MC_DATA", "mc", "c:\\lib/scales.mc"},
         {"plain", "MC_DATA", "mc", path("data/plain")},
+        {"Scales.MC", "MC_DATA", nullptr, path("drive_c/lib/scales.mc")},
+        {"PLAIN", "MC_DATA", "mc", path("data/plain")},
         {path("data/plain"), nullptr, nullptr, path("data/plain")},
         {"c:\\lib\\scales.mc", nullptr, nullptr, "c:\\lib\\scales.mc"},
         {"folder", "MC_DATA", "mc", ""},
@@ -142,6 +144,11 @@ TEST_F(Names, FilesAreFoundAsTheyStandAndAlongAPath) {
     char found[256] = "plain";
     EXPECT_EQ(mdlFile_find(found, found, nullptr, nullptr), MDL_SUCCESS);
     EXPECT_EQ(fs::path(found), fs::current_path() / "plain");
+    // The current folder comes last, unless the name says so.
+    for (const auto& [name, place] : {std::pair("scales.mc", "drive_c/lib/"), std::pair("./scales.mc", "data/")}) {
+        EXPECT_EQ(mdlFile_find(found, name, "MC_DATA", nullptr), MDL_SUCCESS);
+        EXPECT_TRUE(fs::equivalent(host::systemPath(found), path(place) + "scales.mc")) << found;
+    }
 }
 
 TEST_F(Names, FoldersListWhatMatches) {
