@@ -115,7 +115,8 @@ using namespace host;
 
 int mdlCurrTrans_begin(void) {
     return guarded<int>(MDL_ERROR, [] {
-        static const bool observing = (observeApplicationEnd(closeThoseOf), true);
+        static const bool observing =
+            (observeApplicationEnd(closeThoseOf), observeSessionEnd([] { closeThoseOf(nullptr); }), true);
         static_cast<void>(observing);
         System inside = innermost();
         inside.owner = mdlSystem_getCurrMdlDesc();

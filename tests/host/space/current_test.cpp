@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "host/mdl/transform.h"
+#include "host/session/session.h"
 
 namespace {
 
@@ -98,6 +99,14 @@ TEST(CurrentTransform, RefusesWhatHasNoWayBack) {
     EXPECT_EQ(mdlCurrTrans_translateOrigin(&bad), MDL_ERROR);
     EXPECT_EQ(mdlCurrTrans_translateOrigin(nullptr), MDL_ERROR);
     expectPoint(toWorld({1, 2, 3}), 1, 2, 3);
+}
+
+TEST(CurrentTransform, EndsWithItsSession) {
+    {
+        host::Session session;
+        mdlCurrTrans_begin();
+    }
+    EXPECT_EQ(mdlCurrTrans_end(), MDL_ERROR);
 }
 
 TEST(Vectors, NormalPointsFromTheFirstPointToTheSecond) {
