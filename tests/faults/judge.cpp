@@ -75,6 +75,11 @@ bool isPreference(const std::string& name) {
     return name.starts_with("home/");
 }
 
+// Resource files get their records one by one, and may lack some; what is there is sound.
+bool isGrowing(const std::string& name) {
+    return name.ends_with(".rsc") || name.ends_with(".upf");
+}
+
 std::string leftOver(const Files& before, const Files& good, const Files& left) {
     for (const auto& [name, bytes] : left)
         if (!in(good, name) && !in(before, name) && !isCompanion(name, before) && !isCompanion(name, good))
@@ -85,17 +90,17 @@ std::string leftOver(const Files& before, const Files& good, const Files& left) 
 std::string damageIn(const Files& before, const Files& good, const Files& left) {
     for (const auto& [name, bytes] : before)
         if (!in(left, name) && !isCompanion(name, before)) return name + " is lost";
-    for (const auto& [name, bytes] : left)
-        if (!isCompanion(name, left) && !isSame(left, before, name) && !isSame(left, good, name))
-            return name + " is damaged";
+    for (const auto& [name, bytes] : left) {
+        const bool known = isSame(left, before, name) || isSame(left, good, name) || isCompanion(name, left);
+        if (!known && !(isGrowing(name) && !contentOf(left, name).empty())) return name + " is damaged";
+    }
     return {};
 }
 
-std::string lackIn(const Result& result, const Files& before, const Files& good, const Files& left) {
+std::string lackIn(const Result& result, const Files& good, const Files& left) {
     for (const auto& [name, bytes] : good) {
         if (isSame(left, good, name) || isCompanion(name, good)) continue;
-        const bool asBefore = isSame(left, before, name) || (!in(left, name) && !in(before, name));
-        if (!isPreference(name) || !asBefore || result.messages.empty())
+        if (!isPreference(name) || result.messages.empty())
             return "status 0, and " + name + (in(left, name) ? " is another one" : " is missing");
     }
     return {};
@@ -121,5 +126,5 @@ std::string faultIn(const Result& result, const Fault& fault, const Files& befor
     if (result.status == 1 && result.messages.empty()) return "status 1 without a message";
     if (std::string what = leftOver(before, good, left); !what.empty()) return what;
     if (std::string what = damageIn(before, good, left); !what.empty()) return what;
-    return result.status == 0 ? lackIn(result, before, good, left) : std::string();
+    return result.status == 0 ? lackIn(result, good, left) : std::string();
 }
