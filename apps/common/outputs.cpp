@@ -76,6 +76,7 @@ void Outputs::takeBack(size_t i) {
 
 bool Outputs::finish() {
     if (mdlSystem_memoryFailures() != 0) return fail("memory has run out on the way, so no file is made");
+    if (mdlSystem_failureNoted()) return fail("something is missing, as told above, so no file is made");
     for (size_t i = 0; i < names_.size(); ++i) {
         if (put(i)) continue;
         while (i-- > 0) takeBack(i);

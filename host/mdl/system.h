@@ -40,6 +40,8 @@ MDL_EXPORT void mdlSystem_exit(int errorCode, int unload);
  * can't be followed. A run that nobody attends then ends with the exit status 1, unless it ends with another one that
  * isn't 0; where somebody sits at the terminal, who sees what is told and may do it again, it has no effect. */
 MDL_EXPORT void mdlSystem_noteFailure(void);
+/* 1 when a failure has been noted: files that are still on their way to their names aren't whole then. Else 0. */
+MDL_EXPORT int mdlSystem_failureNoted(void);
 
 /* ---- calls into an application ---- */
 

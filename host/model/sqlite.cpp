@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "host/session/guard.h"
+
 namespace host {
 
 int64_t fileSize(const std::string& path) {
@@ -14,6 +16,10 @@ int64_t fileSize(const std::string& path) {
 bool folderCanBeWritten(const std::string& path) {
     const std::string folder = path.substr(0, path.find_last_of('/') + 1) + ".";
     return faccessat(AT_FDCWD, folder.c_str(), W_OK, AT_EACCESS) == 0;
+}
+
+SqliteFailure::SqliteFailure(int resultCode, const char* text) : std::runtime_error(text), code(resultCode) {
+    if (code == SQLITE_NOMEM) noteMemoryRanOut();
 }
 
 void Database::open(const std::string& name, int flags) {

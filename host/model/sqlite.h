@@ -12,7 +12,7 @@
 namespace host {
 
 struct SqliteFailure : std::runtime_error {
-    SqliteFailure(int resultCode, const char* text) : std::runtime_error(text), code(resultCode) {}
+    SqliteFailure(int resultCode, const char* text);
     int code;  // SQLite's result code without the extended bits
 };
 

@@ -208,6 +208,10 @@ void mdlSystem_noteFailure(void) {
     if (activeState != nullptr && !activeState->frontEnd->attended()) activeState->failureNoted = true;
 }
 
+int mdlSystem_failureNoted(void) {
+    return activeState != nullptr && activeState->failureNoted;
+}
+
 int mdlSystem_setFunction(int kind, void* function) {
     if (currentApplication == nullptr) return MDL_ERROR;
     switch (kind) {
