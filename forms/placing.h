@@ -31,7 +31,7 @@ void forEachSheet(const GlobalData& data, const Point3d& point, int32_t view,
 struct PlacedPage {
     bool made = false;     // false: the application gave no page
     FilePos position = 0;  // 0: it isn't in the design file
-    Corners area;          // of its printable area, in the current transform
+    Corners area = {};     // of its printable area, in the current transform
 };
 // Makes the page, prepares it, fits it into the printable area of the sheet at the origin, and adds it to the design
 // file. A page that can't be prepared isn't added.
