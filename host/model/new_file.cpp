@@ -79,38 +79,27 @@ int makeEmpty(const std::string& name) {
     return 0;
 }
 
-sigset_t endingSignals() {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
-    return signals;
-}
-
 }  // namespace
 
 NewFile::NewFile(const std::string& path)
     : path_(path), name_(path + "." + std::to_string(getpid()) + std::string(ending)) {
     removeStale(path);
     unlink(name_.c_str());  // of a killed process that had our number
-    const sigset_t signals = endingSignals();
-    pthread_sigmask(SIG_BLOCK, &signals, &before_);
-    const int error = makeEmpty(name_);
-    there_ = error == 0;
-    if (there_) return;
-    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-    throw std::system_error(error, std::generic_category());
+    const SignalsHeld held;
+    if (const int error = makeEmpty(name_)) throw std::system_error(error, std::generic_category());
+    noted_.emplace(name_.c_str());
 }
 
 NewFile::~NewFile() {
-    if (there_) unlink(name_.c_str());
-    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+    if (noted_) unlink(name_.c_str());
 }
 
 void NewFile::giveName(Naming naming) {
+    const SignalsHeld held;
     int error = waitForDisk(name_);
     if (error == 0) error = naming(name_, path_);
     if (error != 0) throw std::system_error(error, std::generic_category());
-    there_ = false;
+    noted_.reset();
 }
 
 void NewFile::publish() {

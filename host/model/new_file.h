@@ -1,14 +1,16 @@
 // Files that are made whole under a name of their own, and then get the one that they are known by.
 #pragma once
 
-#include <csignal>
+#include <optional>
 #include <string>
+
+#include "host/system/unfinished.h"
 
 namespace host {
 
 // An empty file "PATH.PROCESS.new" to fill, which nobody else takes or can lead elsewhere by a link. It goes again
-// unless it gets its name; signals that end the process wait until one of both has happened. Those of processes that
-// were killed are removed on the way.
+// unless it gets its name, also at a signal that ends the process. Those of processes that were killed are removed on
+// the way.
 class NewFile {
   public:
     explicit NewFile(const std::string& path);  // std::system_error when it can't be made
@@ -29,8 +31,7 @@ class NewFile {
     void giveName(Naming naming);
 
     std::string path_, name_;
-    sigset_t before_;  // the signals that were held back before
-    bool there_ = false;
+    std::optional<Unfinished> noted_;  // until it has its name
 };
 
 }  // namespace host
