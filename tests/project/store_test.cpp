@@ -19,6 +19,13 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
+mclibProsjektData projectOf(const char* number, const char* name = "") {
+    mclibProsjektData project{};
+    std::strcpy(project.pron, number);
+    std::strcpy(project.pros[0], name);
+    return project;
+}
+
 // The texts "<prefix>0", "<prefix>1", ... each with its NUL.
 std::string numberedTexts(const char* prefix, int count) {
     std::string payload;
@@ -85,7 +92,7 @@ TEST(ProjectRecord, OlderFormsReadIntoTheSameFields) {
 }
 
 TEST(ProjectRecord, UnknownFormsLeaveTheBlock) {
-    mclibProsjektData project{"as it was"};
+    mclibProsjektData project = projectOf("as it was");
     mclibSideData page{};
     for (const int subId : {0, 4, -1})
         EXPECT_FALSE(project::unpackRecord(project, subId, bytesOf(numberedTexts("p", 30))));
@@ -184,7 +191,7 @@ TEST_F(ProjectStore, FileWithoutRecordsClearsTheBlock) {
 TEST_F(ProjectStore, WritingPutsOneRecordInThePlaceOfAll) {
     save(MCLIB_PROJECT_DATA, 1, "old");
     save(MCLIB_PROJECT_DATA, 9, "from another version");
-    mclibProsjektData project{"1042", {"Water main"}};
+    mclibProsjektData project = projectOf("1042", "Water main");
     mclibProject_writeProjectInfoToDesignFile(&project);
     EXPECT_EQ(front().field(1), "The project data stands in the design file now.");
     mclibProsjektData read;
@@ -220,7 +227,7 @@ TEST_F(ProjectStore, LastOfTwoProjectRecordsWins) {
 }
 
 TEST_F(ProjectStore, IsReadWhenADesignFileIsOpened) {
-    mclibProsjektData project{"1042"};
+    mclibProsjektData project = projectOf("1042");
     mclibProject_writeProjectInfoToDesignFile(&project);
     ASSERT_EQ(mdlSystem_createDesignFile(path("other.mcd").c_str(), 0), MDL_SUCCESS);
     for (const auto& [name, number] : {std::pair{"test.mcd", "1042"}, {"other.mcd", ""}, {"test.mcd", "1042"}}) {
@@ -312,10 +319,10 @@ TEST_F(ProjectStore, NamesOfPagesCountAsFarAsARecordKeepsThem) {
 }
 
 TEST_F(ProjectStore, FailedWriteIsToldAndUndoBringsBackTheRecord) {
-    mclibProsjektData project{"1042"};
+    mclibProsjektData project = projectOf("1042");
     mclibProject_writeProjectInfoToDesignFile(&project);
     ASSERT_EQ(mdlSystem_newDesignFile(path("test.mcd").c_str(), 1), MDL_SUCCESS);
-    project = {"1043"};
+    project = projectOf("1043");
     mclibProject_writeProjectInfoToDesignFile(&project);
     writePage("Plan");
     EXPECT_THAT(boxes, testing::AllOf(testing::SizeIs(2), testing::Each(HasSubstr("couldn't be added"))));
