@@ -31,11 +31,11 @@ struct DestroyArray {
 
 constexpr uint32_t sumWeight = 1, sumLineWeight = 2;
 
-// Makes the text smaller about the place that it is written from, and moves it along its line.
-void fitText(MSElementBuffer* text, const Place& place, double scale, double shift) {
+// Makes the text smaller about the place that it is written from, and moves it along its line. False without memory.
+bool fitText(MSElementBuffer* text, const Place& place, double scale, double shift) {
     const Transform fit = {
         {{scale, 0, 0, (1 - scale) * place.x + shift}, {0, scale, 0, (1 - scale) * place.y}, {0, 0, 1, 0}}};
-    mdlElement_transform(text, text, &fit);
+    return mdlElement_transform(text, text, &fit) == MDL_SUCCESS;
 }
 
 bool appendSumLine(ElementDescr* page, const MSElementBuffer* sum, const Place& place) {
@@ -249,8 +249,8 @@ void Pages::insert(FormData* values, const Entry& entry) const {
         mclibMatList_insertValue(values, field.c_str(), MCLIB_FORM_TEXT, row, entry.text.c_str());
 }
 
-// Brings the texts of the page to their room, and sets sums apart.
-void Pages::finish(ElementDescr* page, const std::vector<Entry>& entries) const {
+// Brings the texts of the page to their room, and sets sums apart. False when something is missing then.
+bool Pages::finish(ElementDescr* page, const std::vector<Entry>& entries) const {
     const std::vector<ElementDescr*> elements = elementsOf(page);
     for (const Entry& entry : entries) {
         const Place* const place = form_.place(entry.field, entry.row);
@@ -258,11 +258,12 @@ void Pages::finish(ElementDescr* page, const std::vector<Entry>& entries) const 
         MSElementBuffer* const text = elements[place->element]->element;
         if (mdlElement_getType(text) != MDL_TEXT) continue;
         const Fitted fit = fitted(entry, *place);
-        if (fit.scale < 1 || fit.shift != 0) fitText(text, *place, fit.scale, fit.shift);
+        if ((fit.scale < 1 || fit.shift != 0) && !fitText(text, *place, fit.scale, fit.shift)) return false;
         if (!entry.isSum) continue;
         mdlElement_setSymbology(text, nullptr, &sumWeight, nullptr);
-        if (entry.isNumber) appendSumLine(page, text, *place);
+        if (entry.isNumber && !appendSumLine(page, text, *place)) return false;
     }
+    return true;
 }
 
 ElementDescr* Pages::make(size_t number) const {
@@ -284,7 +285,7 @@ ElementDescr* Pages::make(size_t number) const {
     for (const Entry& entry : entries) insert(values, entry);
     ElementDescr* page = nullptr;
     mclibMatList_generatePageElementDescr(form_.kind().cell, library_.c_str(), &page, values, cellOption);
-    if (page) finish(page, entries);
+    if (page && !finish(page, entries)) mdlElmdscr_freeAll(&page);
     return page;
 }
 

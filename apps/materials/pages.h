@@ -60,7 +60,7 @@ class Pages {
     static Fitted fitted(const Entry& entry, const Place& place);
     bool fits(const Entry& entry) const;
     void insert(FormData* values, const Entry& entry) const;
-    void finish(ElementDescr* page, const std::vector<Entry>& entries) const;
+    bool finish(ElementDescr* page, const std::vector<Entry>& entries) const;
 
     std::vector<std::string> linesOf(const Item& item, const TextColumn& column) const;
     std::vector<std::string> headingLines(const Group& group, bool continued) const;
