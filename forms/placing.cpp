@@ -121,7 +121,7 @@ void placeAt(GlobalData& data, const Point3d& point, int32_t view) {
             mdlElmdscr_operation(page.get(), setGroupOf, &group, everyElement);
             return true;
         };
-        PlacedPage placed{.made = true};
+        PlacedPage placed{.made = true, .area = {}};
         if (markCorners(group)) placed = placePage(data, number, true, adopt);
         return tellUnlessPlaced(data, number, placed);
     });
