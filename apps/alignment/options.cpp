@@ -103,6 +103,7 @@ bool setPrinter(Options& options, std::string_view, const std::string& value) {
 
 // The device by the suffix of `out`, which goes then. A name with another suffix keeps it.
 bool chooseDevice(Options& options) {
+    if (options.out == "-") return wrong("--out takes a folder or a path; standard output isn't written");
     std::string why;
     const std::filesystem::path out = options.out;
     const app::Device* const device = app::deviceFor(out.extension().string(), options.device, why);

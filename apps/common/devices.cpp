@@ -67,7 +67,7 @@ struct Foreign {
     std::string_view suffix;
     const char* instead;
 };
-constexpr const char* fromPostscript = "make a .ps file and convert it, as with ps2pdf, or plot the pages from a drawing";
+constexpr const char* fromPostscript = "make a .ps file and convert it, as ps2pdf does, or plot from a drawing";
 constexpr const char* fromText = "make a .txt file, which holds the pages as a plain table";
 constexpr const char* fromDesign = "open a drawing with --new and place the pages there from the preview";
 constexpr Foreign foreignSuffixes[] = {

@@ -9,7 +9,6 @@
 #include "columns.h"
 #include "host/mdl/element.h"
 #include "host/mdl/text.h"
-#include "host/mdl/transform.h"
 #include "library.h"
 
 namespace materials {
@@ -27,18 +26,6 @@ constexpr FormKind kinds[] = {
 // clang-format on
 
 constexpr double gap = 0.3;  // between a text and what bounds it, of the letters' height
-
-// Coordinates are those of the cell, whatever the application's own are.
-class CellUnits {
-  public:
-    CellUnits() {
-        mdlCurrTrans_begin();
-        mdlCurrTrans_identity();
-    }
-    ~CellUnits() { mdlCurrTrans_end(); }
-    CellUnits(const CellUnits&) = delete;
-    CellUnits& operator=(const CellUnits&) = delete;
-};
 
 // ---- codes ----
 

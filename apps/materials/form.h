@@ -10,6 +10,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host/mdl/transform.h"
+
 namespace materials {
 
 struct Margins {
@@ -25,6 +27,18 @@ struct FormKind {
 };
 
 std::span<const FormKind> formKinds();
+
+// Coordinates are those of the cell, whatever the application's own are.
+class CellUnits {
+  public:
+    CellUnits() {
+        mdlCurrTrans_begin();
+        mdlCurrTrans_identity();
+    }
+    ~CellUnits() { mdlCurrTrans_end(); }
+    CellUnits(const CellUnits&) = delete;
+    CellUnits& operator=(const CellUnits&) = delete;
+};
 
 enum class Align { left, centre, right };
 

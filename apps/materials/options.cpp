@@ -20,7 +20,7 @@ const char* const usage =
     "  --device postscript   of the file: postscript, hpgl, pcl or ascii\n"
     "  --pages 2-4           these pages alone; also 3\n"
     "  --form A4             A4 or A3\n"
-    "  --library forms.cel   the cell library with the form: a path, or a name that is looked for here and through MC_CELL\n"
+    "  --library forms.cel   the cell library with the form: a path, or a name that is found here or through MC_CELL\n"
     "  --logo OFFICE.cel     the cell library whose cell LOGO is shown\n"
     "  --overwrite           replace a file that is there\n"
     "  --help                print this\n";

@@ -31,24 +31,40 @@ struct DestroyArray {
 
 constexpr uint32_t sumWeight = 1, sumLineWeight = 2;
 
-// Makes the text smaller about the place that it is written from, and moves it along its line. False without memory.
-bool fitText(MSElementBuffer* text, const Place& place, double scale, double shift) {
-    const Transform fit = {
-        {{scale, 0, 0, (1 - scale) * place.x + shift}, {0, scale, 0, (1 - scale) * place.y}, {0, 0, 1, 0}}};
+// Where a text of the page stands, and the page's units in one of the form's.
+struct Standing {
+    Point3d at;  // on its base line
+    double unit;
+};
+
+std::optional<Standing> standingOf(const MSElementBuffer* text, const Place& place) {
+    Point3d low, origin;
+    double size = 0;
+    if (mdlElement_getType(text) != MDL_TEXT ||
+        mdlText_extract(&low, &origin, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &size, text) !=
+            MDL_SUCCESS) {
+        return {};
+    }
+    return Standing{{origin.x, low.y, 0}, size / place.size};
+}
+
+// Makes the text smaller about the point that it is written from, and moves it along its line.
+bool fitText(MSElementBuffer* text, const Standing& standing, double scale, double shift) {
+    const Transform fit = {{{scale, 0, 0, (1 - scale) * standing.at.x + shift * standing.unit},
+                            {0, scale, 0, (1 - scale) * standing.at.y},
+                            {0, 0, 1, 0}}};
     return mdlElement_transform(text, text, &fit) == MDL_SUCCESS;
 }
 
-bool appendSumLine(ElementDescr* page, const MSElementBuffer* sum, const Place& place) {
-    const Point3d ends[] = {{place.left, place.above, 0}, {place.right, place.above, 0}};
+bool appendSumLine(ElementDescr* page, const MSElementBuffer* sum, const Standing& standing, const Place& place) {
+    const double y = standing.at.y + (place.above - place.y) * standing.unit;
+    const Point3d ends[] = {{standing.at.x + (place.left - place.x) * standing.unit, y, 0},
+                            {standing.at.x + (place.right - place.x) * standing.unit, y, 0}};
     uint32_t level = 0, color = 0;
     mdlElement_getProperties(&level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, sum);
     mdlElement_getSymbology(&color, nullptr, nullptr, sum);
     const int32_t solid = 0;
-    mdlCurrTrans_begin();
-    mdlCurrTrans_identity();
-    const int status = mdlLine_create(dgnBufP, nullptr, ends);
-    mdlCurrTrans_end();
-    if (status != MDL_SUCCESS) return false;
+    if (mdlLine_create(dgnBufP, nullptr, ends) != MDL_SUCCESS) return false;
     mdlElement_setProperties(dgnBufP, &level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
     mdlElement_setSymbology(dgnBufP, &color, &sumLineWeight, &solid);
     return mdlElmdscr_appendElement(page, dgnBufP) == MDL_SUCCESS;
@@ -238,53 +254,60 @@ std::string Pages::unshown() const {
 
 // ---- a page ----
 
-void Pages::insert(FormData* values, const Entry& entry) const {
+bool Pages::insert(FormData* values, const Entry& entry) const {
     const Place* const place = form_.place(entry.field, entry.row);
     const std::string field(entry.field);
     const auto row = static_cast<int>(entry.row);
-    if (!place || entry.text.empty()) return;
+    if (!place || entry.text.empty()) return true;
     if (entry.isNumber && place->decimals)
-        mclibMatList_insertValue(values, field.c_str(), MCLIB_FORM_FLOAT, row, entry.value);
-    else
-        mclibMatList_insertValue(values, field.c_str(), MCLIB_FORM_TEXT, row, entry.text.c_str());
+        return mclibMatList_insertValue(values, field.c_str(), MCLIB_FORM_FLOAT, row, entry.value) == MCLIB_SUCCESS;
+    return mclibMatList_insertValue(values, field.c_str(), MCLIB_FORM_TEXT, row, entry.text.c_str()) == MCLIB_SUCCESS;
 }
 
-// Brings the texts of the page to their room, and sets sums apart. False when something is missing then.
+// Brings the texts of the page to their room, and sets sums apart.
 bool Pages::finish(ElementDescr* page, const std::vector<Entry>& entries) const {
+    const CellUnits units;
     const std::vector<ElementDescr*> elements = elementsOf(page);
+    bool good = true;
     for (const Entry& entry : entries) {
         const Place* const place = form_.place(entry.field, entry.row);
         if (!place || place->element >= elements.size()) continue;
-        MSElementBuffer* const text = elements[place->element]->element;
-        if (mdlElement_getType(text) != MDL_TEXT) continue;
         const Fitted fit = fitted(entry, *place);
-        if ((fit.scale < 1 || fit.shift != 0) && !fitText(text, *place, fit.scale, fit.shift)) return false;
+        MSElementBuffer* const text = elements[place->element]->element;
+        const bool isUsual = fit.scale == 1 && fit.shift == 0;
+        const std::optional<Standing> standing = isUsual && !entry.isSum ? std::nullopt : standingOf(text, *place);
+        if (!standing) continue;
+        if (!isUsual) good = fitText(text, *standing, fit.scale, fit.shift) && good;
         if (!entry.isSum) continue;
         mdlElement_setSymbology(text, nullptr, &sumWeight, nullptr);
-        if (entry.isNumber && !appendSumLine(page, text, *place)) return false;
+        if (entry.isNumber) good = appendSumLine(page, text, *standing, *place) && good;
     }
-    return true;
+    return good;
+}
+
+bool Pages::fill(FormData* values, size_t number, const std::vector<Entry>& entries) const {
+    mclibMatList_insertSystemData(values);
+    mclibProject_insertProjectData(values);
+    const int logo = logo_.library.empty()
+                         ? mclibMatList_insertLogo(values)
+                         : mclibMatList_insertLogoExt(values, logo_.cell.c_str(), logo_.library.c_str());
+    return logo == MCLIB_SUCCESS &&
+           mclibMatList_insertValue(values, "page", MCLIB_FORM_INTEGER, 0, static_cast<int>(number + 1)) ==
+               MCLIB_SUCCESS &&
+           mclibMatList_insertValue(values, "pags", MCLIB_FORM_INTEGER, 0, static_cast<int>(count())) ==
+               MCLIB_SUCCESS &&
+           std::ranges::all_of(entries, [&](const Entry& entry) { return insert(values, entry); });
 }
 
 ElementDescr* Pages::make(size_t number) const {
     const auto rowCount = static_cast<int>(std::max(form_.highestRow(), mostFieldRows));
-    const std::unique_ptr<FormData, DestroyArray> owner(
+    const std::unique_ptr<FormData, DestroyArray> values(
         mclibMatList_createFormDataArray(static_cast<int>(Form::nameLength), rowCount));
-    FormData* const values = owner.get();
-    if (!values) return nullptr;
-    mclibMatList_insertSystemData(values);
-    if (logo_.library.empty())
-        mclibMatList_insertLogo(values);
-    else
-        mclibMatList_insertLogoExt(values, logo_.cell.c_str(), logo_.library.c_str());
-    mclibProject_insertProjectData(values);
-    mclibMatList_insertValue(values, "page", MCLIB_FORM_INTEGER, 0, static_cast<int>(number + 1));
-    mclibMatList_insertValue(values, "pags", MCLIB_FORM_INTEGER, 0, static_cast<int>(count()));
     std::vector<Entry> entries = titleEntries();
     std::ranges::move(rowEntries(number), std::back_inserter(entries));
-    for (const Entry& entry : entries) insert(values, entry);
     ElementDescr* page = nullptr;
-    mclibMatList_generatePageElementDescr(form_.kind().cell, library_.c_str(), &page, values, cellOption);
+    if (values && fill(values.get(), number, entries))
+        mclibMatList_generatePageElementDescr(form_.kind().cell, library_.c_str(), &page, values.get(), cellOption);
     if (page && !finish(page, entries)) mdlElmdscr_freeAll(&page);
     return page;
 }

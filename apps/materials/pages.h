@@ -59,7 +59,8 @@ class Pages {
     static std::string textOf(const Entry& entry, const Place& place);
     static Fitted fitted(const Entry& entry, const Place& place);
     bool fits(const Entry& entry) const;
-    void insert(FormData* values, const Entry& entry) const;
+    bool insert(FormData* values, const Entry& entry) const;
+    bool fill(FormData* values, size_t number, const std::vector<Entry>& entries) const;
     bool finish(ElementDescr* page, const std::vector<Entry>& entries) const;
 
     std::vector<std::string> linesOf(const Item& item, const TextColumn& column) const;

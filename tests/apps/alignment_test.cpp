@@ -238,7 +238,7 @@ TEST_F(Alignment, TheSuffixTellsTheDevice) {
     write("road.txt", head + straight);
     EXPECT_EQ(alignment("road.txt --out sheet.hpgl").status, 0);
     EXPECT_EQ(files(), (std::vector<std::string>{"road.txt", "sheet.hpgl", "sheet.mcd", "sheet.png"}));
-    for (const char* name : {"a.pdf", "a.png", "a.ps --device pcl"})
+    for (const char* name : {"a.pdf", "a.png", "a.ps --device pcl", "-"})
         EXPECT_EQ(alignment(std::string("road.txt --out ") + name).status, 2) << name;
     EXPECT_EQ(alignment("--help").status, 0);
 }
