@@ -416,7 +416,7 @@ TEST_F(Alignment, NorwegianLettersComeThroughFromUtf8AndWindows1252) {
         EXPECT_THAT(read("road.ps"), HasSubstr("(Bl\xe5s\xf8r)"));
     }
     write("road.txt", head + "TITLE \"\xc3\x85 Se\xc3\xb1or\"\n" + straight);
-    EXPECT_THAT(alignment("road.txt --out road --overwrite --raster 300x200").output,
+    EXPECT_THAT(alignment("road.txt --out road --overwrite --raster 1600x1131").output,
                 HasSubstr("gaps in the place of \xc3\xb1, "));
 }
 

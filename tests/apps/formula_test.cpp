@@ -60,7 +60,7 @@ TEST_F(Formula, AFailedFormulaHasACaretWhereItWasNoticed) {
 
 TEST_F(Formula, ExpandsATagString) {
     EXPECT_EQ(run("--tag '\"No. \"+NR' NR=7").output, "No. 7\n");
-    EXPECT_EQ(run("--tag 'strupr(MY TAG)+\"§\"' 'my tag=bl\xc3\xa5=x'").output, "BL\xc3\xa5=X\"\n");
+    EXPECT_EQ(run("--tag 'strupr(MY TAG)+\"§\"' 'my tag=bl\xc3\xa5=x'").output, "BL\xc3\x85=X\"\n");
     EXPECT_EQ(run("--tag 'extstr(NR,4,\"\"0\"\",start)+substr(NR,0,strlen(NR)-1)' NR=12 2>&1").status, 0);
     const std::vector<std::pair<const char*, const char*>> cases = {
         {"'strupr(NR' NR=7", "formula: column 10: a bracket isn't closed\nstrupr(NR\n         ^\n"},
