@@ -32,23 +32,26 @@ void lookIn(const std::string& folders) {
 
 }  // namespace
 
-bool isLibrary(const std::string& name) {
+std::optional<std::string> fullLibraryName(const std::string& name) {
     char found[512] = "";
     if (!isHere(name, found) && mclibCell_getCellPathAndName(found, name.c_str()) != MCLIB_SUCCESS) {
         std::string folders = searchPath();
         std::ranges::replace(folders, '\\', '/');
-        return app::fail(name + ": there is no such cell library, neither as it stands nor in " + folders);
+        app::fail(name + ": there is no such cell library, neither as it stands nor in " + folders);
+        return {};
     }
     int32_t kind = MDL_FILE_OTHER;
-    if (mdlFile_getKind(&kind, found) != MDL_SUCCESS) return false;
-    if (kind != MDL_FILE_CELL_LIBRARY)
-        return app::fail(name + ": this is no cell library; mccel makes one of a description");
+    if (mdlFile_getKind(&kind, found) != MDL_SUCCESS) return {};
+    if (kind != MDL_FILE_CELL_LIBRARY) {
+        app::fail(name + ": this is no cell library; mccel makes one of a description");
+        return {};
+    }
     lookIn(searchPath());
-    return true;
+    return found;
 }
 
 std::optional<std::string> findableLibrary(const std::string& name) {
-    if (!isLibrary(name)) return {};
+    if (!fullLibraryName(name)) return {};
     if (!isHere(name, nullptr)) return name;
     const size_t separator = name.find_last_of("/\\");
     lookIn((separator == name.npos ? "./" : name.substr(0, separator + 1)) + ";" + searchPath());

@@ -185,20 +185,26 @@ void warn(const List& list, const Options& options) {
               (options.form == &formKinds()[0] ? "--form A3" : "a form of your own, with --library"));
 }
 
+// The cell to be shown as the logo. Nothing after a message.
+std::optional<CellName> logoOf(const Options& options) {
+    constexpr const char* cell = "LOGO";
+    if (options.logo.empty()) return CellName{cell, ""};
+    const std::optional<std::string> library = fullLibraryName(options.logo);
+    if (!library || !cellOf(*library, cell, "is shown as the logo")) return {};
+    return CellName{cell, *library};
+}
+
 // The pages of the list. False after a message.
 bool prepare(const Options& options) {
     const std::optional<std::string> library = findableLibrary(options.library);
     if (!library) return false;
-    CellName logo = {"LOGO", options.logo};
-    if (!logo.library.empty() &&
-        (!isLibrary(logo.library) || !cellOf(logo.library, logo.cell.c_str(), "is shown as the logo"))) {
-        return false;
-    }
+    const std::optional<CellName> logo = logoOf(options);
+    if (!logo) return false;
     job().form = Form::read(*options.form, *library);
     if (!job().form) return false;
     if (!readList(options.input, options.device->letterRefusal, job().list)) return false;
     arrange(job().list);
-    job().pages.emplace(job().list, *job().form, *library, logo);
+    job().pages.emplace(job().list, *job().form, *library, *logo);
     warn(job().list, options);
     return job().pages->fit();
 }
