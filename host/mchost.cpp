@@ -235,6 +235,8 @@ int work(const Options& options) {
     const bool done = configure(options) && run(session, options) && serve(session);
     session.finish();
     tellKeyIns();
+    if (mdlSystem_memoryFailures() != 0)
+        tell("memory has run out, so not all was done; close other programs, try again");
     const bool written = isWritten(stdout);
     if (!done || !written) return statusFailed;
     const int status = session.exitStatus();  // an application may find its own arguments wrong

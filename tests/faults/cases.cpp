@@ -44,7 +44,7 @@ const std::vector<Case>& cases() {
          "mchost --answers answers materials list.txt"},
         {"place",
          {},
-         {{"list.txt", list}, {"answers", "Place in drawing\nPlace\n0,0\nClose\n"}},
+         {{"list.txt", list}, {"answers", "Place in drawing\nOK\n0,0\nClose\n"}},
          {},
          "mchost --new plan.mcd --answers answers materials list.txt"},
         {"alignment",
