@@ -20,7 +20,7 @@
 #include "host/system/paths.h"
 #include "host/system/printers.h"
 #include "host/system/programs.h"
-#include "host/system/unfinished.h"
+#include "host/system/work_folder.h"
 
 namespace host::shell {
 
@@ -195,15 +195,9 @@ std::optional<CopyJob> copyJobOf(const CommandLine& line) {
 // Files joined to one that bears the name of the first, for as long as this stands.
 class JoinedFile {
   public:
-    explicit JoinedFile(const std::vector<fs::path>& files) {
-        std::string folder = (fs::temp_directory_path() / "mcshellXXXXXX").string();
-        {
-            const SignalsHeld held;
-            if (mkdtemp(folder.data()) == nullptr) return;
-            noted_.emplace(folder.c_str());
-        }
-        folder_ = std::move(folder);
-        path_ = folder_ / files.front().filename();
+    explicit JoinedFile(const std::vector<fs::path>& files)
+        : folder_(fs::temp_directory_path()), path_(folder_.path() / files.front().filename()) {
+        if (folder_.error() != 0) return;
         std::ofstream to(path_, std::ios::binary);
         for (const fs::path& file : files) {
             std::ifstream from(file, std::ios::binary);
@@ -212,20 +206,12 @@ class JoinedFile {
         }
         complete_ = complete_ && to.flush().good();
     }
-    ~JoinedFile() {
-        if (folder_.empty()) return;
-        unlink(path_.c_str());
-        removeFolder(folder_.c_str());
-    }
-    JoinedFile(const JoinedFile&) = delete;
-    JoinedFile& operator=(const JoinedFile&) = delete;
-
-    bool isComplete() const { return !folder_.empty() && complete_; }
+    bool isComplete() const { return folder_.error() == 0 && complete_; }
     const fs::path& path() const { return path_; }
 
   private:
-    fs::path folder_, path_;
-    std::optional<Unfinished> noted_;
+    WorkFolder folder_;
+    fs::path path_;
     bool complete_ = true;
 };
 

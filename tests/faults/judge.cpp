@@ -75,9 +75,9 @@ bool isPreference(const std::string& name) {
     return name.starts_with("home/");
 }
 
-// Resource files get their records one by one, and may lack some; what is there is sound.
+// Resource files get their records one by one, and the open drawing what each command makes; what is there is sound.
 bool isGrowing(const std::string& name) {
-    return name.ends_with(".rsc") || name.ends_with(".upf");
+    return name.ends_with(".rsc") || name.ends_with(".upf") || name == "plan.mcd";
 }
 
 std::string leftOver(const Files& before, const Files& good, const Files& left) {
