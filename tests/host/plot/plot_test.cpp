@@ -171,9 +171,9 @@ TEST_F(PlotTest, AFullDiskIsAFailedPlot) {
     addSquare(0, 0, 1000, 0);
     fence(0, 0, 1000, 1000);
     writeFile("a.pdf", "old");
-    const auto filesBefore = std::distance(fs::directory_iterator(path("")), {});
     const OwnedPlot plot = plotter("");
     mdlPlotDesc_setFenceFromTCB(plot.get(), 1);
+    const auto filesBefore = std::distance(fs::directory_iterator(path("")), {});
     limitFileSize(100);
     const int status = mdlPlotDesc_plot(plot.get(), path("a.pdf").c_str());
     limitFileSize(RLIM_INFINITY);
