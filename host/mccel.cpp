@@ -581,8 +581,7 @@ int runWith(int argc, char** argv) {
     std::vector<std::string> sources;
     app.add_option("-o,--output", output, "The cell library to make")->type_name("FILE.cel");
     app.add_option("-p,--pictures", pictures, "Also make a PNG picture of each cell here")->type_name("FOLDER");
-    app.add_option("sources", sources, "Descriptions of cells, pens and letterings")
-        ->type_name("FILE.toml");
+    app.add_option("sources", sources, "Descriptions of cells, pens and letterings")->type_name("FILE.toml");
     app.set_version_flag("--version", "mccel " MCHOST_VERSION);
     try {
         app.parse(argc, argv);

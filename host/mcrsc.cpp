@@ -303,8 +303,7 @@ int runWith(int argc, char** argv) {
     std::string output;
     std::vector<std::string> sources;
     app.add_option("-o,--output", output, "The resource file to make")->type_name("FILE.rsc");
-    app.add_option("sources", sources, "Sources of string lists, dialogs and icons")
-        ->type_name("FILE.toml");
+    app.add_option("sources", sources, "Sources of string lists, dialogs and icons")->type_name("FILE.toml");
     app.set_version_flag("--version", "mcrsc " MCHOST_VERSION);
     try {
         app.parse(argc, argv);

@@ -24,7 +24,8 @@ namespace host {
 // Null, or what went wrong, as UTF-8.
 std::optional<std::string> plot(const MdlPlotDesc& descr, const std::string& path);
 
-// Lets the user choose one of the printers: its path on a server or its name, or nothing when nobody answers or there is none to choose.
+// Lets the user choose one of the printers: its path on a server or its name, or nothing when nobody answers or there
+// is none to choose.
 struct PrinterChoice {
     bool chosen;
     std::string name;

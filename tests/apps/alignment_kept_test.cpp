@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "mclib.h"
 #include "host/mdl/model.h"
 #include "host/mdl/resource.h"
 #include "host/mdl/system.h"
 #include "host/session/session.h"
+#include "mclib.h"
 #include "tests/support/application_test.h"
 
 namespace {

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "forms/forms.h"
-#include "mclib.h"
 #include "geometry/elmdscr.h"
 #include "host/mdl/cell.h"
 #include "host/mdl/dialog.h"
@@ -13,6 +12,7 @@
 #include "host/mdl/system.h"
 #include "host/mdl/text.h"
 #include "host/model/cell_library.h"
+#include "mclib.h"
 #include "tests/support/library_fixture.h"
 
 namespace {

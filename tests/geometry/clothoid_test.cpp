@@ -182,10 +182,9 @@ TEST(Clothoid, WhatIsNoStationIsRefused) {
         double R1, R2, s;
         int status;
     };
-    for (const Case& c :
-         {Case{0, 100, 100, 0}, Case{0, 100, 100 + 1e-6, MCLIB_ERROR},
-          Case{0, 100, -1e-9, MCLIB_ERROR}, Case{0, 0, 0, MCLIB_ERROR}, Case{100, -100, 50, MCLIB_ERROR},
-          Case{200, 100, 50, 0}, Case{200, 100, 49.9, MCLIB_ERROR}, Case{0, 100, NAN, MCLIB_ERROR}}) {
+    for (const Case& c : {Case{0, 100, 100, 0}, Case{0, 100, 100 + 1e-6, MCLIB_ERROR}, Case{0, 100, -1e-9, MCLIB_ERROR},
+                          Case{0, 0, 0, MCLIB_ERROR}, Case{100, -100, 50, MCLIB_ERROR}, Case{200, 100, 50, 0},
+                          Case{200, 100, 49.9, MCLIB_ERROR}, Case{0, 100, NAN, MCLIB_ERROR}}) {
         x = 7;
         EXPECT_EQ(status(c.R1, c.R2, 100, c.s, &x), c.status) << c.R1 << ' ' << c.R2 << ' ' << c.s;
         if (c.status != 0) {
