@@ -1,12 +1,11 @@
 // What an attribute does: dressing an element, making a text, and keeping line style names and numbers in step.
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 
 #include "elmattr/table.h"
 #include "frame/current_units.h"
 #include "frame/global_data.h"
+#include "frame/host_ptr.h"
 #include "frame/main.h"
 #include "frame/util.h"
 #include "host/mdl/element.h"
@@ -17,11 +16,6 @@
 #include "host/mdl/transform.h"
 
 namespace {
-
-struct Free {
-    void operator()(wchar_t* text) const { std::free(text); }
-};
-using WideText = std::unique_ptr<wchar_t, Free>;
 
 bool uses(const ElmAttrData& data, uint32_t flag) {
     return (data.useFlags & flag) != 0;
@@ -150,9 +144,9 @@ TextSettings textSettings(const ElmAttrRecord& record, double scale) {
     return text;
 }
 
-WideText toWide(const char* text) {
+HostPtr<wchar_t> toWide(const char* text) {
     const size_t length = std::strlen(text);
-    WideText wide(static_cast<wchar_t*>(std::malloc((length + 1) * sizeof(wchar_t))));
+    HostPtr<wchar_t> wide(static_cast<wchar_t*>(dlmSystem_mdlMalloc((length + 1) * sizeof(wchar_t))));
     if (wide) {
         mdlCnv_convertMultibyteToUnicode(text, static_cast<int>(length), wide.get(), static_cast<int>(length + 1));
     }
@@ -172,7 +166,7 @@ int mclibElmAttr_setSymbologyAndProperties(MSElementBuffer* element, int id, Elm
 int mclibElmAttr_createText(MSElementBuffer* out, const MSElementBuffer* templateP, const char* text,
                             const Point3d* origin, const RotMatrix* rotation, int32_t reserved, int32_t id,
                             double scale, ElmAttrData* data) {
-    WideText wide;
+    HostPtr<wchar_t> wide;
     if (text != nullptr && !(wide = toWide(text))) return MCLIB_ERROR;
     const ElmAttrRecord* record = recordOfCurrentApplication(id);
     if (record == nullptr) return MCLIB_ERROR;

@@ -24,6 +24,8 @@
 
 namespace {
 
+MCHOST_FIRST const host::ProgramStart programStart;
+
 constexpr double uorPerMaster = 10000;
 constexpr int64_t mostRepeats = 1000;
 constexpr int32_t mostElements = 100000;  // of a cell

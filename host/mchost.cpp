@@ -27,6 +27,8 @@
 
 namespace {
 
+MCHOST_FIRST const host::ProgramStart programStart;
+
 namespace fs = std::filesystem;
 using namespace mchost;
 

@@ -20,6 +20,8 @@
 
 namespace {
 
+MCHOST_FIRST const host::ProgramStart programStart;
+
 using host::DialogLayout;
 using host::Icon;
 using host::ItemLayout;

@@ -11,6 +11,8 @@
 
 namespace {
 
+MCHOST_FIRST const host::ProgramStart programStart;
+
 constexpr const char* usage =
     "usage: mcshell /C COMMAND [arguments]\n"
     "       mcshell /C \"COMMAND [arguments] [> FILE]\"\n"

@@ -1,11 +1,10 @@
 // Fills: a run of neighbouring bits for each pair of edges in a row.
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <span>
 
+#include "frame/host_ptr.h"
 #include "print/bitmap.h"
 #include "print/raster.h"
 
@@ -154,10 +153,10 @@ template <class Int>
 void fillOutline(Bitmap& bitmap, const Outline& outline, size_t edgeCount) {
     constexpr size_t few = 32;
     std::array<Edge<Int>, few> local;
-    std::unique_ptr<Edge<Int>, decltype(&std::free)> block(nullptr, std::free);
+    HostPtr<Edge<Int>> block;
     Edge<Int>* edges = local.data();
     if (edgeCount > few) {
-        block.reset(static_cast<Edge<Int>*>(std::malloc(edgeCount * sizeof(Edge<Int>))));
+        block.reset(static_cast<Edge<Int>*>(dlmSystem_mdlMalloc(edgeCount * sizeof(Edge<Int>))));
         edges = block.get();
         if (!edges) return;
     }

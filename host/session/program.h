@@ -14,10 +14,15 @@ HOST_EXPORT void tellThrown(const char* program) noexcept;
 // status 1.
 HOST_EXPORT void startProgram() noexcept;
 
+// A program has one as a static object, which is made before all others: theirs may throw too.
+struct ProgramStart {
+    ProgramStart() { startProgram(); }
+};
+#define MCHOST_FIRST __attribute__((init_priority(101)))
+
 // A program's work, with its exit status; 1 behind a line when it throws.
 template <class Work>
 int runProgram(const char* program, Work&& work) noexcept {
-    startProgram();
     try {
         return std::forward<Work>(work)();
     } catch (...) {

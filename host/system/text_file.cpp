@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -59,9 +60,19 @@ void refill(MdlTextFile& file) {
     if (count == 0 && std::ferror(file.stream)) file.readError = errno == 0 ? EIO : errno;
 }
 
+// A stream that memory is lacking for can't be read on.
+void enlarge(MdlTextFile& file, size_t size) {
+    try {
+        file.window.resize(size);
+    } catch (const std::bad_alloc&) {
+        file.readError = ENOMEM;
+        throw;
+    }
+}
+
 // Brings at least `count` bytes into the window, or all that there are.
 void require(MdlTextFile& file, size_t count) {
-    if (file.window.size() < count) file.window.resize(std::max(count, file.windowSize));
+    if (file.window.size() < count) enlarge(file, std::max(count, file.windowSize));
     while (file.end - file.begin < count && !file.drained) refill(file);
 }
 

@@ -4,6 +4,7 @@
  * MCFAULT_KIND=KIND     the calls that are meant, a row of `kinds`
  * MCFAULT_AT=N          the call that fails, from 1
  * MCFAULT_MODE=once     that call alone; "on": it and all later ones; "term": the process gets SIGTERM in that call
+ * MCFAULT_TRAP=1        the call stops in a debugger first
  *
  * Programs that the process starts are left alone. The clock stands still, so that two runs make the same calls and the
  * same files. */
@@ -36,6 +37,7 @@ static long counts[KINDS];
 static int kind = -1;
 static long at;
 static enum Mode mode;
+static int traps;
 static int ready;          /* calls before the start of the program itself aren't counted */
 static __thread int inside; /* in this library's own work */
 static char countsFile[1024];
@@ -86,6 +88,7 @@ static int fails(enum Kind called)
     const int before = errno;
     ++inside;
     const int isOurs = !isForeign();
+    if (isOurs && traps) raise(SIGTRAP);
     if (isOurs && mode == TERM) raise(SIGTERM);
     --inside;
     errno = before;
@@ -113,6 +116,7 @@ __attribute__((constructor)) static void begin(void)
     for (int k = 0; name && k < KINDS; ++k)
         if (strcmp(name, kinds[k]) == 0) kind = k;
     at = number ? atol(number) : 0;
+    traps = getenv("MCFAULT_TRAP") != NULL;
     mode = how && strcmp(how, "on") == 0 ? ON : how && strcmp(how, "term") == 0 ? TERM : ONCE;
     dl_iterate_phdr(noteRange, NULL);
     unsetenv("LD_PRELOAD");
