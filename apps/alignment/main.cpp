@@ -69,7 +69,7 @@ fs::path outputBase(const Options& options) {
 
 bool writeDesignFile(const std::string& name, ElementDescr* page) {
     return (mdlElmdscr_add(page) != 0 && mdlSystem_saveDesignFile() == MDL_SUCCESS) ||
-           fail(name + ": the drawing can't be stored");
+           app::failOutput(name, "the drawing can't be stored; is the disk full?");
 }
 
 // In millimetres on the paper.
@@ -78,11 +78,11 @@ struct PaperBox {
 };
 
 bool printPage(const std::string& name, int device, ElementDescr* page, const PaperBox& box) {
-    if (mclibPrint_fopen(name.c_str(), device) == 0) return fail(name + ": the print file can't be opened");
+    if (mclibPrint_fopen(name.c_str(), device) == 0) return app::failOutput(name, "the print file can't be opened");
     mclibPrint_printElementDescr(page, box.x, box.y, box.width, box.height);
     mclibPrint_fclose();
     return mclibPrint_jobStatus() == MCLIB_SUCCESS ||
-           fail(name + ": the print file can't be written; is the disk full?");
+           app::failOutput(name, "the print file can't be written; is the disk full?");
 }
 
 // The sheet; the station list on a device that has nothing but texts.
@@ -91,7 +91,7 @@ bool print(const std::string& name, ElementDescr* page, const Road& road, const 
     if (device != PRINT_ASCII) return printPage(name, device, page, {margin, margin, sheet.width(), sheet.height()});
     const ListPage list = stationPage(road, options.step);
     return list.page && printPage(name, device, list.page.get(), {0, 0, list.width, list.height}) &&
-           (app::makeUtf8(name) || fail(name + ": the station list can't be written; is the disk full?"));
+           (app::makeUtf8(name) || app::failOutput(name, "the station list can't be written; is the disk full?"));
 }
 
 bool writePicture(const std::string& name, ElementDescr* page, const Sheet& sheet) {
@@ -103,7 +103,7 @@ bool writePicture(const std::string& name, ElementDescr* page, const Sheet& shee
     range.high.x += edge;
     range.high.y += edge;
     return mdlPicture_write(name.c_str(), page, &range, sheet.paper.width, dpi) == MDL_SUCCESS ||
-           fail(name + ": the picture can't be written");
+           app::failOutput(name, "the picture can't be written; is the disk full?");
 }
 
 // Closes the design file that the work was done in, however the work ends.
@@ -136,7 +136,7 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Project& project, con
     if (!outputs.prepare(options.input, options.overwrite)) return false;
     const std::string designName = outputs.temporary(".mcd");
     WorkFile workFile(designName);
-    if (!workFile.isOpen()) return fail(designName + ": the design file can't be made");
+    if (!workFile.isOpen()) return app::failOutput(designName, "the design file can't be made");
     const Page page = drawRoad(road, sheet);
     if (!page || !project.write(designName) || !writeDesignFile(designName, page.get())) return false;
     if (!turnUpright(page.get(), sheet) || !print(outputs.temporary(printSuffix), page.get(), road, sheet, options))
@@ -144,7 +144,7 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Project& project, con
     if (!writePicture(outputs.temporary(pictureSuffix.c_str()), page.get(), sheet)) return false;
     if (options.raster && !writeRaster(outputs.temporary(rasterSuffix), page.get(), sheet, *options.raster))
         return false;
-    if (!workFile.close()) return fail(designName + ": the design file can't be stored");
+    if (!workFile.close()) return app::failOutput(designName, "the design file can't be stored; is the disk full?");
     if (!outputs.finish()) return false;
     for (const fs::path& name : outputs.names()) toolSubsystem_printf("alignment: made %s\n", name.c_str());
     const std::string printFile = outputBase(options).string() + printSuffix;

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "apps/common/outputs.h"
 #include "apps/common/tell.h"
 #include "host/mdl/model.h"
 
@@ -47,7 +48,7 @@ bool Project::write(const std::string& drawing) const {
     mclibProject_writeProjectInfoToDesignFile(&data_);
     mclibProsjektData stored;
     return mclibProject_readProjectInfoFromDesignFile(&stored) == 1 ||
-           app::fail(drawing + ": the project data can't be stored");
+           app::failOutput(drawing, "the project data can't be stored; is the disk full?");
 }
 
 }  // namespace alignment

@@ -10,6 +10,7 @@
 #include <span>
 #include <vector>
 
+#include "apps/common/outputs.h"
 #include "apps/common/system_path.h"
 #include "apps/common/tell.h"
 #include "host/mdl/element.h"
@@ -237,7 +238,7 @@ bool writeRaster(const std::string& name, ElementDescr* page, const Sheet& sheet
     std::ofstream out(app::systemPath(name), std::ios::binary);
     bitmap.write(out);
     out.close();
-    return out.good() || app::fail(name + ": the picture can't be written; is the disk full?");
+    return out.good() || app::failOutput(name, "the picture can't be written; is the disk full?");
 }
 
 }  // namespace alignment

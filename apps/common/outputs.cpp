@@ -10,6 +10,10 @@ namespace app {
 
 namespace fs = std::filesystem;
 
+bool failOutput(const std::string& name, const std::string& what) {
+    return fail(fs::path(name).filename().string() + ": " + what);
+}
+
 namespace {
 
 constexpr const char* kept = ".kept";  // behind the suffix: what a file of the same name was

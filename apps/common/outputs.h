@@ -11,6 +11,9 @@
 
 namespace app {
 
+// A message about a file that isn't whole yet: the folder it lies in tells the user nothing. Always false.
+bool failOutput(const std::string& name, const std::string& what);
+
 class Outputs {
   public:
     // `base` is a name of the host without suffix.

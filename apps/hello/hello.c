@@ -5,6 +5,8 @@
 #include "host/mdl/elmdscr.h"
 #include "host/mdl/system.h"
 
+MDL_DESCRIPTION("a frame and a text on an A4 sheet");
+
 enum { DRAWING = 1, FRAME = 10, TITLE = 11 };
 
 int main(int argc, char **argv)
@@ -27,7 +29,7 @@ int main(int argc, char **argv)
     Point3d corners[5] = { { 0, 0, 0 }, { 170, 0, 0 }, { 170, 120, 0 }, { 0, 120, 0 }, { 0, 0, 0 } };
     Point3d centre = { 85, 60, 0 };
     ElementDescr *page = NULL;
-    mclibElement_createShape(corners, 5, 0, FRAME, NULL);
+    if (mclibElement_createShape(corners, 5, 0, FRAME, NULL) != MCLIB_SUCCESS) return 1;
     if (mdlElmdscr_new(&page, NULL, dgnBufP) != MDL_SUCCESS) return 1;
     int made = mclibElement_createText(&centre, "Hello, paper", 1.0, NULL, TITLE, page) == MCLIB_SUCCESS;
 
