@@ -121,7 +121,7 @@ TEST_F(ResourceFile, AnApplicationsOwnFileLiesBeforeTheSharedOne) {
     shared.strings[{list, 2}].set("en", "shared alone");
     mdlSystem_defineCfgVar("MS_APPRSC", make("shared.rsc", shared).c_str(), 1);
     make("mine.rsc", withText(1, "mine"));
-    std::filesystem::copy(BUILD_DIR "/lib/c_register.so", path("mine.so"));
+    std::filesystem::copy(BUILD_DIR "/tests/c_register.so", path("mine.so"));
     ASSERT_NE(session().loadApplication(path("mine.so"), "mine"), nullptr);  // it opens its own file
     asApplication("mine", [&] {
         EXPECT_EQ(load(0, 1), "mine");
