@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "bench/race.h"
-#include "host/mdl/elmdscr.h"
-#include "host/mdl/model.h"
-#include "project/application_data.h"
+#include "mchost/mdl/elmdscr.h"
+#include "mchost/mdl/model.h"
+#include "mclib/project/application_data.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // A call by signature against a direct call through a pointer, from inside an application into another one.
 #include <benchmark/benchmark.h>
 
-#include "host/mdl/system.h"
-#include "host/session/session.h"
+#include "mchost/mdl/system.h"
+#include "mchost/session/session.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "bench/race.h"
-#include "geometry/clothoid.h"
+#include "mclib/geometry/clothoid.h"
 
 namespace {
 

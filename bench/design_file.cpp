@@ -19,10 +19,10 @@
 #include <string>
 #include <vector>
 
-#include "host/mdl/element.h"
-#include "host/mdl/elmdscr.h"
-#include "host/mdl/model.h"
-#include "host/mdl/scan.h"
+#include "mchost/mdl/element.h"
+#include "mchost/mdl/elmdscr.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/scan.h"
 
 namespace {
 

@@ -12,9 +12,9 @@
 
 #include "bench/race.h"
 #include "bench/sheet.h"
-#include "print/ascii.h"
-#include "print/hpgl.h"
-#include "print/pcl.h"
+#include "mclib/print/ascii.h"
+#include "mclib/print/hpgl.h"
+#include "mclib/print/pcl.h"
 
 namespace {
 

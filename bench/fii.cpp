@@ -10,7 +10,7 @@
 #include <string>
 
 #include "bench/race.h"
-#include "text/fii.h"
+#include "mclib/text/fii.h"
 
 namespace {
 

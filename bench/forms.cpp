@@ -11,15 +11,15 @@
 
 #include "bench/race.h"
 #include "bench/silent.h"
-#include "forms/formatter.h"
-#include "frame/main.h"
-#include "host/front/front_end.h"
-#include "host/mdl/cell.h"
-#include "host/mdl/model.h"
-#include "host/mdl/system.h"
-#include "host/mdl/text.h"
-#include "host/model/cell_library.h"
-#include "host/session/session.h"
+#include "mclib/forms/formatter.h"
+#include "mclib/frame/main.h"
+#include "mchost/session/front_end.h"
+#include "mchost/mdl/cell.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/system.h"
+#include "mchost/mdl/text.h"
+#include "mchost/model/cell_library.h"
+#include "mchost/session/session.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // One-shot evaluation: text and parameters in, number out. The same formulas through a plain recursive descent with the
 // same duties, a grammar of PEGTL that computes while it matches, FParser and muParser.
-#include "text/formula.h"
+#include "mclib/text/formula.h"
 
 #include <benchmark/benchmark.h>
 

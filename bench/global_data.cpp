@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "bench/silent.h"
-#include "frame/main.h"
-#include "host/session/session.h"
+#include "mclib/frame/main.h"
+#include "mchost/session/session.h"
 
 namespace {
 

@@ -13,14 +13,14 @@
 #include "bench/race.h"
 #include "bench/sheet.h"
 #include "bench/silent.h"
-#include "frame/main.h"
-#include "host/front/front_end.h"
-#include "host/mdl/elmdscr.h"
-#include "host/mdl/model.h"
-#include "host/session/session.h"
-#include "print/print.h"
-#include "print/ps.h"
-#include "print/ps_prolog.h"
+#include "mclib/frame/main.h"
+#include "mchost/session/front_end.h"
+#include "mchost/mdl/elmdscr.h"
+#include "mchost/mdl/model.h"
+#include "mchost/session/session.h"
+#include "mclib/print/print.h"
+#include "mclib/print/ps.h"
+#include "mclib/print/ps_prolog.h"
 
 namespace {
 

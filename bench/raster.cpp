@@ -1,6 +1,6 @@
 // Lines and fills in a bitmap of one bit a pixel, against FreeType's and cairo's fills without grey levels and GD's
 // lines.
-#include "print/raster.h"
+#include "mclib/print/raster.h"
 
 #include <benchmark/benchmark.h>
 #include <cairo.h>

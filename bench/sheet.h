@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "host/mdl/types.h"
+#include "mchost/mdl/types.h"
 
 // Two print files in the temporary folder.
 struct PrintFiles {

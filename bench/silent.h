@@ -1,7 +1,7 @@
 // A front end for sessions whose words nobody looks at.
 #pragma once
 
-#include "host/front/front_end.h"
+#include "mchost/session/front_end.h"
 
 class SilentFrontEnd : public host::FrontEnd {
   public:

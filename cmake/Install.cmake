@@ -6,7 +6,7 @@ install(TARGETS mchost mclib EXPORT mclib-targets LIBRARY DESTINATION ${CMAKE_IN
 install(TARGETS mchost-program mcrsc mccel mcshell RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 file(GLOB FAMILY_HEADERS RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS mclib.h frame/*.h text/*.h elmattr/*.h geometry/*.h
-     arrows/*.h print/*.h forms/*.h project/*.h design/*.h batch/*.h host/mdl/*.h)
+     arrows/*.h print/*.h forms/*.h project/*.h design/*.h batch/*.h mchost/mdl/*.h)
 foreach(header ${FAMILY_HEADERS})
   file(STRINGS ${PROJECT_SOURCE_DIR}/${header} internal REGEX "^#pragma once")  # public headers are plain C with guards
   if(NOT internal)
@@ -17,7 +17,7 @@ endforeach()
 
 install(FILES ${CMAKE_BINARY_DIR}/lib/mclib.rsc DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 install(DIRECTORY ${CMAKE_BINARY_DIR}/lib/cell DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
-install(FILES host/mchost.cfg DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
+install(FILES programs/mchost.cfg DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 install(DIRECTORY host/plotters DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 
 # The documents as they stand in the source tree, so that their links hold, and what they speak of.

@@ -4,8 +4,8 @@
 #include <array>
 
 #include "apps/common/tell.h"
-#include "host/mdl/files.h"
-#include "host/mdl/resource.h"
+#include <mchost/mdl/files.h>
+#include <mchost/mdl/resource.h>
 
 namespace alignment {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "mclib.h"
+#include <mclib/mclib.h>
 
 namespace alignment {
 

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "mclib.h"
+#include <mclib/mclib.h>
 
 namespace alignment {
 

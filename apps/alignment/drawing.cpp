@@ -7,10 +7,10 @@
 #include <cstdlib>
 
 #include "apps/common/tell.h"
-#include "host/mdl/element.h"
-#include "host/mdl/model.h"
-#include "host/mdl/transform.h"
-#include "mclib.h"
+#include <mchost/mdl/element.h>
+#include <mchost/mdl/model.h>
+#include <mchost/mdl/transform.h>
+#include <mclib/mclib.h>
 
 namespace alignment {
 

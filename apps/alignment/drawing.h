@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "host/mdl/elmdscr.h"
-#include "host/mdl/transform.h"
+#include <mchost/mdl/elmdscr.h>
+#include <mchost/mdl/transform.h>
 #include "road.h"
 #include "sheet.h"
 

@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "apps/common/tell.h"
-#include "host/mdl/system.h"
-#include "host/mdl/transform.h"
-#include "mclib.h"
+#include <mchost/mdl/system.h>
+#include <mchost/mdl/transform.h>
+#include <mclib/mclib.h>
 
 namespace alignment {
 

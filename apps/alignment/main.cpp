@@ -18,11 +18,11 @@
 #include "attributes.h"
 #include "checks.h"
 #include "drawing.h"
-#include "host/mdl/model.h"
-#include "host/mdl/system.h"
-#include "host/mdl/view.h"
+#include <mchost/mdl/model.h>
+#include <mchost/mdl/system.h>
+#include <mchost/mdl/view.h>
 #include "listing.h"
-#include "mclib.h"
+#include <mclib/mclib.h>
 #include "options.h"
 #include "project.h"
 #include "raster.h"

@@ -8,7 +8,7 @@
 #include "apps/common/names.h"
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
-#include "mclib.h"
+#include <mclib/mclib.h>
 #include "sheet.h"
 
 namespace alignment {

@@ -4,7 +4,7 @@
 
 #include "apps/common/outputs.h"
 #include "apps/common/tell.h"
-#include "host/mdl/model.h"
+#include <mchost/mdl/model.h>
 
 namespace alignment {
 

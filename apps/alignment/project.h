@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "mclib.h"
+#include <mclib/mclib.h>
 #include "road.h"
 
 namespace alignment {

@@ -13,13 +13,13 @@
 #include "apps/common/outputs.h"
 #include "apps/common/system_path.h"
 #include "apps/common/tell.h"
-#include "host/mdl/element.h"
-#include "host/mdl/model.h"
-#include "host/mdl/system.h"
-#include "host/mdl/text.h"
+#include <mchost/mdl/element.h>
+#include <mchost/mdl/model.h>
+#include <mchost/mdl/system.h>
+#include <mchost/mdl/text.h>
 #include "letters.h"
-#include "mclib.h"
-#include "print/raster.h"
+#include <mclib/mclib.h>
+#include "mclib/print/raster.h"
 
 namespace alignment {
 

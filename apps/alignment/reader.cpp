@@ -8,7 +8,7 @@
 #include "apps/common/input.h"
 #include "apps/common/tell.h"
 #include "checks.h"
-#include "host/mdl/text.h"
+#include <mchost/mdl/text.h>
 
 namespace alignment {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <iterator>
 
-#include "mclib.h"
+#include <mclib/mclib.h>
 
 namespace alignment {
 

@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "apps/common/tell.h"
-#include "mclib.h"
+#include <mclib/mclib.h>
 
 namespace alignment {
 

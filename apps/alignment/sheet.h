@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "host/mdl/types.h"
+#include <mchost/mdl/types.h>
 #include "road.h"
 
 namespace alignment {

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "apps/common/tell.h"
-#include "mclib.h"
+#include <mclib/mclib.h>
 
 namespace app {
 

@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "apps/common/names.h"
-#include "host/mdl/system.h"
+#include <mchost/mdl/system.h>
 
 namespace app {
 

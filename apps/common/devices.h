@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "apps/common/input.h"
-#include "mclib.h"
+#include <mclib/mclib.h>
 
 namespace app {
 

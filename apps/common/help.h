@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/mdl/system.h"
+#include <mchost/mdl/system.h>
 
 namespace app {
 

@@ -11,8 +11,8 @@
 #include "apps/common/numbers.h"
 #include "apps/common/system_path.h"
 #include "apps/common/tell.h"
-#include "host/mdl/files.h"
-#include "host/mdl/text.h"
+#include <mchost/mdl/files.h>
+#include <mchost/mdl/text.h>
 
 namespace app {
 

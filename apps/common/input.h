@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-#include "mclib.h"
+#include <mclib/mclib.h>
 
 namespace app {
 

@@ -1,9 +1,9 @@
 #include "apps/common/last_files.h"
 
 #include "apps/common/tell.h"
-#include "host/mdl/file_dialogs.h"
-#include "host/mdl/files.h"
-#include "mclib.h"
+#include <mchost/mdl/file_dialogs.h>
+#include <mchost/mdl/files.h>
+#include <mclib/mclib.h>
 
 namespace app {
 

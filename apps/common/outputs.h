@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/mdl/files.h"
+#include <mchost/mdl/files.h>
 
 namespace app {
 

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "host/mdl/files.h"
+#include <mchost/mdl/files.h>
 
 namespace app {
 

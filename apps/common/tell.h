@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/mdl/system.h"
+#include <mchost/mdl/system.h>
 
 namespace app {
 

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "apps/common/system_path.h"
-#include "host/mdl/text.h"
+#include <mchost/mdl/text.h>
 
 namespace app {
 

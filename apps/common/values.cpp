@@ -6,7 +6,7 @@
 #include <span>
 
 #include "apps/common/quiet.h"
-#include "host/mdl/system.h"
+#include <mchost/mdl/system.h>
 
 namespace app {
 

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "apps/common/names.h"
-#include "mclib.h"
-#include "text/formula.h"
-#include "text/tagstring.h"
+#include <mclib/mclib.h>
+#include "mclib/text/formula.h"
+#include "mclib/text/tagstring.h"
 
 namespace app {
 

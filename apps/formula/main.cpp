@@ -9,9 +9,9 @@
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
 #include "apps/common/values.h"
-#include "host/mdl/system.h"
+#include <mchost/mdl/system.h>
 #include "job.h"
-#include "mclib.h"
+#include <mclib/mclib.h>
 #include "table.h"
 
 namespace formula {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/mdl/system.h"
+#include <mchost/mdl/system.h>
 
 namespace formula {
 

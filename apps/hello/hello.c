@@ -1,9 +1,9 @@
 /* hello: a frame and a text, drawn by named attributes and printed on an A4 sheet. */
 #include <string.h>
 
-#include <mclib.h>
-#include "host/mdl/elmdscr.h"
-#include "host/mdl/system.h"
+#include <mclib/mclib.h>
+#include <mchost/mdl/elmdscr.h>
+#include <mchost/mdl/system.h>
 
 MDL_DESCRIPTION("a frame and a text on an A4 sheet");
 

@@ -7,8 +7,8 @@
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
 #include "columns.h"
-#include "host/mdl/element.h"
-#include "host/mdl/text.h"
+#include <mchost/mdl/element.h>
+#include <mchost/mdl/text.h>
 #include "library.h"
 
 namespace materials {

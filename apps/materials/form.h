@@ -10,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/mdl/transform.h"
+#include <mchost/mdl/transform.h>
 
 namespace materials {
 

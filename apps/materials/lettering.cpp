@@ -4,7 +4,7 @@
 #include <array>
 #include <memory>
 
-#include "mclib.h"
+#include <mclib/mclib.h>
 
 namespace materials {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "apps/common/tell.h"
-#include "host/mdl/cell.h"
-#include "host/mdl/files.h"
-#include "host/mdl/system.h"
-#include "mclib.h"
+#include <mchost/mdl/cell.h>
+#include <mchost/mdl/files.h>
+#include <mchost/mdl/system.h>
+#include <mclib/mclib.h>
 
 namespace materials {
 

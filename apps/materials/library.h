@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "host/mdl/elmdscr.h"
+#include <mchost/mdl/elmdscr.h>
 
 namespace materials {
 

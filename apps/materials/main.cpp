@@ -19,11 +19,11 @@
 #include "apps/common/tell.h"
 #include "apps/common/utf8.h"
 #include "form.h"
-#include "host/mdl/dialog.h"
-#include "host/mdl/system.h"
+#include <mchost/mdl/dialog.h>
+#include <mchost/mdl/system.h>
 #include "library.h"
 #include "list.h"
-#include "mclib.h"
+#include <mclib/mclib.h>
 #include "options.h"
 #include "pages.h"
 #include "reader.h"

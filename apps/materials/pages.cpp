@@ -8,11 +8,11 @@
 
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
-#include "host/mdl/element.h"
-#include "host/mdl/elmdscr.h"
-#include "host/mdl/model.h"
-#include "host/mdl/text.h"
-#include "host/mdl/transform.h"
+#include <mchost/mdl/element.h>
+#include <mchost/mdl/elmdscr.h>
+#include <mchost/mdl/model.h>
+#include <mchost/mdl/text.h>
+#include <mchost/mdl/transform.h>
 
 namespace materials {
 

@@ -10,7 +10,7 @@
 #include "columns.h"
 #include "form.h"
 #include "list.h"
-#include "mclib.h"
+#include <mclib/mclib.h>
 
 namespace materials {
 

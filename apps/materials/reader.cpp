@@ -10,7 +10,7 @@
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
 #include "apps/common/values.h"
-#include "host/mdl/system.h"
+#include <mchost/mdl/system.h>
 
 namespace materials {
 

@@ -6,8 +6,8 @@
 
 #include "apps/common/help.h"
 #include "apps/common/tell.h"
-#include "host/mdl/files.h"
-#include "host/mdl/system.h"
+#include <mchost/mdl/files.h>
+#include <mchost/mdl/system.h>
 #include "show.h"
 
 namespace show {

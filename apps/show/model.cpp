@@ -2,12 +2,12 @@
 #include <cmath>
 #include <map>
 
-#include "host/mdl/elmdscr.h"
-#include "host/mdl/files.h"
-#include "host/mdl/level.h"
-#include "host/mdl/model.h"
-#include "host/mdl/scan.h"
-#include "host/mdl/text.h"
+#include <mchost/mdl/elmdscr.h>
+#include <mchost/mdl/files.h>
+#include <mchost/mdl/level.h>
+#include <mchost/mdl/model.h>
+#include <mchost/mdl/scan.h>
+#include <mchost/mdl/text.h>
 #include "show.h"
 
 namespace show {

@@ -3,13 +3,13 @@
 #include <cstring>
 #include <optional>
 
-#include "elmattr/records.h"
-#include "forms/preview_extent.h"
-#include "host/mdl/file_dialogs.h"
-#include "print/print.h"
-#include "print/setup_record.h"
-#include "project/application_block.h"
-#include "project/records.h"
+#include "mclib/elmattr/records.h"
+#include "mclib/forms/preview_extent.h"
+#include <mchost/mdl/file_dialogs.h>
+#include "mclib/print/print.h"
+#include "mclib/print/setup_record.h"
+#include "mclib/project/application_block.h"
+#include "mclib/project/records.h"
 #include "show.h"
 
 namespace show {

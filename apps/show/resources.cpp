@@ -2,8 +2,8 @@
 #include <cstdio>
 #include <memory>
 
-#include "host/mdl/lists.h"
-#include "host/mdl/resource.h"
+#include <mchost/mdl/lists.h>
+#include <mchost/mdl/resource.h>
 #include "show.h"
 
 namespace show {

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/mdl/types.h"
+#include <mchost/mdl/types.h>
 
 namespace show {
 

@@ -1,8 +1,8 @@
 #include <cstdio>
 
 #include "apps/common/numbers.h"
-#include "host/mdl/system.h"
-#include "host/mdl/text.h"
+#include <mchost/mdl/system.h>
+#include <mchost/mdl/text.h>
 #include "show.h"
 
 namespace show {

@@ -1,5 +1,5 @@
 /* The smallest application: it registers, and says so. */
-#include <mclib.h>
+#include <mclib/mclib.h>
 
 int main(int argc, char **argv)
 {

@@ -1,8 +1,8 @@
 /* parts: a list of parts from a text file, on the pages of a form. docs/guide.md tells how it grows. */
-#include <mclib.h>
+#include <mclib/mclib.h>
 #include <stdio.h>
 
-#include "host/mdl/resource.h"
+#include <mchost/mdl/resource.h>
 
 enum { ROWS = 16, MOST_PARTS = 320, MOST_PAGES = MOST_PARTS / ROWS, NAME_LENGTH = 4 };
 enum { MESSAGES = 1 }; /* our string list, and its strings */

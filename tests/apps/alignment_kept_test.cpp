@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "host/mdl/model.h"
-#include "host/mdl/resource.h"
-#include "host/mdl/system.h"
-#include "host/session/session.h"
-#include "mclib.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/resource.h"
+#include "mchost/mdl/system.h"
+#include "mchost/session/session.h"
+#include "mclib/mclib.h"
 #include "tests/support/application_test.h"
 
 namespace {

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "host/mdl/elmdscr.h"
-#include "host/mdl/model.h"
-#include "host/mdl/scan.h"
-#include "host/mdl/system.h"
-#include "host/session/session.h"
+#include "mchost/mdl/elmdscr.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/scan.h"
+#include "mchost/mdl/system.h"
+#include "mchost/session/session.h"
 #include "tests/support/application_test.h"
 
 namespace {

@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "elmattr/resources.h"
-#include "frame/resource_files.h"
-#include "host/mdl/file_dialogs.h"
-#include "host/mdl/resource.h"
-#include "print/setup_record.h"
-#include "project/store.h"
+#include "mclib/elmattr/resources.h"
+#include "mclib/frame/resource_files.h"
+#include "mchost/mdl/file_dialogs.h"
+#include "mchost/mdl/resource.h"
+#include "mclib/print/setup_record.h"
+#include "mclib/project/store.h"
 #include "tests/support/application_test.h"
 #include "tests/support/library_fixture.h"
 

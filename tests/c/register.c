@@ -1,9 +1,9 @@
 /* An application in plain C: registers, works with what it gets, and prints the library's version. Its exit status
  * counts what went wrong. */
-#include <mclib.h>
+#include <mclib/mclib.h>
 #include <string.h>
 
-#include "host/mdl/system.h"
+#include <mchost/mdl/system.h>
 
 static int faults = 0;
 

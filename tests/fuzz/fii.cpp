@@ -1,6 +1,6 @@
 // How the reader is opened, the calls to make with their delimiters, then a file and one that it may include. Calls
 // start over until the file has ended. Texts are given blocks of exactly the bytes that the header tells.
-#include "text/fii.h"
+#include "mclib/text/fii.h"
 
 #include <algorithm>
 #include <array>

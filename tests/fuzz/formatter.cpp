@@ -1,5 +1,5 @@
 // A template, the names' length and the rows of an array, the size of the buffer, then fields: name, type, row, value.
-#include "forms/formatter.h"
+#include "mclib/forms/formatter.h"
 
 #include <memory>
 

@@ -1,5 +1,5 @@
 // A formula, then a count and that many parameters. Blocks have their exact sizes, so that reading past them shows.
-#include "text/formula.h"
+#include "mclib/text/formula.h"
 
 #include <vector>
 

@@ -1,10 +1,10 @@
 // Near points must give the pixels of the plain steps; points from anywhere must only stay within the bitmap.
-#include "print/raster.h"
+#include "mclib/print/raster.h"
 
 #include <vector>
 
 #include "bytes.h"
-#include "tests/print/raster_steps.h"
+#include "tests/mclib/print/raster_steps.h"
 
 namespace {
 

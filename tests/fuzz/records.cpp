@@ -8,10 +8,10 @@
 #include <string>
 
 #include "bytes.h"
-#include "elmattr/records.h"
-#include "print/setup_record.h"
-#include "project/application_block.h"
-#include "project/records.h"
+#include "mclib/elmattr/records.h"
+#include "mclib/print/setup_record.h"
+#include "mclib/project/application_block.h"
+#include "mclib/project/records.h"
 
 namespace {
 

@@ -1,21 +1,21 @@
 // Resource files. The first byte tells what the others are: the whole file; places and bytes in a sound file; changes
 // of its rows; or blocks of the types that the library reads, stored as they should be. A file is refused with one line
 // and stays as it is; what can be read goes to everybody who reads resource files.
-#include "host/resource/container.h"
+#include "mchost/resource/container.h"
 
 #include <cstring>
 
 #include "database.h"
-#include "elmattr/attributes.h"
-#include "elmattr/records.h"
-#include "elmattr/resources.h"
-#include "frame/resource_files.h"
-#include "host/mdl/dialog.h"
-#include "host/mdl/file_dialogs.h"
-#include "host/mdl/lists.h"
-#include "host/mdl/resource.h"
-#include "host/resource/store.h"
-#include "print/setup_record.h"
+#include "mclib/elmattr/attributes.h"
+#include "mclib/elmattr/records.h"
+#include "mclib/elmattr/resources.h"
+#include "mclib/frame/resource_files.h"
+#include "mchost/mdl/dialog.h"
+#include "mchost/mdl/file_dialogs.h"
+#include "mchost/mdl/lists.h"
+#include "mchost/mdl/resource.h"
+#include "mchost/resource/store.h"
+#include "mclib/print/setup_record.h"
 #include "session.h"
 
 namespace {

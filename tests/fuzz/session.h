@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "folder.h"
-#include "frame/main.h"
-#include "host/front/front_end.h"
-#include "host/session/session.h"
+#include "mclib/frame/main.h"
+#include "mchost/session/front_end.h"
+#include "mchost/session/session.h"
 
 class FuzzFrontEnd : public host::FrontEnd {
   public:

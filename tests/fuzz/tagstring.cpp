@@ -1,10 +1,10 @@
 // An expression, then a table of names and values as texts.
-#include "text/tagstring.h"
+#include "mclib/text/tagstring.h"
 
 #include <vector>
 
 #include "bytes.h"
-#include "host/mdl/system.h"
+#include "mchost/mdl/system.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Bytes input(data, size);

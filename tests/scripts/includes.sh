@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# includes.sh SOURCE_DIR: includes between folders run downwards only, the library sees of the host only host/mdl, the
+# includes.sh SOURCE_DIR: includes between folders run downwards only, the library sees of the host only mchost/mdl, the
 # host sees nothing of the library, and no files include each other in a circle.
 set -euo pipefail
 cd "$1"
 fail=0
-rank() {  # the storey of a folder; frame/startup.cpp stands above all others
+rank() {  # the storey of a folder; mclib/startup/startup.cpp stands above all others
     case "$1" in
         frame) echo 1 ;; text | elmattr) echo 2 ;; geometry) echo 3 ;; arrows | print) echo 4 ;;
         forms | batch | design | project) echo 5 ;; *) echo 0 ;;
@@ -12,12 +12,12 @@ rank() {  # the storey of a folder; frame/startup.cpp stands above all others
 }
 for file in {frame,text,elmattr,geometry,arrows,print,forms,project,design,batch}/*.{h,cpp}; do
     [ -f "$file" ] || continue
-    [ "$file" = frame/startup.cpp ] && continue
+    [ "$file" = mclib/startup/startup.cpp ] && continue
     from=$(rank "${file%%/*}")
     while read -r target; do
         case "$target" in
-            host/mdl/*) ;;
-            host/*) echo "$file includes $target: the library knows the host by host/mdl alone"; fail=1 ;;
+            mchost/mdl/*) ;;
+            host/*) echo "$file includes $target: the library knows the host by mchost/mdl alone"; fail=1 ;;
             *) to=$(rank "${target%%/*}")
                [ "$to" -gt "$from" ] && { echo "$file includes $target: upwards"; fail=1; } ;;
         esac

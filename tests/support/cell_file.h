@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "host/mdl/elmdscr.h"
-#include "host/model/cell_library.h"
+#include "mchost/mdl/elmdscr.h"
+#include "mchost/model/cell_library.h"
 
 // A library in the making, with cells of lines.
 class CellFile {

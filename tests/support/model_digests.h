@@ -1,5 +1,5 @@
 // Makes the digests of a design file or cell library right again behind changes of its rows, so that what is checked
-// behind them is reached. The digests are told in host/model/container.h.
+// behind them is reached. The digests are told in mchost/model/container.h.
 #pragma once
 
 #include <sqlite3.h>
@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/model/digest.h"
+#include "mchost/model/digest.h"
 
 class RowDigest {
   public:

@@ -7,7 +7,7 @@
 #include <sstream>
 #include <string>
 
-#include "host/mdl/system.h"
+#include "mchost/mdl/system.h"
 
 namespace {
 

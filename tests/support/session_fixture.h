@@ -12,9 +12,9 @@
 #include <utility>
 #include <vector>
 
-#include "host/front/front_end.h"
-#include "host/front/scripted.h"
-#include "host/session/session.h"
+#include "mchost/session/front_end.h"
+#include "mchost/front/scripted.h"
+#include "mchost/session/session.h"
 
 // Texts are UTF-8, as a front end gets them.
 class RecordingFrontEnd : public host::FrontEnd {

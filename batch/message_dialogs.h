@@ -1,6 +1,0 @@
-// The message box (dialog 20011) and the list dialog (dialog 20010): hooks that lay the two out and draw what
-// frame/messages.h holds.
-#pragma once
-
-// Publishes the hooks for the current application.
-void publishMessageDialogHooks();

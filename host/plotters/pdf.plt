@@ -1,4 +1,0 @@
-# A plotter that writes PDF files, one for each page. The entries are told in host/mdl/plot.h.
-output = pdf
-default = A4
-margin = 10

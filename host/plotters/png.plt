@@ -1,5 +1,0 @@
-# A plotter that writes PNG pictures, one for each page. The entries are told in host/mdl/plot.h.
-output = png
-resolution = 150
-default = A4
-margin = 10

@@ -1,0 +1,182 @@
+#include "mchost/base/variables.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+#include "mchost/mdl/system.h"
+#include "mchost/base/guard.h"
+#include "mchost/session/state.h"
+
+namespace host {
+
+namespace {
+
+// One expansion: what it has written, which variables it is inside of, and how many it has looked up. A few definitions
+// that name each other twice would otherwise grow without end.
+class Expansion {
+  public:
+    explicit Expansion(const Variables& variables) : variables_(variables) {}
+
+    void add(std::string_view text) {
+        while (!text.empty() && result.size() < Variables::longestExpansion) {
+            const size_t start = text.find('$');
+            append(text.substr(0, start));
+            if (start == std::string_view::npos) return;
+            text.remove_prefix(start);
+            text.remove_prefix(addReference(text));
+        }
+    }
+
+    void addVariable(std::string_view name) {
+        if (std::ranges::find(open_, name) != open_.end() || ++lookUps_ > mostLookUps) return;
+        const std::optional<std::string> value = variables_.value(name);
+        if (!value) return;
+        open_.push_back(name);
+        add(*value);
+        open_.pop_back();
+    }
+
+    std::string result;
+
+  private:
+    // Takes the text at a "$"; the number of characters that were used up.
+    size_t addReference(std::string_view text) {
+        const char close = text.size() < 2 ? '\0' : text[1] == '(' ? ')' : text[1] == '{' ? '}' : '\0';
+        const size_t end = close == '\0' ? std::string_view::npos : text.find(close, 2);
+        if (end == std::string_view::npos) {
+            append("$");
+            return 1;
+        }
+        addVariable(text.substr(2, end - 2));
+        return end + 1;
+    }
+
+    void append(std::string_view text) { result.append(text.substr(0, Variables::longestExpansion - result.size())); }
+
+    static constexpr int mostLookUps = 10000;
+    const Variables& variables_;
+    std::vector<std::string_view> open_;
+    int lookUps_ = 0;
+};
+
+const char* environment(std::string_view name) {
+    if (name.empty() || name.find('\0') != std::string_view::npos) return nullptr;
+    return std::getenv(std::string(name).c_str());
+}
+
+}  // namespace
+
+std::optional<std::string> Variables::value(std::string_view name) const {
+    const auto entry = entries_.find(name);
+    if (entry != entries_.end()) {
+        const auto& levels = entry->second.levels;
+        const auto highest = std::find_if(levels.rbegin(), levels.rend(), [](const auto& v) { return v.has_value(); });
+        if (highest != levels.rend()) return *highest;
+        if (entry->second.hidesEnvironment) return std::nullopt;
+    }
+    const char* value = environment(name);
+    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+}
+
+bool Variables::define(std::string_view name, std::string_view value, int level) {
+    if (level < 0 || level >= levelCount || name.empty() || name.find('=') != std::string_view::npos) return false;
+    entries_[std::string(name)].levels[static_cast<size_t>(level)] = value;
+    return true;
+}
+
+bool Variables::remove(std::string_view name) {
+    if (!value(name)) return false;
+    entries_[std::string(name)] = {.levels = {}, .hidesEnvironment = true};
+    return true;
+}
+
+std::string Variables::expand(std::string_view text) const {
+    Expansion expansion(*this);
+    expansion.add(text);
+    return std::move(expansion.result);
+}
+
+std::optional<std::string> Variables::expandedValue(std::string_view name) const {
+    if (!value(name)) return std::nullopt;
+    Expansion expansion(*this);
+    expansion.addVariable(name);
+    return std::move(expansion.result);
+}
+
+std::map<std::string, std::string> Variables::expandedValues(std::string_view nameBegins) const {
+    std::map<std::string, std::string> values;
+    for (auto entry = entries_.lower_bound(nameBegins); entry != entries_.end(); ++entry) {
+        if (!entry->first.starts_with(nameBegins)) break;
+        if (auto value = expandedValue(entry->first)) values.emplace(entry->first, std::move(*value));
+    }
+    return values;
+}
+
+Variables& variables() {
+    static Variables ofProcess;
+    return activeState != nullptr ? activeState->variables : ofProcess;
+}
+
+namespace {
+
+void copyCut(char* buffer, int size, std::string_view text) {
+    if (buffer == nullptr || size <= 0) return;
+    const size_t length = std::min(text.size(), static_cast<size_t>(size) - 1);
+    std::memcpy(buffer, text.data(), length);
+    buffer[length] = '\0';
+}
+
+char* newBlock(std::string_view text) {
+    auto* block = static_cast<char*>(dlmSystem_mdlMalloc(text.size() + 1));
+    if (block != nullptr) copyCut(block, static_cast<int>(text.size()) + 1, text);
+    return block;
+}
+
+// Copies a value that is defined; the status of the call.
+int give(char* buffer, int size, const std::optional<std::string>& value) {
+    if (!value) return MDL_ERROR;
+    copyCut(buffer, size, *value);
+    return MDL_SUCCESS;
+}
+
+}  // namespace
+
+}  // namespace host
+
+using namespace host;
+
+int mdlSystem_getenv(char* buffer, const char* name, int size) {
+    return guarded<int>(MDL_ERROR,
+                        [&] { return name == nullptr ? MDL_ERROR : give(buffer, size, variables().value(name)); });
+}
+
+int mdlSystem_getCfgVar(char* buffer, const char* name, int size) {
+    return guarded<int>(
+        MDL_ERROR, [&] { return name == nullptr ? MDL_ERROR : give(buffer, size, variables().expandedValue(name)); });
+}
+
+int mdlSystem_defineCfgVar(const char* name, const char* value, int level) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        if (name == nullptr) return MDL_ERROR;
+        return variables().define(name, value == nullptr ? "" : value, level) ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
+int mdlSystem_deleteCfgVar(const char* name) {
+    return guarded<int>(MDL_ERROR,
+                        [&]() -> int { return name != nullptr && variables().remove(name) ? MDL_SUCCESS : MDL_ERROR; });
+}
+
+char* mdlSystem_expandCfgVar(const char* text) {
+    return guarded<char*>(nullptr,
+                          [&]() -> char* { return text == nullptr ? nullptr : newBlock(variables().expand(text)); });
+}
+
+char* mdlSystem_getExpandedCfgVar(const char* name) {
+    return guarded<char*>(nullptr, [&]() -> char* {
+        const std::optional<std::string> value = name == nullptr ? std::nullopt : variables().expandedValue(name);
+        return value ? newBlock(*value) : nullptr;
+    });
+}

@@ -1,0 +1,38 @@
+// The command that runs, for those who feed it: front ends, scripts and tests.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "mchost/base/export.h"
+#include "mchost/mdl/elmdscr.h"
+
+namespace host {
+
+struct DescrDeleter {
+    void operator()(ElementDescr* ed) const { mdlElmdscr_freeAll(&ed); }
+};
+using OwnedDescr = std::unique_ptr<ElementDescr, DescrDeleter>;
+
+// Whether a command other than the default one runs.
+HOST_EXPORT bool commandRuns();
+HOST_EXPORT const std::string& commandPrompt();  // Windows-1252
+// A number that no other command of the session has, also not the same one started anew; 0 is the default command.
+HOST_EXPORT uint64_t commandSerial();
+
+// What the user does: points are UOR of the active model. False when no command runs, or there is no such view. A data
+// point moves the cursor to its place first, so that a command sees it in its dynamics.
+HOST_EXPORT bool moveCursor(const Point3d& point, int32_t view);
+HOST_EXPORT bool giveDataPoint(const Point3d& point, int32_t view);
+HOST_EXPORT bool giveReset();
+
+// What the dynamics of the command displayed at the last move of the cursor.
+HOST_EXPORT const std::vector<OwnedDescr>& dynamicElements();
+
+// Serves commands: takes the key-ins and then the answers of the front end as data points and resets, until no command
+// runs. When nobody answers the command is ended, and the result is false. Whoever waits for events of the user calls
+// it when commandRuns().
+HOST_EXPORT bool serveCommands();
+
+}  // namespace host

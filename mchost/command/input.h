@@ -1,0 +1,23 @@
+// What a line of the user means to a command.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "mchost/base/export.h"
+#include "mchost/mdl/types.h"
+
+namespace host {
+
+struct CommandInput {
+    enum class Kind { point, reset, end } kind;
+    Point3d point{};   // master units
+    int32_t view = 0;  // 0 to 7
+};
+
+// "x,y[,z] [view]" with the view from 1 to 8, which is 1 when it isn't given; "reset", "r" or nothing; or "end".
+// Nothing for what can't be read.
+HOST_EXPORT std::optional<CommandInput> commandInputIn(std::string_view line);
+
+}  // namespace host

@@ -1,0 +1,198 @@
+// Commands: which one runs, and what the host calls in it.
+#include "mchost/mdl/state.h"
+
+#include "mchost/command/command.h"
+#include "mchost/element/range.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/system.h"
+#include "mchost/model/model.h"
+#include "mchost/base/guard.h"
+#include "mchost/session/session.h"
+#include "mchost/space/vector.h"
+#include "mchost/space/view.h"
+
+namespace host {
+namespace {
+
+struct Command {
+    uint64_t serial = 0;  // 0: the default command
+    MdlDesc* owner = nullptr;
+    uint64_t model = 0;  // serial of the model that it works in; 0 none
+    MdlDataPointFunction dataPoint = nullptr;
+    MdlResetFunction reset = nullptr, restart = nullptr;
+    MdlDynamicsFunction dynamics = nullptr;
+    std::string prompt = {};
+};
+
+// Lives for a session.
+struct CommandState {
+    Command running;
+    uint64_t lastSerial = 0;
+    bool inDynamics = false;
+    std::vector<OwnedDescr> drawn;
+};
+CommandState state;
+MdlStateData data;
+
+void showPrompt(const char* text) {
+    state.running.prompt = text;
+    mdlOutput_printf(2, "%s", text);
+}
+
+void startDefault() {
+    state.drawn.clear();
+    const bool prompted = !state.running.prompt.empty();
+    state.running = {};
+    if (prompted) showPrompt("");
+}
+
+uint64_t activeModel() {
+    const ModelRef* model = mdlModelRef_getActive();
+    return model == nullptr ? 0 : model->serial;
+}
+
+void watchEnds() {
+    static const bool watching = (observeApplicationEnd([](MdlDesc* ended) {
+                                      if (state.running.owner == ended) startDefault();
+                                  }),
+                                  observeSessionEnd([] { state = {}, data = {}; }), true);
+    static_cast<void>(watching);
+}
+
+// Calls a function of the command that runs, as its application. The command may be another one afterwards.
+template <class Function, class... Arguments>
+void call(Function function, Arguments... arguments) {
+    const ApplicationScope scope(state.running.owner);
+    function(arguments...);
+}
+
+void keep(const ElementDescr* ed) {
+    ElementDescr* copy = nullptr;
+    if (mdlElmdscr_duplicate(&copy, ed) == MDL_SUCCESS) state.drawn.emplace_back(copy);
+}
+
+bool canDisplay(const MSElementBuffer* element, int32_t drawMode) {
+    const bool known = (drawMode >= MDL_DRAW && drawMode <= MDL_HIGHLIGHT) || drawMode == MDL_DYNAMICS;
+    return known && element && elementIsSound(element, MDL_ELEMENT_BYTES);
+}
+
+}  // namespace
+
+bool commandRuns() {
+    if (state.running.serial != 0 && state.running.model != activeModel()) startDefault();
+    return state.running.serial != 0;
+}
+
+const std::string& commandPrompt() {
+    return state.running.prompt;
+}
+
+uint64_t commandSerial() {
+    return commandRuns() ? state.running.serial : 0;
+}
+
+bool moveCursor(const Point3d& point, int32_t view) {
+    if (!commandRuns() || !isView(view) || !isFinite(point)) return false;
+    data = {point, view};
+    state.drawn.clear();
+    if (state.running.dynamics == nullptr) return true;
+    Point3d given = point;
+    state.inDynamics = true;
+    call(state.running.dynamics, &given, view, int32_t{MDL_DYNAMICS});
+    state.inDynamics = false;
+    return true;
+}
+
+bool giveDataPoint(const Point3d& point, int32_t view) {
+    if (!moveCursor(point, view) || !commandRuns()) return false;
+    state.drawn.clear();
+    Point3d given = point;
+    if (state.running.dataPoint != nullptr) call(state.running.dataPoint, &given, view);
+    return true;
+}
+
+bool giveReset() {
+    if (!commandRuns()) return false;
+    state.drawn.clear();
+    if (state.running.reset != nullptr)
+        call(state.running.reset);
+    else
+        startDefault();
+    return true;
+}
+
+const std::vector<OwnedDescr>& dynamicElements() {
+    return state.drawn;
+}
+
+}  // namespace host
+
+using namespace host;
+
+MdlStateData* statedataP = &data;
+
+int mdlState_startPrimitive(MdlDataPointFunction dataPoint, MdlResetFunction restart, int32_t, int32_t) {
+    return guarded<int>(MDL_ERROR, [&] {
+        watchEnds();
+        startDefault();
+        state.running = {.serial = ++state.lastSerial,
+                         .owner = mdlSystem_getCurrMdlDesc(),
+                         .model = activeModel(),
+                         .dataPoint = dataPoint,
+                         .restart = restart};
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlState_setFunction(int32_t number, MdlStateFunction function) {
+    if (!commandRuns()) return MDL_ERROR;
+    Command& running = state.running;
+    switch (number) {
+        case MDL_STATE_DATA_POINT: running.dataPoint = reinterpret_cast<MdlDataPointFunction>(function); break;
+        case MDL_STATE_RESET: running.reset = function; break;
+        case MDL_STATE_DYNAMICS: running.dynamics = reinterpret_cast<MdlDynamicsFunction>(function); break;
+        default: return MDL_ERROR;
+    }
+    return MDL_SUCCESS;
+}
+
+int mdlState_restartCurrentCommand(void) {
+    return guarded<int>(MDL_ERROR, []() -> int {
+        if (!commandRuns() || state.running.restart == nullptr) return mdlState_startDefaultCommand();
+        state.drawn.clear();
+        call(state.running.restart);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlState_startDefaultCommand(void) {
+    return guarded<int>(MDL_ERROR, [] {
+        startDefault();
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlOutput_prompt(const char* text) {
+    return guarded<int>(MDL_ERROR, [&] {
+        showPrompt(text == nullptr ? "" : text);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlElement_display(const MSElementBuffer* element, int32_t drawMode) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        if (!canDisplay(element, drawMode)) return MDL_ERROR;
+        ElementDescr* shown = nullptr;
+        const bool seen = drawMode == MDL_DYNAMICS && state.inDynamics;
+        if (seen && mdlElmdscr_new(&shown, nullptr, element) == MDL_SUCCESS) state.drawn.emplace_back(shown);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlElmdscr_display(ElementDescr* ed, ModelRef*, int32_t drawMode) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        if (ed == nullptr || !canDisplay(ed->element, drawMode)) return MDL_ERROR;
+        if (drawMode == MDL_DYNAMICS && state.inDynamics) keep(ed);
+        return MDL_SUCCESS;
+    });
+}

@@ -1,0 +1,427 @@
+#include "mchost/dialog/dialog.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "mchost/dialog/access.h"
+#include "mchost/base/number_format.h"
+#include "mchost/dialog/registry.h"
+#include "mchost/mdl/lists.h"
+#include "mchost/mdl/system.h"
+
+namespace host {
+
+namespace {
+
+enum { FLAG_FOCUS = 1, FLAG_DEFAULT = 2 };       // DialogMessage::itemFlags
+enum { BUTTON_FIRST = -3, BUTTON_SECOND = -4 };  // ids of the buttons that end a dialog
+enum { ACTION_FIRST = 3, ACTION_SECOND = 4, ACTION_NONE = 0 };
+
+// Dialogs whose hooks are running, each within the one before: events nest when a hook opens a modal dialog.
+int runningEvents = 0;
+
+// Control is back in the host when the outermost event is over.
+struct EventScope {
+    EventScope() { ++runningEvents; }
+    ~EventScope() {
+        if (--runningEvents == 0) closeQueuedDialogs();
+    }
+    EventScope(const EventScope&) = delete;
+    EventScope& operator=(const EventScope&) = delete;
+};
+
+int32_t asNumber(const std::string& value) {
+    const std::optional<double> number = numberOf(value);
+    return number && *number >= INT32_MIN && *number <= INT32_MAX ? static_cast<int32_t>(*number) : 0;
+}
+
+DialogItem itemFrom(const ItemLayout& layout, const std::string& language) {
+    DialogItem item{};
+    item.kind = layout.kind;
+    item.id = layout.id;
+    item.hook = layout.hook;
+    item.rect = {layout.x, layout.y, layout.x + layout.width, layout.y + layout.height};
+    item.label = layout.label.textIn(language);
+    item.access = layout.access;
+    item.format = isValueFormat(layout.format) ? layout.format : std::string();
+    item.group = layout.group;
+    item.takesFocus = layout.kind != ITEM_LABEL && layout.kind != ITEM_GROUP_BOX;
+    item.isDefault = layout.kind == ITEM_PUSH_BUTTON && layout.id == BUTTON_FIRST;
+    for (const RowLayout& row : layout.rows) item.rows.push_back({row.label.textIn(language), row.value, true});
+    if (item.kind == ITEM_TOGGLE) item.value = "0";
+    if (item.kind == ITEM_OPTION_BUTTON && !item.rows.empty()) item.value = std::to_string(item.rows[0].value);
+    return item;
+}
+
+// The value as the item keeps it; nothing when the item can't take it.
+std::optional<std::string> acceptable(const DialogItem& item, std::string_view value) {
+    switch (item.kind) {
+        case ITEM_TEXT: {
+            const bool ownNumber = item.access.empty() && formatNumber(item.format, 0);
+            if (!ownNumber) return std::string(value);
+            const std::optional<double> number = numberOf(value);
+            return number ? formatNumber(item.format, *number) : std::nullopt;
+        }
+        case ITEM_TOGGLE:
+            if (value == "0" || value == "1") return std::string(value);
+            return std::nullopt;
+        case ITEM_OPTION_BUTTON: {
+            const std::optional<long long> number = wholeNumberOf(value);
+            const auto fits = [&](const OptionRow& row) { return number && row.value == *number; };
+            if (std::ranges::any_of(item.rows, fits)) return std::to_string(*number);
+            return std::nullopt;
+        }
+        default: return std::nullopt;
+    }
+}
+
+bool hasList(const DialogItem& item) {
+    return item.kind == ITEM_LIST_BOX || item.kind == ITEM_COMBO_BOX;
+}
+
+bool sameOrigin(const DrawCall& a, const DrawCall& b) {
+    return a.kind == b.kind && a.rect.left == b.rect.left && a.rect.top == b.rect.top;
+}
+
+void tellBadAccess(int32_t dialogId, const DialogItem& item, const std::string& fault) {
+    const std::string text = "Dialog " + std::to_string(dialogId) + ", item " + std::to_string(item.id) +
+                             ": the access string \"" + item.access + "\" can't be used: " + fault;
+    mdlOutput_messageCenter(11, text.c_str(), "", 0);
+}
+
+}  // namespace
+
+Dialog::Dialog(const DialogLayout& layout, MdlDesc* owner, bool modal, const std::string& language)
+    : serial_(nextDialogSerial()),
+      id_(layout.id),
+      hook_(layout.hook),
+      width_(layout.width),
+      height_(layout.height),
+      font_(FONT_DIALOG),
+      modal_(modal),
+      owner_(owner),
+      title_(layout.title.textIn(language)) {
+    for (const ItemLayout& item : layout.items) items_.push_back(itemFrom(item, language));
+}
+
+// ---- messages ----
+
+namespace {
+
+void callHook(int32_t hookId, MdlDesc* owner, DialogMessage& message) {
+    const DialogHookFunction function = hookId == 0 ? nullptr : findHook(hookId, owner);
+    if (function) dlmSystem_callAnyFunction("P", owner, reinterpret_cast<void*>(function), &message);
+}
+
+}  // namespace
+
+void Dialog::sendToDialog(int32_t type, int32_t resized) {
+    DialogMessage message{};
+    message.type = type;
+    message.dialog = handle();
+    message.hookId = hook_;
+    message.attributes = attributes_;
+    message.reply = reply_;
+    message.resized = resized;
+    callHook(hook_, owner_, message);
+    attributes_ = message.attributes;
+}
+
+DialogMessage Dialog::messageTo(size_t index, int32_t type) const {
+    const DialogItem& item = items_[index];
+    DialogMessage message{};
+    message.type = type;
+    message.dialog = handle();
+    message.item = itemHandle(index);
+    message.hookId = item.hook;
+    message.itemFlags = (item.takesFocus ? FLAG_FOCUS : 0) | (item.isDefault ? FLAG_DEFAULT : 0);
+    message.state = asNumber(item.value);
+    return message;
+}
+
+DialogMessage Dialog::sendToItem(size_t index, int32_t type, int32_t state, int32_t changed) {
+    DialogMessage message = messageTo(index, type);
+    if (type == ITEM_BUTTON) message.state = state;
+    message.changed = changed;
+    callHook(message.hookId, owner_, message);
+    return message;
+}
+
+void Dialog::signal(size_t index, int32_t signal, int32_t value) {
+    if (ending()) return;
+    const auto self = shared_from_this();
+    const EventScope scope;
+    DialogMessage message = messageTo(index, ITEM_SIGNAL);
+    message.signal = signal;
+    message.signalValue = value;
+    callHook(message.hookId, owner_, message);
+}
+
+// ---- life ----
+
+bool Dialog::open() {
+    const auto self = shared_from_this();
+    const EventScope scope;
+    sendToDialog(DIALOG_CREATE);
+    createItems();
+    synchItems();
+    if (life_ == Life::opening) sendToDialog(DIALOG_INIT);
+    if (life_ == Life::opening) life_ = Life::open;
+    return life_ == Life::open;
+}
+
+void Dialog::createItems() {
+    for (size_t i = 0; i < items_.size() && life_ == Life::opening; ++i) {
+        const DialogMessage message = sendToItem(i, ITEM_CREATE);
+        items_[i].takesFocus = message.itemFlags & FLAG_FOCUS;
+        items_[i].isDefault = message.itemFlags & FLAG_DEFAULT;
+    }
+}
+
+void Dialog::synchItems() {
+    for (size_t i = 0; i < items_.size() && life_ == Life::opening; ++i) sendToItem(i, ITEM_FILL);
+    for (DialogItem& item : items_) {
+        if (item.access.empty() || life_ != Life::opening || synch(item)) continue;
+        const AccessResult result = resolveAccess(item.access);
+        if (!result.place && !result.onNull) tellBadAccess(id_, item, result.fault);
+    }
+}
+
+void Dialog::end(int32_t reply) {
+    if (ending()) return;
+    const auto self = shared_from_this();
+    const EventScope scope;
+    if (reply == ACTION_FIRST) setFocus(noItem);
+    if (ending()) return;
+    life_ = Life::closing;
+    reply_ = reply;
+    for (size_t i = 0; i < items_.size(); ++i) sendToItem(i, ITEM_DESTROY);
+    sendToDialog(DIALOG_DESTROY);
+    for (DialogItem& item : items_) item.list = nullptr;  // the owner may have destroyed it by now
+    life_ = Life::ended;
+    forgetDialog(*this);
+}
+
+// ---- events ----
+
+bool Dialog::usable(size_t index) const {
+    return life_ == Life::open && index < items_.size() && isVisible(items_[index]) && items_[index].enabled;
+}
+
+bool Dialog::press(size_t index) {
+    if (!usable(index) || (items_[index].kind != ITEM_PUSH_BUTTON && items_[index].kind != ITEM_GENERIC)) return false;
+    const auto self = shared_from_this();
+    const EventScope scope;
+    sendToItem(index, ITEM_BUTTON, 1);
+    if (life_ == Life::open) sendToItem(index, ITEM_ACTIVATED);
+    if (items_[index].kind != ITEM_PUSH_BUTTON) return true;
+    if (items_[index].id == BUTTON_FIRST) end(ACTION_FIRST);
+    if (items_[index].id == BUTTON_SECOND) end(ACTION_SECOND);
+    return true;
+}
+
+bool Dialog::setValue(size_t index, std::string_view value) {
+    refusal_.clear();
+    if (!usable(index)) return false;
+    const auto isDisabled = [&](const OptionRow& row) { return !row.enabled && std::to_string(row.value) == value; };
+    if (std::ranges::any_of(items_[index].rows, isDisabled)) return false;
+    setFocus(index);
+    return usable(index) && change(index, value);
+}
+
+bool Dialog::selectRow(size_t index, int32_t row) {
+    if (!usable(index) || !hasList(items_[index])) return false;
+    setFocus(index);
+    return usable(index) && changeSelection(index, row);
+}
+
+bool Dialog::type(size_t index, std::string text) {
+    if (!usable(index) || items_[index].kind != ITEM_TEXT || !setFocus(index)) return false;
+    edit_ = std::move(text);
+    return true;
+}
+
+bool Dialog::resize(int32_t width, int32_t height) {
+    if (life_ != Life::open || !sizable() || width < 1 || height < 1) return false;
+    const auto self = shared_from_this();
+    const EventScope scope;
+    const bool resized = width != width_ || height != height_;
+    if (resized) setExtent(width, height);
+    sendToDialog(DIALOG_RESIZE, resized);
+    return true;
+}
+
+bool Dialog::setFocus(size_t index) {
+    const bool possible = index == noItem || (usable(index) && items_[index].takesFocus);
+    if (!possible) return false;
+    if (index == focus_) return true;
+    const auto self = shared_from_this();
+    endEdit();
+    focus_ = index;
+    return true;
+}
+
+// The focus is still where the text was typed.
+void Dialog::endEdit() {
+    if (!edit_) return;
+    const std::string text = *std::exchange(edit_, std::nullopt);
+    change(focus_, text);
+}
+
+const std::string* Dialog::edit(size_t index) const {
+    return edit_ && index == focus_ ? &*edit_ : nullptr;
+}
+
+bool Dialog::activate(size_t index) {
+    if (!usable(index)) return false;
+    const auto self = shared_from_this();
+    const EventScope scope;
+    sendToItem(index, ITEM_ACTIVATED);
+    return true;
+}
+
+bool Dialog::change(size_t index, std::string_view value) {
+    if (ending() || index >= items_.size()) return false;
+    DialogItem& item = items_[index];
+    if (hasList(item)) {
+        const std::optional<long long> row = wholeNumberOf(value);
+        return row && *row >= -1 && *row <= INT32_MAX && changeSelection(index, static_cast<int32_t>(*row));
+    }
+    refusal_.clear();
+    std::optional<std::string> next = acceptable(item, value);
+    if (!next && item.kind == ITEM_TEXT) refusal_ = notANumber(value);
+    if (!next) return false;
+    if (!item.access.empty()) {
+        const AccessResult result = resolveAccess(item.access);
+        refusal_ = result.place ? writePlace(*result.place, *next) : "has no place now: " + result.fault;
+        if (!refusal_.empty()) return false;
+        next = readPlace(*result.place, item.format);
+    }
+    const auto self = shared_from_this();
+    const EventScope scope;
+    const bool changed = item.value != *next;
+    item.value = *std::move(next);
+    sendToItem(index, ITEM_STATE_CHANGED, 0, changed);
+    return true;
+}
+
+bool Dialog::changeSelection(size_t index, int32_t row) {
+    DialogItem& item = items_[index];
+    const auto self = shared_from_this();
+    const EventScope scope;
+    const bool changed = item.selectedRow != row;
+    if (!select(item, row)) return false;
+    sendToItem(index, ITEM_STATE_CHANGED, 0, changed);
+    return true;
+}
+
+// ---- state ----
+
+bool Dialog::isVisible(const DialogItem& item) const {
+    if (!item.shown || item.group == 0) return item.shown;
+    const int32_t box = indexOf(ITEM_GROUP_BOX, item.group);
+    return box < 0 || items_[static_cast<size_t>(box)].shown;
+}
+
+bool Dialog::select(DialogItem& item, int32_t row) {
+    if (row < -1 || row >= rowCount(item)) return false;
+    const std::string value = std::to_string(row);
+    if (!item.access.empty()) {
+        const AccessResult result = resolveAccess(item.access);
+        if (!result.place || !writePlace(*result.place, value).empty()) return false;
+    }
+    item.selectedRow = row;
+    item.value = value;
+    return true;
+}
+
+DialogItem* Dialog::itemAt(int32_t index) {
+    return index >= 0 && static_cast<size_t>(index) < items_.size() ? &items_[static_cast<size_t>(index)] : nullptr;
+}
+
+int32_t Dialog::indexOf(int32_t kind, int32_t id) const {
+    const auto found =
+        std::ranges::find_if(items_, [&](const DialogItem& item) { return item.kind == kind && item.id == id; });
+    return found == items_.end() ? -1 : static_cast<int32_t>(found - items_.begin());
+}
+
+void Dialog::setExtent(int32_t width, int32_t height) {
+    width_ = std::max(width, 0);
+    height_ = std::max(height, 0);
+    drawing_.clear();
+    for (DialogItem& item : items_) item.drawn = false;
+}
+
+bool Dialog::synch(DialogItem& item) {
+    if (item.access.empty()) return false;
+    const AccessResult result = resolveAccess(item.access);
+    if (!result.place) return false;
+    item.value = readPlace(*result.place, item.format);
+    if (hasList(item)) {
+        const int32_t row = asNumber(item.value);
+        item.selectedRow = row >= 0 && row < rowCount(item) ? row : -1;
+    }
+    return true;
+}
+
+int32_t Dialog::rowCount(const DialogItem& item) {
+    const int32_t members = mdlStringList_size(item.list);
+    return members == 0 ? 0 : (members - 1) / item.columns + 1;
+}
+
+std::string Dialog::cellText(const DialogItem& item, int32_t row, int32_t column) {
+    const char* text = "";
+    if (row < 0 || column < 0 || column >= item.columns || row >= rowCount(item)) return text;
+    mdlStringList_getMember(&text, nullptr, item.list, row * item.columns + column);
+    return text;
+}
+
+// ---- drawing ----
+
+std::vector<DrawCall> Dialog::drawing() const {
+    std::vector<DrawCall> all = drawing_;
+    for (const DialogItem& item : items_)
+        if (isVisible(item)) all.insert(all.end(), item.drawing.begin(), item.drawing.end());
+    return all;
+}
+
+void Dialog::refresh() {
+    const auto self = shared_from_this();
+    for (size_t i = 0; i < items_.size() && life_ == Life::open; ++i)
+        if (!items_[i].drawn) draw(i);
+}
+
+void Dialog::draw(size_t index) {
+    items_[index].drawn = false;
+    if (life_ != Life::open || !isVisible(items_[index])) return;
+    const auto self = shared_from_this();
+    const EventScope scope;
+    items_[index].drawing.clear();
+    items_[index].drawn = true;
+    const int32_t outer = std::exchange(drawingItem_, static_cast<int32_t>(index));
+    sendToItem(index, ITEM_DRAW);
+    drawingItem_ = outer;
+}
+
+// What an item's hook draws is dropped before the hook draws again. Elsewhere a call takes the place of the earlier one
+// of its kind at the same origin, so that the list doesn't grow as drawing repeats; lines and texts of whole
+// drawings are too many to be compared, and stay until the window's extent is set.
+void Dialog::add(DrawCall call) {
+    if (drawingItem_ >= 0) return items_[static_cast<size_t>(drawingItem_)].drawing.push_back(std::move(call));
+    const auto same =
+        call.kind == DrawCall::Kind::line || call.box
+            ? drawing_.end()
+            : std::ranges::find_if(drawing_, [&](const DrawCall& known) { return sameOrigin(known, call); });
+    if (same == drawing_.end())
+        drawing_.push_back(std::move(call));
+    else
+        *same = std::move(call);
+}
+
+void Dialog::clear() {
+    drawing_.clear();
+    for (DialogItem& item : items_) item.drawing.clear();
+}
+
+}  // namespace host

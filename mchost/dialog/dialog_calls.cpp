@@ -1,0 +1,106 @@
+// The calls on whole dialogs.
+#include <algorithm>
+
+#include "mchost/dialog/registry.h"
+#include "mchost/mdl/system.h"
+#include "mchost/resource/open_files.h"
+#include "mchost/base/guard.h"
+#include "mchost/session/session.h"
+
+namespace host {
+
+namespace {
+
+enum { REPLY_SECOND = 4 };
+
+std::shared_ptr<Dialog> makeDialog(RscHandle file, int32_t dialogId, bool modal) {
+    const auto layout = findDialogLayout(file, dialogId);
+    if (!layout) {
+        const std::string text = "Dialog " + std::to_string(dialogId) +
+                                 " can't be shown: no open resource file has its layout. Check MS_APPRSC.";
+        mdlOutput_messageCenter(10, text.c_str(), "", 0);
+        return nullptr;
+    }
+    auto dialog = std::make_shared<Dialog>(*layout, mdlSystem_getCurrMdlDesc(), modal, currentLanguage());
+    registerDialog(dialog);
+    return dialog->open() ? dialog : nullptr;
+}
+
+// False when nobody answered. Control is with the host while the dialog waits.
+bool runModal(Dialog& dialog) {
+    closeQueuedDialogs();
+    return Session::current()->frontEnd().runModal(dialog) && dialog.ended();
+}
+
+}  // namespace
+
+}  // namespace host
+
+MdlDialog* mdlDialog_open(RscHandle rscFile, int32_t dialogId) {
+    return host::guarded<MdlDialog*>(nullptr, [&]() -> MdlDialog* {
+        if (const auto open = host::findDialog(dialogId, mdlSystem_getCurrMdlDesc()); open && !open->modal())
+            return open->handle();
+        const auto dialog = host::makeDialog(rscFile, dialogId, false);
+        return dialog ? dialog->handle() : nullptr;
+    });
+}
+
+int mdlDialog_openModal(int32_t* replyP, RscHandle rscFile, int32_t dialogId) {
+    if (replyP) *replyP = host::REPLY_SECOND;
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto dialog = host::makeDialog(rscFile, dialogId, true);
+        if (!dialog || !host::Session::current()) return MDL_DIALOG_NOT_SHOWN;
+        const bool answered = host::runModal(*dialog);
+        dialog->close();
+        if (replyP && dialog->reply() != 0) *replyP = dialog->reply();
+        return answered ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
+MdlDialog* mdlDialog_find(int32_t dialogId, MdlDesc* desc) {
+    const auto dialog = host::findDialog(dialogId, desc);
+    return dialog ? dialog->handle() : nullptr;
+}
+
+MdlDialog* mdlDialog_findByTypeAndId(int32_t type, int32_t dialogId, MdlDesc* desc) {
+    return type == MDL_DIALOG_BOX ? mdlDialog_find(dialogId, desc) : nullptr;
+}
+
+int mdlWindow_close(MdlDialog* handle, int32_t, int32_t) {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto dialog = host::dialogOf(handle);
+        if (!dialog) return MDL_ERROR;
+        dialog->close();
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_closeCommandQueue(MdlDialog* handle) {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto dialog = host::dialogOf(handle);
+        if (!dialog) return MDL_ERROR;
+        host::queueClose(*dialog);
+        return MDL_SUCCESS;
+    });
+}
+
+int32_t mdlDialog_getId(const MdlDialog* handle) {
+    const auto dialog = host::dialogOf(handle);
+    return dialog ? dialog->id() : 0;
+}
+
+void mdlWindow_titleSet(MdlDialog* handle, const char* title) {
+    host::guarded<int>(MDL_ERROR, [&]() -> int {
+        if (const auto dialog = host::dialogOf(handle); dialog && title) dialog->setTitle(title);
+        return MDL_SUCCESS;
+    });
+}
+
+void mdlWindow_extentSet(MdlDialog* handle, int32_t width, int32_t height) {
+    if (const auto dialog = host::dialogOf(handle)) dialog->setExtent(width, height);
+}
+
+void mdlWindow_contentRectGet(DialogRect* rect, const MdlDialog* handle) {
+    const auto dialog = host::dialogOf(handle);
+    if (rect) *rect = dialog ? DialogRect{0, 0, dialog->width(), dialog->height()} : DialogRect{};
+}

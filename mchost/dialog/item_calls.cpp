@@ -1,0 +1,319 @@
+// The calls on items.
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "mchost/base/number_format.h"
+#include "mchost/dialog/registry.h"
+#include "mchost/base/guard.h"
+
+namespace host {
+
+namespace {
+
+constexpr size_t formatSize = 32;  // bytes, its NUL included
+
+// The item when it is of that kind.
+ItemRef itemOfKind(const MdlItem* handle, int32_t kind) {
+    ItemRef item = itemOf(handle);
+    return item && item->kind == kind ? item : ItemRef{};
+}
+
+// Runs `body` on an item that is there and, unless kind is 0, of that kind; MDL_ERROR otherwise and when it throws.
+template <class Body>
+int onItem(const MdlItem* handle, int32_t kind, Body body) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const ItemRef item = kind == 0 ? itemOf(handle) : itemOfKind(handle, kind);
+        return item ? body(item) : MDL_ERROR;
+    });
+}
+
+}  // namespace
+
+}  // namespace host
+
+using host::ItemRef;
+
+MdlItem* mdlDialog_itemGetByIndex(MdlDialog* handle, int32_t index) {
+    const auto dialog = host::dialogOf(handle);
+    return dialog && index >= 0 ? dialog->itemHandle(static_cast<size_t>(index)) : nullptr;
+}
+
+int32_t mdlDialog_itemCount(const MdlDialog* handle) {
+    const auto dialog = host::dialogOf(handle);
+    return dialog ? static_cast<int32_t>(dialog->items().size()) : 0;
+}
+
+int32_t mdlDialog_itemIndex(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item ? static_cast<int32_t>(item.index) : -1;
+}
+
+MdlItem* mdlDialog_itemNeighbour(const MdlItem* handle, int32_t steps) {
+    const ItemRef item = host::itemOf(handle);
+    if (!item) return nullptr;
+    const int64_t index = static_cast<int64_t>(item.index) + steps;
+    return index < 0 ? nullptr : item.dialog->itemHandle(static_cast<size_t>(index));
+}
+
+MdlItem* mdlDialog_itemGetByTypeAndId(MdlDialog* handle, int32_t type, int32_t id) {
+    const auto dialog = host::dialogOf(handle);
+    return dialog ? mdlDialog_itemGetByIndex(handle, dialog->indexOf(type, id)) : nullptr;
+}
+
+int32_t mdlDialog_itemType(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item ? item->kind : 0;
+}
+
+int32_t mdlDialog_itemId(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item ? item->id : 0;
+}
+
+void mdlDialog_itemRect(DialogRect* rect, const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    if (rect) *rect = item ? item->rect : DialogRect{};
+}
+
+void mdlDialog_itemMove(MdlItem* handle, int32_t left, int32_t top) {
+    host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        const int32_t x = std::abs(left), y = std::abs(top);
+        const DialogRect& r = item->rect;
+        item->rect = {x, y, x + (r.right - r.left), y + (r.bottom - r.top)};
+        item->drawn = false;
+        return MDL_SUCCESS;
+    });
+}
+
+void mdlDialog_itemSetExtent(MdlItem* handle, int32_t width, int32_t height) {
+    host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        item->rect.right = item->rect.left + std::max(width, 0);
+        item->rect.bottom = item->rect.top + std::max(height, 0);
+        item->drawn = false;
+        return MDL_SUCCESS;
+    });
+}
+
+void mdlDialog_itemSetLabel(MdlItem* handle, const char* label) {
+    host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        if (label) item->label = std::string(label);
+        return MDL_SUCCESS;
+    });
+}
+
+const char* mdlDialog_itemGetLabel(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item ? item->label.c_str() : nullptr;
+}
+
+void mdlDialog_itemShow(MdlItem* handle, int32_t show) {
+    host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        item->drawn = item->drawn && item->shown && show;
+        item->shown = show != 0;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_itemIsShown(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item && item.dialog->isVisible(*item);
+}
+
+int mdlDialog_itemIsEnabled(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item && item->enabled;
+}
+
+void mdlDialog_itemEnable(MdlItem* handle, int32_t enable) {
+    host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        item->enabled = enable != 0;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_itemSynch(MdlItem* handle) {
+    return host::onItem(handle, 0,
+                        [](const ItemRef& item) -> int { return item.dialog->synch(*item) ? MDL_SUCCESS : MDL_ERROR; });
+}
+
+int mdlDialog_itemsSynch(MdlDialog* handle) {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto dialog = host::dialogOf(handle);
+        if (!dialog) return MDL_ERROR;
+        int status = MDL_SUCCESS;
+        for (int32_t i = 0; host::DialogItem* item = dialog->itemAt(i); ++i)
+            if (!item->access.empty() && !dialog->synch(*item)) status = MDL_ERROR;
+        return status;
+    });
+}
+
+const char* mdlDialog_itemGetValue(const MdlItem* handle) {
+    const ItemRef item = host::itemOf(handle);
+    return item ? item->value.c_str() : nullptr;
+}
+
+int mdlDialog_itemSetValue(MdlItem* handle, const char* value) {
+    return host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        return value && item.dialog->change(item.index, value) ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
+void mdlDialog_itemDraw(MdlItem* handle) {
+    host::onItem(handle, 0, [](const ItemRef& item) -> int {
+        item.dialog->draw(item.index);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_itemSignal(MdlItem* handle, int32_t signal, int32_t value) {
+    return host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        item.dialog->signal(item.index, signal, value);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_setFocus(MdlDialog* handle, MdlItem* itemHandle) {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto dialog = host::dialogOf(handle);
+        const ItemRef item = host::itemOf(itemHandle);
+        if (!dialog || (itemHandle && item.dialog != dialog)) return MDL_ERROR;
+        return dialog->setFocus(itemHandle ? item.index : host::Dialog::noItem) ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
+// ---- texts ----
+
+int mdlDialog_textGetInfo(char* format, const MdlItem* handle) {
+    return host::onItem(handle, ITEM_TEXT, [&](const ItemRef& item) -> int {
+        if (!format) return MDL_ERROR;
+        const size_t length = std::min(item->format.size(), host::formatSize - 1);
+        std::memcpy(format, item->format.data(), length);
+        format[length] = '\0';
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_textSetInfo(MdlItem* handle, const char* format) {
+    return host::onItem(handle, ITEM_TEXT, [&](const ItemRef& item) -> int {
+        const std::string next = format ? format : "";
+        if (next.size() >= host::formatSize || (!next.empty() && !host::isValueFormat(next))) return MDL_ERROR;
+        item->format = next;
+        return MDL_SUCCESS;
+    });
+}
+
+// ---- list boxes and combo boxes ----
+
+namespace host {
+
+namespace {
+
+int setList(MdlItem* handle, int32_t kind, StringList* list, int32_t columns) {
+    return onItem(handle, kind, [&](const ItemRef& item) -> int {
+        if (columns < 1) return MDL_ERROR;
+        item->list = list;
+        item->columns = columns;
+        if (item->selectedRow >= Dialog::rowCount(*item)) item->selectedRow = -1;
+        return MDL_SUCCESS;
+    });
+}
+
+StringList* listOf(const MdlItem* handle, int32_t kind) {
+    const ItemRef item = itemOfKind(handle, kind);
+    return item ? item->list : nullptr;
+}
+
+int selectRow(MdlItem* handle, int32_t kind, int32_t row) {
+    return onItem(handle, kind, [&](const ItemRef& item) -> int {
+        return item.dialog->select(*item, row) ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
+int32_t selectedRow(const MdlItem* handle, int32_t kind) {
+    const ItemRef item = itemOfKind(handle, kind);
+    return item ? item->selectedRow : -1;
+}
+
+}  // namespace
+
+}  // namespace host
+
+int mdlDialog_listBoxSetStrListP(MdlItem* item, StringList* list, int32_t columns) {
+    return host::setList(item, ITEM_LIST_BOX, list, columns);
+}
+
+StringList* mdlDialog_listBoxGetStrListP(const MdlItem* item) {
+    return host::listOf(item, ITEM_LIST_BOX);
+}
+
+int mdlDialog_listBoxSelectRow(MdlItem* item, int32_t row) {
+    return host::selectRow(item, ITEM_LIST_BOX, row);
+}
+
+int32_t mdlDialog_listBoxGetSelectedRow(const MdlItem* item) {
+    return host::selectedRow(item, ITEM_LIST_BOX);
+}
+
+int mdlDialog_comboBoxSetStrListP(MdlItem* item, StringList* list, int32_t stringsPerRow) {
+    return host::setList(item, ITEM_COMBO_BOX, list, stringsPerRow);
+}
+
+StringList* mdlDialog_comboBoxGetStrListP(const MdlItem* item) {
+    return host::listOf(item, ITEM_COMBO_BOX);
+}
+
+int mdlDialog_comboBoxSelectRow(MdlItem* item, int32_t row) {
+    return host::selectRow(item, ITEM_COMBO_BOX, row);
+}
+
+int32_t mdlDialog_comboBoxGetSelectedRow(const MdlItem* item) {
+    return host::selectedRow(item, ITEM_COMBO_BOX);
+}
+
+// ---- option buttons ----
+
+int mdlDialog_optionButtonDeleteAll(MdlItem* handle) {
+    return host::onItem(handle, ITEM_OPTION_BUTTON, [](const ItemRef& item) -> int {
+        item->rows.clear();
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_optionButtonInsert(MdlItem* handle, const char* label, int32_t value) {
+    return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
+        if (!label) return MDL_ERROR;
+        item->rows.push_back({label, value, true});
+        if (item->value.empty()) item->value = std::to_string(value);
+        return MDL_SUCCESS;
+    });
+}
+
+int32_t mdlDialog_optionButtonCount(const MdlItem* handle) {
+    const ItemRef item = host::itemOfKind(handle, ITEM_OPTION_BUTTON);
+    return item ? static_cast<int32_t>(item->rows.size()) : 0;
+}
+
+int mdlDialog_optionButtonGet(const MdlItem* handle, int32_t row, const char** labelP, int32_t* valueP) {
+    return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
+        if (row < 0 || static_cast<size_t>(row) >= item->rows.size()) return MDL_ERROR;
+        const host::OptionRow& found = item->rows[static_cast<size_t>(row)];
+        if (labelP) *labelP = found.label.c_str();
+        if (valueP) *valueP = found.value;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_optionButtonEnableRow(MdlItem* handle, int32_t row, int32_t enable) {
+    return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
+        if (row < 0 || static_cast<size_t>(row) >= item->rows.size()) return MDL_ERROR;
+        item->rows[static_cast<size_t>(row)].enabled = enable != 0;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_optionButtonRowIsEnabled(const MdlItem* handle, int32_t row) {
+    const ItemRef item = host::itemOfKind(handle, ITEM_OPTION_BUTTON);
+    return item && row >= 0 && static_cast<size_t>(row) < item->rows.size() &&
+           item->rows[static_cast<size_t>(row)].enabled;
+}

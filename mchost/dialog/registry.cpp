@@ -1,0 +1,145 @@
+#include "mchost/dialog/registry.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "mchost/mdl/system.h"
+#include "mchost/base/guard.h"
+#include "mchost/session/session.h"
+
+namespace host {
+
+namespace {
+
+// A dialog's handle is its serial number times this; those of its items follow it.
+constexpr uintptr_t handlesPerDialog = 4096;
+
+struct PublishedHook {
+    MdlDesc* owner;  // null: outside any application
+    DialogHook hook;
+};
+
+// Lives for the process. Dialogs and hooks of an application leave it at the latest when the application ends, others
+// with the session.
+struct Registry {
+    std::vector<std::shared_ptr<Dialog>> dialogs;  // in order of opening
+    std::vector<uintptr_t> queuedToClose;          // handles
+    std::vector<PublishedHook> hooks;
+    uintptr_t lastSerial = 0;
+};
+Registry& registry() {
+    static Registry state;
+    return state;
+}
+
+// Runs while the application's code is still there, so that its hooks learn of the end.
+void letGoOf(MdlDesc* desc) {
+    for (const auto& dialog : std::vector(registry().dialogs))
+        if (dialog->owner() == desc) dialog->close();
+    std::erase_if(registry().hooks, [desc](const PublishedHook& hook) { return hook.owner == desc; });
+}
+
+void watchApplications() {
+    static const bool watching = (observeApplicationEnd(letGoOf), observeSessionEnd([] { letGoOf(nullptr); }), true);
+    (void)watching;
+}
+
+void publish(MdlDesc* owner, const DialogHook& hook) {
+    for (PublishedHook& known : registry().hooks)
+        if (known.owner == owner && known.hook.id == hook.id) {
+            known.hook = hook;
+            return;
+        }
+    registry().hooks.push_back({owner, hook});
+}
+
+uintptr_t numberOfHandle(const void* handle) {
+    return reinterpret_cast<uintptr_t>(handle);
+}
+
+std::shared_ptr<Dialog> dialogWithHandle(uintptr_t number) {
+    for (const auto& dialog : registry().dialogs)
+        if (numberOfHandle(dialog->handle()) == number) return dialog;
+    return nullptr;
+}
+
+}  // namespace
+
+std::shared_ptr<Dialog> dialogOf(const MdlDialog* handle) {
+    return dialogWithHandle(numberOfHandle(handle));
+}
+
+ItemRef itemOf(const MdlItem* handle) {
+    const uintptr_t number = numberOfHandle(handle);
+    const uintptr_t place = number % handlesPerDialog;
+    std::shared_ptr<Dialog> dialog = place == 0 ? nullptr : dialogWithHandle(number - place);
+    if (!dialog || place > dialog->items().size()) return {};
+    return {std::move(dialog), place - 1};
+}
+
+MdlDialog* Dialog::handle() const {
+    return reinterpret_cast<MdlDialog*>(serial_ * handlesPerDialog);
+}
+
+MdlItem* Dialog::itemHandle(size_t index) const {
+    if (index >= items_.size() || index + 1 >= handlesPerDialog) return nullptr;
+    return reinterpret_cast<MdlItem*>(serial_ * handlesPerDialog + index + 1);
+}
+
+std::shared_ptr<Dialog> findDialog(int32_t dialogId, MdlDesc* owner) {
+    const auto& dialogs = registry().dialogs;
+    for (auto dialog = dialogs.rbegin(); dialog != dialogs.rend(); ++dialog)
+        if ((*dialog)->id() == dialogId && !(*dialog)->ending() && (!owner || (*dialog)->owner() == owner))
+            return *dialog;
+    return nullptr;
+}
+
+std::vector<std::shared_ptr<Dialog>> openDialogs() {
+    std::vector<std::shared_ptr<Dialog>> open;
+    for (const auto& dialog : registry().dialogs)
+        if (!dialog->modal() && !dialog->ending()) open.push_back(dialog);
+    return open;
+}
+
+void registerDialog(std::shared_ptr<Dialog> dialog) {
+    watchApplications();
+    registry().dialogs.push_back(std::move(dialog));
+}
+
+void forgetDialog(const Dialog& dialog) {
+    std::erase_if(registry().dialogs, [&](const auto& known) { return known.get() == &dialog; });
+}
+
+uintptr_t nextDialogSerial() {
+    return ++registry().lastSerial;
+}
+
+void queueClose(const Dialog& dialog) {
+    registry().queuedToClose.push_back(numberOfHandle(dialog.handle()));
+}
+
+void closeQueuedDialogs() {
+    for (const uintptr_t handle : std::exchange(registry().queuedToClose, {}))
+        if (const auto dialog = dialogWithHandle(handle)) dialog->close();
+}
+
+DialogHookFunction findHook(int32_t hookId, MdlDesc* owner) {
+    DialogHookFunction others = nullptr;
+    for (const PublishedHook& known : registry().hooks) {
+        if (known.hook.id != hookId) continue;
+        if (known.owner == owner) return known.hook.function;
+        others = known.hook.function;
+    }
+    return others;
+}
+
+}  // namespace host
+
+int mdlDialog_hookPublish(int32_t count, const DialogHook* hooks) {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        if (count < 0 || (count > 0 && !hooks)) return MDL_ERROR;
+        host::watchApplications();
+        for (int32_t i = 0; i < count; ++i) host::publish(mdlSystem_getCurrMdlDesc(), hooks[i]);
+        return MDL_SUCCESS;
+    });
+}

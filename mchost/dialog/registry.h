@@ -1,0 +1,35 @@
+// The dialogs that are open and the hooks that are published. For the files of this room.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "mchost/dialog/dialog.h"
+
+namespace host {
+
+// Null for a handle whose dialog has ended.
+HOST_EXPORT std::shared_ptr<Dialog> dialogOf(const MdlDialog* handle);
+
+// An item and the dialog that it lives in, which stays alive with this.
+struct ItemRef {
+    std::shared_ptr<Dialog> dialog;
+    size_t index = 0;
+    DialogItem* operator->() const { return dialog->itemAt(static_cast<int32_t>(index)); }
+    DialogItem& operator*() const { return *dialog->itemAt(static_cast<int32_t>(index)); }
+    explicit operator bool() const { return dialog != nullptr; }
+};
+ItemRef itemOf(const MdlItem* handle);
+
+// An open dialog of that id whose end hasn't begun; owner null: of any application. The last opened first.
+std::shared_ptr<Dialog> findDialog(int32_t dialogId, MdlDesc* owner);
+
+void registerDialog(std::shared_ptr<Dialog> dialog);
+void forgetDialog(const Dialog& dialog);
+uintptr_t nextDialogSerial();
+void queueClose(const Dialog& dialog);
+
+// The hook of that id: the application's own, else another's; null for none.
+DialogHookFunction findHook(int32_t hookId, MdlDesc* owner);
+
+}  // namespace host

@@ -1,0 +1,176 @@
+// How each type of element lays out its bytes, and reading them without trust.
+//
+// An element is its head (32 bytes, mchost/mdl/element.h), the body told here, then linkages. Everything is little-endian
+// and unpadded; points and vectors are three doubles, in UOR. Every body is a multiple of 8 bytes, so that linkages
+// behind it are too.
+#pragma once
+
+#include <cstring>
+#include <optional>
+#include <span>
+
+#include "mchost/mdl/element.h"
+#include "mchost/mdl/text.h"
+
+namespace host {
+
+constexpr size_t headBytes = 32;
+static_assert(sizeof(ElementHead) == headBytes && sizeof(MSElementBuffer) == MDL_ELEMENT_BYTES);
+
+// Line (3): its two ends.
+struct LineBody {
+    Point3d ends[2];
+};
+static_assert(sizeof(LineBody) == 48);
+
+// Line string (4) and shape (6): this, then `count` points. A shape's last point is its first.
+struct VerticesBody {
+    uint32_t count, zero;
+};
+static_assert(sizeof(VerticesBody) == 8);
+
+// Ellipse (15) and, with start and sweep, arc (16): the points center + axis0 cos t + axis90 sin t. The axes are
+// conjugate half diameters, which stay so under any affine transform.
+struct EllipseBody {
+    Point3d center, axis0, axis90;
+};
+struct ArcBody {
+    EllipseBody ellipse;
+    double start, sweep;
+};
+static_assert(sizeof(EllipseBody) == 72 && sizeof(ArcBody) == 88);
+
+// Text (17): this, then `count` 16-bit characters, padded with zeros to 8 bytes.
+struct TextBody {
+    int32_t font, just, textStyle, styleFields;
+    uint32_t flags;
+    uint16_t count, zero;
+    double slant;
+    double spacing;                         // line spacing in text heights
+    Point3d origin, widthAxis, heightAxis;  // the place of the justification; a character's width and height as vectors
+};
+static_assert(sizeof(TextBody) == 112);
+constexpr uint32_t maxTextCharacters = MDL_TEXT_CHARACTERS;
+
+// B-spline (27): this, then the poles, poleCount + order knots and, when rational, a weight for each pole.
+struct CurveBody {
+    int32_t order, poleCount, rational, closed, curveDisplay, polygonDisplay;
+};
+static_assert(sizeof(CurveBody) == 24);
+
+// Complex shape (14) and text node (7): the number of components.
+struct ComplexBody {
+    uint32_t count, zero;
+};
+static_assert(sizeof(ComplexBody) == 8);
+
+// Text node: how its lines are made lies behind the number of components; its own count of characters is 0.
+struct TextNodeBody {
+    ComplexBody complex;
+    TextBody lines;
+};
+static_assert(sizeof(TextNodeBody) == 120);
+
+// Cell header (2). Other programs put the origin back by its place in the element: byte 232 in 3D, byte 176 in 2D.
+struct CellBody3d {
+    uint32_t is3d, zero;
+    double spare[9];
+    Point3d low, high;  // range of the components
+    Point3d axes[3];    // columns of its matrix
+    Point3d origin;
+};
+struct CellBody2d {
+    uint32_t is3d, zero;
+    double spare[9];
+    double low[2], high[2];
+    double axes[2][2];
+    double origin[2];
+};
+static_assert(headBytes + offsetof(CellBody3d, origin) == 232 && headBytes + offsetof(CellBody2d, origin) == 176);
+
+// Primary ids of the host's own linkages.
+enum HostLinkage : uint16_t {
+    linkageCellName = 0x4801,         // a count of 16-bit characters, then these
+    linkageCellDescription = 0x4802,  // the same
+    linkageLineStyle = 0x4803,        // LineStyleLinkage
+};
+
+struct LineStyleLinkage {
+    LinkageHeader header;
+    uint32_t modifiers;
+    double scale, startWidth, endWidth;
+};
+static_assert(sizeof(LineStyleLinkage) == 32);
+
+template <class T>
+T loadAt(const MSElementBuffer* element, size_t offset) {
+    T value;
+    std::memcpy(&value, element->bytes + offset, sizeof value);
+    return value;
+}
+template <class T>
+void storeAt(MSElementBuffer* element, size_t offset, const T& value) {
+    std::memcpy(element->bytes + offset, &value, sizeof value);
+}
+
+// The head, also of an element that lies at an odd address.
+inline ElementHead headOf(const MSElementBuffer* element) {
+    return loadAt<ElementHead>(element, 0);
+}
+
+// Points in an element, wherever they lie.
+class PointsView {
+  public:
+    PointsView() = default;
+    PointsView(const uint8_t* first, uint32_t count) : first_(first), count_(count) {}
+    uint32_t size() const { return count_; }
+    Point3d operator[](uint32_t i) const {
+        Point3d p;
+        std::memcpy(&p, first_ + i * sizeof p, sizeof p);
+        return p;
+    }
+
+  private:
+    const uint8_t* first_ = nullptr;
+    uint32_t count_ = 0;
+};
+
+// Whether an arc may have these: from any angle, by at most a full turn either way.
+bool isArcSweep(double start, double sweep);
+
+// What the body of an element holds; nothing for another type or a body that the element is too small for.
+std::optional<PointsView> verticesOf(const MSElementBuffer* element);  // line, line string, shape
+std::optional<ArcBody> arcOf(const MSElementBuffer* element);          // an ellipse is an arc from 0 by 2 pi
+
+struct TextView {
+    TextBody body;
+    const uint8_t* characters;
+};
+std::optional<TextView> textOf(const MSElementBuffer* element);
+
+std::optional<TextBody> textNodeOf(const MSElementBuffer* element);
+
+struct CurveView {
+    CurveBody body;
+    PointsView poles;
+    const uint8_t *knots, *weights;  // weights null when not rational
+};
+std::optional<CurveView> curveOf(const MSElementBuffer* element);
+
+// Where points and vectors of the body lie, for whatever treats all types alike. Empty for a type without any.
+struct PointRun {
+    size_t offset;
+    uint32_t count;
+    bool vectors;
+};
+struct PointRuns {
+    PointRun runs[3];
+    uint32_t count = 0;
+};
+PointRuns pointRunsOf(const MSElementBuffer* element);
+
+constexpr bool isHeaderType(int type) {
+    return type == MDL_CELL_HEADER || type == MDL_TEXT_NODE || type == MDL_COMPLEX_SHAPE;
+}
+
+}  // namespace host

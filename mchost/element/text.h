@@ -1,0 +1,21 @@
+// The place that a text takes.
+#pragma once
+
+#include "mchost/element/layout.h"
+
+namespace host {
+
+// The box of a text as its lower left corner and two sides, in the system of the text's own vectors.
+struct TextBox {
+    Point3d lowerLeft, along, up;
+};
+TextBox textBox(const TextView& text);
+
+uint16_t textUnit(const TextView& text, uint32_t i);
+unsigned char textCharacter(const TextView& text, uint32_t i);  // in Windows-1252
+
+// A body of no characters from a builder's arguments, in UOR; nothing when they can't be used.
+std::optional<TextBody> newTextBody(const Point3d* origin, const RotMatrix* rotation, const TextSize* size,
+                                    const TextParams* params);
+
+}  // namespace host

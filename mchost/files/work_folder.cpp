@@ -1,0 +1,116 @@
+#include "mchost/files/work_folder.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+
+#include "mchost/mdl/files.h"
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
+
+namespace host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view prefix = ".mcpart-";
+
+// A folder opened and locked; below 0 when another process has it. Where there are no locks, it is opened.
+int takeFolder(const char* path) {
+    const int folder = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (folder < 0) return -1;
+    const bool isTaken = flock(folder, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    if (!isTaken && access(path, F_OK) == 0) return folder;
+    close(folder);
+    errno = EAGAIN;
+    return -1;
+}
+
+// Locked by this process, where there are locks.
+bool isLocked(int folder) {
+    return flock(folder, LOCK_EX | LOCK_NB) == 0;
+}
+
+bool isOurs(int folder) {
+    struct stat status {};
+    return fstat(folder, &status) == 0 && status.st_uid == geteuid();
+}
+
+// Removes what processes left behind that were killed.
+void clearStale(const fs::path& folder) {
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+        if (!entry->path().filename().string().starts_with(prefix)) continue;
+        const int lock = takeFolder(entry->path().c_str());
+        if (lock < 0) continue;
+        if (isLocked(lock) && isOurs(lock)) removeFolder(entry->path().c_str());
+        close(lock);
+    }
+}
+
+}  // namespace
+
+WorkFolder::WorkFolder(const fs::path& folder) {
+    clearStale(folder.empty() ? fs::path(".") : folder);
+    const std::string pattern = (folder / prefix).string() + "XXXXXX";
+    constexpr int tries = 5;  // another process may take a folder that isn't locked yet for a stale one
+    for (int i = 0; i < tries && !make(pattern); ++i) {
+    }
+}
+
+bool WorkFolder::make(const std::string& pattern) {
+    path_ = pattern;
+    const SignalsHeld held;
+    if (mkdtemp(path_.data()) == nullptr) {
+        error_ = errno;
+        path_.clear();
+        return true;
+    }
+    noted_.emplace(path_.c_str());
+    lock_ = takeFolder(path_.c_str());
+    error_ = lock_ < 0 ? errno : 0;
+    if (lock_ < 0) removeFolder(path_.c_str());
+    return lock_ >= 0;
+}
+
+WorkFolder::~WorkFolder() {
+    if (!path_.empty()) removeFolder(path_.c_str(), lock_);
+    if (lock_ >= 0) close(lock_);
+}
+
+}  // namespace host
+
+// ---- for applications ----
+
+struct MdlWorkFolder {
+    host::WorkFolder folder;
+    std::string name;
+};
+
+int mdlWorkFolder_make(MdlWorkFolder** folderP, const char* beside) {
+    return host::guarded<int>(ENOMEM, [&]() -> int {
+        if (folderP == nullptr) return EINVAL;
+        *folderP = nullptr;
+        const host::fs::path place = host::systemPath(beside != nullptr ? beside : "");
+        auto made = std::unique_ptr<MdlWorkFolder>(new MdlWorkFolder{host::WorkFolder(place.parent_path()), {}});
+        if (made->folder.error() != 0) return made->folder.error();
+        made->name = host::hostName(made->folder.path());
+        *folderP = made.release();
+        return 0;
+    });
+}
+
+const char* mdlWorkFolder_name(const MdlWorkFolder* folder) {
+    return folder != nullptr ? folder->name.c_str() : "";
+}
+
+void mdlWorkFolder_remove(MdlWorkFolder* folder) {
+    delete folder;
+}

@@ -1,0 +1,36 @@
+// A folder for files that aren't whole yet, beside the place where they are to go.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "mchost/base/export.h"
+#include "mchost/files/unfinished.h"
+
+namespace host {
+
+// Only its owner may enter it, and it goes with the files in it when this does or when a signal ends the process. A
+// killed process leaves one behind; the next one that is made in the same folder clears it away.
+class HOST_EXPORT WorkFolder {
+  public:
+    // In `folder`, empty for the current one.
+    explicit WorkFolder(const std::filesystem::path& folder);
+    ~WorkFolder();
+    WorkFolder(const WorkFolder&) = delete;
+    WorkFolder& operator=(const WorkFolder&) = delete;
+
+    // 0, or the system's error number when there is none.
+    int error() const { return error_; }
+    const std::string& path() const { return path_; }
+
+  private:
+    bool make(const std::string& pattern);
+
+    std::string path_;
+    std::optional<Unfinished> noted_;
+    int lock_ = -1;  // held as long as the folder is in use
+    int error_ = 0;
+};
+
+}  // namespace host

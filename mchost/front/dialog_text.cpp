@@ -1,0 +1,141 @@
+#include "mchost/front/dialog_text.h"
+
+#include <algorithm>
+
+#include "mchost/base/charset.h"
+
+namespace host {
+
+namespace {
+
+constexpr std::string_view indent = "    ";
+
+bool isInput(const DialogItem& item) {
+    switch (item.kind) {
+        case ITEM_PUSH_BUTTON:
+        case ITEM_TEXT:
+        case ITEM_TOGGLE:
+        case ITEM_OPTION_BUTTON:
+        case ITEM_COMBO_BOX:
+        case ITEM_LIST_BOX: return true;
+        default: return false;
+    }
+}
+
+// What hooks drew: an icon's sign in front of its first line, the others indented by as much.
+std::string drawnText(const Dialog& dialog) {
+    std::vector<DrawCall> calls = dialog.drawing();
+    const auto icon = std::ranges::find(calls, DrawCall::Kind::icon, &DrawCall::kind);
+    std::string prefix = icon == calls.end() ? std::string() : "(" + utf8FromNarrow(icon->icon->sign) + ") ";
+    const std::string following(prefix.empty() ? 0 : indent.size(), ' ');
+
+    std::erase_if(calls, [](const DrawCall& call) {
+        const bool blank = call.box && call.text.find_first_not_of(' ') == std::string::npos;
+        return call.kind != DrawCall::Kind::text || blank;
+    });
+    std::ranges::stable_sort(calls, [](const DrawCall& a, const DrawCall& b) {
+        return std::pair(a.rect.top, a.rect.left) < std::pair(b.rect.top, b.rect.left);
+    });
+    std::string text;
+    for (size_t i = 0; i < calls.size(); ++i) {
+        const bool sameLine = i > 0 && calls[i].rect.top == calls[i - 1].rect.top;
+        if (i > 0) text += sameLine ? "  " : "\n";
+        if (!sameLine) text += i == 0 ? prefix : following;
+        text += utf8FromNarrow(calls[i].text);
+    }
+    return text.empty() ? text : text + "\n";
+}
+
+std::string chosenLabel(const DialogItem& item) {
+    for (const OptionRow& row : item.rows)
+        if (std::to_string(row.value) == item.value) return row.label;
+    return item.value;
+}
+
+bool isList(const DialogItem& item) {
+    return item.kind == ITEM_LIST_BOX || item.kind == ITEM_COMBO_BOX;
+}
+
+std::string rowsOf(const DialogItem& item) {
+    std::string text;
+    for (int32_t row = 0; row < Dialog::rowCount(item); ++row) {
+        text += indent;
+        text += row == item.selectedRow ? "* " : "  ";
+        text += std::to_string(row + 1) + ".";
+        for (int32_t column = 0; column < item.columns; ++column)
+            text += "  " + utf8FromNarrow(Dialog::cellText(item, row, column));
+        text += "\n";
+    }
+    return text;
+}
+
+// `number` is empty for an item that can't be used.
+std::string lineOf(const DialogItem& item, const std::string& number) {
+    const std::string label = utf8FromNarrow(item.label);
+    const std::string value = utf8FromNarrow(item.value);
+    const std::string head = number.empty() ? std::string(indent) : number;
+    switch (item.kind) {
+        case ITEM_TEXT: return head + label + ": " + value + "\n";
+        case ITEM_TOGGLE: return head + (item.value == "1" ? "[x] " : "[ ] ") + label + "\n";
+        case ITEM_OPTION_BUTTON:
+            return head + label + ": " + utf8FromNarrow(chosenLabel(item)) + " (" + choicesOf(item) + ")\n";
+        case ITEM_COMBO_BOX:
+            return head + label + ": " + utf8FromNarrow(Dialog::cellText(item, item.selectedRow, 0)) + "\n" +
+                   rowsOf(item);
+        case ITEM_LIST_BOX:
+            return (number.empty() && label.empty() ? "" : head + (label.empty() ? "Rows" : label) + "\n") +
+                   rowsOf(item);
+        case ITEM_LABEL:
+        case ITEM_GROUP_BOX: return label.empty() ? label : label + "\n";
+        default: return {};
+    }
+}
+
+}  // namespace
+
+std::vector<size_t> numberedItems(const Dialog& dialog) {
+    std::vector<size_t> numbered;
+    for (const bool buttons : {true, false})
+        for (size_t i = 0; i < dialog.items().size(); ++i)
+            if (isInput(dialog.items()[i]) && (dialog.items()[i].kind == ITEM_PUSH_BUTTON) == buttons)
+                numbered.push_back(i);
+    return numbered;
+}
+
+bool isUsable(const Dialog& dialog, size_t item) {
+    const DialogItem& asked = dialog.items()[item];
+    return dialog.isVisible(asked) && asked.enabled && isInput(asked) &&
+           (!isList(asked) || Dialog::rowCount(asked) > 0);
+}
+
+std::vector<size_t> usableItems(const Dialog& dialog) {
+    std::vector<size_t> usable = numberedItems(dialog);
+    std::erase_if(usable, [&](size_t item) { return !isUsable(dialog, item); });
+    return usable;
+}
+
+std::string choicesOf(const DialogItem& item) {
+    std::string text;
+    for (const OptionRow& row : item.rows)
+        if (row.enabled) text += (text.empty() ? "" : ", ") + utf8FromNarrow(row.label);
+    return text;
+}
+
+std::string textOf(const Dialog& dialog) {
+    const std::vector<size_t> numbered = numberedItems(dialog);
+    std::string text = "--- " + utf8FromNarrow(dialog.title()) + " ---\n" + drawnText(dialog);
+    std::string buttons;
+    for (size_t i = 0; i < dialog.items().size(); ++i) {
+        const DialogItem& item = dialog.items()[i];
+        if (!dialog.isVisible(item)) continue;
+        const auto place = std::ranges::find(numbered, i) - numbered.begin();
+        const std::string number = isUsable(dialog, i) ? std::to_string(place + 1) + ") " : std::string();
+        if (item.kind != ITEM_PUSH_BUTTON)
+            text += lineOf(item, number);
+        else if (!number.empty())
+            buttons += "  " + number + utf8FromNarrow(item.label);
+    }
+    return buttons.empty() ? text : text + buttons + "\n";
+}
+
+}  // namespace host

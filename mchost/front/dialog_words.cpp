@@ -1,0 +1,279 @@
+#include "mchost/front/dialog_words.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+#include "mchost/front/dialog_text.h"
+#include "mchost/base/charset.h"
+
+namespace host {
+
+namespace {
+
+enum { BUTTON_FIRST = -3, BUTTON_SECOND = -4 };
+constexpr size_t mostPixels = 8000;  // a window's side
+
+struct Word {
+    std::string_view word, arguments, meaning;
+};
+// Answers that are for the window and not for an item: a word, a blank, and what it is about.
+constexpr auto words = std::to_array<Word>({
+    {"close", "", "closes this window"},
+    {"size", "WIDTHxHEIGHT", "draws this window to that size, in pixels"},
+    {"picture", "FILE.png", "makes a picture of this window"},
+});
+
+constexpr Followed done{true, {}};
+
+Followed refused(std::string complaint) {
+    return {true, std::move(complaint)};
+}
+
+std::string_view trimmed(std::string_view text) {
+    const size_t first = text.find_first_not_of(" \t\r");
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+// Without letter case, for the letters of Windows-1252.
+std::string folded(std::string_view narrow) {
+    std::string result;
+    for (const char c : narrow) {
+        const auto code = static_cast<unsigned char>(c);
+        const bool capital = (code >= 'A' && code <= 'Z') || (code >= 0xc0 && code <= 0xde && code != 0xd7);
+        result.push_back(static_cast<char>(capital ? code + 0x20 : code));
+    }
+    return result;
+}
+
+std::optional<size_t> numberIn(std::string_view text) {
+    size_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return number;
+}
+
+std::string quoted(std::string_view narrow) {
+    return "\"" + utf8FromNarrow(narrow) + "\"";
+}
+
+// ---- items by number and label ----
+
+bool isButton(const Dialog& dialog, size_t item) {
+    return dialog.items()[item].kind == ITEM_PUSH_BUTTON;
+}
+
+std::vector<size_t> usable(const Dialog& dialog, bool buttons) {
+    std::vector<size_t> items = usableItems(dialog);
+    std::erase_if(items, [&](size_t item) { return isButton(dialog, item) != buttons; });
+    return items;
+}
+
+// Those among the items whose label is the answer, or else begins with it.
+std::vector<size_t> labelled(const Dialog& dialog, const std::vector<size_t>& items, std::string_view answer) {
+    const std::string wanted = folded(answer);
+    std::vector<size_t> beginning;
+    for (const size_t item : items) {
+        const std::string label = folded(dialog.items()[item].label);
+        if (label == wanted) return {item};
+        if (!wanted.empty() && label.starts_with(wanted)) beginning.push_back(item);
+    }
+    return beginning;
+}
+
+std::string listOf(const Dialog& dialog, const std::vector<size_t>& items, std::string_view last) {
+    std::string text;
+    for (size_t i = 0; i < items.size(); ++i) {
+        if (i > 0) text += i + 1 == items.size() ? std::string(last) : ", ";
+        text += utf8FromNarrow(dialog.items()[items[i]].label);
+    }
+    return text;
+}
+
+std::string ambiguous(const Dialog& dialog, const std::vector<size_t>& items, std::string_view name) {
+    return quoted(name) + " can be " + listOf(dialog, items, " or ") + ". Give more of the label, or its number.";
+}
+
+// ---- values ----
+
+bool choose(Dialog& dialog, size_t index, std::string_view value) {
+    std::vector<OptionRow> rows = dialog.items()[index].rows;
+    std::erase_if(rows, [](const OptionRow& r) { return !r.enabled; });
+    const std::string wanted = folded(value);
+    auto row = std::ranges::find_if(rows, [&](const OptionRow& r) { return folded(r.label) == wanted; });
+    if (const auto number = numberIn(value); row == rows.end() && number && *number >= 1 && *number <= rows.size())
+        row = rows.begin() + static_cast<ptrdiff_t>(*number - 1);
+    return row != rows.end() && dialog.setValue(index, std::to_string(row->value));
+}
+
+// A row by the text in its first column, else by its number.
+bool selectRow(Dialog& dialog, size_t index, std::string_view value) {
+    const DialogItem& item = dialog.items()[index];
+    const std::string wanted = folded(value);
+    for (int32_t row = 0; row < Dialog::rowCount(item); ++row)
+        if (folded(Dialog::cellText(item, row, 0)) == wanted) return dialog.selectRow(index, row);
+    const auto number = numberIn(value);
+    return number && *number >= 1 && *number <= INT32_MAX && dialog.selectRow(index, static_cast<int32_t>(*number) - 1);
+}
+
+// Why an item didn't take a value, as the end of a sentence.
+std::string reasonOf(const Dialog& dialog, size_t index) {
+    const DialogItem& item = dialog.items()[index];
+    switch (item.kind) {
+        case ITEM_OPTION_BUTTON: return "is none of its choices: " + choicesOf(item);
+        case ITEM_COMBO_BOX:
+        case ITEM_LIST_BOX: return "is none of its rows, nor the number of one";
+        case ITEM_TOGGLE: return "is neither 1 nor 0";
+        default: return dialog.refusal().empty() ? "can't be set now" : utf8FromNarrow(dialog.refusal());
+    }
+}
+
+Followed setItem(Dialog& dialog, size_t index, std::string_view value) {
+    const DialogItem& item = dialog.items()[index];
+    const std::string label = utf8FromNarrow(item.label);
+    bool set = false;
+    switch (item.kind) {
+        case ITEM_PUSH_BUTTON: return refused(label + " is a button, which takes no value.");
+        case ITEM_OPTION_BUTTON: set = choose(dialog, index, value); break;
+        case ITEM_COMBO_BOX:
+        case ITEM_LIST_BOX: set = selectRow(dialog, index, value); break;
+        default: set = dialog.setValue(index, value);
+    }
+    if (set) return done;
+    return refused((label.empty() ? "" : label + ": ") + quoted(value) + " " + reasonOf(dialog, index) + ".");
+}
+
+Followed use(Dialog& dialog, size_t index) {
+    const DialogItem& item = dialog.items()[index];
+    const std::string label = utf8FromNarrow(item.label);
+    const bool used = item.kind == ITEM_TOGGLE ? dialog.setValue(index, item.value == "1" ? "0" : "1")
+                                               : item.kind == ITEM_PUSH_BUTTON && dialog.press(index);
+    return used ? done : refused(label + (label.empty() ? "This item" : "") + " takes a value: number=value.");
+}
+
+// ---- answers ----
+
+Followed followNumber(Dialog& dialog, size_t number, const std::string_view* value) {
+    const std::vector<size_t> numbered = numberedItems(dialog);
+    const bool known = number >= 1 && number <= numbered.size();
+    if (!known || !isUsable(dialog, numbered[number - 1]))
+        return refused("There is no item " + std::to_string(number) + " that can be used now.");
+    return value ? setItem(dialog, numbered[number - 1], *value) : use(dialog, numbered[number - 1]);
+}
+
+Followed followLabel(Dialog& dialog, const std::vector<size_t>& items, std::string_view name,
+                     const std::string_view* value) {
+    const std::vector<size_t> found = labelled(dialog, items, name);
+    if (found.empty()) return {};
+    if (found.size() > 1) return refused(ambiguous(dialog, found, name));
+    return value ? setItem(dialog, found[0], *value) : use(dialog, found[0]);
+}
+
+Followed resizeTo(Dialog& dialog, std::string_view size) {
+    const size_t cross = std::min(size.find('x'), size.size() - 1);
+    const auto width = numberIn(size.substr(0, cross)), height = numberIn(size.substr(cross + 1));
+    if (!width || !height || std::max(*width, *height) > mostPixels)
+        return refused(quoted(size) + " isn't WIDTHxHEIGHT in pixels, such as 800x600.");
+    const bool resized = dialog.resize(static_cast<int32_t>(*width), static_cast<int32_t>(*height));
+    return resized ? done : refused("This window keeps its size.");
+}
+
+Followed savePicture(Dialog& dialog, const std::string& name) {
+    if (mdlWindow_savePicture(dialog.handle(), name.c_str()) == MDL_SUCCESS) return done;
+    return refused("No picture could be written to " + utf8FromNarrow(name) +
+                   ". Give a name that ends in .png, in a folder that is there.");
+}
+
+Followed followWord(Dialog& dialog, std::string_view answer) {
+    const size_t blank = std::min(answer.find(' '), answer.size());
+    const std::string_view word = answer.substr(0, blank), rest = trimmed(answer.substr(blank));
+    if (word == "close" && rest.empty()) {
+        dialog.close();
+        return done;
+    }
+    if (word == "picture" && !rest.empty()) return savePicture(dialog, std::string(rest));
+    if (word == "size" && !rest.empty()) return resizeTo(dialog, rest);
+    return {};
+}
+
+// Those of the texts that begin as was typed, letter case aside.
+Completion completionAmong(std::vector<std::string> texts, std::string_view typed) {
+    const auto fold = [](std::string_view utf8) { return folded(narrowFromUtf8(utf8).text); };
+    const std::string begin = fold(typed);
+    std::erase_if(texts, [&](const std::string& text) { return !fold(text).starts_with(begin); });
+    if (texts.empty()) return {std::string(typed), {}};
+    std::string common = commonBeginning(texts);
+    return {common.size() > typed.size() ? std::move(common) : std::string(typed), std::move(texts)};
+}
+
+}  // namespace
+
+Followed followAnswer(Dialog& dialog, std::string_view answer) {
+    answer = trimmed(answer);
+    if (answer.empty()) {
+        const auto button = defaultButton(dialog);
+        if (!button) return refused("No button is meant by an empty answer here.");
+        return dialog.press(*button) ? done : refused("The button can't be pressed now.");
+    }
+    if (const Followed pressed = followLabel(dialog, usable(dialog, true), answer, nullptr); pressed.fits)
+        return pressed;
+    const size_t equals = answer.find('=');
+    const std::string_view name = trimmed(answer.substr(0, equals));
+    const std::string_view text = equals == answer.npos ? std::string_view() : trimmed(answer.substr(equals + 1));
+    const std::string_view* const value = equals == answer.npos ? nullptr : &text;
+    if (const auto number = numberIn(name)) return followNumber(dialog, *number, value);
+    const Followed set = followLabel(dialog, usable(dialog, false), name, value);
+    return set.fits ? set : followWord(dialog, answer);
+}
+
+std::optional<size_t> firstButton(const Dialog& dialog) {
+    const std::vector<size_t> buttons = usable(dialog, true);
+    if (buttons.empty()) return std::nullopt;
+    const auto first = std::ranges::find_if(buttons, [&](size_t i) { return dialog.items()[i].id == BUTTON_FIRST; });
+    return first == buttons.end() ? buttons[0] : *first;
+}
+
+size_t endingButtons(const Dialog& dialog) {
+    const std::vector<size_t> buttons = usable(dialog, true);
+    return static_cast<size_t>(std::ranges::count_if(buttons, [&](size_t i) {
+        const int32_t id = dialog.items()[i].id;
+        return id == BUTTON_FIRST || id == BUTTON_SECOND;
+    }));
+}
+
+std::optional<size_t> defaultButton(const Dialog& dialog) {
+    for (const size_t button : usable(dialog, true))
+        if (dialog.items()[button].isDefault) return button;
+    return std::nullopt;
+}
+
+std::string helpOn(const Dialog& dialog) {
+    const std::vector<size_t> buttons = usable(dialog, true), others = usable(dialog, false);
+    std::string text;
+    if (!buttons.empty())
+        text += "  a button, by its number, its label or the beginning of it: " + listOf(dialog, buttons, ", ") + "\n";
+    if (const auto button = defaultButton(dialog))
+        text += "  an empty line: " + utf8FromNarrow(dialog.items()[*button].label) + "\n";
+    if (!others.empty())
+        text +=
+            "  number=value or label=value sets an item, to a text, or to a choice or row by its text or number;\n"
+            "  the number or label alone turns a switch: " +
+            listOf(dialog, others, ", ") + "\n";
+    for (const Word& word : words)
+        text += "  " + std::string(word.word) + (word.arguments.empty() ? "" : " ") + std::string(word.arguments) +
+                ": " + std::string(word.meaning) + "\n";
+    return text;
+}
+
+Completion completeAnswer(const Dialog& dialog, std::string_view typed) {
+    std::vector<std::string> labels;
+    for (const size_t item : usableItems(dialog)) {
+        const std::string label = utf8FromNarrow(dialog.items()[item].label);
+        if (!label.empty()) labels.push_back(isButton(dialog, item) ? label : label + "=");
+    }
+    for (const Word& word : words) labels.push_back(std::string(word.word) + (word.arguments.empty() ? "" : " "));
+    return completionAmong(std::move(labels), typed);
+}
+
+}  // namespace host

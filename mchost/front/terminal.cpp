@@ -1,0 +1,394 @@
+#include "mchost/front/terminal.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <deque>
+#include <fstream>
+#include <numeric>
+#include <span>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+
+#include "mchost/command/command.h"
+#include "mchost/front/dialog_text.h"
+#include "mchost/front/dialog_words.h"
+#include "mchost/front/file_question.h"
+#include "mchost/front/line_editor.h"
+#include "mchost/mdl/system.h"
+#include "mchost/session/session.h"
+#include "mchost/base/charset.h"
+
+namespace host {
+
+namespace {
+
+enum { MESSAGE_FIELD = 0, STATUS_FIELD = 1, ERROR_FIELD = 3 };
+constexpr std::string_view pointHelp =
+    "Give x,y or x,y,z in master units, and a view from 2 to 8 behind it unless it is view 1; an empty line resets, "
+    "and "
+    "\"end\" ends the command.\n";
+
+std::string_view trimmed(std::string_view text) {
+    const size_t first = text.find_first_not_of(" \t\r");
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+bool isCallForHelp(std::string_view answer) {
+    return trimmed(answer) == "help" || trimmed(answer) == "?";
+}
+
+std::deque<std::string> linesOf(const std::string& path) {
+    std::deque<std::string> lines;
+    if (path.empty()) return lines;
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) lines.push_back(line);
+    if (!file.eof()) throw std::runtime_error(path + ": the file of answers can't be read; check its name");
+    return lines;
+}
+
+std::optional<size_t> numberIn(std::string_view text) {
+    size_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return number;
+}
+
+// ---- what is shown ----
+
+constexpr size_t longText = 12;  // lines behind which a message is out of sight
+constexpr size_t mostTold = 10;
+
+std::vector<std::string> dividedIntoLines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) lines.push_back(line + "\n");
+    return lines;
+}
+
+// The title and the lines that weren't there before; all of them when they are too many to be told apart.
+std::string changedLines(const std::vector<std::string>& before, const std::vector<std::string>& now) {
+    std::string text = now.front();
+    size_t changed = 0;
+    for (const std::string& line : std::span(now).subspan(1)) {
+        if (std::ranges::find(before, line) != before.end()) continue;
+        text += line;
+        ++changed;
+    }
+    return changed > 4 && changed > now.size() / 2 ? std::accumulate(now.begin(), now.end(), std::string()) : text;
+}
+
+// ---- the front end ----
+
+class TerminalFrontEnd : public FrontEnd {
+  public:
+    explicit TerminalFrontEnd(TerminalOptions options)
+        : answers_(linesOf(options.answersFile)),
+          asks_(options.asks.value_or(isatty(fileno(options.input)))),
+          showsProgress_(options.showsProgress.value_or(isatty(fileno(options.errors)))),
+          options_(std::move(options)) {}
+    ~TerminalFrontEnd() override { endProgress(); }
+
+    bool attended() const override { return !scripted_ && answers_.empty() && !options_.yes && asks_; }
+
+    void console(std::string_view text) override {
+        endProgress();
+        const std::string shown = printable(std::string(text));
+        std::fwrite(shown.data(), 1, shown.size(), options_.output);
+        std::fflush(options_.output);
+    }
+
+    void messageField(int field, std::string_view text) override {
+        if (field == ERROR_FIELD && !text.empty()) tell(std::string(text) + "\n");
+        if ((field != MESSAGE_FIELD && field != STATUS_FIELD) || !showsProgress_) return;
+        std::fprintf(options_.errors, "\r%s\x1b[K", printable(std::string(text), " ").c_str());
+        std::fflush(options_.errors);
+        progressShown_ = !text.empty();
+    }
+
+    void messageCenter(int, std::string_view brief, std::string_view details) override {
+        tell(std::string(brief) + (details.empty() ? "" : ": ") + std::string(details) + "\n");
+    }
+
+    void takeNote() override {
+        if (attended()) nextAnswer("Press Enter to go on > ");
+    }
+
+    bool runModal(Dialog& dialog) override {
+        while (!dialog.ended()) {
+            present(dialog);
+            if (dialog.ended()) break;
+            if (const auto answer = askAbout(dialog))
+                take(dialog, *answer);
+            else if (!answerUnattended(dialog))
+                return false;
+        }
+        return true;
+    }
+
+    std::optional<std::string> commandLine(std::string_view prompt, std::string_view complaint) override {
+        if (!complaint.empty()) refuse(std::string(complaint) + ". " + std::string(pointHelp));
+        show(std::string(prompt) + "\n");
+        while (auto answer = nextAnswer("x,y[,z] [view] > ")) {
+            if (!isCallForHelp(*answer)) return answer;
+            show(std::string(pointHelp) + (openDialogs().empty() ? "" : "Any other answer goes to the open window:\n"));
+            if (const auto dialog = turnedTo()) show(helpOn(*dialog));
+        }
+        if (options_.yes && std::exchange(pointedAt_, commandSerial()) != commandSerial()) {
+            show("> 0,0\n");
+            return "0,0";
+        }
+        show("Nobody gives a point. Answer at a terminal, or run with --answers FILE.\n");
+        return std::nullopt;
+    }
+
+    std::optional<std::string> askFile(const FileQuestion& question) override {
+        show(textOf(question));
+        if (!question.complaint.empty()) mdlSystem_noteFailure();
+        const LineHelp help{[&](std::string_view typed) { return completeFileName(question, typed); },
+                            question.remembered};
+        if (const auto answer = nextAnswer(promptOf(question), help)) {
+            const std::string_view name = trimmed(*answer);
+            return name == "!" ? std::nullopt : std::optional(std::string(name));
+        }
+        const bool oneIsMissing = question.suggested.empty() && (question.kind == FileQuestion::Kind::open ||
+                                                                 question.kind == FileQuestion::Kind::create);
+        if (options_.yes && !oneIsMissing && question.complaint.empty()) {
+            show("> " + question.suggested + "\n");
+            return std::string();
+        }
+        if (!gaveUp_) refuse("Nobody names a file. Answer at a terminal, or run with --answers FILE.\n");
+        return std::nullopt;
+    }
+
+    bool confirm(std::string_view question) override {
+        show(std::string(question) + "\n");
+        if (const auto answer = nextAnswer("[no] y/n > ")) {
+            const std::string_view word = trimmed(*answer);
+            return !word.empty() && std::string_view("yYjJ").find(word[0]) != std::string_view::npos;
+        }
+        if (options_.yes) show("> yes\n");
+        return options_.yes;
+    }
+
+    bool serveOpenDialog() override {
+        const auto dialog = turnedTo();
+        if (!dialog) return false;
+        present(*dialog);
+        if (dialog->ended()) return true;
+        if (openDialogs().size() > 1) show(windowList(*dialog));
+        if (const auto answer = askAbout(*dialog))
+            take(*dialog, *answer);
+        else if (options_.yes && pressed_.lock() != dialog)
+            pressFirst(dialog);
+        else
+            dialog->close();
+        return true;
+    }
+
+    bool answerOpenDialog(std::string_view line) override {
+        const auto dialog = turnedTo();
+        if (!dialog || trimmed(line).empty() || !follow(*dialog, line)) return false;
+        if (!dialog->ended()) present(*dialog);
+        return true;
+    }
+
+  private:
+    // In an unattended run: the dialog stays until commands that the button starts have been served.
+    void pressFirst(const std::shared_ptr<Dialog>& dialog) {
+        pressed_ = dialog;
+        const auto button = firstButton(*dialog);
+        if (!button) return;
+        show("> " + utf8FromNarrow(dialog->items()[*button].label) + "\n");
+        dialog->press(*button);
+    }
+
+    // The dialog that answers are for: the one that was turned to, else the last opened; null when none is open.
+    std::shared_ptr<Dialog> turnedTo() const {
+        const auto open = openDialogs();
+        if (open.empty()) return nullptr;
+        const auto turned = std::ranges::find(open, turnedTo_.lock());
+        return turned == open.end() ? open.back() : *turned;
+    }
+
+    // Whoever reads on a terminal sees a dialog once, and then what changes in it, so that messages stay in sight.
+    void present(Dialog& dialog) {
+        if (Session* session = Session::current()) session->runDueTimers();
+        dialog.refresh();
+        if (dialog.ended()) return;
+        const std::string text = textOf(dialog);
+        if (!attended()) return show(text);
+        std::erase_if(shown_, [](const ShownDialog& shown) { return shown.dialog.expired(); });
+        std::vector<std::string> lines = dividedIntoLines(text);
+        const bool another = std::exchange(presented_, dialog.weak_from_this()).lock().get() != &dialog;
+        const std::string told = std::exchange(told_, {});
+        auto before = std::ranges::find_if(shown_, [&](const auto& s) { return s.dialog.lock().get() == &dialog; });
+        if (before == shown_.end()) before = shown_.insert(before, {dialog.weak_from_this(), {}});
+        if (another || before->lines != lines) {
+            const std::string part = before->lines.empty() ? text : changedLines(before->lines, lines);
+            show(part);
+            if (!told.empty() && static_cast<size_t>(std::ranges::count(part, '\n')) > longText) show(told);
+        }
+        before->lines = std::move(lines);
+    }
+
+    // The next time the dialog is shown all of it is.
+    void showWhole(const Dialog& dialog) {
+        std::erase_if(shown_, [&](const ShownDialog& shown) { return shown.dialog.lock().get() == &dialog; });
+    }
+
+    static std::string windowList(const Dialog& current) {
+        const auto open = openDialogs();
+        std::string text = "Open windows:";
+        for (size_t i = 0; i < open.size(); ++i)
+            text += std::string(i == 0 ? " " : ", ") + (open[i].get() == &current ? "*" : "") + std::to_string(i + 1) +
+                    " " + utf8FromNarrow(open[i]->title());
+        return text + "\n";
+    }
+
+    void show(std::string text) {
+        endProgress();
+        text = printable(std::move(text));
+        std::fwrite(text.data(), 1, text.size(), options_.errors);
+        std::fflush(options_.errors);
+    }
+
+    // Shows a message, which is shown again when a long dialog takes it out of sight.
+    void tell(const std::string& line) {
+        show(line);
+        if (static_cast<size_t>(std::ranges::count(told_, '\n')) < mostTold) told_ += line;
+    }
+
+    void endProgress() {
+        if (progressShown_) std::fputc('\n', options_.errors);
+        progressShown_ = false;
+    }
+
+    // A line of the file of answers, or of the terminal; nothing when there is neither. A terminal that has ended (or
+    // Ctrl-D) closes the dialog, and isn't asked again.
+    std::optional<std::string> nextAnswer(const std::string& question, const LineHelp& help = {}) {
+        gaveUp_ = false;
+        told_.clear();
+        scripted_ = !answers_.empty();
+        if (scripted_) {
+            std::string answer = std::move(answers_.front());
+            answers_.pop_front();
+            show("> " + answer + "\n");
+            return answer;
+        }
+        if (options_.yes || !asks_) return std::nullopt;
+        if (canEditLines(options_.input, options_.errors)) {
+            endProgress();
+            auto line = editLine(options_.input, options_.errors, printable(question), help);
+            gaveUp_ = !line;
+            if (line && !trimmed(*line).empty()) history_.insert(history_.begin(), *line);
+            return line;
+        }
+        show(question);
+        std::string line;
+        int c;
+        while ((c = std::fgetc(options_.input)) != EOF && c != '\n') line.push_back(static_cast<char>(c));
+        if (c != EOF || !line.empty()) return line;
+        show("\n");
+        asks_ = false;
+        return std::nullopt;
+    }
+
+    static std::string question(const Dialog& dialog) {
+        const auto button = defaultButton(dialog);
+        return button ? "[" + utf8FromNarrow(dialog.items()[*button].label) + "] > " : "> ";
+    }
+
+    std::optional<std::string> askAbout(const Dialog& dialog) {
+        return nextAnswer(question(dialog),
+                          {[&](std::string_view typed) { return completeAnswer(dialog, typed); }, history_});
+    }
+
+    void take(Dialog& dialog, std::string_view answer) {
+        if (!follow(dialog, answer))
+            refuse("This can't be done here: \"" + std::string(trimmed(answer)) +
+                   "\". \"help\" lists what can be done.\n");
+    }
+
+    // False when the answer means nothing here.
+    bool follow(Dialog& dialog, std::string_view answer) {
+        if (isCallForHelp(answer)) return show(helpOf(dialog)), true;
+        const NarrowText narrow = narrowFromUtf8(trimmed(answer));
+        if (narrow.badPosition) return refuse("There is a character in this answer that can't be used.\n"), true;
+        const Followed followed = followAnswer(dialog, narrow.text);
+        if (!followed.complaint.empty()) refuse(followed.complaint + "\n");
+        return followed.fits || followWord(dialog, narrow.text);
+    }
+
+    // Words that are for this front end and not for a dialog.
+    bool followWord(Dialog& dialog, std::string_view answer) {
+        constexpr std::string_view turn = "window ";
+        if (answer == "show") return showWhole(dialog), true;
+        if (!answer.starts_with(turn) || dialog.modal()) return false;
+        const auto open = openDialogs();
+        const auto number = numberIn(trimmed(answer.substr(turn.size())));
+        if (!number || *number < 1 || *number > open.size()) {
+            refuse("There is no open window of that number. " + windowList(dialog));
+        } else {
+            turnedTo_ = open[*number - 1];
+            showWhole(*open[*number - 1]);
+        }
+        return true;
+    }
+
+    static std::string helpOf(const Dialog& dialog) {
+        return "You can answer:\n" + helpOn(dialog) + "  show: shows all of this window again\n" +
+               (dialog.modal() ? "" : "  window NUMBER: turns to another open window\n") + "  help: this list\n";
+    }
+
+    // Tells what wasn't done, which a run that nobody attends has to end with.
+    void refuse(const std::string& line) {
+        tell(line);
+        mdlSystem_noteFailure();
+    }
+
+    bool answerUnattended(Dialog& dialog) {
+        const auto button = firstButton(dialog);
+        const bool onlyOne = endingButtons(dialog) == 1;
+        if (!button || !(options_.yes || onlyOne)) {
+            refuse("Nobody answers. Answer at a terminal, or run with --yes or --answers FILE.\n");
+            return false;
+        }
+        if (options_.yes) show("> " + utf8FromNarrow(dialog.items()[*button].label) + "\n");
+        dialog.press(*button);
+        dialog.close();  // where the button didn't
+        return true;
+    }
+
+    struct ShownDialog {
+        std::weak_ptr<Dialog> dialog;
+        std::vector<std::string> lines;
+    };
+
+    std::deque<std::string> answers_;
+    bool asks_;
+    bool showsProgress_;
+    bool progressShown_ = false;
+    bool scripted_ = false;             // the last answer came from the file
+    bool gaveUp_ = false;               // the user left the last question without an answer
+    uint64_t pointedAt_ = 0;            // the command that an unattended run gave its one point
+    std::weak_ptr<Dialog> turnedTo_;    // of the dialogs that aren't modal
+    std::string told_;                  // messages since the last answer
+    std::vector<std::string> history_;  // answers that were typed, the latest first
+    std::vector<ShownDialog> shown_;    // what was shown of the dialogs that are open
+    std::weak_ptr<Dialog> presented_;   // the last one shown
+    std::weak_ptr<Dialog> pressed_;     // the one whose first button an unattended run has pressed
+    TerminalOptions options_;
+};
+
+}  // namespace
+
+std::unique_ptr<FrontEnd> makeTerminalFrontEnd(TerminalOptions options) {
+    return std::make_unique<TerminalFrontEnd>(std::move(options));
+}
+
+}  // namespace host

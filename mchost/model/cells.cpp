@@ -1,0 +1,158 @@
+// The attached cell library, and the calls that look into it.
+#include "mchost/mdl/cell.h"
+
+#include <algorithm>
+#include <cstring>
+#include <cwchar>
+#include <filesystem>
+#include <memory>
+
+#include "mchost/mdl/system.h"
+#include "mchost/model/cell_library.h"
+#include "mchost/model/container.h"
+#include "mchost/model/model.h"
+#include "mchost/model/recent_libraries.h"
+#include "mchost/base/guard.h"
+#include "mchost/session/session.h"
+#include "mchost/base/paths.h"
+#include "mchost/processes/programs.h"
+
+struct MdlCellLibrary {
+    std::shared_ptr<const host::CellLibrary> library;  // null when none is attached
+};
+
+struct MdlModelItem {
+    host::CellLibrary::Cell cell;
+};
+
+// Holds its library, so that another one may be attached meanwhile.
+struct MdlModelIterator {
+    std::shared_ptr<const host::CellLibrary> library;
+    size_t next = 0;
+    MdlModelItem item = {};
+};
+
+namespace host {
+namespace {
+
+// Both live for the process and are emptied when a session ends.
+MdlCellLibrary attached;
+RecentLibraries recent;
+
+void publishAttached() {
+    const std::string name = attached.library ? hostName(attached.library->path()) : std::string();
+    std::memcpy(tcbP->cellLibraryName, name.c_str(), name.size() + 1);
+}
+
+void detach() {
+    attached = {};
+    publishAttached();
+}
+
+void endSession() {
+    detach();
+    recent.clear();
+}
+
+void watchSession() {
+    static const bool watching = (observeSessionEnd(endSession), true);
+    (void)watching;
+}
+
+std::shared_ptr<const CellLibrary> load(const char* name) {
+    if (*name == '\0') throw FileProblem("no name was given. Give the name of a cell library (.cel).");
+    const std::string named = std::filesystem::absolute(systemPath(name)).lexically_normal().string();
+    const std::string path = existingPath(named).value_or(named);
+    if (hostName(path).size() >= sizeof tcbP->cellLibraryName) {
+        throw FileProblem("its full name is longer than 255 characters. Move it to a folder with a shorter name.");
+    }
+    return recent.load(path);
+}
+
+int copyText(wchar_t* to, int32_t size, const std::wstring& text) {
+    if (to == nullptr || size < 1) return MDL_ERROR;
+    const size_t copied = std::min(text.size(), static_cast<size_t>(size) - 1);
+    std::wmemcpy(to, text.data(), copied);
+    to[copied] = L'\0';
+    return copied == text.size() ? int{MDL_SUCCESS} : int{MDL_ERROR};
+}
+
+}  // namespace
+}  // namespace host
+
+using namespace host;
+
+int mdlCell_attachLibraryEx(char* fullName, const char* name, int32_t, int32_t, int32_t) {
+    return guarded(int{MDL_ERROR}, [&]() -> int {
+        const char* given = name ? name : "";
+        try {
+            attached.library = load(given);
+        } catch (const FileProblem& problem) {
+            return fileProblem(std::string("Can't attach the cell library \"") + given + "\": " + problem.what());
+        }
+        watchSession();
+        publishAttached();
+        if (fullName) std::strcpy(fullName, tcbP->cellLibraryName);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlCell_detachLibrary(void) {
+    if (!attached.library) return MDL_ERROR;
+    detach();
+    return MDL_SUCCESS;
+}
+
+int mdlCell_getElmDscr(ElementDescr** edPP, const void*, const void*, const void*, const void*, const void*,
+                       const void*, const void*, const void*, int32_t, const wchar_t* name, const void*) {
+    if (edPP == nullptr) return MDL_ERROR;
+    *edPP = nullptr;
+    return guarded(int{MDL_ERROR}, [&]() -> int {
+        if (!attached.library || name == nullptr) return MDL_ERROR;
+        const CellLibrary::Cell* cell = attached.library->find(name);
+        if (cell == nullptr) return MDL_ERROR;
+        *edPP = attached.library->read(*cell, openModel(nullptr));
+        return *edPP ? int{MDL_SUCCESS} : int{MDL_ERROR};
+    });
+}
+
+int mdlCell_getLibraryObject(MdlCellLibrary** libraryPP, const char* fileName) {
+    if (libraryPP == nullptr) return MDL_ERROR;
+    *libraryPP = nullptr;
+    const bool isAttached = attached.library && fileName && std::strcmp(fileName, tcbP->cellLibraryName) == 0;
+    if (!isAttached) return MDL_ERROR;
+    *libraryPP = &attached;
+    return MDL_SUCCESS;
+}
+
+MdlModelIterator* mdlModelIterator_create(MdlCellLibrary* library) {
+    if (library == nullptr) return nullptr;
+    return guarded<MdlModelIterator*>(nullptr, [&] { return new MdlModelIterator{library->library}; });
+}
+
+int mdlModelIterator_setAcceptCellsOnly(MdlModelIterator* iterator, int32_t) {
+    return iterator ? int{MDL_SUCCESS} : int{MDL_ERROR};
+}
+
+MdlModelItem* mdlModelIterator_getNext(MdlModelIterator* iterator) {
+    if (iterator == nullptr || !iterator->library) return nullptr;
+    const auto& cells = iterator->library->cells();
+    if (iterator->next >= cells.size()) return nullptr;
+    return guarded<MdlModelItem*>(nullptr, [&] {
+        iterator->item = {cells[iterator->next]};
+        ++iterator->next;
+        return &iterator->item;
+    });
+}
+
+void mdlModelIterator_free(MdlModelIterator* iterator) {
+    delete iterator;
+}
+
+int mdlModelItem_getName(wchar_t* name, int32_t size, const MdlModelItem* item) {
+    return item ? copyText(name, size, item->cell.name) : int{MDL_ERROR};
+}
+
+int mdlModelItem_getDescription(wchar_t* description, int32_t size, const MdlModelItem* item) {
+    return item ? copyText(description, size, item->cell.description) : int{MDL_ERROR};
+}

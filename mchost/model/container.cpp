@@ -1,0 +1,463 @@
+#include "mchost/model/container.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <system_error>
+
+#include "mchost/model/digest.h"
+#include "mchost/base/new_file.h"
+#include "mchost/model/table_rules.h"
+#include "mchost/base/utf8.h"
+#include "mchost/base/paths.h"
+
+namespace host {
+namespace {
+
+// What is wrong with a file that isn't of the kind, by FileKind.
+constexpr const char* otherFile[] = {
+    "it isn't a design file. Give the name of a design file (.mcd).",
+    "it isn't a cell library. Give the name of a cell library (.cel).",
+};
+constexpr uint32_t formatVersion = 1;
+constexpr int pageBytes = 8192;
+constexpr int64_t onlyModel = 1;
+constexpr uint32_t mostChunkBytes = ElementStore::maxUnitBytes + sizeof(RecordHead);
+
+constexpr std::array<const char*, 5> schema = {
+    "CREATE TABLE model(id INTEGER PRIMARY KEY,is_3d INTEGER,uor_per_master REAL,next_position INTEGER,"
+    "next_level INTEGER,chunks INTEGER,digest INTEGER)",
+    "CREATE TABLE level(model INTEGER,id INTEGER,code INTEGER,name TEXT,color INTEGER,style INTEGER,weight INTEGER,"
+    "fill_color INTEGER,style_modifiers INTEGER,style_scale REAL,style_start_width REAL,style_end_width REAL,"
+    "over_color INTEGER,over_style INTEGER,over_weight INTEGER,PRIMARY KEY(model,id))WITHOUT ROWID",
+    "CREATE TABLE line_style(model INTEGER,number INTEGER,name BLOB,pattern BLOB,PRIMARY KEY(model,number))"
+    "WITHOUT ROWID",
+    "CREATE TABLE text_style(model INTEGER,name TEXT,font INTEGER,just INTEGER,style INTEGER,fields INTEGER,"
+    "flags INTEGER,slant REAL,line_spacing REAL,mode INTEGER,width REAL,height REAL,aspect REAL,"
+    "PRIMARY KEY(model,name))WITHOUT ROWID",
+    "CREATE TABLE chunk(model INTEGER,number INTEGER,digest INTEGER,bytes BLOB,PRIMARY KEY(model,number))",
+};
+
+const char* const damaged = "it is damaged and was left as it is. Open a copy of it from before the damage.";
+
+std::span<const std::byte> bytesOf(std::string_view text) {
+    return std::as_bytes(std::span(text));
+}
+
+std::string systemReason(int error) {
+    return std::strerror(error);
+}
+
+// ---- the model's own rows ----
+
+// The values of the model and its tables in one string of bytes, for the digest of the model's row.
+class Description {
+  public:
+    void add(int64_t value) { bytes_.append(reinterpret_cast<const char*>(&value), sizeof value); }
+    void add(double value) {
+        value += 0.0;  // the database doesn't keep the sign of -0
+        bytes_.append(reinterpret_cast<const char*>(&value), sizeof value);
+    }
+    void add(std::string_view text) {
+        add(static_cast<int64_t>(text.size()));
+        bytes_.append(text);
+    }
+    template <class... Values>
+    void row(const Values&... values) {
+        (add(static_cast<
+             std::conditional_t<std::is_integral_v<Values>, int64_t,
+                                std::conditional_t<std::is_floating_point_v<Values>, double, std::string_view>>>(
+             values)),
+         ...);
+    }
+    int64_t digest() const { return static_cast<int64_t>(host::digest(bytesOf(bytes_))); }
+
+  private:
+    std::string bytes_;
+};
+
+std::string_view patternBytes(const LineStyle& style) {
+    return {reinterpret_cast<const char*>(style.pattern.data()), style.pattern.size() * sizeof(double)};
+}
+
+// Calls row(values...) with the columns of each table's rows behind their first one, the model's number.
+template <class Row>
+void forEachLevelRow(const ModelRef& model, Row row) {
+    for (const Level& l : model.levels) {
+        if (!l.stored) continue;
+        const auto& [color, style, weight, fillColor, params] = l.byLevel;
+        row(l.id, l.code, toUtf8(l.name), color, style, weight, fillColor, params.modifiers, params.scale,
+            params.startWidth, params.endWidth, l.override.color, l.override.style, l.override.weight);
+    }
+}
+
+template <class Row>
+void forEachTextStyleRow(const ModelRef& model, Row row) {
+    for (const auto& [name, style] : model.textStyles) {
+        const auto& [p, s] = style;
+        row(toUtf8(name), p.font, p.just, p.textStyle, p.styleFields, p.flags, p.slant, p.lineSpacing, s.mode, s.width,
+            s.height, s.aspect);
+    }
+}
+
+int64_t modelDigest(const ModelRef& model, int64_t nextPosition, int64_t chunkCount) {
+    Description all;
+    const auto row = [&](const auto&... values) { all.row(values...); };
+    all.row(model.is3d, model.uorPerMaster, nextPosition, model.nextLevel, chunkCount);
+    forEachLevelRow(model, row);
+    for (const LineStyle& style : model.lineStyles) all.row(style.number, style.name, patternBytes(style));
+    forEachTextStyleRow(model, row);
+    return all.digest();
+}
+
+void storeTables(Database& database, const ModelRef& model) {
+    database.run("DELETE FROM level; DELETE FROM line_style; DELETE FROM text_style");
+    Statement level(database, "INSERT INTO level VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
+    forEachLevelRow(model, [&](const auto&... values) { level.execute(onlyModel, values...); });
+    Statement lineStyle(database, "INSERT INTO line_style VALUES(?,?,?,?)");
+    for (const LineStyle& style : model.lineStyles) {
+        lineStyle.execute(onlyModel, style.number, bytesOf(style.name), bytesOf(patternBytes(style)));
+    }
+    Statement textStyle(database, "INSERT INTO text_style VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?)");
+    forEachTextStyleRow(model, [&](const auto&... values) { textStyle.execute(onlyModel, values...); });
+}
+
+void storeModelRow(Database& database, const ModelRef& model, int64_t chunkCount) {
+    Statement row(database, "INSERT OR REPLACE INTO model VALUES(?,?,?,?,?,?,?)");
+    row.execute(onlyModel, int32_t{model.is3d}, model.uorPerMaster, model.elements.nextPosition(), model.nextLevel,
+                chunkCount, modelDigest(model, model.elements.nextPosition(), chunkCount));
+}
+
+void loadLevels(Database& database, ModelRef& model) {
+    Statement s(database, "SELECT * FROM level WHERE model=1 ORDER BY id");
+    while (s.step()) {
+        const auto word = [&](int column) { return static_cast<uint32_t>(s.integer(column)); };
+        const auto number = [&](int column) { return static_cast<int32_t>(s.integer(column)); };
+        model.levels.push_back(
+            {.id = word(1),
+             .code = number(2),
+             .name = fromUtf8(s.text(3)),
+             .byLevel = {word(4), number(5), word(6), word(7), {word(8), s.real(9), s.real(10), s.real(11)}},
+             .override = {word(12), number(13), word(14)},
+             .stored = true});
+    }
+}
+
+void loadLineStyles(Database& database, ModelRef& model) {
+    Statement s(database, "SELECT * FROM line_style WHERE model=1 ORDER BY number DESC");
+    while (s.step()) {
+        const auto pattern = s.blob(3);
+        LineStyle style = {static_cast<int32_t>(s.integer(1)), std::string(s.text(2)),
+                           std::vector<double>(pattern.size() / sizeof(double))};
+        if (!style.pattern.empty()) std::memcpy(style.pattern.data(), pattern.data(), style.pattern.size() * 8);
+        model.lineStyles.push_back(std::move(style));
+    }
+}
+
+void loadTextStyles(Database& database, ModelRef& model) {
+    Statement s(database, "SELECT * FROM text_style WHERE model=1");
+    while (s.step()) {
+        const auto number = [&](int column) { return static_cast<int32_t>(s.integer(column)); };
+        const TextParams params = {number(2), number(3), number(4), number(5), static_cast<uint32_t>(s.integer(6)),
+                                   s.real(7), s.real(8)};
+        model.textStyles[fromUtf8(s.text(1))] = {params, {number(9), s.real(10), s.real(11), s.real(12)}};
+    }
+}
+
+// ---- reading a file ----
+
+uint32_t bigEndian(const unsigned char* at) {
+    return at[0] << 24 | at[1] << 16 | at[2] << 8 | at[3];
+}
+
+// The first bytes of a database file ("SQLite Database File Format", the database header).
+using FileHead = std::array<unsigned char, 100>;
+uint32_t headVersion(const FileHead& head) {
+    return bigEndian(&head[60]);
+}
+uint32_t headApplication(const FileHead& head) {
+    return bigEndian(&head[68]);
+}
+bool headHasFreePages(const FileHead& head) {
+    return bigEndian(&head[32]) != 0 || bigEndian(&head[36]) != 0;
+}
+bool headIsWal(const FileHead& head) {
+    return head[18] == 2 || head[19] == 2;
+}
+
+// Nothing for a file that isn't a database.
+std::optional<FileHead> databaseHead(const std::string& path) {
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) throw FileProblem("it can't be read (" + systemReason(errno) + "). Check its name and permissions.");
+    FileHead head = {};
+    const ssize_t got = read(file, head.data(), head.size());
+    ::close(file);
+    constexpr std::string_view magic("SQLite format 3\0", 16);
+    if (got != ssize_t{100} || std::memcmp(head.data(), magic.data(), magic.size()) != 0) return std::nullopt;
+    return head;
+}
+
+FileHead readHead(const std::string& path, FileKind kind) {
+    const std::optional<FileHead> head = databaseHead(path);
+    const auto row = static_cast<size_t>(kind);
+    if (!head || headApplication(*head) != applicationIds[row]) throw FileProblem(otherFile[row]);
+    if (headVersion(*head) > formatVersion) {
+        throw FileProblem("it was made by a newer version. Open it with that version.");
+    }
+    return *head;
+}
+
+// A database to read from. A file that was left in WAL mode needs its companion files, which can't be made in a folder
+// that can't be written; without a log that holds something the file by itself is whole. A session that was killed
+// while it changed the mode has left a journal, which only a database that may be written goes back by.
+void openForReading(Database& database, const std::string& path, const FileHead& head) {
+    if (headIsWal(head) && fileSize(path + "-wal") == 0 && !folderCanBeWritten(path)) {
+        return database.openImmutable(path);
+    }
+    database.open(path, fileSize(path + "-journal") != 0 ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY);
+    database.run("PRAGMA busy_timeout=2000");
+}
+
+void checkSchema(Database& database) {
+    Statement s(database, "SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL ORDER BY rowid");
+    for (const char* table : schema) {
+        if (!s.step() || s.text(0) != table) throw FileProblem(damaged);
+    }
+    if (s.step()) throw FileProblem(damaged);
+}
+
+// Free pages are never looked at while reading, but would be written to later.
+void checkFreePages(Database& database, const FileHead& head) {
+    if (!headHasFreePages(head)) return;
+    Statement s(database, "PRAGMA quick_check(1)");
+    if (!s.step() || s.text(0) != "ok") throw FileProblem(damaged);
+}
+
+void loadChunks(Database& database, ModelRef& model, int64_t count) {
+    Statement s(database, "SELECT rowid,number,digest FROM chunk WHERE model=1 ORDER BY number");
+    BlobReader blob(database, "chunk", "bytes");
+    for (int64_t number = 0; number < count; ++number) {
+        if (!s.step() || !s.isInteger(1) || s.integer(1) != number) throw FileProblem(damaged);
+        const uint32_t used = blob.open(s.integer(0));
+        if (used > mostChunkBytes) throw FileProblem(damaged);
+        const bool isLast = number + 1 == count;  // it goes on being filled
+        ElementStore::Chunk& chunk =
+            model.elements.appendChunk(isLast ? std::max(used, ElementStore::chunkBytes) : used);
+        chunk.used = used;
+        chunk.changed = false;
+        const std::span<std::byte> bytes(chunk.bytes, used);
+        blob.read(bytes);
+        if (static_cast<int64_t>(digest(bytes)) != s.integer(2)) throw FileProblem(damaged);
+        if (!model.elements.takeRecords()) throw FileProblem(damaged);
+    }
+    if (s.step()) throw FileProblem(damaged);
+}
+
+void loadModel(Database& database, ModelRef& model) {
+    Statement s(database, "SELECT * FROM model");
+    if (!s.step() || s.integer(0) != onlyModel) throw FileProblem(damaged);
+    model.is3d = s.integer(1) != 0;
+    model.uorPerMaster = s.real(2);
+    model.nextLevel = static_cast<LevelId>(s.integer(4));
+    const int64_t nextPosition = s.integer(3), chunkCount = s.integer(5), sum = s.integer(6);
+    if (s.step() || nextPosition < 1 || nextPosition > UINT32_MAX) throw FileProblem(damaged);
+    loadLevels(database, model);
+    loadLineStyles(database, model);
+    loadTextStyles(database, model);
+    if (modelDigest(model, nextPosition, chunkCount) != sum || !tablesAreSound(model)) throw FileProblem(damaged);
+    model.elements.reservePositions(static_cast<uint32_t>(nextPosition));
+    loadChunks(database, model, chunkCount);
+}
+
+std::string sqliteReason(const SqliteFailure& failure) {
+    switch (failure.code) {
+        case SQLITE_FULL: return "the disk is full. Make room on it and try again.";
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB: return damaged;
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED: return "another program has it open. Close it there first.";
+        case SQLITE_READONLY:
+        case SQLITE_PERM:
+        case SQLITE_CANTOPEN:
+            return "the file or its folder can't be written (" + std::string(failure.what()) +
+                   "). Check their permissions, or copy the file to another folder.";
+        default:
+            return "the disk or its file system fails (" + std::string(failure.what()) +
+                   "). Make sure that there is room, and try again.";
+    }
+}
+
+void storeChunks(Database& database, ModelRef& model) {
+    Statement row(database, "INSERT OR REPLACE INTO chunk VALUES(?,?,?,?)");
+    int64_t number = 0;
+    for (const ElementStore::Chunk& chunk : model.elements.chunks()) {
+        const std::span<const std::byte> bytes(chunk.bytes, chunk.used);
+        if (chunk.changed) row.execute(onlyModel, number, static_cast<int64_t>(digest(bytes)), bytes);
+        ++number;
+    }
+    Statement(database, "DELETE FROM chunk WHERE model=? AND number>=?").execute(onlyModel, number);
+}
+
+// Writes all of a model to a new file. Nobody knows the file before it has its name, so it needs no journal, and one
+// wait for the disk behind it all is enough.
+void writeWhole(const std::string& path, ModelRef& model, FileKind kind) {
+    Database database;
+    database.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+    database.run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF");
+    database.run("PRAGMA page_size=" + std::to_string(pageBytes) +
+                 "; PRAGMA application_id=" + std::to_string(applicationIds[static_cast<size_t>(kind)]) +
+                 "; PRAGMA user_version=" + std::to_string(formatVersion));
+    Transaction transaction(database);
+    for (const char* table : schema) database.run(table);
+    for (ElementStore::Chunk& chunk : model.elements.chunks()) chunk.changed = true;
+    storeChunks(database, model);
+    storeTables(database, model);
+    storeModelRow(database, model, static_cast<int64_t>(model.elements.chunks().size()));
+    transaction.commit();
+}
+
+// Writes a file under a name of its own, and then gives it the path.
+void writeAndPublish(const std::string& path, ModelRef& model, FileKind kind, void (NewFile::*publish)()) {
+    try {
+        NewFile file(path);
+        writeWhole(file.name(), model, kind);
+        (file.*publish)();
+    } catch (const SqliteFailure& failure) {
+        throw FileProblem(sqliteReason(failure));
+    } catch (const std::system_error& error) {
+        throw FileProblem("it can't be made (" + error.code().message() + "). Give another name or folder.");
+    }
+}
+
+void removeCompanions(const std::string& path) {
+    for (const char* companion : {"-wal", "-shm", "-journal"}) unlink((path + companion).c_str());
+}
+
+}  // namespace
+
+std::optional<uint32_t> applicationIdOf(const std::string& path) {
+    const std::optional<FileHead> head = databaseHead(path);
+    return head ? std::optional(headApplication(*head)) : std::nullopt;
+}
+
+void createContainer(const std::string& path, bool is3d, FileKind kind) {
+    struct stat there;
+    if (lstat(path.c_str(), &there) == 0) throw FileProblem("a file of that name is there. Give another name.");
+    removeCompanions(path);  // the log of a file that was removed would be taken for the new file's own
+    ModelRef model = {};
+    model.is3d = is3d;
+    addFirstLevel(model);
+    writeAndPublish(path, model, kind, &NewFile::publish);
+}
+
+void replaceContainer(const std::string& path, ModelRef& model, FileKind kind) {
+    writeAndPublish(path, model, kind, &NewFile::replace);
+}
+
+void loadContainer(const std::string& path, ModelRef& model, FileKind kind) {
+    const FileHead head = readHead(path, kind);
+    try {
+        Database database;
+        openForReading(database, path, head);
+        database.run("BEGIN");
+        checkSchema(database);
+        checkFreePages(database, head);
+        loadModel(database, model);
+    } catch (const SqliteFailure& failure) {
+        throw FileProblem(failure.code == SQLITE_ERROR ? damaged : sqliteReason(failure));
+    }
+}
+
+namespace {
+
+// The database keeps to one file from now on. A reader holds that up, and nothing is lost then: its log is empty.
+void endLog(Database& database) {
+    database.run("PRAGMA wal_checkpoint(TRUNCATE)");
+    try {
+        database.run("PRAGMA journal_mode=DELETE");
+    } catch (const SqliteFailure& failure) {
+        if (failure.code != SQLITE_BUSY) throw;
+    }
+}
+
+bool isWholeAlone(const std::string& path) {
+    return fileSize(path + "-wal") == 0 && fileSize(path + "-journal") == 0;
+}
+
+}  // namespace
+
+bool hasChanges(ModelRef& model) {
+    return model.tablesChanged ||
+           std::ranges::any_of(model.elements.chunks(), [](const ElementStore::Chunk& c) { return c.changed; });
+}
+
+void ContainerWriter::open() {
+    if (database_.isOpen()) return;
+    database_.open(path_, SQLITE_OPEN_READWRITE);
+    database_.run("PRAGMA busy_timeout=2000; PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL");
+}
+
+void ContainerWriter::save(ModelRef& model) {
+    if (!hasChanges(model)) return;
+    try {
+        open();
+        Transaction transaction(database_);
+        storeChunks(database_, model);
+        if (model.tablesChanged) storeTables(database_, model);
+        storeModelRow(database_, model, static_cast<int64_t>(model.elements.chunks().size()));
+        transaction.commit();
+    } catch (const SqliteFailure& failure) {
+        throw FileProblem(sqliteReason(failure));
+    }
+    for (ElementStore::Chunk& chunk : model.elements.chunks()) chunk.changed = false;
+    model.tablesChanged = false;
+}
+
+void ContainerWriter::takeInLog() noexcept {
+    if (access((path_ + "-wal").c_str(), F_OK) != 0) return;
+    try {
+        open();
+        close();
+    } catch (const std::exception&) {
+        database_.close();
+    }
+}
+
+void ContainerWriter::shrink() noexcept {
+    try {
+        if (database_.isOpen()) database_.run("VACUUM");
+    } catch (const SqliteFailure&) {
+        // Nothing has changed.
+    }
+}
+
+ContainerWriter::~ContainerWriter() {
+    try {
+        if (database_.isOpen()) close();
+    } catch (const std::exception&) {
+        // Those who can still tell somebody have closed it before.
+    }
+}
+
+void ContainerWriter::close() {
+    if (!database_.isOpen() && isWholeAlone(path_)) return;
+    std::string reason;
+    try {
+        open();
+        endLog(database_);
+    } catch (const SqliteFailure& failure) {
+        reason = sqliteReason(failure);
+    }
+    database_.close();
+    if (reason.empty() && !isWholeAlone(path_)) reason = "another program reads it. Close it there.";
+    if (reason.empty()) return;
+    throw FileProblem("its last changes are in \"" + hostName(path_) + "-wal\" and couldn't be brought into it: " +
+                      reason + " Keep the two together until it has been opened and closed again.");
+}
+
+}  // namespace host

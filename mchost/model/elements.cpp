@@ -1,0 +1,269 @@
+// Elements and descriptors to and from the open design files.
+#include <algorithm>
+#include <cstring>
+#include <functional>
+
+#include "mchost/element/range.h"
+#include "mchost/mdl/modify.h"
+#include "mchost/model/model.h"
+#include "mchost/base/guard.h"
+
+namespace host {
+namespace {
+
+using Unit = std::vector<StoredNode>;
+
+void flatten(const ElementDescr* node, uint32_t depth, Unit& unit) {
+    unit.push_back({depth, node->element});
+    for (const ElementDescr* child = node->firstChild; child != nullptr; child = child->next) {
+        flatten(child, depth + 1, unit);
+    }
+}
+
+Unit unitOf(const ElementDescr* node) {
+    Unit unit;
+    flatten(node, 0, unit);
+    return unit;
+}
+
+// Whether the model can take the unit; a line in the message centre when it can't.
+bool canBeStored(const ModelRef& model, std::span<const StoredNode> unit) {
+    const bool sound = std::ranges::all_of(
+        unit, [](const StoredNode& n) { return n.element != nullptr && elementIsSound(n.element, MDL_ELEMENT_BYTES); });
+    if (!sound) {
+        fileProblem("An element isn't stored: its size and the offset of its attributes don't fit. Build it anew.");
+    } else if (ElementStore::unitBytes(unit) > ElementStore::maxUnitBytes) {
+        fileProblem("An element isn't stored: it is larger than 256 MB with its components. Divide it.");
+    } else if (std::ranges::max(unit, {}, &StoredNode::depth).depth > ElementStore::maxDepth) {
+        fileProblem("An element isn't stored: cells in it are nested deeper than 500 times. Take some of them apart.");
+    } else if (model.elements.nextPosition() == UINT32_MAX) {
+        fileProblem("An element isn't stored: the file has had all the elements that it can number. Copy it.");
+    } else {
+        return true;
+    }
+    return false;
+}
+
+void noteStored(ModelRef& model, FilePos position, std::span<const StoredNode> unit) {
+    if (model.unstoredLevels != 0) {
+        for (const StoredNode& node : unit) storeLevel(model, node.element->head.level);
+    }
+    updateRange(model, position);
+}
+
+FilePos addUnit(ModelRef& model, std::span<const StoredNode> unit) {
+    const FilePos position = model.elements.add(unit);
+    noteStored(model, position, unit);
+    return position;
+}
+
+// Runs a change of the element at the position, so that it can be taken back.
+template <class Body>
+void change(ModelRef& model, FilePos position, bool isDeletion, Body body) {
+    model.changes.push_back({position, model.elements.record(position), isDeletion});
+    try {
+        body();
+    } catch (...) {
+        model.changes.pop_back();
+        throw;
+    }
+}
+
+FilePos replaceUnit(ModelRef& model, FilePos position, std::span<const StoredNode> unit) {
+    change(model, position, false, [&] { model.elements.replace(position, unit); });
+    noteStored(model, position, unit);
+    return position;
+}
+
+void removeUnit(ModelRef& model, FilePos position) {
+    change(model, position, true, [&] { model.elements.remove(position); });
+    updateRange(model, position);
+}
+
+Unit unitOf(const RecordHead* record) {
+    Unit unit;
+    forEachNode(record, [&](const StoredNode& node) { unit.push_back(node); });
+    return unit;
+}
+
+// Takes back the last change that `which` accepts; its position, or 0 when there is none.
+template <class Which>
+FilePos takeBack(Which which) {
+    ModelRef* model = openModel(nullptr);
+    if (model == nullptr) return 0;
+    const auto last = std::find_if(model->changes.rbegin(), model->changes.rend(), which);
+    if (last == model->changes.rend()) return 0;
+    const auto [position, before, isDeletion] = *last;
+    if (isDeletion) {
+        model->elements.restore(position);
+    } else {
+        model->elements.replace(position, unitOf(before));
+    }
+    model->changes.erase(std::next(last).base());
+    updateRange(*model, position);
+    return position;
+}
+
+// The units of a chain; empty when one of them can't be stored.
+std::vector<Unit> chainUnits(const ModelRef& model, const ElementDescr* first) {
+    std::vector<Unit> units;
+    for (const ElementDescr* node = first; node != nullptr; node = node->next) {
+        units.push_back(unitOf(node));
+        if (!canBeStored(model, units.back())) return {};
+    }
+    return units;
+}
+
+void addAsLastChild(ElementDescr* parent, ElementDescr* child) {
+    child->parent = parent;
+    child->previous = parent->lastChild;
+    (parent->lastChild ? parent->lastChild->next : parent->firstChild) = child;
+    parent->lastChild = child;
+}
+
+// Writes what a modification made of the element at the position.
+bool storeModified(ModelRef& model, ElementDescr* ed, FilePos position) {
+    if (writableModel(&model) == nullptr) return false;
+    if (ed == nullptr) {
+        removeUnit(model, position);
+        return true;
+    }
+    for (ElementDescr* node = ed; node != nullptr; node = node->next) node->model = &model;
+    mdlElmdscr_validate(ed, &model);
+    return mdlElmdscr_rewrite(ed, position) != 0;
+}
+
+}  // namespace
+
+ElementDescr* readUnit(const ModelRef& model, FilePos position, ModelRef* owner, uint32_t& count) {
+    std::vector<ElementDescr*> path;  // from the element to the last node read
+    bool complete = true;
+    forEachNode(model.elements.record(position), [&](const StoredNode& stored) {
+        ElementDescr* node = nullptr;
+        if (!complete || mdlElmdscr_new(&node, owner, stored.element) != MDL_SUCCESS) {
+            complete = false;
+            return;
+        }
+        if (stored.depth != 0) {
+            path.resize(stored.depth);
+            addAsLastChild(path.back(), node);
+        }
+        path.push_back(node);
+        ++count;
+    });
+    ElementDescr* top = path.empty() ? nullptr : path.front();
+    if (!complete) {
+        mdlElmdscr_freeAll(&top);
+        count = 0;
+    } else {
+        top->filePos = position;
+    }
+    return top;
+}
+
+}  // namespace host
+
+using namespace host;
+
+// ---- elements ----
+
+uint32_t mdlElement_read(MSElementBuffer* out, ModelRef* model, FilePos position) {
+    const ModelRef* found = openModel(model);
+    const MSElementBuffer* element = found ? found->elements.element(position) : nullptr;
+    if (element == nullptr || out == nullptr) return 0;
+    std::memcpy(out, element, elementBytes(element));
+    return elementBytes(element);
+}
+
+FilePos mdlElement_add(const MSElementBuffer* element) {
+    return guarded<FilePos>(0, [&]() -> FilePos {
+        ModelRef* model = writableModel(nullptr);
+        const StoredNode unit[] = {{0, element}};
+        return model && canBeStored(*model, unit) ? addUnit(*model, unit) : 0;
+    });
+}
+
+FilePos mdlElement_rewrite(const MSElementBuffer* element, FilePos position) {
+    return guarded<FilePos>(0, [&]() -> FilePos {
+        ModelRef* model = writableModel(nullptr);
+        if (model == nullptr || !model->elements.isLive(position)) return 0;
+        Unit unit = unitOf(model->elements.record(position));
+        unit.front().element = element;
+        return canBeStored(*model, unit) ? replaceUnit(*model, position, unit) : 0;
+    });
+}
+
+int mdlElement_undoableDelete(const MSElementBuffer*, FilePos position, int32_t) {
+    return guarded(int{MDL_ERROR}, [&]() -> int {
+        ModelRef* model = writableModel(nullptr);
+        if (model == nullptr || !model->elements.isLive(position)) return MDL_ERROR;
+        removeUnit(*model, position);
+        return MDL_SUCCESS;
+    });
+}
+
+FilePos mdlUndo_lastDelete(void) {
+    return guarded<FilePos>(0, [] { return takeBack(std::mem_fn(&Change::isDeletion)); });
+}
+
+FilePos mdlUndo_lastChange(void) {
+    return guarded<FilePos>(0, [] { return takeBack([](const Change&) { return true; }); });
+}
+
+// ---- descriptors ----
+
+uint32_t mdlElmdscr_read(ElementDescr** edPP, FilePos position, ModelRef* model) {
+    if (edPP == nullptr) return 0;
+    *edPP = nullptr;
+    return guarded<uint32_t>(0, [&]() -> uint32_t {
+        ModelRef* found = openModel(model);
+        if (found == nullptr || !found->elements.isLive(position)) return 0;
+        uint32_t count = 0;
+        *edPP = readUnit(*found, position, found, count);
+        return count;
+    });
+}
+
+uint32_t mdlElmdscr_readToMaster(ElementDescr** edPP, FilePos position, ModelRef* model) {
+    return mdlElmdscr_read(edPP, position, model);
+}
+
+FilePos mdlElmdscr_add(ElementDescr* ed) {
+    return guarded<FilePos>(0, [&]() -> FilePos {
+        ModelRef* model = ed ? writableModel(ed->model) : nullptr;
+        if (model == nullptr) return 0;
+        FilePos first = 0;
+        for (const Unit& unit : chainUnits(*model, ed)) {
+            const FilePos position = addUnit(*model, unit);
+            if (first == 0) first = position;
+        }
+        return first;
+    });
+}
+
+FilePos mdlElmdscr_rewrite(ElementDescr* ed, FilePos position) {
+    return guarded<FilePos>(0, [&]() -> FilePos {
+        ModelRef* model = ed ? writableModel(ed->model) : nullptr;
+        if (model == nullptr || !model->elements.isLive(position)) return 0;
+        const std::vector<Unit> units = chainUnits(*model, ed);
+        if (units.empty()) return 0;
+        replaceUnit(*model, position, units.front());
+        for (const Unit& unit : std::span(units).subspan(1)) addUnit(*model, unit);
+        return position;
+    });
+}
+
+// ---- modify ----
+
+int mdlModify_elementSingle(ModelRef* model, FilePos position, int32_t request, int32_t, MdlModifyFunction f,
+                            void* userArg, int32_t) {
+    return guarded(0, [&] {
+        ModelRef* found = openModel(model);
+        ElementDescr* ed = nullptr;
+        if (found == nullptr || mdlElmdscr_read(&ed, position, found) == 0) return 0;
+        int changes = mdlModify_elementDescr2(&ed, found, request, f, userArg, 0);
+        if (changes != 0 && !storeModified(*found, ed, position)) changes = 0;
+        mdlElmdscr_freeAll(&ed);
+        return changes;
+    });
+}

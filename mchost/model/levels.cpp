@@ -1,0 +1,247 @@
+// Levels of a model, and what elements take from them.
+#include "mchost/mdl/level.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <memory>
+
+#include "mchost/mdl/element.h"
+#include "mchost/model/model.h"
+#include "mchost/model/table_rules.h"
+#include "mchost/base/guard.h"
+#include "mchost/session/session.h"
+
+namespace host {
+namespace {
+
+constexpr int32_t firstFreeCode = 64;  // codes below belong to "Level 1" to "Level 63"
+constexpr int32_t colorByLevel = -1, weightByLevel = -1, styleByLevel = 0x7FFFFFFF;
+
+Level* findLevel(ModelRef& model, LevelId id) {
+    const auto found = std::ranges::lower_bound(model.levels, id, {}, &Level::id);
+    return found != model.levels.end() && found->id == id ? &*found : nullptr;
+}
+
+const Level* levelByName(const ModelRef* model, const wchar_t* name) {
+    return model && name ? host::findLevel(*model, std::wstring_view(name)) : nullptr;
+}
+
+bool codeIsFree(const ModelRef& model, int32_t code) {
+    return std::ranges::find(model.levels, code, &Level::code) == model.levels.end();
+}
+
+// The N of a name "Level N" or "N" with N from 1 to 63; 0 for every other name.
+int32_t numberInName(std::wstring_view name) {
+    constexpr std::wstring_view prefix = L"Level ";
+    if (name.starts_with(prefix)) name.remove_prefix(prefix.size());
+    if (name.empty() || name.size() > 2 || name.front() == L'0') return 0;
+    int32_t number = 0;
+    for (const wchar_t c : name) {
+        if (c < L'0' || c > L'9') return 0;
+        number = 10 * number + (c - L'0');
+    }
+    return number < firstFreeCode ? number : 0;
+}
+
+int32_t codeFor(const ModelRef& model, std::wstring_view name) {
+    const int32_t number = numberInName(name);
+    if (number != 0 && codeIsFree(model, number)) return number;
+    int32_t code = firstFreeCode;
+    for (const Level& level : model.levels) code = std::max(code, level.code + 1);
+    return code;
+}
+
+template <class Value>
+void takeIfGiven(Value& to, const Value* from) {
+    if (from) to = *from;
+}
+
+// The levels of the session itself; emptied when it ends.
+std::unique_ptr<ModelRef> ownLevels;
+
+ModelRef* sessionLevels() {
+    if (Session::current() == nullptr) return nullptr;
+    static const bool watching = (observeSessionEnd([] { ownLevels.reset(); }), true);
+    (void)watching;
+    if (!ownLevels) {
+        ownLevels = std::make_unique<ModelRef>();
+        addFirstLevel(*ownLevels);
+    }
+    return ownLevels.get();
+}
+
+// As levelModel, of what can be written; null with a line in the message centre.
+ModelRef* writableLevelModel(ModelRef* model) {
+    ModelRef* found = levelModel(model);
+    return found != nullptr && found == ownLevels.get() ? found : writableModel(model);
+}
+
+// Changes a level of a model that can be written.
+template <class Change>
+int changeLevel(ModelRef* model, LevelId id, Change apply) {
+    return guarded(int{MDL_ERROR}, [&]() -> int {
+        ModelRef* found = writableLevelModel(model);
+        Level* level = found ? findLevel(*found, id) : nullptr;
+        if (level == nullptr) return MDL_ERROR;
+        apply(*level);
+        level->fromCells = false;
+        if (level->stored) found->tablesChanged = true;
+        return MDL_SUCCESS;
+    });
+}
+
+}  // namespace
+
+ModelRef* levelModel(ModelRef* model) {
+    ModelRef* found = openModel(model);
+    return found != nullptr || model != nullptr ? found : guarded<ModelRef*>(nullptr, sessionLevels);
+}
+
+void addFirstLevel(ModelRef& model) {
+    model.levels.push_back({.id = 1, .code = 0, .name = L"Default", .stored = true});
+    model.nextLevel = 2;
+}
+
+const Level* findLevel(const ModelRef& model, LevelId id) {
+    return findLevel(const_cast<ModelRef&>(model), id);
+}
+
+const Level* findLevel(const ModelRef& model, std::wstring_view name) {
+    const auto found = std::ranges::find(model.levels, name, &Level::name);
+    return found != model.levels.end() ? &*found : nullptr;
+}
+
+Level& addLevel(ModelRef& model, std::wstring_view name) {
+    const int32_t code = codeFor(model, name);
+    Level& level = model.levels.emplace_back(
+        Level{.id = model.nextLevel, .code = code, .name = std::wstring(name), .stored = false});
+    ++model.unstoredLevels;
+    ++model.nextLevel;
+    return level;
+}
+
+void storeLevel(ModelRef& model, LevelId id) {
+    Level* level = findLevel(model, id);
+    if (level == nullptr || level->stored) return;
+    level->stored = true;
+    level->fromCells = false;
+    --model.unstoredLevels;
+    model.tablesChanged = true;
+}
+
+}  // namespace host
+
+using namespace host;
+
+int mdlLevel_isValidByName(ModelRef* model, const wchar_t* name) {
+    return levelByName(levelModel(model), name) != nullptr;
+}
+
+int mdlLevel_getIdFromName(LevelId* idP, ModelRef* model, LevelId, const wchar_t* name) {
+    const Level* level = levelByName(levelModel(model), name);
+    if (level == nullptr) return MDL_ERROR;
+    if (idP) *idP = level->id;
+    return MDL_SUCCESS;
+}
+
+int mdlLevel_getIdFromCode(LevelId* idP, ModelRef* model, int32_t code) {
+    const ModelRef* found = levelModel(model);
+    if (found == nullptr) return MDL_ERROR;
+    const auto level = std::ranges::find(found->levels, code, &Level::code);
+    if (level == found->levels.end()) return MDL_ERROR;
+    if (idP) *idP = level->id;
+    return MDL_SUCCESS;
+}
+
+int mdlLevel_getName(wchar_t* name, int32_t size, ModelRef* model, LevelId id) {
+    const ModelRef* found = levelModel(model);
+    const Level* level = found ? findLevel(*found, id) : nullptr;
+    if (level == nullptr || name == nullptr || size <= 0) return MDL_ERROR;
+    const size_t copied = std::min(level->name.size(), static_cast<size_t>(size - 1));
+    std::wmemcpy(name, level->name.data(), copied);
+    name[copied] = L'\0';
+    return copied == level->name.size() ? int{MDL_SUCCESS} : int{MDL_ERROR};
+}
+
+int mdlLevel_getCode(int32_t* codeP, ModelRef* model, LevelId id) {
+    const ModelRef* found = levelModel(model);
+    const Level* level = found ? findLevel(*found, id) : nullptr;
+    if (level == nullptr) return MDL_ERROR;
+    if (codeP) *codeP = level->code;
+    return MDL_SUCCESS;
+}
+
+int mdlLevel_getNextId(LevelId* idP, ModelRef* model) {
+    const ModelRef* found = levelModel(model);
+    if (found == nullptr || idP == nullptr) return MDL_ERROR;
+    const auto next = std::ranges::upper_bound(found->levels, *idP, {}, &Level::id);
+    if (next == found->levels.end()) return MDL_ERROR;
+    *idP = next->id;
+    return MDL_SUCCESS;
+}
+
+int mdlLevel_create(LevelId* idP, ModelRef* model, const wchar_t* name) {
+    return guarded(int{MDL_ERROR}, [&]() -> int {
+        if (name == nullptr || !isTableName(name)) return MDL_ERROR;
+        ModelRef* found = writableLevelModel(model);
+        if (found == nullptr || levelByName(found, name) != nullptr) return MDL_ERROR;
+        const Level& level = addLevel(*found, name);
+        if (idP) *idP = level.id;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlLevel_setElementSymbology(ModelRef* model, LevelId id, const uint32_t* color, const int32_t* style,
+                                 const void* styleParams, const uint32_t* weight, const uint32_t* fillColor) {
+    const auto* params = static_cast<const LineStyleParams*>(styleParams);
+    if (params && !isFinite(*params)) return MDL_ERROR;
+    return changeLevel(model, id, [&](Level& level) {
+        takeIfGiven(level.byLevel.color, color);
+        takeIfGiven(level.byLevel.style, style);
+        takeIfGiven(level.byLevel.styleParams, params);
+        takeIfGiven(level.byLevel.weight, weight);
+        takeIfGiven(level.byLevel.fillColor, fillColor);
+    });
+}
+
+int mdlLevel_setSymbology(ModelRef* model, LevelId id, uint32_t color, int32_t style, uint32_t weight) {
+    return changeLevel(model, id, [&](Level& level) { level.override = {color, style, weight}; });
+}
+
+int mdlLevel_getElementSymbology(uint32_t* color, int32_t* style, uint32_t* weight, ModelRef* model, LevelId id) {
+    const ModelRef* found = levelModel(model);
+    const Level* level = found ? findLevel(*found, id) : nullptr;
+    if (level == nullptr) return MDL_ERROR;
+    if (color) *color = level->byLevel.color;
+    if (style) *style = level->byLevel.style;
+    if (weight) *weight = level->byLevel.weight;
+    return MDL_SUCCESS;
+}
+
+int mdlLevelTable_rewrite(ModelRef* model) {
+    return guarded(int{MDL_ERROR}, [&]() -> int {
+        ModelRef* found = writableLevelModel(model);
+        if (found == nullptr) return MDL_ERROR;
+        for (Level& level : found->levels) level.stored = level.stored || !level.fromCells;
+        found->unstoredLevels = static_cast<uint32_t>(std::ranges::count(found->levels, false, &Level::stored));
+        found->tablesChanged = true;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlElement_getEffectiveSymbology(int32_t* color, int32_t* weight, int32_t* style, double* styleScale,
+                                     double* styleWidth, const MSElementBuffer* element, ModelRef* model) {
+    if (element == nullptr) return MDL_ERROR;
+    const ElementHead& head = element->head;
+    const ModelRef* found = levelModel(model);
+    const Level* level = found ? findLevel(*found, head.level) : nullptr;
+    const LevelSymbology byLevel = level ? level->byLevel : LevelSymbology{};
+    LineStyleParams params = byLevel.styleParams;
+    if (head.style != styleByLevel && mdlElement_getLineStyleParams(&params, element) != MDL_SUCCESS) params = {};
+    if (color) *color = head.color == colorByLevel ? static_cast<int32_t>(byLevel.color) : head.color;
+    if (weight) *weight = head.weight == weightByLevel ? static_cast<int32_t>(byLevel.weight) : head.weight;
+    if (style) *style = head.style == styleByLevel ? byLevel.style : head.style;
+    if (styleScale) *styleScale = params.modifiers & LINE_STYLE_SCALE ? params.scale : 1;
+    if (styleWidth) *styleWidth = params.modifiers & LINE_STYLE_START_WIDTH ? params.startWidth : 0;
+    return MDL_SUCCESS;
+}

@@ -1,0 +1,70 @@
+#include "mchost/model/table_rules.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <string>
+
+#include "mchost/base/utf8.h"
+
+namespace host {
+namespace {
+
+constexpr int32_t greatestNumber = INT32_MAX / 2;  // of a level; what memory holds never counts up to the type's end
+
+bool levelsAreSound(const ModelRef& model) {
+    LevelId before = 0;
+    for (const Level& level : model.levels) {
+        if (level.id <= before || level.code < 0 || level.code > greatestNumber) return false;
+        if (!isTableName(level.name) || !isFinite(level.byLevel.styleParams)) return false;
+        before = level.id;
+    }
+    return before < model.nextLevel && model.nextLevel <= greatestNumber;
+}
+
+bool lineStylesAreSound(const ModelRef& model) {
+    int32_t next = -1;
+    return std::ranges::all_of(model.lineStyles, [&](const LineStyle& style) {
+        return style.number == next-- && isLineStyleName(style.name) && isDashPattern(style.pattern);
+    });
+}
+
+bool textStylesAreSound(const ModelRef& model) {
+    return std::ranges::all_of(model.textStyles, [](const auto& named) {
+        const auto& [name, style] = named;
+        return isTableName(name) && isFinite(style);
+    });
+}
+
+}  // namespace
+
+bool isTableName(std::wstring_view name) {
+    const bool hasNul = name.find(L'\0') != std::wstring_view::npos;
+    return !name.empty() && name.size() <= longestTableName && !hasNul && isUnicode(name);
+}
+
+bool isLineStyleName(std::string_view name) {
+    return !name.empty() && name.size() < lineStyleNameBytes && name.find('\0') == std::string_view::npos;
+}
+
+bool isDashPattern(std::span<const double> pattern) {
+    return pattern.size() <= mostDashes &&
+           std::ranges::all_of(pattern, [](double length) { return std::isfinite(length) && length >= 0; });
+}
+
+bool isFinite(const LineStyleParams& params) {
+    return std::isfinite(params.scale) && std::isfinite(params.startWidth) && std::isfinite(params.endWidth);
+}
+
+bool isFinite(const TextStyle& style) {
+    const auto& [params, size] = style;
+    return std::isfinite(params.slant) && std::isfinite(params.lineSpacing) && std::isfinite(size.width) &&
+           std::isfinite(size.height) && std::isfinite(size.aspect);
+}
+
+bool tablesAreSound(const ModelRef& model) {
+    return std::isfinite(model.uorPerMaster) && model.uorPerMaster > 0 && levelsAreSound(model) &&
+           lineStylesAreSound(model) && textStylesAreSound(model);
+}
+
+}  // namespace host

@@ -1,0 +1,24 @@
+// What levels and styles may be called and hold: calls and files are held to the same.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "mchost/model/model.h"
+
+namespace host {
+
+constexpr size_t longestTableName = 511;   // characters of the name of a level or a text style
+constexpr size_t lineStyleNameBytes = 64;  // with the NUL
+constexpr size_t mostDashes = 32;
+
+bool isTableName(std::wstring_view name);
+bool isLineStyleName(std::string_view name);
+bool isDashPattern(std::span<const double> pattern);
+bool isFinite(const LineStyleParams& params);
+bool isFinite(const TextStyle& style);
+
+// Whether all of that holds for a model's tables, each thing has its own number, and new ones will have theirs.
+bool tablesAreSound(const ModelRef& model);
+
+}  // namespace host

@@ -1,0 +1,66 @@
+// A sheet of paper that cairo draws on, and the pen for it.
+#pragma once
+
+#include <cairo.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "mchost/picture/drawing.h"
+
+namespace host {
+
+// A colour of an element on light ground, by its index modulo 16.
+struct PaperColor {
+    double red, green, blue;
+};
+PaperColor paperColor(int32_t index);
+
+// On paper, in millimetres: the width of the pen that an element is drawn with, mmPerMaster to a master unit, and the
+// dashes and gaps of its line in turn, none for a solid one.
+double penWidth(const Look& look, double mmPerMaster);
+std::vector<double> dashesOf(const Look& look, double mmPerMaster);
+
+enum class PictureKind { png, svg, pdf };
+
+// A page of paper with a picture on it, which is cut off behind the pens of lines on its edges. Millimetres from the
+// upper left corner.
+struct Page {
+    double widthMm, heightMm;
+    double left, top;     // where the picture begins
+    bool turned = false;  // by a quarter turn counter-clockwise
+};
+
+class Sheet {
+  public:
+    // The sheet shows `range`, seen from above, on widthMm of paper. SVG and PDF are written to the file at `path` as
+    // they are drawn.
+    Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi);
+    // The same on a page.
+    Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi,
+          const Page& page);
+
+    double tolerance() const;  // of strokes, in UOR: what the picture can't show
+    Pen pen();
+    // Writes what was drawn, down to the disk; a text that tells what failed, or null.
+    const char* finish();
+
+  private:
+    Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi, double pageWidth,
+          double pageHeight);
+    void line(const std::vector<Point3d>& points, const Look& look);
+    void text(const TextView& text, const Look& look);
+    void setDashes(const Look& look, double mmPerMaster);
+    Point3d onPaper(const Point3d& p) const;
+
+    PictureKind kind_;
+    std::unique_ptr<std::FILE, decltype(&std::fclose)> file_;  // null: it couldn't be opened
+    Range3d range_;
+    double scale_;      // mm for a UOR
+    double precision_;  // mm
+    std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface_;
+    std::unique_ptr<cairo_t, decltype(&cairo_destroy)> pen_;
+};
+
+}  // namespace host

@@ -1,0 +1,147 @@
+// Standard views, and descriptors in the windows of dialogs.
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "mchost/dialog/registry.h"
+#include "mchost/mdl/dialog.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/view.h"
+#include "mchost/picture/sheet.h"
+#include "mchost/base/guard.h"
+
+using namespace host;
+
+namespace {
+
+// clang-format off
+constexpr auto standardViews = std::to_array<RotMatrix>({
+    {{{ 1,  0, 0}, { 0,  1, 0}, { 0,  0,  1}}},  // top
+    {{{ 1,  0, 0}, { 0, -1, 0}, { 0,  0, -1}}},  // bottom
+    {{{ 0, -1, 0}, { 0,  0, 1}, {-1,  0,  0}}},  // left
+    {{{ 0,  1, 0}, { 0,  0, 1}, { 1,  0,  0}}},  // right
+    {{{ 1,  0, 0}, { 0,  0, 1}, { 0, -1,  0}}},  // front
+    {{{-1,  0, 0}, { 0,  0, 1}, { 0,  1,  0}}},  // back
+});
+// clang-format on
+
+// From UOR to pixels: the largest even scale at which the volume fits the rectangle, y downwards.
+class WindowMap {
+  public:
+    WindowMap(const DialogRect& rect, const RotMatrix& matrix, const Point3d& origin, const Point3d& extent)
+        : matrix_(matrix), origin_(origin) {
+        const double width = rect.right - rect.left, height = rect.bottom - rect.top;
+        const double x = std::max(extent.x, 0.0), y = std::max(extent.y, 0.0);
+        if (x > 0 || y > 0) scale_ = std::min(x > 0 ? width / x : HUGE_VAL, y > 0 ? height / y : HUGE_VAL);
+        left_ = rect.left + (width - x * scale_) / 2;
+        bottom_ = rect.bottom - (height - y * scale_) / 2;
+    }
+    double scale() const { return scale_; }
+    bool isUsable() const { return std::isfinite(left_) && std::isfinite(bottom_) && scale_ > 0; }
+    Point3d at(const Point3d& p) const {
+        const Point3d seen = rotate(matrix_, p - origin_);
+        return {left_ + seen.x * scale_, bottom_ - seen.y * scale_, 0};
+    }
+
+  private:
+    RotMatrix matrix_;
+    Point3d origin_;
+    double scale_ = 1, left_, bottom_;
+};
+
+// What lies far off the window is brought nearer: cairo counts in fixed numbers that would overflow.
+double nearby(double value) {
+    constexpr double farOff = 1e6;
+    return std::clamp(value, -farOff, farOff);
+}
+
+int32_t pixel(double value) {
+    return static_cast<int32_t>(std::lround(nearby(value)));
+}
+
+constexpr double screenPixelsPerMm = 96 / 25.4;
+
+// Draws into the display list of a dialog.
+class WindowPen {
+  public:
+    WindowPen(Dialog& dialog, const WindowMap& map)
+        : dialog_(dialog),
+          map_(map),
+          pixelsPerMm_(dialog.paper().pixelsPerMm > 0 ? dialog.paper().pixelsPerMm : screenPixelsPerMm) {}
+
+    bool adjust(const MSElementBuffer* element, Look& look) const {
+        const MdlPaper& paper = dialog_.paper();
+        if (!paper.look) return true;
+        MdlElementLook shown{look.color, look.gray};
+        if (paper.look(&shown, element, paper.userArg) != 0) return false;
+        look.color = shown.color;
+        look.gray = shown.gray;
+        return true;
+    }
+
+    void line(const std::vector<Point3d>& points, const Look& look) {
+        DrawCall call{.kind = DrawCall::Kind::line, .color = look.color, .filled = look.filled};
+        const double mmPerMaster = mdlModelRef_getUorPerMaster(look.model) * map_.scale() / pixelsPerMm_;
+        PaperLine paper{{}, penWidth(look, mmPerMaster) * pixelsPerMm_, dashesOf(look, mmPerMaster), look.gray};
+        for (double& length : paper.dashes) length *= pixelsPerMm_;
+        for (const Point3d& p : points) {
+            const Point3d at = map_.at(p);
+            paper.points.insert(paper.points.end(), {nearby(at.x), nearby(at.y)});
+            call.points.insert(call.points.end(), {pixel(at.x), pixel(at.y)});
+        }
+        call.paper = std::move(paper);
+        dialog_.add(std::move(call));
+    }
+
+    void text(const TextView& text, const Look& look) {
+        const TextBox box = textBox(text);
+        const Point3d at = map_.at(box.lowerLeft);
+        const Point3d along = map_.at(box.lowerLeft + box.along) - at, up = map_.at(box.lowerLeft + box.up) - at;
+        DrawCall call{.kind = DrawCall::Kind::text, .font = dialog_.font(), .color = look.color};
+        call.rect = {pixel(at.x + up.x), pixel(at.y + up.y), pixel(at.x + along.x), pixel(at.y + along.y)};
+        call.box = DrawnTextBox{at.x, at.y, along.x, along.y, up.x, up.y};
+        for (uint32_t i = 0; i < text.body.count; ++i) call.text.push_back(static_cast<char>(textCharacter(text, i)));
+        dialog_.add(std::move(call));
+    }
+
+  private:
+    Dialog& dialog_;
+    const WindowMap& map_;
+    double pixelsPerMm_;
+};
+
+}  // namespace
+
+int mdlView_getStandard(RotMatrix* matrix, int32_t view) {
+    if (!matrix || view < 1 || view > static_cast<int32_t>(standardViews.size())) return MDL_ERROR;
+    *matrix = standardViews[static_cast<size_t>(view) - 1];
+    return MDL_SUCCESS;
+}
+
+int mdlWindow_setPaper(MdlDialog* window, const MdlPaper* paper) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto dialog = dialogOf(window);
+        if (!dialog) return MDL_ERROR;
+        dialog->setPaper(paper ? *paper : MdlPaper{});
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlElmdscr_displayToWindow(MdlDialog* window, const DialogRect* rect, const ViewFlags*, ElementDescr* ed,
+                               const RotMatrix* matrix, const Point3d* origin, const Point3d* extent, int32_t,
+                               int32_t) {
+    if (!window || !rect || !ed || !matrix || !origin || !extent) return MDL_ERROR;
+    if (rect->right <= rect->left || rect->bottom <= rect->top) return MDL_ERROR;
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const auto dialog = dialogOf(window);
+        const WindowMap map(*rect, *matrix, *origin, *extent);
+        if (!dialog || !map.isUsable()) return MDL_ERROR;
+        constexpr double tolerance = 0.5;  // pixels
+        WindowPen pen(*dialog, map);
+        draw(ed, nullptr, tolerance / map.scale(),
+             {[&](const auto& points, const Look& look) { pen.line(points, look); },
+              [&](const TextView& text, const Look& look) { pen.text(text, look); },
+              [&](const MSElementBuffer* element, Look& look) { return pen.adjust(element, look); }});
+        return MDL_SUCCESS;
+    });
+}

@@ -1,0 +1,104 @@
+// List models: rows of cells.
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "mchost/mdl/lists.h"
+#include "mchost/base/guard.h"
+
+namespace {
+
+struct Cell {
+    std::string text;
+    int32_t value = 0;
+    uint32_t editorType = 0;  // 0: no editor
+    int32_t editorId = 0;
+};
+
+}  // namespace
+
+struct ListModel {
+    int32_t columns;
+    std::vector<std::vector<Cell>> rows;
+};
+
+namespace {
+
+int32_t rowsOf(const ListModel& model) {
+    return static_cast<int32_t>(model.rows.size());
+}
+
+Cell* cellAt(const ListModel* model, int32_t row, int32_t column) {
+    if (!model || row < 0 || row >= rowsOf(*model) || column < 0 || column >= model->columns) return nullptr;
+    return const_cast<Cell*>(&model->rows[static_cast<size_t>(row)][static_cast<size_t>(column)]);
+}
+
+}  // namespace
+
+ListModel* mdlListModel_create(int32_t columns) {
+    return host::guarded<ListModel*>(nullptr, [&]() -> ListModel* {
+        return columns < 1 ? nullptr : new ListModel{columns, {}};
+    });
+}
+
+void mdlListModel_destroy(ListModel* model) {
+    delete model;
+}
+
+int32_t mdlListModel_rowCount(const ListModel* model) {
+    return model ? rowsOf(*model) : 0;
+}
+
+int32_t mdlListModel_columnCount(const ListModel* model) {
+    return model ? model->columns : 0;
+}
+
+int32_t mdlListModel_addRow(ListModel* model) {
+    return host::guarded<int32_t>(-1, [&]() -> int32_t {
+        if (!model) return -1;
+        model->rows.emplace_back(static_cast<size_t>(model->columns));
+        return rowsOf(*model) - 1;
+    });
+}
+
+int mdlListModel_removeRow(ListModel* model, int32_t row) {
+    if (!cellAt(model, row, 0)) return MDL_ERROR;
+    model->rows.erase(model->rows.begin() + row);
+    return MDL_SUCCESS;
+}
+
+int mdlListModel_setText(ListModel* model, int32_t row, int32_t column, const char* text) {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        Cell* cell = cellAt(model, row, column);
+        if (!cell || !text) return MDL_ERROR;
+        cell->text = std::string(text);
+        return MDL_SUCCESS;
+    });
+}
+
+const char* mdlListModel_getText(const ListModel* model, int32_t row, int32_t column) {
+    const Cell* cell = cellAt(model, row, column);
+    return cell ? cell->text.c_str() : nullptr;
+}
+
+int mdlListModel_setValue(ListModel* model, int32_t row, int32_t column, int32_t value) {
+    Cell* cell = cellAt(model, row, column);
+    if (!cell) return MDL_ERROR;
+    cell->value = value;
+    return MDL_SUCCESS;
+}
+
+int mdlListModel_getValue(int32_t* valueP, const ListModel* model, int32_t row, int32_t column) {
+    const Cell* cell = cellAt(model, row, column);
+    if (!cell) return MDL_ERROR;
+    if (valueP) *valueP = cell->value;
+    return MDL_SUCCESS;
+}
+
+int mdlListModel_setEditor(ListModel* model, int32_t row, int32_t column, uint32_t itemType, int32_t itemId) {
+    Cell* cell = cellAt(model, row, column);
+    if (!cell) return MDL_ERROR;
+    cell->editorType = itemType;
+    cell->editorId = itemId;
+    return MDL_SUCCESS;
+}

@@ -1,0 +1,222 @@
+#include "mchost/session/applications.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
+
+#include "mchost/mdl/files.h"
+#include "mchost/mdl/system.h"
+#include "mchost/base/guard.h"
+#include "mchost/session/state.h"
+#include "mchost/base/charset.h"
+#include "mchost/base/paths.h"
+
+namespace host {
+
+namespace {
+
+using Observer = void (*)(MdlDesc*);
+
+std::vector<Observer>& endObservers() {
+    static std::vector<Observer> observers;
+    return observers;
+}
+
+bool sameName(std::string_view a, std::string_view b) {
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
+    return std::ranges::equal(a, b, [&](char x, char y) { return lower(x) == lower(y); });
+}
+
+MdlDesc* addApplication(Session::State& state, std::string_view taskName, std::string_view argv0,
+                        std::string_view listName, const std::vector<std::string>& arguments) {
+    auto desc = std::make_unique<MdlDesc>();
+    desc->number = static_cast<int32_t>(state.applications.size()) + 1;
+    desc->taskName = taskName;
+    desc->arguments.reserve(arguments.size() + 2);
+    desc->arguments.emplace_back(argv0.empty() ? taskName : argv0);
+    desc->arguments.emplace_back(listName);
+    desc->arguments.insert(desc->arguments.end(), arguments.begin(), arguments.end());
+    for (std::string& argument : desc->arguments) desc->argv.push_back(argument.data());
+    desc->argv.push_back(nullptr);
+    state.applications.push_back(std::move(desc));
+    return state.applications.back().get();
+}
+
+void leaveStatus(Session::State& state, int status) {
+    if (state.exitStatus == 0) state.exitStatus = status;
+}
+
+MdlDesc* runMain(Session::State& state, MdlDesc* desc, Session::MainFunction main) {
+    const ApplicationScope scope(desc);
+    const auto body = [&] { return main(static_cast<int>(desc->argv.size()) - 1, desc->argv.data()); };
+    leaveStatus(state, guarded<int>(1, body));
+    return desc;
+}
+
+MdlDesc* refuse(const std::string& brief, const std::string& details) {
+    mdlOutput_messageCenter(10, brief.c_str(), details.c_str(), 0);
+    return nullptr;
+}
+
+// The `main` of the module itself, not one of a library that it needs.
+Session::MainFunction mainOf(void* module) {
+    void* function = dlsym(module, "main");
+    void* ownHandle = nullptr;
+    Dl_info info{};
+    if (function == nullptr || dladdr(function, &info) == 0) return nullptr;
+    ownHandle = dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD);
+    if (ownHandle != nullptr) dlclose(ownHandle);
+    return ownHandle == module ? reinterpret_cast<Session::MainFunction>(function) : nullptr;
+}
+
+}  // namespace
+
+void finishApplication(MdlDesc& application) noexcept {
+    if (application.ended) return;
+    ++activeState->depth;
+    ++application.depth;  // hooks that are called now don't end it a second time
+    MdlDesc* const before = std::exchange(currentApplication, &application);
+    if (application.atEnd != nullptr) dlmSystem_callMdlFunction("", &application, application.atEnd);
+    for (size_t i = endObservers().size(); i-- > 0;)
+        guarded<int>(0, [&] { return endObservers()[i](&application), 0; });
+    std::erase_if(activeState->timers, [&](const Timer& timer) { return timer.application == &application; });
+    currentApplication = before;
+    application.ended = true;
+    --application.depth;
+    --activeState->depth;
+    if (application.module != nullptr && application.unload) dlclose(application.module);
+}
+
+MdlDesc* Session::startApplication(std::string_view taskName, MainFunction main, std::string_view listName,
+                                   const std::vector<std::string>& arguments, std::string_view argv0) {
+    return runMain(*state_, addApplication(*state_, taskName, argv0, listName, arguments), main);
+}
+
+MdlDesc* Session::loadApplication(const std::string& path, std::string_view taskName, std::string_view listName,
+                                  const std::vector<std::string>& arguments) {
+    const std::string fullPath = std::filesystem::absolute(systemPath(path)).lexically_normal();
+    void* module = dlopen(fullPath.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (module == nullptr) {
+        return refuse("Can't load the application " + path,
+                      narrowFromUtf8(dlerror()).text +
+                          ". It must be a shared object for this machine, linked with all libraries that it needs.");
+    }
+    const MainFunction main = mainOf(module);
+    if (main == nullptr) {
+        dlclose(module);
+        return refuse("Can't load the application " + path,
+                      "it has no function \"main\" that the host can see. Give it one, "
+                      "with C linkage and default visibility.");
+    }
+    MdlDesc* desc = addApplication(*state_, taskName, hostName(fullPath), listName, arguments);
+    desc->module = module;
+    desc->modulePath = fullPath;
+    return runMain(*state_, desc, main);
+}
+
+void Session::endApplication(MdlDesc* desc) {
+    if (desc == nullptr || desc->ended) return;
+    desc->ending = true;
+    if (desc->depth == 0) finishApplication(*desc);
+}
+
+std::string modulePath(MdlDesc* desc) {
+    return desc == nullptr ? std::string() : desc->modulePath;
+}
+
+void observeApplicationEnd(void (*observer)(MdlDesc* desc)) {
+    endObservers().push_back(observer);
+}
+
+void fireNewDesignFile(const char* name, int state) {
+    if (activeState == nullptr) return;
+    for (size_t i = 0; i < activeState->applications.size(); ++i) {
+        MdlDesc* desc = activeState->applications[i].get();
+        if (desc->ended || desc->newDesignFile == nullptr) continue;
+        std::string copy = name;
+        dlmSystem_callMdlFunction("PI", desc, desc->newDesignFile, copy.data(), state);
+    }
+}
+
+namespace {
+
+MdlDesc* applicationOf(int32_t processNumber) {
+    if (activeState == nullptr || processNumber < 1) return nullptr;
+    const auto index = static_cast<size_t>(processNumber) - 1;
+    if (index >= activeState->applications.size()) return nullptr;
+    MdlDesc* desc = activeState->applications[index].get();
+    return desc->ended ? nullptr : desc;
+}
+
+// The program along MS_MDL: as named, else with the suffix of a module in place of its own.
+bool findProgram(char (&path)[256], const std::string& program) {
+    const std::string module = program.substr(0, program.rfind('.')) + ".so";
+    return mdlFile_find(path, program.c_str(), "MS_MDL", "so") == MDL_SUCCESS ||
+           mdlFile_find(path, module.c_str(), "MS_MDL", nullptr) == MDL_SUCCESS;
+}
+
+}  // namespace
+
+}  // namespace host
+
+using namespace host;
+
+int32_t mdlSystem_getSessionNumber(void) {
+    return activeState == nullptr ? 0 : activeState->number;
+}
+
+MdlDesc* mdlSystem_getCurrMdlDesc(void) {
+    return currentApplication;
+}
+
+int32_t mdlSystem_getProcessNumberFromMdlDesc(MdlDesc* desc) {
+    return desc == nullptr ? 0 : desc->number;
+}
+
+MdlDesc* mdlSystem_getMdlDescFromProcessNumber(int32_t processNumber) {
+    return applicationOf(processNumber);
+}
+
+MdlDesc* mdlSystem_findMdlDesc(const char* taskName) {
+    if (activeState == nullptr || taskName == nullptr) return nullptr;
+    for (const auto& desc : activeState->applications) {
+        if (!desc->ended && sameName(desc->taskName, taskName)) return desc.get();
+    }
+    return nullptr;
+}
+
+int mdlSystem_loadMdlProgram(const char* program, const char* taskName, const char* argument) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        char path[256];
+        if (activeState == nullptr || program == nullptr || !findProgram(path, program)) return MDL_ERROR;
+        const MdlDesc* loaded = Session::current()->loadApplication(path, taskName == nullptr ? program : taskName,
+                                                                    argument == nullptr ? "USER" : argument);
+        return loaded != nullptr ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
+void mdlSystem_exit(int errorCode, int unload) {
+    if (activeState == nullptr || currentApplication == nullptr) return;
+    leaveStatus(*activeState, errorCode);
+    currentApplication->unload = unload != 0;
+    currentApplication->ending = true;
+}
+
+void mdlSystem_noteFailure(void) {
+    if (activeState != nullptr && !activeState->frontEnd->attended()) activeState->failureNoted = true;
+}
+
+int mdlSystem_failureNoted(void) {
+    return activeState != nullptr && activeState->failureNoted;
+}
+
+int mdlSystem_setFunction(int kind, void* function) {
+    if (currentApplication == nullptr) return MDL_ERROR;
+    switch (kind) {
+        case MDL_FUNCTION_NEW_DESIGN_FILE: currentApplication->newDesignFile = function; return MDL_SUCCESS;
+        case MDL_FUNCTION_END: currentApplication->atEnd = function; return MDL_SUCCESS;
+        default: return MDL_ERROR;
+    }
+}

@@ -1,0 +1,24 @@
+#include "mchost/session/keyin.h"
+
+#include "mchost/mdl/system.h"
+#include "mchost/base/guard.h"
+#include "mchost/session/state.h"
+
+namespace host {
+
+std::vector<KeyIn>& keyInQueue() {
+    static std::vector<KeyIn> ofProcess;
+    return activeState != nullptr ? activeState->keyIns : ofProcess;
+}
+
+}  // namespace host
+
+int mdlInput_sendKeyin(const char* text, int literal, int position, const char* task) {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        if (text == nullptr || position < -1) return MDL_ERROR;
+        auto& queue = host::keyInQueue();
+        const bool atEnd = position == -1 || static_cast<size_t>(position) > queue.size();
+        queue.insert(atEnd ? queue.end() : queue.begin() + position, {text, literal != 0, task == nullptr ? "" : task});
+        return MDL_SUCCESS;
+    });
+}

@@ -1,0 +1,172 @@
+// Console, message fields and message centre: narrow text from the applications, UTF-8 to the front end.
+#include <cxxabi.h>
+#include <locale.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <typeinfo>
+
+#include "mchost/mdl/resource.h"
+#include "mchost/mdl/system.h"
+#include "mchost/base/guard.h"
+#include "mchost/session/state.h"
+#include "mchost/base/charset.h"
+
+namespace host {
+
+namespace {
+
+// Nothing for a format that can't be followed.
+std::optional<std::string> formatted(const char* format, va_list arguments) {
+    char brief[512];
+    va_list again;
+    va_copy(again, arguments);
+    const int length = mdlOutput_formatText(brief, sizeof brief, format, arguments);
+    std::optional<std::string> text;
+    if (length >= 0 && static_cast<size_t>(length) < sizeof brief) {
+        text.emplace(brief, static_cast<size_t>(length));
+    } else if (length >= 0) {
+        text.emplace(static_cast<size_t>(length) + 1, '\0');
+        mdlOutput_formatText(text->data(), text->size(), format, again);
+        text->pop_back();
+    }
+    va_end(again);
+    return text;
+}
+
+void toConsole(std::string_view narrow) {
+    const std::string utf8 = utf8FromNarrow(narrow);
+    if (activeState != nullptr) {
+        activeState->frontEnd->console(utf8);
+    } else {
+        std::fwrite(utf8.data(), 1, utf8.size(), stderr);
+    }
+}
+
+std::string utf8Of(const char* narrow) {
+    return narrow == nullptr ? std::string() : utf8FromNarrow(narrow);
+}
+
+void toMessageCenter(int priority, const std::string& brief, const std::string& details) {
+    if (activeState != nullptr) {
+        activeState->frontEnd->messageCenter(priority, brief, details);
+    } else {
+        std::fprintf(stderr, "%s%s%s\n", brief.c_str(), details.empty() ? "" : ": ", details.c_str());
+    }
+}
+
+}  // namespace
+
+void reportError(const char* what) noexcept {
+    try {
+        toMessageCenter(10, utf8Of(what), {});
+    } catch (...) {
+        std::fputs("error while an error was told\n", stderr);
+    }
+}
+
+void reportUnknownError() noexcept {
+    const std::type_info* const type = abi::__cxa_current_exception_type();
+    int status = 0;
+    char* const name = type == nullptr ? nullptr : abi::__cxa_demangle(type->name(), nullptr, nullptr, &status);
+    char text[256];
+    std::snprintf(text, sizeof text, "A value of the type %s was thrown, and nobody in the application caught it",
+                  name == nullptr ? "that nobody knows" : name);
+    std::free(name);
+    reportError(text);
+}
+
+}  // namespace host
+
+using namespace host;
+
+namespace {
+
+constexpr size_t stringSize = 512;  // of a string of a string list
+
+int toMessageField(int field, const char* format, va_list arguments) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const std::optional<std::string> text = formatted(format, arguments);
+        if (!text || field < 0 || field > 4) return MDL_ERROR;
+        if (activeState != nullptr) activeState->frontEnd->messageField(field, utf8FromNarrow(*text));
+        return MDL_SUCCESS;
+    });
+}
+
+}  // namespace
+
+int mdlOutput_formatText(char* to, size_t size, const char* format, va_list values) {
+    static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+    const locale_t before = uselocale(plain);
+    const int length = std::vsnprintf(to, size, format, values);
+    uselocale(before);
+    return length;
+}
+
+int toolSubsystem_printf(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const int length = guarded<int>(-1, [&] {
+        const std::optional<std::string> text = formatted(format, arguments);
+        if (!text) return -1;
+        toConsole(*text);
+        return static_cast<int>(text->size());
+    });
+    va_end(arguments);
+    return length;
+}
+
+int toolSubsystem_fprintf(FILE* stream, const char* format, ...) {
+    if (stream == nullptr) return -1;
+    va_list arguments;
+    va_start(arguments, format);
+    const int length = guarded<int>(-1, [&] {
+        const std::optional<std::string> text = formatted(format, arguments);
+        if (!text || std::fwrite(text->data(), 1, text->size(), stream) != text->size()) return -1;
+        return static_cast<int>(text->size());
+    });
+    va_end(arguments);
+    return length;
+}
+
+int mdlOutput_printf(int field, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const int status = toMessageField(field, format, arguments);
+    va_end(arguments);
+    return status;
+}
+
+int mdlOutput_rscPrintf(int field, RscHandle rscFile, int32_t listId, int32_t messageId, ...) {
+    char format[stringSize];
+    if (mdlResource_loadFromStringList(format, rscFile, listId, messageId) != MDL_SUCCESS) return MDL_ERROR;
+    va_list arguments;
+    va_start(arguments, messageId);
+    const int status = toMessageField(field, format, arguments);
+    va_end(arguments);
+    return status;
+}
+
+int mdlOutput_messageCenter(int priority, const char* brief, const char* details, int openAlert) {
+    return guarded<int>(MDL_ERROR, [&] {
+        toMessageCenter(priority, utf8Of(brief), utf8Of(details));
+        if (openAlert != 0 && activeState != nullptr) activeState->frontEnd->takeNote();
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlOutput_rscsPrintf(char* buffer, RscHandle rscFile, int32_t listId, int32_t messageId, ...) {
+    char format[stringSize];
+    if (buffer == nullptr || mdlResource_loadFromStringList(format, rscFile, listId, messageId) != MDL_SUCCESS) {
+        return MDL_ERROR;
+    }
+    va_list arguments;
+    va_start(arguments, messageId);
+    mdlOutput_formatText(buffer, stringSize, format, arguments);
+    va_end(arguments);
+    return MDL_SUCCESS;
+}
+
+void mdlSystem_enterGraphics(void) {}

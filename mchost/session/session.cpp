@@ -1,0 +1,141 @@
+#include "mchost/session/session.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <stdexcept>
+
+#include "mchost/dialog/dialog.h"
+#include "mchost/front/dialog_text.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/system.h"
+#include "mchost/session/applications.h"
+#include "mchost/base/guard.h"
+#include "mchost/session/state.h"
+
+namespace host {
+
+Session::State* activeState = nullptr;
+MdlDesc* currentApplication = nullptr;
+
+namespace {
+
+Session* activeSession = nullptr;
+
+// Lines and dialogs to the standard streams; nobody answers.
+class PlainFrontEnd : public FrontEnd {
+  public:
+    void console(std::string_view text) override { std::fwrite(text.data(), 1, text.size(), stdout); }
+    void messageField(int, std::string_view) override {}
+    void messageCenter(int, std::string_view brief, std::string_view details) override {
+        std::fprintf(stderr, "%.*s%s%.*s\n", static_cast<int>(brief.size()), brief.data(), details.empty() ? "" : ": ",
+                     static_cast<int>(details.size()), details.data());
+    }
+    bool runModal(Dialog& dialog) override {
+        dialog.refresh();
+        std::fputs(textOf(dialog).c_str(), stderr);
+        return false;
+    }
+};
+
+std::vector<void (*)()>& sessionEndObservers() {
+    static std::vector<void (*)()> observers;
+    return observers;
+}
+
+bool designFileIsOpen() {
+    return mdlModelRef_getActive() != nullptr;
+}
+
+// Control is back in the host: closes the dialogs that wait for that, carries out key-ins, and stores what the finished
+// command changed.
+void finishCommand(Session::State& state) {
+    closeQueuedDialogs();
+    std::erase_if(state.keyIns, [&](const KeyIn& k) { return k.task.empty() && state.carryOut && state.carryOut(k); });
+    if (designFileIsOpen() && mdlSystem_saveDesignFile() != MDL_SUCCESS) markFailed();
+}
+
+void closeDesignFile() {
+    if (designFileIsOpen() && mdlSystem_closeDesignFile() != MDL_SUCCESS) markFailed();
+}
+
+}  // namespace
+
+Session::Session(SessionOptions options) : state_(std::make_unique<State>()) {
+    if (activeSession != nullptr) throw std::logic_error("a session is running already in this process");
+    static int32_t lastNumber = 0;
+    state_->number = ++lastNumber;
+    state_->frontEnd = options.frontEnd ? std::move(options.frontEnd) : std::make_unique<PlainFrontEnd>();
+    for (const auto& [name, value] : options.variables)
+        state_->variables.define(name, value, Variables::levelCount - 1);
+    state_->carryOut = std::move(options.carryOut);
+    activeSession = this;
+    activeState = state_.get();
+    startClock();
+    resetParameters();
+}
+
+Session::~Session() {
+    finish();
+    auto& observers = sessionEndObservers();
+    for (size_t i = observers.size(); i-- > 0;) guarded<int>(0, [&] { return observers[i](), 0; });
+    resetParameters();
+    currentApplication = nullptr;
+    activeSession = nullptr;
+    activeState = nullptr;
+}
+
+void Session::finish() {
+    for (size_t i = state_->applications.size(); i-- > 0;) endApplication(state_->applications[i].get());
+    closeDesignFile();
+}
+
+Session* Session::current() {
+    return activeSession;
+}
+
+void noteMemoryRanOut() noexcept {
+    if (activeState == nullptr) return;
+    ++activeState->memoryFailures;
+    if (activeState->exitStatus == 0) activeState->exitStatus = 1;
+}
+
+int Session::exitStatus() const {
+    return state_->exitStatus == 0 && state_->failureNoted ? 1 : state_->exitStatus;
+}
+
+FrontEnd& Session::frontEnd() {
+    return *state_->frontEnd;
+}
+
+Session::State& Session::state() {
+    return *state_;
+}
+
+void markFailed() {
+    if (activeState && activeState->exitStatus == 0) activeState->exitStatus = 1;
+}
+
+void observeSessionEnd(void (*observer)()) {
+    sessionEndObservers().push_back(observer);
+}
+
+ApplicationScope::ApplicationScope(MdlDesc* desc) : before_(currentApplication), entered_(desc) {
+    if (activeState != nullptr) ++activeState->depth;
+    if (desc == nullptr) return;
+    ++desc->depth;
+    currentApplication = desc;
+}
+
+ApplicationScope::~ApplicationScope() {
+    currentApplication = before_;
+    if (activeState == nullptr) return;
+    if (entered_ != nullptr && --entered_->depth == 0 && entered_->ending) finishApplication(*entered_);
+    if (activeState->depth == 1) guarded<int>(0, [] { return finishCommand(*activeState), 0; });
+    --activeState->depth;
+}
+
+}  // namespace host
+
+int mdlSystem_memoryFailures(void) {
+    return host::activeState == nullptr ? 0 : host::activeState->memoryFailures;
+}

@@ -1,0 +1,101 @@
+// Calls of the operating system by their old names.
+#include <link.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+
+#include "mchost/mdl/win32.h"
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
+
+namespace host {
+
+namespace {
+
+std::string lowerCase(std::string text) {
+    std::ranges::transform(text, text.begin(),
+                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
+    return text;
+}
+
+// "MCLib.dll" and "libmclib.so.6.14" both give "mclib".
+std::string moduleStem(std::string_view fileName) {
+    std::string name = lowerCase(std::string(fileName.substr(fileName.find_last_of("/\\") + 1)));
+    name = name.substr(0, std::min(name.find(".so"), name.find(".dll")));
+    return name.starts_with("lib") ? name.substr(3) : name;
+}
+
+// Calls `visit` with each loaded module until it gives true.
+template <class Visit>
+void visitModules(Visit visit) {
+    dl_iterate_phdr(
+        [](dl_phdr_info* info, size_t, void* data) {
+            if (info->dlpi_name == nullptr || info->dlpi_name[0] == '\0') return 0;
+            return (*static_cast<Visit*>(data))(*info) ? 1 : 0;
+        },
+        &visit);
+}
+
+std::string pathOfModule(void* module) {
+    std::string path = module == nullptr ? "/proc/self/exe" : "";
+    visitModules([&](const dl_phdr_info& info) {
+        const bool found = module != nullptr && reinterpret_cast<void*>(info.dlpi_addr) == module;
+        if (found) path = info.dlpi_name;
+        return found;
+    });
+    std::error_code error;
+    return path.empty() ? path : std::filesystem::canonical(path, error).string();
+}
+
+// Copies with a NUL, as much as there is room for; the length that was copied.
+uint32_t copyCut(char* buffer, uint32_t size, std::string_view text) {
+    const size_t length = std::min<size_t>(text.size(), size - 1);
+    std::memcpy(buffer, text.data(), length);
+    buffer[length] = '\0';
+    return static_cast<uint32_t>(length);
+}
+
+}  // namespace
+
+}  // namespace host
+
+using namespace host;
+
+int DeleteFileA(const char* name) {
+    return guarded<int>(0, [&] { return name != nullptr && unlink(systemPath(name).c_str()) == 0 ? 1 : 0; });
+}
+
+uint32_t GetShortPathNameA(const char* path, char* buffer, uint32_t size) {
+    return guarded<uint32_t>(0, [&]() -> uint32_t {
+        if (path == nullptr || path[0] == '\0') return 0;
+        const std::string systemName = systemPath(path);
+        std::error_code error;
+        if (!std::filesystem::exists(systemName, error)) return 0;
+        const std::string name = hostName(systemName);
+        if (buffer == nullptr || size <= name.size()) return static_cast<uint32_t>(name.size()) + 1;
+        return copyCut(buffer, size, name);
+    });
+}
+
+void* GetModuleHandleA(const char* name) {
+    return guarded<void*>(nullptr, [&] {
+        void* module = nullptr;
+        if (name == nullptr) return module;
+        const std::string stem = moduleStem(name);
+        visitModules([&](const dl_phdr_info& info) {
+            const bool found = moduleStem(info.dlpi_name) == stem;
+            if (found) module = reinterpret_cast<void*>(info.dlpi_addr);
+            return found;
+        });
+        return module;
+    });
+}
+
+uint32_t GetModuleFileNameA(void* module, char* buffer, uint32_t size) {
+    return guarded<uint32_t>(0, [&]() -> uint32_t {
+        if (buffer == nullptr || size == 0) return 0;
+        return copyCut(buffer, size, hostName(pathOfModule(module)));
+    });
+}

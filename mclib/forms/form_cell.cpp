@@ -1,0 +1,51 @@
+#include "mclib/forms/form_cell.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "mclib/forms/forms.h"
+#include "mclib/frame/shown_path.h"
+#include "mclib/frame/util.h"
+#include "mclib/geometry/cells.h"
+#include "mchost/mdl/cell.h"
+#include "mchost/mdl/system.h"
+
+namespace forms {
+
+namespace {
+
+std::vector<std::string> toldMissing;
+
+void tellMissing(const char* cellName) {
+    const std::string line = "The cell \"" + std::string(cellName) + "\" isn't in the library " +
+                             shownPath(tcbP->cellLibraryName) + ", so a page lacks it.";
+    if (std::ranges::find(toldMissing, line) != toldMissing.end()) return;
+    toldMissing.push_back(line);
+    constexpr int error = 11;
+    mdlOutput_messageCenter(error, line.c_str(), "Use a library that has it, or compile it into this one.", 0);
+}
+
+}  // namespace
+
+void tellMissingCellsAnew() {
+    toldMissing.clear();
+}
+
+int getFormCell(ElementDescr** out, const char* cellName, const char* library, int cellOption) {
+    *out = nullptr;
+    if (!library || mclibCell_loadCellLibraryIfNeeded(library) != MCLIB_SUCCESS) {
+        mdlSystem_noteFailure();
+        return MCLIB_FORM_NO_LIBRARY;
+    }
+    if (!cellName) cellName = "";
+    const wchar_t* name = mclibUtil_convertToUnicodeText(cellName);
+    const int status = mdlCell_getElmDscr(out, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                          cellOption, name, nullptr);
+    if (status == MDL_SUCCESS && *out) return 0;
+    tellMissing(cellName);
+    mdlSystem_noteFailure();
+    return MCLIB_FORM_NO_CELL;
+}
+
+}  // namespace forms

@@ -1,0 +1,197 @@
+#include "mclib/forms/page_info.h"
+
+#include <array>
+
+#include "mclib/forms/pages.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/main.h"
+#include "mclib/frame/text_buffer.h"
+#include "mchost/mdl/dialog.h"
+#include "mchost/mdl/system.h"
+#include "mclib/project/shared.h"
+#include "mclib/project/store.h"
+
+namespace forms {
+
+namespace {
+
+enum { INFO_PAGE_OPTION_BUTTON = 20015 };
+enum { QUESTION_DELETE_ALL = 9, QUESTION_SAVE = 10 };
+enum {
+    DELETE_ALL_FLAGS = MSGBOX_KIND_8 | MSGBOX_FIRST_16 | MSGBOX_SECOND_128,
+    SAVE_FLAGS = MSGBOX_KIND_8 | MSGBOX_FIRST_32 | MSGBOX_SECOND_256,
+};
+static_assert(DELETE_ALL_FLAGS == 152 && SAVE_FLAGS == 296);
+
+MdlDialog* findPageInfo() {
+    return mdlDialog_find(PAGE_INFO_DIALOG, mdlSystem_getCurrMdlDesc());
+}
+
+MdlItem* pageButtonOf(MdlDialog* dialog) {
+    return mdlDialog_itemGetByTypeAndId(dialog, ITEM_OPTION_BUTTON, INFO_PAGE_OPTION_BUTTON);
+}
+
+// ---- the block ----
+
+// The block always bears the name of its page, also where the design file has no record for it.
+void nameBlock(const GlobalData& data, int32_t page) {
+    copyText(mclibsd->pageName, pageName(data, page));
+}
+
+void readBlock(GlobalData& data, int32_t page) {
+    mclibProject_readPageInfoFromDesignFile(mclibsd, pageName(data, page));
+    nameBlock(data, page);
+    data.pageInfoSaved = 1;
+}
+
+void emptyBlock(GlobalData& data) {
+    *mclibsd = {};
+    nameBlock(data, data.pageInfoPage);
+    data.pageInfoSaved = 1;
+}
+
+void showAnewIfOnShow(GlobalData& data, int32_t page) {
+    if (page == data.previewPage) showPage(data);
+}
+
+void writeBlock(GlobalData& data) {
+    mclibProject_writePageInfoToDesignFile(mclibsd);
+    data.pageInfoSaved = 1;
+    showAnewIfOnShow(data, data.pageInfoPage);
+}
+
+// Before changes to the block are lost. Where the user wants them kept they are written.
+void askWhetherToSave(GlobalData& data) {
+    if (data.pageInfoSaved) return;
+    if (mclibError_rscMsgBoxPrintf(SAVE_FLAGS, MCLIB_QUESTIONS, QUESTION_SAVE, mclibsd->pageName) != MSGBOX_SECOND)
+        writeBlock(data);
+}
+
+// ---- what the buttons do ----
+
+void saveInfo(GlobalData& data, MdlDialog* dialog) {
+    mdlDialog_setFocus(dialog, nullptr);  // ends a running edit, whose text is then in the block
+    writeBlock(data);
+}
+
+void deleteInfo(GlobalData& data, MdlDialog* dialog) {
+    mclibProject_deletePageInfoFromDesignFile(mclibsd->pageName, nullptr);
+    emptyBlock(data);
+    mdlDialog_itemsSynch(dialog);
+    showAnewIfOnShow(data, data.pageInfoPage);
+}
+
+void cleanUp(GlobalData& data, MdlDialog*) {
+    mclibProject_deletePageInfoFromDesignFile(mclibsd->pageName, data.pageNames);
+}
+
+void deleteAll(GlobalData& data, MdlDialog* dialog) {
+    if (mclibError_rscMsgBoxPrintf(DELETE_ALL_FLAGS, MCLIB_QUESTIONS, QUESTION_DELETE_ALL) != MSGBOX_FIRST) return;
+    mclibProject_deletePageInfoFromDesignFile(nullptr, nullptr);
+    emptyBlock(data);
+    mdlDialog_itemsSynch(dialog);
+    showPage(data);
+}
+
+// Goes from the page in the dialog to that of pageInfoChoice.
+void changeInfoPage(GlobalData& data, MdlDialog* dialog) {
+    askWhetherToSave(data);
+    readBlock(data, data.fileDialogP->pageInfoChoice);
+    data.pageInfoPage = data.fileDialogP->pageInfoChoice;
+    mdlDialog_itemsSynch(dialog);
+}
+
+// ---- hooks ----
+
+void createInfo(GlobalData& data) {
+    mclibMain_updateBeforeDialogOpen(PAGE_INFO_DIALOG);
+    data.fileDialogP->pageInfoChoice = data.fileDialogP->pageChoice;
+    readBlock(data, data.fileDialogP->pageInfoChoice);
+}
+
+void leaveInfo(GlobalData& data) {
+    askWhetherToSave(data);
+    data.pageInfoSaved = 1;
+}
+
+void pageInfoDialog(DialogMessage* message) {
+    GlobalData* data = mclibMain_getGlobalDataP();
+    message->handled = data != nullptr;
+    if (!data) return;
+    switch (message->type) {
+        case DIALOG_CREATE: createInfo(*data); break;
+        case DIALOG_INIT: fillWithPageNames(*data, pageButtonOf(message->dialog)); break;
+        case DIALOG_DESTROY: leaveInfo(*data); break;
+        default: message->handled = 0;
+    }
+}
+
+void infoPageButton(DialogMessage* message) {
+    GlobalData* data = mclibMain_getGlobalDataP();
+    message->handled = data != nullptr;
+    if (!data) return;
+    switch (message->type) {
+        case ITEM_CREATE: data->pageInfoPage = data->fileDialogP->pageInfoChoice; break;
+        case ITEM_STATE_CHANGED: changeInfoPage(*data, message->dialog); break;
+        default: message->handled = 0;
+    }
+}
+
+template <void (*action)(GlobalData&, MdlDialog*)>
+void infoButton(DialogMessage* message) {
+    GlobalData* data = mclibMain_getGlobalDataP();
+    message->handled = data && message->type == ITEM_BUTTON;
+    if (message->handled && message->state == 1) action(*data, message->dialog);
+}
+
+void infoText(DialogMessage* message) {
+    GlobalData* data = mclibMain_getGlobalDataP();
+    message->handled = data && message->type == ITEM_STATE_CHANGED;
+    if (message->handled) data->pageInfoSaved = 0;
+}
+
+constexpr auto pageInfoHooks = std::to_array<DialogHook>({
+    {20084, pageInfoDialog},
+    {20085, infoPageButton},
+    {20086, infoButton<saveInfo>},
+    {20087, infoButton<deleteInfo>},
+    {20088, infoButton<cleanUp>},
+    {20089, infoButton<deleteAll>},
+    {20090, infoText},
+});
+
+}  // namespace
+
+void openPageInfo() {
+    mdlDialog_open(0, PAGE_INFO_DIALOG);
+}
+
+void readPageInfo(GlobalData& data, int32_t page) {
+    MdlDialog* const dialog = findPageInfo();
+    if (!dialog) return mclibProject_readPageInfoFromDesignFile(mclibsd, pageName(data, page));
+    data.fileDialogP->pageInfoChoice = page;
+    changeInfoPage(data, dialog);
+}
+
+void takeNewPages(GlobalData& data) {
+    MdlDialog* const dialog = findPageInfo();
+    if (!dialog) return;
+    fillWithPageNames(data, pageButtonOf(dialog));
+    readPageInfo(data, data.previewPage);
+}
+
+void publishPageInfoHooks() {
+    mdlDialog_hookPublish(static_cast<int32_t>(pageInfoHooks.size()), pageInfoHooks.data());
+}
+
+KeepEditedBlocks::KeepEditedBlocks() {
+    if (mdlDialog_find(PROJECT_DIALOG, nullptr)) project_ = *mclibpd;
+    if (mdlDialog_find(PAGE_INFO_DIALOG, nullptr)) page_ = *mclibsd;
+}
+
+KeepEditedBlocks::~KeepEditedBlocks() {
+    if (project_) *mclibpd = *project_;
+    if (page_) *mclibsd = *page_;
+}
+
+}  // namespace forms

@@ -1,0 +1,35 @@
+// The page information dialog: what the title block of one page says, edited in the block mclibsd.
+#pragma once
+
+#include <optional>
+
+#include "mclib/frame/global_data.h"
+#include "mclib/project/blocks.h"
+
+namespace forms {
+
+enum { PAGE_INFO_DIALOG = 20024 };
+void openPageInfo();
+// The page of that number is on show from now on: reads what its title block says. An open page information dialog goes
+// along to it, and asks before changes are lost.
+void readPageInfo(GlobalData& data, int32_t page);
+// The list of pages is a new one: an open page information dialog goes to the page on show in the same way.
+void takeNewPages(GlobalData& data);
+// Publishes the dialog's hooks.
+void publishPageInfoHooks();
+
+// To stand around the making of a page by the application, which may read title-block data into mclibpd and mclibsd:
+// while a dialog edits one of these blocks, of whichever application, what stood in it is put back.
+class KeepEditedBlocks {
+  public:
+    KeepEditedBlocks();
+    ~KeepEditedBlocks();
+    KeepEditedBlocks(const KeepEditedBlocks&) = delete;
+    KeepEditedBlocks& operator=(const KeepEditedBlocks&) = delete;
+
+  private:
+    std::optional<mclibProsjektData> project_;
+    std::optional<mclibSideData> page_;
+};
+
+}  // namespace forms

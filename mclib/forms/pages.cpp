@@ -1,0 +1,172 @@
+#include "mclib/forms/pages.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <string_view>
+
+#include "mclib/forms/form_cell.h"
+#include "mclib/forms/page_info.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/host_ptr.h"
+#include "mclib/frame/text_buffer.h"
+#include "mclib/geometry/elmdscr.h"
+#include "mchost/mdl/system.h"
+#include "mclib/print/shared.h"
+#include "mclib/project/store.h"
+
+namespace forms {
+
+namespace {
+
+enum { orientationTurned = 0, orientationByShape = 2 };
+enum { ERROR_NAMES = 40 };
+
+// Of the preview that was opened last; they stay until the next one opens.
+struct ApplicationFunctions {
+    McPageFunction page = nullptr;
+    McPageListFunction pageList = nullptr;
+    McUserPrintFunction userPrint = nullptr;
+};
+ApplicationFunctions functions;
+
+void freeNames(char** names) {
+    for (char** name = names; name && *name; ++name) dlmSystem_mdlFree(*name);
+    dlmSystem_mdlFree(names);
+}
+
+// An array for `count` names and the null behind them.
+char** nameArray(int32_t count) {
+    const size_t size = (static_cast<size_t>(count) + 1) * sizeof(char*);
+    return static_cast<char**>(mclibMem_mallocRscErrorPrintf(size, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY));
+}
+
+char* copyOf(std::string_view name) {
+    void* copy = mclibMem_mallocRscErrorPrintf(name.size() + 1, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY);
+    if (copy) std::memcpy(copy, name.data(), name.size());
+    return static_cast<char*>(copy);
+}
+
+// The names and a null behind them; null when out of memory.
+char** copiesOf(char* const* names, int32_t count) {
+    char** const copies = nameArray(count);
+    for (int32_t i = 0; copies && i < count; ++i) {
+        copies[i] = copyOf(names && names[i] ? names[i] : "");
+        if (copies[i]) continue;
+        freeNames(copies);
+        return nullptr;
+    }
+    return copies;
+}
+
+// ---- names that records can't tell apart ----
+
+bool isLong(std::string_view name) {
+    return name.size() >= PAGE_NAME_LETTERS;
+}
+
+std::string_view asRecorded(std::string_view name) {
+    return name.substr(0, PAGE_NAME_LETTERS);
+}
+
+// Whether the design file can keep what each page's title block says. Tells when not. Pages of one name share it, as
+// the user sees.
+bool canBeRecorded(char* const* names, int32_t count) {
+    const HostPtr<char*[]> sorted(nameArray(count));
+    if (!sorted) return false;
+    char** const end = std::copy_if(names, names + count, sorted.get(), isLong);
+    std::sort(sorted.get(), end, [](std::string_view a, std::string_view b) { return a < b; });
+    const auto twins = [](std::string_view a, std::string_view b) { return a != b && asRecorded(a) == asRecorded(b); };
+    char** const found = std::adjacent_find(sorted.get(), end, twins);
+    if (found == end) return true;
+    const std::string shared(asRecorded(*found));
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NAMES, shared.c_str());
+    mdlSystem_noteFailure();
+    return false;
+}
+
+}  // namespace
+
+// ---- names ----
+
+int32_t pageCount(const GlobalData& data) {
+    return data.pageNameCount;
+}
+
+const char* pageName(const GlobalData& data, int32_t page) {
+    return 0 <= page && page < pageCount(data) ? data.pageNames[page] : "";
+}
+
+bool setPageNames(GlobalData& data, int32_t count, char* const* names) {
+    count = std::max(count, 0);
+    char** const copies = copiesOf(names, count);
+    if (!copies) return false;
+    if (!canBeRecorded(copies, count)) {
+        freeNames(copies);
+        return false;
+    }
+    freeNames(data.pageNames);
+    data.pageNames = copies;
+    data.pageNameCount = count;
+    return true;
+}
+
+// ---- making ----
+
+void setFunctions(McPageFunction page, McPageListFunction pageList) {
+    functions = {page, pageList, nullptr};
+    tellMissingCellsAnew();
+}
+
+void setUserPrintFunction(McUserPrintFunction function) {
+    functions.userPrint = function;
+}
+
+McPageListFunction pageListFunction() {
+    return functions.pageList;
+}
+
+McUserPrintFunction userPrintFunction() {
+    return functions.userPrint;
+}
+
+bool canMakePages() {
+    return functions.page != nullptr;
+}
+
+void makePage(GlobalData& data, int32_t page, bool inDrawing, ElementDescr** result) {
+    *result = nullptr;
+    copyText(data.currentPageName, pageName(data, page));
+    if (!functions.page || page < 0 || page >= pageCount(data)) return;
+    const KeepEditedBlocks keep;
+    const int failures = mdlSystem_memoryFailures();
+    dlmSystem_callAnyFunction("IPPI", mdlSystem_getCurrMdlDesc(), reinterpret_cast<void*>(functions.page), page,
+                              data.pageNames[page], result, inDrawing ? 1 : 0);
+    if (mdlSystem_memoryFailures() != failures) mdlElmdscr_freeAll(result);  // something is missing in it
+}
+
+PageSpan pagesToPrint(const GlobalData& data) {
+    const FileDialogBlock& choice = *data.fileDialogP;
+    const int32_t last = pageCount(data) - 1;
+    switch (choice.printRange) {
+        case printAllPages: return {0, last};
+        case printPagesFromTo: return {std::max(choice.firstPage, 0), std::min(choice.lastPage, last)};
+        default: return {std::max(data.previewPage, 0), std::min(data.previewPage, last)};
+    }
+}
+
+// ---- on the sheet ----
+
+// A page whose aspect is exactly 1 is turned on every sheet.
+bool isTurned(const ElementDescr* page) {
+    if (mclibpsd->orientation != orientationByShape) return mclibpsd->orientation == orientationTurned;
+    Point3d range[2];
+    if (!page || mclibElemDscr_getRange(range, page) != MDL_SUCCESS) return false;
+    const double pageAspect = std::fabs((range[1].y - range[0].y) / (range[1].x - range[0].x));
+    const double sheetAspect = std::fabs(mclibpsd->pageHeight / mclibpsd->pageWidth);
+    if (pageAspect > 1) return !(sheetAspect > 1);
+    if (pageAspect < 1) return !(sheetAspect < 1);
+    return pageAspect == 1;  // a page without extent has none
+}
+
+}  // namespace forms

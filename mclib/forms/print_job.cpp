@@ -1,0 +1,243 @@
+#include "mclib/forms/print_job.h"
+
+#include <algorithm>
+#include <numbers>
+#include <optional>
+#include <string>
+
+#include "mclib/forms/form_cell.h"
+#include "mclib/forms/page_info.h"
+#include "mclib/forms/pages.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/main.h"
+#include "mclib/frame/resource_files.h"
+#include "mclib/frame/shown_path.h"
+#include "mclib/frame/text_buffer.h"
+#include "mchost/mdl/dialog.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/system.h"
+#include "mchost/mdl/transform.h"
+#include "mclib/print/ascii_sheet.h"
+#include "mclib/print/delivery.h"
+#include "mclib/print/print.h"
+#include "mclib/print/setup_store.h"
+#include "mclib/print/shared.h"
+
+namespace forms {
+
+namespace {
+
+enum { PRINT_DIALOG = 20007 };
+enum { REPLY_CANCEL = 4 };
+enum { MESSAGE_FIELD = 0 };
+enum { NOTICE_NONE = 0, NOTICE_PAGE = 1, NOTICE_SENDING = 2 };
+enum { ERROR_OPEN = 1, ERROR_STORE = 2, ERROR_SENDING = 31 };
+enum { ERROR_MARGINS = 41, ERROR_NO_PRINTER = 42, ERROR_COPIES = 43, ERROR_NO_PAGE = 44 };
+enum { TEXT_FILE_TITLE = 34 };
+constexpr int32_t textFileDefaults = -20003;
+
+void tell(int message) {
+    mdlOutput_rscPrintf(MESSAGE_FIELD, 0, MCLIB_QUESTIONS, message);
+}
+
+void tellPage(const char* name) {
+    mdlOutput_rscPrintf(MESSAGE_FIELD, 0, MCLIB_QUESTIONS, NOTICE_PAGE, name);
+}
+
+// ---- one page ----
+
+constexpr double quarter = std::numbers::pi / 2;
+
+// False when memory doesn't suffice, which the host has told.
+bool turn(ElementDescr* page, double angle) {
+    Transform rotation;
+    mdlTMatrix_rotateByAngles(&rotation, nullptr, 0, 0, angle);
+    if (mdlElmdscr_transform(page, &rotation) != MDL_SUCCESS) return false;
+    mdlCell_setRange(page, mdlModelRef_getActive());
+    return true;
+}
+
+struct PrintableArea {
+    double width, height;  // mm
+    bool isEmpty() const { return !(width > 0 && height > 0); }
+};
+
+PrintableArea printableArea() {
+    const mclibPrinterSetupData& p = *mclibpsd;
+    return {p.pageWidth - p.marginLeft - p.marginRight, p.pageHeight - p.marginTop - p.marginBottom};
+}
+
+// Prints a page within the margins of its sheet, and leaves it turned as it was printed. False when there is none, or
+// it couldn't be turned.
+bool printPage(GlobalData& data, ElementDescr* page, bool turned) {
+    if (!page || (turned && !turn(page, quarter))) return false;
+    data.pageAngle = turned ? 90.0 : 0.0;
+    const PrintableArea area = printableArea();
+    mclibPrint_printElementDescr(page, mclibpsd->marginLeft, mclibpsd->marginBottom, area.width, area.height);
+    data.pageAngle = 0.0;
+    return true;
+}
+
+// ---- the pages of a job ----
+
+void printByUser(McUserPrintFunction print, int32_t number) {
+    const KeepEditedBlocks keep;
+    print(number);
+}
+
+// A page that can't be turned back is made anew.
+bool printPageOnShow(GlobalData& data) {
+    tellPage(pageName(data, data.previewPage));
+    if (const McUserPrintFunction print = userPrintFunction()) {
+        printByUser(print, data.previewPage);
+        return true;
+    }
+    const bool turned = isTurned(data.previewDescr);
+    if (!printPage(data, data.previewDescr, turned)) return false;
+    if (turned && !turn(data.previewDescr, -quarter)) showPage(data);
+    return true;
+}
+
+// Text files have their pages behind each other too.
+void nextSheet(const GlobalData& data) {
+    if (data.printDevice == PRINT_ASCII)
+        nextAsciiSheet();
+    else
+        mclibPrint_newPage();
+}
+
+// Makes and prints the pages one by one, and tells how many. One that can't be made takes no sheet.
+int32_t printSpan(GlobalData& data, PageSpan span) {
+    int32_t printed = 0;
+    for (int32_t number = span.first; number <= span.last; ++number) {
+        tellPage(pageName(data, number));
+        if (const McUserPrintFunction print = userPrintFunction()) {
+            copyText(data.currentPageName, pageName(data, number));
+            printByUser(print, number);
+            ++printed;
+            continue;
+        }
+        Page page;
+        makePage(data, number, false, page.out());
+        if (!page) continue;
+        if (printed > 0) nextSheet(data);
+        if (printPage(data, page.get(), isTurned(page.get()))) ++printed;
+    }
+    return printed;
+}
+
+// Whether there was something to print.
+bool printAsked(GlobalData& data) {
+    if (data.fileDialogP->printRange == printCurrentPage) return printPageOnShow(data);
+    return canMakePages() && printSpan(data, pagesToPrint(data)) > 0;
+}
+
+// ---- the file of a job ----
+
+std::optional<std::string> askForTextFile() {
+    char name[256] = "";
+    const int status = mclibUpf_defFileCreate(name, nullptr, "*.txt", nullptr,
+                                              mclibUtil_getLanguageText(TEXT_FILE_TITLE), textFileDefaults);
+    if (status != MDL_SUCCESS) return std::nullopt;
+    return name;
+}
+
+// The file that the user wants; nothing when the job was cancelled.
+std::optional<std::string> askForTarget(GlobalData& data) {
+    if (mclibpsd->deviceType == PRINT_ASCII) {
+        data.fileDialogP->printRange = printCurrentPage;  // such a job is one page
+        return askForTextFile();
+    }
+    int32_t reply = REPLY_CANCEL;
+    mdlDialog_openModal(&reply, 0, PRINT_DIALOG);
+    if (reply == REPLY_CANCEL) return std::nullopt;
+    return mclibpsd->fileName;
+}
+
+void report(int message) {
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, message);
+    mdlSystem_noteFailure();
+}
+
+void reportFile(int message, const std::string& file) {
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, message, shownPath(file.c_str()).c_str());
+    mdlSystem_noteFailure();
+}
+
+void sendToPrinter() {
+    if (!print::printerIsChosen()) return reportFile(ERROR_NO_PRINTER, mclibpsd->fileName);
+    tell(NOTICE_SENDING);
+    if (mclibPrint_sendFileToPrinter(mclibpsd->fileName, mclibpsd->printerName, mclibpsd->copies) == MCLIB_SUCCESS)
+        return;
+    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_SENDING, shownPath(mclibpsd->fileName).c_str(),
+                               mclibpsd->printerName);
+    mdlSystem_noteFailure();
+}
+
+// Whether the file goes to a printer when it is whole.
+bool isSent(int32_t device) {
+    return device != PRINT_ASCII && !mclibpsd->fileOnly && !userPrintFunction();
+}
+
+// Whether the set-up lets something be printed. Tells when not.
+bool canPrint(int32_t device) {
+    if (!userPrintFunction() && printableArea().isEmpty()) return report(ERROR_MARGINS), false;
+    if (isSent(device) && mclibpsd->copies < 1) return report(ERROR_COPIES), false;
+    return true;
+}
+
+// The sheets of the job are of the set-up's size, whichever the application asked for last.
+void usePageSize() {
+    double width = 0, height = 0;
+    mclibPrint_getPageSize(&width, &height, mclibpsd->pageSize);
+}
+
+// Ends the file; whether all of it was written. Tells when not.
+bool closeFile(const std::string& file) {
+    mclibPrint_fclose();
+    const bool stored = mclibPrint_jobStatus() == MCLIB_SUCCESS;
+    if (!stored) reportFile(ERROR_STORE, file);
+    return stored;
+}
+
+}  // namespace
+
+void printPages(GlobalData& data) {
+    print::readStoredSetup();
+    if (mclibpsd->deviceType == PRINT_HOST_PLOTTER) return plotPages(data);
+    const std::optional<std::string> file = askForTarget(data);
+    const int32_t device = mclibpsd->deviceType;
+    if (!file || !canPrint(device)) return;
+    tellMissingCellsAnew();
+    usePageSize();
+    if (!mclibPrint_fopen(file->c_str(), device)) return reportFile(ERROR_OPEN, *file);
+    const bool any = printAsked(data);
+    const bool stored = closeFile(*file);
+    if (!any) report(ERROR_NO_PAGE);
+    if (any && stored && isSent(device)) sendToPrinter();
+    tell(NOTICE_NONE);
+}
+
+}  // namespace forms
+
+int mclibPreview_printPages(int pageCount, char* const* pageNames, McPageFunction pageFunction, const char* fileName,
+                            int device, int first, int last) {
+    using namespace forms;
+    GlobalData* const data = mclibMain_getGlobalDataP();
+    if (!data || !fileName || !pageFunction || !setPageNames(*data, pageCount, pageNames)) return MCLIB_ERROR;
+    setFunctions(pageFunction, nullptr);
+    setUserPrintFunction(nullptr);
+    if (printableArea().isEmpty()) {
+        report(ERROR_MARGINS);
+        return MCLIB_ERROR;
+    }
+    const PageSpan span{std::max(first, 0), std::min(last, pageCount - 1)};
+    if (!mclibPrint_fopen(fileName, device)) {
+        reportFile(ERROR_OPEN, fileName);
+        return MCLIB_ERROR;
+    }
+    const int32_t printed = printSpan(*data, span);
+    const bool stored = closeFile(fileName);
+    tell(NOTICE_NONE);
+    return stored && printed == span.last - span.first + 1 ? MCLIB_SUCCESS : MCLIB_ERROR;
+}

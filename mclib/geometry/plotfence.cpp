@@ -1,0 +1,112 @@
+// The search for plot fences in the active model and its references.
+#include "mclib/geometry/plotfence.h"
+
+#include <array>
+#include <cstring>
+
+#include "mclib/frame/errors.h"
+#include "mclib/geometry/userdata.h"
+#include "mchost/mdl/elmdscr.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/reference.h"
+#include "mchost/mdl/scan.h"
+#include "mchost/mdl/system.h"
+
+namespace {
+
+using PlotFenceFunction = int (*)(MSElementBuffer*, FilePos, ModelRef*, void*);
+
+// What a search for plot fences carries along.
+struct PlotFenceSearch {
+    MdlDesc* application;
+    PlotFenceFunction callback;
+    void* userArg;
+};
+
+int32_t referenceParameter(ModelRef* model, int32_t parameter) {
+    int32_t value = 0;
+    mdlRefFile_getParameters(&value, parameter, model);
+    return value;
+}
+
+// A reference counts when it isn't hidden, its file was found and its display is on.
+bool isShown(ModelRef* model) {
+    constexpr int32_t hidden = 6, found = 4, displayed = 1;
+    if (mdlModelRef_isReference(model) == 0) return true;
+    return referenceParameter(model, hidden) != 1 && referenceParameter(model, found) != 0 &&
+           referenceParameter(model, displayed) != 0;
+}
+
+// A copy of the shape at the position when it is a plot fence, else null.
+MSElementBuffer* readPlotFence(FilePos position, ModelRef* model) {
+    ElementDescr* ed = nullptr;
+    if (mdlElmdscr_readToMaster(&ed, position, model) == 0) return nullptr;
+    MSElementBuffer* fence = nullptr;
+    if (mclibAttrib_extractElementUserData(ed->element, MCLIB_PLOT_FENCE, nullptr, nullptr, nullptr) == MCLIB_SUCCESS) {
+        const uint32_t bytes = mdlElement_bytes(ed->element);
+        fence = static_cast<MSElementBuffer*>(mclibMem_mallocRscErrorPrintf(bytes, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY));
+        if (fence != nullptr) std::memcpy(fence, ed->element, bytes);
+    }
+    mdlElmdscr_freeAll(&ed);
+    return fence;
+}
+
+// Shows one shape to the callback when it is a plot fence; true when the search of this model is over.
+bool offerShape(const PlotFenceSearch& search, FilePos position, ModelRef* model) {
+    MSElementBuffer* fence = readPlotFence(position, model);
+    if (fence == nullptr) return false;
+    const int32_t reply =
+        dlmSystem_callAnyFunction("PIPP", search.application, reinterpret_cast<void*>(search.callback), fence,
+                                  static_cast<int32_t>(position), model, search.userArg);
+    if (reply == 0) dlmSystem_mdlFree(fence);
+    return reply != 0;
+}
+
+void searchModel(const PlotFenceSearch& search, ScanCriteria* criteria, ModelRef* model) {
+    constexpr int32_t wordsOfPosition = sizeof(FilePos) / sizeof(uint16_t);
+    std::array<FilePos, 128> positions;
+    FilePos start = 0;
+    int status = MDL_SCAN_MORE;
+    while (status == MDL_SCAN_MORE) {
+        int32_t words = positions.size() * wordsOfPosition;
+        status = mdlScanCriteria_scan(criteria, positions.data(), &words, &start);
+        if (words == 0 || (status != MDL_SCAN_MORE && status != MDL_SUCCESS)) return;
+        for (int32_t i = 0; i < words / wordsOfPosition; ++i) {
+            if (offerShape(search, positions[i], model)) return;
+        }
+    }
+}
+
+// A scan of the shapes of a model; null when it can't be had.
+ScanCriteria* shapeScan(ModelRef* model) {
+    constexpr uint32_t allClasses = 0;
+    constexpr int32_t positions = 1;
+    ScanCriteria* criteria = mdlScanCriteria_create();
+    if (criteria == nullptr) return nullptr;
+    mdlScanCriteria_setModel(criteria, model);
+    mdlScanCriteria_addSingleElementTypeTest(criteria, MDL_SHAPE);
+    mdlScanCriteria_setClassTest(criteria, allClasses);
+    mdlScanCriteria_setReturnType(criteria, positions, 0, 0);
+    return criteria;
+}
+
+}  // namespace
+
+int mclibUtil_findAllPlotFence(PlotFenceFunction callback, void* userArg) {
+    const PlotFenceSearch search = {mdlSystem_getCurrMdlDesc(), callback, userArg};
+    ModelRefIterator* models = nullptr;
+    if (mdlModelRefIterator_create(&models, mdlModelRef_getActive(), MDL_ITERATE_ACTIVE | MDL_ITERATE_REFERENCES, 0) !=
+        MDL_SUCCESS) {
+        return 0;
+    }
+    for (ModelRef* model = mdlModelRefIterator_getFirst(models); model != nullptr;
+         model = mdlModelRefIterator_getNext(models)) {
+        if (!isShown(model)) continue;
+        ScanCriteria* criteria = shapeScan(model);
+        if (criteria == nullptr) break;
+        searchModel(search, criteria, model);
+        mdlScanCriteria_free(&criteria);
+    }
+    mdlModelRefIterator_free(&models);
+    return 0;
+}

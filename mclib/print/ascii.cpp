@@ -1,0 +1,196 @@
+// The output: the texts of the job, kept until it ends, then sorted into rows and written with line feeds and blanks
+// for what lies between them.
+#include "mclib/print/ascii.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+
+#include "mclib/frame/errors.h"
+#include "mchost/mdl/system.h"
+#include "mchost/mdl/transform.h"
+#include "mclib/print/ascii_sheet.h"
+#include "mclib/print/driver.h"
+#include "mclib/print/output.h"
+
+namespace {
+
+constexpr double lineHeight = 2.0;  // mm
+constexpr double columnsPerMm = 0.8333333333333334;
+constexpr double mostTurned = 1.0;  // degrees
+constexpr double mostGap = 100000;  // lines or columns: a text in a senseless place shall not fill the disk
+
+// ---- the store ----
+
+// A block of the host's memory that grows by doubling. Zero-filled it is empty.
+template <class T>
+struct GrowingBlock {
+    T* data;
+    size_t count, room;
+
+    // Makes room for more members behind the last. False, with a message and nothing lost, when memory runs out.
+    bool makeRoom(size_t more) {
+        if (count + more <= room) return true;
+        const size_t newRoom = std::max({count + more, 2 * room, size_t{1024}});
+        void* block = mclibMem_reallocRscErrorPrintf(data, room * sizeof(T), newRoom * sizeof(T), MCLIB_ERRORS,
+                                                     MCLIB_OUT_OF_MEMORY);
+        if (!block) return false;
+        data = static_cast<T*>(block);
+        room = newRoom;
+        return true;
+    }
+    void release() {
+        dlmSystem_mdlFree(data);
+        *this = {};
+    }
+};
+
+struct AsciiText {
+    size_t offset, length;  // in the characters of the job
+    double x, y;            // lower left corner of its box
+};
+
+// The job. The store of texts has room for each of them twice: sorting takes no memory that could be missing then.
+struct AsciiState {
+    GrowingBlock<char> characters;
+    GrowingBlock<AsciiText> texts;
+    double minX;  // of all texts
+    bool gapCut;
+};
+AsciiState state;
+
+PrintOutput output;
+
+// ---- rows ----
+
+// Rows from the top of the page down, and within a row from left to right; less than 1 mm apart counts as equal. As
+// texts of a row may stand on different heights, this is no ordering of all texts: a before b and b before c doesn't
+// put a before c.
+bool isBefore(const AsciiText& a, const AsciiText& b) {
+    const double down = b.y - a.y;
+    return std::abs(down) >= lineHeight ? down < 0 : a.x - b.x <= -1.0;
+}
+
+// Merges two runs that lie one behind the other.
+void mergeRuns(const AsciiText* left, const AsciiText* right, const AsciiText* end, AsciiText* to) {
+    const AsciiText* const leftEnd = right;
+    while (left != leftEnd && right != end) *to++ = isBefore(*right, *left) ? *right++ : *left++;
+    std::copy(right, end, std::copy(left, leftEnd, to));
+}
+
+// A stable merge sort; unlike the standard one it is defined for a comparison that is no ordering.
+void sortRows(AsciiText* texts, size_t count) {
+    AsciiText *from = texts, *to = texts + count;
+    for (size_t run = 1; run < count; run *= 2) {
+        for (size_t i = 0; i < count; i += 2 * run)
+            mergeRuns(from + i, from + std::min(i + run, count), from + std::min(i + 2 * run, count), to + i);
+        std::swap(from, to);
+    }
+    if (from != texts) std::copy(from, from + count, texts);
+}
+
+// ---- layout ----
+
+size_t cutGap(double gap) {
+    if (gap > mostGap) state.gapCut = true;
+    return static_cast<size_t>(std::clamp(gap, 0.0, mostGap));
+}
+
+// A text less than two lines lower than the one before it stands on the next line, and so on by the line.
+size_t linesBetween(double lastY, double y) {
+    return cutGap(std::ceil((lastY - y) / lineHeight) - 1);
+}
+
+void layOutTexts(const AsciiText* texts, size_t count) {
+    size_t column = 0;
+    for (const AsciiText* text = texts; text != texts + count; ++text) {
+        if (text != texts && text[-1].y - text->y > lineHeight) {
+            output.repeat('\n', linesBetween(text[-1].y, text->y));
+            column = 0;
+        }
+        const size_t target = cutGap((text->x - state.minX) * columnsPerMm);
+        if (target > column) {
+            output.repeat(' ', target - column);
+            column = target;
+        }
+        output.write({state.characters.data + text->offset, text->length});
+        column += text->length;
+    }
+}
+
+void tellCutGaps() {
+    toolSubsystem_printf(
+        "mclibAscii: gaps over %.0f lines or columns are cut in %s; look for a text far off the page.\n", mostGap,
+        output.name());
+}
+
+void beginSheet() {
+    state = {.characters = {}, .texts = {}, .minX = *fc_rmaxi4P, .gapCut = false};
+}
+
+void endSheet() {
+    sortRows(state.texts.data, state.texts.count);
+    layOutTexts(state.texts.data, state.texts.count);
+    if (state.gapCut) tellCutGaps();
+    state.texts.release();
+    state.characters.release();
+    output.write("\n");
+}
+
+}  // namespace
+
+// ---- the job ----
+
+int mclibAscii_fopen(const char* fileName) {
+    mclibAscii_fclose();
+    beginSheet();
+    return output.open("mclibAscii", fileName);
+}
+
+void mclibAscii_newPage(void) {}
+
+void nextAsciiSheet() {
+    if (!output.isOpen()) return;
+    endSheet();
+    output.write("\f");
+    beginSheet();
+}
+
+void mclibAscii_fclose(void) {
+    if (!output.isOpen()) return;
+    endSheet();
+    output.close("a text file");
+}
+
+int mclibAscii_jobStatus(void) {
+    return output.status();
+}
+
+// ---- drawing ----
+
+void mclibAscii_drawText(const Point3d* shape, const char* text, double, double, double angle, int) {
+    if (!output.isOpen() || !shape || !text || !(std::abs(angle) <= mostTurned)) return;
+    const Point3d& place = shape[0];
+    if (!std::isfinite(place.x) || !std::isfinite(place.y)) return;
+    GrowingBlock<char>& characters = state.characters;
+    GrowingBlock<AsciiText>& texts = state.texts;
+    const std::string_view whole = text;
+    if (!characters.makeRoom(whole.size()) || !texts.makeRoom(texts.count + 2)) return;
+    put(characters.data + characters.count, whole);
+    texts.data[texts.count++] = {.offset = characters.count, .length = whole.size(), .x = place.x, .y = place.y};
+    characters.count += whole.size();
+    state.minX = std::min(state.minX, place.x);
+}
+
+// ---- the contract ----
+
+constexpr PrintDriver asciiDriver = {
+    .quarterTurn = false,
+    .open = [](const char* fileName, int) { return mclibAscii_fopen(fileName); },
+    .newPage = mclibAscii_newPage,
+    .close = mclibAscii_fclose,
+    .jobStatus = mclibAscii_jobStatus,
+    .stroke = nullptr,
+    .label =
+        [](const Label& l) { mclibAscii_drawText(l.shape, l.text, l.height, l.size, l.angle - l.pageAngle, l.just); },
+};

@@ -1,0 +1,150 @@
+// The printer set-up's defaults, and how it is kept in the user's preference file.
+#include "mclib/print/setup.h"
+
+#include <array>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "mclib/frame/errors.h"
+#include "mclib/frame/host_ptr.h"
+#include "mclib/frame/shown_path.h"
+#include "mclib/frame/text_buffer.h"
+#include "mclib/frame/util.h"
+#include "mchost/mdl/files.h"
+#include "mchost/mdl/resource.h"
+#include "mclib/print/delivery.h"
+#include "mclib/print/folder.h"
+#include "mclib/print/print.h"
+#include "mclib/print/setup_record.h"
+#include "mclib/print/setup_store.h"
+#include "mclib/print/shared.h"
+
+namespace print {
+
+namespace {
+
+enum { MESSAGE_FILE = 13, MESSAGE_NO_VARIABLE = 21 };
+enum { PAGE_A4 = 9 };
+constexpr std::string_view nobodysPrinter = "\\\\server\\printer";
+
+// ---- defaults ----
+
+bool isFolder(const char* name) {
+    int32_t attributes = 0;
+    return mdlFile_getFileAttributes(&attributes, name) == MDL_SUCCESS && attributes & MDL_ATTRIBUTE_DIRECTORY;
+}
+
+std::string temporaryFolder() {
+    constexpr const char* usual = "c:\\temp\\";
+    if (isFolder(usual)) return usual;
+    const std::string folder = withSeparator(valueOf("MS_TMP"));
+    return folder.empty() ? usual : folder;
+}
+
+void setDefaultPlotter(mclibPrinterSetupData& setup) {
+    if (mdlFile_find(setup.plotterFile, nullptr, "MS_PLTR", nullptr) != MDL_SUCCESS) setup.plotterFile[0] = '\0';
+}
+
+void setDefaults(mclibPrinterSetupData& setup) {
+    setup = {};
+    setup.pageSize = PAGE_A4;
+    mclibPrint_getPageSize(&setup.pageWidth, &setup.pageHeight, PAGE_A4);
+    setup.marginLeft = 20;
+    setup.marginRight = setup.marginTop = setup.marginBottom = 10;
+    setup.orientation = 2;
+    setup.deviceType = PRINT_POSTSCRIPT;
+    setup.copies = 1;
+    copyText(setup.printerName, nobodysPrinter);
+    copyText(setup.fileName, temporaryFolder() + "mc.ps");
+    setDefaultPlotter(setup);
+}
+
+// ---- printers ----
+
+bool isListed(std::string_view path) {
+    StringList* const printers = mclibWin32_findWindowsPrinterNames();
+    const bool listed = rowOfPrinter(printers, path) >= 0;
+    mdlStringList_destroy(printers);
+    return listed;
+}
+
+// ---- the preference file ----
+
+void reportFile() {
+    const HostPtr<char> name(mdlSystem_getExpandedCfgVar("MS_USERPREF"));
+    if (name)
+        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, MESSAGE_FILE, shownPath(name.get()).c_str());
+    else
+        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, MESSAGE_NO_VARIABLE);
+}
+
+// The preference file, closed at the end of the scope.
+class PreferenceFile {
+  public:
+    explicit PreferenceFile(int mode) : open_(mclibUtil_openUserPrefFile(&handle_, mode) == MCLIB_SUCCESS) {}
+    ~PreferenceFile() {
+        if (open_) mdlResource_closeFile(handle_);
+    }
+    PreferenceFile(const PreferenceFile&) = delete;
+    PreferenceFile& operator=(const PreferenceFile&) = delete;
+    explicit operator bool() const { return open_; }
+    RscHandle handle() const { return handle_; }
+
+  private:
+    RscHandle handle_ = 0;
+    bool open_;
+};
+
+struct FreeResource {
+    void operator()(void* block) const { mdlResource_free(block); }
+};
+using Resource = std::unique_ptr<void, FreeResource>;
+
+// A block that is too short counts as none.
+bool loadFrom(const PreferenceFile& file, int32_t type, int32_t id, size_t size) {
+    const Resource block(mdlResource_load(file.handle(), type, id));
+    if (!block || static_cast<size_t>(mdlResource_size(block.get())) < size) return false;
+    setupLayout(LoadFields({static_cast<const uint8_t*>(block.get()), size}), *mclibpsd);
+    return true;
+}
+
+bool loadStored(const PreferenceFile& file) {
+    if (loadFrom(file, SETUP_TYPE, SETUP_ID, setupSize)) return true;
+    if (!loadFrom(file, OLDER_TYPE, OLDER_ID, olderSize)) return false;
+    setDefaultPlotter(*mclibpsd);
+    return true;
+}
+
+}  // namespace
+
+void loadSetup() {
+    if (!mclibpsd) return;
+    const PreferenceFile file(MDL_RSC_READ);
+    if (!file) reportFile();
+    if (!file || !loadStored(file)) setDefaults(*mclibpsd);
+}
+
+void readStoredSetup() {
+    if (!mclibpsd) return;
+    if (const PreferenceFile file(MDL_RSC_READ); file) loadStored(file);
+}
+
+void storeSetup() {
+    if (!mclibpsd) return;
+    const PreferenceFile file(MDL_RSC_WRITE);
+    std::array<uint8_t, setupSize> bytes{};
+    setupLayout(StoreFields(bytes), *mclibpsd);
+    if (!file || mdlResource_put(file.handle(), SETUP_TYPE, SETUP_ID, bytes.data(), setupSize) != MDL_SUCCESS)
+        reportFile();
+}
+
+bool isNobodysPrinter(std::string_view printer) {
+    return printer.empty() || printer == nobodysPrinter;
+}
+
+bool printerIsChosen() {
+    return !isNobodysPrinter(mclibpsd->printerName) || isListed(mclibpsd->printerName);
+}
+
+}  // namespace print

@@ -1,0 +1,152 @@
+// Application data elements: making, writing and finding them.
+#include "mclib/project/application_data.h"
+
+#include "mclib/frame/errors.h"
+#include "mchost/mdl/elmdscr.h"
+#include "mchost/mdl/scan.h"
+#include "mchost/mdl/system.h"
+#include "mclib/project/application_block.h"
+
+namespace {
+
+using application_data::Block;
+using application_data::ElementBytes;
+
+constexpr int dwgWorkmode = 1;
+constexpr const char* dwgKeepsDataVariable = "MS_DWGSAVEAPPLICATIONDATA";
+constexpr int dataNotKept = 28;
+constexpr int32_t scanPositions = 1;
+constexpr int32_t portionSize = 64;
+
+// ---- writing ----
+
+bool canBeStored(const void* data, int length) {
+    return length >= 0 && length <= MCLIB_APPLICATION_DATA_BYTES && (data != nullptr || length == 0);
+}
+
+ElementBytes makeElement(int applicationId, int subId, const void* data, int length) {
+    return application_data::makeElement(applicationId, subId,
+                                         {static_cast<const uint8_t*>(data), static_cast<size_t>(length)});
+}
+
+void warnWhereDataIsLost() {
+    char value[256];
+    if (mdlSystem_getWorkmode() == dwgWorkmode && mdlSystem_getenv(value, dwgKeepsDataVariable, sizeof value) != 0)
+        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, dataNotKept);
+}
+
+// ---- reading ----
+
+// The block of that application in an element of the host.
+std::optional<Block> blockOf(const MSElementBuffer* element, int applicationId) {
+    if (element == nullptr || element->head.size > MDL_ELEMENT_BYTES / 2) return {};
+    const auto block = application_data::readElement({element->bytes, size_t{element->head.size} * 2});
+    return block && block->applicationId == applicationId ? block : std::nullopt;
+}
+
+// ---- scanning ----
+
+class Criteria {
+  public:
+    Criteria() : criteria_(mdlScanCriteria_create()) {}
+    ~Criteria() { mdlScanCriteria_free(&criteria_); }
+    Criteria(const Criteria&) = delete;
+    Criteria& operator=(const Criteria&) = delete;
+    operator ScanCriteria*() const { return criteria_; }
+
+  private:
+    ScanCriteria* criteria_;
+};
+
+class Descriptor {
+  public:
+    Descriptor(FilePos position, ModelRef* model) { mdlElmdscr_read(&descriptor_, position, model); }
+    ~Descriptor() { mdlElmdscr_freeAll(&descriptor_); }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    MSElementBuffer* element() const { return descriptor_ == nullptr ? nullptr : descriptor_->element; }
+
+  private:
+    ElementDescr* descriptor_ = nullptr;
+};
+
+struct Scan {
+    void* userData;
+    int applicationId;
+    ModelRef* model;
+    MclibApplicationDataVisit visit;
+    bool isNative;
+    int found = 0;
+
+    // The visit's result; 0 for an element that isn't a block of the application.
+    int look(FilePos position, int32_t index) {
+        const Descriptor descriptor(position, model);
+        const auto block = blockOf(descriptor.element(), applicationId);
+        if (!block) return 0;
+        ++found;
+        void* data = const_cast<uint8_t*>(block->payload.data());
+        const auto size = static_cast<int32_t>(block->payload.size());
+        if (isNative) return visit(userData, block->subId, descriptor.element(), position, index, data, size);
+        return dlmSystem_callMdlFunction("PIPIIPI", mdlSystem_getCurrMdlDesc(), reinterpret_cast<void*>(visit),
+                                         userData, block->subId, descriptor.element(), position, index, data, size);
+    }
+};
+
+int run(Scan& scan) {
+    const Criteria criteria;
+    if (criteria == nullptr) return 0;
+    mdlScanCriteria_setModel(criteria, scan.model);
+    mdlScanCriteria_addSingleElementTypeTest(criteria, application_data::elementType);
+    mdlScanCriteria_addSingleLevelTest(criteria, application_data::elementLevel);
+    mdlScanCriteria_setReturnType(criteria, scanPositions, 0, 1);
+    FilePos positions[portionSize];
+    constexpr int32_t wordsPerPosition = sizeof(FilePos) / sizeof(uint16_t);
+    for (int status = MDL_SCAN_MORE; status == MDL_SCAN_MORE;) {
+        int32_t words = portionSize * wordsPerPosition;
+        status = mdlScanCriteria_scan(criteria, positions, &words, nullptr);
+        if (words == 0) break;
+        for (int32_t index = 0; index < words / wordsPerPosition; ++index) {
+            if (scan.look(positions[index], index) != 0) return index + 1;
+        }
+    }
+    return scan.found;
+}
+
+}  // namespace
+
+int mclib66Elem_saveData(MSElementBuffer* element, int applicationId, int subId, const void* data, int length) {
+    if (element == nullptr || !canBeStored(data, length)) return MCLIB_ERROR;
+    const ElementBytes made = makeElement(applicationId, subId, data, length);
+    std::memcpy(element, made.data(), static_cast<size_t>(length) + 40);
+    return MCLIB_SUCCESS;
+}
+
+int mclib66Elem_saveDataToFile(int applicationId, int subId, const void* data, int length, FilePos* position) {
+    if (!canBeStored(data, length)) return MCLIB_ERROR;
+    const ElementBytes made = makeElement(applicationId, subId, data, length);
+    const FilePos added = mdlElement_add(reinterpret_cast<const MSElementBuffer*>(made.data()));
+    if (position != nullptr) *position = added;
+    warnWhereDataIsLost();
+    return added != 0 ? int{MCLIB_SUCCESS} : int{MCLIB_ELEMENT_NOT_ADDED};
+}
+
+int mclib66Elem_getData(MSElementBuffer* element, int applicationId, int* subId, void** data, int* size) {
+    if (data != nullptr) *data = nullptr;
+    const auto block = blockOf(element, applicationId);
+    if (!block) return MCLIB_ERROR;
+    if (data != nullptr) *data = const_cast<uint8_t*>(block->payload.data());
+    if (size != nullptr) *size = static_cast<int>(block->payload.size());
+    if (subId != nullptr) *subId = block->subId;
+    return MCLIB_SUCCESS;
+}
+
+int mclib66Elem_scanDataFromFile(void* userData, int applicationId, ModelRef* model, MclibApplicationDataVisit visit) {
+    return mclib66Elem_scanDataFromFileExtended(userData, applicationId, model, visit, 0);
+}
+
+int mclib66Elem_scanDataFromFileExtended(void* userData, int applicationId, ModelRef* model,
+                                         MclibApplicationDataVisit visit, int isNative) {
+    if (visit == nullptr) return 0;
+    Scan scan = {userData, applicationId, model, visit, isNative != 0};
+    return run(scan);
+}

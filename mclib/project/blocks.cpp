@@ -1,0 +1,4 @@
+#include "mclib/project/shared.h"
+
+mclibProsjektData* mclibpd = nullptr;
+mclibSideData* mclibsd = nullptr;

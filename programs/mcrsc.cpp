@@ -1,0 +1,339 @@
+// mcrsc: compiles resource sources into one resource file. docs/sources.md tells what a source may have.
+#include <toml++/toml.h>
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <limits>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "mchost/base/number_format.h"
+#include "mchost/mdl/dialog.h"
+#include "mchost/resource/container.h"
+#include "mchost/session/program.h"
+#include "mchost/base/charset.h"
+
+namespace {
+
+MCHOST_FIRST const host::ProgramStart programStart;
+
+using host::DialogLayout;
+using host::Icon;
+using host::ItemLayout;
+using host::ResourceContents;
+using host::RowLayout;
+using host::Texts;
+
+struct KindName {
+    std::string_view name;
+    int32_t kind;
+};
+constexpr auto kindNames = std::to_array<KindName>({
+    {"push button", ITEM_PUSH_BUTTON},
+    {"text", ITEM_TEXT},
+    {"label", ITEM_LABEL},
+    {"list box", ITEM_LIST_BOX},
+    {"generic", ITEM_GENERIC},
+    {"toggle", ITEM_TOGGLE},
+    {"option button", ITEM_OPTION_BUTTON},
+    {"group box", ITEM_GROUP_BOX},
+    {"combo box", ITEM_COMBO_BOX},
+});
+constexpr int32_t usualItemHeight = 20;
+
+// The conversions of a printf format, such as "%d%s" for "%5d files in %s".
+std::string conversionsOf(std::string_view format) {
+    std::string found;
+    for (size_t i = format.find('%'); i < format.size(); i = format.find('%', i + 1)) {
+        const size_t end = format.find_first_not_of("0123456789.+-# '*hlLqjzt", i + 1);
+        if (end == std::string_view::npos) break;
+        if (format[end] != '%') {
+            for (const char c : format.substr(i, end - i + 1))
+                if (std::string_view("0123456789.+-# '").find(c) == std::string_view::npos) found.push_back(c);
+        }
+        i = end;
+    }
+    return found;
+}
+
+// Compiles sources one after another; each fault is one line on standard error.
+class Compiler {
+  public:
+    void compile(const std::string& path);
+    void requireEnglish();
+    int faults() const { return faults_; }
+    const ResourceContents& contents() const { return contents_; }
+
+  private:
+    void compileList(const toml::table& list);
+    void compileString(int32_t list, std::string_view language, const toml::key& key, const toml::node& node);
+    void compileDialog(const toml::table& source);
+    ItemLayout compileItem(const toml::table& source, const std::string& dialog);
+    void compileIcon(const toml::table& source);
+
+    void fault(const toml::node& where, const std::string& what) {
+        const auto line = where.source().begin.line;
+        std::fprintf(stderr, "mcrsc: %s:%u: %s\n", path_.c_str(), static_cast<unsigned>(line), what.c_str());
+        ++faults_;
+    }
+    void requireKeys(const toml::table& table, std::initializer_list<std::string_view> known);
+    int32_t number(const toml::table& table, std::string_view key, std::optional<int32_t> fallback = std::nullopt);
+    std::string narrow(const toml::node& node, const std::string& what);
+    std::string plainText(const toml::table& table, std::string_view key, const std::string& what);
+    Texts texts(const toml::table& table, std::string_view key, const std::string& what);
+    template <class Work>
+    void eachTable(const toml::table& table, std::string_view key, Work work);
+
+    std::string path_;
+    std::string language_;
+    ResourceContents contents_;
+    int faults_ = 0;
+};
+
+template <class Work>
+void Compiler::eachTable(const toml::table& table, std::string_view key, Work work) {
+    const toml::node* node = table.get(key);
+    if (!node) return;
+    const toml::array* array = node->as_array();
+    if (!array) return fault(*node, "\"" + std::string(key) + "\" must be an array of tables");
+    for (const toml::node& element : *array) {
+        if (const toml::table* inner = element.as_table())
+            work(*inner);
+        else
+            fault(element, "\"" + std::string(key) + "\" must hold tables");
+    }
+}
+
+// A misspelt key would otherwise be lost without a word.
+void Compiler::requireKeys(const toml::table& table, std::initializer_list<std::string_view> known) {
+    for (const auto& [key, node] : table)
+        if (std::find(known.begin(), known.end(), key.str()) == known.end())
+            fault(node, "unknown key \"" + std::string(key.str()) + "\"");
+}
+
+int32_t Compiler::number(const toml::table& table, std::string_view key, std::optional<int32_t> fallback) {
+    const toml::node* node = table.get(key);
+    if (!node) {
+        if (!fallback) fault(table, "\"" + std::string(key) + "\" is missing");
+        return fallback.value_or(0);
+    }
+    const std::optional<int64_t> value = node->value_exact<int64_t>();
+    if (!value || *value < std::numeric_limits<int32_t>::min() || *value > std::numeric_limits<int32_t>::max()) {
+        fault(*node, "\"" + std::string(key) + "\" must be a whole number of 32 bits");
+        return 0;
+    }
+    return static_cast<int32_t>(*value);
+}
+
+std::string Compiler::narrow(const toml::node& node, const std::string& what) {
+    const std::optional<std::string_view> text = node.value_exact<std::string_view>();
+    if (!text) {
+        fault(node, what + ": must be a text in quotes");
+        return {};
+    }
+    host::NarrowText result = host::narrowFromUtf8(*text);
+    if (result.badPosition) {
+        size_t end = *result.badPosition;
+        host::nextUtf8(*text, end);
+        fault(node, what + ": the character \"" +
+                        std::string(text->substr(*result.badPosition, end - *result.badPosition)) +
+                        "\" has no code in Windows-1252; write it otherwise");
+    }
+    if (result.text.size() > host::longestString)
+        fault(node, what + ": has " + std::to_string(result.text.size()) + " characters; " +
+                        std::to_string(host::longestString) + " is the most");
+    if (result.text.find('\0') != std::string::npos) fault(node, what + ": holds a NUL character");
+    return result.text;
+}
+
+std::string Compiler::plainText(const toml::table& table, std::string_view key, const std::string& what) {
+    const toml::node* node = table.get(key);
+    return node ? narrow(*node, what + ", " + std::string(key)) : std::string();
+}
+
+Texts Compiler::texts(const toml::table& table, std::string_view key, const std::string& what) {
+    Texts result;
+    const toml::node* node = table.get(key);
+    if (!node) return result;
+    const std::string place = what + ", " + std::string(key);
+    const toml::table* languages = node->as_table();
+    if (!languages) {
+        result.set(host::fallbackLanguage, narrow(*node, place));
+        return result;
+    }
+    for (const auto& [language, text] : *languages)
+        result.set(language.str(), narrow(text, place + ", language " + std::string(language.str())));
+    if (!result.has(host::fallbackLanguage)) fault(*node, place + ": has no English text");
+    return result;
+}
+
+void Compiler::compileString(int32_t list, std::string_view language, const toml::key& key, const toml::node& node) {
+    const std::string what = "list " + std::to_string(list) + ", number " + std::string(key.str());
+    int32_t messageId = 0;
+    const std::string_view digits = key.str();
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), messageId);
+    if (error != std::errc() || end != digits.data() + digits.size())
+        return fault(node, what + ": a message goes under a whole number");
+    Texts& known = contents_.strings[{list, messageId}];
+    if (known.has(language)) return fault(node, what + ": has a text in " + std::string(language) + " already");
+    known.set(language, narrow(node, what));
+}
+
+void Compiler::compileList(const toml::table& list) {
+    requireKeys(list, {"id", "text"});
+    const int32_t id = number(list, "id");
+    if (language_.empty()) return fault(list, "\"language\" is missing at the head of the file");
+    const toml::table* texts = list["text"].as_table();
+    if (!texts) return fault(list, "list " + std::to_string(id) + ": has no [list.text]");
+    for (const auto& [key, node] : *texts) compileString(id, language_, key, node);
+}
+
+ItemLayout Compiler::compileItem(const toml::table& source, const std::string& dialog) {
+    requireKeys(source,
+                {"kind", "id", "x", "y", "width", "height", "hook", "access", "format", "label", "rows", "group"});
+    ItemLayout item;
+    const std::string name = source["kind"].value_or(std::string());
+    const auto kind =
+        std::find_if(kindNames.begin(), kindNames.end(), [&](const KindName& k) { return k.name == name; });
+    if (kind == kindNames.end())
+        fault(source, dialog + ": unknown item kind \"" + name + "\"");
+    else
+        item.kind = kind->kind;
+    item.id = number(source, "id");
+    item.x = number(source, "x");
+    item.y = number(source, "y");
+    item.width = number(source, "width");
+    item.height = number(source, "height", usualItemHeight);
+    item.hook = number(source, "hook", 0);
+    item.group = number(source, "group", 0);
+    const std::string what = dialog + ", " + name + " " + std::to_string(item.id);
+    item.access = plainText(source, "access", what);
+    item.format = plainText(source, "format", what);
+    if (!item.format.empty() && !host::isValueFormat(item.format))
+        fault(source, what + ": the format \"" + item.format + "\" must have one conversion, such as %8.3f");
+    item.label = texts(source, "label", what);
+    eachTable(source, "rows", [&](const toml::table& row) {
+        requireKeys(row, {"value", "label"});
+        item.rows.push_back({number(row, "value"), texts(row, "label", what + ", row")});
+    });
+    if (!item.rows.empty() && item.kind != ITEM_OPTION_BUTTON) fault(source, what + ": only option buttons have rows");
+    return item;
+}
+
+void Compiler::compileDialog(const toml::table& source) {
+    requireKeys(source, {"id", "title", "width", "height", "hook", "item"});
+    DialogLayout dialog;
+    dialog.id = number(source, "id");
+    dialog.width = number(source, "width");
+    dialog.height = number(source, "height");
+    dialog.hook = number(source, "hook", 0);
+    const std::string what = "dialog " + std::to_string(dialog.id);
+    dialog.title = texts(source, "title", what);
+    std::set<std::pair<int32_t, int32_t>> seen;  // kinds and ids
+    eachTable(source, "item", [&](const toml::table& item) {
+        dialog.items.push_back(compileItem(item, what));
+        const ItemLayout& last = dialog.items.back();
+        if (!seen.emplace(last.kind, last.id).second)
+            fault(item, what + ": has an item of this kind and id " + std::to_string(last.id) + " already");
+    });
+    for (const ItemLayout& item : dialog.items)
+        if (item.group != 0 && !seen.contains({ITEM_GROUP_BOX, item.group}))
+            fault(source,
+                  what + ", item " + std::to_string(item.id) + ": there is no group box " + std::to_string(item.group));
+    if (!contents_.dialogs.emplace(dialog.id, std::move(dialog)).second) fault(source, what + ": comes twice");
+}
+
+void Compiler::compileIcon(const toml::table& source) {
+    requireKeys(source, {"id", "sign", "rows"});
+    Icon icon;
+    icon.id = number(source, "id");
+    const std::string what = "icon " + std::to_string(icon.id);
+    icon.sign = plainText(source, "sign", what);
+    const toml::array* rows = source["rows"].as_array();
+    if (!rows || rows->empty()) return fault(source, what + ": has no rows");
+    icon.size = static_cast<int32_t>(rows->size());
+    for (const toml::node& node : *rows) {
+        const std::string row = narrow(node, what);
+        if (row.size() != rows->size()) return fault(node, what + ": must have as many columns as rows");
+        for (const char pixel : row) icon.pixels.push_back(pixel == '#');
+    }
+    if (!contents_.icons.emplace(icon.id, std::move(icon)).second) fault(source, what + ": comes twice");
+}
+
+void Compiler::compile(const std::string& path) {
+    path_ = path;
+    try {
+        const toml::table source = toml::parse_file(path);
+        requireKeys(source, {"language", "list", "dialog", "icon"});
+        language_ = source["language"].value_or(std::string());
+        eachTable(source, "list", [&](const toml::table& list) { compileList(list); });
+        eachTable(source, "dialog", [&](const toml::table& dialog) { compileDialog(dialog); });
+        eachTable(source, "icon", [&](const toml::table& icon) { compileIcon(icon); });
+    } catch (const toml::parse_error& error) {
+        const auto line = error.source().begin.line;  // 0: the file couldn't be read at all
+        const std::string place = line == 0 ? path : path + ":" + std::to_string(line);
+        std::fprintf(stderr, "mcrsc: %s: %s\n", place.c_str(), std::string(error.description()).c_str());
+        ++faults_;
+    }
+}
+
+void Compiler::requireEnglish() {
+    const auto faultOf = [&](const std::pair<int32_t, int32_t>& key, const std::string& what) {
+        std::fprintf(stderr, "mcrsc: list %d, number %d: %s\n", key.first, key.second, what.c_str());
+        ++faults_;
+    };
+    for (const auto& [key, texts] : contents_.strings) {
+        if (!texts.has(host::fallbackLanguage)) {
+            faultOf(key, "has no English text");
+            continue;
+        }
+        const std::string wanted = conversionsOf(texts.textIn(host::fallbackLanguage));
+        for (const auto& [language, text] : texts.all())
+            if (conversionsOf(text) != wanted)
+                faultOf(key, "language " + language + " has the conversions \"" + conversionsOf(text) +
+                                 "\" where English has \"" + wanted + "\"");
+    }
+}
+
+int runWith(int argc, char** argv) {
+    CLI::App app("Compiles resource sources (TOML) into one resource file.", "mcrsc");
+    std::string output;
+    std::vector<std::string> sources;
+    app.add_option("-o,--output", output, "The resource file to make")->type_name("FILE.rsc");
+    app.add_option("sources", sources, "Sources of string lists, dialogs and icons")->type_name("FILE.toml");
+    app.set_version_flag("--version", "mcrsc " MCHOST_VERSION);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : 2;
+    }
+    // Told by hand, so that an option that isn't known is named first.
+    if (output.empty() || sources.empty()) {
+        std::fprintf(stderr, "mcrsc: %s; give --output FILE and the sources. --help tells more.\n",
+                     output.empty() ? "the resource file to make isn't named" : "there are no sources");
+        return 2;
+    }
+
+    Compiler compiler;
+    for (const std::string& source : sources) compiler.compile(source);
+    compiler.requireEnglish();
+    if (compiler.faults() > 0) return 1;
+    try {
+        host::writeContainer(output, compiler.contents());
+    } catch (const host::ResourceError& error) {
+        std::fprintf(stderr, "mcrsc: %s\n", error.what());
+        return 1;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    return host::runProgram("mcrsc", [&] { return runWith(argc, argv); });
+}

@@ -1,4 +1,0 @@
-#include "project/shared.h"
-
-mclibProsjektData* mclibpd = nullptr;
-mclibSideData* mclibsd = nullptr;
