@@ -1,10 +1,4 @@
 # Cell libraries are compiled from text sources by mccel.
-add_executable(mccel ${PROJECT_SOURCE_DIR}/host/mccel.cpp ${PROJECT_SOURCE_DIR}/host/mccel_values.cpp)
-target_link_libraries(mccel PRIVATE mchost CLI11::CLI11)
-add_dependencies(product mccel)
-target_compile_definitions(mccel PRIVATE MCHOST_VERSION="${PROJECT_VERSION}")
-# A malformed source has a message; the asserts of toml++ in front of some of them would end the program.
-target_compile_options(mccel PRIVATE "-DTOML_ASSERT(expr)=static_assert(true)")
 
 # mclib_cell_library(NAME SOURCES...): NAME.cel from sources in the current folder, at build time. It goes to the folder
 # "cell" beside mclib.rsc, where the library looks by default. The target is NAME-cells.

@@ -5,20 +5,22 @@ include(CMakePackageConfigHelpers)
 install(TARGETS mchost mclib EXPORT mclib-targets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS mchost-program mcrsc mccel mcshell RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-file(GLOB FAMILY_HEADERS RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS mclib.h frame/*.h text/*.h elmattr/*.h geometry/*.h
-     arrows/*.h print/*.h forms/*.h project/*.h design/*.h batch/*.h mchost/mdl/*.h)
-foreach(header ${FAMILY_HEADERS})
-  file(STRINGS ${PROJECT_SOURCE_DIR}/${header} internal REGEX "^#pragma once")  # public headers are plain C with guards
-  if(NOT internal)
-    get_filename_component(folder ${header} DIRECTORY)
-    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/mclib/${folder})
+foreach(room mclib mchost/mdl ${ROOMS})
+  if(room MATCHES "^mclib" OR room STREQUAL "mchost/mdl")
+    file(GLOB headers RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${room}/*.h)
+    foreach(header ${headers})
+      file(STRINGS ${PROJECT_SOURCE_DIR}/${header} internal REGEX "^#pragma once")  # public ones are plain C with guards
+      if(NOT internal)
+        install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${room})
+      endif()
+    endforeach()
   endif()
 endforeach()
 
 install(FILES ${CMAKE_BINARY_DIR}/lib/mclib.rsc DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 install(DIRECTORY ${CMAKE_BINARY_DIR}/lib/cell DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 install(FILES programs/mchost.cfg DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
-install(DIRECTORY host/plotters DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
+install(DIRECTORY programs/plotters DESTINATION ${CMAKE_INSTALL_DATADIR}/mclib)
 
 # The documents as they stand in the source tree, so that their links hold, and what they speak of.
 set(DOCUMENTS ${CMAKE_INSTALL_DOCDIR})

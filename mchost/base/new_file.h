@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "mchost/files/unfinished.h"
+#include "mchost/base/unfinished.h"
 
 namespace host {
 

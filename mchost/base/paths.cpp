@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <optional>
 
-#include "mchost/session/state.h"
 #include "mchost/base/charset.h"
+#include "mchost/base/variables.h"
 
 namespace host {
 

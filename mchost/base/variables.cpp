@@ -2,12 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <vector>
-
-#include "mchost/mdl/system.h"
-#include "mchost/base/guard.h"
-#include "mchost/session/state.h"
 
 namespace host {
 
@@ -114,69 +109,19 @@ std::map<std::string, std::string> Variables::expandedValues(std::string_view na
     return values;
 }
 
-Variables& variables() {
-    static Variables ofProcess;
-    return activeState != nullptr ? activeState->variables : ofProcess;
-}
-
 namespace {
 
-void copyCut(char* buffer, int size, std::string_view text) {
-    if (buffer == nullptr || size <= 0) return;
-    const size_t length = std::min(text.size(), static_cast<size_t>(size) - 1);
-    std::memcpy(buffer, text.data(), length);
-    buffer[length] = '\0';
-}
-
-char* newBlock(std::string_view text) {
-    auto* block = static_cast<char*>(dlmSystem_mdlMalloc(text.size() + 1));
-    if (block != nullptr) copyCut(block, static_cast<int>(text.size()) + 1, text);
-    return block;
-}
-
-// Copies a value that is defined; the status of the call.
-int give(char* buffer, int size, const std::optional<std::string>& value) {
-    if (!value) return MDL_ERROR;
-    copyCut(buffer, size, *value);
-    return MDL_SUCCESS;
-}
+Variables* inForce = nullptr;
 
 }  // namespace
 
+void useVariables(Variables* variables) {
+    inForce = variables;
+}
+
+Variables& variables() {
+    static Variables ofProcess;
+    return inForce != nullptr ? *inForce : ofProcess;
+}
+
 }  // namespace host
-
-using namespace host;
-
-int mdlSystem_getenv(char* buffer, const char* name, int size) {
-    return guarded<int>(MDL_ERROR,
-                        [&] { return name == nullptr ? MDL_ERROR : give(buffer, size, variables().value(name)); });
-}
-
-int mdlSystem_getCfgVar(char* buffer, const char* name, int size) {
-    return guarded<int>(
-        MDL_ERROR, [&] { return name == nullptr ? MDL_ERROR : give(buffer, size, variables().expandedValue(name)); });
-}
-
-int mdlSystem_defineCfgVar(const char* name, const char* value, int level) {
-    return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (name == nullptr) return MDL_ERROR;
-        return variables().define(name, value == nullptr ? "" : value, level) ? MDL_SUCCESS : MDL_ERROR;
-    });
-}
-
-int mdlSystem_deleteCfgVar(const char* name) {
-    return guarded<int>(MDL_ERROR,
-                        [&]() -> int { return name != nullptr && variables().remove(name) ? MDL_SUCCESS : MDL_ERROR; });
-}
-
-char* mdlSystem_expandCfgVar(const char* text) {
-    return guarded<char*>(nullptr,
-                          [&]() -> char* { return text == nullptr ? nullptr : newBlock(variables().expand(text)); });
-}
-
-char* mdlSystem_getExpandedCfgVar(const char* name) {
-    return guarded<char*>(nullptr, [&]() -> char* {
-        const std::optional<std::string> value = name == nullptr ? std::nullopt : variables().expandedValue(name);
-        return value ? newBlock(*value) : nullptr;
-    });
-}

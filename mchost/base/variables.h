@@ -39,4 +39,9 @@ class HOST_EXPORT Variables {
     std::map<std::string, Entry, std::less<>> entries_;
 };
 
+// The variables in force: those of the session, or of the process when there is none.
+Variables& variables();
+// Null: those of the process.
+void useVariables(Variables* variables);
+
 }  // namespace host

@@ -9,15 +9,16 @@
 #include <string>
 #include <vector>
 
-#include "mchost/session/front_end.h"
+#include "mchost/base/charset.h"
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
+#include "mchost/base/variables.h"
 #include "mchost/mdl/file_dialogs.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/lists.h"
-#include "mchost/base/guard.h"
+#include "mchost/session/front_end.h"
 #include "mchost/session/session.h"
 #include "mchost/session/state.h"
-#include "mchost/base/charset.h"
-#include "mchost/base/paths.h"
 
 namespace host {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "mchost/mdl/system.h"
 #include "mchost/base/guard.h"
+#include "mchost/mdl/system.h"
 #include "mchost/session/session.h"
 
 namespace host {
@@ -40,7 +40,8 @@ void letGoOf(MdlDesc* desc) {
 }
 
 void watchApplications() {
-    static const bool watching = (observeApplicationEnd(letGoOf), observeSessionEnd([] { letGoOf(nullptr); }), true);
+    static const bool watching = (observeApplicationEnd(letGoOf), observeSessionEnd([] { letGoOf(nullptr); }),
+                                  observeReturn(closeQueuedDialogs), true);
     (void)watching;
 }
 

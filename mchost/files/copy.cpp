@@ -9,10 +9,9 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "mchost/mdl/files.h"
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
-#include "mchost/printing/printers.h"
+#include "mchost/mdl/files.h"
 
 namespace host {
 
@@ -126,18 +125,4 @@ int copyFile(const fs::path& destination, const fs::path& source) {
     return failed != 0 ? failed : copy.putInPlace(place);
 }
 
-int copyTo(std::string_view destination, std::string_view source) {
-    const std::string from = systemPath(source);
-    if (const std::optional<PrintTarget> target = printTargetOf(destination)) return printFile(from, *target);
-    if (destination.starts_with("\\\\")) return ENOENT;  // on a server, and no printer
-    return copyFile(systemPath(destination), from);
-}
-
 }  // namespace host
-
-int mdlFile_copy(const char* destination, const char* source) {
-    return host::guarded<int>(EIO, [&]() -> int {
-        if (destination == nullptr || source == nullptr || destination[0] == '\0') return EINVAL;
-        return host::copyTo(destination, source);
-    });
-}

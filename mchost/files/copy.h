@@ -6,7 +6,7 @@
 #include <string>
 
 #include "mchost/base/export.h"
-#include "mchost/files/unfinished.h"
+#include "mchost/base/unfinished.h"
 
 namespace host {
 
@@ -33,8 +33,5 @@ class TemporaryFile {
 
 // Copies a file on paths of the system, as mdlFile_copy does for names of files.
 HOST_EXPORT int copyFile(const std::filesystem::path& destination, const std::filesystem::path& source);
-
-// Copies to any destination of mdlFile_copy.
-HOST_EXPORT int copyTo(std::string_view destination, std::string_view source);
 
 }  // namespace host

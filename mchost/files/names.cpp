@@ -5,11 +5,11 @@
 #include <filesystem>
 #include <optional>
 
-#include "mchost/mdl/files.h"
+#include "mchost/base/existing_path.h"
 #include "mchost/base/guard.h"
-#include "mchost/session/state.h"
 #include "mchost/base/paths.h"
-#include "mchost/processes/programs.h"
+#include "mchost/base/variables.h"
+#include "mchost/mdl/files.h"
 
 namespace host {
 

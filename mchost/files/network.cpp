@@ -1,9 +1,18 @@
 #include "mchost/files/network.h"
 
+#include <fstream>
+#include <iterator>
+
 #include <algorithm>
 #include <array>
 #include <filesystem>
 #include <sstream>
+
+#include "mchost/base/guard.h"
+#include "mchost/base/packed_texts.h"
+#include "mchost/base/paths.h"
+#include "mchost/base/variables.h"
+#include "mchost/mdl/win32.h"
 
 namespace host {
 
@@ -73,4 +82,27 @@ std::string universalName(const std::string& path, std::string_view mounts) {
     return name;
 }
 
+namespace {
+
+std::string mountTable() {
+    const std::string named = variables().expandedValue("MC_MOUNTS").value_or("");
+    std::ifstream file(named.empty() ? "/proc/mounts" : systemPath(named));
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+}  // namespace
+
 }  // namespace host
+
+using namespace host;
+
+uint32_t WNetGetUniversalNameA(const char* path, uint32_t infoLevel, void* buffer, uint32_t* sizeP) {
+    return guarded<uint32_t>(WIN32_BAD_PARAMETER, [&]() -> uint32_t {
+        if (path == nullptr || infoLevel != 1 || sizeP == nullptr) return WIN32_BAD_PARAMETER;
+        const std::string name = universalName(systemPath(path), mountTable());
+        if (name.empty()) return WIN32_NOT_CONNECTED;
+        PackedTexts<Win32UniversalName> packed(1);
+        packed.add(0, &Win32UniversalName::name, hostName(name));
+        return packed.give(buffer, *sizeP, sizeP) ? WIN32_SUCCESS : WIN32_MORE_DATA;
+    });
+}

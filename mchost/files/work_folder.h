@@ -6,7 +6,7 @@
 #include <string>
 
 #include "mchost/base/export.h"
-#include "mchost/files/unfinished.h"
+#include "mchost/base/unfinished.h"
 
 namespace host {
 

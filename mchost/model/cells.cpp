@@ -7,15 +7,15 @@
 #include <filesystem>
 #include <memory>
 
+#include "mchost/base/existing_path.h"
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
 #include "mchost/mdl/system.h"
 #include "mchost/model/cell_library.h"
 #include "mchost/model/container.h"
 #include "mchost/model/model.h"
 #include "mchost/model/recent_libraries.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/session.h"
-#include "mchost/base/paths.h"
-#include "mchost/processes/programs.h"
 
 struct MdlCellLibrary {
     std::shared_ptr<const host::CellLibrary> library;  // null when none is attached

@@ -4,16 +4,16 @@
 #include <cstring>
 #include <filesystem>
 
+#include "mchost/base/paths.h"
+#include "mchost/base/unfinished.h"
 #include "mchost/mdl/model.h"
 #include "mchost/model/model.h"
 #include "mchost/picture/draft.h"
 #include "mchost/picture/drawing.h"
 #include "mchost/plot/plotter.h"
+#include "mchost/printing/printers.h"
 #include "mchost/space/vector.h"
 #include "mchost/space/view.h"
-#include "mchost/base/paths.h"
-#include "mchost/printing/printers.h"
-#include "mchost/files/unfinished.h"
 
 namespace host {
 namespace {

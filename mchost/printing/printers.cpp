@@ -1,4 +1,6 @@
 #include "mchost/printing/printers.h"
+#include "mchost/base/existing_path.h"
+#include "mchost/base/variables.h"
 
 #include <strings.h>
 #include <unistd.h>
@@ -9,10 +11,10 @@
 #include <charconv>
 #include <filesystem>
 
-#include "mchost/session/state.h"
-#include "mchost/files/copy.h"
 #include "mchost/base/paths.h"
+#include "mchost/files/copy.h"
 #include "mchost/processes/programs.h"
+#include "mchost/session/state.h"
 
 namespace host {
 

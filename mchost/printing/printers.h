@@ -21,7 +21,7 @@ HOST_EXPORT std::optional<PrintTarget> printTargetOf(std::string_view destinatio
 
 // Hands the file (a path of the system) over as a print job. 0, or the system's error number: ENXIO when there is no
 // such printer, EIO when the print system refuses the job.
-int printFile(const std::string& path, const PrintTarget& target);
+HOST_EXPORT int printFile(const std::string& path, const PrintTarget& target);
 
 // Texts are UTF-8; those that aren't known are empty.
 struct Printer {

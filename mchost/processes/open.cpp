@@ -1,11 +1,13 @@
 #include "mchost/processes/open.h"
+#include "mchost/base/existing_path.h"
+#include "mchost/base/variables.h"
 
 #include <string>
 #include <vector>
 
-#include "mchost/session/state.h"
 #include "mchost/base/paths.h"
 #include "mchost/processes/programs.h"
+#include "mchost/session/state.h"
 
 namespace host {
 

@@ -1,4 +1,5 @@
 #include "mchost/processes/programs.h"
+#include "mchost/base/variables.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -18,8 +19,9 @@
 #include <memory>
 #include <thread>
 
-#include "mchost/session/state.h"
+#include "mchost/base/existing_path.h"
 #include "mchost/base/paths.h"
+#include "mchost/session/state.h"
 
 namespace host {
 
@@ -32,19 +34,6 @@ namespace fs = std::filesystem;
 bool isProgram(const fs::path& path) {
     std::error_code error;
     return access(path.c_str(), X_OK) == 0 && !fs::is_directory(path, error);
-}
-
-// The first entry of a folder, in order of name, that is called so, letter case aside, and that `fits`.
-template <class Fits>
-std::optional<std::string> entryIgnoringCase(const fs::path& folder, const std::string& name, Fits fits) {
-    std::optional<std::string> found;
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-        std::string candidate = entry->path().filename();
-        if (strcasecmp(candidate.c_str(), name.c_str()) != 0 || (found && *found < candidate)) continue;
-        if (fits(entry->path())) found = std::move(candidate);
-    }
-    return found;
 }
 
 std::string lowerCase(std::string text) {
@@ -176,26 +165,6 @@ std::string allFrom(int descriptor) {
 bool beginsWithDrive(std::string_view word) {
     const char letter = word.size() < 3 ? '\0' : static_cast<char>(word[0] | 0x20);
     return letter >= 'a' && letter <= 'z' && word[1] == ':' && (word[2] == '\\' || word[2] == '/');
-}
-
-std::optional<std::string> existingPath(const std::string& path) {
-    std::error_code error;
-    if (path.size() >= PATH_MAX) return std::nullopt;  // the system opens none
-    if (fs::exists(path, error)) return path;
-    const fs::path whole = path;
-    fs::path found = whole.root_path();
-    for (const fs::path& part : whole.relative_path()) {
-        if (part.empty()) continue;  // behind a separator at the end
-        if (fs::exists(found / part, error)) {
-            found /= part;
-            continue;
-        }
-        if (found.empty()) found = ".";
-        const auto entry = entryIgnoringCase(found, part, [](const fs::path&) { return true; });
-        if (!entry) return std::nullopt;
-        found /= *entry;
-    }
-    return whole.has_relative_path() ? std::optional(found) : std::nullopt;
 }
 
 std::optional<std::string> findProgram(std::string_view name) {

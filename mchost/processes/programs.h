@@ -13,10 +13,6 @@
 
 namespace host {
 
-// The path of what is there under that path, letter case aside where a part of it isn't there as it stands; nothing
-// when there is none. Of several that differ in case alone it is the first in order of name.
-HOST_EXPORT std::optional<std::string> existingPath(const std::string& path);
-
 // A program's path: a host path, or a name in a folder of PATH. Letter case doesn't count where no file has the name as
 // it stands; quotes around it are dropped.
 HOST_EXPORT std::optional<std::string> findProgram(std::string_view name);

@@ -1,12 +1,13 @@
 // The host's user preference file.
 #include <filesystem>
 
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
+#include "mchost/base/variables.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/resource/store.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/state.h"
-#include "mchost/base/paths.h"
 
 namespace host {
 

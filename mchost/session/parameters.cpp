@@ -2,10 +2,11 @@
 #include <cstring>
 #include <variant>
 
+#include "mchost/base/guard.h"
+#include "mchost/base/variables.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/state.h"
 
 namespace host {

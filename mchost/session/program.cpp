@@ -8,7 +8,7 @@
 #include <new>
 
 #include "mchost/base/guard.h"
-#include "mchost/files/unfinished.h"
+#include "mchost/base/unfinished.h"
 
 namespace host {
 

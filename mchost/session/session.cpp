@@ -4,12 +4,10 @@
 #include <cstdio>
 #include <stdexcept>
 
-#include "mchost/dialog/dialog.h"
-#include "mchost/front/dialog_text.h"
+#include "mchost/base/guard.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/session/applications.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/state.h"
 
 namespace host {
@@ -21,23 +19,14 @@ namespace {
 
 Session* activeSession = nullptr;
 
-// Lines and dialogs to the standard streams; nobody answers.
-class PlainFrontEnd : public FrontEnd {
-  public:
-    void console(std::string_view text) override { std::fwrite(text.data(), 1, text.size(), stdout); }
-    void messageField(int, std::string_view) override {}
-    void messageCenter(int, std::string_view brief, std::string_view details) override {
-        std::fprintf(stderr, "%.*s%s%.*s\n", static_cast<int>(brief.size()), brief.data(), details.empty() ? "" : ": ",
-                     static_cast<int>(details.size()), details.data());
-    }
-    bool runModal(Dialog& dialog) override {
-        dialog.refresh();
-        std::fputs(textOf(dialog).c_str(), stderr);
-        return false;
-    }
-};
+FrontEndMaker makeDefaultFrontEnd = nullptr;
 
 std::vector<void (*)()>& sessionEndObservers() {
+    static std::vector<void (*)()> observers;
+    return observers;
+}
+
+std::vector<void (*)()>& returnObservers() {
     static std::vector<void (*)()> observers;
     return observers;
 }
@@ -46,10 +35,10 @@ bool designFileIsOpen() {
     return mdlModelRef_getActive() != nullptr;
 }
 
-// Control is back in the host: closes the dialogs that wait for that, carries out key-ins, and stores what the finished
+// Control is back in the host: tells the rooms that wait for that, carries out key-ins, and stores what the finished
 // command changed.
 void finishCommand(Session::State& state) {
-    closeQueuedDialogs();
+    for (void (*observer)() : returnObservers()) observer();
     std::erase_if(state.keyIns, [&](const KeyIn& k) { return k.task.empty() && state.carryOut && state.carryOut(k); });
     if (designFileIsOpen() && mdlSystem_saveDesignFile() != MDL_SUCCESS) markFailed();
 }
@@ -60,16 +49,21 @@ void closeDesignFile() {
 
 }  // namespace
 
+void setDefaultFrontEnd(FrontEndMaker make) {
+    makeDefaultFrontEnd = make;
+}
+
 Session::Session(SessionOptions options) : state_(std::make_unique<State>()) {
     if (activeSession != nullptr) throw std::logic_error("a session is running already in this process");
     static int32_t lastNumber = 0;
     state_->number = ++lastNumber;
-    state_->frontEnd = options.frontEnd ? std::move(options.frontEnd) : std::make_unique<PlainFrontEnd>();
+    state_->frontEnd = options.frontEnd ? std::move(options.frontEnd) : makeDefaultFrontEnd();
     for (const auto& [name, value] : options.variables)
         state_->variables.define(name, value, Variables::levelCount - 1);
     state_->carryOut = std::move(options.carryOut);
     activeSession = this;
     activeState = state_.get();
+    useVariables(&state_->variables);
     startClock();
     resetParameters();
 }
@@ -82,6 +76,7 @@ Session::~Session() {
     currentApplication = nullptr;
     activeSession = nullptr;
     activeState = nullptr;
+    useVariables(nullptr);
 }
 
 void Session::finish() {
@@ -117,6 +112,10 @@ void markFailed() {
 
 void observeSessionEnd(void (*observer)()) {
     sessionEndObservers().push_back(observer);
+}
+
+void observeReturn(void (*observer)()) {
+    returnObservers().push_back(observer);
 }
 
 ApplicationScope::ApplicationScope(MdlDesc* desc) : before_(currentApplication), entered_(desc) {

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "mchost/base/export.h"
-#include "mchost/session/front_end.h"
 #include "mchost/mdl/types.h"
+#include "mchost/session/front_end.h"
 #include "mchost/session/keyin.h"
 
 namespace host {
@@ -25,6 +25,10 @@ struct SessionOptions {
     // in the queue. None: all stay.
     std::function<bool(const KeyIn&)> carryOut = {};
 };
+
+// Makes the front end of a session that is begun without one; told by the room of front ends, which lies above.
+using FrontEndMaker = std::unique_ptr<FrontEnd> (*)();
+void setDefaultFrontEnd(FrontEndMaker make);
 
 class HOST_EXPORT Session {
   public:
@@ -98,6 +102,8 @@ HOST_EXPORT void observeSessionEnd(void (*observer)());
 
 // Something that the session was to keep isn't kept, or not where it should be: its exit status is a failure.
 void markFailed();
+// The same for each time that control is back in the host, before the finished command is stored.
+HOST_EXPORT void observeReturn(void (*observer)());
 
 // Calls the new-design-file functions of all applications: state 0 before the open file is closed, 1 when the new one
 // is open.

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "mchost/base/variables.h"
 #include "mchost/session/keyin.h"
 #include "mchost/session/session.h"
-#include "mchost/base/variables.h"
 
 // A descriptor lasts as long as the session, also when its application has ended: a stale one can be told.
 struct MdlDesc {
@@ -53,9 +53,6 @@ struct Session::State {
 // Null when there is no session.
 extern Session::State* activeState;
 extern MdlDesc* currentApplication;
-
-// The variables of the session, or of the process when there is none.
-Variables& variables();
 
 void startClock();
 void resetParameters() noexcept;

@@ -1,4 +1,5 @@
 #include "mchost/settings/settings.h"
+#include "mchost/base/variables.h"
 
 #include <algorithm>
 #include <charconv>
@@ -9,11 +10,11 @@
 #include <memory>
 #include <optional>
 
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/win32.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/state.h"
-#include "mchost/base/paths.h"
 
 namespace host {
 

@@ -9,11 +9,12 @@
 #include <optional>
 #include <utility>
 
+#include "mchost/base/existing_path.h"
+#include "mchost/base/paths.h"
+#include "mchost/processes/programs.h"
 #include "programs/shell/commands.h"
 #include "programs/shell/dispatch.h"
 #include "programs/shell/shell.h"
-#include "mchost/base/paths.h"
-#include "mchost/processes/programs.h"
 
 namespace host::shell {
 

@@ -14,13 +14,13 @@
 #include <fstream>
 #include <optional>
 
-#include "programs/shell/shell.h"
+#include "mchost/base/existing_path.h"
+#include "mchost/base/paths.h"
 #include "mchost/files/copy.h"
 #include "mchost/files/file_list.h"
-#include "mchost/base/paths.h"
-#include "mchost/printing/printers.h"
-#include "mchost/processes/programs.h"
 #include "mchost/files/work_folder.h"
+#include "mchost/printing/printers.h"
+#include "programs/shell/shell.h"
 
 namespace host::shell {
 

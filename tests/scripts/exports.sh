@@ -2,7 +2,7 @@
 # exports.sh SOURCE_DIR LIBRARY: the library exports exactly the functions that the public headers declare.
 set -euo pipefail
 cd "$1"
-declared=$(cat $(git ls-files -co --exclude-standard '*.h' 2>/dev/null | grep -E '^[a-z]+/[a-z0-9_]+\.h$' || ls ./*/*.h) |
+declared=$(cat $(git ls-files -co --exclude-standard '*.h' 2>/dev/null | grep -E '^mclib/[a-z]+/[a-z0-9_]+\.h$' || ls mclib/*/*.h) |
            tr '\n' ' ' | grep -oE 'MCLIB_EXPORT [^;(]*\bmclib[0-9A-Za-z]*_[0-9A-Za-z]+ *\(' | grep -oE 'mclib[0-9A-Za-z]*_[0-9A-Za-z]+' | sort -u)
 exported=$(nm -D --defined-only "$2" | awk '{ sub(/@.*/, "", $NF); print $NF }' | grep -E '^mclib[0-9A-Za-z]*_' | sort -u)
 differ=$(diff <(echo "$declared") <(echo "$exported") || true)

@@ -4,8 +4,8 @@
 set -euo pipefail
 cd "$1"
 diff <(sed -n '/^```c$/,/^```$/p' README.md | sed '1d;$d') apps/hello/hello.c
-for header in $(grep -oE '^#include "[^"]+' mclib.h | sed 's/.*"//'); do
-    grep -qE "^\| .*\`${header%/*}/.*\b${header##*/}\`" README.md || { echo "README.md doesn't name $header"; exit 1; }
+for header in $(grep -oE '^#include "mclib/[^"]+' mclib/mclib.h | sed 's/.*"mclib.//'); do
+    grep -qE "^\| .*\`mclib/${header%/*}/.*\b${header##*/}\`" README.md || { echo "README.md doesn't name $header"; exit 1; }
 done
 for document in docs/*.md apps/*/README.md examples/*/README.md; do
     grep -q "]($document" README.md || { echo "README.md doesn't link to $document"; exit 1; }

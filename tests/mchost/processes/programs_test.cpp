@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "mchost/base/existing_path.h"
 #include "mchost/mdl/external.h"
 #include "mchost/mdl/win32.h"
 #include "mchost/processes/open.h"

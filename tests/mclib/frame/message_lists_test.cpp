@@ -28,12 +28,12 @@ const std::map<std::string, int> listNames = {{"MCLIB_QUESTIONS", 20003},
 const std::map<std::string, std::set<Message>> passedOn = {
     {"frame/units.cpp", {{20007, 2}, {20007, 13}, {20007, 14}, {20007, 20}}},  // firsts and lasts of months and days
     {"frame/resource_files.cpp", {{20005, 1}, {20005, 9}, {20005, 10}, {20005, 16}}},
-    {"frame/startup.cpp", {{20007, 38}, {20007, 39}, {20007, 40}, {20007, 41}}},
+    {"startup/startup.cpp", {{20007, 38}, {20007, 39}, {20007, 40}, {20007, 41}}},
     {"forms/print_job.cpp",
      {{20003, 0}, {20003, 2}, {20005, 1}, {20005, 2}, {20005, 41}, {20005, 42}, {20005, 43}, {20005, 44}}},
     {"project/dialog.cpp", {{20005, 1}, {20005, 7}, {20005, 8}, {20005, 9}, {20005, 10}}},
     {"project/store.cpp", {{20003, 4}, {20003, 7}}},  // what was written
-    {"batch/message_dialogs.cpp",
+    {"frame/message_dialogs.cpp",
      {{20007, 25}, {20007, 26}, {20007, 27}, {20007, 28}, {20007, 29}, {20007, 30}, {20007, 31}}},
 };
 
@@ -140,8 +140,7 @@ int numberOf(const std::string& argument, const std::map<std::string, int>& cons
     return constant == constants.end() ? -1 : constant->second;
 }
 
-const char* const rooms[] = {"frame", "text",  "elmattr", "geometry", "arrows",
-                             "print", "forms", "project", "design",   "batch"};
+const char* const rooms[] = {"frame", "text", "elmattr", "geometry", "print", "project", "forms", "startup"};
 
 struct Use {
     Message message;
@@ -151,10 +150,10 @@ struct Use {
 
 // Every message that the library asks for.
 std::vector<Use> usesInCode() {
-    const auto common = constantsIn(contentsOf(PROJECT_SOURCE_DIR "/frame/export.h"));
+    const auto common = constantsIn(contentsOf(PROJECT_SOURCE_DIR "/mclib/frame/export.h"));
     std::vector<Use> uses;
     for (const char* room : rooms) {
-        const fs::path folder = fs::path(PROJECT_SOURCE_DIR) / room;
+        const fs::path folder = fs::path(PROJECT_SOURCE_DIR) / "mclib" / room;
         if (!fs::exists(folder)) continue;
         for (const auto& entry : fs::directory_iterator(folder)) {
             if (entry.path().extension() != ".cpp") continue;

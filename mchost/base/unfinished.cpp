@@ -1,4 +1,4 @@
-#include "mchost/files/unfinished.h"
+#include "mchost/base/unfinished.h"
 
 #include <dirent.h>
 #include <fcntl.h>
