@@ -114,7 +114,7 @@ TEST_F(CommandLines, ALineForTheShellHasTheNamesOfThisSystem) {
     };
     for (const Case& c : {Case{"\xf8.txt x:y", "[\xc3\xb8.txt][x:y]\n"},
                           {"c:\\f.txt -o=c:\\g", "[DRIVE/f.txt][-o=DRIVE/g]\n"},
-                          {"\"c:\\a b\\$f\" 'c:\\it' c:\\a&:", "[DRIVE/a b/$f][DRIVE/it][DRIVE/a]\n"}}) {
+                          {"\"c:\\a b\\$f\" 'c:\\it' c:\\a;:", "[DRIVE/a b/$f][DRIVE/it][DRIVE/a]\n"}}) {
         SCOPED_TRACE(c.arguments);
         EXPECT_EQ(mclibWin32_execCommand(program.c_str(), c.arguments), 0);
         std::string given = c.given;
