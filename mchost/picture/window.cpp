@@ -136,7 +136,7 @@ int mdlElmdscr_displayToWindow(MdlDialog* window, const DialogRect* rect, const 
         const auto dialog = dialogOf(window);
         const WindowMap map(*rect, *matrix, *origin, *extent);
         if (!dialog || !map.isUsable()) return MDL_ERROR;
-        constexpr double tolerance = 0.5;  // pixels
+        constexpr double tolerance = 0.1;  // pixels: lines are drawn smoothly
         WindowPen pen(*dialog, map);
         draw(ed, nullptr, tolerance / map.scale(),
              {[&](const auto& points, const Look& look) { pen.line(points, look); },
