@@ -11,10 +11,10 @@
 
 #include "bench/race.h"
 #include "bench/silent.h"
+#include "mchost/session/session.h"
 #include "mclib/elmattr/attributes.h"
 #include "mclib/elmattr/resources.h"
 #include "mclib/frame/main.h"
-#include "mchost/session/session.h"
 
 namespace {
 

@@ -11,15 +11,15 @@
 
 #include "bench/race.h"
 #include "bench/silent.h"
-#include "mclib/forms/formatter.h"
-#include "mclib/frame/main.h"
-#include "mchost/session/front_end.h"
 #include "mchost/mdl/cell.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
 #include "mchost/model/cell_library.h"
+#include "mchost/session/front_end.h"
 #include "mchost/session/session.h"
+#include "mclib/forms/formatter.h"
+#include "mclib/frame/main.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "bench/silent.h"
-#include "mclib/frame/main.h"
 #include "mchost/session/session.h"
+#include "mclib/frame/main.h"
 
 namespace {
 

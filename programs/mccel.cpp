@@ -14,13 +14,13 @@
 #include <string_view>
 #include <vector>
 
-#include "programs/mccel_values.h"
+#include "mchost/base/charset.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/view.h"
 #include "mchost/model/cell_library.h"
 #include "mchost/session/program.h"
-#include "mchost/base/charset.h"
+#include "programs/mccel_values.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstdio>
 
-#include "mchost/mdl/element.h"
 #include "mchost/base/charset.h"
+#include "mchost/mdl/element.h"
 
 namespace {
 

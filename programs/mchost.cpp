@@ -12,18 +12,18 @@
 #include <utility>
 #include <vector>
 
+#include "mchost/base/charset.h"
+#include "mchost/base/paths.h"
 #include "mchost/command/command.h"
 #include "mchost/front/line_editor.h"
 #include "mchost/front/terminal.h"
-#include "programs/mchost_modules.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
+#include "mchost/processes/open.h"
 #include "mchost/session/keyin.h"
 #include "mchost/session/program.h"
 #include "mchost/session/session.h"
-#include "mchost/base/charset.h"
-#include "mchost/processes/open.h"
-#include "mchost/base/paths.h"
+#include "programs/mchost_modules.h"
 
 namespace {
 

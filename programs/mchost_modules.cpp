@@ -6,9 +6,9 @@
 #include <map>
 #include <string_view>
 
-#include "mchost/mdl/system.h"
 #include "mchost/base/charset.h"
 #include "mchost/base/paths.h"
+#include "mchost/mdl/system.h"
 
 namespace mchost {
 

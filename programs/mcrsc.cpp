@@ -12,11 +12,11 @@
 #include <string_view>
 #include <vector>
 
+#include "mchost/base/charset.h"
 #include "mchost/base/number_format.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/resource/container.h"
 #include "mchost/session/program.h"
-#include "mchost/base/charset.h"
 
 namespace {
 

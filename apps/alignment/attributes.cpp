@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 
-#include "apps/common/tell.h"
 #include <mchost/mdl/files.h>
 #include <mchost/mdl/resource.h>
+#include "apps/common/tell.h"
 
 namespace alignment {
 

@@ -6,11 +6,11 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "apps/common/tell.h"
 #include <mchost/mdl/element.h>
 #include <mchost/mdl/model.h>
 #include <mchost/mdl/transform.h>
 #include <mclib/mclib.h>
+#include "apps/common/tell.h"
 
 namespace alignment {
 

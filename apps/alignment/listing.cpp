@@ -7,10 +7,10 @@
 #include <memory>
 #include <utility>
 
-#include "apps/common/tell.h"
 #include <mchost/mdl/system.h>
 #include <mchost/mdl/transform.h>
 #include <mclib/mclib.h>
+#include "apps/common/tell.h"
 
 namespace alignment {
 

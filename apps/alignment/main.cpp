@@ -8,6 +8,10 @@
 #include <utility>
 #include <vector>
 
+#include <mchost/mdl/model.h>
+#include <mchost/mdl/system.h>
+#include <mchost/mdl/view.h>
+#include <mclib/mclib.h>
 #include "apps/common/delivery.h"
 #include "apps/common/help.h"
 #include "apps/common/last_files.h"
@@ -18,11 +22,7 @@
 #include "attributes.h"
 #include "checks.h"
 #include "drawing.h"
-#include <mchost/mdl/model.h>
-#include <mchost/mdl/system.h>
-#include <mchost/mdl/view.h>
 #include "listing.h"
-#include <mclib/mclib.h>
 #include "options.h"
 #include "project.h"
 #include "raster.h"

@@ -4,11 +4,11 @@
 #include <array>
 #include <filesystem>
 
+#include <mclib/mclib.h>
 #include "apps/common/delivery.h"
 #include "apps/common/names.h"
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
-#include <mclib/mclib.h>
 #include "sheet.h"
 
 namespace alignment {

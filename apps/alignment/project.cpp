@@ -2,9 +2,9 @@
 
 #include <cstring>
 
+#include <mchost/mdl/model.h>
 #include "apps/common/outputs.h"
 #include "apps/common/tell.h"
-#include <mchost/mdl/model.h>
 
 namespace alignment {
 

@@ -10,15 +10,15 @@
 #include <span>
 #include <vector>
 
-#include "apps/common/outputs.h"
-#include "apps/common/system_path.h"
-#include "apps/common/tell.h"
 #include <mchost/mdl/element.h>
 #include <mchost/mdl/model.h>
 #include <mchost/mdl/system.h>
 #include <mchost/mdl/text.h>
-#include "letters.h"
 #include <mclib/mclib.h>
+#include "apps/common/outputs.h"
+#include "apps/common/system_path.h"
+#include "apps/common/tell.h"
+#include "letters.h"
 #include "mclib/print/raster.h"
 
 namespace alignment {

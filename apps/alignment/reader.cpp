@@ -5,10 +5,10 @@
 #include <memory>
 #include <utility>
 
+#include <mchost/mdl/text.h>
 #include "apps/common/input.h"
 #include "apps/common/tell.h"
 #include "checks.h"
-#include <mchost/mdl/text.h>
 
 namespace alignment {
 

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <limits>
 
-#include "apps/common/tell.h"
 #include <mclib/mclib.h>
+#include "apps/common/tell.h"
 
 namespace alignment {
 

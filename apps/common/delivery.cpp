@@ -3,8 +3,8 @@
 #include <cerrno>
 #include <cstring>
 
-#include "apps/common/tell.h"
 #include <mclib/mclib.h>
+#include "apps/common/tell.h"
 
 namespace app {
 

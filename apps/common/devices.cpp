@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <iterator>
 
-#include "apps/common/names.h"
 #include <mchost/mdl/system.h>
+#include "apps/common/names.h"
 
 namespace app {
 

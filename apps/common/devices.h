@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "apps/common/input.h"
 #include <mclib/mclib.h>
+#include "apps/common/input.h"
 
 namespace app {
 

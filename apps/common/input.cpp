@@ -8,11 +8,11 @@
 #include <optional>
 #include <string_view>
 
+#include <mchost/mdl/files.h>
+#include <mchost/mdl/text.h>
 #include "apps/common/numbers.h"
 #include "apps/common/system_path.h"
 #include "apps/common/tell.h"
-#include <mchost/mdl/files.h>
-#include <mchost/mdl/text.h>
 
 namespace app {
 

@@ -1,9 +1,9 @@
 #include "apps/common/last_files.h"
 
-#include "apps/common/tell.h"
 #include <mchost/mdl/file_dialogs.h>
 #include <mchost/mdl/files.h>
 #include <mclib/mclib.h>
+#include "apps/common/tell.h"
 
 namespace app {
 

@@ -3,8 +3,8 @@
 #include <fstream>
 #include <iterator>
 
-#include "apps/common/system_path.h"
 #include <mchost/mdl/text.h>
+#include "apps/common/system_path.h"
 
 namespace app {
 

@@ -5,8 +5,8 @@
 #include <memory>
 #include <span>
 
-#include "apps/common/quiet.h"
 #include <mchost/mdl/system.h>
+#include "apps/common/quiet.h"
 
 namespace app {
 

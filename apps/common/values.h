@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/common/names.h"
 #include <mclib/mclib.h>
+#include "apps/common/names.h"
 #include "mclib/text/formula.h"
 #include "mclib/text/tagstring.h"
 

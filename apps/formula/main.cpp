@@ -5,13 +5,13 @@
 #include <string_view>
 #include <vector>
 
+#include <mchost/mdl/system.h>
+#include <mclib/mclib.h>
 #include "apps/common/help.h"
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
 #include "apps/common/values.h"
-#include <mchost/mdl/system.h>
 #include "job.h"
-#include <mclib/mclib.h>
 #include "table.h"
 
 namespace formula {

@@ -4,11 +4,11 @@
 #include <cmath>
 #include <limits>
 
+#include <mchost/mdl/element.h>
+#include <mchost/mdl/text.h>
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
 #include "columns.h"
-#include <mchost/mdl/element.h>
-#include <mchost/mdl/text.h>
 #include "library.h"
 
 namespace materials {

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
-#include "apps/common/tell.h"
 #include <mchost/mdl/cell.h>
 #include <mchost/mdl/files.h>
 #include <mchost/mdl/system.h>
 #include <mclib/mclib.h>
+#include "apps/common/tell.h"
 
 namespace materials {
 

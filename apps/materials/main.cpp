@@ -11,6 +11,9 @@
 #include <utility>
 #include <vector>
 
+#include <mchost/mdl/dialog.h>
+#include <mchost/mdl/system.h>
+#include <mclib/mclib.h>
 #include "apps/common/delivery.h"
 #include "apps/common/help.h"
 #include "apps/common/numbers.h"
@@ -19,11 +22,8 @@
 #include "apps/common/tell.h"
 #include "apps/common/utf8.h"
 #include "form.h"
-#include <mchost/mdl/dialog.h>
-#include <mchost/mdl/system.h>
 #include "library.h"
 #include "list.h"
-#include <mclib/mclib.h>
 #include "options.h"
 #include "pages.h"
 #include "reader.h"

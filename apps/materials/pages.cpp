@@ -6,13 +6,13 @@
 #include <memory>
 #include <utility>
 
-#include "apps/common/numbers.h"
-#include "apps/common/tell.h"
 #include <mchost/mdl/element.h>
 #include <mchost/mdl/elmdscr.h>
 #include <mchost/mdl/model.h>
 #include <mchost/mdl/text.h>
 #include <mchost/mdl/transform.h>
+#include "apps/common/numbers.h"
+#include "apps/common/tell.h"
 
 namespace materials {
 

@@ -6,11 +6,11 @@
 #include <string_view>
 #include <vector>
 
+#include <mclib/mclib.h>
 #include "arrange.h"
 #include "columns.h"
 #include "form.h"
 #include "list.h"
-#include <mclib/mclib.h>
 
 namespace materials {
 

@@ -6,11 +6,11 @@
 #include <span>
 #include <string_view>
 
+#include <mchost/mdl/system.h>
 #include "apps/common/input.h"
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
 #include "apps/common/values.h"
-#include <mchost/mdl/system.h>
 
 namespace materials {
 

@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "apps/common/help.h"
-#include "apps/common/tell.h"
 #include <mchost/mdl/files.h>
 #include <mchost/mdl/system.h>
+#include "apps/common/help.h"
+#include "apps/common/tell.h"
 #include "show.h"
 
 namespace show {

@@ -3,9 +3,9 @@
 #include <cstring>
 #include <optional>
 
+#include <mchost/mdl/file_dialogs.h>
 #include "mclib/elmattr/records.h"
 #include "mclib/forms/preview_extent.h"
-#include <mchost/mdl/file_dialogs.h>
 #include "mclib/print/print.h"
 #include "mclib/print/setup_record.h"
 #include "mclib/project/application_block.h"

@@ -1,8 +1,8 @@
 #include <cstdio>
 
-#include "apps/common/numbers.h"
 #include <mchost/mdl/system.h>
 #include <mchost/mdl/text.h>
+#include "apps/common/numbers.h"
 #include "show.h"
 
 namespace show {

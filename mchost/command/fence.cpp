@@ -2,11 +2,11 @@
 
 #include <optional>
 
+#include "mchost/base/guard.h"
 #include "mchost/element/geometry.h"
 #include "mchost/mdl/fence.h"
 #include "mchost/mdl/model.h"
 #include "mchost/model/model.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/session.h"
 #include "mchost/space/view.h"
 

@@ -5,15 +5,15 @@
 #include <charconv>
 #include <string>
 
+#include "mchost/base/charset.h"
 #include "mchost/command/command.h"
-#include "mchost/session/front_end.h"
 #include "mchost/mdl/state.h"
 #include "mchost/mdl/transform.h"
+#include "mchost/session/front_end.h"
 #include "mchost/session/keyin.h"
 #include "mchost/session/session.h"
 #include "mchost/space/vector.h"
 #include "mchost/space/view.h"
-#include "mchost/base/charset.h"
 
 namespace host {
 namespace {

@@ -1,12 +1,12 @@
 // Commands: which one runs, and what the host calls in it.
 #include "mchost/mdl/state.h"
 
+#include "mchost/base/guard.h"
 #include "mchost/command/command.h"
 #include "mchost/element/range.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/model/model.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/session.h"
 #include "mchost/space/vector.h"
 #include "mchost/space/view.h"

@@ -7,11 +7,11 @@
 #include <memory>
 #include <vector>
 
+#include "mchost/base/charset.h"
+#include "mchost/base/guard.h"
 #include "mchost/base/number_format.h"
 #include "mchost/mdl/system.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/session.h"
-#include "mchost/base/charset.h"
 
 namespace {
 

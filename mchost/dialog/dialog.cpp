@@ -4,8 +4,8 @@
 #include <optional>
 #include <utility>
 
-#include "mchost/dialog/access.h"
 #include "mchost/base/number_format.h"
+#include "mchost/dialog/access.h"
 #include "mchost/dialog/registry.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/system.h"

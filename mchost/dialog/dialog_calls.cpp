@@ -1,10 +1,10 @@
 // The calls on whole dialogs.
 #include <algorithm>
 
+#include "mchost/base/guard.h"
 #include "mchost/dialog/registry.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/open_files.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/session.h"
 
 namespace host {

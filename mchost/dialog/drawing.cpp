@@ -3,9 +3,9 @@
 #include <array>
 #include <string_view>
 
+#include "mchost/base/guard.h"
 #include "mchost/dialog/registry.h"
 #include "mchost/resource/open_files.h"
-#include "mchost/base/guard.h"
 
 namespace host {
 

@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "mchost/base/guard.h"
 #include "mchost/base/number_format.h"
 #include "mchost/dialog/registry.h"
-#include "mchost/base/guard.h"
 
 namespace host {
 

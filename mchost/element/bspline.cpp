@@ -3,9 +3,9 @@
 
 #include <new>
 
+#include "mchost/base/guard.h"
 #include "mchost/element/build.h"
 #include "mchost/mdl/system.h"
-#include "mchost/base/guard.h"
 
 namespace host {
 namespace {

@@ -3,11 +3,11 @@
 #include <optional>
 #include <vector>
 
+#include "mchost/base/guard.h"
 #include "mchost/element/build.h"
 #include "mchost/element/cell.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/model.h"
-#include "mchost/base/guard.h"
 
 using namespace host;
 

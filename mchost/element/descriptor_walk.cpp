@@ -1,11 +1,11 @@
 // Going through a descriptor: calls for each element, range, transform, strokes.
 #include <vector>
 
+#include "mchost/base/guard.h"
 #include "mchost/element/descriptor.h"
 #include "mchost/element/geometry.h"
 #include "mchost/element/points.h"
 #include "mchost/element/range.h"
-#include "mchost/base/guard.h"
 #include "mchost/space/current.h"
 
 namespace host {

@@ -3,8 +3,8 @@
 #include <array>
 #include <vector>
 
-#include "mchost/element/bspline.h"
 #include "mchost/base/guard.h"
+#include "mchost/element/bspline.h"
 
 namespace host {
 namespace {

@@ -1,8 +1,8 @@
 // How each type of element lays out its bytes, and reading them without trust.
 //
-// An element is its head (32 bytes, mchost/mdl/element.h), the body told here, then linkages. Everything is little-endian
-// and unpadded; points and vectors are three doubles, in UOR. Every body is a multiple of 8 bytes, so that linkages
-// behind it are too.
+// An element is its head (32 bytes, mchost/mdl/element.h), the body told here, then linkages. Everything is
+// little-endian and unpadded; points and vectors are three doubles, in UOR. Every body is a multiple of 8 bytes, so
+// that linkages behind it are too.
 #pragma once
 
 #include <cstring>

@@ -3,9 +3,9 @@
 
 #include <memory>
 
+#include "mchost/base/guard.h"
 #include "mchost/element/descriptor.h"
 #include "mchost/element/layout.h"
-#include "mchost/base/guard.h"
 
 namespace host {
 namespace {

@@ -1,11 +1,11 @@
 // Elements as points along them.
 #include <numbers>
 
+#include "mchost/base/guard.h"
 #include "mchost/element/geometry.h"
 #include "mchost/element/points.h"
 #include "mchost/element/spline.h"
 #include "mchost/mdl/system.h"
-#include "mchost/base/guard.h"
 #include "mchost/space/current.h"
 
 namespace host {

@@ -6,12 +6,12 @@
 #include <span>
 #include <vector>
 
+#include "mchost/base/charset.h"
+#include "mchost/base/guard.h"
 #include "mchost/element/advances.h"
 #include "mchost/element/build.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
-#include "mchost/base/guard.h"
-#include "mchost/base/charset.h"
 
 namespace host {
 namespace {

@@ -1,8 +1,8 @@
 // Windows-1252 text to wide text and back.
 #include <algorithm>
 
-#include "mchost/mdl/text.h"
 #include "mchost/base/charset.h"
+#include "mchost/mdl/text.h"
 
 using namespace host;
 

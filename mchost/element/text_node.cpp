@@ -4,12 +4,12 @@
 #include <string_view>
 #include <vector>
 
+#include "mchost/base/charset.h"
+#include "mchost/base/guard.h"
 #include "mchost/element/build.h"
 #include "mchost/element/text.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/text.h"
-#include "mchost/base/guard.h"
-#include "mchost/base/charset.h"
 
 namespace host {
 namespace {

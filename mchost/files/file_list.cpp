@@ -4,11 +4,11 @@
 #include <optional>
 #include <vector>
 
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
+#include "mchost/files/file_list.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/lists.h"
-#include "mchost/base/guard.h"
-#include "mchost/files/file_list.h"
-#include "mchost/base/paths.h"
 
 namespace host {
 

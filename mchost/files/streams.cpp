@@ -6,9 +6,9 @@
 
 #include <cerrno>
 
-#include "mchost/mdl/files.h"
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
+#include "mchost/mdl/files.h"
 
 namespace host {
 

@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
-#include "mchost/mdl/files.h"
 #include "mchost/base/guard.h"
 #include "mchost/files/streams.h"
+#include "mchost/mdl/files.h"
 
 // Reading goes through a window of its own on the file, so that a line is found with one search and copied once.
 struct MdlTextFile {

@@ -10,9 +10,9 @@
 #include <memory>
 #include <string_view>
 
-#include "mchost/mdl/files.h"
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
+#include "mchost/mdl/files.h"
 
 namespace host {
 

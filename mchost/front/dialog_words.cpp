@@ -4,8 +4,8 @@
 #include <array>
 #include <charconv>
 
-#include "mchost/front/dialog_text.h"
 #include "mchost/base/charset.h"
+#include "mchost/front/dialog_text.h"
 
 namespace host {
 

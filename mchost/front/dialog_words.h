@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "mchost/dialog/dialog.h"
 #include "mchost/base/export.h"
+#include "mchost/dialog/dialog.h"
 #include "mchost/front/line_editor.h"
 
 namespace host {

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "mchost/files/file_list.h"
 #include "mchost/base/paths.h"
+#include "mchost/files/file_list.h"
 
 namespace host {
 

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "mchost/base/export.h"
-#include "mchost/session/front_end.h"
 #include "mchost/front/line_editor.h"
+#include "mchost/session/front_end.h"
 
 namespace host {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "mchost/dialog/dialog.h"
 #include "mchost/base/export.h"
+#include "mchost/dialog/dialog.h"
 #include "mchost/session/front_end.h"
 
 namespace host {

@@ -13,6 +13,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "mchost/base/charset.h"
 #include "mchost/command/command.h"
 #include "mchost/front/dialog_text.h"
 #include "mchost/front/dialog_words.h"
@@ -20,7 +21,6 @@
 #include "mchost/front/line_editor.h"
 #include "mchost/mdl/system.h"
 #include "mchost/session/session.h"
-#include "mchost/base/charset.h"
 
 namespace host {
 

@@ -10,11 +10,11 @@
 #include <cstring>
 #include <system_error>
 
-#include "mchost/model/digest.h"
 #include "mchost/base/new_file.h"
-#include "mchost/model/table_rules.h"
-#include "mchost/base/utf8.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/utf8.h"
+#include "mchost/model/digest.h"
+#include "mchost/model/table_rules.h"
 
 namespace host {
 namespace {

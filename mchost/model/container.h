@@ -12,8 +12,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "mchost/model/model.h"
 #include "mchost/base/sqlite.h"
+#include "mchost/model/model.h"
 
 namespace host {
 

@@ -3,10 +3,10 @@
 #include <cstring>
 #include <functional>
 
+#include "mchost/base/guard.h"
 #include "mchost/element/range.h"
 #include "mchost/mdl/modify.h"
 #include "mchost/model/model.h"
-#include "mchost/base/guard.h"
 
 namespace host {
 namespace {

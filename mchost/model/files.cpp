@@ -5,14 +5,14 @@
 #include <memory>
 #include <optional>
 
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/model/design_file.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/session.h"
-#include "mchost/base/paths.h"
 
 namespace {
 

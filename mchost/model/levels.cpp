@@ -5,10 +5,10 @@
 #include <cwchar>
 #include <memory>
 
+#include "mchost/base/guard.h"
 #include "mchost/mdl/element.h"
 #include "mchost/model/model.h"
 #include "mchost/model/table_rules.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/session.h"
 
 namespace host {

@@ -1,9 +1,9 @@
 // The active model and what is attached to it. No file can be attached so far, so a walk over references is empty.
 #include "mchost/mdl/reference.h"
 
+#include "mchost/base/guard.h"
 #include "mchost/mdl/model.h"
 #include "mchost/model/model.h"
-#include "mchost/base/guard.h"
 
 struct ModelRefIterator {
     std::vector<ModelRef*> models;

@@ -6,9 +6,9 @@
 #include <numeric>
 #include <optional>
 
+#include "mchost/base/guard.h"
 #include "mchost/model/bitmask.h"
 #include "mchost/model/model.h"
-#include "mchost/base/guard.h"
 
 struct ScanCriteria {
     ModelRef* model = nullptr;  // null: the active one

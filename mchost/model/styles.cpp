@@ -3,12 +3,12 @@
 #include <cstring>
 #include <memory>
 
+#include "mchost/base/guard.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/text.h"
 #include "mchost/model/model.h"
 #include "mchost/model/table_rules.h"
-#include "mchost/base/guard.h"
 
 struct MdlTextStyle {
     host::TextStyle style;

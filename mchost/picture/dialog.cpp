@@ -8,12 +8,12 @@
 #include <memory>
 #include <string_view>
 
+#include "mchost/base/charset.h"
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
 #include "mchost/dialog/registry.h"
 #include "mchost/element/advances.h"
 #include "mchost/picture/sheet.h"
-#include "mchost/base/guard.h"
-#include "mchost/base/charset.h"
-#include "mchost/base/paths.h"
 
 namespace host {
 

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "mchost/dialog/dialog.h"
 #include "mchost/base/export.h"
+#include "mchost/dialog/dialog.h"
 
 namespace host {
 

@@ -6,13 +6,13 @@
 #include <string>
 #include <string_view>
 
+#include "mchost/base/charset.h"
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/view.h"
 #include "mchost/picture/draft.h"
 #include "mchost/picture/sheet.h"
-#include "mchost/base/guard.h"
-#include "mchost/base/charset.h"
-#include "mchost/base/paths.h"
 
 namespace host {
 namespace {

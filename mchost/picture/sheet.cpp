@@ -12,11 +12,11 @@
 #include <numbers>
 #include <span>
 
+#include "mchost/base/charset.h"
 #include "mchost/element/advances.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/text.h"
-#include "mchost/base/charset.h"
 
 namespace host {
 namespace {

@@ -3,12 +3,12 @@
 #include <array>
 #include <string>
 
+#include "mchost/base/guard.h"
 #include "mchost/dialog/registry.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/view.h"
 #include "mchost/picture/sheet.h"
-#include "mchost/base/guard.h"
 
 using namespace host;
 

@@ -5,12 +5,12 @@
 #include <memory>
 #include <stdexcept>
 
-#include "mchost/plot/plotter.h"
+#include "mchost/base/charset.h"
 #include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
+#include "mchost/plot/plotter.h"
 #include "mchost/space/vector.h"
 #include "mchost/space/view.h"
-#include "mchost/base/charset.h"
-#include "mchost/base/paths.h"
 
 namespace host {
 namespace {

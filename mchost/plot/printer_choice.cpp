@@ -3,12 +3,12 @@
 
 #include <algorithm>
 
+#include "mchost/base/charset.h"
 #include "mchost/dialog/registry.h"
 #include "mchost/plot/plotter.h"
+#include "mchost/printing/printers.h"
 #include "mchost/resource/open_files.h"
 #include "mchost/session/session.h"
-#include "mchost/base/charset.h"
-#include "mchost/printing/printers.h"
 
 namespace host {
 namespace {

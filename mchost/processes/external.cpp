@@ -8,8 +8,8 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "mchost/base/guard.h"
 #include "mchost/base/charset.h"
+#include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
 #include "mchost/processes/programs.h"
 

@@ -3,13 +3,13 @@
 #include <cstring>
 #include <set>
 
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/model/container.h"
 #include "mchost/model/model.h"
 #include "mchost/resource/open_files.h"
-#include "mchost/base/guard.h"
-#include "mchost/base/paths.h"
 
 namespace host {
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "mchost/mdl/lists.h"
 #include "mchost/base/guard.h"
+#include "mchost/mdl/lists.h"
 
 namespace {
 

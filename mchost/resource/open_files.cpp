@@ -10,14 +10,14 @@
 #include <optional>
 #include <vector>
 
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
+#include "mchost/base/sqlite.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
-#include "mchost/base/sqlite.h"
 #include "mchost/resource/store.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/session.h"
-#include "mchost/base/paths.h"
 
 namespace host {
 

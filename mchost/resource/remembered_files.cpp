@@ -8,11 +8,11 @@
 #include <utility>
 #include <vector>
 
+#include "mchost/base/guard.h"
 #include "mchost/mdl/file_dialogs.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/open_files.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/session.h"
 
 namespace host {

@@ -13,9 +13,9 @@
 #include <thread>
 #include <utility>
 
-#include "mchost/model/digest.h"
 #include "mchost/base/new_file.h"
 #include "mchost/base/sqlite.h"
+#include "mchost/model/digest.h"
 #include "mchost/resource/container.h"
 
 namespace host {

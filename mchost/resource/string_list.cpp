@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <memory>
 
-#include "mchost/resource/string_list.h"
 #include "mchost/base/guard.h"
+#include "mchost/resource/string_list.h"
 
 namespace {
 

@@ -7,13 +7,13 @@
 #include <unordered_map>
 #include <vector>
 
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/open_files.h"
 #include "mchost/resource/string_list.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/session.h"
-#include "mchost/base/paths.h"
 
 namespace host {
 

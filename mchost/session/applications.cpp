@@ -6,12 +6,12 @@
 #include <filesystem>
 #include <utility>
 
+#include "mchost/base/charset.h"
+#include "mchost/base/guard.h"
+#include "mchost/base/paths.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/system.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/state.h"
-#include "mchost/base/charset.h"
-#include "mchost/base/paths.h"
 
 namespace host {
 

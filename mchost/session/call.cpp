@@ -6,8 +6,8 @@
 #include <memory>
 #include <unordered_map>
 
-#include "mchost/mdl/system.h"
 #include "mchost/base/guard.h"
+#include "mchost/mdl/system.h"
 #include "mchost/session/session.h"
 #include "mchost/session/state.h"
 

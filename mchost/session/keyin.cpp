@@ -1,7 +1,7 @@
 #include "mchost/session/keyin.h"
 
-#include "mchost/mdl/system.h"
 #include "mchost/base/guard.h"
+#include "mchost/mdl/system.h"
 #include "mchost/session/state.h"
 
 namespace host {

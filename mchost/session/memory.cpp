@@ -11,8 +11,8 @@
 #include <mutex>
 #include <string>
 
-#include "mchost/mdl/system.h"
 #include "mchost/base/guard.h"
+#include "mchost/mdl/system.h"
 
 namespace host {
 

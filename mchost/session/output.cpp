@@ -8,11 +8,11 @@
 #include <string>
 #include <typeinfo>
 
+#include "mchost/base/charset.h"
+#include "mchost/base/guard.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/state.h"
-#include "mchost/base/charset.h"
 
 namespace host {
 

@@ -3,8 +3,8 @@
 #include <chrono>
 #include <limits>
 
-#include "mchost/mdl/system.h"
 #include "mchost/base/guard.h"
+#include "mchost/mdl/system.h"
 #include "mchost/session/state.h"
 
 namespace host {

@@ -6,9 +6,9 @@
 #include <cstring>
 #include <filesystem>
 
-#include "mchost/mdl/win32.h"
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
+#include "mchost/mdl/win32.h"
 
 namespace host {
 

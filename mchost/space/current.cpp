@@ -3,9 +3,9 @@
 
 #include <vector>
 
+#include "mchost/base/guard.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
-#include "mchost/base/guard.h"
 #include "mchost/session/session.h"
 #include "mchost/space/view.h"
 

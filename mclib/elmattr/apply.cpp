@@ -2,18 +2,18 @@
 #include <cmath>
 #include <cstring>
 
-#include "mclib/elmattr/table.h"
-#include "mclib/frame/current_units.h"
-#include "mclib/frame/global_data.h"
-#include "mclib/frame/host_ptr.h"
-#include "mclib/frame/main.h"
-#include "mclib/frame/util.h"
 #include "mchost/mdl/element.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/elmattr/table.h"
+#include "mclib/frame/current_units.h"
+#include "mclib/frame/global_data.h"
+#include "mclib/frame/host_ptr.h"
+#include "mclib/frame/main.h"
+#include "mclib/frame/util.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <optional>
 #include <span>
 
+#include "mchost/mdl/resource.h"
 #include "mclib/elmattr/attributes.h"
 #include "mclib/frame/stored_layout.h"
-#include "mchost/mdl/resource.h"
 
 namespace elmattr {
 

@@ -4,14 +4,14 @@
 #include <cstring>
 #include <utility>
 
+#include "mchost/mdl/level.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/resource.h"
 #include "mclib/elmattr/records.h"
 #include "mclib/elmattr/table.h"
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/resource_files.h"
-#include "mchost/mdl/level.h"
-#include "mchost/mdl/model.h"
-#include "mchost/mdl/resource.h"
 
 namespace {
 

@@ -6,14 +6,14 @@
 #include <cstring>
 #include <string_view>
 
-#include "mclib/elmattr/table.h"
-#include "mclib/frame/global_data.h"
-#include "mclib/frame/main.h"
-#include "mclib/frame/util.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
+#include "mclib/elmattr/table.h"
+#include "mclib/frame/global_data.h"
+#include "mclib/frame/main.h"
+#include "mclib/frame/util.h"
 
 namespace {
 

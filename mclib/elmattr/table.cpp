@@ -7,10 +7,10 @@
 #include <span>
 #include <type_traits>
 
+#include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/main.h"
-#include "mchost/mdl/system.h"
 
 // Records are copied as a whole, and come from a zero-filled block.
 static_assert(std::is_trivially_copyable_v<ElmAttrRecord> && std::is_trivial_v<ElmAttrGroup>);

@@ -4,6 +4,11 @@
 #include <cstring>
 #include <memory>
 
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/modify.h"
+#include "mchost/mdl/scan.h"
+#include "mchost/mdl/system.h"
+#include "mchost/mdl/text.h"
 #include "mclib/forms/form_cell.h"
 #include "mclib/forms/formatter.h"
 #include "mclib/forms/spreadsheet.h"
@@ -11,11 +16,6 @@
 #include "mclib/frame/main.h"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/elmdscr.h"
-#include "mchost/mdl/model.h"
-#include "mchost/mdl/modify.h"
-#include "mchost/mdl/scan.h"
-#include "mchost/mdl/system.h"
-#include "mchost/mdl/text.h"
 #include "mclib/print/shared.h"
 
 namespace forms {

@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "mchost/mdl/cell.h"
+#include "mchost/mdl/system.h"
 #include "mclib/forms/forms.h"
 #include "mclib/frame/shown_path.h"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/cells.h"
-#include "mchost/mdl/cell.h"
-#include "mchost/mdl/system.h"
 
 namespace forms {
 

@@ -6,11 +6,11 @@
 #include <optional>
 #include <string_view>
 
+#include "mchost/mdl/text.h"
 #include "mclib/forms/forms.h"
 #include "mclib/forms/logo.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/host_ptr.h"
-#include "mchost/mdl/text.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "mchost/mdl/system.h"
 #include "mclib/forms/value.h"
 #include "mclib/frame/errors.h"
-#include "mchost/mdl/system.h"
 
 namespace forms {
 namespace {

@@ -2,12 +2,12 @@
 
 #include <array>
 
+#include "mchost/mdl/dialog.h"
+#include "mchost/mdl/system.h"
 #include "mclib/forms/pages.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/text_buffer.h"
-#include "mchost/mdl/dialog.h"
-#include "mchost/mdl/system.h"
 #include "mclib/project/shared.h"
 #include "mclib/project/store.h"
 

@@ -5,13 +5,13 @@
 #include <string>
 #include <string_view>
 
+#include "mchost/mdl/system.h"
 #include "mclib/forms/form_cell.h"
 #include "mclib/forms/page_info.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/host_ptr.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/geometry/elmdscr.h"
-#include "mchost/mdl/system.h"
 #include "mclib/print/shared.h"
 #include "mclib/project/store.h"
 

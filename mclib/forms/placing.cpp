@@ -3,16 +3,16 @@
 
 #include <algorithm>
 
-#include "mclib/frame/errors.h"
-#include "mclib/frame/main.h"
-#include "mclib/frame/util.h"
-#include "mclib/geometry/elmdscr.h"
 #include "mchost/mdl/element.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/state.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/main.h"
+#include "mclib/frame/util.h"
+#include "mclib/geometry/elmdscr.h"
 #include "mclib/print/shared.h"
 
 namespace forms {

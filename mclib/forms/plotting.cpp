@@ -4,10 +4,6 @@
 #include <string>
 #include <utility>
 
-#include "mclib/forms/placing.h"
-#include "mclib/frame/errors.h"
-#include "mclib/frame/shown_path.h"
-#include "mclib/frame/text_buffer.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/fence.h"
@@ -15,6 +11,10 @@
 #include "mchost/mdl/plot.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/forms/placing.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/shown_path.h"
+#include "mclib/frame/text_buffer.h"
 #include "mclib/print/plot_name.h"
 #include "mclib/print/shared.h"
 

@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <array>
 
+#include "mchost/mdl/dialog.h"
+#include "mchost/mdl/elmdscr.h"
+#include "mchost/mdl/system.h"
 #include "mclib/forms/page_info.h"
 #include "mclib/forms/pages.h"
 #include "mclib/forms/placing.h"
@@ -13,9 +16,6 @@
 #include "mclib/frame/main.h"
 #include "mclib/frame/resource_files.h"
 #include "mclib/frame/text_buffer.h"
-#include "mchost/mdl/dialog.h"
-#include "mchost/mdl/elmdscr.h"
-#include "mchost/mdl/system.h"
 #include "mclib/print/setup.h"
 #include "mclib/print/setup_store.h"
 #include "mclib/project/dialog.h"

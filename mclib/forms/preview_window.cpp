@@ -5,16 +5,16 @@
 #include <cmath>
 #include <cstdio>
 
+#include "mchost/mdl/dialog.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/resource.h"
+#include "mchost/mdl/view.h"
 #include "mclib/forms/pages.h"
 #include "mclib/forms/preview_extent.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/elmdscr.h"
-#include "mchost/mdl/dialog.h"
-#include "mchost/mdl/model.h"
-#include "mchost/mdl/resource.h"
-#include "mchost/mdl/view.h"
 #include "mclib/print/page_look.h"
 #include "mclib/print/shared.h"
 

@@ -5,6 +5,10 @@
 #include <optional>
 #include <string>
 
+#include "mchost/mdl/dialog.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/system.h"
+#include "mchost/mdl/transform.h"
 #include "mclib/forms/form_cell.h"
 #include "mclib/forms/page_info.h"
 #include "mclib/forms/pages.h"
@@ -13,10 +17,6 @@
 #include "mclib/frame/resource_files.h"
 #include "mclib/frame/shown_path.h"
 #include "mclib/frame/text_buffer.h"
-#include "mchost/mdl/dialog.h"
-#include "mchost/mdl/model.h"
-#include "mchost/mdl/system.h"
-#include "mchost/mdl/transform.h"
 #include "mclib/print/ascii_sheet.h"
 #include "mclib/print/delivery.h"
 #include "mclib/print/print.h"

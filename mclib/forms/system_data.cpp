@@ -2,11 +2,11 @@
 #include <cstdio>
 #include <string>
 
+#include "mchost/mdl/files.h"
+#include "mchost/mdl/system.h"
 #include "mclib/forms/forms.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/frame/util.h"
-#include "mchost/mdl/files.h"
-#include "mchost/mdl/system.h"
 
 namespace {
 

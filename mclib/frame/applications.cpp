@@ -2,11 +2,11 @@
 
 #include <span>
 
+#include "mchost/mdl/dialog.h"
+#include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/main.h"
-#include "mchost/mdl/dialog.h"
-#include "mchost/mdl/system.h"
 
 GlobalData* mgdP = nullptr;
 

@@ -5,11 +5,11 @@
 #include <string>
 #include <string_view>
 
+#include "mchost/mdl/external.h"
+#include "mchost/mdl/system.h"
 #include "mclib/frame/host_ptr.h"
 #include "mclib/frame/letters.h"
 #include "mclib/frame/util.h"
-#include "mchost/mdl/external.h"
-#include "mchost/mdl/system.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 // depends on where a field lies.
 #pragma once
 
+#include "mchost/mdl/file_dialogs.h"
 #include "mclib/frame/export.h"
 #include "mclib/frame/resource_files.h"
-#include "mchost/mdl/file_dialogs.h"
 
 struct ElmAttrGroup;      // mclib/elmattr/table.h
 struct ElmAttrRecord;     // mclib/elmattr/table.h

@@ -2,12 +2,12 @@
 #include <cstring>
 #include <string>
 
-#include "mclib/frame/errors.h"
-#include "mclib/frame/util.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/util.h"
 
 namespace {
 

@@ -5,13 +5,13 @@
 #include <bit>
 #include <cstdio>
 
-#include "mclib/frame/errors.h"
-#include "mclib/frame/messages.h"
-#include "mclib/frame/resource_files.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/messages.h"
+#include "mclib/frame/resource_files.h"
 
 namespace {
 

@@ -5,15 +5,15 @@
 #include <cstring>
 #include <iterator>
 
+#include "mchost/mdl/dialog.h"
+#include "mchost/mdl/lists.h"
+#include "mchost/mdl/resource.h"
+#include "mchost/mdl/system.h"
 #include "mclib/frame/applications.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/text_buffer.h"
-#include "mchost/mdl/dialog.h"
-#include "mchost/mdl/lists.h"
-#include "mchost/mdl/resource.h"
-#include "mchost/mdl/system.h"
 
 MessageState messageState;
 

@@ -1,5 +1,5 @@
-// What the message boxes and the list dialog show. Internal: mclib/frame/messages.cpp fills it, the hooks of the two dialogs
-// (batch/) lay it out and draw it.
+// What the message boxes and the list dialog show. Internal: mclib/frame/messages.cpp fills it, the hooks of the two
+// dialogs (batch/) lay it out and draw it.
 #pragma once
 
 #include "mclib/frame/export.h"

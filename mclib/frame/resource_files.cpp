@@ -4,11 +4,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include "mclib/frame/errors.h"
-#include "mclib/frame/text_buffer.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/text_buffer.h"
 
 namespace {
 

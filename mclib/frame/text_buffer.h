@@ -6,8 +6,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "mclib/frame/export.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/export.h"
 
 // The finished text of a message and the longest format, with their NUL.
 constexpr size_t messageTextSize = 1024;

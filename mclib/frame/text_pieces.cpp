@@ -2,10 +2,10 @@
 #include <cstring>
 #include <cwchar>
 
-#include "mclib/frame/errors.h"
-#include "mclib/frame/util.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/util.h"
 
 namespace {
 

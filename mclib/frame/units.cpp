@@ -5,15 +5,15 @@
 #include <cstring>
 #include <ctime>
 
+#include "mchost/mdl/dialog.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/system.h"
+#include "mchost/mdl/transform.h"
 #include "mclib/frame/applications.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/frame/util.h"
-#include "mchost/mdl/dialog.h"
-#include "mchost/mdl/model.h"
-#include "mchost/mdl/system.h"
-#include "mchost/mdl/transform.h"
 
 namespace {
 

@@ -3,14 +3,14 @@
 #include <cstring>
 #include <string>
 
-#include "mclib/frame/global_data.h"
-#include "mclib/frame/main.h"
-#include "mclib/frame/resource_files.h"
-#include "mclib/frame/text_buffer.h"
 #include "mchost/mdl/file_dialogs.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/global_data.h"
+#include "mclib/frame/main.h"
+#include "mclib/frame/resource_files.h"
+#include "mclib/frame/text_buffer.h"
 
 namespace {
 

@@ -1,13 +1,13 @@
 // The browser, and the manuals of applications.
 #include <string>
 
+#include "mchost/mdl/external.h"
+#include "mchost/mdl/files.h"
+#include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/host_ptr.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/util.h"
-#include "mchost/mdl/external.h"
-#include "mchost/mdl/files.h"
-#include "mchost/mdl/system.h"
 
 namespace {
 

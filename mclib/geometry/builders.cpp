@@ -3,11 +3,11 @@
 
 #include <array>
 
-#include "mclib/elmattr/attributes.h"
-#include "mclib/geometry/userdata.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
+#include "mclib/elmattr/attributes.h"
+#include "mclib/geometry/userdata.h"
 
 namespace {
 

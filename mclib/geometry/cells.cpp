@@ -6,9 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "mclib/frame/letters.h"
-#include "mclib/frame/util.h"
-#include "mclib/geometry/elmdscr.h"
 #include "mchost/mdl/cell.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/files.h"
@@ -16,6 +13,9 @@
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/frame/letters.h"
+#include "mclib/frame/util.h"
+#include "mclib/geometry/elmdscr.h"
 
 namespace {
 

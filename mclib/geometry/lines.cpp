@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <optional>
 
+#include "mchost/mdl/transform.h"
 #include "mclib/geometry/clothoid.h"
 #include "mclib/geometry/plane.h"
-#include "mchost/mdl/transform.h"
 
 namespace {
 

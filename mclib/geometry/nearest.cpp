@@ -1,11 +1,11 @@
 // The geometry of alignments on elements of the host: lines and arcs made, and the nearest point found.
 #include <algorithm>
 
+#include "mchost/mdl/transform.h"
 #include "mclib/frame/current_units.h"
 #include "mclib/frame/host_ptr.h"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/plane.h"
-#include "mchost/mdl/transform.h"
 
 namespace {
 

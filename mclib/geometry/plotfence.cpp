@@ -4,13 +4,13 @@
 #include <array>
 #include <cstring>
 
-#include "mclib/frame/errors.h"
-#include "mclib/geometry/userdata.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/reference.h"
 #include "mchost/mdl/scan.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/errors.h"
+#include "mclib/geometry/userdata.h"
 
 namespace {
 

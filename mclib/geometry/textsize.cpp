@@ -6,10 +6,10 @@
 #include <cstring>
 #include <string_view>
 
-#include "mclib/frame/util.h"
-#include "mclib/geometry/builders.h"
 #include "mchost/mdl/element.h"
 #include "mchost/mdl/text.h"
+#include "mclib/frame/util.h"
+#include "mclib/geometry/builders.h"
 
 namespace {
 

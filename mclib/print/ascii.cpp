@@ -6,9 +6,9 @@
 #include <cmath>
 #include <string_view>
 
-#include "mclib/frame/errors.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/frame/errors.h"
 #include "mclib/print/ascii_sheet.h"
 #include "mclib/print/driver.h"
 #include "mclib/print/output.h"

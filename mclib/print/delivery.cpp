@@ -6,12 +6,12 @@
 #include <string_view>
 #include <vector>
 
-#include "mclib/frame/external.h"
-#include "mclib/frame/host_ptr.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/plot.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/win32.h"
+#include "mclib/frame/external.h"
+#include "mclib/frame/host_ptr.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "mclib/frame/host_ptr.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/host_ptr.h"
 
 namespace print {
 

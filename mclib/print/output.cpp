@@ -4,9 +4,9 @@
 #include <cstring>
 #include <string>
 
-#include "mclib/frame/export.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/export.h"
 
 bool PrintOutput::open(const char* driverName, const char* name) {
     driver = driverName;

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "mclib/frame/global_data.h"
 #include "mchost/mdl/plot.h"
+#include "mclib/frame/global_data.h"
 
 namespace print {
 

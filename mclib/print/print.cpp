@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 
+#include "mchost/mdl/system.h"
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/main.h"
-#include "mchost/mdl/system.h"
 #include "mclib/print/driver.h"
 #include "mclib/print/shared.h"
 #include "mclib/print/walker.h"

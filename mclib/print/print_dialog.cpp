@@ -3,12 +3,12 @@
 #include <array>
 #include <string>
 
+#include "mchost/mdl/files.h"
+#include "mchost/mdl/plot.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/letters.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/text_buffer.h"
-#include "mchost/mdl/files.h"
-#include "mchost/mdl/plot.h"
 #include "mclib/print/plot_name.h"
 #include "mclib/print/print.h"
 #include "mclib/print/setup_store.h"

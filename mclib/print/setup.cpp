@@ -6,13 +6,13 @@
 #include <string>
 #include <string_view>
 
+#include "mchost/mdl/files.h"
+#include "mchost/mdl/resource.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/host_ptr.h"
 #include "mclib/frame/shown_path.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/frame/util.h"
-#include "mchost/mdl/files.h"
-#include "mchost/mdl/resource.h"
 #include "mclib/print/delivery.h"
 #include "mclib/print/folder.h"
 #include "mclib/print/print.h"

@@ -3,11 +3,11 @@
 #include <cstring>
 #include <string_view>
 
+#include "mchost/mdl/lists.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/resource_files.h"
 #include "mclib/frame/text_buffer.h"
-#include "mchost/mdl/lists.h"
 #include "mclib/print/delivery.h"
 #include "mclib/print/print.h"
 #include "mclib/print/setup.h"

@@ -3,8 +3,8 @@
 
 #include <string_view>
 
-#include "mclib/frame/global_data.h"
 #include "mchost/mdl/dialog.h"
+#include "mclib/frame/global_data.h"
 
 namespace print {
 

@@ -5,14 +5,14 @@
 #include <numbers>
 #include <string_view>
 
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/text.h"
+#include "mchost/mdl/transform.h"
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/host_ptr.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/elmdscr.h"
-#include "mchost/mdl/model.h"
-#include "mchost/mdl/text.h"
-#include "mchost/mdl/transform.h"
 #include "mclib/print/page_look.h"
 #include "mclib/print/styles.h"
 

@@ -1,10 +1,10 @@
 // Application data elements: making, writing and finding them.
 #include "mclib/project/application_data.h"
 
-#include "mclib/frame/errors.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/scan.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/errors.h"
 #include "mclib/project/application_block.h"
 
 namespace {

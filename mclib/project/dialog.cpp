@@ -3,14 +3,14 @@
 #include <array>
 #include <cstring>
 
-#include "mclib/frame/errors.h"
-#include "mclib/frame/main.h"
-#include "mclib/frame/resource_files.h"
-#include "mclib/frame/shown_path.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/main.h"
+#include "mclib/frame/resource_files.h"
+#include "mclib/frame/shown_path.h"
 #include "mclib/project/records.h"
 #include "mclib/project/shared.h"
 #include "mclib/project/store.h"

@@ -7,8 +7,8 @@
 #include <span>
 #include <string>
 
-#include "mclib/frame/stored_layout.h"
 #include "mchost/mdl/resource.h"
+#include "mclib/frame/stored_layout.h"
 #include "mclib/project/blocks.h"
 
 namespace project {

@@ -4,10 +4,10 @@
 #include <cstring>
 #include <string>
 
-#include "mclib/frame/errors.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/errors.h"
 #include "mclib/project/application_data.h"
 #include "mclib/project/records.h"
 

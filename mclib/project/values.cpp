@@ -2,8 +2,8 @@
 #include <cstdarg>
 #include <cstring>
 
-#include "mclib/frame/stored_layout.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/frame/stored_layout.h"
 #include "mclib/project/application_data.h"
 
 namespace {

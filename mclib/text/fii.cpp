@@ -8,9 +8,9 @@
 #include <optional>
 #include <string_view>
 
+#include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/letters.h"
-#include "mchost/mdl/system.h"
 #include "mclib/text/char_set.h"
 #include "mclib/text/decimal.h"
 

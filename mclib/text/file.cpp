@@ -6,12 +6,12 @@
 #include <span>
 #include <string_view>
 
-#include "mclib/frame/errors.h"
-#include "mclib/frame/util.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/win32.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/util.h"
 
 namespace {
 

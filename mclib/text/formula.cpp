@@ -12,9 +12,9 @@
 #include <limits>
 #include <string_view>
 
-#include "mclib/frame/letters.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/frame/letters.h"
 #include "mclib/text/decimal.h"
 
 namespace {

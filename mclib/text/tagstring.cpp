@@ -10,10 +10,10 @@
 #include <span>
 #include <string_view>
 
+#include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/host_ptr.h"
 #include "mclib/frame/letters.h"
-#include "mchost/mdl/system.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <optional>
 
+#include "mchost/processes/programs.h"
 #include "programs/shell/batch.h"
 #include "programs/shell/commands.h"
 #include "programs/shell/shell.h"
-#include "mchost/processes/programs.h"
 
 namespace host::shell {
 

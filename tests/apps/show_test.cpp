@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
-#include "mclib/elmattr/resources.h"
-#include "mclib/forms/preview_extent.h"
-#include "mclib/frame/stored_layout.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/file_dialogs.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/text.h"
+#include "mclib/elmattr/resources.h"
+#include "mclib/forms/preview_extent.h"
+#include "mclib/frame/stored_layout.h"
 #include "mclib/print/setup_record.h"
 #include "mclib/project/application_data.h"
 #include "mclib/project/records.h"

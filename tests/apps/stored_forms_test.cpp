@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "mclib/elmattr/resources.h"
-#include "mclib/frame/resource_files.h"
 #include "mchost/mdl/file_dialogs.h"
 #include "mchost/mdl/resource.h"
+#include "mclib/elmattr/resources.h"
+#include "mclib/frame/resource_files.h"
 #include "mclib/print/setup_record.h"
 #include "mclib/project/store.h"
 #include "tests/support/application_test.h"

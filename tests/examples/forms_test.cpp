@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "mclib/forms/forms.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/view.h"
+#include "mclib/forms/forms.h"
 #include "tests/support/library_fixture.h"
 
 namespace {

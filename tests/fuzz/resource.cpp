@@ -6,15 +6,15 @@
 #include <cstring>
 
 #include "database.h"
-#include "mclib/elmattr/attributes.h"
-#include "mclib/elmattr/records.h"
-#include "mclib/elmattr/resources.h"
-#include "mclib/frame/resource_files.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/file_dialogs.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/resource/store.h"
+#include "mclib/elmattr/attributes.h"
+#include "mclib/elmattr/records.h"
+#include "mclib/elmattr/resources.h"
+#include "mclib/frame/resource_files.h"
 #include "mclib/print/setup_record.h"
 #include "session.h"
 

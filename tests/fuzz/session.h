@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "folder.h"
-#include "mclib/frame/main.h"
 #include "mchost/session/front_end.h"
 #include "mchost/session/session.h"
+#include "mclib/frame/main.h"
 
 class FuzzFrontEnd : public host::FrontEnd {
   public:

@@ -3,9 +3,9 @@
 
 #include <optional>
 
+#include "mchost/mdl/model.h"
 #include "mclib/elmattr/attributes.h"
 #include "mclib/frame/main.h"
-#include "mchost/mdl/model.h"
 #include "tests/support/session_fixture.h"
 
 class LibraryTest : public SessionTest {

@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
-#include "mchost/session/front_end.h"
 #include "mchost/front/scripted.h"
+#include "mchost/session/front_end.h"
 #include "mchost/session/session.h"
 
 // Texts are UTF-8, as a front end gets them.

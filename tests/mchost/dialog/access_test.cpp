@@ -6,8 +6,8 @@
 #include <cstring>
 #include <cwchar>
 
-#include "mchost/dialog/access.h"
 #include "mchost/base/number_format.h"
+#include "mchost/dialog/access.h"
 #include "mchost/mdl/system.h"
 #include "tests/support/session_fixture.h"
 

@@ -2,12 +2,12 @@
 #include <string>
 #include <vector>
 
+#include "mchost/base/paths.h"
+#include "mchost/files/file_list.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/win32.h"
-#include "mchost/files/file_list.h"
-#include "mchost/base/paths.h"
 #include "tests/support/session_fixture.h"
 
 namespace {

@@ -2,8 +2,8 @@
 #include <cstring>
 #include <string>
 
-#include "mchost/mdl/system.h"
 #include "mchost/base/variables.h"
+#include "mchost/mdl/system.h"
 #include "tests/support/session_fixture.h"
 
 namespace {

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "mchost/files/network.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/win32.h"
-#include "mchost/files/network.h"
 #include "mchost/settings/settings.h"
 #include "tests/support/session_fixture.h"
 

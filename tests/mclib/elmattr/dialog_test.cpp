@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "mclib/elmattr/table.h"
-#include "mclib/frame/global_data.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/resource/container.h"
+#include "mclib/elmattr/table.h"
+#include "mclib/frame/global_data.h"
 #include "tests/support/library_fixture.h"
 
 namespace {

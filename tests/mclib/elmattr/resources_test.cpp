@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "mchost/mdl/level.h"
+#include "mchost/mdl/resource.h"
 #include "mclib/elmattr/records.h"
 #include "mclib/elmattr/resources.h"
 #include "mclib/elmattr/table.h"
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/resource_files.h"
-#include "mchost/mdl/level.h"
-#include "mchost/mdl/resource.h"
 #include "tests/mclib/elmattr/random_attributes.h"
 #include "tests/support/library_fixture.h"
 

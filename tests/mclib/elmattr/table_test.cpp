@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "mclib/elmattr/table.h"
-#include "mclib/frame/global_data.h"
 #include "mchost/mdl/element.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/system.h"
+#include "mclib/elmattr/table.h"
+#include "mclib/frame/global_data.h"
 #include "tests/support/library_fixture.h"
 
 namespace {

@@ -8,14 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "mclib/elmattr/table.h"
-#include "mclib/frame/global_data.h"
 #include "mchost/mdl/element.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/elmattr/table.h"
+#include "mclib/frame/global_data.h"
 #include "tests/support/library_fixture.h"
 
 namespace {

@@ -4,14 +4,14 @@
 #include <map>
 #include <string>
 
-#include "mclib/forms/forms.h"
-#include "mclib/geometry/elmdscr.h"
 #include "mchost/mdl/cell.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/modify.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
 #include "mchost/model/cell_library.h"
+#include "mclib/forms/forms.h"
+#include "mclib/geometry/elmdscr.h"
 #include "mclib/mclib.h"
 #include "tests/support/library_fixture.h"
 

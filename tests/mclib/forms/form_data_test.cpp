@@ -4,8 +4,8 @@
 #include <cstring>
 #include <string>
 
-#include "mclib/frame/util.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/util.h"
 #include "tests/support/library_fixture.h"
 
 namespace {

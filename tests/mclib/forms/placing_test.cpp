@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <set>
 
-#include "mclib/forms/pages.h"
 #include "mchost/command/command.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/fence.h"
@@ -11,6 +10,7 @@
 #include "mchost/mdl/scan.h"
 #include "mchost/mdl/transform.h"
 #include "mchost/space/view.h"
+#include "mclib/forms/pages.h"
 #include "tests/mclib/forms/preview_fixture.h"
 
 namespace {

@@ -9,14 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "mclib/forms/pages.h"
-#include "mclib/frame/main.h"
 #include "mchost/dialog/dialog.h"
 #include "mchost/dialog/registry.h"
 #include "mchost/front/scripted.h"
 #include "mchost/mdl/element.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
+#include "mclib/forms/pages.h"
+#include "mclib/frame/main.h"
 #include "mclib/print/setup.h"
 #include "mclib/project/store.h"
 #include "tests/support/library_fixture.h"

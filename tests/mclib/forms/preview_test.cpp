@@ -2,9 +2,9 @@
 #include <chrono>
 #include <cstring>
 
-#include "mclib/frame/global_data.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
+#include "mclib/frame/global_data.h"
 #include "tests/mclib/forms/preview_fixture.h"
 
 namespace {

@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "mclib/frame/global_data.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/session/memory.h"
+#include "mclib/frame/global_data.h"
 #include "mclib/print/print.h"
 #include "tests/mclib/forms/preview_fixture.h"
 

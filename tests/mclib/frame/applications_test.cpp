@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "mclib/elmattr/attributes.h"
-#include "mclib/frame/errors.h"
-#include "mclib/frame/main.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/system.h"
 #include "mchost/session/memory.h"
+#include "mclib/elmattr/attributes.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/main.h"
 #include "tests/support/session_fixture.h"
 
 namespace {

@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "mclib/frame/main.h"
-#include "mclib/frame/util.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/container.h"
+#include "mclib/frame/main.h"
+#include "mclib/frame/util.h"
 #include "tests/support/session_fixture.h"
 
 namespace {

@@ -7,9 +7,9 @@
 #include <string>
 #include <thread>
 
+#include "mchost/session/keyin.h"
 #include "mclib/frame/external.h"
 #include "mclib/frame/win32.h"
-#include "mchost/session/keyin.h"
 #include "tests/support/library_fixture.h"
 #include "tests/support/recorder.h"
 

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "mclib/frame/errors.h"
-#include "mclib/frame/main.h"
 #include "mchost/dialog/dialog.h"
 #include "mchost/front/scripted.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/main.h"
 #include "tests/support/session_fixture.h"
 
 namespace {

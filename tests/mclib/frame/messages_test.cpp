@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
-#include "mclib/frame/errors.h"
-#include "mclib/frame/main.h"
-#include "mclib/frame/messages.h"
 #include "mchost/dialog/dialog.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mchost/session/memory.h"
-#include "tests/support/session_fixture.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/main.h"
+#include "mclib/frame/messages.h"
 #include "mclib/text/file.h"
+#include "tests/support/session_fixture.h"
 
 namespace {
 

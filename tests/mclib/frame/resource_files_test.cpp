@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "mclib/frame/resource_files.h"
 #include "mchost/dialog/dialog.h"
 #include "mchost/mdl/file_dialogs.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/resource_files.h"
 #include "tests/support/library_fixture.h"
 
 namespace {

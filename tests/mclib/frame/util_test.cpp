@@ -7,13 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "mclib/frame/errors.h"
-#include "mclib/frame/main.h"
-#include "mclib/frame/util.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/session/memory.h"
+#include "mclib/frame/errors.h"
+#include "mclib/frame/main.h"
+#include "mclib/frame/util.h"
 #include "tests/support/session_fixture.h"
 
 namespace {

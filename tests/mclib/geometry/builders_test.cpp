@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
+#include "mchost/mdl/elmdscr.h"
+#include "mchost/mdl/level.h"
+#include "mchost/mdl/system.h"
+#include "mchost/mdl/text.h"
 #include "mclib/elmattr/attributes.h"
 #include "mclib/geometry/builders.h"
 #include "mclib/geometry/elmdscr.h"
 #include "mclib/geometry/plotfence.h"
 #include "mclib/geometry/textsize.h"
 #include "mclib/geometry/userdata.h"
-#include "mchost/mdl/elmdscr.h"
-#include "mchost/mdl/level.h"
-#include "mchost/mdl/system.h"
-#include "mchost/mdl/text.h"
 #include "tests/support/library_fixture.h"
 
 namespace {

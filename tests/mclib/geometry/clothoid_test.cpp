@@ -8,8 +8,8 @@
 #include <random>
 #include <vector>
 
-#include "mclib/geometry/lines.h"
 #include "mchost/mdl/system.h"
+#include "mclib/geometry/lines.h"
 
 namespace {
 

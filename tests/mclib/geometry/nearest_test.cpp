@@ -5,10 +5,10 @@
 #include <numbers>
 #include <vector>
 
-#include "mclib/geometry/lines.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/geometry/lines.h"
 #include "tests/support/library_fixture.h"
 
 namespace {

@@ -6,13 +6,13 @@
 #include <optional>
 #include <string>
 
-#include "mclib/frame/main.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/frame/main.h"
 #include "mclib/print/print.h"
 #include "mclib/print/walker.h"
 #include "tests/support/session_fixture.h"

@@ -6,11 +6,11 @@
 #include <functional>
 #include <string>
 
-#include "mclib/frame/global_data.h"
 #include "mchost/dialog/dialog.h"
 #include "mchost/front/scripted.h"
 #include "mchost/mdl/plot.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/global_data.h"
 #include "mclib/print/setup.h"
 #include "tests/support/library_fixture.h"
 

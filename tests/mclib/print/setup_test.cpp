@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "mclib/frame/util.h"
 #include "mchost/dialog/dialog.h"
 #include "mchost/front/scripted.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/util.h"
 #include "mclib/print/setup.h"
 #include "tests/support/library_fixture.h"
 

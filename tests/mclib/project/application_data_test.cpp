@@ -5,9 +5,9 @@
 #include <cstring>
 #include <vector>
 
-#include "mclib/frame/stored_layout.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/system.h"
+#include "mclib/frame/stored_layout.h"
 #include "mclib/project/application_block.h"
 #include "mclib/project/application_data.h"
 #include "tests/support/library_fixture.h"

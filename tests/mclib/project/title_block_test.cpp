@@ -4,9 +4,9 @@
 #include <cstring>
 #include <string>
 
+#include "mchost/mdl/dialog.h"
 #include "mclib/forms/forms.h"
 #include "mclib/frame/global_data.h"
-#include "mchost/mdl/dialog.h"
 #include "mclib/project/dialog.h"
 #include "mclib/project/store.h"
 #include "tests/support/library_fixture.h"
