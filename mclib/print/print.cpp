@@ -57,15 +57,9 @@ const PrintDriver* driverOf(int32_t device) {
 // The application whose job is open, or was the last to be; only told apart from others, never followed.
 const GlobalData* jobOwner = nullptr;
 
-void closeOpenJobs() {
-    for (const PrintDriver* driver : drivers)
-        if (driver) driver->close();
-    jobOwner = nullptr;
-}
-
 // A job that is open when the process ends is whole too.
 struct AtExit {
-    ~AtExit() { closeOpenJobs(); }
+    ~AtExit() { print::closeJobs(); }
 };
 const AtExit atExit;
 
@@ -77,13 +71,15 @@ const PrintDriver* currentDriver() {
 }  // namespace
 
 void print::closeJobs() {
-    closeOpenJobs();
+    for (const PrintDriver* driver : drivers)
+        if (driver) driver->close();
+    jobOwner = nullptr;
 }
 
 int mclibPrint_fopen(const char* fileName, int device) {
     GlobalData* gd = mclibMain_getGlobalDataP();
     if (!gd) return 0;
-    closeOpenJobs();
+    print::closeJobs();
     gd->printDevice = device;
     jobOwner = gd;
     if (!isDevice(device))
@@ -95,7 +91,7 @@ int mclibPrint_fopen(const char* fileName, int device) {
 }
 
 void print::closeJobOfApplication() {
-    if (jobOwner && jobOwner == mclibMain_getGlobalDataP()) closeOpenJobs();
+    if (jobOwner && jobOwner == mclibMain_getGlobalDataP()) print::closeJobs();
 }
 
 void mclibPrint_newPage(void) {
