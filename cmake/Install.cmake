@@ -7,10 +7,11 @@ install(TARGETS mchost-program mcrsc mccel mcshell RUNTIME DESTINATION ${CMAKE_I
 
 foreach(room mclib mchost/mdl ${ROOMS})
   if(room MATCHES "^mclib" OR room STREQUAL "mchost/mdl")
-    file(GLOB headers RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${room}/*.h)
+    file(GLOB headers RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${room}/*.h ${room}/*.hpp)
     foreach(header ${headers})
-      file(STRINGS ${PROJECT_SOURCE_DIR}/${header} internal REGEX "^#pragma once")  # public ones are plain C with guards
-      if(NOT internal)
+      # Public ones are plain C with guards, or end in .hpp.
+      file(STRINGS ${PROJECT_SOURCE_DIR}/${header} internal REGEX "^#pragma once")
+      if(NOT internal OR header MATCHES "hpp$")
         install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${room})
       endif()
     endforeach()

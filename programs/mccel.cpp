@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "mchost/base/charset.h"
-#include "mchost/mdl/elmdscr.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/view.h"
 #include "mchost/model/cell_library.h"
@@ -82,10 +82,7 @@ std::wstring wideOf(std::string_view narrow) {
     return wide;
 }
 
-struct FreeDescr {
-    void operator()(ElementDescr* ed) const { mdlElmdscr_freeAll(&ed); }
-};
-using Descr = std::unique_ptr<ElementDescr, FreeDescr>;
+using Descr = mdl::DescrPtr;
 
 Point3d inUor(const Point& p) {
     return {p.x * uorPerMaster, p.y * uorPerMaster, 0};
@@ -560,13 +557,12 @@ int Compiler::showByLevel(MSElementBuffer* element, void* compiler, int32_t, int
 // Behind write(): changes the elements of the cells.
 bool Compiler::writePictures(const std::string& folder) {
     constexpr double dpi = 150;
-    constexpr int32_t allElements = 11;
     std::error_code failed;
     std::filesystem::create_directories(folder, failed);
     for (const std::string& name : order_) {
         ElementDescr* cell = cells_.at(name).cell.get();
         Point3d low, high;
-        mdlElmdscr_operation(cell, showByLevel, this, allElements);
+        mdlElmdscr_operation(cell, showByLevel, this, MDL_DESCR_ALL);
         if (mdlElmdscr_computeRange(&low, &high, cell, nullptr) != MDL_SUCCESS) continue;
         const double widthMm = std::max((high.x - low.x) / uorPerMaster, 20.0);
         std::string file = host::utf8FromNarrow(name) + ".png";

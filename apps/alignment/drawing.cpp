@@ -360,7 +360,7 @@ void Drawing::grid() {
 }
 
 bool Drawing::draw() {
-    const MasterUnits units;
+    const mdl::CurrTransScope masterUnits(mdl::CurrTransScope::Begin::masterUnits);
     constexpr double traceStep = 2;  // millimetres
     for (double s = road_.startStation; s < road_.endStation(); s += sheet_.metres(traceStep)) {
         const Place p = placeAt(road_, s);

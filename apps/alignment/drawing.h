@@ -3,32 +3,17 @@
 
 #include <memory>
 
-#include <mchost/mdl/elmdscr.h>
 #include <mchost/mdl/transform.h>
+#include <mchost/mdl/owned.hpp>
 #include "road.h"
 #include "sheet.h"
 
 namespace alignment {
 
-struct FreeDescr {
-    void operator()(ElementDescr* ed) const { mdlElmdscr_freeAll(&ed); }
-};
-using Page = std::unique_ptr<ElementDescr, FreeDescr>;
+using Page = mdl::DescrPtr;
 
 // Justification codes of the host.
 enum Just { leftTop = 0, leftCentre = 1, leftBase = 2, centreCentre = 7, centreBase = 8, rightCentre = 13 };
-
-// Master units of the active model as long as it stands.
-class MasterUnits {
-  public:
-    MasterUnits() {
-        mdlCurrTrans_begin();
-        mdlCurrTrans_masterUnitsIdentity();
-    }
-    ~MasterUnits() { mdlCurrTrans_end(); }
-    MasterUnits(const MasterUnits&) = delete;
-    MasterUnits& operator=(const MasterUnits&) = delete;
-};
 
 // Everything on the sheet, in the coordinates of the active model; the frame, which is the sheet's extent, comes first.
 // Null, after a message, when an element can't be made.

@@ -124,7 +124,7 @@ void printStations(const Road& road, double step) {
 }
 
 ListPage stationPage(const Road& road, double step) {
-    const MasterUnits units;
+    const mdl::CurrTransScope masterUnits(mdl::CurrTransScope::Begin::masterUnits);
     const std::vector<Line> lines = stationList(road, step);
     ListPage list{nullptr, static_cast<double>(columnsOf(lines) + 1) * columnWidth,
                   static_cast<double>(lines.size() + 1) * lineHeight};

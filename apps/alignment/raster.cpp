@@ -15,6 +15,7 @@
 #include <mchost/mdl/system.h>
 #include <mchost/mdl/text.h>
 #include <mclib/mclib.h>
+#include <mchost/mdl/owned.hpp>
 #include "apps/common/outputs.h"
 #include "apps/common/system_path.h"
 #include "apps/common/tell.h"
@@ -126,10 +127,6 @@ void Bitmap::write(std::ostream& out) const {
 
 // ---- from the page to pixels ----
 
-struct FreePoints {
-    void operator()(Point3d* points) const { dlmSystem_mdlFree(points); }
-};
-
 class Rasterising {
   public:
     Rasterising(Bitmap& bitmap, const Sheet& sheet, RasterSize size)
@@ -211,7 +208,7 @@ void Rasterising::draw(const MSElementBuffer* element) {
     Point3d* stroked = nullptr;
     int32_t count = 0;
     if (mdlElement_stroke(&stroked, &count, element, tolerance * unitsPerMm_ / pixelsPerMm_) != MDL_SUCCESS) return;
-    const std::unique_ptr<Point3d[], FreePoints> owned(stroked);
+    const mdl::HostPtr<Point3d[]> owned(stroked);
     Outline points;
     for (const Point3d& p : std::span(stroked, static_cast<size_t>(count))) points.push_back(pixelOf(p));
     int32_t color = 0, weight = 0, style = 0;
@@ -228,10 +225,9 @@ int drawElement(MSElementBuffer* element, void* rasterising, int32_t, int32_t, E
 }  // namespace
 
 bool writeRaster(const std::string& name, ElementDescr* page, const Sheet& sheet, RasterSize size) {
-    constexpr int visitAll = 11;  // headers and components of the whole chain
     Bitmap bitmap(size);
     Rasterising rasterising(bitmap, sheet, size);
-    mdlElmdscr_operation(page, drawElement, &rasterising, visitAll);
+    mdlElmdscr_operation(page, drawElement, &rasterising, MDL_DESCR_ALL);
     if (!rasterising.unknown().empty())
         app::warn("the PBM picture has gaps in the place of " + rasterising.unknown() +
                   ", for which it has no letters");

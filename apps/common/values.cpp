@@ -6,6 +6,7 @@
 #include <span>
 
 #include <mchost/mdl/system.h>
+#include <mchost/mdl/owned.hpp>
 #include "apps/common/quiet.h"
 
 namespace app {
@@ -107,10 +108,6 @@ bool canBeName(const Piece& piece) {
            piece.text != "end";
 }
 
-struct HostFree {
-    void operator()(char* text) const { dlmSystem_mdlFree(text); }
-};
-
 }  // namespace
 
 std::string Values::numberNameRefusal(const std::string& name) const {
@@ -202,7 +199,7 @@ TextOutcome Values::expand(const std::string& tagString) {
     TagEntry& last = tags_.emplace_back();
     last.name[0] = unmet;
     last.name[1] = '+';
-    std::unique_ptr<char, HostFree> text;
+    mdl::HostPtr<char> text;
     {
         const QuietConsole quiet;
         text.reset(mclibParse_tagString(tagString.c_str(), tags_.data(), static_cast<int>(tags_.size())));

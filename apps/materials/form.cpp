@@ -230,7 +230,7 @@ size_t FormReader::commonRows() const {
 
 std::optional<Form> FormReader::read(const std::string& library) {
     constexpr size_t leastRows = 4;
-    const CellUnits units;
+    const mdl::CurrTransScope cellUnits(mdl::CurrTransScope::Begin::uor);
     const Cell cell = cellOf(library, form_.kind_->cell, std::string("is form ") + form_.kind_->name);
     if (!cell) return {};
     mdlElmdscr_computeRange(&range_.low, &range_.high, cell.get(), nullptr);

@@ -28,18 +28,6 @@ struct FormKind {
 
 std::span<const FormKind> formKinds();
 
-// Coordinates are those of the cell, whatever the application's own are.
-class CellUnits {
-  public:
-    CellUnits() {
-        mdlCurrTrans_begin();
-        mdlCurrTrans_identity();
-    }
-    ~CellUnits() { mdlCurrTrans_end(); }
-    CellUnits(const CellUnits&) = delete;
-    CellUnits& operator=(const CellUnits&) = delete;
-};
-
 enum class Align { left, centre, right };
 
 // A text of the form that is the code of one row of one field.

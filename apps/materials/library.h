@@ -1,18 +1,14 @@
 // Cell libraries, and the cells in them.
 #pragma once
 
+#include <mchost/mdl/owned.hpp>
 #include <memory>
 #include <optional>
 #include <string>
 
-#include <mchost/mdl/elmdscr.h>
-
 namespace materials {
 
-struct FreeDescr {
-    void operator()(ElementDescr* ed) const { mdlElmdscr_freeAll(&ed); }
-};
-using Cell = std::unique_ptr<ElementDescr, FreeDescr>;
+using Cell = mdl::DescrPtr;
 
 // The name by which the library's calls find a cell library: a path, or a name that is looked for in the current folder
 // and then in those that MC_CELL tells. Nothing after a message.

@@ -11,6 +11,7 @@
 #include <mchost/mdl/model.h>
 #include <mchost/mdl/text.h>
 #include <mchost/mdl/transform.h>
+#include <mchost/mdl/owned.hpp>
 #include "apps/common/numbers.h"
 #include "apps/common/tell.h"
 
@@ -266,7 +267,7 @@ bool Pages::insert(FormData* values, const Entry& entry) const {
 
 // Brings the texts of the page to their room, and sets sums apart.
 bool Pages::finish(ElementDescr* page, const std::vector<Entry>& entries) const {
-    const CellUnits units;
+    const mdl::CurrTransScope cellUnits(mdl::CurrTransScope::Begin::uor);
     const std::vector<ElementDescr*> elements = elementsOf(page);
     bool good = true;
     for (const Entry& entry : entries) {

@@ -2,12 +2,11 @@
 #include <cmath>
 #include <map>
 
-#include <mchost/mdl/elmdscr.h>
 #include <mchost/mdl/files.h>
 #include <mchost/mdl/level.h>
 #include <mchost/mdl/model.h>
-#include <mchost/mdl/scan.h>
 #include <mchost/mdl/text.h>
+#include <mchost/mdl/owned.hpp>
 #include "show.h"
 
 namespace show {
@@ -154,9 +153,8 @@ int countElement(MSElementBuffer* element, void* userArg, int32_t, int32_t depth
 }
 
 int takeElement(ElementDescr* ed, void* userArg, ScanCriteria*) {
-    constexpr int32_t all = 11;
     Survey& survey = *static_cast<Survey*>(userArg);
-    mdlElmdscr_operation(ed, countElement, &survey, all);
+    mdlElmdscr_operation(ed, countElement, &survey, MDL_DESCR_ALL);
     if (mdlElement_getType(ed->element) == MDL_APPLICATION_DATA) {
         Record& record =
             survey.applicationData.emplace_back(applicationData(bytesOf(ed->element), survey.subject.full));
@@ -170,12 +168,11 @@ int takeElement(ElementDescr* ed, void* userArg, ScanCriteria*) {
 }
 
 void scanAll(Survey& survey) {
-    ScanCriteria* criteria = mdlScanCriteria_create();
-    mdlScanCriteria_setModel(criteria, survey.subject.model);
+    const mdl::Scan scan(survey.subject.model);
+    ScanCriteria* const criteria = scan.criteria();
     mdlScanCriteria_setReturnType(criteria, MDL_SCAN_DESCRIPTORS, 0, 0);
     mdlScanCriteria_setElmDscrCallback(criteria, takeElement, &survey);
     mdlScanCriteria_scan(criteria, nullptr, nullptr, nullptr);
-    mdlScanCriteria_free(&criteria);
 }
 
 // ---- tables ----

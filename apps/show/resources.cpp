@@ -4,26 +4,12 @@
 
 #include <mchost/mdl/lists.h>
 #include <mchost/mdl/resource.h>
+#include <mchost/mdl/owned.hpp>
 #include "show.h"
 
 namespace show {
 
 namespace {
-
-// An open resource file.
-class ResourceFile {
-  public:
-    explicit ResourceFile(const std::string& name) { mdlResource_openFile(&handle_, name.c_str(), MDL_RSC_READ); }
-    ~ResourceFile() {
-        if (handle_) mdlResource_closeFile(handle_);
-    }
-    ResourceFile(const ResourceFile&) = delete;
-    ResourceFile& operator=(const ResourceFile&) = delete;
-    RscHandle handle() const { return handle_; }
-
-  private:
-    RscHandle handle_ = 0;
-};
 
 struct Entry {
     MdlResourceEntry head;  // its name is null
@@ -61,12 +47,12 @@ std::string typeName(int32_t type) {
 bool tellBlock(RscHandle file, const Entry& entry, bool full) {
     const int32_t type = entry.head.type, id = entry.head.id;
     const std::string key = typeName(type) + " " + std::to_string(id);
-    void* const block = mdlResource_load(file, type, id);
+    const mdl::Resource block(file, type, id);
     if (!block) {
         line(2, key + "  can't be read");
         return false;
     }
-    const std::span bytes(static_cast<const uint8_t*>(block), static_cast<size_t>(mdlResource_size(block)));
+    const std::span bytes = block.bytes();
     const Record record = recordOf({file, type, id, bytes});
     const std::string head = left(key, 12) + right(std::to_string(bytes.size()), 6) + "  ";
     if (record.title.empty()) {
@@ -78,13 +64,10 @@ bool tellBlock(RscHandle file, const Entry& entry, bool full) {
         line(2, head + record.title + (record.problem.empty() ? "" : " (" + record.problem + ")"));
         record.tellFields(4, true);
     }
-    mdlResource_free(block);
     return true;
 }
 
 // ---- all others ----
-
-using ListHandle = std::unique_ptr<StringList, decltype(&mdlStringList_destroy)>;
 
 std::string infoOf(const StringList* list, int32_t index) {
     std::string text;
@@ -98,7 +81,7 @@ bool tellList(RscHandle file, const Entry& entry, bool full) {
     line(2, left(std::to_string(entry.head.id), 12) + counted(static_cast<size_t>(entry.head.size), "member") +
                 (entry.name.empty() ? "" : ", " + quoted(entry.name)));
     if (!full) return true;
-    const ListHandle list(mdlStringList_loadResource(file, entry.head.id), mdlStringList_destroy);
+    const mdl::StringListPtr list(mdlStringList_loadResource(file, entry.head.id));
     const int32_t members = mdlStringList_size(list.get());
     for (int32_t i = 0; i < members; ++i) {
         const char* text = "";
@@ -154,7 +137,7 @@ bool tellKind(RscHandle file, const KindRow& kind, const Entries& entries, bool 
 }  // namespace
 
 bool tellResources(const std::string& name, bool full) {
-    const ResourceFile file(name);
+    const mdl::ResourceFile file(name.c_str(), MDL_RSC_READ);
     Entries entries;
     if (!file.handle() || !collect(file.handle(), entries)) return false;
     char title[256] = "";

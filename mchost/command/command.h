@@ -6,14 +6,9 @@
 #include <vector>
 
 #include "mchost/base/export.h"
-#include "mchost/mdl/elmdscr.h"
+#include "mchost/mdl/owned.hpp"
 
 namespace host {
-
-struct DescrDeleter {
-    void operator()(ElementDescr* ed) const { mdlElmdscr_freeAll(&ed); }
-};
-using OwnedDescr = std::unique_ptr<ElementDescr, DescrDeleter>;
 
 // Whether a command other than the default one runs.
 HOST_EXPORT bool commandRuns();
@@ -28,7 +23,7 @@ HOST_EXPORT bool giveDataPoint(const Point3d& point, int32_t view);
 HOST_EXPORT bool giveReset();
 
 // What the dynamics of the command displayed at the last move of the cursor.
-HOST_EXPORT const std::vector<OwnedDescr>& dynamicElements();
+HOST_EXPORT const std::vector<mdl::DescrPtr>& dynamicElements();
 
 // Serves commands: takes the key-ins and then the answers of the front end as data points and resets, until no command
 // runs. When nobody answers the command is ended, and the result is false. Whoever waits for events of the user calls

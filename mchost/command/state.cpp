@@ -29,7 +29,7 @@ struct CommandState {
     Command running;
     uint64_t lastSerial = 0;
     bool inDynamics = false;
-    std::vector<OwnedDescr> drawn;
+    std::vector<mdl::DescrPtr> drawn;
 };
 CommandState state;
 MdlStateData data;
@@ -121,7 +121,7 @@ bool giveReset() {
     return true;
 }
 
-const std::vector<OwnedDescr>& dynamicElements() {
+const std::vector<mdl::DescrPtr>& dynamicElements() {
     return state.drawn;
 }
 

@@ -16,6 +16,7 @@
 #include "mchost/mdl/file_dialogs.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/lists.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/session/front_end.h"
 #include "mchost/session/session.h"
 #include "mchost/session/state.h"
@@ -27,11 +28,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using Kind = FileQuestion::Kind;
-
-struct FreeList {
-    void operator()(StringList* list) const { mdlStringList_destroy(list); }
-};
-using ListPtr = std::unique_ptr<StringList, FreeList>;
 
 std::string textOf(const char* text) {
     return text ? text : "";
@@ -266,7 +262,7 @@ class FileDialog {
         }
         StringList* matches = nullptr;
         mdlFileList_get(&matches, name.c_str(), 0);
-        const ListPtr owner(matches);
+        const mdl::StringListPtr owner(matches);
         const std::string directory = std::string(partsOf(name).device) + std::string(partsOf(name).directory);
         std::vector<std::string> files;
         for (int32_t i = 0; i < mdlStringList_size(matches); ++i) {
@@ -392,8 +388,8 @@ std::vector<std::string> membersOf(const StringList* list) {
     return members;
 }
 
-ListPtr listOf(const std::vector<std::string>& members) {
-    ListPtr list(mdlStringList_create(static_cast<int32_t>(members.size()), 1));
+mdl::StringListPtr listOf(const std::vector<std::string>& members) {
+    mdl::StringListPtr list(mdlStringList_create(static_cast<int32_t>(members.size()), 1));
     for (size_t i = 0; list && i < members.size(); ++i)
         if (mdlStringList_setMember(list.get(), static_cast<int32_t>(i), members[i].c_str(), nullptr) != MDL_SUCCESS)
             list.reset();
@@ -409,7 +405,7 @@ StringList* editList(FrontEnd& front, FileDialogResult& result, Request request,
     } else {
         members = dialog.list(several);
     }
-    ListPtr list = members ? listOf(*members) : nullptr;
+    mdl::StringListPtr list = members ? listOf(*members) : nullptr;
     if (!list) return nullptr;
     result.reply = MDL_FILES_OK;
     copyCut(result.directory, dialog.request().directory);

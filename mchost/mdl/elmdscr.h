@@ -53,9 +53,14 @@ MDL_EXPORT MDL_CHECKED int mdlElmdscr_transform(ElementDescr *ed, const Transfor
 MDL_EXPORT int mdlElmdscr_stroke(Point3d **pointsP, int32_t *countP, const ElementDescr *ed, double tolerance);
 
 /* Calls f for each element of the chain and its children: headers before their components. Stops at a non-zero result,
- * which is the call's result. `order` says for which: 1 elements that aren't headers, 2 headers in the chain itself, 8
- * headers within headers; 11 is all. f gets the one that it is called for, and how many headers it lies in as
+ * which is the call's result. `order` says for which, as a sum of MDL_DESCR_...; f gets the one that it is called for, and how many headers it lies in as
  * `offset`. */
+enum {
+    MDL_DESCR_ELEMENTS = 1,       /* elements that aren't headers */
+    MDL_DESCR_HEADERS = 2,        /* headers in the chain itself */
+    MDL_DESCR_INNER_HEADERS = 8,  /* headers within headers */
+    MDL_DESCR_ALL = 11
+};
 typedef int (*MdlDescrFunction)(MSElementBuffer *element, void *userArg, int32_t order, int32_t offset,
                                 ElementDescr *node);
 MDL_EXPORT int mdlElmdscr_operation(ElementDescr *ed, MdlDescrFunction f, void *userArg, int32_t order);

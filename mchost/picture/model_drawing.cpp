@@ -2,20 +2,13 @@
 #include <array>
 
 #include "mchost/mdl/model.h"
-#include "mchost/mdl/scan.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/picture/drawing.h"
 
 namespace host {
 namespace {
 
 constexpr double farOff = 1e300;
-
-struct CriteriaHolder {
-    ScanCriteria* criteria = mdlScanCriteria_create();
-    ~CriteriaHolder() {
-        if (criteria) mdlScanCriteria_free(&criteria);
-    }
-};
 
 // What to show, in the axes of a view.
 struct Scene {
@@ -46,12 +39,11 @@ Range3d columnBehind(const Scene& scene) {
 }
 
 void drawAt(FilePos position, const Scene& scene) {
-    ElementDescr* ed = nullptr;
-    if (mdlElmdscr_read(&ed, position, scene.model) == 0) return;
+    const mdl::DescrPtr ed = mdl::readDescr(position, scene.model);
+    if (!ed) return;
     const Transform intoView = transformOf(scene.view);
-    if (!scene.turned || mdlElmdscr_transform(ed, &intoView) == MDL_SUCCESS)
-        draw(ed, &scene.range, scene.tolerance, scene.pen);
-    mdlElmdscr_freeAll(&ed);
+    if (!scene.turned || mdlElmdscr_transform(ed.get(), &intoView) == MDL_SUCCESS)
+        draw(ed.get(), &scene.range, scene.tolerance, scene.pen);
 }
 
 bool isTurned(const RotMatrix& view) {
@@ -62,21 +54,14 @@ bool isTurned(const RotMatrix& view) {
 
 bool drawModel(const Range3d& range, const RotMatrix& view, double tolerance, const Pen& pen) {
     const Scene scene{mdlModelRef_getActive(), range, view, isTurned(view), tolerance, pen};
-    CriteriaHolder scan;
-    if (!scan.criteria) return false;
+    const mdl::Scan scan(scene.model);
+    if (!scan) return false;
     const Range3d column = columnBehind(scene);
-    mdlScanCriteria_setModel(scan.criteria, scene.model);
-    mdlScanCriteria_setRangeTest(scan.criteria, &column);
-    mdlScanCriteria_setReturnType(scan.criteria, 1, 0, 0);
-    std::array<FilePos, 1024> positions;
-    FilePos start = 0;
-    for (int status = MDL_SCAN_MORE; status == MDL_SCAN_MORE;) {
-        auto words = static_cast<int32_t>(sizeof positions / 2);
-        status = mdlScanCriteria_scan(scan.criteria, positions.data(), &words, &start);
-        if (status != MDL_SUCCESS && status != MDL_SCAN_MORE) return false;
-        for (int32_t i = 0; i < words / 2; ++i) drawAt(positions[static_cast<size_t>(i)], scene);
-    }
-    return true;
+    mdlScanCriteria_setRangeTest(scan.criteria(), &column);
+    mdlScanCriteria_setReturnType(scan.criteria(), MDL_SCAN_POSITIONS, 0, 0);
+    auto position = scan.begin();
+    for (; position != scan.end(); ++position) drawAt(*position, scene);
+    return position.isWhole();
 }
 
 }  // namespace host

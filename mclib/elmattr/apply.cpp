@@ -5,13 +5,13 @@
 #include "mchost/mdl/element.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
 #include "mclib/elmattr/table.h"
 #include "mclib/frame/current_units.h"
 #include "mclib/frame/global_data.h"
-#include "mclib/frame/host_ptr.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/util.h"
 
@@ -144,9 +144,9 @@ TextSettings textSettings(const ElmAttrRecord& record, double scale) {
     return text;
 }
 
-HostPtr<wchar_t> toWide(const char* text) {
+mdl::HostPtr<wchar_t> toWide(const char* text) {
     const size_t length = std::strlen(text);
-    HostPtr<wchar_t> wide(static_cast<wchar_t*>(dlmSystem_mdlMalloc((length + 1) * sizeof(wchar_t))));
+    mdl::HostPtr<wchar_t> wide(static_cast<wchar_t*>(dlmSystem_mdlMalloc((length + 1) * sizeof(wchar_t))));
     if (wide) {
         mdlCnv_convertMultibyteToUnicode(text, static_cast<int>(length), wide.get(), static_cast<int>(length + 1));
     }
@@ -166,7 +166,7 @@ int mclibElmAttr_setSymbologyAndProperties(MSElementBuffer* element, int id, Elm
 int mclibElmAttr_createText(MSElementBuffer* out, const MSElementBuffer* templateP, const char* text,
                             const Point3d* origin, const RotMatrix* rotation, int32_t reserved, int32_t id,
                             double scale, ElmAttrData* data) {
-    HostPtr<wchar_t> wide;
+    mdl::HostPtr<wchar_t> wide;
     if (text != nullptr && !(wide = toWide(text))) return MCLIB_ERROR;
     const ElmAttrRecord* record = recordOfCurrentApplication(id);
     if (record == nullptr) return MCLIB_ERROR;

@@ -6,7 +6,7 @@
 
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/modify.h"
-#include "mchost/mdl/scan.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
 #include "mclib/forms/form_cell.h"
@@ -147,10 +147,6 @@ int fillFound(ElementDescr* found, void* userArg, ScanCriteria*) {
     return 0;
 }
 
-struct FreeScan {
-    void operator()(ScanCriteria* scan) const { mdlScanCriteria_free(&scan); }
-};
-
 }  // namespace
 }  // namespace forms
 
@@ -173,16 +169,16 @@ int mclibMatList_generatePageElementDescr(const char* cellName, const char* libr
 }
 
 int mclibMatList_changeTextInMasterFile(FormData* form, const MdlBitMask* levelMask, ModelRef* model) {
-    const std::unique_ptr<ScanCriteria, FreeScan> scan(mdlScanCriteria_create());
+    const mdl::Scan scan(model);
     if (!scan) return MCLIB_ERROR;
     Filling filling(form);
     filling.levels = levelMask;
-    mdlScanCriteria_setModel(scan.get(), model);
-    mdlScanCriteria_addSingleElementTypeTest(scan.get(), MDL_TEXT);
-    mdlScanCriteria_setLevelTest(scan.get(), levelMask, 1, 0);
-    mdlScanCriteria_setReturnType(scan.get(), MDL_SCAN_DESCRIPTORS, 0, 1);
-    mdlScanCriteria_setElmDscrCallback(scan.get(), fillFound, &filling);
-    return mdlScanCriteria_scan(scan.get(), nullptr, nullptr, nullptr) == MDL_SUCCESS ? MCLIB_SUCCESS : MCLIB_ERROR;
+    mdlScanCriteria_addSingleElementTypeTest(scan.criteria(), MDL_TEXT);
+    mdlScanCriteria_setLevelTest(scan.criteria(), levelMask, 1, 0);
+    mdlScanCriteria_setReturnType(scan.criteria(), MDL_SCAN_DESCRIPTORS, 0, 1);
+    mdlScanCriteria_setElmDscrCallback(scan.criteria(), fillFound, &filling);
+    return mdlScanCriteria_scan(scan.criteria(), nullptr, nullptr, nullptr) == MDL_SUCCESS ? MCLIB_SUCCESS
+                                                                                           : MCLIB_ERROR;
 }
 
 double* mclibMatList_getCurrentPageScaleP(void) {

@@ -6,11 +6,11 @@
 #include <optional>
 #include <string_view>
 
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/text.h"
 #include "mclib/forms/forms.h"
 #include "mclib/forms/logo.h"
 #include "mclib/frame/errors.h"
-#include "mclib/frame/host_ptr.h"
 
 namespace {
 
@@ -121,7 +121,7 @@ double floatOf(const Argument& argument) {
 
 int storeText(FormValue& value, const char* text) {
     if (!text) text = "";
-    HostPtr<char> kept(
+    mdl::HostPtr<char> kept(
         static_cast<char*>(mclibMem_mallocRscErrorPrintf(std::strlen(text) + 1, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY)));
     if (!kept) return NOT_STORED;
     char compressed[compressedTextSize];

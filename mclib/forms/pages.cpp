@@ -5,11 +5,11 @@
 #include <string>
 #include <string_view>
 
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
 #include "mclib/forms/form_cell.h"
 #include "mclib/forms/page_info.h"
 #include "mclib/frame/errors.h"
-#include "mclib/frame/host_ptr.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/geometry/elmdscr.h"
 #include "mclib/print/shared.h"
@@ -72,7 +72,7 @@ std::string_view asRecorded(std::string_view name) {
 // Whether the design file can keep what each page's title block says. Tells when not. Pages of one name share it, as
 // the user sees.
 bool canBeRecorded(char* const* names, int32_t count) {
-    const HostPtr<char*[]> sorted(nameArray(count));
+    const mdl::HostPtr<char*[]> sorted(nameArray(count));
     if (!sorted) return false;
     char** const end = std::copy_if(names, names + count, sorted.get(), isLong);
     std::sort(sorted.get(), end, [](std::string_view a, std::string_view b) { return a < b; });

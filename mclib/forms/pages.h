@@ -2,6 +2,7 @@
 // the files of this room. All of it works on the current application's block.
 #pragma once
 
+#include "mchost/mdl/owned.hpp"
 #include "mclib/forms/preview.h"
 #include "mclib/frame/global_data.h"
 
@@ -17,21 +18,7 @@ struct PlotPage {
 
 namespace forms {
 
-// A descriptor that is freed as a whole; null for no page.
-class Page {
-  public:
-    Page() = default;
-    Page(const Page&) = delete;
-    Page& operator=(const Page&) = delete;
-    ~Page() { mdlElmdscr_freeAll(&descr_); }
-
-    ElementDescr** out() { return &descr_; }
-    ElementDescr* get() const { return descr_; }
-    explicit operator bool() const { return descr_ != nullptr; }
-
-  private:
-    ElementDescr* descr_ = nullptr;
-};
+using Page = mdl::Descr;  // null for no page
 
 // ---- names ----
 

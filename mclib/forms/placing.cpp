@@ -22,8 +22,7 @@ namespace {
 enum { PROMPT_PLACE = 35 };
 enum { ERROR_PLACE = 32, ERROR_NO_DESIGN_FILE = 34 };
 enum { orientationTurned = 0 };
-constexpr int32_t everyElement = 11;  // of a descriptor, headers too
-constexpr double crossArm = 2;        // master units
+constexpr double crossArm = 2;  // master units
 
 double uor(double master) {
     return *mclibUtil_masterToUORP(master);
@@ -96,10 +95,8 @@ bool markCorners(uint32_t group) {
 
 // The page function builds in a system of its own.
 void makeInOwnSystem(GlobalData& data, int32_t number, bool inDrawing, Page& page) {
-    mdlCurrTrans_begin();
-    mdlCurrTrans_identity();
+    const mdl::CurrTransScope own(mdl::CurrTransScope::Begin::uor);
     makePage(data, number, inDrawing, page.out());
-    mdlCurrTrans_end();
 }
 
 // ---- the command ----
@@ -118,7 +115,7 @@ void placeAt(GlobalData& data, const Point3d& point, int32_t view) {
     forEachSheet(data, point, view, [&](int32_t number) {
         uint32_t group = static_cast<uint32_t>(mclibUtil_newGraphicGroup());
         const auto adopt = [&](Page& page) {
-            mdlElmdscr_operation(page.get(), setGroupOf, &group, everyElement);
+            mdlElmdscr_operation(page.get(), setGroupOf, &group, MDL_DESCR_ALL);
             return true;
         };
         PlacedPage placed{.made = true, .area = {}};

@@ -12,6 +12,7 @@
 #include "mclib/forms/pages.h"
 #include "mclib/forms/preview_extent.h"
 #include "mclib/frame/errors.h"
+#include "mclib/frame/preference_file.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/elmdscr.h"
@@ -33,40 +34,13 @@ constexpr uint32_t pageViewFlags[3] = {0x12084, 0, 0};
 constexpr PreviewExtent usualExtent{600, 400};
 constexpr int32_t mostPixels = 32767;
 
-// The user's preference file of the host, for as long as this stands.
-class PreferenceFile {
-  public:
-    explicit PreferenceFile(int mode) {
-        if (mclibUtil_openUserPrefFile(&handle_, mode) != MDL_SUCCESS) handle_ = 0;
-    }
-    ~PreferenceFile() {
-        if (handle_) mdlResource_closeFile(handle_);
-    }
-    PreferenceFile(const PreferenceFile&) = delete;
-    PreferenceFile& operator=(const PreferenceFile&) = delete;
-
-    explicit operator bool() const { return handle_ != 0; }
-    RscHandle handle() const { return handle_; }
-
-  private:
-    RscHandle handle_ = 0;
-};
-
-// The stored block, which is the caller's to free; null when there is none of that size.
-uint8_t* loadExtent(RscHandle file) {
-    void* block = mdlResource_load(file, extentType, extentId);
-    if (!block || mdlResource_size(block) == storedExtentSize) return static_cast<uint8_t*>(block);
-    mdlResource_free(block);
-    return nullptr;
-}
-
 PreviewExtent storedExtent() {
-    const PreferenceFile file(MDL_RSC_READ);
-    uint8_t* const block = file ? loadExtent(file.handle()) : nullptr;
-    if (!block) return usualExtent;
-    PreviewExtent extent;
-    extentFields(LoadFields({block, storedExtentSize}), extent);
-    mdlResource_free(block);
+    const mdl::ResourceFile file = userPreferenceFile(MDL_RSC_READ);
+    if (!file) return usualExtent;
+    const mdl::Resource block(file.handle(), extentType, extentId);
+    if (!block || block.bytes().size() != storedExtentSize) return usualExtent;
+    PreviewExtent extent = usualExtent;
+    extentFields(LoadFields(block.bytes()), extent);
     const auto isUsable = [](int32_t side) { return 0 < side && side <= mostPixels; };
     return isUsable(extent.width) && isUsable(extent.height) ? extent : usualExtent;
 }
@@ -195,7 +169,7 @@ void storeExtent(GlobalData& data, const MdlDialog* dialog) {
     DialogRect window;
     mdlWindow_contentRectGet(&window, dialog);
     *data.previewExtent = {window.right - window.left, window.bottom - window.top};
-    const PreferenceFile file(MDL_RSC_WRITE);
+    const mdl::ResourceFile file = userPreferenceFile(MDL_RSC_WRITE);
     if (!file) return;
     uint8_t bytes[storedExtentSize];
     extentFields(StoreFields(bytes), *data.previewExtent);

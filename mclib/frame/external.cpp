@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "mchost/mdl/external.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
-#include "mclib/frame/host_ptr.h"
 #include "mclib/frame/letters.h"
 #include "mclib/frame/util.h"
 
@@ -67,7 +67,7 @@ int mclibExternal_executeProgram(const char* program, const char* arguments, int
 }
 
 int mclibExternal_executeShellCommand(const char* command, const char* arguments, int* status) {
-    const HostPtr<char> interpreter{mdlSystem_getExpandedCfgVar(shellVariable)};
+    const mdl::HostPtr<char> interpreter{mdlSystem_getExpandedCfgVar(shellVariable)};
     const std::string line = std::string("/C ").append(textOf(command)).append(" ").append(textOf(arguments));
     // Without an interpreter the variable's name stands in the message that nothing can be started.
     return mclibExternal_executeProgram(interpreter ? interpreter.get() : shellVariable, line.c_str(), status);

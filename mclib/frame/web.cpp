@@ -3,9 +3,9 @@
 
 #include "mchost/mdl/external.h"
 #include "mchost/mdl/files.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
-#include "mclib/frame/host_ptr.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/util.h"
 
@@ -30,7 +30,7 @@ bool isThere(const std::string& file) {
 // The folder of the application family; empty when both variables are undefined or empty.
 std::string familyFolder() {
     for (const char* variable : {"MC_LOCAL", "MC_DIR"})
-        if (const HostPtr<char> value{mdlSystem_getExpandedCfgVar(variable)}; value && *value.get() != '\0')
+        if (const mdl::HostPtr<char> value{mdlSystem_getExpandedCfgVar(variable)}; value && *value.get() != '\0')
             return value.get();
     return {};
 }
@@ -63,7 +63,7 @@ int mclibWeb_openApplHelp(void) {
 
 int mclibWeb_openApplChmHelp(void) {
     const std::string manual = findManual("help/", ".chm");
-    const HostPtr<char> system{mdlSystem_getExpandedCfgVar("SystemRoot")};
+    const mdl::HostPtr<char> system{mdlSystem_getExpandedCfgVar("SystemRoot")};
     if (manual.empty() || !system) return MCLIB_ERROR;
     const std::string viewer = std::string(system.get()) + "\\hh.exe";
     const char* arguments[] = {manual.c_str()};

@@ -10,6 +10,7 @@
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/lists.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
@@ -92,20 +93,6 @@ void drawCross(MdlDialog* window, const DialogRect& rect, int crossMode) {
 }
 
 // ---- joining ----
-
-// Has elements read in UOR while it stands.
-struct UorScope {
-    UorScope() : open(mdlCurrTrans_begin() == MDL_SUCCESS) {
-        if (open) mdlCurrTrans_identity();
-    }
-    ~UorScope() {
-        if (open) mdlCurrTrans_end();
-    }
-    UorScope(const UorScope&) = delete;
-    UorScope& operator=(const UorScope&) = delete;
-
-    bool open;
-};
 
 int appendToCell(MSElementBuffer* element, void* cell, int32_t, int32_t, ElementDescr*) {
     if (mdlElement_getType(element) == MDL_CELL_HEADER) return MDL_SUCCESS;
@@ -219,12 +206,11 @@ int mclibCell_drawCell(const char* nameP, MdlDialog* windowP, const MdlItem* ite
 }
 
 int mclibCell_mergeCells(ElementDescr* cellEdP, ElementDescr* firstEdP, ElementDescr* secondEdP) {
-    constexpr int32_t allElements = 11;
     if (isWithin(firstEdP, cellEdP) || isWithin(secondEdP, cellEdP)) return MCLIB_ERROR;
     for (ElementDescr* part : {firstEdP, secondEdP}) {
-        if (part && mdlElmdscr_operation(part, appendToCell, cellEdP, allElements) != MDL_SUCCESS) return MCLIB_ERROR;
+        if (part && mdlElmdscr_operation(part, appendToCell, cellEdP, MDL_DESCR_ALL) != MDL_SUCCESS) return MCLIB_ERROR;
     }
-    const UorScope uor;
+    const mdl::CurrTransScope uor(mdl::CurrTransScope::Begin::uor);
     undoRotation(cellEdP->element);
     return MCLIB_SUCCESS;
 }

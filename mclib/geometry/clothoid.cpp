@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "mchost/mdl/owned.hpp"
 #include "mclib/frame/errors.h"
-#include "mclib/frame/host_ptr.h"
 #include "mclib/geometry/plane.h"
 
 namespace {
@@ -96,7 +96,7 @@ double startBearing(const Layout& layout, double R1, double R2) {
 
 // ---- curves ----
 
-using PointArray = HostPtr<Point3d[]>;
+using PointArray = mdl::HostPtr<Point3d[]>;
 
 PointArray allocatePoints(int count) {
     const size_t bytes = static_cast<size_t>(std::max(count, 0)) * sizeof(Point3d);

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/model.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/transform.h"
 #include "mchost/mdl/view.h"
 
@@ -42,15 +42,13 @@ int mclibElemDscr_placeElementDescr(Point3d* box, int translate, ElementDescr* e
     const Point3d origin = {box[0].x + (width - scale * dx) / 2 - scale * range[0].x,
                             box[0].y + (height - scale * dy) / 2 - scale * range[0].y, box[0].z};
 
-    if (mdlCurrTrans_begin() != MDL_SUCCESS) return MCLIB_ERROR;
-    mdlCurrTrans_identity();
+    const mdl::CurrTransScope scaled(mdl::CurrTransScope::Begin::uor);
+    if (!scaled) return MCLIB_ERROR;
     mdlCurrTrans_scale(scale, scale, scale);
     if (translate != 0) mdlCurrTrans_translateOriginWorld(&origin);
     const Transform* toWorld = nullptr;
     mdlCurrTrans_getAddresses(&toWorld, nullptr);
-    const int status = mdlElmdscr_transform(ed, toWorld);
-    mdlCurrTrans_end();
-    return status;
+    return mdlElmdscr_transform(ed, toWorld);
 }
 
 int mclibElemDscr_drawElementDescr(MdlDialog* window, const DialogRect* rect, ElementDescr* ed,

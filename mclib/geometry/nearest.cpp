@@ -1,16 +1,15 @@
 // The geometry of alignments on elements of the host: lines and arcs made, and the nearest point found.
 #include <algorithm>
 
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/transform.h"
 #include "mclib/frame/current_units.h"
-#include "mclib/frame/host_ptr.h"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/plane.h"
 
 namespace {
 
 constexpr double strokeTolerance = 0.01;  // master units
-constexpr int visitAll = 11;              // headers and components of the whole chain
 
 // One search at a time: the bearing is handed out and lives until the next one; the buffer holds the run in hand.
 struct NearestState {
@@ -48,7 +47,7 @@ int searchComponent(MSElementBuffer* element, void* argument, int32_t, int32_t, 
     Point3d* points = nullptr;
     int32_t left = 0;
     const int status = mdlElement_stroke(&points, &left, element, search.tolerance);
-    const HostPtr<Point3d[]> owned(points);
+    const mdl::HostPtr<Point3d[]> owned(points);
     if (status != MDL_SUCCESS) return 0;
     for (const Point3d* run = points; left >= 2;) {
         const int32_t count = std::min<int32_t>(left, MDL_MAX_POINTS);
@@ -64,7 +63,7 @@ int searchComponent(MSElementBuffer* element, void* argument, int32_t, int32_t, 
 double* mclibGeo_getNearestPointP(Point3d* pointP, ElementDescr* edP, uint32_t classMask) {
     const double tolerance = inCurrentUnits(*mclibUtil_masterToUORP(strokeTolerance));
     Search search = {*pointP, {}, *fc_rmaxui4P, tolerance, classMask, false};
-    mdlElmdscr_operation(edP, searchComponent, &search, visitAll);
+    mdlElmdscr_operation(edP, searchComponent, &search, MDL_DESCR_ALL);
     if (search.found) *pointP = search.nearest;
     return &state.bearing;
 }

@@ -4,10 +4,9 @@
 #include <array>
 #include <cstring>
 
-#include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/model.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/reference.h"
-#include "mchost/mdl/scan.h"
 #include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
 #include "mclib/geometry/userdata.h"
@@ -39,15 +38,15 @@ bool isShown(ModelRef* model) {
 
 // A copy of the shape at the position when it is a plot fence, else null.
 MSElementBuffer* readPlotFence(FilePos position, ModelRef* model) {
-    ElementDescr* ed = nullptr;
-    if (mdlElmdscr_readToMaster(&ed, position, model) == 0) return nullptr;
+    mdl::Descr ed;
+    if (mdlElmdscr_readToMaster(ed.out(), position, model) == 0) return nullptr;
+    const MSElementBuffer* const element = ed.get()->element;
     MSElementBuffer* fence = nullptr;
-    if (mclibAttrib_extractElementUserData(ed->element, MCLIB_PLOT_FENCE, nullptr, nullptr, nullptr) == MCLIB_SUCCESS) {
-        const uint32_t bytes = mdlElement_bytes(ed->element);
+    if (mclibAttrib_extractElementUserData(element, MCLIB_PLOT_FENCE, nullptr, nullptr, nullptr) == MCLIB_SUCCESS) {
+        const uint32_t bytes = mdlElement_bytes(element);
         fence = static_cast<MSElementBuffer*>(mclibMem_mallocRscErrorPrintf(bytes, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY));
-        if (fence != nullptr) std::memcpy(fence, ed->element, bytes);
+        if (fence != nullptr) std::memcpy(fence, element, bytes);
     }
-    mdlElmdscr_freeAll(&ed);
     return fence;
 }
 
@@ -62,32 +61,18 @@ bool offerShape(const PlotFenceSearch& search, FilePos position, ModelRef* model
     return reply != 0;
 }
 
-void searchModel(const PlotFenceSearch& search, ScanCriteria* criteria, ModelRef* model) {
-    constexpr int32_t wordsOfPosition = sizeof(FilePos) / sizeof(uint16_t);
-    std::array<FilePos, 128> positions;
-    FilePos start = 0;
-    int status = MDL_SCAN_MORE;
-    while (status == MDL_SCAN_MORE) {
-        int32_t words = positions.size() * wordsOfPosition;
-        status = mdlScanCriteria_scan(criteria, positions.data(), &words, &start);
-        if (words == 0 || (status != MDL_SCAN_MORE && status != MDL_SUCCESS)) return;
-        for (int32_t i = 0; i < words / wordsOfPosition; ++i) {
-            if (offerShape(search, positions[i], model)) return;
-        }
-    }
-}
-
-// A scan of the shapes of a model; null when it can't be had.
-ScanCriteria* shapeScan(ModelRef* model) {
+// Shows the shapes of a model to the callback. False when memory is out.
+bool searchModel(const PlotFenceSearch& search, ModelRef* model) {
     constexpr uint32_t allClasses = 0;
-    constexpr int32_t positions = 1;
-    ScanCriteria* criteria = mdlScanCriteria_create();
-    if (criteria == nullptr) return nullptr;
-    mdlScanCriteria_setModel(criteria, model);
-    mdlScanCriteria_addSingleElementTypeTest(criteria, MDL_SHAPE);
-    mdlScanCriteria_setClassTest(criteria, allClasses);
-    mdlScanCriteria_setReturnType(criteria, positions, 0, 0);
-    return criteria;
+    const mdl::Scan scan(model);
+    if (!scan) return false;
+    mdlScanCriteria_addSingleElementTypeTest(scan.criteria(), MDL_SHAPE);
+    mdlScanCriteria_setClassTest(scan.criteria(), allClasses);
+    mdlScanCriteria_setReturnType(scan.criteria(), MDL_SCAN_POSITIONS, 0, 0);
+    for (const FilePos position : scan) {
+        if (offerShape(search, position, model)) break;
+    }
+    return true;
 }
 
 }  // namespace
@@ -101,11 +86,7 @@ int mclibUtil_findAllPlotFence(PlotFenceFunction callback, void* userArg) {
     }
     for (ModelRef* model = mdlModelRefIterator_getFirst(models); model != nullptr;
          model = mdlModelRefIterator_getNext(models)) {
-        if (!isShown(model)) continue;
-        ScanCriteria* criteria = shapeScan(model);
-        if (criteria == nullptr) break;
-        searchModel(search, criteria, model);
-        mdlScanCriteria_free(&criteria);
+        if (isShown(model) && !searchModel(search, model)) break;
     }
     mdlModelRefIterator_free(&models);
     return 0;

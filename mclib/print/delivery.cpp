@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "mchost/mdl/files.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/plot.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/win32.h"
 #include "mclib/frame/external.h"
-#include "mclib/frame/host_ptr.h"
 
 namespace {
 
@@ -133,7 +133,7 @@ constexpr int32_t stringsPerPrinter = 2, infoFieldsPerString = 2, defaultMark = 
 
 // The printers of the system, in the block that their texts lie in too.
 struct Printers {
-    HostPtr<Win32PrinterInfo> block;
+    mdl::HostPtr<Win32PrinterInfo> block;
     uint32_t count = 0;
 };
 
@@ -151,7 +151,7 @@ Printers systemPrinters() {
 
 // The system printer that the host's printer plot driver file names, or its path; empty when there is none.
 std::string defaultPrinter() {
-    const HostPtr<char> root{mdlSystem_getExpandedCfgVar(workspaceRoot)};
+    const mdl::HostPtr<char> root{mdlSystem_getExpandedCfgVar(workspaceRoot)};
     if (!root) return {};
     const std::string driverFile = std::string(root.get()) + printerDriverFile;
     if (mdlFile_find(nullptr, driverFile.c_str(), nullptr, nullptr) != MDL_SUCCESS) return {};
@@ -189,7 +189,7 @@ int mclibPrint_sendFileToPrinter(const char* fileName, const char* printer, int 
 }
 
 int mclibPrint_sendFileToPrinterPort(const char* fileName, const char* port, int copies) {
-    const HostPtr<char> destination{mdlSystem_expandCfgVar(port)};
+    const mdl::HostPtr<char> destination{mdlSystem_expandCfgVar(port)};
     if (!destination) return MCLIB_ERROR;
     int status = MCLIB_SUCCESS;
     for (int copy = 0; copy < copies && status == MCLIB_SUCCESS; ++copy)

@@ -4,14 +4,14 @@
 #include <string>
 #include <string_view>
 
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
-#include "mclib/frame/host_ptr.h"
 
 namespace print {
 
 // The expanded value of a variable; empty for one that isn't defined.
 inline std::string valueOf(const char* variable) {
-    const HostPtr<char> value(mdlSystem_getExpandedCfgVar(variable));
+    const mdl::HostPtr<char> value(mdlSystem_getExpandedCfgVar(variable));
     return value ? value.get() : "";
 }
 

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <span>
 
-#include "mclib/frame/host_ptr.h"
+#include "mchost/mdl/owned.hpp"
 #include "mclib/print/bitmap.h"
 #include "mclib/print/raster.h"
 
@@ -153,7 +153,7 @@ template <class Int>
 void fillOutline(Bitmap& bitmap, const Outline& outline, size_t edgeCount) {
     constexpr size_t few = 32;
     std::array<Edge<Int>, few> local;
-    HostPtr<Edge<Int>> block;
+    mdl::HostPtr<Edge<Int>> block;
     Edge<Int>* edges = local.data();
     if (edgeCount > few) {
         block.reset(static_cast<Edge<Int>*>(dlmSystem_mdlMalloc(edgeCount * sizeof(Edge<Int>))));

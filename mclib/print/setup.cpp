@@ -7,9 +7,10 @@
 #include <string_view>
 
 #include "mchost/mdl/files.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/resource.h"
 #include "mclib/frame/errors.h"
-#include "mclib/frame/host_ptr.h"
+#include "mclib/frame/preference_file.h"
 #include "mclib/frame/shown_path.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/frame/util.h"
@@ -72,44 +73,22 @@ bool isListed(std::string_view path) {
 // ---- the preference file ----
 
 void reportFile() {
-    const HostPtr<char> name(mdlSystem_getExpandedCfgVar("MS_USERPREF"));
+    const mdl::HostPtr<char> name(mdlSystem_getExpandedCfgVar("MS_USERPREF"));
     if (name)
         mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, MESSAGE_FILE, shownPath(name.get()).c_str());
     else
         mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, MESSAGE_NO_VARIABLE);
 }
 
-// The preference file, closed at the end of the scope.
-class PreferenceFile {
-  public:
-    explicit PreferenceFile(int mode) : open_(mclibUtil_openUserPrefFile(&handle_, mode) == MCLIB_SUCCESS) {}
-    ~PreferenceFile() {
-        if (open_) mdlResource_closeFile(handle_);
-    }
-    PreferenceFile(const PreferenceFile&) = delete;
-    PreferenceFile& operator=(const PreferenceFile&) = delete;
-    explicit operator bool() const { return open_; }
-    RscHandle handle() const { return handle_; }
-
-  private:
-    RscHandle handle_ = 0;
-    bool open_;
-};
-
-struct FreeResource {
-    void operator()(void* block) const { mdlResource_free(block); }
-};
-using Resource = std::unique_ptr<void, FreeResource>;
-
 // A block that is too short counts as none.
-bool loadFrom(const PreferenceFile& file, int32_t type, int32_t id, size_t size) {
-    const Resource block(mdlResource_load(file.handle(), type, id));
-    if (!block || static_cast<size_t>(mdlResource_size(block.get())) < size) return false;
-    setupLayout(LoadFields({static_cast<const uint8_t*>(block.get()), size}), *mclibpsd);
+bool loadFrom(RscHandle file, int32_t type, int32_t id, size_t size) {
+    const mdl::Resource block(file, type, id);
+    if (!block || block.bytes().size() < size) return false;
+    setupLayout(LoadFields(block.bytes().first(size)), *mclibpsd);
     return true;
 }
 
-bool loadStored(const PreferenceFile& file) {
+bool loadStored(RscHandle file) {
     if (loadFrom(file, SETUP_TYPE, SETUP_ID, setupSize)) return true;
     if (!loadFrom(file, OLDER_TYPE, OLDER_ID, olderSize)) return false;
     setDefaultPlotter(*mclibpsd);
@@ -120,19 +99,19 @@ bool loadStored(const PreferenceFile& file) {
 
 void loadSetup() {
     if (!mclibpsd) return;
-    const PreferenceFile file(MDL_RSC_READ);
+    const mdl::ResourceFile file = userPreferenceFile(MDL_RSC_READ);
     if (!file) reportFile();
-    if (!file || !loadStored(file)) setDefaults(*mclibpsd);
+    if (!file || !loadStored(file.handle())) setDefaults(*mclibpsd);
 }
 
 void readStoredSetup() {
     if (!mclibpsd) return;
-    if (const PreferenceFile file(MDL_RSC_READ); file) loadStored(file);
+    if (const mdl::ResourceFile file = userPreferenceFile(MDL_RSC_READ); file) loadStored(file.handle());
 }
 
 void storeSetup() {
     if (!mclibpsd) return;
-    const PreferenceFile file(MDL_RSC_WRITE);
+    const mdl::ResourceFile file = userPreferenceFile(MDL_RSC_WRITE);
     std::array<uint8_t, setupSize> bytes{};
     setupLayout(StoreFields(bytes), *mclibpsd);
     if (!file || mdlResource_put(file.handle(), SETUP_TYPE, SETUP_ID, bytes.data(), setupSize) != MDL_SUCCESS)

@@ -6,10 +6,10 @@
 #include <string_view>
 
 #include "mchost/mdl/model.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
 #include "mclib/frame/global_data.h"
-#include "mclib/frame/host_ptr.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/elmdscr.h"
@@ -21,7 +21,6 @@ namespace {
 constexpr double pi = std::numbers::pi;
 constexpr double strokeTolerance = 0.01;  // mm
 constexpr double heightOfBox = 1.3;       // text height for each millimetre of its box
-constexpr int visitAll = 11;              // headers and components of the whole chain
 
 // ---- from design to paper ----
 
@@ -61,7 +60,7 @@ class PaperTransform {
 
 // ---- one element ----
 
-using PointArray = HostPtr<Point3d[]>;
+using PointArray = mdl::HostPtr<Point3d[]>;
 
 struct Symbology {
     int32_t color, weight, style;
@@ -216,6 +215,6 @@ void walkPage(const PrintDriver& driver, ElementDescr* page, const PaperBox& box
     const double pageAngle = gd ? gd->pageAngle : 0.0;
     for (const int32_t filter : print::pagePasses) {
         Pass pass{.driver = driver, .model = mdlModelRef_getActive(), .pageAngle = pageAngle, .filter = filter};
-        mdlElmdscr_operation(page, printElement, &pass, visitAll);
+        mdlElmdscr_operation(page, printElement, &pass, MDL_DESCR_ALL);
     }
 }

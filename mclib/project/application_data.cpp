@@ -1,8 +1,7 @@
 // Application data elements: making, writing and finding them.
 #include "mclib/project/application_data.h"
 
-#include "mchost/mdl/elmdscr.h"
-#include "mchost/mdl/scan.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
 #include "mclib/project/application_block.h"
@@ -15,8 +14,6 @@ using application_data::ElementBytes;
 constexpr int dwgWorkmode = 1;
 constexpr const char* dwgKeepsDataVariable = "MS_DWGSAVEAPPLICATIONDATA";
 constexpr int dataNotKept = 28;
-constexpr int32_t scanPositions = 1;
-constexpr int32_t portionSize = 64;
 
 // ---- writing ----
 
@@ -46,31 +43,7 @@ std::optional<Block> blockOf(const MSElementBuffer* element, int applicationId) 
 
 // ---- scanning ----
 
-class Criteria {
-  public:
-    Criteria() : criteria_(mdlScanCriteria_create()) {}
-    ~Criteria() { mdlScanCriteria_free(&criteria_); }
-    Criteria(const Criteria&) = delete;
-    Criteria& operator=(const Criteria&) = delete;
-    operator ScanCriteria*() const { return criteria_; }
-
-  private:
-    ScanCriteria* criteria_;
-};
-
-class Descriptor {
-  public:
-    Descriptor(FilePos position, ModelRef* model) { mdlElmdscr_read(&descriptor_, position, model); }
-    ~Descriptor() { mdlElmdscr_freeAll(&descriptor_); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    MSElementBuffer* element() const { return descriptor_ == nullptr ? nullptr : descriptor_->element; }
-
-  private:
-    ElementDescr* descriptor_ = nullptr;
-};
-
-struct Scan {
+struct Search {
     void* userData;
     int applicationId;
     ModelRef* model;
@@ -80,36 +53,31 @@ struct Scan {
 
     // The visit's result; 0 for an element that isn't a block of the application.
     int look(FilePos position, int32_t index) {
-        const Descriptor descriptor(position, model);
-        const auto block = blockOf(descriptor.element(), applicationId);
+        const mdl::DescrPtr descriptor = mdl::readDescr(position, model);
+        MSElementBuffer* const element = descriptor ? descriptor->element : nullptr;
+        const auto block = blockOf(element, applicationId);
         if (!block) return 0;
         ++found;
         void* data = const_cast<uint8_t*>(block->payload.data());
         const auto size = static_cast<int32_t>(block->payload.size());
-        if (isNative) return visit(userData, block->subId, descriptor.element(), position, index, data, size);
+        if (isNative) return visit(userData, block->subId, element, position, index, data, size);
         return dlmSystem_callMdlFunction("PIPIIPI", mdlSystem_getCurrMdlDesc(), reinterpret_cast<void*>(visit),
-                                         userData, block->subId, descriptor.element(), position, index, data, size);
+                                         userData, block->subId, element, position, index, data, size);
     }
 };
 
-int run(Scan& scan) {
-    const Criteria criteria;
-    if (criteria == nullptr) return 0;
-    mdlScanCriteria_setModel(criteria, scan.model);
-    mdlScanCriteria_addSingleElementTypeTest(criteria, application_data::elementType);
-    mdlScanCriteria_addSingleLevelTest(criteria, application_data::elementLevel);
-    mdlScanCriteria_setReturnType(criteria, scanPositions, 0, 1);
-    FilePos positions[portionSize];
-    constexpr int32_t wordsPerPosition = sizeof(FilePos) / sizeof(uint16_t);
-    for (int status = MDL_SCAN_MORE; status == MDL_SCAN_MORE;) {
-        int32_t words = portionSize * wordsPerPosition;
-        status = mdlScanCriteria_scan(criteria, positions, &words, nullptr);
-        if (words == 0) break;
-        for (int32_t index = 0; index < words / wordsPerPosition; ++index) {
-            if (scan.look(positions[index], index) != 0) return index + 1;
-        }
+// The number of blocks, or, from the block that ended the search, its index + 1.
+int run(Search& search) {
+    const mdl::Scan scan(search.model);
+    if (!scan) return 0;
+    mdlScanCriteria_addSingleElementTypeTest(scan.criteria(), application_data::elementType);
+    mdlScanCriteria_addSingleLevelTest(scan.criteria(), application_data::elementLevel);
+    mdlScanCriteria_setReturnType(scan.criteria(), MDL_SCAN_POSITIONS, 0, 1);
+    for (auto position = scan.begin(); position != scan.end(); ++position) {
+        const int32_t index = position.indexInPortion();
+        if (search.look(*position, index) != 0) return index + 1;
     }
-    return scan.found;
+    return search.found;
 }
 
 }  // namespace
@@ -147,6 +115,6 @@ int mclib66Elem_scanDataFromFile(void* userData, int applicationId, ModelRef* mo
 int mclib66Elem_scanDataFromFileExtended(void* userData, int applicationId, ModelRef* model,
                                          MclibApplicationDataVisit visit, int isNative) {
     if (visit == nullptr) return 0;
-    Scan scan = {userData, applicationId, model, visit, isNative != 0};
-    return run(scan);
+    Search search = {userData, applicationId, model, visit, isNative != 0};
+    return run(search);
 }

@@ -5,6 +5,7 @@
 
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/files.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
@@ -38,23 +39,6 @@ void report(int flags, int message, const char* file) {
     mdlSystem_noteFailure();
 }
 
-// An open resource file.
-class ResourceFile {
-  public:
-    ResourceFile(const char* name, int mode) { mdlResource_openFile(&handle_, name, mode); }
-    ~ResourceFile() {
-        if (handle_) mdlResource_closeFile(handle_);
-    }
-    ResourceFile(const ResourceFile&) = delete;
-    ResourceFile& operator=(const ResourceFile&) = delete;
-
-    explicit operator bool() const { return handle_ != 0; }
-    RscHandle handle() const { return handle_; }
-
-  private:
-    RscHandle handle_ = 0;
-};
-
 // ---- the project resource file: the block as it is, which holds nothing but texts ----
 
 // A stored text may lack its NUL.
@@ -65,22 +49,18 @@ void endTexts(mclibProsjektData& project) {
 }
 
 void loadProject(const char* name) {
-    const ResourceFile file(name, MDL_RSC_READ);
+    const mdl::ResourceFile file(name, MDL_RSC_READ);
     if (!file) return report(MSGBOX_NOTICE, ERROR_OPEN, name);
-    void* const stored = mdlResource_load(file.handle(), projectType, projectId);
-    const bool whole = stored && mdlResource_size(stored) >= static_cast<int32_t>(sizeof *mclibpd);
-    if (whole) {
-        std::memcpy(mclibpd, stored, sizeof *mclibpd);
-        endTexts(*mclibpd);
-    }
-    mdlResource_free(stored);
-    if (!whole) report(NO_PROJECT_FLAGS, ERROR_NO_PROJECT, name);
+    const mdl::Resource stored(file.handle(), projectType, projectId);
+    if (!stored || stored.bytes().size() < sizeof *mclibpd) return report(NO_PROJECT_FLAGS, ERROR_NO_PROJECT, name);
+    std::memcpy(mclibpd, stored.get(), sizeof *mclibpd);
+    endTexts(*mclibpd);
 }
 
 void saveProject(const char* name) {
     if (mdlResource_createFile(name, projectFileTitle, MDL_RSC_WRITE) != MDL_SUCCESS)
         return report(MSGBOX_NOTICE, ERROR_OPEN, name);
-    const ResourceFile file(name, MDL_RSC_WRITE);
+    const mdl::ResourceFile file(name, MDL_RSC_WRITE);
     if (!file) return report(MSGBOX_NOTICE, ERROR_OPEN, name);
     const int status =
         mdlResource_add(file.handle(), projectType, projectId, mclibpd, sizeof *mclibpd, 0, projectFileTitle);

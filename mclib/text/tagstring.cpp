@@ -10,9 +10,9 @@
 #include <span>
 #include <string_view>
 
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
-#include "mclib/frame/host_ptr.h"
 #include "mclib/frame/letters.h"
 
 namespace {
@@ -407,8 +407,8 @@ int32_t Evaluation::search(View arguments, bool fromEnd) {
 // ---- one call ----
 
 // A copy with its NUL; null when out of memory.
-HostPtr<char> newText(View text) {
-    HostPtr<char> block(
+mdl::HostPtr<char> newText(View text) {
+    mdl::HostPtr<char> block(
         static_cast<char*>(mclibMem_mallocRscErrorPrintf(text.size() + 1, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY)));
     if (block) std::memcpy(block.get(), text.data(), text.size());
     return block;
@@ -418,7 +418,7 @@ HostPtr<char> newText(View text) {
 
 char* mclibParse_tagString(const char* expression, TagEntry* tags, int tagCount) {
     const View whole(expression ? expression : "");
-    const HostPtr<char> copy = newText(whole);
+    const mdl::HostPtr<char> copy = newText(whole);
     if (!copy) return nullptr;
     Evaluation evaluation(copy.get(), {tags, tags && tagCount > 0 ? static_cast<size_t>(tagCount) : 0});
     Text built;
