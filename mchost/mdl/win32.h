@@ -4,6 +4,21 @@
 
 #include "types.h"
 
+/* The calls are linked under names of their own, so that a program may hold the system's beside them. */
+#define CloseHandle           mcWin32_CloseHandle
+#define CreateProcessA        mcWin32_CreateProcessA
+#define DeleteFileA           mcWin32_DeleteFileA
+#define EnumPrintersA         mcWin32_EnumPrintersA
+#define GetModuleFileNameA    mcWin32_GetModuleFileNameA
+#define GetModuleHandleA      mcWin32_GetModuleHandleA
+#define GetShortPathNameA     mcWin32_GetShortPathNameA
+#define GetStartupInfoA       mcWin32_GetStartupInfoA
+#define RegCloseKey           mcWin32_RegCloseKey
+#define RegOpenKeyExA         mcWin32_RegOpenKeyExA
+#define RegQueryValueExA      mcWin32_RegQueryValueExA
+#define WNetGetUniversalNameA mcWin32_WNetGetUniversalNameA
+#define WaitForSingleObject   mcWin32_WaitForSingleObject
+
 /* ---- files and modules ---- */
 
 /* Deletes a file; 1, or 0 when it can't be deleted. */

@@ -196,11 +196,11 @@ TEST_F(Names, SystemCallsByTheirOldNames) {
     EXPECT_EQ(DeleteFileA(path("drive_c").c_str()), 0);
     EXPECT_EQ(GetShortPathNameA("c:\\gone.txt", name, sizeof name), 0u);
 
-    void* library = GetModuleHandleA("MCHost.dll");
+    void* library = GetModuleHandleA("SQLite3.dll");
     ASSERT_NE(library, nullptr);
     const uint32_t length = GetModuleFileNameA(library, name, sizeof name);
     EXPECT_EQ(length, std::string(name).size());
-    EXPECT_NE(std::string(name).find("libmchost.so"), std::string::npos);
+    EXPECT_NE(std::string(name).find("libsqlite3.so"), std::string::npos);
     EXPECT_EQ(GetModuleFileNameA(library, name, 5), 4u);
     EXPECT_EQ(GetModuleHandleA("nowhere.dll"), nullptr);
     GetModuleFileNameA(nullptr, name, sizeof name);

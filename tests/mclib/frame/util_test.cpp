@@ -280,11 +280,6 @@ TEST_F(Utilities, EachCallGivesTheNextGraphicGroup) {
     EXPECT_EQ(mclibUtil_newGraphicGroup(), first + 1);
 }
 
-TEST_F(Utilities, VersionAndPlaceAreTold) {
-    EXPECT_STREQ(mclibMain_getMclibVersion(), "MCLib 6.14");
-    EXPECT_NE(std::string(mclibMain_getMclibLocation()).find("/libmclib.so"), std::string::npos);
-}
-
 class Levels : public Utilities {
   protected:
     void SetUp() override {
