@@ -111,3 +111,11 @@ std::string notANumber(std::string_view text) {
 }
 
 }  // namespace host
+
+int mdlOutput_formatText(char* to, size_t size, const char* format, va_list values) {
+    static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+    const locale_t before = uselocale(plain);
+    const int length = std::vsnprintf(to, size, format, values);
+    uselocale(before);
+    return length;
+}

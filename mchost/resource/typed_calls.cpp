@@ -12,7 +12,7 @@
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/open_files.h"
-#include "mchost/resource/string_list.h"
+#include "mchost/base/string_list.h"
 #include "mchost/session/session.h"
 
 namespace host {

@@ -1,17 +1,12 @@
 // Console, message fields and message centre: narrow text from the applications, UTF-8 to the front end.
-#include <cxxabi.h>
-#include <locale.h>
-
 #include <cstdarg>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
-#include <typeinfo>
 
 #include "mchost/base/charset.h"
 #include "mchost/base/guard.h"
-#include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
+#include "mchost/session/output.h"
 #include "mchost/session/state.h"
 
 namespace host {
@@ -57,53 +52,31 @@ void toMessageCenter(int priority, const std::string& brief, const std::string& 
     }
 }
 
-}  // namespace
-
-void reportError(const char* what) noexcept {
-    try {
-        toMessageCenter(10, utf8Of(what), {});
-    } catch (...) {
-        std::fputs("error while an error was told\n", stderr);
-    }
+void noteMemoryFailure() {
+    if (!activeState) return;
+    ++activeState->memoryFailures;
+    if (activeState->exitStatus == 0) activeState->exitStatus = 1;
 }
 
-void reportUnknownError() noexcept {
-    const std::type_info* const type = abi::__cxa_current_exception_type();
-    int status = 0;
-    char* const name = type == nullptr ? nullptr : abi::__cxa_demangle(type->name(), nullptr, nullptr, &status);
-    char text[256];
-    std::snprintf(text, sizeof text, "A value of the type %s was thrown, and nobody in the application caught it",
-                  name == nullptr ? "that nobody knows" : name);
-    std::free(name);
-    reportError(text);
+[[maybe_unused]] const bool hears =
+    (setFailureHearers(
+         {.error = [](const char* what) { toMessageCenter(10, utf8Of(what), {}); }, .memoryRanOut = noteMemoryFailure}),
+     true);
+
+}  // namespace
+
+int printToField(int field, const char* format, va_list arguments) {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const std::optional<std::string> text = formatted(format, arguments);
+        if (!text || field < 0 || field > 4) return MDL_ERROR;
+        if (activeState) activeState->frontEnd->messageField(field, utf8FromNarrow(*text));
+        return MDL_SUCCESS;
+    });
 }
 
 }  // namespace host
 
 using namespace host;
-
-namespace {
-
-constexpr size_t stringSize = 512;  // of a string of a string list
-
-int toMessageField(int field, const char* format, va_list arguments) {
-    return guarded<int>(MDL_ERROR, [&]() -> int {
-        const std::optional<std::string> text = formatted(format, arguments);
-        if (!text || field < 0 || field > 4) return MDL_ERROR;
-        if (activeState != nullptr) activeState->frontEnd->messageField(field, utf8FromNarrow(*text));
-        return MDL_SUCCESS;
-    });
-}
-
-}  // namespace
-
-int mdlOutput_formatText(char* to, size_t size, const char* format, va_list values) {
-    static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
-    const locale_t before = uselocale(plain);
-    const int length = std::vsnprintf(to, size, format, values);
-    uselocale(before);
-    return length;
-}
 
 int toolSubsystem_printf(const char* format, ...) {
     va_list arguments;
@@ -134,17 +107,7 @@ int toolSubsystem_fprintf(FILE* stream, const char* format, ...) {
 int mdlOutput_printf(int field, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    const int status = toMessageField(field, format, arguments);
-    va_end(arguments);
-    return status;
-}
-
-int mdlOutput_rscPrintf(int field, RscHandle rscFile, int32_t listId, int32_t messageId, ...) {
-    char format[stringSize];
-    if (mdlResource_loadFromStringList(format, rscFile, listId, messageId) != MDL_SUCCESS) return MDL_ERROR;
-    va_list arguments;
-    va_start(arguments, messageId);
-    const int status = toMessageField(field, format, arguments);
+    const int status = printToField(field, format, arguments);
     va_end(arguments);
     return status;
 }
@@ -155,18 +118,6 @@ int mdlOutput_messageCenter(int priority, const char* brief, const char* details
         if (openAlert != 0 && activeState != nullptr) activeState->frontEnd->takeNote();
         return MDL_SUCCESS;
     });
-}
-
-int mdlOutput_rscsPrintf(char* buffer, RscHandle rscFile, int32_t listId, int32_t messageId, ...) {
-    char format[stringSize];
-    if (buffer == nullptr || mdlResource_loadFromStringList(format, rscFile, listId, messageId) != MDL_SUCCESS) {
-        return MDL_ERROR;
-    }
-    va_list arguments;
-    va_start(arguments, messageId);
-    mdlOutput_formatText(buffer, stringSize, format, arguments);
-    va_end(arguments);
-    return MDL_SUCCESS;
 }
 
 void mdlSystem_enterGraphics(void) {}

@@ -88,12 +88,6 @@ Session* Session::current() {
     return activeSession;
 }
 
-void noteMemoryRanOut() noexcept {
-    if (activeState == nullptr) return;
-    ++activeState->memoryFailures;
-    if (activeState->exitStatus == 0) activeState->exitStatus = 1;
-}
-
 int Session::exitStatus() const {
     return state_->exitStatus == 0 && state_->failureNoted ? 1 : state_->exitStatus;
 }

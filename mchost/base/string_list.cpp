@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "mchost/base/guard.h"
-#include "mchost/resource/string_list.h"
+#include "mchost/base/string_list.h"
 
 namespace {
 
