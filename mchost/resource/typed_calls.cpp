@@ -9,10 +9,10 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/string_list.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/open_files.h"
-#include "mchost/base/string_list.h"
 #include "mchost/session/session.h"
 
 namespace host {
