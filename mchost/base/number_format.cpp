@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdarg>
 
+#include "mchost/base/words.h"
 #include "mchost/mdl/system.h"
 
 namespace host {
@@ -43,12 +44,6 @@ char conversionOf(std::string_view format) {
         if (!known) return 0;
     }
     return letter;
-}
-
-std::string_view trimmed(std::string_view text) {
-    const size_t first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
 template <class Number>

@@ -13,6 +13,7 @@
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
 #include "mchost/base/variables.h"
+#include "mchost/base/words.h"
 #include "mchost/mdl/file_dialogs.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/lists.h"
@@ -31,13 +32,6 @@ using Kind = FileQuestion::Kind;
 
 std::string textOf(const char* text) {
     return text ? text : "";
-}
-
-template <size_t size>
-void copyCut(char (&to)[size], std::string_view text) {
-    const size_t length = std::min(text.size(), size - 1);
-    std::memcpy(to, text.data(), length);
-    to[length] = '\0';
 }
 
 // ---- names; host names here are narrow text ----

@@ -1,4 +1,5 @@
 #include "mchost/plot/driver.h"
+#include "mchost/base/words.h"
 
 #include <algorithm>
 #include <array>
@@ -37,25 +38,9 @@ constexpr auto standardPapers = std::to_array<StandardPaper>({
 });
 constexpr std::string_view usualPaper = "A4";
 
-std::string_view trimmed(std::string_view text) {
-    const size_t first = text.find_first_not_of(" \t\r");
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
-char lower(char c) {
-    return static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-}
-
-bool sameName(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, {}, lower, lower);
-}
-
-std::optional<double> numberIn(std::string_view text, double least, double most) {
-    double value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    const bool whole = error == std::errc() && end == text.data() + text.size();
-    return whole && value >= least && value <= most ? std::optional(value) : std::nullopt;
+std::optional<double> numberBetween(std::string_view text, double least, double most) {
+    const std::optional<double> value = numberIn<double>(text);
+    return value && *value >= least && *value <= most ? value : std::nullopt;
 }
 
 // ---- the entries; each gives what is wrong with a value, or null ----
@@ -82,7 +67,7 @@ const char* takeExtension(Draft& draft, std::string_view value) {
 }
 
 const char* takeResolution(Draft& draft, std::string_view value) {
-    const auto number = numberIn(value, 10, 2400);
+    const auto number = numberBetween(value, 10, 2400);
     if (!number) return "the resolution is a number from 10 to 2400";
     draft.driver.resolution = *number;
     return nullptr;
@@ -102,7 +87,7 @@ const char* takePaper(Draft& draft, std::string_view value) {
     std::istringstream words{std::string(value)};
     std::string name, width, height, more;
     words >> name >> width >> height >> more;
-    const auto w = numberIn(width, 1, mostPaperMm), h = numberIn(height, 1, mostPaperMm);
+    const auto w = numberBetween(width, 1, mostPaperMm), h = numberBetween(height, 1, mostPaperMm);
     if (!w || !h || !more.empty()) return "a paper is NAME WIDTH HEIGHT, in millimetres from 1 to 10000";
     if (findPaper(draft.driver, name) != SIZE_MAX) return "there is a paper of that name already";
     draft.driver.papers.push_back({name, *w, *h});
@@ -115,7 +100,7 @@ const char* takeDefault(Draft& draft, std::string_view value) {
 }
 
 const char* takeMargin(Draft& draft, std::string_view value) {
-    const auto number = numberIn(value, 0, 1000);
+    const auto number = numberBetween(value, 0, 1000);
     if (!number) return "the margin is a number of millimetres from 0 to 1000";
     draft.driver.marginMm = *number;
     return nullptr;

@@ -12,6 +12,7 @@
 #include <filesystem>
 
 #include "mchost/base/paths.h"
+#include "mchost/base/words.h"
 #include "mchost/files/copy.h"
 #include "mchost/processes/programs.h"
 #include "mchost/session/state.h"
@@ -24,10 +25,6 @@ namespace fs = std::filesystem;
 
 bool isSeparator(char c) {
     return c == '/' || c == '\\';
-}
-
-bool sameName(const std::string& a, const std::string& b) {
-    return strcasecmp(a.c_str(), b.c_str()) == 0;
 }
 
 // 1 to 9 for "LPT1" to "LPT9" with or without a colon, else 0.

@@ -21,6 +21,7 @@
 
 #include "mchost/base/existing_path.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/words.h"
 #include "mchost/session/state.h"
 
 namespace host {
@@ -34,12 +35,6 @@ namespace fs = std::filesystem;
 bool isProgram(const fs::path& path) {
     std::error_code error;
     return access(path.c_str(), X_OK) == 0 && !fs::is_directory(path, error);
-}
-
-std::string lowerCase(std::string text) {
-    std::ranges::transform(text, text.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return text;
 }
 
 // Most programs are called in small letters, which saves the look through the folder.

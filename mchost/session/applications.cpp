@@ -9,6 +9,7 @@
 #include "mchost/base/charset.h"
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/words.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/system.h"
 #include "mchost/session/state.h"
@@ -22,11 +23,6 @@ using Observer = void (*)(MdlDesc*);
 std::vector<Observer>& endObservers() {
     static std::vector<Observer> observers;
     return observers;
-}
-
-bool sameName(std::string_view a, std::string_view b) {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
-    return std::ranges::equal(a, b, [&](char x, char y) { return lower(x) == lower(y); });
 }
 
 MdlDesc* addApplication(Session::State& state, std::string_view taskName, std::string_view argv0,

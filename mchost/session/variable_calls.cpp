@@ -6,29 +6,23 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/base/variables.h"
+#include "mchost/base/words.h"
 #include "mchost/mdl/system.h"
 
 namespace host {
 
 namespace {
 
-void copyCut(char* buffer, int size, std::string_view text) {
-    if (buffer == nullptr || size <= 0) return;
-    const size_t length = std::min(text.size(), static_cast<size_t>(size) - 1);
-    std::memcpy(buffer, text.data(), length);
-    buffer[length] = '\0';
-}
-
 char* newBlock(std::string_view text) {
     auto* block = static_cast<char*>(dlmSystem_mdlMalloc(text.size() + 1));
-    if (block != nullptr) copyCut(block, static_cast<int>(text.size()) + 1, text);
+    if (block != nullptr) copyCut(block, text.size() + 1, text);
     return block;
 }
 
 // Copies a value that is defined; the status of the call.
 int give(char* buffer, int size, const std::optional<std::string>& value) {
     if (!value) return MDL_ERROR;
-    copyCut(buffer, size, *value);
+    if (size > 0) copyCut(buffer, static_cast<size_t>(size), *value);
     return MDL_SUCCESS;
 }
 

@@ -12,6 +12,7 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/words.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/win32.h"
 #include "mchost/session/state.h"
@@ -22,19 +23,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string lowerCase(std::string_view text) {
-    std::string lower(text);
-    std::ranges::transform(lower, lower.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return lower;
-}
-
-std::string_view trimmed(std::string_view text) {
-    const size_t first = text.find_first_not_of(" \t\r");
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
 // A key as it is compared: small letters, no separator at its ends.
 std::string plainKey(std::string_view key) {
     std::string plain = lowerCase(trimmed(key));
@@ -43,17 +31,10 @@ std::string plainKey(std::string_view key) {
     return plain.erase(0, plain.find_first_not_of('\\'));
 }
 
-template <class Number>
-std::optional<Number> numberIn(std::string_view text, int base) {
-    Number value{};
-    const auto [end, error] = std::from_chars(text.begin(), text.end(), value, base);
-    return error == std::errc() && end == text.end() ? std::optional(value) : std::nullopt;
-}
-
 std::optional<Setting> numberSetting(std::string_view text) {
     const bool hex = text.starts_with("0x") || text.starts_with("0X");
-    std::optional<uint32_t> value = numberIn<uint32_t>(text.substr(hex ? 2 : 0), hex ? 16 : 10);
-    if (text.starts_with('-')) value = numberIn<int32_t>(text, 10);
+    std::optional<uint32_t> value = hex ? numberIn<uint32_t>(text.substr(2), 16) : numberIn<uint32_t>(text);
+    if (text.starts_with('-')) value = numberIn<int32_t>(text);
     if (!value) return std::nullopt;
     return Setting{WIN32_VALUE_NUMBER, std::string(reinterpret_cast<const char*>(&*value), sizeof *value)};
 }

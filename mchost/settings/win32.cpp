@@ -8,21 +8,16 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/words.h"
 #include "mchost/mdl/win32.h"
 
 namespace host {
 
 namespace {
 
-std::string lowerCase(std::string text) {
-    std::ranges::transform(text, text.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return text;
-}
-
 // "MCLib.dll" and "libmclib.so.6.14" both give "mclib".
 std::string moduleStem(std::string_view fileName) {
-    std::string name = lowerCase(std::string(fileName.substr(fileName.find_last_of("/\\") + 1)));
+    std::string name = lowerCase(fileName.substr(fileName.find_last_of("/\\") + 1));
     name = name.substr(0, std::min(name.find(".so"), name.find(".dll")));
     return name.starts_with("lib") ? name.substr(3) : name;
 }
@@ -49,14 +44,6 @@ std::string pathOfModule(void* module) {
     return path.empty() ? path : std::filesystem::canonical(path, error).string();
 }
 
-// Copies with a NUL, as much as there is room for; the length that was copied.
-uint32_t copyCut(char* buffer, uint32_t size, std::string_view text) {
-    const size_t length = std::min<size_t>(text.size(), size - 1);
-    std::memcpy(buffer, text.data(), length);
-    buffer[length] = '\0';
-    return static_cast<uint32_t>(length);
-}
-
 }  // namespace
 
 }  // namespace host
@@ -75,7 +62,7 @@ uint32_t GetShortPathNameA(const char* path, char* buffer, uint32_t size) {
         if (!std::filesystem::exists(systemName, error)) return 0;
         const std::string name = hostName(systemName);
         if (buffer == nullptr || size <= name.size()) return static_cast<uint32_t>(name.size()) + 1;
-        return copyCut(buffer, size, name);
+        return static_cast<uint32_t>(copyCut(buffer, size, name));
     });
 }
 
@@ -94,8 +81,6 @@ void* GetModuleHandleA(const char* name) {
 }
 
 uint32_t GetModuleFileNameA(void* module, char* buffer, uint32_t size) {
-    return guarded<uint32_t>(0, [&]() -> uint32_t {
-        if (buffer == nullptr || size == 0) return 0;
-        return copyCut(buffer, size, hostName(pathOfModule(module)));
-    });
+    return guarded<uint32_t>(
+        0, [&]() -> uint32_t { return static_cast<uint32_t>(copyCut(buffer, size, hostName(pathOfModule(module)))); });
 }

@@ -25,12 +25,6 @@ bool isForShell(std::string_view word) {
     return word.size() > 4 && std::ranges::find(batchEndings, word.substr(word.size() - 4)) != std::end(batchEndings);
 }
 
-std::string upperCase(std::string_view text) {
-    std::string result(text);
-    std::ranges::transform(result, result.begin(), upper);
-    return result;
-}
-
 std::string_view textOf(const char* text) {
     return text ? text : "";
 }
@@ -49,7 +43,7 @@ int mclibExternal_executeCommandLine(const char* commandLine, int* status) {
     std::string_view line = textOf(commandLine);
     line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
     const size_t space = line.find(' ');
-    const std::string word = upperCase(line.substr(0, space));
+    const std::string word = uppered(line.substr(0, space));
     const std::string arguments(space == line.npos ? "" : line.substr(space + 1));
     const auto run = isForShell(word) ? mclibExternal_executeShellCommand : mclibExternal_executeProgram;
     return run(word.c_str(), arguments.c_str(), status);

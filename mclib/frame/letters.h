@@ -57,6 +57,11 @@ inline std::string lowered(std::string_view text) {
     std::ranges::transform(result, result.begin(), lower);
     return result;
 }
+inline std::string uppered(std::string_view text) {
+    std::string result(text);
+    std::ranges::transform(result, result.begin(), upper);
+    return result;
+}
 inline bool equalIgnoringCase(std::string_view a, std::string_view b) {
     return std::ranges::equal(a, b, {}, upper, upper);
 }

@@ -11,6 +11,7 @@
 
 #include "mchost/base/existing_path.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/words.h"
 #include "mchost/processes/programs.h"
 #include "programs/shell/commands.h"
 #include "programs/shell/dispatch.h"
@@ -24,18 +25,6 @@ namespace fs = std::filesystem;
 
 constexpr int deepestCall = 16;
 int depth = 0;  // batch files that call each other
-
-std::string_view trimmed(std::string_view text) {
-    const size_t first = text.find_first_not_of(" \t\r");
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
-std::optional<int> wholeNumber(std::string_view text) {
-    int value = 0;
-    const auto [end, error] = std::from_chars(text.begin(), text.end(), value);
-    return error == std::errc() && end == text.end() && !text.empty() ? std::optional(value) : std::nullopt;
-}
 
 bool exists(const std::string& name) {
     return existingPath(systemPath(name)).has_value();
@@ -152,7 +141,7 @@ int BatchFile::runExit(std::string_view rest) {
     ended_ = true;
     if (upperCase(rest).starts_with("/B")) rest = trimmed(rest.substr(2));
     if (rest.empty()) return status_;
-    const std::optional<int> status = wholeNumber(rest);
+    const std::optional<int> status = host::numberIn<int>(rest);
     return status ? *status : wrong("EXIT takes a number, not \"" + std::string(rest) + "\"");
 }
 
@@ -189,7 +178,7 @@ std::optional<bool> BatchFile::condition(const std::vector<Word>& words, size_t&
     const std::string first = next();
     if (upperCase(first) == "EXIST") return exists(next());
     if (upperCase(first) == "ERRORLEVEL") {
-        const std::optional<int> level = wholeNumber(next());
+        const std::optional<int> level = host::numberIn<int>(next());
         return level ? std::optional(status_ >= *level) : std::nullopt;
     }
     constexpr std::string_view sign = "==";

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <optional>
 
+#include "mchost/base/words.h"
 #include "mchost/processes/programs.h"
 #include "programs/shell/batch.h"
 #include "programs/shell/commands.h"
@@ -75,13 +76,6 @@ bool isDrive(const std::string& word) {
 }
 
 }  // namespace
-
-std::string upperCase(std::string_view text) {
-    std::string upper(text);
-    std::ranges::transform(upper, upper.begin(),
-                           [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c & ~0x20) : c; });
-    return upper;
-}
 
 int runWords(std::vector<Word> words, const std::string& place) {
     Redirection redirection;

@@ -11,6 +11,4 @@ namespace host::shell {
 // "build.bat:3: ").
 int runWords(std::vector<Word> words, const std::string& place);
 
-std::string upperCase(std::string_view text);
-
 }  // namespace host::shell

@@ -1,0 +1,63 @@
+// Words of text files and of answers: blanks, letters without their case, numbers, copies that cut.
+#pragma once
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+// ---- letters A to Z; all others stay ----
+
+constexpr char lowerLetter(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+}
+constexpr char upperLetter(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c & ~0x20) : c;
+}
+inline std::string lowerCase(std::string_view text) {
+    std::string lower(text);
+    std::ranges::transform(lower, lower.begin(), lowerLetter);
+    return lower;
+}
+inline std::string upperCase(std::string_view text) {
+    std::string upper(text);
+    std::ranges::transform(upper, upper.begin(), upperLetter);
+    return upper;
+}
+inline bool sameName(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, lowerLetter, lowerLetter);
+}
+
+// Without the blanks at both ends.
+constexpr std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r";
+    const size_t first = text.find_first_not_of(blanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+// The number that the text is from its first to its last character, "." being the decimal sign; of whole numbers the base
+// may follow.
+template <class Number, class... Base>
+std::optional<Number> numberIn(std::string_view text, Base... base) {
+    Number value{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base...);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(value) : std::nullopt;
+}
+
+// As much of the text as fits `size` bytes with its NUL; the length that was copied, 0 without a buffer.
+inline size_t copyCut(char* buffer, size_t size, std::string_view text) {
+    if (!buffer || size == 0) return 0;
+    const size_t length = text.copy(buffer, size - 1);
+    buffer[length] = '\0';
+    return length;
+}
+template <size_t size>
+void copyCut(char (&to)[size], std::string_view text) {
+    copyCut(to, size, text);
+}
+
+}  // namespace host
