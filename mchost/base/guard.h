@@ -40,4 +40,13 @@ Result guarded(Result failed, Body&& body) noexcept {
     return failed;
 }
 
+// The same for a body without a result, such as that of a destructor.
+template <class Body>
+void guarded(Body&& body) noexcept {
+    guarded<bool>(false, [&] {
+        std::forward<Body>(body)();
+        return true;
+    });
+}
+
 }  // namespace host

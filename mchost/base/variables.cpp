@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <vector>
 
+#include "mchost/base/state_owner.h"
+
 namespace host {
 
 namespace {
@@ -109,19 +111,8 @@ std::map<std::string, std::string> Variables::expandedValues(std::string_view na
     return values;
 }
 
-namespace {
-
-Variables* inForce = nullptr;
-
-}  // namespace
-
-void useVariables(Variables* variables) {
-    inForce = variables;
-}
-
 Variables& variables() {
-    static Variables ofProcess;
-    return inForce != nullptr ? *inForce : ofProcess;
+    return sessionState<Variables>();
 }
 
 }  // namespace host

@@ -39,9 +39,7 @@ class HOST_EXPORT Variables {
     std::map<std::string, Entry, std::less<>> entries_;
 };
 
-// The variables in force: those of the session, or of the process when there is none.
+// The variables of the session.
 Variables& variables();
-// Null: those of the process.
-void useVariables(Variables* variables);
 
 }  // namespace host

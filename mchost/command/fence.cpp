@@ -7,30 +7,28 @@
 #include "mchost/mdl/fence.h"
 #include "mchost/mdl/model.h"
 #include "mchost/model/model.h"
-#include "mchost/session/session.h"
+#include "mchost/session/owned_state.h"
 #include "mchost/space/view.h"
 
 namespace host {
 namespace {
 
-// Lives for a session.
 struct FenceState {
     std::optional<Fence> fence;
     int32_t view = 0;
 };
-FenceState state;
 
-void watchEnd() {
-    static const bool watching = (observeSessionEnd([] { state = {}; }), true);
-    static_cast<void>(watching);
+FenceState& state() {
+    return sessionState<FenceState>();
 }
 
 }  // namespace
 
 const Fence* activeFence() {
     const ModelRef* model = mdlModelRef_getActive();
-    if (state.fence && (model == nullptr || model->serial != state.fence->model)) state.fence.reset();
-    return state.fence ? &*state.fence : nullptr;
+    std::optional<Fence>& fence = state().fence;
+    if (fence && (!model || model->serial != fence->model)) fence.reset();
+    return fence ? &*fence : nullptr;
 }
 
 }  // namespace host
@@ -39,8 +37,7 @@ using namespace host;
 
 int mdlFence_setView(int32_t view) {
     if (!isView(view)) return MDL_ERROR;
-    watchEnd();
-    state.view = view;
+    state().view = view;
     return MDL_SUCCESS;
 }
 
@@ -48,17 +45,16 @@ int mdlFence_fromShape(const MSElementBuffer* shape) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         const ModelRef* model = mdlModelRef_getActive();
         if (model == nullptr || mdlElement_getType(shape) != MDL_SHAPE) return MDL_ERROR;
-        watchEnd();
-        Fence fence{.corners = {}, .view = state.view, .model = model->serial};
+        Fence fence{.corners = {}, .view = state().view, .model = model->serial};
         if (!strokeElement(fence.corners, shape, 1, identityTransform)) return MDL_ERROR;
-        state.fence = std::move(fence);
+        state().fence = std::move(fence);
         return MDL_SUCCESS;
     });
 }
 
 int mdlFence_clear(int32_t) {
     if (activeFence() == nullptr) return MDL_ERROR;
-    state.fence.reset();
+    state().fence.reset();
     return MDL_SUCCESS;
 }
 

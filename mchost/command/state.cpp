@@ -7,6 +7,7 @@
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/model/model.h"
+#include "mchost/session/owned_state.h"
 #include "mchost/session/session.h"
 #include "mchost/space/vector.h"
 #include "mchost/space/view.h"
@@ -24,25 +25,31 @@ struct Command {
     std::string prompt = {};
 };
 
-// Lives for a session.
+// Published by its address, so it stands as long as the process; what it holds goes with the session.
+MdlStateData data;
+
 struct CommandState {
     Command running;
     uint64_t lastSerial = 0;
     bool inDynamics = false;
     std::vector<mdl::DescrPtr> drawn;
+
+    ~CommandState() { data = {}; }
 };
-CommandState state;
-MdlStateData data;
+
+CommandState& state() {
+    return sessionState<CommandState>();
+}
 
 void showPrompt(const char* text) {
-    state.running.prompt = text;
+    state().running.prompt = text;
     mdlOutput_printf(2, "%s", text);
 }
 
 void startDefault() {
-    state.drawn.clear();
-    const bool prompted = !state.running.prompt.empty();
-    state.running = {};
+    state().drawn.clear();
+    const bool prompted = !state().running.prompt.empty();
+    state().running = {};
     if (prompted) showPrompt("");
 }
 
@@ -51,24 +58,20 @@ uint64_t activeModel() {
     return model == nullptr ? 0 : model->serial;
 }
 
-void watchEnds() {
-    static const bool watching = (observeApplicationEnd([](MdlDesc* ended) {
-                                      if (state.running.owner == ended) startDefault();
-                                  }),
-                                  observeSessionEnd([] { state = {}, data = {}; }), true);
-    static_cast<void>(watching);
+void endCommandOf(MdlDesc* application) {
+    if (state().running.owner == application) startDefault();
 }
 
 // Calls a function of the command that runs, as its application. The command may be another one afterwards.
 template <class Function, class... Arguments>
 void call(Function function, Arguments... arguments) {
-    const ApplicationScope scope(state.running.owner);
+    const ApplicationScope scope(state().running.owner);
     function(arguments...);
 }
 
 void keep(const ElementDescr* ed) {
     ElementDescr* copy = nullptr;
-    if (mdlElmdscr_duplicate(&copy, ed) == MDL_SUCCESS) state.drawn.emplace_back(copy);
+    if (mdlElmdscr_duplicate(&copy, ed) == MDL_SUCCESS) state().drawn.emplace_back(copy);
 }
 
 bool canDisplay(const MSElementBuffer* element, int32_t drawMode) {
@@ -79,50 +82,50 @@ bool canDisplay(const MSElementBuffer* element, int32_t drawMode) {
 }  // namespace
 
 bool commandRuns() {
-    if (state.running.serial != 0 && state.running.model != activeModel()) startDefault();
-    return state.running.serial != 0;
+    if (state().running.serial != 0 && state().running.model != activeModel()) startDefault();
+    return state().running.serial != 0;
 }
 
 const std::string& commandPrompt() {
-    return state.running.prompt;
+    return state().running.prompt;
 }
 
 uint64_t commandSerial() {
-    return commandRuns() ? state.running.serial : 0;
+    return commandRuns() ? state().running.serial : 0;
 }
 
 bool moveCursor(const Point3d& point, int32_t view) {
     if (!commandRuns() || !isView(view) || !isFinite(point)) return false;
     data = {point, view};
-    state.drawn.clear();
-    if (state.running.dynamics == nullptr) return true;
+    state().drawn.clear();
+    if (state().running.dynamics == nullptr) return true;
     Point3d given = point;
-    state.inDynamics = true;
-    call(state.running.dynamics, &given, view, int32_t{MDL_DYNAMICS});
-    state.inDynamics = false;
+    state().inDynamics = true;
+    call(state().running.dynamics, &given, view, int32_t{MDL_DYNAMICS});
+    state().inDynamics = false;
     return true;
 }
 
 bool giveDataPoint(const Point3d& point, int32_t view) {
     if (!moveCursor(point, view) || !commandRuns()) return false;
-    state.drawn.clear();
+    state().drawn.clear();
     Point3d given = point;
-    if (state.running.dataPoint != nullptr) call(state.running.dataPoint, &given, view);
+    if (state().running.dataPoint != nullptr) call(state().running.dataPoint, &given, view);
     return true;
 }
 
 bool giveReset() {
     if (!commandRuns()) return false;
-    state.drawn.clear();
-    if (state.running.reset != nullptr)
-        call(state.running.reset);
+    state().drawn.clear();
+    if (state().running.reset != nullptr)
+        call(state().running.reset);
     else
         startDefault();
     return true;
 }
 
 const std::vector<mdl::DescrPtr>& dynamicElements() {
-    return state.drawn;
+    return state().drawn;
 }
 
 }  // namespace host
@@ -133,20 +136,21 @@ MdlStateData* statedataP = &data;
 
 int mdlState_startPrimitive(MdlDataPointFunction dataPoint, MdlResetFunction restart, int32_t, int32_t) {
     return guarded<int>(MDL_ERROR, [&] {
-        watchEnds();
+        MdlDesc* const owner = mdlSystem_getCurrMdlDesc();
         startDefault();
-        state.running = {.serial = ++state.lastSerial,
-                         .owner = mdlSystem_getCurrMdlDesc(),
+        state().running = {.serial = ++state().lastSerial,
+                         .owner = owner,
                          .model = activeModel(),
                          .dataPoint = dataPoint,
                          .restart = restart};
+        letGoAtEnd<endCommandOf>(owner);
         return MDL_SUCCESS;
     });
 }
 
 int mdlState_setFunction(int32_t number, MdlStateFunction function) {
     if (!commandRuns()) return MDL_ERROR;
-    Command& running = state.running;
+    Command& running = state().running;
     switch (number) {
         case MDL_STATE_DATA_POINT: running.dataPoint = reinterpret_cast<MdlDataPointFunction>(function); break;
         case MDL_STATE_RESET: running.reset = function; break;
@@ -158,9 +162,9 @@ int mdlState_setFunction(int32_t number, MdlStateFunction function) {
 
 int mdlState_restartCurrentCommand(void) {
     return guarded<int>(MDL_ERROR, []() -> int {
-        if (!commandRuns() || state.running.restart == nullptr) return mdlState_startDefaultCommand();
-        state.drawn.clear();
-        call(state.running.restart);
+        if (!commandRuns() || state().running.restart == nullptr) return mdlState_startDefaultCommand();
+        state().drawn.clear();
+        call(state().running.restart);
         return MDL_SUCCESS;
     });
 }
@@ -183,8 +187,8 @@ int mdlElement_display(const MSElementBuffer* element, int32_t drawMode) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (!canDisplay(element, drawMode)) return MDL_ERROR;
         ElementDescr* shown = nullptr;
-        const bool seen = drawMode == MDL_DYNAMICS && state.inDynamics;
-        if (seen && mdlElmdscr_new(&shown, nullptr, element) == MDL_SUCCESS) state.drawn.emplace_back(shown);
+        const bool seen = drawMode == MDL_DYNAMICS && state().inDynamics;
+        if (seen && mdlElmdscr_new(&shown, nullptr, element) == MDL_SUCCESS) state().drawn.emplace_back(shown);
         return MDL_SUCCESS;
     });
 }
@@ -192,7 +196,7 @@ int mdlElement_display(const MSElementBuffer* element, int32_t drawMode) {
 int mdlElmdscr_display(ElementDescr* ed, ModelRef*, int32_t drawMode) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (ed == nullptr || !canDisplay(ed->element, drawMode)) return MDL_ERROR;
-        if (drawMode == MDL_DYNAMICS && state.inDynamics) keep(ed);
+        if (drawMode == MDL_DYNAMICS && state().inDynamics) keep(ed);
         return MDL_SUCCESS;
     });
 }

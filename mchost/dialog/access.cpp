@@ -11,7 +11,7 @@
 #include "mchost/base/guard.h"
 #include "mchost/base/number_format.h"
 #include "mchost/mdl/system.h"
-#include "mchost/session/session.h"
+#include "mchost/session/owned_state.h"
 
 namespace {
 
@@ -33,9 +33,11 @@ namespace host {
 namespace {
 
 // In order of making. A set goes with its application, whose memory it may point to, or else with the session.
+struct SymbolSets {
+    std::vector<std::unique_ptr<SymbolSet>> all;
+};
 std::vector<std::unique_ptr<SymbolSet>>& symbolSets() {
-    static std::vector<std::unique_ptr<SymbolSet>> sets;
-    return sets;
+    return sessionState<SymbolSets>().all;
 }
 
 void dropSetsOf(MdlDesc* desc) {
@@ -43,12 +45,10 @@ void dropSetsOf(MdlDesc* desc) {
 }
 
 SymbolSet* makeSet() {
-    static const bool watching =
-        (observeApplicationEnd(dropSetsOf), observeSessionEnd([] { dropSetsOf(nullptr); }), true);
-    (void)watching;
     auto set = std::make_unique<SymbolSet>();
     set->owner = mdlSystem_getCurrMdlDesc();
     symbolSets().push_back(std::move(set));
+    letGoAtEnd<dropSetsOf>(symbolSets().back()->owner);
     return symbolSets().back().get();
 }
 

@@ -18,19 +18,6 @@ enum { FLAG_FOCUS = 1, FLAG_DEFAULT = 2 };       // DialogMessage::itemFlags
 enum { BUTTON_FIRST = -3, BUTTON_SECOND = -4 };  // ids of the buttons that end a dialog
 enum { ACTION_FIRST = 3, ACTION_SECOND = 4, ACTION_NONE = 0 };
 
-// Dialogs whose hooks are running, each within the one before: events nest when a hook opens a modal dialog.
-int runningEvents = 0;
-
-// Control is back in the host when the outermost event is over.
-struct EventScope {
-    EventScope() { ++runningEvents; }
-    ~EventScope() {
-        if (--runningEvents == 0) closeQueuedDialogs();
-    }
-    EventScope(const EventScope&) = delete;
-    EventScope& operator=(const EventScope&) = delete;
-};
-
 int32_t asNumber(const std::string& value) {
     const std::optional<double> number = numberOf(value);
     return number && *number >= INT32_MIN && *number <= INT32_MAX ? static_cast<int32_t>(*number) : 0;

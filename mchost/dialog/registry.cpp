@@ -5,6 +5,7 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/mdl/system.h"
+#include "mchost/session/owned_state.h"
 #include "mchost/session/session.h"
 
 namespace host {
@@ -19,17 +20,18 @@ struct PublishedHook {
     DialogHook hook;
 };
 
-// Lives for the process. Dialogs and hooks of an application leave it at the latest when the application ends, others
-// with the session.
+// Dialogs and hooks of an application leave it at the latest when the application ends.
 struct Registry {
     std::vector<std::shared_ptr<Dialog>> dialogs;  // in order of opening
     std::vector<uintptr_t> queuedToClose;          // handles
     std::vector<PublishedHook> hooks;
     uintptr_t lastSerial = 0;
+    int runningEvents = 0;
+
+    Registry() { observeReturn(closeQueuedDialogs); }
 };
 Registry& registry() {
-    static Registry state;
-    return state;
+    return sessionState<Registry>();
 }
 
 // Runs while the application's code is still there, so that its hooks learn of the end.
@@ -37,12 +39,6 @@ void letGoOf(MdlDesc* desc) {
     for (const auto& dialog : std::vector(registry().dialogs))
         if (dialog->owner() == desc) dialog->close();
     std::erase_if(registry().hooks, [desc](const PublishedHook& hook) { return hook.owner == desc; });
-}
-
-void watchApplications() {
-    static const bool watching = (observeApplicationEnd(letGoOf), observeSessionEnd([] { letGoOf(nullptr); }),
-                                  observeReturn(closeQueuedDialogs), true);
-    (void)watching;
 }
 
 void publish(MdlDesc* owner, const DialogHook& hook) {
@@ -103,7 +99,7 @@ std::vector<std::shared_ptr<Dialog>> openDialogs() {
 }
 
 void registerDialog(std::shared_ptr<Dialog> dialog) {
-    watchApplications();
+    letGoAtEnd<letGoOf>(dialog->owner());
     registry().dialogs.push_back(std::move(dialog));
 }
 
@@ -124,6 +120,14 @@ void closeQueuedDialogs() {
         if (const auto dialog = dialogWithHandle(handle)) dialog->close();
 }
 
+EventScope::EventScope() {
+    ++registry().runningEvents;
+}
+
+EventScope::~EventScope() {
+    if (--registry().runningEvents == 0) guarded(closeQueuedDialogs);
+}
+
 DialogHookFunction findHook(int32_t hookId, MdlDesc* owner) {
     DialogHookFunction others = nullptr;
     for (const PublishedHook& known : registry().hooks) {
@@ -139,8 +143,9 @@ DialogHookFunction findHook(int32_t hookId, MdlDesc* owner) {
 int mdlDialog_hookPublish(int32_t count, const DialogHook* hooks) {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (count < 0 || (count > 0 && !hooks)) return MDL_ERROR;
-        host::watchApplications();
-        for (int32_t i = 0; i < count; ++i) host::publish(mdlSystem_getCurrMdlDesc(), hooks[i]);
+        MdlDesc* const owner = mdlSystem_getCurrMdlDesc();
+        for (int32_t i = 0; i < count; ++i) host::publish(owner, hooks[i]);
+        host::letGoAtEnd<host::letGoOf>(owner);
         return MDL_SUCCESS;
     });
 }

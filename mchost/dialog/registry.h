@@ -29,6 +29,15 @@ void forgetDialog(const Dialog& dialog);
 uintptr_t nextDialogSerial();
 void queueClose(const Dialog& dialog);
 
+// Stands while a dialog's hooks run, within others where a hook opens a modal dialog. Control is back in the host when
+// the outermost is over.
+struct EventScope {
+    EventScope();
+    ~EventScope();
+    EventScope(const EventScope&) = delete;
+    EventScope& operator=(const EventScope&) = delete;
+};
+
 // The hook of that id: the application's own, else another's; null for none.
 DialogHookFunction findHook(int32_t hookId, MdlDesc* owner);
 

@@ -4,10 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
@@ -48,7 +48,7 @@ int writeAll(int to, const char* bytes, size_t size) {
 }
 
 int copyBytes(int to, int from) {
-    static std::array<char, 1 << 18> piece;
+    std::vector<char> piece(size_t{1} << 18);
     for (;;) {
         const ssize_t count = read(from, piece.data(), piece.size());
         if (count < 0 && errno == EINTR) continue;

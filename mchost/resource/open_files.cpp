@@ -17,6 +17,7 @@
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/store.h"
+#include "mchost/session/owned_state.h"
 #include "mchost/session/session.h"
 
 namespace host {
@@ -44,16 +45,14 @@ struct OpenFile {
     std::unique_ptr<ResourceStore> store;
 };
 
-// Lives for the process; an application's files leave it when they are closed or the application ends, others with the
-// session.
+// An application's files leave it when they are closed or the application ends.
 struct OpenFiles {
     std::vector<OpenFile> files;                         // in order of opening
     std::vector<std::pair<MdlDesc*, std::string>> told;  // why a file can't be read, and who knows it
     RscHandle lastHandle = 0;
 };
 OpenFiles& openFiles() {
-    static OpenFiles state;
-    return state;
+    return sessionState<OpenFiles>();
 }
 
 // MDL_SUCCESS when all of them are whole without a log now.
@@ -69,12 +68,6 @@ int closeFiles(const std::function<bool(const OpenFile&)>& which) {
 void closeFilesOf(MdlDesc* desc) {
     if (closeFiles([desc](const OpenFile& file) { return file.owner == desc; }) != MDL_SUCCESS) markFailed();
     std::erase_if(openFiles().told, [desc](const auto& known) { return known.first == desc; });
-}
-
-void watchApplications() {
-    static const bool watching =
-        (observeApplicationEnd(closeFilesOf), observeSessionEnd([] { closeFilesOf(nullptr); }), true);
-    (void)watching;
 }
 
 std::optional<FileStamp> stampOf(const std::string& path) {
@@ -131,7 +124,7 @@ RscHandle openFile(const std::string& path, int mode) {
         return 0;
     }
     std::erase_if(openFiles().told, [&](const auto& known) { return known.second.starts_with(path + ": "); });
-    watchApplications();
+    letGoAtEnd<closeFilesOf>(mdlSystem_getCurrMdlDesc());
     const RscHandle handle = openFiles().lastHandle + 1;
     openFiles().files.push_back(
         {handle, mdlSystem_getCurrMdlDesc(), *stamp, std::move(contents), mode, std::make_unique<ResourceStore>(path)});
@@ -211,11 +204,11 @@ std::shared_ptr<const ResourceContents> contentsOf(RscHandle handle) {
 }
 
 void tellUnreadable(const ResourceError& error) {
-    watchApplications();
     auto& told = openFiles().told;
     const std::pair<MdlDesc*, std::string> known(mdlSystem_getCurrMdlDesc(), error.what());
     if (std::ranges::find(told, known) != told.end()) return;
     told.push_back(known);
+    letGoAtEnd<closeFilesOf>(known.first);
     reportError(error.what());
 }
 

@@ -13,7 +13,7 @@
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/open_files.h"
-#include "mchost/session/session.h"
+#include "mchost/session/owned_state.h"
 
 namespace host {
 
@@ -72,32 +72,19 @@ UserFileRecord decoded(const void* bytes, size_t size) {
 
 // ---- records of the session ----
 
-using RecordKey = std::pair<MdlDesc*, int32_t>;  // the application, null for none, and the record's id
-
-std::map<RecordKey, UserFileRecord>& sessionRecords() {
-    static std::map<RecordKey, UserFileRecord> records;
-    return records;
-}
-
-void dropRecordsOf(MdlDesc* desc) {
-    std::erase_if(sessionRecords(), [desc](const auto& entry) { return entry.first.first == desc; });
-}
-
-void watchApplications() {
-    static const bool watching =
-        (observeApplicationEnd(dropRecordsOf), observeSessionEnd([] { dropRecordsOf(nullptr); }), true);
-    (void)watching;
-}
+struct SessionRecords {  // of an application
+    std::map<int32_t, UserFileRecord> byId;
+};
 
 int keepForSession(const UserFileRecord& record, int32_t id) {
-    watchApplications();
-    sessionRecords()[{mdlSystem_getCurrMdlDesc(), id}] = record;
+    applicationState<SessionRecords>(mdlSystem_getCurrMdlDesc()).byId[id] = record;
     return MDL_SUCCESS;
 }
 
 int sessionRecord(UserFileRecord& record, int32_t id) {
-    const auto found = sessionRecords().find({mdlSystem_getCurrMdlDesc(), id});
-    if (found == sessionRecords().end()) return MDL_ERROR;
+    const auto& records = applicationState<SessionRecords>(mdlSystem_getCurrMdlDesc()).byId;
+    const auto found = records.find(id);
+    if (found == records.end()) return MDL_ERROR;
     record = found->second;
     return MDL_SUCCESS;
 }

@@ -13,7 +13,7 @@
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/open_files.h"
-#include "mchost/session/session.h"
+#include "mchost/session/owned_state.h"
 
 namespace host {
 
@@ -30,21 +30,16 @@ struct LoadedBlock {
     std::unique_ptr<std::byte[]> bytes;
 };
 
-// By the address of their bytes. Lives for the process; an application's blocks leave it when they are given back or
-// the application ends, others with the session.
+// By the address of their bytes. An application's blocks leave it when they are given back or the application ends.
+struct LoadedBlocks {
+    std::unordered_map<const void*, LoadedBlock> byAddress;
+};
 std::unordered_map<const void*, LoadedBlock>& loadedBlocks() {
-    static std::unordered_map<const void*, LoadedBlock> blocks;
-    return blocks;
+    return sessionState<LoadedBlocks>().byAddress;
 }
 
 void freeBlocksOf(MdlDesc* desc) {
     std::erase_if(loadedBlocks(), [desc](const auto& entry) { return entry.second.owner == desc; });
-}
-
-void watchApplications() {
-    static const bool watching =
-        (observeApplicationEnd(freeBlocksOf), observeSessionEnd([] { freeBlocksOf(nullptr); }), true);
-    (void)watching;
 }
 
 std::string_view textOf(const char* text) {
@@ -52,12 +47,12 @@ std::string_view textOf(const char* text) {
 }
 
 void* keep(RscHandle file, int32_t type, int32_t id, const std::vector<std::byte>& bytes) {
-    watchApplications();
+    MdlDesc* const owner = mdlSystem_getCurrMdlDesc();
     auto copy = std::make_unique<std::byte[]>(bytes.size() + 1);
     std::ranges::copy(bytes, copy.get());
     void* const address = copy.get();
-    loadedBlocks()[address] = {mdlSystem_getCurrMdlDesc(),         file,           type, id,
-                               static_cast<int32_t>(bytes.size()), std::move(copy)};
+    loadedBlocks()[address] = {owner, file, type, id, static_cast<int32_t>(bytes.size()), std::move(copy)};
+    letGoAtEnd<freeBlocksOf>(owner);
     return address;
 }
 

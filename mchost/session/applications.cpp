@@ -12,18 +12,12 @@
 #include "mchost/base/words.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/system.h"
+#include "mchost/session/owned_state.h"
 #include "mchost/session/state.h"
 
 namespace host {
 
 namespace {
-
-using Observer = void (*)(MdlDesc*);
-
-std::vector<Observer>& endObservers() {
-    static std::vector<Observer> observers;
-    return observers;
-}
 
 MdlDesc* addApplication(Session::State& state, std::string_view taskName, std::string_view argv0,
                         std::string_view listName, const std::vector<std::string>& arguments) {
@@ -75,8 +69,7 @@ void finishApplication(MdlDesc& application) noexcept {
     ++application.depth;  // hooks that are called now don't end it a second time
     MdlDesc* const before = std::exchange(currentApplication, &application);
     if (application.atEnd != nullptr) dlmSystem_callMdlFunction("", &application, application.atEnd);
-    for (size_t i = endObservers().size(); i-- > 0;)
-        guarded<int>(0, [&] { return endObservers()[i](&application), 0; });
+    application.states.end();
     std::erase_if(activeState->timers, [&](const Timer& timer) { return timer.application == &application; });
     currentApplication = before;
     application.ended = true;
@@ -118,12 +111,12 @@ void Session::endApplication(MdlDesc* desc) {
     if (desc->depth == 0) finishApplication(*desc);
 }
 
-std::string modulePath(MdlDesc* desc) {
-    return desc == nullptr ? std::string() : desc->modulePath;
+StateOwner& applicationOwner(MdlDesc* application) noexcept {
+    return !application || application->ended ? sessionOwner() : application->states;
 }
 
-void observeApplicationEnd(void (*observer)(MdlDesc* desc)) {
-    endObservers().push_back(observer);
+std::string modulePath(MdlDesc* desc) {
+    return desc == nullptr ? std::string() : desc->modulePath;
 }
 
 void fireNewDesignFile(const char* name, int state) {

@@ -2,13 +2,20 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/mdl/system.h"
-#include "mchost/session/state.h"
+#include "mchost/session/owned_state.h"
 
 namespace host {
 
+namespace {
+
+struct InputQueue {
+    std::vector<KeyIn> waiting;
+};
+
+}  // namespace
+
 std::vector<KeyIn>& keyInQueue() {
-    static std::vector<KeyIn> ofProcess;
-    return activeState != nullptr ? activeState->keyIns : ofProcess;
+    return sessionState<InputQueue>().waiting;
 }
 
 }  // namespace host

@@ -1,4 +1,4 @@
-// Active parameters and settings. They stand without a session too, and are set back with its start and end.
+// Active parameters and settings.
 #include <cstring>
 #include <variant>
 
@@ -7,6 +7,7 @@
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
+#include "mchost/session/owned_state.h"
 #include "mchost/session/state.h"
 
 namespace host {
@@ -24,6 +25,8 @@ struct Parameters {
     int32_t weight = 0;
     int32_t graphicGroup = 1;
     char styleName[styleNameSize] = "";
+
+    ~Parameters();
 };
 
 constexpr MdlTcb initialControlBlock = {
@@ -35,20 +38,28 @@ constexpr MdlTcb initialControlBlock = {
     .cellLibraryName = "",
 };
 
-Parameters active;
+// Published by its address, so it stands as long as the process; what it holds goes with the session.
 MdlTcb controlBlock = initialControlBlock;
+
+Parameters::~Parameters() {
+    controlBlock = initialControlBlock;
+}
+
+Parameters& active() {
+    return sessionState<Parameters>();
+}
 
 using Place = std::variant<std::monostate, int32_t*, double*>;
 
 Place placeOf(int parameter) {
     switch (parameter) {
-        case MDL_PARAM_STYLE: return &active.style;
-        case MDL_PARAM_FONT: return &active.font;
-        case MDL_PARAM_TEXT_SIZE: return &active.textSize;
-        case MDL_PARAM_LEVEL: return &active.level;
-        case MDL_PARAM_COLOR: return &active.color;
-        case MDL_PARAM_WEIGHT: return &active.weight;
-        case MDL_PARAM_GRAPHIC_GROUP: return &active.graphicGroup;
+        case MDL_PARAM_STYLE: return &active().style;
+        case MDL_PARAM_FONT: return &active().font;
+        case MDL_PARAM_TEXT_SIZE: return &active().textSize;
+        case MDL_PARAM_LEVEL: return &active().level;
+        case MDL_PARAM_COLOR: return &active().color;
+        case MDL_PARAM_WEIGHT: return &active().weight;
+        case MDL_PARAM_GRAPHIC_GROUP: return &active().graphicGroup;
         default: return {};
     }
 }
@@ -57,8 +68,8 @@ int setStyleByName(const char* name) {
     int32_t number = 0;
     if (std::strlen(name) >= styleNameSize) return MDL_ERROR;
     if (mdlLineStyle_numberFromName(&number, name, mdlModelRef_getActive()) != MDL_SUCCESS) return MDL_ERROR;
-    std::strcpy(active.styleName, name);
-    active.style = number;
+    std::strcpy(active().styleName, name);
+    active().style = number;
     return MDL_SUCCESS;
 }
 
@@ -84,10 +95,10 @@ int workmode() {
 
 }  // namespace
 
-void resetParameters() noexcept {
-    active = {};
+void startParameters() {
     controlBlock = initialControlBlock;
-    controlBlock.workmode = guarded<int>(0, workmode);
+    controlBlock.workmode = workmode();
+    active();
 }
 
 }  // namespace host
@@ -99,7 +110,7 @@ MdlTcb* tcbP = &controlBlock;
 int mdlParams_getActive(void* valueP, int parameter) {
     if (valueP == nullptr) return MDL_ERROR;
     if (parameter == MDL_PARAM_LINE_STYLE_NAME) {
-        std::strcpy(static_cast<char*>(valueP), active.styleName);
+        std::strcpy(static_cast<char*>(valueP), active().styleName);
         return MDL_SUCCESS;
     }
     return get(valueP, placeOf(parameter));
@@ -111,7 +122,7 @@ int mdlParams_setActive(const void* valueP, int parameter) {
         return guarded<int>(MDL_ERROR, [&] { return setStyleByName(static_cast<const char*>(valueP)); });
     }
     const int status = set(valueP, placeOf(parameter));
-    if (parameter == MDL_PARAM_STYLE && status == MDL_SUCCESS) active.styleName[0] = '\0';
+    if (parameter == MDL_PARAM_STYLE && status == MDL_SUCCESS) active().styleName[0] = '\0';
     return status;
 }
 
@@ -120,5 +131,5 @@ int mdlSystem_getWorkmode(void) {
 }
 
 void mdlSystem_updateGraphicGroup(void) {
-    ++active.graphicGroup;
+    ++active().graphicGroup;
 }

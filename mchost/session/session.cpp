@@ -5,9 +5,11 @@
 #include <stdexcept>
 
 #include "mchost/base/guard.h"
+#include "mchost/base/variables.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/session/applications.h"
+#include "mchost/session/owned_state.h"
 #include "mchost/session/state.h"
 
 namespace host {
@@ -26,10 +28,9 @@ std::vector<void (*)()>& sessionEndObservers() {
     return observers;
 }
 
-std::vector<void (*)()>& returnObservers() {
-    static std::vector<void (*)()> observers;
-    return observers;
-}
+struct ReturnObservers {
+    std::vector<void (*)()> all;
+};
 
 bool designFileIsOpen() {
     return mdlModelRef_getActive() != nullptr;
@@ -38,8 +39,8 @@ bool designFileIsOpen() {
 // Control is back in the host: tells the rooms that wait for that, carries out key-ins, and stores what the finished
 // command changed.
 void finishCommand(Session::State& state) {
-    for (void (*observer)() : returnObservers()) observer();
-    std::erase_if(state.keyIns, [&](const KeyIn& k) { return k.task.empty() && state.carryOut && state.carryOut(k); });
+    for (void (*observer)() : sessionState<ReturnObservers>().all) observer();
+    std::erase_if(keyInQueue(), [&](const KeyIn& k) { return k.task.empty() && state.carryOut && state.carryOut(k); });
     if (designFileIsOpen() && mdlSystem_saveDesignFile() != MDL_SUCCESS) markFailed();
 }
 
@@ -57,26 +58,24 @@ Session::Session(SessionOptions options) : state_(std::make_unique<State>()) {
     if (activeSession != nullptr) throw std::logic_error("a session is running already in this process");
     static int32_t lastNumber = 0;
     state_->number = ++lastNumber;
+    sessionOwner().end();
     state_->frontEnd = options.frontEnd ? std::move(options.frontEnd) : makeDefaultFrontEnd();
-    for (const auto& [name, value] : options.variables)
-        state_->variables.define(name, value, Variables::levelCount - 1);
+    for (const auto& [name, value] : options.variables) variables().define(name, value, Variables::levelCount - 1);
     state_->carryOut = std::move(options.carryOut);
     activeSession = this;
     activeState = state_.get();
-    useVariables(&state_->variables);
     startClock();
-    resetParameters();
+    startParameters();
 }
 
 Session::~Session() {
     finish();
     auto& observers = sessionEndObservers();
-    for (size_t i = observers.size(); i-- > 0;) guarded<int>(0, [&] { return observers[i](), 0; });
-    resetParameters();
+    for (size_t i = observers.size(); i-- > 0;) guarded([&] { observers[i](); });
+    sessionOwner().end();
     currentApplication = nullptr;
     activeSession = nullptr;
     activeState = nullptr;
-    useVariables(nullptr);
 }
 
 void Session::finish() {
@@ -109,7 +108,7 @@ void observeSessionEnd(void (*observer)()) {
 }
 
 void observeReturn(void (*observer)()) {
-    returnObservers().push_back(observer);
+    sessionState<ReturnObservers>().all.push_back(observer);
 }
 
 ApplicationScope::ApplicationScope(MdlDesc* desc) : before_(currentApplication), entered_(desc) {
@@ -123,7 +122,7 @@ ApplicationScope::~ApplicationScope() {
     currentApplication = before_;
     if (activeState == nullptr) return;
     if (entered_ != nullptr && --entered_->depth == 0 && entered_->ending) finishApplication(*entered_);
-    if (activeState->depth == 1) guarded<int>(0, [] { return finishCommand(*activeState), 0; });
+    if (activeState->depth == 1) guarded([] { finishCommand(*activeState); });
     --activeState->depth;
 }
 

@@ -92,17 +92,14 @@ class HOST_EXPORT ApplicationScope {
 // Full path of the module that the application was loaded from; empty for one that lies in this process, and for null.
 HOST_EXPORT std::string modulePath(MdlDesc* desc);
 
-// Has `observer` called, as the current application, for each application that ends, while its code is still loaded: a
-// room then lets go of what it keeps for it. Observers stay for the life of the process and are told once each.
-HOST_EXPORT void observeApplicationEnd(void (*observer)(MdlDesc* desc));
-
-// The same for the end of a session, when all applications have ended: the design file is closed then. The session
-// still stands and can show messages; the observer told last is called first.
+// Has `observer` called at the end of each session, before what it owns goes. Observers stay for the life of the
+// process; the one told last is called first.
 HOST_EXPORT void observeSessionEnd(void (*observer)());
 
 // Something that the session was to keep isn't kept, or not where it should be: its exit status is a failure.
 void markFailed();
-// The same for each time that control is back in the host, before the finished command is stored.
+// Has `observer` called each time that control is back in the host, before the finished command is stored, for as long
+// as the session lasts.
 HOST_EXPORT void observeReturn(void (*observer)());
 
 // Calls the new-design-file functions of all applications: state 0 before the open file is closed, 1 when the new one

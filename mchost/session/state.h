@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "mchost/base/variables.h"
+#include "mchost/base/state_owner.h"
 #include "mchost/session/keyin.h"
 #include "mchost/session/session.h"
 
@@ -24,6 +24,7 @@ struct MdlDesc {
     bool unload = true;
     void* newDesignFile = nullptr;
     void* atEnd = nullptr;
+    host::StateOwner states;
 };
 
 namespace host {
@@ -38,11 +39,9 @@ struct Timer {
 struct Session::State {
     int32_t number = 0;
     std::unique_ptr<FrontEnd> frontEnd;
-    Variables variables;
     std::vector<std::unique_ptr<MdlDesc>> applications;  // by process number, from 1
     std::vector<Timer> timers;
     int32_t lastTimerId = 0;
-    std::vector<KeyIn> keyIns;
     std::function<bool(const KeyIn&)> carryOut;
     int depth = 0;  // calls into applications that haven't come back
     int exitStatus = 0;
@@ -55,6 +54,6 @@ extern Session::State* activeState;
 extern MdlDesc* currentApplication;
 
 void startClock();
-void resetParameters() noexcept;
+void startParameters();
 
 }  // namespace host

@@ -5,6 +5,7 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/mdl/system.h"
+#include "mchost/session/owned_state.h"
 #include "mchost/session/state.h"
 
 namespace host {
@@ -20,10 +21,8 @@ struct Clock {
     int32_t ticks = 0;     // while it stands still
 };
 
-// Begins with the process, and anew with each session.
-Clock clock;
-
 int32_t now() {
+    const Clock& clock = sessionState<Clock>();
     if (clock.stopped) return clock.ticks;
     return static_cast<int32_t>(std::chrono::duration_cast<Ticks>(SteadyClock::now() - clock.start).count());
 }
@@ -43,16 +42,17 @@ void run(Session::State& state, std::vector<Timer>::iterator place) {
     const Timer timer = *place;
     state.timers.erase(place);
     ApplicationScope scope(timer.application);
-    guarded<int>(0, [&] { return timer.function(timer.id), 0; });
+    guarded([&] { timer.function(timer.id); });
 }
 
 }  // namespace
 
 void startClock() {
-    clock = Clock{};
+    sessionState<Clock>();
 }
 
 void Session::advanceTicks(int32_t ticks) {
+    Clock& clock = sessionState<Clock>();
     const int32_t target = later(now(), std::max(ticks, 0));
     clock.ticks = now();
     clock.stopped = true;

@@ -15,7 +15,7 @@
 #include "mchost/base/words.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/win32.h"
-#include "mchost/session/state.h"
+#include "mchost/session/owned_state.h"
 
 namespace host {
 
@@ -106,11 +106,16 @@ SettingsText settingsInFile(const fs::path& path, std::string_view key) {
 }
 
 // Keys that are open; a handle is the address of one.
-std::vector<std::unique_ptr<Settings>> openKeys;
+struct OpenKeys {
+    std::vector<std::unique_ptr<Settings>> all;
+};
+std::vector<std::unique_ptr<Settings>>& openKeys() {
+    return sessionState<OpenKeys>().all;
+}
 
 Settings* openKey(const void* handle) {
-    const auto key = std::ranges::find(openKeys, handle, [](const auto& k) { return k.get(); });
-    return key == openKeys.end() ? nullptr : key->get();
+    const auto key = std::ranges::find(openKeys(), handle, [](const auto& k) { return k.get(); });
+    return key == openKeys().end() ? nullptr : key->get();
 }
 
 }  // namespace
@@ -141,8 +146,8 @@ int32_t RegOpenKeyExA(void* root, const char* key, uint32_t, uint32_t, void** ha
         SettingsText found =
             settingsInFile(root == WIN32_CURRENT_USER ? userFile() : machineFile(), key == nullptr ? "" : key);
         if (!found.hasKey) return WIN32_FILE_NOT_FOUND;
-        openKeys.push_back(std::make_unique<Settings>(std::move(found.settings)));
-        *handleP = openKeys.back().get();
+        openKeys().push_back(std::make_unique<Settings>(std::move(found.settings)));
+        *handleP = openKeys().back().get();
         return WIN32_SUCCESS;
     });
 }
@@ -164,6 +169,6 @@ int32_t RegQueryValueExA(void* handle, const char* name, uint32_t*, uint32_t* ty
 }
 
 int32_t RegCloseKey(void* handle) {
-    return std::erase_if(openKeys, [&](const auto& key) { return key.get() == handle; }) > 0 ? WIN32_SUCCESS
+    return std::erase_if(openKeys(), [&](const auto& key) { return key.get() == handle; }) > 0 ? WIN32_SUCCESS
                                                                                              : WIN32_INVALID_HANDLE;
 }

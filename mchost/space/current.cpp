@@ -6,7 +6,7 @@
 #include "mchost/base/guard.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
-#include "mchost/session/session.h"
+#include "mchost/session/owned_state.h"
 #include "mchost/space/view.h"
 
 namespace host {
@@ -17,21 +17,25 @@ struct System {
     MdlDesc* owner = nullptr;  // the application that opened it
 };
 
-// The open systems, innermost last; lives for the process. Brackets nest within one command, so the stack is empty
-// between commands; what an application leaves open ends with it.
+// The open systems, innermost last. Brackets nest within one command, so the stack is empty between commands; what an
+// application leaves open ends with it.
 struct CurrentTransform {
     std::vector<System> open;
 };
-CurrentTransform state;
+
+std::vector<System>& openSystems() {
+    return sessionState<CurrentTransform>().open;
+}
 
 constexpr System world;
 
 void closeThoseOf(MdlDesc* application) {
-    std::erase_if(state.open, [&](const System& system) { return system.owner == application; });
+    std::erase_if(openSystems(), [&](const System& system) { return system.owner == application; });
 }
 
 const System& innermost() {
-    return state.open.empty() ? world : state.open.back();
+    const std::vector<System>& open = openSystems();
+    return open.empty() ? world : open.back();
 }
 
 bool isFinite(const Transform& t) {
@@ -43,9 +47,10 @@ bool isFinite(const Transform& t) {
 
 int setInnermost(const Transform& toWorld) {
     Transform inverse;
-    if (state.open.empty() || !isFinite(toWorld) || !invert(toWorld, inverse)) return MDL_ERROR;
-    state.open.back().toWorld = toWorld;
-    state.open.back().fromWorld = inverse;
+    std::vector<System>& open = openSystems();
+    if (open.empty() || !isFinite(toWorld) || !invert(toWorld, inverse)) return MDL_ERROR;
+    open.back().toWorld = toWorld;
+    open.back().fromWorld = inverse;
     return MDL_SUCCESS;
 }
 
@@ -115,19 +120,17 @@ using namespace host;
 
 int mdlCurrTrans_begin(void) {
     return guarded<int>(MDL_ERROR, [] {
-        static const bool observing =
-            (observeApplicationEnd(closeThoseOf), observeSessionEnd([] { closeThoseOf(nullptr); }), true);
-        static_cast<void>(observing);
         System inside = innermost();
         inside.owner = mdlSystem_getCurrMdlDesc();
-        state.open.push_back(inside);
+        openSystems().push_back(inside);
+        letGoAtEnd<closeThoseOf>(inside.owner);
         return MDL_SUCCESS;
     });
 }
 
 int mdlCurrTrans_end(void) {
-    if (state.open.empty()) return MDL_ERROR;
-    state.open.pop_back();
+    if (openSystems().empty()) return MDL_ERROR;
+    openSystems().pop_back();
     return MDL_SUCCESS;
 }
 

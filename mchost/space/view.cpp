@@ -2,29 +2,30 @@
 
 #include <array>
 
-#include "mchost/session/session.h"
+#include "mchost/session/owned_state.h"
 #include "mchost/space/vector.h"
 
 namespace host {
 namespace {
 
-constexpr auto fromAbove = [] {
-    std::array<RotMatrix, viewCount> views{};
-    views.fill(identityMatrix);
-    return views;
-}();
-std::array<RotMatrix, viewCount> views = fromAbove;  // lives for a session
+struct Views {
+    std::array<RotMatrix, viewCount> rotations;
+
+    Views() { rotations.fill(identityMatrix); }  // all from above
+};
+
+RotMatrix& rotationOf(int32_t view) {
+    return sessionState<Views>().rotations[static_cast<size_t>(view)];
+}
 
 }  // namespace
 
 const RotMatrix& viewRotation(int32_t view) {
-    return isView(view) ? views[static_cast<size_t>(view)] : identityMatrix;
+    return isView(view) ? rotationOf(view) : identityMatrix;
 }
 
 void setViewRotation(int32_t view, const RotMatrix& rotation) {
-    static const bool watching = (observeSessionEnd([] { views = fromAbove; }), true);
-    static_cast<void>(watching);
-    if (isView(view)) views[static_cast<size_t>(view)] = rotation;
+    if (isView(view)) rotationOf(view) = rotation;
 }
 
 }  // namespace host

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "mchost/mdl/system.h"
+#include "mchost/session/owned_state.h"
 #include "tests/support/session_fixture.h"
 
 namespace {
@@ -77,13 +78,48 @@ TEST_F(Applications, AnEndedOneIsGoneForGood) {
 
 std::vector<std::string> endings;
 
+void noteEnding(MdlDesc* desc) {
+    endings.push_back(mdlSystem_getCurrMdlDesc() == desc ? "own turn" : "another's turn");
+}
+
+struct First {
+    ~First() { endings.push_back("first"); }
+};
+struct Second {
+    int32_t count = 0;
+    ~Second() {
+        host::sessionState<First>();
+        endings.push_back("second, at " + std::to_string(count));
+    }
+};
+
+TEST_F(Applications, StateGoesWithItsOwnerTheLastMadeFirst) {
+    endings.clear();
+    MdlDesc* desc = application("owner");
+    host::sessionState<First>();
+    host::sessionState<Second>().count = 5;
+    host::applicationState<Second>(desc).count = 1;
+    ++host::applicationState<Second>(desc).count;
+    session().endApplication(desc);
+    EXPECT_EQ(endings, (std::vector<std::string>{"second, at 2"}));
+    EXPECT_EQ(++host::applicationState<Second>(desc).count, 6);  // an ended one has none of its own any more
+    endSession();
+    EXPECT_EQ(endings, (std::vector<std::string>{"second, at 2", "second, at 6", "first"}));
+    EXPECT_EQ(host::sessionState<Second>().count, 0);
+    host::Session next;
+    EXPECT_EQ(endings.size(), 5u);
+    EXPECT_EQ(host::sessionState<Second>().count, 0);
+}
+
 TEST_F(Applications, EndOnlyWhenNoCallIsInsideOfThemAnyMore) {
     endings.clear();
-    host::observeApplicationEnd(
-        [](MdlDesc* desc) { endings.push_back(mdlSystem_getCurrMdlDesc() == desc ? "own turn" : "another's turn"); });
     MdlDesc* outer = application("outer");
     asApplication("outer", [&] {
-        asApplication("inner", [] { mdlSystem_exit(7, 1); });
+        host::letGoAtEnd<noteEnding>(outer);
+        asApplication("inner", [&] {
+            host::letGoAtEnd<noteEnding>(application("inner"));
+            mdlSystem_exit(7, 1);
+        });
         EXPECT_EQ(mdlSystem_findMdlDesc("inner"), nullptr);
         EXPECT_EQ(endings.size(), 1u);
         mdlSystem_exit(8, 0);
