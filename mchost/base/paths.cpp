@@ -66,6 +66,10 @@ std::string utf8FromHost(std::string_view text) {
     return isUtf8BeyondAscii(text) ? std::string(text) : utf8FromNarrow(text);
 }
 
+std::string fullPath(std::string_view name) {
+    return std::filesystem::absolute(systemPath(name)).lexically_normal().string();
+}
+
 std::string systemPath(std::string_view name) {
     const std::string path = withSlashes(utf8FromHost(name));
     if (path.starts_with(":/")) return path.substr(1);

@@ -13,6 +13,8 @@ namespace host {
 // a colon in front of a path is dropped. A name with UTF-8 sequences in it is taken as UTF-8, every other one as
 // Windows-1252. The folder that stands for a drive by default is made when it isn't there, with a folder "temp" in it.
 HOST_EXPORT std::string systemPath(std::string_view name);
+// The same as a full path, without "." and "..".
+std::string fullPath(std::string_view name);
 
 // A text of the host as UTF-8, by the same rule.
 HOST_EXPORT std::string utf8FromHost(std::string_view text);

@@ -5,8 +5,7 @@
 #include "mchost/base/guard.h"
 #include "mchost/element/geometry.h"
 #include "mchost/mdl/fence.h"
-#include "mchost/mdl/model.h"
-#include "mchost/model/model.h"
+#include "mchost/model/model_ref.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/space/view.h"
 
@@ -25,9 +24,8 @@ FenceState& state() {
 }  // namespace
 
 const Fence* activeFence() {
-    const ModelRef* model = mdlModelRef_getActive();
     std::optional<Fence>& fence = state().fence;
-    if (fence && (!model || model->serial != fence->model)) fence.reset();
+    if (fence && fence->model != activeModelSerial()) fence.reset();
     return fence ? &*fence : nullptr;
 }
 
@@ -43,9 +41,9 @@ int mdlFence_setView(int32_t view) {
 
 int mdlFence_fromShape(const MSElementBuffer* shape) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        const ModelRef* model = mdlModelRef_getActive();
-        if (model == nullptr || mdlElement_getType(shape) != MDL_SHAPE) return MDL_ERROR;
-        Fence fence{.corners = {}, .view = state().view, .model = model->serial};
+        const uint64_t model = activeModelSerial();
+        if (model == 0 || mdlElement_getType(shape) != MDL_SHAPE) return MDL_ERROR;
+        Fence fence{.corners = {}, .view = state().view, .model = model};
         if (!strokeElement(fence.corners, shape, 1, identityTransform)) return MDL_ERROR;
         state().fence = std::move(fence);
         return MDL_SUCCESS;

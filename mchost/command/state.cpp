@@ -4,9 +4,8 @@
 #include "mchost/base/guard.h"
 #include "mchost/command/command.h"
 #include "mchost/element/range.h"
-#include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
-#include "mchost/model/model.h"
+#include "mchost/model/model_ref.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/session/session.h"
 #include "mchost/space/vector.h"
@@ -53,11 +52,6 @@ void startDefault() {
     if (prompted) showPrompt("");
 }
 
-uint64_t activeModel() {
-    const ModelRef* model = mdlModelRef_getActive();
-    return model == nullptr ? 0 : model->serial;
-}
-
 void endCommandOf(MdlDesc* application) {
     if (state().running.owner == application) startDefault();
 }
@@ -82,7 +76,7 @@ bool canDisplay(const MSElementBuffer* element, int32_t drawMode) {
 }  // namespace
 
 bool commandRuns() {
-    if (state().running.serial != 0 && state().running.model != activeModel()) startDefault();
+    if (state().running.serial != 0 && state().running.model != activeModelSerial()) startDefault();
     return state().running.serial != 0;
 }
 
@@ -140,7 +134,7 @@ int mdlState_startPrimitive(MdlDataPointFunction dataPoint, MdlResetFunction res
         startDefault();
         state().running = {.serial = ++state().lastSerial,
                          .owner = owner,
-                         .model = activeModel(),
+                         .model = activeModelSerial(),
                          .dataPoint = dataPoint,
                          .restart = restart};
         letGoAtEnd<endCommandOf>(owner);

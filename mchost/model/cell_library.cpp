@@ -8,6 +8,7 @@
 #include "mchost/element/descriptor.h"
 #include "mchost/element/range.h"
 #include "mchost/model/container.h"
+#include "mchost/model/model_ref.h"
 #include "mchost/space/vector.h"
 
 namespace host {
@@ -44,7 +45,7 @@ std::wstring descriptionOf(const MSElementBuffer* header) {
 // Levels of a library in the model that its cells go to, which gets those that it hasn't.
 class LevelMap {
   public:
-    LevelMap(const ModelRef& from, ModelRef& to) : from_(from), to_(to) {}
+    LevelMap(const Model& from, Model& to) : from_(from), to_(to) {}
 
     LevelId operator()(LevelId id) {
         const auto [place, isNew] = known_.try_emplace(id, id);
@@ -55,7 +56,7 @@ class LevelMap {
   private:
     LevelId lookUp(LevelId id) {
         const Level* source = findLevel(from_, id);
-        if (source == nullptr) return id;
+        if (!source) return id;
         if (const Level* found = findLevel(to_, source->name)) return found->id;
         Level& made = addLevel(to_, source->name);
         made.byLevel = source->byLevel;
@@ -64,8 +65,8 @@ class LevelMap {
         return made.id;
     }
 
-    const ModelRef& from_;
-    ModelRef& to_;
+    const Model& from_;
+    Model& to_;
     std::map<LevelId, LevelId> known_;
 };
 
@@ -73,7 +74,7 @@ class LevelMap {
 // model keeps its units and kind; its levels are then those of the session.
 class Fitting {
   public:
-    Fitting(const ModelRef& from, ModelRef* to, ModelRef& levels)
+    Fitting(const Model& from, const Model* to, Model& levels)
         : levels_(from, levels), to_(to), factor_(to ? to->uorPerMaster / from.uorPerMaster : 1) {}
 
     bool fit(ElementDescr* ed) {
@@ -99,14 +100,9 @@ class Fitting {
     }
 
     LevelMap levels_;
-    const ModelRef* to_;
+    const Model* to_;
     double factor_;
 };
-
-void flatten(const ElementDescr* node, uint32_t depth, std::vector<StoredNode>& unit) {
-    unit.push_back({depth, node->element});
-    for (const ElementDescr* child = node->firstChild; child; child = child->next) flatten(child, depth + 1, unit);
-}
 
 [[noreturn]] void refuse(const char* what) {
     throw FileProblem(what);
@@ -116,7 +112,7 @@ void flatten(const ElementDescr* node, uint32_t depth, std::vector<StoredNode>& 
 
 // ---- reading ----
 
-CellLibrary::CellLibrary(const std::string& path) : path_(path), model_(std::make_unique<ModelRef>()) {
+CellLibrary::CellLibrary(const std::string& path) : path_(path), model_(std::make_unique<Model>()) {
     loadContainer(path, *model_, FileKind::cellLibrary);
     takeCells();
 }
@@ -127,7 +123,7 @@ void CellLibrary::takeCells() {
     const ElementStore& elements = model_->elements;
     for (FilePos position = 1; position < elements.nextPosition(); ++position) {
         const MSElementBuffer* header = elements.element(position);
-        if (header == nullptr) continue;
+        if (!header) continue;
         std::wstring name = isCellHeader(header) ? nameOf(header) : L"";
         if (name.empty() || !places_.try_emplace(inCapitals(name), cells_.size()).second) {
             refuse("a cell in it has no name of its own. Compile the library anew from its source.");
@@ -144,10 +140,10 @@ const CellLibrary::Cell* CellLibrary::find(std::wstring_view name) const {
 ElementDescr* CellLibrary::read(const Cell& cell, ModelRef* target) const {
     uint32_t count = 0;
     ElementDescr* ed = readUnit(*model_, cell.position, target, count);
-    if (ed == nullptr) return nullptr;
+    if (!ed) return nullptr;
     ed->filePos = 0;  // of the library's own numbering
-    ModelRef* const levels = levelModel(target);
-    if (levels && !Fitting(*model_, target, *levels).fit(ed)) {
+    Model* const levels = levelModel(target);
+    if (levels && !Fitting(*model_, target ? levels : nullptr, *levels).fit(ed)) {
         mdlElmdscr_freeAll(&ed);
         return nullptr;
     }
@@ -157,7 +153,7 @@ ElementDescr* CellLibrary::read(const Cell& cell, ModelRef* target) const {
 
 // ---- writing ----
 
-CellLibraryDraft::CellLibraryDraft(double uorPerMaster) : model_(std::make_unique<ModelRef>()) {
+CellLibraryDraft::CellLibraryDraft(double uorPerMaster) : model_(std::make_unique<Model>()) {
     model_->uorPerMaster = uorPerMaster;
     addFirstLevel(*model_);
 }
@@ -187,8 +183,7 @@ bool CellLibraryDraft::has(std::wstring_view name) const {
 bool CellLibraryDraft::add(const ElementDescr* cell) {
     std::wstring name = cell && isCellHeader(cell->element) ? inCapitals(nameOf(cell->element)) : L"";
     if (name.empty() || names_.contains(name)) return false;
-    std::vector<StoredNode> unit;
-    flatten(cell, 0, unit);
+    const Unit unit = unitOf(cell);
     const auto isSound = [](const StoredNode& n) {
         return n.depth <= ElementStore::maxDepth && elementIsSound(n.element, MDL_ELEMENT_BYTES);
     };

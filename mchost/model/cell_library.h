@@ -14,6 +14,8 @@
 
 namespace host {
 
+struct Model;
+
 // What a library file holds, in memory. The case of letters doesn't count in names of cells.
 class HOST_EXPORT CellLibrary {
   public:
@@ -39,7 +41,7 @@ class HOST_EXPORT CellLibrary {
     void takeCells();
 
     std::string path_;
-    std::unique_ptr<ModelRef> model_;
+    std::unique_ptr<Model> model_;
     std::vector<Cell> cells_;
     std::unordered_map<std::wstring, size_t> places_;  // in cells_, by name in capitals
 };
@@ -65,7 +67,7 @@ class HOST_EXPORT CellLibraryDraft {
     void write(const std::string& path);
 
   private:
-    std::unique_ptr<ModelRef> model_;
+    std::unique_ptr<Model> model_;
     std::unordered_set<std::wstring> names_;  // in capitals
 };
 

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstring>
 #include <cwchar>
-#include <filesystem>
 #include <memory>
 
 #include "mchost/base/existing_path.h"
@@ -13,9 +12,9 @@
 #include "mchost/mdl/system.h"
 #include "mchost/model/cell_library.h"
 #include "mchost/model/container.h"
-#include "mchost/model/model.h"
+#include "mchost/model/model_ref.h"
 #include "mchost/model/recent_libraries.h"
-#include "mchost/session/session.h"
+#include "mchost/session/owned_state.h"
 
 struct MdlCellLibrary {
     std::shared_ptr<const host::CellLibrary> library;  // null when none is attached
@@ -35,42 +34,28 @@ struct MdlModelIterator {
 namespace host {
 namespace {
 
-// Both live for the process and are emptied when a session ends.
-MdlCellLibrary attached;
-RecentLibraries recent;
+MdlCellLibrary& attached() {
+    return sessionState<MdlCellLibrary>();
+}
 
-void publishAttached() {
-    const std::string name = attached.library ? hostName(attached.library->path()) : std::string();
+void attach(std::shared_ptr<const CellLibrary> library) {
+    const std::string name = library ? hostName(library->path()) : std::string();
+    attached().library = std::move(library);
     std::memcpy(tcbP->cellLibraryName, name.c_str(), name.size() + 1);
-}
-
-void detach() {
-    attached = {};
-    publishAttached();
-}
-
-void endSession() {
-    detach();
-    recent.clear();
-}
-
-void watchSession() {
-    static const bool watching = (observeSessionEnd(endSession), true);
-    (void)watching;
 }
 
 std::shared_ptr<const CellLibrary> load(const char* name) {
     if (*name == '\0') throw FileProblem("no name was given. Give the name of a cell library (.cel).");
-    const std::string named = std::filesystem::absolute(systemPath(name)).lexically_normal().string();
+    const std::string named = fullPath(name);
     const std::string path = existingPath(named).value_or(named);
     if (hostName(path).size() >= sizeof tcbP->cellLibraryName) {
         throw FileProblem("its full name is longer than 255 characters. Move it to a folder with a shorter name.");
     }
-    return recent.load(path);
+    return sessionState<RecentLibraries>().load(path);
 }
 
 int copyText(wchar_t* to, int32_t size, const std::wstring& text) {
-    if (to == nullptr || size < 1) return MDL_ERROR;
+    if (!to || size < 1) return MDL_ERROR;
     const size_t copied = std::min(text.size(), static_cast<size_t>(size) - 1);
     std::wmemcpy(to, text.data(), copied);
     to[copied] = L'\0';
@@ -83,50 +68,43 @@ int copyText(wchar_t* to, int32_t size, const std::wstring& text) {
 using namespace host;
 
 int mdlCell_attachLibraryEx(char* fullName, const char* name, int32_t, int32_t, int32_t) {
-    return guarded(int{MDL_ERROR}, [&]() -> int {
-        const char* given = name ? name : "";
-        try {
-            attached.library = load(given);
-        } catch (const FileProblem& problem) {
-            return fileProblem(std::string("Can't attach the cell library \"") + given + "\": " + problem.what());
-        }
-        watchSession();
-        publishAttached();
+    const char* given = name ? name : "";
+    return withFile("attach the cell library", given, [&] {
+        attach(load(given));
         if (fullName) std::strcpy(fullName, tcbP->cellLibraryName);
-        return MDL_SUCCESS;
     });
 }
 
 int mdlCell_detachLibrary(void) {
-    if (!attached.library) return MDL_ERROR;
-    detach();
+    if (!attached().library) return MDL_ERROR;
+    attach(nullptr);
     return MDL_SUCCESS;
 }
 
 int mdlCell_getElmDscr(ElementDescr** edPP, const void*, const void*, const void*, const void*, const void*,
                        const void*, const void*, const void*, int32_t, const wchar_t* name, const void*) {
-    if (edPP == nullptr) return MDL_ERROR;
+    if (!edPP) return MDL_ERROR;
     *edPP = nullptr;
     return guarded(int{MDL_ERROR}, [&]() -> int {
-        if (!attached.library || name == nullptr) return MDL_ERROR;
-        const CellLibrary::Cell* cell = attached.library->find(name);
-        if (cell == nullptr) return MDL_ERROR;
-        *edPP = attached.library->read(*cell, openModel(nullptr));
+        if (!attached().library || !name) return MDL_ERROR;
+        const CellLibrary::Cell* cell = attached().library->find(name);
+        if (!cell) return MDL_ERROR;
+        *edPP = attached().library->read(*cell, openPlace(nullptr));
         return *edPP ? int{MDL_SUCCESS} : int{MDL_ERROR};
     });
 }
 
 int mdlCell_getLibraryObject(MdlCellLibrary** libraryPP, const char* fileName) {
-    if (libraryPP == nullptr) return MDL_ERROR;
+    if (!libraryPP) return MDL_ERROR;
     *libraryPP = nullptr;
-    const bool isAttached = attached.library && fileName && std::strcmp(fileName, tcbP->cellLibraryName) == 0;
+    const bool isAttached = attached().library && fileName && std::strcmp(fileName, tcbP->cellLibraryName) == 0;
     if (!isAttached) return MDL_ERROR;
-    *libraryPP = &attached;
+    *libraryPP = &attached();
     return MDL_SUCCESS;
 }
 
 MdlModelIterator* mdlModelIterator_create(MdlCellLibrary* library) {
-    if (library == nullptr) return nullptr;
+    if (!library) return nullptr;
     return guarded<MdlModelIterator*>(nullptr, [&] { return new MdlModelIterator{library->library}; });
 }
 
@@ -135,7 +113,7 @@ int mdlModelIterator_setAcceptCellsOnly(MdlModelIterator* iterator, int32_t) {
 }
 
 MdlModelItem* mdlModelIterator_getNext(MdlModelIterator* iterator) {
-    if (iterator == nullptr || !iterator->library) return nullptr;
+    if (!iterator || !iterator->library) return nullptr;
     const auto& cells = iterator->library->cells();
     if (iterator->next >= cells.size()) return nullptr;
     return guarded<MdlModelItem*>(nullptr, [&] {

@@ -87,7 +87,7 @@ std::string_view patternBytes(const LineStyle& style) {
 
 // Calls row(values...) with the columns of each table's rows behind their first one, the model's number.
 template <class Row>
-void forEachLevelRow(const ModelRef& model, Row row) {
+void forEachLevelRow(const Model& model, Row row) {
     for (const Level& l : model.levels) {
         if (!l.stored) continue;
         const auto& [color, style, weight, fillColor, params] = l.byLevel;
@@ -97,7 +97,7 @@ void forEachLevelRow(const ModelRef& model, Row row) {
 }
 
 template <class Row>
-void forEachTextStyleRow(const ModelRef& model, Row row) {
+void forEachTextStyleRow(const Model& model, Row row) {
     for (const auto& [name, style] : model.textStyles) {
         const auto& [p, s] = style;
         row(toUtf8(name), p.font, p.just, p.textStyle, p.styleFields, p.flags, p.slant, p.lineSpacing, s.mode, s.width,
@@ -105,7 +105,7 @@ void forEachTextStyleRow(const ModelRef& model, Row row) {
     }
 }
 
-int64_t modelDigest(const ModelRef& model, int64_t nextPosition, int64_t chunkCount) {
+int64_t modelDigest(const Model& model, int64_t nextPosition, int64_t chunkCount) {
     Description all;
     const auto row = [&](const auto&... values) { all.row(values...); };
     all.row(model.is3d, model.uorPerMaster, nextPosition, model.nextLevel, chunkCount);
@@ -115,7 +115,7 @@ int64_t modelDigest(const ModelRef& model, int64_t nextPosition, int64_t chunkCo
     return all.digest();
 }
 
-void storeTables(Database& database, const ModelRef& model) {
+void storeTables(Database& database, const Model& model) {
     database.run("DELETE FROM level; DELETE FROM line_style; DELETE FROM text_style");
     Statement level(database, "INSERT INTO level VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
     forEachLevelRow(model, [&](const auto&... values) { level.execute(onlyModel, values...); });
@@ -127,13 +127,13 @@ void storeTables(Database& database, const ModelRef& model) {
     forEachTextStyleRow(model, [&](const auto&... values) { textStyle.execute(onlyModel, values...); });
 }
 
-void storeModelRow(Database& database, const ModelRef& model, int64_t chunkCount) {
+void storeModelRow(Database& database, const Model& model, int64_t chunkCount) {
     Statement row(database, "INSERT OR REPLACE INTO model VALUES(?,?,?,?,?,?,?)");
     row.execute(onlyModel, int32_t{model.is3d}, model.uorPerMaster, model.elements.nextPosition(), model.nextLevel,
                 chunkCount, modelDigest(model, model.elements.nextPosition(), chunkCount));
 }
 
-void loadLevels(Database& database, ModelRef& model) {
+void loadLevels(Database& database, Model& model) {
     Statement s(database, "SELECT * FROM level WHERE model=1 ORDER BY id");
     while (s.step()) {
         const auto word = [&](int column) { return static_cast<uint32_t>(s.integer(column)); };
@@ -148,7 +148,7 @@ void loadLevels(Database& database, ModelRef& model) {
     }
 }
 
-void loadLineStyles(Database& database, ModelRef& model) {
+void loadLineStyles(Database& database, Model& model) {
     Statement s(database, "SELECT * FROM line_style WHERE model=1 ORDER BY number DESC");
     while (s.step()) {
         const auto pattern = s.blob(3);
@@ -159,7 +159,7 @@ void loadLineStyles(Database& database, ModelRef& model) {
     }
 }
 
-void loadTextStyles(Database& database, ModelRef& model) {
+void loadTextStyles(Database& database, Model& model) {
     Statement s(database, "SELECT * FROM text_style WHERE model=1");
     while (s.step()) {
         const auto number = [&](int column) { return static_cast<int32_t>(s.integer(column)); };
@@ -238,7 +238,7 @@ void checkFreePages(Database& database, const FileHead& head) {
     if (!s.step() || s.text(0) != "ok") throw FileProblem(damaged);
 }
 
-void loadChunks(Database& database, ModelRef& model, int64_t count) {
+void loadChunks(Database& database, Model& model, int64_t count) {
     Statement s(database, "SELECT rowid,number,digest FROM chunk WHERE model=1 ORDER BY number");
     BlobReader blob(database, "chunk", "bytes");
     for (int64_t number = 0; number < count; ++number) {
@@ -258,7 +258,7 @@ void loadChunks(Database& database, ModelRef& model, int64_t count) {
     if (s.step()) throw FileProblem(damaged);
 }
 
-void loadModel(Database& database, ModelRef& model) {
+void loadModel(Database& database, Model& model) {
     Statement s(database, "SELECT * FROM model");
     if (!s.step() || s.integer(0) != onlyModel) throw FileProblem(damaged);
     model.is3d = s.integer(1) != 0;
@@ -292,7 +292,7 @@ std::string sqliteReason(const SqliteFailure& failure) {
     }
 }
 
-void storeChunks(Database& database, ModelRef& model) {
+void storeChunks(Database& database, Model& model) {
     Statement row(database, "INSERT OR REPLACE INTO chunk VALUES(?,?,?,?)");
     int64_t number = 0;
     for (const ElementStore::Chunk& chunk : model.elements.chunks()) {
@@ -305,7 +305,7 @@ void storeChunks(Database& database, ModelRef& model) {
 
 // Writes all of a model to a new file. Nobody knows the file before it has its name, so it needs no journal, and one
 // wait for the disk behind it all is enough.
-void writeWhole(const std::string& path, ModelRef& model, FileKind kind) {
+void writeWhole(const std::string& path, Model& model, FileKind kind) {
     Database database;
     database.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
     database.run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF");
@@ -322,7 +322,7 @@ void writeWhole(const std::string& path, ModelRef& model, FileKind kind) {
 }
 
 // Writes a file under a name of its own, and then gives it the path.
-void writeAndPublish(const std::string& path, ModelRef& model, FileKind kind, void (NewFile::*publish)()) {
+void writeAndPublish(const std::string& path, Model& model, FileKind kind, void (NewFile::*publish)()) {
     try {
         NewFile file(path);
         writeWhole(file.name(), model, kind);
@@ -349,17 +349,17 @@ void createContainer(const std::string& path, bool is3d, FileKind kind) {
     struct stat there;
     if (lstat(path.c_str(), &there) == 0) throw FileProblem("a file of that name is there. Give another name.");
     removeCompanions(path);  // the log of a file that was removed would be taken for the new file's own
-    ModelRef model = {};
+    Model model = {};
     model.is3d = is3d;
     addFirstLevel(model);
     writeAndPublish(path, model, kind, &NewFile::publish);
 }
 
-void replaceContainer(const std::string& path, ModelRef& model, FileKind kind) {
+void replaceContainer(const std::string& path, Model& model, FileKind kind) {
     writeAndPublish(path, model, kind, &NewFile::replace);
 }
 
-void loadContainer(const std::string& path, ModelRef& model, FileKind kind) {
+void loadContainer(const std::string& path, Model& model, FileKind kind) {
     const FileHead head = readHead(path, kind);
     try {
         Database database;
@@ -391,7 +391,7 @@ bool isWholeAlone(const std::string& path) {
 
 }  // namespace
 
-bool hasChanges(ModelRef& model) {
+bool hasChanges(Model& model) {
     return model.tablesChanged ||
            std::ranges::any_of(model.elements.chunks(), [](const ElementStore::Chunk& c) { return c.changed; });
 }
@@ -402,7 +402,7 @@ void ContainerWriter::open() {
     database_.run("PRAGMA busy_timeout=2000; PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL");
 }
 
-void ContainerWriter::save(ModelRef& model) {
+void ContainerWriter::save(Model& model) {
     if (!hasChanges(model)) return;
     try {
         open();

@@ -9,18 +9,13 @@
 
 #include <cstdint>
 #include <optional>
-#include <stdexcept>
 #include <string>
 
 #include "mchost/base/sqlite.h"
+#include "mchost/model/file_problem.h"
 #include "mchost/model/model.h"
 
 namespace host {
-
-// Why a file can't be used: words that go behind the file's name and a colon, what to do included.
-struct FileProblem : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
 
 enum class FileKind { designFile, cellLibrary };
 
@@ -33,10 +28,10 @@ void createContainer(const std::string& path, bool is3d, FileKind kind = FileKin
 
 // Writes all of a model as a file, in place of any of that name that is at rest: whole, or FileProblem, and that file
 // is as it was.
-void replaceContainer(const std::string& path, ModelRef& model, FileKind kind);
+void replaceContainer(const std::string& path, Model& model, FileKind kind);
 
 // Reads and checks all of a file. FileProblem when it can't be used.
-void loadContainer(const std::string& path, ModelRef& model, FileKind kind = FileKind::designFile);
+void loadContainer(const std::string& path, Model& model, FileKind kind = FileKind::designFile);
 
 // Stores the changes of a model that was loaded from the file.
 class ContainerWriter {
@@ -45,7 +40,7 @@ class ContainerWriter {
     ~ContainerWriter();
 
     // All changes, or none: FileProblem when they can't be stored, and they are still known as changes then.
-    void save(ModelRef& model);
+    void save(Model& model);
     // Brings all into the one file and ends the database. FileProblem when the file isn't whole without its log then;
     // what was saved is safe in the two of them.
     void close();
@@ -61,6 +56,6 @@ class ContainerWriter {
     Database database_;
 };
 
-bool hasChanges(ModelRef& model);
+bool hasChanges(Model& model);
 
 }  // namespace host

@@ -23,11 +23,6 @@ bool fileAndFolderCanBeWritten(const std::string& path) {
     return canWrite(path) && canWrite(path.substr(0, path.find_last_of('/') + 1));
 }
 
-uint64_t nextSerial() {
-    static uint64_t last = 0;
-    return ++last;
-}
-
 }  // namespace
 
 WriterLock::~WriterLock() {
@@ -45,8 +40,9 @@ void WriterLock::take(const std::string& path) {
 }
 
 DesignFile::DesignFile(const std::string& path, Use use, FileKind kind)
-    : model{.file = this, .serial = nextSerial()},
+    : place{this},
       path_(path),
+      name_(hostName(path)),
       use_(use),
       readOnly_(use == Use::read || !fileAndFolderCanBeWritten(path)),
       writer_(path) {
@@ -59,10 +55,6 @@ DesignFile::DesignFile(const std::string& path, Use use, FileKind kind)
         device_ = info.st_dev;
         inode_ = info.st_ino;
     }
-}
-
-std::string DesignFile::name() const {
-    return hostName(path_);
 }
 
 bool DesignFile::is(const std::string& path) const {

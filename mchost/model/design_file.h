@@ -6,7 +6,7 @@
 #include <string>
 
 #include "mchost/model/container.h"
-#include "mchost/model/model.h"
+#include "mchost/model/model_ref.h"
 
 namespace host {
 
@@ -38,7 +38,7 @@ class DesignFile {
     DesignFile& operator=(const DesignFile&) = delete;
 
     const std::string& path() const { return path_; }
-    std::string name() const;  // as users write it
+    const std::string& name() const { return name_; }  // as users write it
     bool isReadOnly() const { return readOnly_; }
     bool takesChanges() const { return use_ == Use::write && !readOnly_; }
     bool is(const std::string& path) const;  // whether that path leads to this file
@@ -48,10 +48,11 @@ class DesignFile {
     // can't be; the file is still open then, and can be stored and closed again.
     void close();
 
-    ModelRef model;
+    Model model;
+    ModelRef place;  // the model shown by itself
 
   private:
-    std::string path_;
+    std::string path_, name_;
     Use use_;
     dev_t device_ = 0;
     ino_t inode_ = 0;

@@ -6,30 +6,23 @@
 #include "mchost/base/guard.h"
 #include "mchost/element/range.h"
 #include "mchost/mdl/modify.h"
-#include "mchost/model/model.h"
+#include "mchost/model/file_problem.h"
+#include "mchost/model/model_ref.h"
 
 namespace host {
 namespace {
 
-using Unit = std::vector<StoredNode>;
-
 void flatten(const ElementDescr* node, uint32_t depth, Unit& unit) {
     unit.push_back({depth, node->element});
-    for (const ElementDescr* child = node->firstChild; child != nullptr; child = child->next) {
+    for (const ElementDescr* child = node->firstChild; child; child = child->next) {
         flatten(child, depth + 1, unit);
     }
 }
 
-Unit unitOf(const ElementDescr* node) {
-    Unit unit;
-    flatten(node, 0, unit);
-    return unit;
-}
-
 // Whether the model can take the unit; a line in the message centre when it can't.
-bool canBeStored(const ModelRef& model, std::span<const StoredNode> unit) {
+bool canBeStored(const Model& model, std::span<const StoredNode> unit) {
     const bool sound = std::ranges::all_of(
-        unit, [](const StoredNode& n) { return n.element != nullptr && elementIsSound(n.element, MDL_ELEMENT_BYTES); });
+        unit, [](const StoredNode& n) { return n.element && elementIsSound(n.element, MDL_ELEMENT_BYTES); });
     if (!sound) {
         fileProblem("An element isn't stored: its size and the offset of its attributes don't fit. Build it anew.");
     } else if (ElementStore::unitBytes(unit) > ElementStore::maxUnitBytes) {
@@ -44,14 +37,14 @@ bool canBeStored(const ModelRef& model, std::span<const StoredNode> unit) {
     return false;
 }
 
-void noteStored(ModelRef& model, FilePos position, std::span<const StoredNode> unit) {
+void noteStored(Model& model, FilePos position, std::span<const StoredNode> unit) {
     if (model.unstoredLevels != 0) {
         for (const StoredNode& node : unit) storeLevel(model, node.element->head.level);
     }
     updateRange(model, position);
 }
 
-FilePos addUnit(ModelRef& model, std::span<const StoredNode> unit) {
+FilePos addUnit(Model& model, std::span<const StoredNode> unit) {
     const FilePos position = model.elements.add(unit);
     noteStored(model, position, unit);
     return position;
@@ -59,7 +52,7 @@ FilePos addUnit(ModelRef& model, std::span<const StoredNode> unit) {
 
 // Runs a change of the element at the position, so that it can be taken back.
 template <class Body>
-void change(ModelRef& model, FilePos position, bool isDeletion, Body body) {
+void change(Model& model, FilePos position, bool isDeletion, Body body) {
     model.changes.push_back({position, model.elements.record(position), isDeletion});
     try {
         body();
@@ -69,18 +62,18 @@ void change(ModelRef& model, FilePos position, bool isDeletion, Body body) {
     }
 }
 
-FilePos replaceUnit(ModelRef& model, FilePos position, std::span<const StoredNode> unit) {
+FilePos replaceUnit(Model& model, FilePos position, std::span<const StoredNode> unit) {
     change(model, position, false, [&] { model.elements.replace(position, unit); });
     noteStored(model, position, unit);
     return position;
 }
 
-void removeUnit(ModelRef& model, FilePos position) {
+void removeUnit(Model& model, FilePos position) {
     change(model, position, true, [&] { model.elements.remove(position); });
     updateRange(model, position);
 }
 
-Unit unitOf(const RecordHead* record) {
+Unit nodesIn(const RecordHead* record) {
     Unit unit;
     forEachNode(record, [&](const StoredNode& node) { unit.push_back(node); });
     return unit;
@@ -89,15 +82,15 @@ Unit unitOf(const RecordHead* record) {
 // Takes back the last change that `which` accepts; its position, or 0 when there is none.
 template <class Which>
 FilePos takeBack(Which which) {
-    ModelRef* model = openModel(nullptr);
-    if (model == nullptr) return 0;
+    Model* model = openModel(nullptr);
+    if (!model) return 0;
     const auto last = std::find_if(model->changes.rbegin(), model->changes.rend(), which);
     if (last == model->changes.rend()) return 0;
     const auto [position, before, isDeletion] = *last;
     if (isDeletion) {
         model->elements.restore(position);
     } else {
-        model->elements.replace(position, unitOf(before));
+        model->elements.replace(position, nodesIn(before));
     }
     model->changes.erase(std::next(last).base());
     updateRange(*model, position);
@@ -105,9 +98,9 @@ FilePos takeBack(Which which) {
 }
 
 // The units of a chain; empty when one of them can't be stored.
-std::vector<Unit> chainUnits(const ModelRef& model, const ElementDescr* first) {
+std::vector<Unit> chainUnits(const Model& model, const ElementDescr* first) {
     std::vector<Unit> units;
-    for (const ElementDescr* node = first; node != nullptr; node = node->next) {
+    for (const ElementDescr* node = first; node; node = node->next) {
         units.push_back(unitOf(node));
         if (!canBeStored(model, units.back())) return {};
     }
@@ -122,20 +115,27 @@ void addAsLastChild(ElementDescr* parent, ElementDescr* child) {
 }
 
 // Writes what a modification made of the element at the position.
-bool storeModified(ModelRef& model, ElementDescr* ed, FilePos position) {
-    if (writableModel(&model) == nullptr) return false;
-    if (ed == nullptr) {
-        removeUnit(model, position);
+bool storeModified(ModelRef& place, ElementDescr* ed, FilePos position) {
+    Model* model = writableModel(&place);
+    if (!model) return false;
+    if (!ed) {
+        removeUnit(*model, position);
         return true;
     }
-    for (ElementDescr* node = ed; node != nullptr; node = node->next) node->model = &model;
-    mdlElmdscr_validate(ed, &model);
+    for (ElementDescr* node = ed; node; node = node->next) node->model = &place;
+    mdlElmdscr_validate(ed, &place);
     return mdlElmdscr_rewrite(ed, position) != 0;
 }
 
 }  // namespace
 
-ElementDescr* readUnit(const ModelRef& model, FilePos position, ModelRef* owner, uint32_t& count) {
+Unit unitOf(const ElementDescr* node) {
+    Unit unit;
+    flatten(node, 0, unit);
+    return unit;
+}
+
+ElementDescr* readUnit(const Model& model, FilePos position, ModelRef* owner, uint32_t& count) {
     std::vector<ElementDescr*> path;  // from the element to the last node read
     bool complete = true;
     forEachNode(model.elements.record(position), [&](const StoredNode& stored) {
@@ -168,16 +168,16 @@ using namespace host;
 // ---- elements ----
 
 uint32_t mdlElement_read(MSElementBuffer* out, ModelRef* model, FilePos position) {
-    const ModelRef* found = openModel(model);
+    const Model* found = openModel(model);
     const MSElementBuffer* element = found ? found->elements.element(position) : nullptr;
-    if (element == nullptr || out == nullptr) return 0;
+    if (!element || !out) return 0;
     std::memcpy(out, element, elementBytes(element));
     return elementBytes(element);
 }
 
 FilePos mdlElement_add(const MSElementBuffer* element) {
     return guarded<FilePos>(0, [&]() -> FilePos {
-        ModelRef* model = writableModel(nullptr);
+        Model* model = writableModel(nullptr);
         const StoredNode unit[] = {{0, element}};
         return model && canBeStored(*model, unit) ? addUnit(*model, unit) : 0;
     });
@@ -185,9 +185,9 @@ FilePos mdlElement_add(const MSElementBuffer* element) {
 
 FilePos mdlElement_rewrite(const MSElementBuffer* element, FilePos position) {
     return guarded<FilePos>(0, [&]() -> FilePos {
-        ModelRef* model = writableModel(nullptr);
-        if (model == nullptr || !model->elements.isLive(position)) return 0;
-        Unit unit = unitOf(model->elements.record(position));
+        Model* model = writableModel(nullptr);
+        if (!model || !model->elements.isLive(position)) return 0;
+        Unit unit = nodesIn(model->elements.record(position));
         unit.front().element = element;
         return canBeStored(*model, unit) ? replaceUnit(*model, position, unit) : 0;
     });
@@ -195,8 +195,8 @@ FilePos mdlElement_rewrite(const MSElementBuffer* element, FilePos position) {
 
 int mdlElement_undoableDelete(const MSElementBuffer*, FilePos position, int32_t) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
-        ModelRef* model = writableModel(nullptr);
-        if (model == nullptr || !model->elements.isLive(position)) return MDL_ERROR;
+        Model* model = writableModel(nullptr);
+        if (!model || !model->elements.isLive(position)) return MDL_ERROR;
         removeUnit(*model, position);
         return MDL_SUCCESS;
     });
@@ -213,13 +213,13 @@ FilePos mdlUndo_lastChange(void) {
 // ---- descriptors ----
 
 uint32_t mdlElmdscr_read(ElementDescr** edPP, FilePos position, ModelRef* model) {
-    if (edPP == nullptr) return 0;
+    if (!edPP) return 0;
     *edPP = nullptr;
     return guarded<uint32_t>(0, [&]() -> uint32_t {
-        ModelRef* found = openModel(model);
-        if (found == nullptr || !found->elements.isLive(position)) return 0;
+        const Model* found = openModel(model);
+        if (!found || !found->elements.isLive(position)) return 0;
         uint32_t count = 0;
-        *edPP = readUnit(*found, position, found, count);
+        *edPP = readUnit(*found, position, openPlace(model), count);
         return count;
     });
 }
@@ -230,8 +230,8 @@ uint32_t mdlElmdscr_readToMaster(ElementDescr** edPP, FilePos position, ModelRef
 
 FilePos mdlElmdscr_add(ElementDescr* ed) {
     return guarded<FilePos>(0, [&]() -> FilePos {
-        ModelRef* model = ed ? writableModel(ed->model) : nullptr;
-        if (model == nullptr) return 0;
+        Model* model = ed ? writableModel(ed->model) : nullptr;
+        if (!model) return 0;
         FilePos first = 0;
         for (const Unit& unit : chainUnits(*model, ed)) {
             const FilePos position = addUnit(*model, unit);
@@ -243,8 +243,8 @@ FilePos mdlElmdscr_add(ElementDescr* ed) {
 
 FilePos mdlElmdscr_rewrite(ElementDescr* ed, FilePos position) {
     return guarded<FilePos>(0, [&]() -> FilePos {
-        ModelRef* model = ed ? writableModel(ed->model) : nullptr;
-        if (model == nullptr || !model->elements.isLive(position)) return 0;
+        Model* model = ed ? writableModel(ed->model) : nullptr;
+        if (!model || !model->elements.isLive(position)) return 0;
         const std::vector<Unit> units = chainUnits(*model, ed);
         if (units.empty()) return 0;
         replaceUnit(*model, position, units.front());
@@ -258,9 +258,9 @@ FilePos mdlElmdscr_rewrite(ElementDescr* ed, FilePos position) {
 int mdlModify_elementSingle(ModelRef* model, FilePos position, int32_t request, int32_t, MdlModifyFunction f,
                             void* userArg, int32_t) {
     return guarded(0, [&] {
-        ModelRef* found = openModel(model);
+        ModelRef* found = openPlace(model);
         ElementDescr* ed = nullptr;
-        if (found == nullptr || mdlElmdscr_read(&ed, position, found) == 0) return 0;
+        if (!found || mdlElmdscr_read(&ed, position, found) == 0) return 0;
         int changes = mdlModify_elementDescr2(&ed, found, request, f, userArg, 0);
         if (changes != 0 && !storeModified(*found, ed, position)) changes = 0;
         mdlElmdscr_freeAll(&ed);

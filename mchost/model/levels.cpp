@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <cwchar>
-#include <memory>
 
 #include "mchost/base/guard.h"
 #include "mchost/mdl/element.h"
-#include "mchost/model/model.h"
+#include "mchost/model/model_ref.h"
 #include "mchost/model/table_rules.h"
+#include "mchost/session/owned_state.h"
 #include "mchost/session/session.h"
 
 namespace host {
@@ -17,16 +17,16 @@ namespace {
 constexpr int32_t firstFreeCode = 64;  // codes below belong to "Level 1" to "Level 63"
 constexpr int32_t colorByLevel = -1, weightByLevel = -1, styleByLevel = 0x7FFFFFFF;
 
-Level* findLevel(ModelRef& model, LevelId id) {
+Level* findLevel(Model& model, LevelId id) {
     const auto found = std::ranges::lower_bound(model.levels, id, {}, &Level::id);
     return found != model.levels.end() && found->id == id ? &*found : nullptr;
 }
 
-const Level* levelByName(const ModelRef* model, const wchar_t* name) {
+const Level* levelByName(const Model* model, const wchar_t* name) {
     return model && name ? host::findLevel(*model, std::wstring_view(name)) : nullptr;
 }
 
-bool codeIsFree(const ModelRef& model, int32_t code) {
+bool codeIsFree(const Model& model, int32_t code) {
     return std::ranges::find(model.levels, code, &Level::code) == model.levels.end();
 }
 
@@ -43,7 +43,7 @@ int32_t numberInName(std::wstring_view name) {
     return number < firstFreeCode ? number : 0;
 }
 
-int32_t codeFor(const ModelRef& model, std::wstring_view name) {
+int32_t codeFor(const Model& model, std::wstring_view name) {
     const int32_t number = numberInName(name);
     if (number != 0 && codeIsFree(model, number)) return number;
     int32_t code = firstFreeCode;
@@ -56,33 +56,29 @@ void takeIfGiven(Value& to, const Value* from) {
     if (from) to = *from;
 }
 
-// The levels of the session itself; emptied when it ends.
-std::unique_ptr<ModelRef> ownLevels;
+// The levels of the session itself.
+struct OwnLevels {
+    Model model;
+    OwnLevels() { addFirstLevel(model); }
+};
 
-ModelRef* sessionLevels() {
-    if (Session::current() == nullptr) return nullptr;
-    static const bool watching = (observeSessionEnd([] { ownLevels.reset(); }), true);
-    (void)watching;
-    if (!ownLevels) {
-        ownLevels = std::make_unique<ModelRef>();
-        addFirstLevel(*ownLevels);
-    }
-    return ownLevels.get();
+Model* sessionLevels() {
+    return Session::current() ? &sessionState<OwnLevels>().model : nullptr;
 }
 
 // As levelModel, of what can be written; null with a line in the message centre.
-ModelRef* writableLevelModel(ModelRef* model) {
-    ModelRef* found = levelModel(model);
-    return found != nullptr && found == ownLevels.get() ? found : writableModel(model);
+Model* writableLevelModel(ModelRef* place) {
+    Model* own = place || openModel(nullptr) ? nullptr : levelModel(nullptr);
+    return own ? own : writableModel(place);
 }
 
 // Changes a level of a model that can be written.
 template <class Change>
 int changeLevel(ModelRef* model, LevelId id, Change apply) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
-        ModelRef* found = writableLevelModel(model);
+        Model* found = writableLevelModel(model);
         Level* level = found ? findLevel(*found, id) : nullptr;
-        if (level == nullptr) return MDL_ERROR;
+        if (!level) return MDL_ERROR;
         apply(*level);
         level->fromCells = false;
         if (level->stored) found->tablesChanged = true;
@@ -92,26 +88,26 @@ int changeLevel(ModelRef* model, LevelId id, Change apply) {
 
 }  // namespace
 
-ModelRef* levelModel(ModelRef* model) {
-    ModelRef* found = openModel(model);
-    return found != nullptr || model != nullptr ? found : guarded<ModelRef*>(nullptr, sessionLevels);
+Model* levelModel(ModelRef* place) {
+    Model* found = openModel(place);
+    return found || place ? found : guarded<Model*>(nullptr, sessionLevels);
 }
 
-void addFirstLevel(ModelRef& model) {
+void addFirstLevel(Model& model) {
     model.levels.push_back({.id = 1, .code = 0, .name = L"Default", .stored = true});
     model.nextLevel = 2;
 }
 
-const Level* findLevel(const ModelRef& model, LevelId id) {
-    return findLevel(const_cast<ModelRef&>(model), id);
+const Level* findLevel(const Model& model, LevelId id) {
+    return findLevel(const_cast<Model&>(model), id);
 }
 
-const Level* findLevel(const ModelRef& model, std::wstring_view name) {
+const Level* findLevel(const Model& model, std::wstring_view name) {
     const auto found = std::ranges::find(model.levels, name, &Level::name);
     return found != model.levels.end() ? &*found : nullptr;
 }
 
-Level& addLevel(ModelRef& model, std::wstring_view name) {
+Level& addLevel(Model& model, std::wstring_view name) {
     const int32_t code = codeFor(model, name);
     Level& level = model.levels.emplace_back(
         Level{.id = model.nextLevel, .code = code, .name = std::wstring(name), .stored = false});
@@ -120,9 +116,9 @@ Level& addLevel(ModelRef& model, std::wstring_view name) {
     return level;
 }
 
-void storeLevel(ModelRef& model, LevelId id) {
+void storeLevel(Model& model, LevelId id) {
     Level* level = findLevel(model, id);
-    if (level == nullptr || level->stored) return;
+    if (!level || level->stored) return;
     level->stored = true;
     level->fromCells = false;
     --model.unstoredLevels;
@@ -139,14 +135,14 @@ int mdlLevel_isValidByName(ModelRef* model, const wchar_t* name) {
 
 int mdlLevel_getIdFromName(LevelId* idP, ModelRef* model, LevelId, const wchar_t* name) {
     const Level* level = levelByName(levelModel(model), name);
-    if (level == nullptr) return MDL_ERROR;
+    if (!level) return MDL_ERROR;
     if (idP) *idP = level->id;
     return MDL_SUCCESS;
 }
 
 int mdlLevel_getIdFromCode(LevelId* idP, ModelRef* model, int32_t code) {
-    const ModelRef* found = levelModel(model);
-    if (found == nullptr) return MDL_ERROR;
+    const Model* found = levelModel(model);
+    if (!found) return MDL_ERROR;
     const auto level = std::ranges::find(found->levels, code, &Level::code);
     if (level == found->levels.end()) return MDL_ERROR;
     if (idP) *idP = level->id;
@@ -154,9 +150,9 @@ int mdlLevel_getIdFromCode(LevelId* idP, ModelRef* model, int32_t code) {
 }
 
 int mdlLevel_getName(wchar_t* name, int32_t size, ModelRef* model, LevelId id) {
-    const ModelRef* found = levelModel(model);
+    const Model* found = levelModel(model);
     const Level* level = found ? findLevel(*found, id) : nullptr;
-    if (level == nullptr || name == nullptr || size <= 0) return MDL_ERROR;
+    if (!level || !name || size <= 0) return MDL_ERROR;
     const size_t copied = std::min(level->name.size(), static_cast<size_t>(size - 1));
     std::wmemcpy(name, level->name.data(), copied);
     name[copied] = L'\0';
@@ -164,16 +160,16 @@ int mdlLevel_getName(wchar_t* name, int32_t size, ModelRef* model, LevelId id) {
 }
 
 int mdlLevel_getCode(int32_t* codeP, ModelRef* model, LevelId id) {
-    const ModelRef* found = levelModel(model);
+    const Model* found = levelModel(model);
     const Level* level = found ? findLevel(*found, id) : nullptr;
-    if (level == nullptr) return MDL_ERROR;
+    if (!level) return MDL_ERROR;
     if (codeP) *codeP = level->code;
     return MDL_SUCCESS;
 }
 
 int mdlLevel_getNextId(LevelId* idP, ModelRef* model) {
-    const ModelRef* found = levelModel(model);
-    if (found == nullptr || idP == nullptr) return MDL_ERROR;
+    const Model* found = levelModel(model);
+    if (!found || !idP) return MDL_ERROR;
     const auto next = std::ranges::upper_bound(found->levels, *idP, {}, &Level::id);
     if (next == found->levels.end()) return MDL_ERROR;
     *idP = next->id;
@@ -182,9 +178,9 @@ int mdlLevel_getNextId(LevelId* idP, ModelRef* model) {
 
 int mdlLevel_create(LevelId* idP, ModelRef* model, const wchar_t* name) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
-        if (name == nullptr || !isTableName(name)) return MDL_ERROR;
-        ModelRef* found = writableLevelModel(model);
-        if (found == nullptr || levelByName(found, name) != nullptr) return MDL_ERROR;
+        if (!name || !isTableName(name)) return MDL_ERROR;
+        Model* found = writableLevelModel(model);
+        if (!found || levelByName(found, name) != nullptr) return MDL_ERROR;
         const Level& level = addLevel(*found, name);
         if (idP) *idP = level.id;
         return MDL_SUCCESS;
@@ -209,9 +205,9 @@ int mdlLevel_setSymbology(ModelRef* model, LevelId id, uint32_t color, int32_t s
 }
 
 int mdlLevel_getElementSymbology(uint32_t* color, int32_t* style, uint32_t* weight, ModelRef* model, LevelId id) {
-    const ModelRef* found = levelModel(model);
+    const Model* found = levelModel(model);
     const Level* level = found ? findLevel(*found, id) : nullptr;
-    if (level == nullptr) return MDL_ERROR;
+    if (!level) return MDL_ERROR;
     if (color) *color = level->byLevel.color;
     if (style) *style = level->byLevel.style;
     if (weight) *weight = level->byLevel.weight;
@@ -220,8 +216,8 @@ int mdlLevel_getElementSymbology(uint32_t* color, int32_t* style, uint32_t* weig
 
 int mdlLevelTable_rewrite(ModelRef* model) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
-        ModelRef* found = writableLevelModel(model);
-        if (found == nullptr) return MDL_ERROR;
+        Model* found = writableLevelModel(model);
+        if (!found) return MDL_ERROR;
         for (Level& level : found->levels) level.stored = level.stored || !level.fromCells;
         found->unstoredLevels = static_cast<uint32_t>(std::ranges::count(found->levels, false, &Level::stored));
         found->tablesChanged = true;
@@ -231,9 +227,9 @@ int mdlLevelTable_rewrite(ModelRef* model) {
 
 int mdlElement_getEffectiveSymbology(int32_t* color, int32_t* weight, int32_t* style, double* styleScale,
                                      double* styleWidth, const MSElementBuffer* element, ModelRef* model) {
-    if (element == nullptr) return MDL_ERROR;
+    if (!element) return MDL_ERROR;
     const ElementHead& head = element->head;
-    const ModelRef* found = levelModel(model);
+    const Model* found = levelModel(model);
     const Level* level = found ? findLevel(*found, head.level) : nullptr;
     const LevelSymbology byLevel = level ? level->byLevel : LevelSymbology{};
     LineStyleParams params = byLevel.styleParams;

@@ -1,4 +1,4 @@
-// A model in memory, and what is open.
+// A model in memory.
 #pragma once
 
 #include <map>
@@ -56,59 +56,44 @@ struct Change {
     bool isDeletion;
 };
 
-class DesignFile;
-
-}  // namespace host
-
-struct ModelRef {
-    host::DesignFile* file = nullptr;
-    uint64_t serial = 0;  // differs for every model that was ever open, while the address may come again
+// What a model holds. It knows no file that it is stored in and no place where it is shown.
+struct Model {
+    uint64_t serial = 0;  // differs for every model that was ever open in a session, while the address may come again
     bool is3d = false;
     double uorPerMaster = 10000;
-    host::ElementStore elements = {};
-    std::vector<host::Level> levels = {};  // in order of id
+    ElementStore elements = {};
+    std::vector<Level> levels = {};  // in order of id
     LevelId nextLevel = 1;
-    std::vector<host::LineStyle> lineStyles = {};  // in order of their numbers from -1 down
-    std::map<std::wstring, host::TextStyle> textStyles = {};
+    std::vector<LineStyle> lineStyles = {};  // in order of their numbers from -1 down
+    std::map<std::wstring, TextStyle> textStyles = {};
     bool tablesChanged = false;   // levels or styles, since they were last stored
     uint32_t unstoredLevels = 0;  // levels that aren't to be stored so far
 
-    std::vector<host::Change> changes = {};  // what can be taken back, the last one last
-    host::RangeIndex ranges = {};            // filled at the first search by window
+    std::vector<Change> changes = {};  // what can be taken back, the last one last
+    RangeIndex ranges = {};            // filled at the first search by window
     bool rangesFilled = false;
 };
 
-namespace host {
-
-// The model that a caller means: the active one for null. Null for a model that isn't open any more.
-ModelRef* openModel(ModelRef* model);
-// The same when it can be written, else null with a line in the message centre.
-ModelRef* writableModel(ModelRef* model);
-
-// The model that a caller of level functions means: while no design file is open, null stands for a table of the
-// session's own, which isn't stored. Null when there is no session either.
-ModelRef* levelModel(ModelRef* model);
-
-const Level* findLevel(const ModelRef& model, LevelId id);
-const LineStyle* findLineStyle(const ModelRef& model, int32_t number);
-const Level* findLevel(const ModelRef& model, std::wstring_view name);
-void addFirstLevel(ModelRef& model);  // "Default", to a model without levels
+const Level* findLevel(const Model& model, LevelId id);
+const LineStyle* findLineStyle(const Model& model, int32_t number);
+const Level* findLevel(const Model& model, std::wstring_view name);
+void addFirstLevel(Model& model);  // "Default", to a model without levels
 // Makes a level of a name that the model hasn't yet, in memory: it isn't stored before it is marked.
-Level& addLevel(ModelRef& model, std::wstring_view name);
+Level& addLevel(Model& model, std::wstring_view name);
 // Marks a level as one that belongs into the file.
-void storeLevel(ModelRef& model, LevelId id);
+void storeLevel(Model& model, LevelId id);
 
+// The nodes of an element with its components, in the order in which they are stored.
+using Unit = std::vector<StoredNode>;
+Unit unitOf(const ElementDescr* node);
 // The element at a live position with its components, as a descriptor of `owner`; counts its nodes. Null, and a count
 // of 0, when out of memory.
-ElementDescr* readUnit(const ModelRef& model, FilePos position, ModelRef* owner, uint32_t& count);
+ElementDescr* readUnit(const Model& model, FilePos position, ModelRef* owner, uint32_t& count);
 
 // The index of ranges of the model's elements, made at the first call.
-RangeIndex& rangesOf(ModelRef& model);
+RangeIndex& rangesOf(Model& model);
 // Brings the index in line with what is at the position now, if there is an index already.
-void updateRange(ModelRef& model, FilePos position) noexcept;
-std::optional<Range3d> modelRange(ModelRef& model);  // of all elements
-
-// Adds a line to the message centre that says what went wrong, with which file, and what to do. Gives MDL_ERROR.
-int fileProblem(std::string_view line);
+void updateRange(Model& model, FilePos position) noexcept;
+std::optional<Range3d> modelRange(Model& model);  // of all elements
 
 }  // namespace host

@@ -33,7 +33,7 @@ std::optional<Range3d> unitRange(const RecordHead* record) {
     return all;
 }
 
-void fillRanges(ModelRef& model) {
+void fillRanges(Model& model) {
     std::vector<RangeIndex::Entry> entries;
     entries.reserve(model.elements.liveCount());
     for (FilePos position = 1; position < model.elements.nextPosition(); ++position) {
@@ -46,12 +46,12 @@ void fillRanges(ModelRef& model) {
 
 }  // namespace
 
-RangeIndex& rangesOf(ModelRef& model) {
+RangeIndex& rangesOf(Model& model) {
     if (!model.rangesFilled) fillRanges(model);
     return model.ranges;
 }
 
-void updateRange(ModelRef& model, FilePos position) noexcept try {
+void updateRange(Model& model, FilePos position) noexcept try {
     if (!model.rangesFilled) return;
     const bool live = model.elements.isLive(position);
     if (const auto range = live ? unitRange(model.elements.record(position)) : std::nullopt) {
@@ -63,7 +63,7 @@ void updateRange(ModelRef& model, FilePos position) noexcept try {
     model.rangesFilled = false;
 }
 
-std::optional<Range3d> modelRange(ModelRef& model) {
+std::optional<Range3d> modelRange(Model& model) {
     std::optional<Range3d> all;
     rangesOf(model).forEach([&](FilePos, const Range3d& range) { extend(all, range); });
     return all;

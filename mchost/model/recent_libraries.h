@@ -27,7 +27,6 @@ class RecentLibraries {
   public:
     // A library as its file is now: FileProblem when it can't be used.
     std::shared_ptr<const CellLibrary> load(const std::string& path);
-    void clear() { kept_.clear(); }
 
   private:
     static constexpr size_t most = 4;

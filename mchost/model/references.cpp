@@ -3,7 +3,7 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/mdl/model.h"
-#include "mchost/model/model.h"
+#include "mchost/model/model_ref.h"
 
 struct ModelRefIterator {
     std::vector<ModelRef*> models;
@@ -13,31 +13,30 @@ struct ModelRefIterator {
 using namespace host;
 
 int mdlModelRefIterator_create(ModelRefIterator** iteratorP, ModelRef* root, int32_t flags, int32_t) {
-    if (iteratorP == nullptr) return MDL_ERROR;
+    if (!iteratorP) return MDL_ERROR;
     *iteratorP = nullptr;
     return guarded(int{MDL_ERROR}, [&]() -> int {
-        ModelRef* model = openModel(root);
-        if (model == nullptr) return MDL_ERROR;
+        ModelRef* place = openPlace(root);
+        if (!place) return MDL_ERROR;
         *iteratorP = new ModelRefIterator;
-        if (flags & MDL_ITERATE_ACTIVE) (*iteratorP)->models.push_back(model);
+        if (flags & MDL_ITERATE_ACTIVE) (*iteratorP)->models.push_back(place);
         return MDL_SUCCESS;
     });
 }
 
 ModelRef* mdlModelRefIterator_getFirst(ModelRefIterator* iterator) {
-    if (iterator == nullptr) return nullptr;
+    if (!iterator) return nullptr;
     iterator->next = 0;
     return mdlModelRefIterator_getNext(iterator);
 }
 
 ModelRef* mdlModelRefIterator_getNext(ModelRefIterator* iterator) {
-    if (iterator == nullptr || iterator->next >= iterator->models.size()) return nullptr;
-    ModelRef* model = iterator->models[iterator->next++];
-    return openModel(model);
+    if (!iterator || iterator->next >= iterator->models.size()) return nullptr;
+    return openPlace(iterator->models[iterator->next++]);
 }
 
 void mdlModelRefIterator_free(ModelRefIterator** iteratorP) {
-    if (iteratorP == nullptr) return;
+    if (!iteratorP) return;
     delete *iteratorP;
     *iteratorP = nullptr;
 }

@@ -8,7 +8,7 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/model/bitmask.h"
-#include "mchost/model/model.h"
+#include "mchost/model/model_ref.h"
 
 struct ScanCriteria {
     ModelRef* model = nullptr;  // null: the active one
@@ -60,7 +60,7 @@ bool looksInside(const ScanCriteria& criteria) {
 }
 
 // Whether a component of the element at the position passes, where these count.
-bool passesInside(const ScanCriteria& criteria, const ModelRef& model, FilePos position) {
+bool passesInside(const ScanCriteria& criteria, const Model& model, FilePos position) {
     if (!looksInside(criteria) || !model.elements.isLive(position)) return false;
     bool any = false;
     forEachNode(model.elements.record(position),
@@ -97,7 +97,7 @@ void sortPositions(std::vector<FilePos>& positions, uint32_t limit) {
     }
 }
 
-void findInWindow(const ScanCriteria& criteria, ModelRef& model, std::vector<FilePos>& found) {
+void findInWindow(const ScanCriteria& criteria, Model& model, std::vector<FilePos>& found) {
     rangesOf(model).search(*criteria.window, found);
     sortPositions(found, model.elements.nextPosition());
     if (takesAll(criteria)) return;
@@ -114,7 +114,7 @@ uint64_t wantedTypes(const ScanCriteria& criteria) {
 }
 
 // Passes over runs of positions without an element of the types that are asked for.
-void findAnywhere(const ScanCriteria& criteria, const ModelRef& model, std::vector<FilePos>& found) {
+void findAnywhere(const ScanCriteria& criteria, const Model& model, std::vector<FilePos>& found) {
     const std::span<const ElementKey> keys = model.elements.keys();
     const uint64_t wanted = wantedTypes(criteria);
     constexpr size_t run = ElementStore::positionsOfBits;
@@ -129,7 +129,7 @@ void findAnywhere(const ScanCriteria& criteria, const ModelRef& model, std::vect
     }
 }
 
-void fixResult(ScanCriteria& criteria, ModelRef& model) {
+void fixResult(ScanCriteria& criteria, Model& model) {
     criteria.found.clear();
     criteria.next = 0;
     if (criteria.window) {
@@ -147,7 +147,7 @@ void forgetResult(ScanCriteria& criteria) {
 }
 
 // Moves `next` to the first element that hasn't been deleted since; false at the end.
-bool moveToLive(ScanCriteria& criteria, const ModelRef& model) {
+bool moveToLive(ScanCriteria& criteria, const Model& model) {
     while (criteria.next < criteria.found.size() && !model.elements.isLive(criteria.found[criteria.next])) {
         ++criteria.next;
     }
@@ -159,7 +159,7 @@ void placeBehind(ScanCriteria& criteria, FilePos start) {
 }
 
 // Fills the buffer; true when elements follow those in it.
-bool fillPortion(ScanCriteria& criteria, const ModelRef& model, std::span<FilePos> buffer, size_t& count) {
+bool fillPortion(ScanCriteria& criteria, const Model& model, std::span<FilePos> buffer, size_t& count) {
     if (criteria.removals == model.elements.removals()) {
         count = std::min(buffer.size(), criteria.found.size() - criteria.next);
         std::copy_n(criteria.found.begin() + static_cast<ptrdiff_t>(criteria.next), count, buffer.begin());
@@ -175,8 +175,8 @@ bool fillPortion(ScanCriteria& criteria, const ModelRef& model, std::span<FilePo
 
 int scan(ScanCriteria& criteria, std::span<FilePos> buffer, int32_t* sizeP, FilePos* startP) {
     *sizeP = 0;
-    ModelRef* model = openModel(criteria.model);
-    if (model == nullptr || buffer.empty()) return MDL_ERROR;
+    Model* model = openModel(criteria.model);
+    if (!model || buffer.empty()) return MDL_ERROR;
     const bool begins = startP && *startP == 0;
     if (begins || criteria.modelSerial != model->serial) fixResult(criteria, *model);
     if (startP) placeBehind(criteria, *startP);
@@ -191,15 +191,15 @@ int scan(ScanCriteria& criteria, std::span<FilePos> buffer, int32_t* sizeP, File
 
 // Gives the function each element that was found and is still there.
 int scanDescriptors(ScanCriteria& criteria) {
-    ModelRef* model = openModel(criteria.model);
-    if (model == nullptr || criteria.function == nullptr) return MDL_ERROR;
-    fixResult(criteria, *model);
+    ModelRef* place = openPlace(criteria.model);
+    if (!place || !criteria.function) return MDL_ERROR;
+    fixResult(criteria, *openModel(place));
     const std::vector<FilePos> found = std::move(criteria.found);
     forgetResult(criteria);
     for (const FilePos position : found) {
         ElementDescr* ed = nullptr;
-        if (openModel(model) != model) return MDL_ERROR;
-        if (mdlElmdscr_read(&ed, position, model) == 0) continue;
+        if (openPlace(place) != place) return MDL_ERROR;
+        if (mdlElmdscr_read(&ed, position, place) == 0) continue;
         const int status = criteria.function(ed, criteria.userArg, &criteria);
         mdlElmdscr_freeAll(&ed);
         if (status != 0) return status;
@@ -211,7 +211,7 @@ int scanDescriptors(ScanCriteria& criteria) {
 template <class Change>
 int change(ScanCriteria* criteria, Change apply) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
-        if (criteria == nullptr) return MDL_ERROR;
+        if (!criteria) return MDL_ERROR;
         forgetResult(*criteria);
         return apply(*criteria);
     });
@@ -227,14 +227,14 @@ ScanCriteria* mdlScanCriteria_create(void) {
 }
 
 void mdlScanCriteria_free(ScanCriteria** criteriaP) {
-    if (criteriaP == nullptr) return;
+    if (!criteriaP) return;
     delete *criteriaP;
     *criteriaP = nullptr;
 }
 
 int mdlScanCriteria_setModel(ScanCriteria* criteria, ModelRef* model) {
     return change(criteria, [&](ScanCriteria& c) -> int {
-        if (openModel(model) == nullptr) return MDL_ERROR;
+        if (!openModel(model)) return MDL_ERROR;
         c.model = model;
         return MDL_SUCCESS;
     });
@@ -296,8 +296,8 @@ int mdlScanCriteria_setElmDscrCallback(ScanCriteria* criteria, MdlScanDescrFunct
 
 int mdlScanCriteria_scan(ScanCriteria* criteria, FilePos* buffer, int32_t* sizeP, FilePos* startP) {
     return guarded(int{MDL_ERROR}, [&]() -> int {
-        if (criteria != nullptr && criteria->returnType == MDL_SCAN_DESCRIPTORS) return scanDescriptors(*criteria);
-        if (criteria == nullptr || buffer == nullptr || sizeP == nullptr || *sizeP < 0) return MDL_ERROR;
+        if (criteria && criteria->returnType == MDL_SCAN_DESCRIPTORS) return scanDescriptors(*criteria);
+        if (!criteria || !buffer || !sizeP || *sizeP < 0) return MDL_ERROR;
         return scan(*criteria, std::span(buffer, static_cast<size_t>(*sizeP / wordsPerPosition)), sizeP, startP);
     });
 }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int32_t greatestNumber = INT32_MAX / 2;  // of a level; what memory holds never counts up to the type's end
 
-bool levelsAreSound(const ModelRef& model) {
+bool levelsAreSound(const Model& model) {
     LevelId before = 0;
     for (const Level& level : model.levels) {
         if (level.id <= before || level.code < 0 || level.code > greatestNumber) return false;
@@ -22,14 +22,14 @@ bool levelsAreSound(const ModelRef& model) {
     return before < model.nextLevel && model.nextLevel <= greatestNumber;
 }
 
-bool lineStylesAreSound(const ModelRef& model) {
+bool lineStylesAreSound(const Model& model) {
     int32_t next = -1;
     return std::ranges::all_of(model.lineStyles, [&](const LineStyle& style) {
         return style.number == next-- && isLineStyleName(style.name) && isDashPattern(style.pattern);
     });
 }
 
-bool textStylesAreSound(const ModelRef& model) {
+bool textStylesAreSound(const Model& model) {
     return std::ranges::all_of(model.textStyles, [](const auto& named) {
         const auto& [name, style] = named;
         return isTableName(name) && isFinite(style);
@@ -62,7 +62,7 @@ bool isFinite(const TextStyle& style) {
            std::isfinite(size.height) && std::isfinite(size.aspect);
 }
 
-bool tablesAreSound(const ModelRef& model) {
+bool tablesAreSound(const Model& model) {
     return std::isfinite(model.uorPerMaster) && model.uorPerMaster > 0 && levelsAreSound(model) &&
            lineStylesAreSound(model) && textStylesAreSound(model);
 }

@@ -19,6 +19,6 @@ bool isFinite(const LineStyleParams& params);
 bool isFinite(const TextStyle& style);
 
 // Whether all of that holds for a model's tables, each thing has its own number, and new ones will have theirs.
-bool tablesAreSound(const ModelRef& model);
+bool tablesAreSound(const Model& model);
 
 }  // namespace host

@@ -7,7 +7,7 @@
 #include "mchost/base/paths.h"
 #include "mchost/base/unfinished.h"
 #include "mchost/mdl/model.h"
-#include "mchost/model/model.h"
+#include "mchost/model/model_ref.h"
 #include "mchost/picture/draft.h"
 #include "mchost/picture/drawing.h"
 #include "mchost/plot/plotter.h"
@@ -137,8 +137,7 @@ std::optional<std::string> plot(const MdlPlotDesc& descr, const std::string& pat
         path.empty() && !driver.outputName.empty() ? systemPath(driver.outputName + driver.extension) : path;
     const std::string start = "The plot " + (prints ? "on \"" + driver.printer : "to \"" + file) + "\" wasn't made: ";
     if (!prints && file.empty()) return "The plot wasn't made: it has no file name, and the plotter no printer.";
-    const ModelRef* model = mdlModelRef_getActive();
-    if (!descr.area || model == nullptr || model->serial != descr.area->model) {
+    if (!descr.area || activeModelSerial() != descr.area->model) {
         return start + "no area of the drawing is chosen; place a fence.";
     }
     const Fit fit = fitOn(descr.plotter.driver.papers[descr.paper], driver.marginMm, rangeInView(*descr.area));

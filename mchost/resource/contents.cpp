@@ -8,7 +8,6 @@
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/model/container.h"
-#include "mchost/model/model.h"
 #include "mchost/resource/open_files.h"
 
 namespace host {

@@ -1,0 +1,204 @@
+#include "mchost/model/open_files.h"
+
+#include <algorithm>
+#include <cstring>
+#include <optional>
+
+#include "mchost/base/paths.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/system.h"
+#include "mchost/session/owned_state.h"
+#include "mchost/session/session.h"
+
+namespace {
+
+unsigned char modes[8];  // the first byte: the active design file is 3D. Published by its address
+
+}  // namespace
+
+unsigned char* mgds_modesP = modes;
+
+namespace host {
+namespace {
+
+// Keeps a flag up for as long as this stands.
+struct FlagScope {
+    explicit FlagScope(bool& raised) : flag(raised) { flag = true; }
+    ~FlagScope() { flag = false; }
+    bool& flag;
+};
+
+}  // namespace
+
+OpenFiles& openFiles() {
+    return sessionState<OpenFiles>();
+}
+
+OpenFiles::~OpenFiles() {
+    for (const Opened& opened : all_) {
+        const int status = withFile("close the design file", opened.file->name(), [&] { opened.file->close(); });
+        if (status != MDL_SUCCESS) markFailed();
+    }
+    active_ = nullptr;
+    publishActive();
+}
+
+DesignFile* OpenFiles::withPlace(const ModelRef* place) const {
+    if (!place || (active_ && place == &active_->place)) return active_;
+    const auto found = std::ranges::find(all_, place, [](const Opened& opened) { return &opened.file->place; });
+    return found != all_.end() ? found->file.get() : nullptr;
+}
+
+DesignFile* OpenFiles::open(const std::string& path, DesignFile::Use use, FileKind kind) {
+    auto file = std::make_unique<DesignFile>(path, use, kind);
+    file->model.serial = ++lastSerial_;
+    return all_.emplace_back(Opened{std::move(file)}).file.get();
+}
+
+OpenFiles::Opened& OpenFiles::entryOf(const DesignFile& file) {
+    return *std::ranges::find(all_, &file, [](const Opened& opened) { return opened.file.get(); });
+}
+
+void OpenFiles::drop(const DesignFile* file) {
+    std::erase_if(all_, [&](const Opened& opened) { return opened.file.get() == file; });
+}
+
+// ---- the active file ----
+
+void OpenFiles::publishActive() const {
+    const std::string name = active_ ? active_->name() : std::string();
+    std::memcpy(tcbP->designFileName, name.c_str(), name.size() + 1);
+    modes[0] = active_ && active_->model.is3d;
+}
+
+void OpenFiles::dropActive() {
+    if (!active_) return;
+    drop(std::exchange(active_, nullptr));
+    publishActive();
+}
+
+// Closes the active file in favour of the next one. When that fails it stays open, and applications hear of it again.
+void OpenFiles::leaveActive(const std::string& next) {
+    if (!active_) return;
+    const std::string name = active_->name();
+    bool told = false;
+    try {
+        active_->save();
+        fireNewDesignFile(next.c_str(), 0);
+        told = true;
+        active_->close();
+        dropActive();
+    } catch (const FileProblem& problem) {
+        if (told) fireNewDesignFile(name.c_str(), 1);
+        throw FileProblem("\"" + name + "\", which is open, can't be closed: " + problem.what());
+    }
+}
+
+// A file that is opened again is closed first, so that it isn't its own rival.
+void OpenFiles::switchActive(const std::string& path, bool readOnly) {
+    if (switching_) throw FileProblem("another one is being opened. Open it when that is done.");
+    const FlagScope scope(switching_);
+    const std::string name = hostName(path);
+    if (name.size() >= sizeof tcbP->designFileName) {
+        throw FileProblem("its full name is longer than 255 characters. Move it to a folder with a shorter name.");
+    }
+    const auto use = readOnly ? DesignFile::Use::read : DesignFile::Use::write;
+    const bool again = active_ && active_->is(path);
+    DesignFile* next = again ? nullptr : open(path, use, FileKind::designFile);
+    try {
+        leaveActive(name);
+    } catch (...) {
+        drop(next);
+        throw;
+    }
+    active_ = again ? open(path, use, FileKind::designFile) : next;
+    publishActive();
+    fireNewDesignFile(name.c_str(), 1);
+}
+
+void OpenFiles::closeActive() {
+    if (switching_) throw FileProblem("another one is being opened. Close it when that is done.");
+    const FlagScope scope(switching_);
+    try {
+        active_->save();
+        fireNewDesignFile(active_->name().c_str(), 0);
+        active_->close();
+    } catch (...) {
+        dropActive();
+        throw;
+    }
+    dropActive();
+}
+
+// ---- files beside it ----
+
+// Writing to it, this session alone knows what it holds.
+DesignFile* OpenFiles::openHere(const std::string& path) const {
+    if (active_ && active_->is(path)) return active_;
+    const auto found = std::ranges::find_if(
+        all_, [&](const Opened& opened) { return opened.file->takesChanges() && opened.file->is(path); });
+    return found != all_.end() ? found->file.get() : nullptr;
+}
+
+ModelRef* OpenFiles::openWork(const std::string& path, FileKind kind, DesignFile::Use use) {
+    DesignFile* file = use == DesignFile::Use::look ? openHere(path) : nullptr;
+    if (file && file == active_) return &file->place;
+    if (!file) file = open(path, use, kind);
+    if (use == DesignFile::Use::write && file->isReadOnly()) {
+        drop(file);
+        throw FileProblem("it or its folder can't be written. Check their permissions, or copy the file first.");
+    }
+    ++entryOf(*file).openings;
+    return &file->place;
+}
+
+void OpenFiles::closeWork(DesignFile& file) {
+    if (--entryOf(file).openings > 0) return;
+    const std::unique_ptr<DesignFile> closing = std::move(entryOf(file).file);
+    drop(nullptr);
+    closing->close();
+}
+
+ModelRef* OpenFiles::levelLibrary(const std::string& path) {
+    std::error_code failed;
+    const auto time = std::filesystem::last_write_time(path, failed);
+    if (failed) return nullptr;
+    if (!levelLibrary_ || !levelLibrary_->is(path) || levelLibraryTime_ != time) {
+        DesignFile* const read = open(path, DesignFile::Use::look, FileKind::designFile);
+        if (levelLibrary_) drop(levelLibrary_);
+        levelLibrary_ = read;
+        levelLibraryTime_ = time;
+    }
+    return &levelLibrary_->place;
+}
+
+// ---- what the rooms of models ask ----
+
+ModelRef* openPlace(ModelRef* place) {
+    DesignFile* file = openFiles().withPlace(place);
+    return file ? &file->place : nullptr;
+}
+
+Model* openModel(ModelRef* place) {
+    DesignFile* file = openFiles().withPlace(place);
+    return file ? &file->model : nullptr;
+}
+
+Model* writableModel(ModelRef* place) {
+    DesignFile* file = openFiles().withPlace(place);
+    if (!file) {
+        fileProblem("Can't change a design file that isn't open: open it first.");
+        return nullptr;
+    }
+    if (file->takesChanges()) return &file->model;
+    fileProblem("Can't change the design file \"" + file->name() +
+                "\": it is open to be read only. Open it to be written, or copy it first.");
+    return nullptr;
+}
+
+uint64_t activeModelSerial() {
+    const Model* model = openModel(nullptr);
+    return model ? model->serial : 0;
+}
+
+}  // namespace host

@@ -1,0 +1,64 @@
+// The design files that a session has open: the active one, work files beside it, and the level library.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "mchost/model/design_file.h"
+
+namespace host {
+
+class OpenFiles {
+  public:
+    OpenFiles() = default;
+    ~OpenFiles();  // closes them all; a line tells of each that couldn't be stored
+    OpenFiles(const OpenFiles&) = delete;
+    OpenFiles& operator=(const OpenFiles&) = delete;
+
+    DesignFile* active() const { return active_; }
+    // The file with the place, the active one for null; null for a place that isn't there any more.
+    DesignFile* withPlace(const ModelRef* place) const;
+
+    // Opens the file in place of the active one, which stays open when that fails: FileProblem. Applications hear of
+    // it.
+    void switchActive(const std::string& path, bool readOnly);
+    // Stores and closes the active file; it is closed also when that fails: FileProblem.
+    void closeActive();
+
+    // Opens a file beside the active one, or gives it once more when this session is writing to it: FileProblem.
+    ModelRef* openWork(const std::string& path, FileKind kind, DesignFile::Use use);
+    // Takes back one opening; the last one stores and closes the file: FileProblem, and it is closed all the same.
+    void closeWork(DesignFile& file);
+    bool isWork(const DesignFile& file) { return entryOf(file).openings > 0; }
+
+    // The level library, read anew when the file has changed. Null without one; FileProblem when it can't be read.
+    ModelRef* levelLibrary(const std::string& path);
+
+  private:
+    struct Opened {
+        std::unique_ptr<DesignFile> file;
+        int openings = 0;  // as a work file
+    };
+
+    DesignFile* open(const std::string& path, DesignFile::Use use, FileKind kind);
+    DesignFile* openHere(const std::string& path) const;
+    Opened& entryOf(const DesignFile& file);
+    void drop(const DesignFile* file);
+    void dropActive();
+    void leaveActive(const std::string& next);
+    void publishActive() const;
+
+    std::vector<Opened> all_;
+    DesignFile* active_ = nullptr;
+    DesignFile* levelLibrary_ = nullptr;
+    std::filesystem::file_time_type levelLibraryTime_;
+    uint64_t lastSerial_ = 0;
+    bool switching_ = false;  // one design file is being exchanged for another
+};
+
+// Those of the session.
+OpenFiles& openFiles();
+
+}  // namespace host
