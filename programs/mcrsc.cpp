@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cstdio>
 #include <limits>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -17,6 +18,7 @@
 #include "mchost/mdl/dialog.h"
 #include "mchost/resource/container.h"
 #include "mchost/session/program.h"
+#include "programs/resource_names.h"
 
 namespace {
 
@@ -64,16 +66,24 @@ std::string conversionsOf(std::string_view format) {
 // Compiles sources one after another; each fault is one line on standard error.
 class Compiler {
   public:
-    void compile(const std::string& path);
+    void compile(const std::vector<std::string>& paths);
     void requireEnglish();
     int faults() const { return faults_; }
     const ResourceContents& contents() const { return contents_; }
+    const ResourceNames& names() const { return names_; }
 
   private:
+    struct Source {
+        std::string path;
+        toml::table table;
+    };
+    std::optional<toml::table> parse(const std::string& path);
+    void readHooks(const Source& source);
+    void compile(const Source& source);
     void compileList(const toml::table& list);
-    void compileString(int32_t list, std::string_view language, const toml::key& key, const toml::node& node);
+    void compileString(int32_t list, const std::string& scope, const toml::key& key, const toml::node& node);
     void compileDialog(const toml::table& source);
-    ItemLayout compileItem(const toml::table& source, const std::string& dialog);
+    ItemLayout compileItem(const toml::table& source, const std::string& dialog, const std::string& scope);
     void compileIcon(const toml::table& source);
 
     void fault(const toml::node& where, const std::string& what) {
@@ -82,6 +92,10 @@ class Compiler {
         ++faults_;
     }
     void requireKeys(const toml::table& table, std::initializer_list<std::string_view> known);
+    void addName(const toml::node& where, const std::string& scope, const NamedNumber& number);
+    std::string nameOf(const toml::table& table);
+    std::string addScope(const toml::table& table, int32_t id);
+    int32_t hook(const toml::table& table);
     int32_t number(const toml::table& table, std::string_view key, std::optional<int32_t> fallback = std::nullopt);
     std::string narrow(const toml::node& node, const std::string& what);
     std::string plainText(const toml::table& table, std::string_view key, const std::string& what);
@@ -92,6 +106,8 @@ class Compiler {
     std::string path_;
     std::string language_;
     ResourceContents contents_;
+    ResourceNames names_;
+    std::map<std::string, int32_t, std::less<>> hooks_;
     int faults_ = 0;
 };
 
@@ -114,6 +130,49 @@ void Compiler::requireKeys(const toml::table& table, std::initializer_list<std::
     for (const auto& [key, node] : table)
         if (std::find(known.begin(), known.end(), key.str()) == known.end())
             fault(node, "unknown key \"" + std::string(key.str()) + "\"");
+}
+
+// ---- names ----
+
+void Compiler::addName(const toml::node& where, const std::string& scope, const NamedNumber& number) {
+    if (const std::string what = names_.add(scope, number); !what.empty()) fault(where, what);
+}
+
+// The name that stands beside a number; empty for none.
+std::string Compiler::nameOf(const toml::table& table) {
+    const toml::node* node = table.get("name");
+    return node ? narrow(*node, "name") : std::string();
+}
+
+// The name of a dialog or list, which has its id under its own name; empty when it has none.
+std::string Compiler::addScope(const toml::table& table, int32_t id) {
+    std::string name = nameOf(table);
+    if (!name.empty()) addName(table, name, {"id", "int32_t", std::to_string(id)});
+    return name;
+}
+
+void Compiler::readHooks(const Source& source) {
+    path_ = source.path;
+    const toml::table* hooks = source.table["hooks"].as_table();
+    if (!hooks) return;
+    for (const auto& [key, node] : *hooks) {
+        const std::string name(key.str());
+        const int32_t id = number(*hooks, name);
+        addName(node, "hooks", {name, "int32_t", std::to_string(id)});
+        hooks_.emplace(name, id);
+    }
+}
+
+// A hook by its number or by its name; 0 for none.
+int32_t Compiler::hook(const toml::table& table) {
+    const toml::node* node = table.get("hook");
+    const std::optional<std::string_view> name =
+        node ? node->value_exact<std::string_view>() : std::optional<std::string_view>();
+    if (!name) return number(table, "hook", 0);
+    const auto found = hooks_.find(*name);
+    if (found != hooks_.end()) return found->second;
+    fault(*node, "there is no hook \"" + std::string(*name) + "\" in [hooks] of any source");
+    return 0;
 }
 
 int32_t Compiler::number(const toml::table& table, std::string_view key, std::optional<int32_t> fallback) {
@@ -172,30 +231,39 @@ Texts Compiler::texts(const toml::table& table, std::string_view key, const std:
     return result;
 }
 
-void Compiler::compileString(int32_t list, std::string_view language, const toml::key& key, const toml::node& node) {
+void Compiler::compileString(int32_t list, const std::string& scope, const toml::key& key, const toml::node& node) {
     const std::string what = "list " + std::to_string(list) + ", number " + std::string(key.str());
     int32_t messageId = 0;
-    const std::string_view digits = key.str();
+    const std::string digits(key.str());
+    const std::string& language = language_;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), messageId);
     if (error != std::errc() || end != digits.data() + digits.size())
         return fault(node, what + ": a message goes under a whole number");
     Texts& known = contents_.strings[{list, messageId}];
-    if (known.has(language)) return fault(node, what + ": has a text in " + std::string(language) + " already");
-    known.set(language, narrow(node, what));
+    if (known.has(language)) return fault(node, what + ": has a text in " + language + " already");
+    const toml::table* named = node.as_table();
+    if (!named) return known.set(language, narrow(node, what));
+    requireKeys(*named, {"name", "text"});
+    const std::string text = plainText(*named, "text", what);
+    const std::string type = "mdl::Message<" + std::to_string(list) + valueTypesOf(text) + ">";
+    if (type.find('?') != type.npos) return fault(node, what + ": takes a value of a kind that no C++ type stands for");
+    addName(node, scope, {nameOf(*named), type, digits});
+    known.set(language, text);
 }
 
 void Compiler::compileList(const toml::table& list) {
-    requireKeys(list, {"id", "text"});
+    requireKeys(list, {"id", "name", "text"});
     const int32_t id = number(list, "id");
+    const std::string scope = addScope(list, id);
     if (language_.empty()) return fault(list, "\"language\" is missing at the head of the file");
     const toml::table* texts = list["text"].as_table();
     if (!texts) return fault(list, "list " + std::to_string(id) + ": has no [list.text]");
-    for (const auto& [key, node] : *texts) compileString(id, language_, key, node);
+    for (const auto& [key, node] : *texts) compileString(id, scope, key, node);
 }
 
-ItemLayout Compiler::compileItem(const toml::table& source, const std::string& dialog) {
-    requireKeys(source,
-                {"kind", "id", "x", "y", "width", "height", "hook", "access", "format", "label", "rows", "group"});
+ItemLayout Compiler::compileItem(const toml::table& source, const std::string& dialog, const std::string& scope) {
+    requireKeys(source, {"kind", "id", "name", "x", "y", "width", "height", "hook", "access", "format", "label", "rows",
+                         "group"});
     ItemLayout item;
     const std::string name = source["kind"].value_or(std::string());
     const auto kind =
@@ -209,8 +277,10 @@ ItemLayout Compiler::compileItem(const toml::table& source, const std::string& d
     item.y = number(source, "y");
     item.width = number(source, "width");
     item.height = number(source, "height", usualItemHeight);
-    item.hook = number(source, "hook", 0);
+    item.hook = hook(source);
     item.group = number(source, "group", 0);
+    if (const std::string itemName = nameOf(source); !itemName.empty())
+        addName(source, scope, {itemName, "mdl::ItemId", std::to_string(item.kind) + ", " + std::to_string(item.id)});
     const std::string what = dialog + ", " + name + " " + std::to_string(item.id);
     item.access = plainText(source, "access", what);
     item.format = plainText(source, "format", what);
@@ -226,17 +296,18 @@ ItemLayout Compiler::compileItem(const toml::table& source, const std::string& d
 }
 
 void Compiler::compileDialog(const toml::table& source) {
-    requireKeys(source, {"id", "title", "width", "height", "hook", "item"});
+    requireKeys(source, {"id", "name", "title", "width", "height", "hook", "item"});
     DialogLayout dialog;
     dialog.id = number(source, "id");
     dialog.width = number(source, "width");
     dialog.height = number(source, "height");
-    dialog.hook = number(source, "hook", 0);
+    dialog.hook = hook(source);
+    const std::string scope = addScope(source, dialog.id);
     const std::string what = "dialog " + std::to_string(dialog.id);
     dialog.title = texts(source, "title", what);
     std::set<std::pair<int32_t, int32_t>> seen;  // kinds and ids
     eachTable(source, "item", [&](const toml::table& item) {
-        dialog.items.push_back(compileItem(item, what));
+        dialog.items.push_back(compileItem(item, what, scope));
         const ItemLayout& last = dialog.items.back();
         if (!seen.emplace(last.kind, last.id).second)
             fault(item, what + ": has an item of this kind and id " + std::to_string(last.id) + " already");
@@ -249,9 +320,11 @@ void Compiler::compileDialog(const toml::table& source) {
 }
 
 void Compiler::compileIcon(const toml::table& source) {
-    requireKeys(source, {"id", "sign", "rows"});
+    requireKeys(source, {"id", "name", "sign", "rows"});
     Icon icon;
     icon.id = number(source, "id");
+    if (const std::string name = nameOf(source); !name.empty())
+        addName(source, "icons", {name, "int32_t", std::to_string(icon.id)});
     const std::string what = "icon " + std::to_string(icon.id);
     icon.sign = plainText(source, "sign", what);
     const toml::array* rows = source["rows"].as_array();
@@ -265,21 +338,34 @@ void Compiler::compileIcon(const toml::table& source) {
     if (!contents_.icons.emplace(icon.id, std::move(icon)).second) fault(source, what + ": comes twice");
 }
 
-void Compiler::compile(const std::string& path) {
-    path_ = path;
+std::optional<toml::table> Compiler::parse(const std::string& path) {
     try {
-        const toml::table source = toml::parse_file(path);
-        requireKeys(source, {"language", "list", "dialog", "icon"});
-        language_ = source["language"].value_or(std::string());
-        eachTable(source, "list", [&](const toml::table& list) { compileList(list); });
-        eachTable(source, "dialog", [&](const toml::table& dialog) { compileDialog(dialog); });
-        eachTable(source, "icon", [&](const toml::table& icon) { compileIcon(icon); });
+        return toml::parse_file(path);
     } catch (const toml::parse_error& error) {
         const auto line = error.source().begin.line;  // 0: the file couldn't be read at all
         const std::string place = line == 0 ? path : path + ":" + std::to_string(line);
         std::fprintf(stderr, "mcrsc: %s: %s\n", place.c_str(), std::string(error.description()).c_str());
         ++faults_;
+        return std::nullopt;
     }
+}
+
+void Compiler::compile(const Source& source) {
+    path_ = source.path;
+    requireKeys(source.table, {"language", "hooks", "list", "dialog", "icon"});
+    language_ = source.table["language"].value_or(std::string());
+    eachTable(source.table, "list", [&](const toml::table& list) { compileList(list); });
+    eachTable(source.table, "dialog", [&](const toml::table& dialog) { compileDialog(dialog); });
+    eachTable(source.table, "icon", [&](const toml::table& icon) { compileIcon(icon); });
+}
+
+// A dialog may name a hook of any source.
+void Compiler::compile(const std::vector<std::string>& paths) {
+    std::vector<Source> sources;
+    for (const std::string& path : paths)
+        if (std::optional<toml::table> table = parse(path)) sources.push_back({path, std::move(*table)});
+    for (const Source& source : sources) readHooks(source);
+    for (const Source& source : sources) compile(source);
 }
 
 void Compiler::requireEnglish() {
@@ -302,9 +388,10 @@ void Compiler::requireEnglish() {
 
 int runWith(int argc, char** argv) {
     CLI::App app("Compiles resource sources (TOML) into one resource file.", "mcrsc");
-    std::string output;
+    std::string output, names;
     std::vector<std::string> sources;
     app.add_option("-o,--output", output, "The resource file to make")->type_name("FILE.rsc");
+    app.add_option("-n,--names", names, "Also write a C++ header of the numbers by name")->type_name("FILE.h");
     app.add_option("sources", sources, "Sources of string lists, dialogs and icons")->type_name("FILE.toml");
     app.set_version_flag("--version", "mcrsc " MCHOST_VERSION);
     try {
@@ -320,7 +407,7 @@ int runWith(int argc, char** argv) {
     }
 
     Compiler compiler;
-    for (const std::string& source : sources) compiler.compile(source);
+    compiler.compile(sources);
     compiler.requireEnglish();
     if (compiler.faults() > 0) return 1;
     try {
@@ -329,7 +416,9 @@ int runWith(int argc, char** argv) {
         std::fprintf(stderr, "mcrsc: %s\n", error.what());
         return 1;
     }
-    return 0;
+    const std::string failed = names.empty() ? std::string() : compiler.names().write(names);
+    if (!failed.empty()) std::fprintf(stderr, "mcrsc: %s\n", failed.c_str());
+    return failed.empty() ? 0 : 1;
 }
 
 }  // namespace

@@ -49,6 +49,11 @@ enum {
     ITEM_COMBO_BOX = 0x64434278      /* dCBx */
 };
 enum { MDL_DIALOG_BOX = 0x64426f78 }; /* dBox: the type of a dialog box resource */
+/* Ids of the push buttons that end a modal dialog, and the replies that they give it. */
+enum { MDL_BUTTON_FIRST = -3, MDL_BUTTON_SECOND = -4 };
+enum { MDL_REPLY_FIRST = 3, MDL_REPLY_SECOND = 4 };
+/* Bits of DialogMessage::itemFlags: the item takes the focus; it is the one that Enter presses. */
+enum { ITEM_TAKES_FOCUS = 1, ITEM_IS_DEFAULT = 2 };
 
 typedef struct DialogMessage {
     int32_t handled;        /* set by the hook */
@@ -56,7 +61,7 @@ typedef struct DialogMessage {
     MdlDialog *dialog;
     MdlItem *item;          /* null in a message to the dialog */
     int32_t hookId;
-    int32_t itemFlags;      /* ITEM_CREATE: low bit focus, next bit default; a hook may clear them */
+    int32_t itemFlags;      /* ITEM_CREATE: ITEM_TAKES_FOCUS, ITEM_IS_DEFAULT; a hook may clear them */
     int32_t state;          /* ITEM_BUTTON: 1, pressed; others: the item's value as a number, 0 for other texts */
     int32_t changed;        /* ITEM_STATE_CHANGED: 1 when the value isn't the one before */
     int32_t attributes;     /* DIALOG_CREATE: attribute bits of the dialog, which the hook may add to */
@@ -111,9 +116,9 @@ MDL_EXPORT int mdlDialog_setAccessValue(const char *accessString, const char *te
 /* Opens a dialog from its layout in `rscFile` (0: any open one), for the current application; null when there is no such
  * layout. A dialog that the application has open already is brought to the front. */
 MDL_EXPORT MdlDialog *mdlDialog_open(RscHandle rscFile, int32_t dialogId);
-/* Opens it, runs it until a button (id -3 or -4 by its action) or a close ends it, and closes it. The id of the button's
- * action goes to replyP: 3 the first button, 4 the second, also when the dialog was closed without one. With the reply
- * 4: MDL_ERROR when nobody answers, MDL_DIALOG_NOT_SHOWN when there is no such layout or nowhere to show it. */
+/* Opens it, runs it until one of the two buttons or a close ends it, and closes it. The reply of the button goes to
+ * replyP; MDL_REPLY_SECOND also when the dialog was closed without one. With that reply: MDL_ERROR when nobody answers,
+ * MDL_DIALOG_NOT_SHOWN when there is no such layout or nowhere to show it. */
 enum { MDL_DIALOG_NOT_SHOWN = 0x8001 };
 MDL_EXPORT int mdlDialog_openModal(int32_t *replyP, RscHandle rscFile, int32_t dialogId);
 /* An open dialog of that id, of the given application (null: any). */
@@ -199,7 +204,8 @@ MDL_EXPORT int mdlDialog_optionButtonRowIsEnabled(const MdlItem *item, int32_t r
 
 /* ---- drawing into a window's display list; coordinates in pixels of the content area ---- */
 
-/* Fonts by index: 2 the dialog font, 4 the fixed font. Heights in pixels: 16 and 14. */
+/* Fonts by index. Heights in pixels: 16 and 14. */
+enum { MDL_FONT_DIALOG = 2, MDL_FONT_FIXED = 4 };
 MDL_EXPORT int32_t mdlDialog_fontHeight(int32_t fontIndex);
 MDL_EXPORT int32_t mdlDialog_stringWidth(const char *text, int32_t fontIndex);
 MDL_EXPORT void mdlDialog_setFontIndex(MdlDialog *dialog, int32_t fontIndex);

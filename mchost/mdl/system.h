@@ -102,13 +102,23 @@ MDL_EXPORT int mdlOutput_formatText(char *to, size_t size, const char *format, v
 MDL_EXPORT int toolSubsystem_printf(const char *format, ...) __attribute__((format(printf, 1, 2)));
 /* A text on a stream that dlmSystem_mdlFopen gave; the number of bytes written, negative on failure. */
 MDL_EXPORT int toolSubsystem_fprintf(FILE *stream, const char *format, ...) __attribute__((format(printf, 2, 3)));
-/* A text in a message field: 0 message, 1 status, 2 prompt, 3 error, 4 command. */
+/* Message fields. */
+enum {
+    MDL_FIELD_MESSAGE = 0,
+    MDL_FIELD_STATUS = 1,
+    MDL_FIELD_PROMPT = 2,
+    MDL_FIELD_ERROR = 3,
+    MDL_FIELD_COMMAND = 4
+};
+/* A text in a message field. */
 MDL_EXPORT int mdlOutput_printf(int field, const char *format, ...) __attribute__((format(printf, 2, 3)));
 /* The same with the string `messageId` of the string list `listId` in `rscFile` (0: any open resource file) as the
  * format. MDL_ERROR, with the field as it was, when there is no such string. */
 MDL_EXPORT int mdlOutput_rscPrintf(int field, RscHandle rscFile, int32_t listId, int32_t messageId, ...);
-/* A message for the message centre. Priority 10 is an error, 11 a warning, 12 information. `openAlert` non-zero also
- * waits until the user has taken note of it, where somebody is there. */
+/* Priorities of messages. */
+enum { MDL_PRIORITY_ERROR = 10, MDL_PRIORITY_WARNING = 11, MDL_PRIORITY_INFORMATION = 12 };
+/* A message for the message centre. `openAlert` non-zero also waits until the user has taken note of it, where somebody
+ * is there. */
 MDL_EXPORT int mdlOutput_messageCenter(int priority, const char *brief, const char *details, int openAlert);
 /* Formats the string `messageId` of the string list `listId` in `rscFile` (0: any open resource file) with the further
  * values into `buffer` (512 bytes). 0, or MDL_ERROR with the buffer untouched when there is no such string. */

@@ -8,6 +8,7 @@
 
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/lists.h"
+#include "mchost/mdl/names.hpp"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
 #include "mclib/elmattr/table.h"
@@ -17,8 +18,7 @@
 
 namespace {
 
-constexpr int attributeDialogId = 20013;
-constexpr int attributeListBoxId = 20001;
+constexpr mdl::ItemId attributeList = {ITEM_LIST_BOX, 20001};  // of the attribute dialog
 
 constexpr size_t cellLength = 83;     // characters of a cell
 constexpr size_t valuesLength = 255;  // characters of the values cell
@@ -209,9 +209,8 @@ StringList* createRows(GlobalData& gd, int group) {
 }
 
 void refreshDialog(GlobalData& gd, int id) {
-    MdlDialog* dialog = mdlDialog_find(attributeDialogId, mdlSystem_getCurrMdlDesc());
-    MdlItem* listBox =
-        dialog == nullptr ? nullptr : mdlDialog_itemGetByTypeAndId(dialog, ITEM_LIST_BOX, attributeListBoxId);
+    MdlDialog* dialog = mdlDialog_find(elmattr::dialogId, mdlSystem_getCurrMdlDesc());
+    MdlItem* listBox = dialog ? mdl::itemOf(dialog, attributeList) : nullptr;
     if (listBox == nullptr || gd.activeRecord == nullptr) return;
     StringList* before = mdlDialog_listBoxGetStrListP(listBox);
     StringList* rows = createRows(gd, gd.activeRecord->group);

@@ -34,6 +34,8 @@ struct ElmAttrRecord {
 
 namespace elmattr {
 
+constexpr int32_t dialogId = 20013;  // of an application that has the attribute dialog
+
 // What the options of a kind show; the other kinds have none.
 constexpr bool hasIcons(int32_t kind) {
     return kind == ATTR_KIND_SYMBOL || kind == ATTR_KIND_SIZED_SYMBOL || kind == ATTR_KIND_LABELLED_SYMBOL;

@@ -74,7 +74,8 @@ ElementDescr* makeTextNode(MSElementBuffer* element, const char* text, ModelRef*
 
 // The text stays as the form has it.
 int leaveText() {
-    mdlOutput_messageCenter(10, "A text of the form couldn't be filled and stays as it is: there is no memory for it",
+    mdlOutput_messageCenter(MDL_PRIORITY_ERROR,
+                            "A text of the form couldn't be filled and stays as it is: there is no memory for it",
                             "Close other programs and make the page again.", 0);
     mdlSystem_noteFailure();
     return MDL_MODIFY_NONE;

@@ -22,8 +22,8 @@ void tellMissing(const char* cellName) {
                              shownPath(tcbP->cellLibraryName) + ", so a page lacks it.";
     if (std::ranges::find(toldMissing, line) != toldMissing.end()) return;
     toldMissing.push_back(line);
-    constexpr int error = 11;
-    mdlOutput_messageCenter(error, line.c_str(), "Use a library that has it, or compile it into this one.", 0);
+    mdlOutput_messageCenter(MDL_PRIORITY_WARNING, line.c_str(),
+                            "Use a library that has it, or compile it into this one.", 0);
 }
 
 }  // namespace

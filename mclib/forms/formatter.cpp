@@ -6,12 +6,11 @@
 
 #include "mchost/mdl/system.h"
 #include "mclib/forms/value.h"
-#include "mclib/frame/errors.h"
+#include "mclib/frame/named_messages.hpp"
+#include "resources/ids.h"
 
 namespace forms {
 namespace {
-
-constexpr int rowBeyondArray = 15;  // of the list of errors
 
 constexpr bool isLetter(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
@@ -147,7 +146,7 @@ int generateText(std::span<char> buffer, const FormatRequest& request) {
         }
         const Code code = readCode(at, request.useRows);
         if (code.row >= rowCount) {
-            mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, rowBeyondArray, code.row + 1, code.from, rowCount);
+            mc::showNotice(ids::errors::rowBeyondArray, code.row + 1, code.from, rowCount);
             return MCLIB_FORM_BAD_ROW;
         }
         if (!*code.name) break;

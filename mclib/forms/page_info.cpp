@@ -5,30 +5,28 @@
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/system.h"
 #include "mclib/forms/pages.h"
-#include "mclib/frame/errors.h"
 #include "mclib/frame/main.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/project/shared.h"
 #include "mclib/project/store.h"
+#include "resources/ids.h"
 
 namespace forms {
 
 namespace {
 
-enum { INFO_PAGE_OPTION_BUTTON = 20015 };
-enum { QUESTION_DELETE_ALL = 9, QUESTION_SAVE = 10 };
 enum {
     DELETE_ALL_FLAGS = MSGBOX_KIND_8 | MSGBOX_FIRST_16 | MSGBOX_SECOND_128,
     SAVE_FLAGS = MSGBOX_KIND_8 | MSGBOX_FIRST_32 | MSGBOX_SECOND_256,
 };
-static_assert(DELETE_ALL_FLAGS == 152 && SAVE_FLAGS == 296);
 
 MdlDialog* findPageInfo() {
-    return mdlDialog_find(PAGE_INFO_DIALOG, mdlSystem_getCurrMdlDesc());
+    return mdlDialog_find(ids::pageInfo::id, mdlSystem_getCurrMdlDesc());
 }
 
 MdlItem* pageButtonOf(MdlDialog* dialog) {
-    return mdlDialog_itemGetByTypeAndId(dialog, ITEM_OPTION_BUTTON, INFO_PAGE_OPTION_BUTTON);
+    return mdl::itemOf(dialog, ids::pageInfo::page);
 }
 
 // ---- the block ----
@@ -63,8 +61,7 @@ void writeBlock(GlobalData& data) {
 // Before changes to the block are lost. Where the user wants them kept they are written.
 void askWhetherToSave(GlobalData& data) {
     if (data.pageInfoSaved) return;
-    if (mclibError_rscMsgBoxPrintf(SAVE_FLAGS, MCLIB_QUESTIONS, QUESTION_SAVE, mclibsd->pageName) != MSGBOX_SECOND)
-        writeBlock(data);
+    if (mc::showBox(SAVE_FLAGS, ids::questions::savePage, mclibsd->pageName) != MSGBOX_SECOND) writeBlock(data);
 }
 
 // ---- what the buttons do ----
@@ -86,7 +83,7 @@ void cleanUp(GlobalData& data, MdlDialog*) {
 }
 
 void deleteAll(GlobalData& data, MdlDialog* dialog) {
-    if (mclibError_rscMsgBoxPrintf(DELETE_ALL_FLAGS, MCLIB_QUESTIONS, QUESTION_DELETE_ALL) != MSGBOX_FIRST) return;
+    if (mc::showBox(DELETE_ALL_FLAGS, ids::questions::deleteAllPages) != MSGBOX_FIRST) return;
     mclibProject_deletePageInfoFromDesignFile(nullptr, nullptr);
     emptyBlock(data);
     mdlDialog_itemsSynch(dialog);
@@ -104,7 +101,7 @@ void changeInfoPage(GlobalData& data, MdlDialog* dialog) {
 // ---- hooks ----
 
 void createInfo(GlobalData& data) {
-    mclibMain_updateBeforeDialogOpen(PAGE_INFO_DIALOG);
+    mclibMain_updateBeforeDialogOpen(ids::pageInfo::id);
     data.fileDialogP->pageInfoChoice = data.fileDialogP->pageChoice;
     readBlock(data, data.fileDialogP->pageInfoChoice);
 }
@@ -151,19 +148,19 @@ void infoText(DialogMessage* message) {
 }
 
 constexpr auto pageInfoHooks = std::to_array<DialogHook>({
-    {20084, pageInfoDialog},
-    {20085, infoPageButton},
-    {20086, infoButton<saveInfo>},
-    {20087, infoButton<deleteInfo>},
-    {20088, infoButton<cleanUp>},
-    {20089, infoButton<deleteAll>},
-    {20090, infoText},
+    {ids::hooks::pageInfo, pageInfoDialog},
+    {ids::hooks::chooseInfoPage, infoPageButton},
+    {ids::hooks::savePageInfo, infoButton<saveInfo>},
+    {ids::hooks::deletePageInfo, infoButton<deleteInfo>},
+    {ids::hooks::cleanUpPageInfo, infoButton<cleanUp>},
+    {ids::hooks::deleteAllPageInfo, infoButton<deleteAll>},
+    {ids::hooks::pageInfoText, infoText},
 });
 
 }  // namespace
 
 void openPageInfo() {
-    mdlDialog_open(0, PAGE_INFO_DIALOG);
+    mdlDialog_open(0, ids::pageInfo::id);
 }
 
 void readPageInfo(GlobalData& data, int32_t page) {
@@ -185,8 +182,8 @@ void publishPageInfoHooks() {
 }
 
 KeepEditedBlocks::KeepEditedBlocks() {
-    if (mdlDialog_find(PROJECT_DIALOG, nullptr)) project_ = *mclibpd;
-    if (mdlDialog_find(PAGE_INFO_DIALOG, nullptr)) page_ = *mclibsd;
+    if (mdlDialog_find(ids::project::id, nullptr)) project_ = *mclibpd;
+    if (mdlDialog_find(ids::pageInfo::id, nullptr)) page_ = *mclibsd;
 }
 
 KeepEditedBlocks::~KeepEditedBlocks() {

@@ -8,7 +8,6 @@
 
 namespace forms {
 
-enum { PAGE_INFO_DIALOG = 20024 };
 void openPageInfo();
 // The page of that number is on show from now on: reads what its title block says. An open page information dialog goes
 // along to it, and asks before changes are lost.

@@ -10,17 +10,18 @@
 #include "mclib/forms/form_cell.h"
 #include "mclib/forms/page_info.h"
 #include "mclib/frame/errors.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/geometry/elmdscr.h"
 #include "mclib/print/shared.h"
 #include "mclib/project/store.h"
+#include "resources/ids.h"
 
 namespace forms {
 
 namespace {
 
 enum { orientationTurned = 0, orientationByShape = 2 };
-enum { ERROR_NAMES = 40 };
 
 // Of the preview that was opened last; they stay until the next one opens.
 struct ApplicationFunctions {
@@ -80,7 +81,7 @@ bool canBeRecorded(char* const* names, int32_t count) {
     char** const found = std::adjacent_find(sorted.get(), end, twins);
     if (found == end) return true;
     const std::string shared(asRecorded(*found));
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NAMES, shared.c_str());
+    mc::showNotice(ids::errors::namesTooAlike, shared.c_str());
     mdlSystem_noteFailure();
     return false;
 }

@@ -56,21 +56,6 @@ bool isTurned(const ElementDescr* page);
 
 // ---- the dialog ----
 
-enum { PREVIEW_DIALOG = 20005 };
-// Its items. The page area is the last one of the layout.
-enum {
-    PAGE_OPTION_BUTTON = 20001,
-    PAGE_AREA = 20002,
-    SETUP_BUTTON = 20006,
-    PRINT_BUTTON = 20007,
-    NEW_LIST_BUTTON = 20009,
-    PLACE_BUTTON = 20010,
-    SPREADSHEET_BUTTON = 20011,
-    PAGE_INFO_BUTTON = 20083,
-    PROJECT_BUTTON = 20092,
-    CLOSE_BUTTON = -4
-};
-
 void publishPreviewHooks();
 // Makes the page on show anew, and draws it where the dialog is open.
 void showPage(GlobalData& data);

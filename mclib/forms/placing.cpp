@@ -9,18 +9,17 @@
 #include "mchost/mdl/state.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
-#include "mclib/frame/errors.h"
 #include "mclib/frame/main.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/elmdscr.h"
 #include "mclib/print/shared.h"
+#include "resources/ids.h"
 
 namespace forms {
 
 namespace {
 
-enum { PROMPT_PLACE = 35 };
-enum { ERROR_PLACE = 32, ERROR_NO_DESIGN_FILE = 34 };
 enum { orientationTurned = 0 };
 constexpr double crossArm = 2;  // master units
 
@@ -188,14 +187,14 @@ PlacedPage placePage(GlobalData& data, int32_t number, bool inDrawing, const std
 
 bool tellUnlessPlaced(const GlobalData& data, int32_t number, const PlacedPage& placed) {
     if (!placed.made || placed.position != 0) return true;
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_PLACE, pageName(data, number));
+    mc::showNotice(ids::errors::notPlaced, pageName(data, number));
     mdlSystem_noteFailure();
     return false;
 }
 
 bool hasDrawing() {
     if (mdlModelRef_getActive()) return true;
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NO_DESIGN_FILE);
+    mc::showNotice(ids::errors::noDesignFile);
     mdlSystem_noteFailure();
     return false;
 }
@@ -207,7 +206,7 @@ void startPlacing(GlobalData& data, bool forPlot) {
     mdlState_startPrimitive(dataPoint, nullptr, 0, 0);
     mdlState_setFunction(MDL_STATE_RESET, reset);
     mdlState_setFunction(MDL_STATE_DYNAMICS, reinterpret_cast<MdlStateFunction>(showSheets));
-    mdlOutput_prompt(mclibUtil_getLanguageText(PROMPT_PLACE));
+    mdlOutput_prompt(mc::languageText(ids::texts::giveCorner));
 }
 
 }  // namespace forms

@@ -12,11 +12,12 @@
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
 #include "mclib/forms/placing.h"
-#include "mclib/frame/errors.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/shown_path.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/print/plot_name.h"
 #include "mclib/print/shared.h"
+#include "resources/ids.h"
 
 namespace forms {
 
@@ -24,12 +25,6 @@ namespace {
 
 using print::plotOf;
 
-enum { PRINT_DIALOG = 20007 };
-enum { REPLY_OK = 3 };
-enum { MESSAGE_FIELD = 0 };
-enum { NOTICE_NONE = 0, NOTICE_PAGE = 1, NOTICE_POINT = 14 };
-enum { ERROR_PLOT = 33, ERROR_LAST_PLOT = 35, ERROR_COPIES = 43 };
-enum { TEXT_PLOTTED = 62 };
 enum { UNITS_MILLIMETRES = 4 };
 constexpr int pointBox = MSGBOX_KIND_4 | MSGBOX_FIRST_64;
 constexpr int goOnBox = MSGBOX_KIND_1 | MSGBOX_FIRST_64 | MSGBOX_SECOND_512;
@@ -119,14 +114,14 @@ std::string fileFor(MdlPlotDesc* descr, const PlotPage& page) {
 }
 
 bool plotPage(MdlPlotDesc* descr, const PlotPage& page) {
-    mdlOutput_rscPrintf(MESSAGE_FIELD, 0, MCLIB_QUESTIONS, NOTICE_PAGE, page.name);
+    mdl::printMessage(MDL_FIELD_MESSAGE, ids::questions::printingPage, page.name);
     if (mdlPlotDesc_setFenceFromTCB(descr, 1) != MDL_SUCCESS) return false;
     mdlPlotDesc_setNumCopies(descr, mclibpsd->copies);
     mdlPlotDesc_maximize(descr);
     const std::string file = fileFor(descr, page);
     if (mdlPlotDesc_plot(descr, file.empty() ? nullptr : file.c_str()) != MDL_SUCCESS) return false;
     if (!file.empty())
-        toolSubsystem_printf("%s: %s\n", mclibUtil_getLanguageText(TEXT_PLOTTED), shownPath(file.c_str()).c_str());
+        toolSubsystem_printf("%s: %s\n", mc::languageText(ids::texts::plotted), shownPath(file.c_str()).c_str());
     return true;
 }
 
@@ -175,8 +170,8 @@ void placeAll(GlobalData& data, const Point3d& point, int32_t view) {
 // Whether the user wants the pages behind one that failed; there is nothing to ask when it was the last.
 bool goesOnAfter(const PlotPage& failed, bool isLast) {
     mdlSystem_noteFailure();
-    if (!isLast) return mclibError_rscMsgBoxPrintf(goOnBox, MCLIB_ERRORS, ERROR_PLOT, failed.name) != MSGBOX_SECOND;
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_LAST_PLOT, failed.name);
+    if (!isLast) return mc::showBox(goOnBox, ids::errors::notPlottedGoOn, failed.name) != MSGBOX_SECOND;
+    mc::showNotice(ids::errors::notPlotted, failed.name);
     return false;
 }
 
@@ -194,7 +189,7 @@ void plotAll(const GlobalData& data) {
 // Whether a system printer has something to make. Tells when not.
 bool hasCopies(const GlobalData& data) {
     if (mclibpsd->copies > 0 || !print::plotsToSystem(mdlPlotDesc_getPlotter(plotOf(data)))) return true;
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_COPIES);
+    mc::showNotice(ids::errors::noCopies);
     mdlSystem_noteFailure();
     return false;
 }
@@ -214,15 +209,15 @@ void plotAt(GlobalData& data, const Point3d& point, int32_t view) {
         plotAll(data);
     }
     dropPlot(data);
-    mdlOutput_rscPrintf(MESSAGE_FIELD, 0, MCLIB_QUESTIONS, NOTICE_NONE);
+    mdl::printMessage(MDL_FIELD_MESSAGE, ids::questions::nothing);
 }
 
 void plotPages(GlobalData& data) {
     if (!hasDrawing() || !preparePlot(data)) return mdlSystem_noteFailure();
     int32_t reply = 0;
-    mdlDialog_openModal(&reply, 0, PRINT_DIALOG);
-    if (reply != REPLY_OK || !hasCopies(data)) return dropPlot(data);
-    mclibError_rscMsgBoxPrintf(pointBox, MCLIB_QUESTIONS, NOTICE_POINT);
+    mdlDialog_openModal(&reply, 0, ids::print::id);
+    if (reply != MDL_REPLY_FIRST || !hasCopies(data)) return dropPlot(data);
+    mc::showBox(pointBox, ids::questions::giveThePoint);
     startPlacing(data, true);
 }
 

@@ -12,37 +12,34 @@
 #include "mclib/forms/placing.h"
 #include "mclib/forms/preview_window.h"
 #include "mclib/forms/print_job.h"
-#include "mclib/frame/errors.h"
 #include "mclib/frame/main.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/resource_files.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/print/setup.h"
 #include "mclib/print/setup_store.h"
 #include "mclib/project/dialog.h"
 #include "mclib/project/shared.h"
+#include "resources/ids.h"
 
 namespace forms {
 
 namespace {
 
-enum { PLACE_DIALOG = 20012 };
-enum { TEMPLATE_TEXT = 20071 };
-enum { TEMPLATE_TITLE = 33 };
-enum { ERROR_NO_SPREADSHEET = 30 };
-enum { REPLY_OK = 3 };
-enum { DRAWING_FLAGS = 3 };  // itemFlags: focus and default, which an item that only draws has not
-enum { TAKE_PAGE = 1 };      // signal to the button of a new page list: its value is the page to show
-enum { SHOW_ANEW = 1 };      // signal to the button of the page
+using mdl::itemOf;
+
+enum { TAKE_PAGE = 1 };  // signal to the button of a new page list: its value is the page to show
+enum { SHOW_ANEW = 1 };  // signal to the button of the page
 constexpr int32_t templateDefaults = -20005;
 
 MdlItem* optionButtonOf(MdlDialog* dialog) {
-    return mdlDialog_itemGetByTypeAndId(dialog, ITEM_OPTION_BUTTON, PAGE_OPTION_BUTTON);
+    return itemOf(dialog, ids::preview::page);
 }
 
 bool accepted(int32_t dialogId) {
     int32_t reply = 0;
     mdlDialog_openModal(&reply, 0, dialogId);
-    return reply == REPLY_OK;
+    return reply == MDL_REPLY_FIRST;
 }
 
 // ---- the page on show ----
@@ -89,7 +86,7 @@ void leavePreview(GlobalData& data, const MdlDialog* dialog) {
 void resizePreview(DialogMessage* message) {
     if (!message->resized) return;
     layOutPreview(message->dialog);
-    mdlDialog_itemDraw(mdlDialog_itemGetByTypeAndId(message->dialog, ITEM_GENERIC, PAGE_AREA));
+    mdlDialog_itemDraw(itemOf(message->dialog, ids::preview::pageArea));
 }
 
 void previewDialog(DialogMessage* message) {
@@ -98,8 +95,8 @@ void previewDialog(DialogMessage* message) {
     if (!data) return;
     switch (message->type) {
         case DIALOG_CREATE:
-            mclibMain_updateBeforeDialogOpen(PREVIEW_DIALOG);
-            mclibMain_updateBeforeDialogOpen(PAGE_INFO_DIALOG);  // its values are this application's from now on
+            mclibMain_updateBeforeDialogOpen(ids::preview::id);
+            mclibMain_updateBeforeDialogOpen(ids::pageInfo::id);  // its values are this application's from now on
             message->attributes |= DIALOG_SIZABLE;
             break;
         case DIALOG_INIT: initPreview(*data, message->dialog); break;
@@ -114,7 +111,7 @@ void pageAreaItem(DialogMessage* message) {
     message->handled = data != nullptr;
     if (!data) return;
     switch (message->type) {
-        case ITEM_CREATE: message->itemFlags &= ~DRAWING_FLAGS; break;
+        case ITEM_CREATE: message->itemFlags = 0; break;
         case ITEM_DRAW: drawPreview(*data, message->dialog); break;
         default: message->handled = 0;
     }
@@ -132,7 +129,7 @@ void pageButton(DialogMessage* message) {
 
 // The preview that is open makes its page anew, whichever application it belongs to.
 void showPageAnew() {
-    if (MdlDialog* const open = mdlDialog_find(PREVIEW_DIALOG, nullptr))
+    if (MdlDialog* const open = mdlDialog_find(ids::preview::id, nullptr))
         mdlDialog_itemSignal(optionButtonOf(open), SHOW_ANEW, 0);
 }
 
@@ -150,7 +147,7 @@ void newListButton(DialogMessage* message) {
 
 void openSetup(GlobalData&, MdlDialog* dialog) {
     mclibPrintSet_dialogOpen();
-    mdlDialog_itemDraw(mdlDialog_itemGetByTypeAndId(dialog, ITEM_GENERIC, PAGE_AREA));
+    mdlDialog_itemDraw(itemOf(dialog, ids::preview::pageArea));
 }
 
 void print(GlobalData& data, MdlDialog*) {
@@ -158,22 +155,22 @@ void print(GlobalData& data, MdlDialog*) {
 }
 
 void place(GlobalData& data, MdlDialog*) {
-    if (hasDrawing() && accepted(PLACE_DIALOG)) startPlacing(data, false);
+    if (hasDrawing() && accepted(ids::placePages::id)) startPlacing(data, false);
 }
 
 // This version doesn't reach the spreadsheet program, so it asks nothing either.
 void spreadsheet(GlobalData&, MdlDialog*) {
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_NO_SPREADSHEET);
+    mc::showNotice(ids::errors::noSpreadsheet);
     mdlSystem_noteFailure();
 }
 
 void chooseTemplate(GlobalData& data, MdlDialog* dialog) {
     char name[256] = "";
-    if (mclibUpf_defFileOpen(name, nullptr, "*.xlt", "MC_DIR", mclibUtil_getLanguageText(TEMPLATE_TITLE),
+    if (mclibUpf_defFileOpen(name, nullptr, "*.xlt", "MC_DIR", mc::languageText(ids::texts::chooseTemplate),
                              templateDefaults) != MDL_SUCCESS)
         return;
     copyText(data.fileDialogP->excelTemplate, name);
-    mdlDialog_itemSynch(mdlDialog_itemGetByTypeAndId(dialog, ITEM_TEXT, TEMPLATE_TEXT));
+    mdlDialog_itemSynch(itemOf(dialog, ids::spreadsheet::workbookTemplate));
 }
 
 void pageInformation(GlobalData&, MdlDialog*) {
@@ -192,17 +189,17 @@ void button(DialogMessage* message) {
 }
 
 constexpr auto previewHooks = std::to_array<DialogHook>({
-    {20004, previewDialog},
-    {20005, pageAreaItem},
-    {20006, button<openSetup>},
-    {20007, button<print>},
-    {20008, pageButton},
-    {20009, newListButton},
-    {20010, button<place>},
-    {20011, button<spreadsheet>},
-    {20012, button<chooseTemplate>},
-    {20083, button<pageInformation>},
-    {20092, button<projectData>},
+    {ids::hooks::preview, previewDialog},
+    {ids::hooks::pageArea, pageAreaItem},
+    {ids::hooks::openSetup, button<openSetup>},
+    {ids::hooks::printPages, button<print>},
+    {ids::hooks::choosePage, pageButton},
+    {ids::hooks::newPages, newListButton},
+    {ids::hooks::placePages, button<place>},
+    {ids::hooks::sendToSpreadsheet, button<spreadsheet>},
+    {ids::hooks::chooseTemplate, button<chooseTemplate>},
+    {ids::hooks::openPageInfo, button<pageInformation>},
+    {ids::hooks::openProject, button<projectData>},
 });
 
 }  // namespace
@@ -215,8 +212,8 @@ void fillWithPageNames(const GlobalData& data, MdlItem* optionButton) {
 void showPage(GlobalData& data) {
     mdlElmdscr_freeAll(&data.previewDescr);
     makePage(data, data.previewPage, false, &data.previewDescr);
-    if (MdlDialog* dialog = mdlDialog_find(PREVIEW_DIALOG, mdlSystem_getCurrMdlDesc()))
-        mdlDialog_itemDraw(mdlDialog_itemGetByTypeAndId(dialog, ITEM_GENERIC, PAGE_AREA));
+    if (MdlDialog* dialog = mdlDialog_find(ids::preview::id, mdlSystem_getCurrMdlDesc()))
+        mdlDialog_itemDraw(mdl::itemOf(dialog, ids::preview::pageArea));
 }
 
 void publishPreviewHooks() {
@@ -236,13 +233,12 @@ MdlDialog* mclibPreview_dialogOpenExtended(int pageCount, int firstShown, char* 
                                            McPageFunction pageFunction, McPageListFunction pageListFunction) {
     GlobalData* data = mclibMain_getGlobalDataP();
     if (!data) return nullptr;
-    if (MdlDialog* open = mdlDialog_find(forms::PREVIEW_DIALOG, mdlSystem_getCurrMdlDesc()))
-        mdlWindow_close(open, 0, 1);
+    if (MdlDialog* open = mdlDialog_find(ids::preview::id, mdlSystem_getCurrMdlDesc())) mdlWindow_close(open, 0, 1);
     forms::setFunctions(pageFunction, pageListFunction);
     if (!forms::setPageNames(*data, pageCount, pageNames)) return nullptr;
     data->fileDialogP->pageChoice = std::clamp(firstShown, 0, std::max(pageCount - 1, 0));
     data->fileDialogP->pagesPerRow = 1;
-    return mdlDialog_open(0, forms::PREVIEW_DIALOG);
+    return mdlDialog_open(0, ids::preview::id);
 }
 
 void mclibPreview_setUserPrintFunction(McUserPrintFunction function) {

@@ -11,20 +11,19 @@
 #include "mchost/mdl/view.h"
 #include "mclib/forms/pages.h"
 #include "mclib/forms/preview_extent.h"
-#include "mclib/frame/errors.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/preference_file.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/elmdscr.h"
 #include "mclib/print/page_look.h"
 #include "mclib/print/shared.h"
+#include "resources/ids.h"
 
 namespace forms {
 
 namespace {
 
-enum { FONT_DIALOG = 2 };
-enum { TITLE_TEXT = 32 };
 enum { PAPER_COLOR = 7 };
 
 constexpr uint32_t pageViewFlags[3] = {0x12084, 0, 0};
@@ -90,22 +89,22 @@ constexpr double stripWidth = 10.0;  // on the right, where the buttons stand
 constexpr int32_t sheetInset = 5;    // pixels, from the area's edge to the sheet
 
 struct PlacedItem {
-    int32_t type, id;
+    mdl::ItemId item;
     double top, indent;  // the indent has the item's label
 };
 constexpr double itemHeight = 1.5;
 // clang-format off
 constexpr auto strip = std::to_array<PlacedItem>({
-    // item                                    top    indent
-    {ITEM_OPTION_BUTTON, PAGE_OPTION_BUTTON,   0.5,   2.75},
-    {ITEM_PUSH_BUTTON,   NEW_LIST_BUTTON,      2.5,   0.0},
-    {ITEM_PUSH_BUTTON,   PAGE_INFO_BUTTON,     5.0,   0.0},
-    {ITEM_PUSH_BUTTON,   PROJECT_BUTTON,       6.75,  0.0},
-    {ITEM_PUSH_BUTTON,   SETUP_BUTTON,         9.25,  0.0},
-    {ITEM_PUSH_BUTTON,   PRINT_BUTTON,        11.0,   0.0},
-    {ITEM_PUSH_BUTTON,   PLACE_BUTTON,        12.75,  0.0},
-    {ITEM_PUSH_BUTTON,   SPREADSHEET_BUTTON,  14.5,   0.0},
-    {ITEM_PUSH_BUTTON,   CLOSE_BUTTON,        17.0,   0.0},
+    // item                      top    indent
+    {ids::preview::page,         0.5,   2.75},
+    {ids::preview::newPages,     2.5,   0.0},
+    {ids::preview::pageInfo,     5.0,   0.0},
+    {ids::preview::project,      6.75,  0.0},
+    {ids::preview::setup,        9.25,  0.0},
+    {ids::preview::print,       11.0,   0.0},
+    {ids::preview::place,       12.75,  0.0},
+    {ids::preview::spreadsheet, 14.5,   0.0},
+    {ids::preview::close,       17.0,   0.0},
 });
 // clang-format on
 
@@ -127,7 +126,7 @@ void place(MdlItem* item, const DialogRect& rect) {
 
 void setTitle(const GlobalData& data, MdlDialog* dialog) {
     char title[messageTextSize];
-    formatText(title, "%s - %s", mclibUtil_getLanguageText(TITLE_TEXT), data.applicationName);
+    formatText(title, "%s - %s", mc::languageText(ids::texts::preview), data.applicationName);
     mdlWindow_titleSet(dialog, title);
 }
 
@@ -183,9 +182,9 @@ void layOutPreview(MdlDialog* dialog) {
     const int32_t right = window.right - pixels(edge * f);
     const int32_t left = window.right - pixels((stripWidth - edge) * f);
     for (const PlacedItem& row : strip)
-        place(mdlDialog_itemGetByTypeAndId(dialog, row.type, row.id),
+        place(mdl::itemOf(dialog, row.item),
               {left + pixels(row.indent * f), pixels(row.top * f), right, pixels((row.top + itemHeight) * f)});
-    place(mdlDialog_itemGetByTypeAndId(dialog, ITEM_GENERIC, PAGE_AREA), pageArea(window, f));
+    place(mdl::itemOf(dialog, ids::preview::pageArea), pageArea(window, f));
 }
 
 void drawPreview(const GlobalData& data, MdlDialog* dialog) {

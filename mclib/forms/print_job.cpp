@@ -12,8 +12,8 @@
 #include "mclib/forms/form_cell.h"
 #include "mclib/forms/page_info.h"
 #include "mclib/forms/pages.h"
-#include "mclib/frame/errors.h"
 #include "mclib/frame/main.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/resource_files.h"
 #include "mclib/frame/shown_path.h"
 #include "mclib/frame/text_buffer.h"
@@ -22,26 +22,22 @@
 #include "mclib/print/print.h"
 #include "mclib/print/setup_store.h"
 #include "mclib/print/shared.h"
+#include "resources/ids.h"
 
 namespace forms {
 
 namespace {
 
-enum { PRINT_DIALOG = 20007 };
-enum { REPLY_CANCEL = 4 };
-enum { MESSAGE_FIELD = 0 };
-enum { NOTICE_NONE = 0, NOTICE_PAGE = 1, NOTICE_SENDING = 2 };
-enum { ERROR_OPEN = 1, ERROR_STORE = 2, ERROR_SENDING = 31 };
-enum { ERROR_MARGINS = 41, ERROR_NO_PRINTER = 42, ERROR_COPIES = 43, ERROR_NO_PAGE = 44 };
-enum { TEXT_FILE_TITLE = 34 };
 constexpr int32_t textFileDefaults = -20003;
 
-void tell(int message) {
-    mdlOutput_rscPrintf(MESSAGE_FIELD, 0, MCLIB_QUESTIONS, message);
+using FileMessage = mdl::Message<MCLIB_ERRORS, const char*>;
+
+void tell(mdl::Message<MCLIB_QUESTIONS> message) {
+    mdl::printMessage(MDL_FIELD_MESSAGE, message);
 }
 
 void tellPage(const char* name) {
-    mdlOutput_rscPrintf(MESSAGE_FIELD, 0, MCLIB_QUESTIONS, NOTICE_PAGE, name);
+    mdl::printMessage(MDL_FIELD_MESSAGE, ids::questions::printingPage, name);
 }
 
 // ---- one page ----
@@ -136,8 +132,8 @@ bool printAsked(GlobalData& data) {
 
 std::optional<std::string> askForTextFile() {
     char name[256] = "";
-    const int status = mclibUpf_defFileCreate(name, nullptr, "*.txt", nullptr,
-                                              mclibUtil_getLanguageText(TEXT_FILE_TITLE), textFileDefaults);
+    const int status = mclibUpf_defFileCreate(name, nullptr, "*.txt", nullptr, mc::languageText(ids::texts::savePage),
+                                              textFileDefaults);
     if (status != MDL_SUCCESS) return std::nullopt;
     return name;
 }
@@ -148,29 +144,28 @@ std::optional<std::string> askForTarget(GlobalData& data) {
         data.fileDialogP->printRange = printCurrentPage;  // such a job is one page
         return askForTextFile();
     }
-    int32_t reply = REPLY_CANCEL;
-    mdlDialog_openModal(&reply, 0, PRINT_DIALOG);
-    if (reply == REPLY_CANCEL) return std::nullopt;
+    int32_t reply = MDL_REPLY_SECOND;
+    mdlDialog_openModal(&reply, 0, ids::print::id);
+    if (reply == MDL_REPLY_SECOND) return std::nullopt;
     return mclibpsd->fileName;
 }
 
-void report(int message) {
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, message);
+void report(mdl::Message<MCLIB_ERRORS> message) {
+    mc::showNotice(message);
     mdlSystem_noteFailure();
 }
 
-void reportFile(int message, const std::string& file) {
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, message, shownPath(file.c_str()).c_str());
+void reportFile(FileMessage message, const std::string& file) {
+    mc::showNotice(message, shownPath(file.c_str()).c_str());
     mdlSystem_noteFailure();
 }
 
 void sendToPrinter() {
-    if (!print::printerIsChosen()) return reportFile(ERROR_NO_PRINTER, mclibpsd->fileName);
-    tell(NOTICE_SENDING);
+    if (!print::printerIsChosen()) return reportFile(ids::errors::noPrinter, mclibpsd->fileName);
+    tell(ids::questions::sendingPages);
     if (mclibPrint_sendFileToPrinter(mclibpsd->fileName, mclibpsd->printerName, mclibpsd->copies) == MCLIB_SUCCESS)
         return;
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, ERROR_SENDING, shownPath(mclibpsd->fileName).c_str(),
-                               mclibpsd->printerName);
+    mc::showNotice(ids::errors::notSent, shownPath(mclibpsd->fileName).c_str(), mclibpsd->printerName);
     mdlSystem_noteFailure();
 }
 
@@ -181,8 +176,8 @@ bool isSent(int32_t device) {
 
 // Whether the set-up lets something be printed. Tells when not.
 bool canPrint(int32_t device) {
-    if (!userPrintFunction() && printableArea().isEmpty()) return report(ERROR_MARGINS), false;
-    if (isSent(device) && mclibpsd->copies < 1) return report(ERROR_COPIES), false;
+    if (!userPrintFunction() && printableArea().isEmpty()) return report(ids::errors::marginsLeaveNothing), false;
+    if (isSent(device) && mclibpsd->copies < 1) return report(ids::errors::noCopies), false;
     return true;
 }
 
@@ -196,7 +191,7 @@ void usePageSize() {
 bool closeFile(const std::string& file) {
     mclibPrint_fclose();
     const bool stored = mclibPrint_jobStatus() == MCLIB_SUCCESS;
-    if (!stored) reportFile(ERROR_STORE, file);
+    if (!stored) reportFile(ids::errors::cantClose, file);
     return stored;
 }
 
@@ -210,12 +205,12 @@ void printPages(GlobalData& data) {
     if (!file || !canPrint(device)) return;
     tellMissingCellsAnew();
     usePageSize();
-    if (!mclibPrint_fopen(file->c_str(), device)) return reportFile(ERROR_OPEN, *file);
+    if (!mclibPrint_fopen(file->c_str(), device)) return reportFile(ids::errors::cantOpen, *file);
     const bool any = printAsked(data);
     const bool stored = closeFile(*file);
-    if (!any) report(ERROR_NO_PAGE);
+    if (!any) report(ids::errors::noPages);
     if (any && stored && isSent(device)) sendToPrinter();
-    tell(NOTICE_NONE);
+    tell(ids::questions::nothing);
 }
 
 }  // namespace forms
@@ -228,16 +223,16 @@ int mclibPreview_printPages(int pageCount, char* const* pageNames, McPageFunctio
     setFunctions(pageFunction, nullptr);
     setUserPrintFunction(nullptr);
     if (printableArea().isEmpty()) {
-        report(ERROR_MARGINS);
+        report(ids::errors::marginsLeaveNothing);
         return MCLIB_ERROR;
     }
     const PageSpan span{std::max(first, 0), std::min(last, pageCount - 1)};
     if (!mclibPrint_fopen(fileName, device)) {
-        reportFile(ERROR_OPEN, fileName);
+        reportFile(ids::errors::cantOpen, fileName);
         return MCLIB_ERROR;
     }
     const int32_t printed = printSpan(*data, span);
     const bool stored = closeFile(fileName);
-    tell(NOTICE_NONE);
+    tell(ids::questions::nothing);
     return stored && printed == span.last - span.first + 1 ? MCLIB_SUCCESS : MCLIB_ERROR;
 }

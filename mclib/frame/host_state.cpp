@@ -6,15 +6,15 @@
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
-#include "mclib/frame/errors.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/util.h"
+#include "resources/ids.h"
 
 namespace {
 
 constexpr const char* workmodes[] = {"DGN", "DWG", "V7"};
 constexpr int workmodeV7 = 2;
 constexpr int userLevel = 4;
-constexpr int powerDraftNotice = 20;
 
 bool isDefined(const char* variable) {
     return mdlSystem_getenv(nullptr, variable, 1) == 0;
@@ -30,7 +30,7 @@ void reportNoLevelInV7(const wchar_t* name) {
     std::string details = "Cannot create level '";
     details += mclibUtil_convertToMultibyteText(name);
     details += "' because the host is in 'V7 Workmode'.";
-    mdlOutput_messageCenter(11, "NA in 'V7 Workmode'.", details.c_str(), 0);
+    mdlOutput_messageCenter(MDL_PRIORITY_WARNING, "NA in 'V7 Workmode'.", details.c_str(), 0);
 }
 
 // Colour and fill colour, weight and line style of a new level.
@@ -49,7 +49,7 @@ int setSymbologyOf(ModelRef* model, LevelId id, const LevelSymbology& symbology)
 
 int mclibUtil_runningPowerDraft(void) {
     if (!isDefined("_MSDRAFT")) return 0;
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, powerDraftNotice);
+    mc::showNotice(ids::errors::noOtherPrograms);
     return 1;
 }
 

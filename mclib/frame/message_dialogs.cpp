@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstdio>
 
 #include "mchost/mdl/dialog.h"
@@ -11,18 +10,15 @@
 #include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/messages.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/resource_files.h"
+#include "resources/ids.h"
 
 namespace {
 
-enum { FONT_DIALOG = 2, FONT_FIXED = 4 };
-enum { BUTTON_FIRST = -3, BUTTON_SECOND = -4, BUTTON_SAVE = 20004 };  // push buttons
-enum { BOX_TEXT = 20004, LIST_HEAD = 20003 };                         // generic items
-enum { COLLECTED_LINES = 20000 };                                     // list box
-enum { FLAG_FIRST_BUTTON = 16, FLAG_SECOND_BUTTON = 128 };            // lowest flags of their groups
-enum { TEXT_FIRST_BUTTON = 25, TEXT_SECOND_BUTTON = 28 };             // their labels among the language texts
-enum { TEXT_SAVE_LIST = 31, SAVED_LIST_RECORD = -20002 };             // title and remembered files of the file dialog
-enum { DRAWING_FLAGS = 3 };  // itemFlags: focus and default, which an item that only draws has not
+using mdl::itemOf;
+
+constexpr int32_t savedListRecord = -20002;  // remembered files of the file dialog
 
 // Pixels.
 constexpr int32_t margin = 15;
@@ -36,17 +32,13 @@ struct KindOfBox {
 };
 // clang-format off
 constexpr auto kinds = std::to_array<KindOfBox>({
-    // kind  icon   fixed colour
-    {  1,    20001, 4 },  // notice
-    {  2,    20004, 4 },  // warning
-    {  4,    20002, 1 },  // note
-    {  8,    20003, 1 },  // question
+    // kind        icon                  fixed colour
+    { MSGBOX_KIND_1, ids::icons::notice,   4 },
+    { MSGBOX_KIND_2, ids::icons::warning,  4 },
+    { MSGBOX_KIND_4, ids::icons::note,     1 },
+    { MSGBOX_KIND_8, ids::icons::question, 1 },
 });
 // clang-format on
-
-MdlItem* button(MdlDialog* dialog, int32_t id) {
-    return mdlDialog_itemGetByTypeAndId(dialog, ITEM_PUSH_BUTTON, id);
-}
 
 void place(MdlItem* item, const DialogRect& rect) {
     mdlDialog_itemMove(item, rect.left, rect.top);
@@ -58,7 +50,7 @@ void place(MdlItem* item, const DialogRect& rect) {
 void placeButtons(MdlDialog* dialog, MdlItem* first, MdlItem* second) {
     DialogRect window;
     mdlWindow_contentRectGet(&window, dialog);
-    const int32_t f = mdlDialog_fontHeight(FONT_DIALOG);
+    const int32_t f = mdlDialog_fontHeight(MDL_FONT_DIALOG);
     const int32_t top = 2 * f - window.bottom + margin;
     const int32_t gap = second ? (window.right - 8 * f) / 3 : (window.right - 4 * f) / 2;
     mdlDialog_itemMove(first, -gap, top);
@@ -89,30 +81,42 @@ void drawHead(MdlDialog* dialog, const DialogRect& rect, int32_t kind, int32_t a
 
 // ---- message box ----
 
-// The label that a button's flag asks for: `lowest` is the first flag of its group, `text` that flag's language text.
-void setLabel(MdlItem* item, int32_t flag, int32_t lowest, int32_t text) {
-    const int step = std::countr_zero(static_cast<uint32_t>(flag)) - std::countr_zero(static_cast<uint32_t>(lowest));
-    mdlDialog_itemSetLabel(item, mclibUtil_getLanguageText(text + step));
+struct ButtonLabel {
+    int32_t flag;
+    mdl::Message<MCLIB_LANGUAGE_TEXTS> text;
+};
+constexpr auto buttonLabels = std::to_array<ButtonLabel>({
+    {MSGBOX_FIRST_16, ids::texts::ok},
+    {MSGBOX_FIRST_32, ids::texts::yes},
+    {MSGBOX_FIRST_64, ids::texts::goOn},
+    {MSGBOX_SECOND_128, ids::texts::cancel},
+    {MSGBOX_SECOND_256, ids::texts::no},
+    {MSGBOX_SECOND_512, ids::texts::end},
+});
+
+// The label that a button's flag asks for.
+void setLabel(MdlItem* item, int32_t flag) {
+    const auto row = std::ranges::find(buttonLabels, flag, &ButtonLabel::flag);
+    if (row != buttonLabels.end()) mdlDialog_itemSetLabel(item, mc::languageText(row->text));
 }
 
 void layOutBox(MdlDialog* dialog) {
     const int32_t f = mdlDialog_fontHeight(mdlDialog_getFontIndex(dialog));
     int32_t textWidth = 8 * f - 50;
     for (int32_t i = 0; i < messageState.messageLineCount; ++i)
-        textWidth = std::max(textWidth, mdlDialog_stringWidth(messageState.messageLines[i], FONT_DIALOG));
+        textWidth = std::max(textWidth, mdlDialog_stringWidth(messageState.messageLines[i], MDL_FONT_DIALOG));
     const int32_t width = textWidth + widthAroundText;
     const int32_t height = heightOfLines(f) + 3 * (f + margin);
     mdlWindow_extentSet(dialog, width, height);
 
     const bool two = messageState.msgBoxSecondButton != MSGBOX_NO_SECOND;
-    MdlItem* const first = button(dialog, BUTTON_FIRST);
-    MdlItem* const second = button(dialog, BUTTON_SECOND);
+    MdlItem* const first = itemOf(dialog, ids::messageBox::first);
+    MdlItem* const second = itemOf(dialog, ids::messageBox::second);
     placeButtons(dialog, first, two ? second : nullptr);
-    place(mdlDialog_itemGetByTypeAndId(dialog, ITEM_GENERIC, BOX_TEXT),
-          {margin, margin, width - margin, height - 2 * f - 2 * margin});
-    setLabel(first, messageState.msgBoxFirstButton, FLAG_FIRST_BUTTON, TEXT_FIRST_BUTTON);
+    place(itemOf(dialog, ids::messageBox::text), {margin, margin, width - margin, height - 2 * f - 2 * margin});
+    setLabel(first, messageState.msgBoxFirstButton);
     mdlDialog_itemShow(second, two);
-    if (two) setLabel(second, messageState.msgBoxSecondButton, FLAG_SECOND_BUTTON, TEXT_SECOND_BUTTON);
+    if (two) setLabel(second, messageState.msgBoxSecondButton);
 }
 
 void messageBox(DialogMessage* message) {
@@ -123,7 +127,7 @@ void messageBox(DialogMessage* message) {
 void messageBoxText(DialogMessage* message) {
     message->handled = 1;
     switch (message->type) {
-        case ITEM_CREATE: message->itemFlags &= ~DRAWING_FLAGS; break;
+        case ITEM_CREATE: message->itemFlags = 0; break;
         case ITEM_DRAW: {
             DialogRect rect;
             mdlDialog_itemRect(&rect, message->item);
@@ -140,28 +144,25 @@ void messageBoxText(DialogMessage* message) {
 void layOutList(MdlDialog* dialog) {
     DialogRect window;
     mdlWindow_contentRectGet(&window, dialog);
-    const int32_t f2 = mdlDialog_fontHeight(FONT_DIALOG), f4 = mdlDialog_fontHeight(FONT_FIXED);
+    const int32_t f2 = mdlDialog_fontHeight(MDL_FONT_DIALOG), f4 = mdlDialog_fontHeight(MDL_FONT_FIXED);
     const int32_t listHeight = 8 * f4 + 6;
     const int32_t height = listHeight + heightOfLines(f2) + 2 * f2 + 66;
     mdlWindow_extentSet(dialog, window.right, height);
 
-    MdlItem* const save = button(dialog, BUTTON_SAVE);
-    placeButtons(dialog, button(dialog, BUTTON_FIRST), save);
+    MdlItem* const save = itemOf(dialog, ids::messageList::save);
+    placeButtons(dialog, itemOf(dialog, ids::messageList::first), save);
     const int32_t listTop = height - 2 * f2 - margin - listGap - listHeight;
     const int32_t right = window.right - listGap;
-    place(mdlDialog_itemGetByTypeAndId(dialog, ITEM_LIST_BOX, COLLECTED_LINES),
-          {listGap, listTop, right, listTop + listHeight});
-    place(mdlDialog_itemGetByTypeAndId(dialog, ITEM_GENERIC, LIST_HEAD), {listGap, listGap, right, listTop - listGap});
+    place(itemOf(dialog, ids::messageList::lines), {listGap, listTop, right, listTop + listHeight});
+    place(itemOf(dialog, ids::messageList::head), {listGap, listGap, right, listTop - listGap});
 }
 
 void listDialog(DialogMessage* message) {
     message->handled = 1;
     switch (message->type) {
-        case DIALOG_CREATE:
-            mdlDialog_itemDraw(mdlDialog_itemGetByTypeAndId(message->dialog, ITEM_LIST_BOX, COLLECTED_LINES));
-            break;
+        case DIALOG_CREATE: mdlDialog_itemDraw(itemOf(message->dialog, ids::messageList::lines)); break;
         case DIALOG_INIT:
-            mdlDialog_setFontIndex(message->dialog, FONT_FIXED);
+            mdlDialog_setFontIndex(message->dialog, MDL_FONT_FIXED);
             layOutList(message->dialog);
             break;
         case DIALOG_DESTROY: dropMessageList(); break;
@@ -179,15 +180,15 @@ void drawListHead(MdlDialog* dialog, MdlItem* item) {
     mdlDialog_itemRect(&rect, item);
     mdlDialog_rectDrawEdge(dialog, &rect, 1);
     mdlDialog_rectInset(&rect, margin, margin);
-    mdlDialog_setFontIndex(dialog, FONT_DIALOG);
+    mdlDialog_setFontIndex(dialog, MDL_FONT_DIALOG);
     drawHead(dialog, rect, MSGBOX_KIND_1, 24);
-    mdlDialog_setFontIndex(dialog, FONT_FIXED);
+    mdlDialog_setFontIndex(dialog, MDL_FONT_FIXED);
 }
 
 void listHead(DialogMessage* message) {
     message->handled = 1;
     switch (message->type) {
-        case ITEM_CREATE: message->itemFlags &= ~DRAWING_FLAGS; break;
+        case ITEM_CREATE: message->itemFlags = 0; break;
         case ITEM_DRAW: drawListHead(message->dialog, message->item); break;
         default: message->handled = 0;
     }
@@ -198,7 +199,7 @@ void tellUnfinished(const char* fileName) {
     char line[400];
     std::snprintf(line, sizeof line, "%s: the list couldn't be written whole; make room on the disk and save it again",
                   fileName);
-    mdlOutput_messageCenter(10, line, "", 0);
+    mdlOutput_messageCenter(MDL_PRIORITY_ERROR, line, "", 0);
 }
 
 void writeLines(const char* fileName, const StringList* lines) {
@@ -217,18 +218,18 @@ void saveList(DialogMessage* message) {
     message->handled = message->type == ITEM_BUTTON && message->state == 1;
     if (!message->handled || !messageState.messageList) return;
     char fileName[256];
-    if (mclibUpf_defFileCreate(fileName, nullptr, "*.txt", nullptr, mclibUtil_getLanguageText(TEXT_SAVE_LIST),
-                               SAVED_LIST_RECORD) == 0)
+    if (mclibUpf_defFileCreate(fileName, nullptr, "*.txt", nullptr, mc::languageText(ids::texts::saveList),
+                               savedListRecord) == 0)
         writeLines(fileName, messageState.messageList);
 }
 
 constexpr auto messageDialogHooks = std::to_array<DialogHook>({
-    {20030, listDialog},
-    {20031, collectedLines},
-    {20032, listHead},
-    {20033, saveList},
-    {20034, messageBoxText},
-    {20035, messageBox},
+    {ids::hooks::messageList, listDialog},
+    {ids::hooks::collectedLines, collectedLines},
+    {ids::hooks::listHead, listHead},
+    {ids::hooks::saveList, saveList},
+    {ids::hooks::boxText, messageBoxText},
+    {ids::hooks::messageBox, messageBox},
 });
 
 }  // namespace

@@ -14,10 +14,15 @@
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/text_buffer.h"
+#include "resources/ids.h"
 
 MessageState messageState;
 
 namespace {
+
+constexpr int32_t progressDialog = 20009;  // of an application that has one
+static_assert(ids::errors::id == MCLIB_ERRORS && ids::questions::id == MCLIB_QUESTIONS &&
+              ids::texts::id == MCLIB_LANGUAGE_TEXTS && ids::errors::outOfMemory.number == MCLIB_OUT_OF_MEMORY);
 
 // The lowest set bit of a group of flags, or the group's default.
 constexpr int32_t flagOf(int flags, int group, int32_t fallback) {
@@ -61,7 +66,7 @@ void tellMissing(int listId, int messageId) {
 // The lines of a message whose dialog can't be shown, and those that were collected for it.
 void tellLines() {
     for (int32_t i = 0; i < messageState.messageLineCount; ++i)
-        mdlOutput_messageCenter(11, messageState.messageLines[i], "", 0);
+        mdlOutput_messageCenter(MDL_PRIORITY_WARNING, messageState.messageLines[i], "", 0);
 }
 
 void tellCollectedLines() {
@@ -79,7 +84,7 @@ int showDialog(int dialogId, char* text) {
     int32_t reply = MSGBOX_SECOND;
     if (mdlDialog_openModal(&reply, 0, dialogId) == MDL_DIALOG_NOT_SHOWN) {
         tellLines();
-        if (dialogId == MESSAGE_LIST_DIALOG) tellCollectedLines();
+        if (dialogId == ids::messageList::id) tellCollectedLines();
     }
     dropLines();
     return reply;
@@ -87,7 +92,7 @@ int showDialog(int dialogId, char* text) {
 
 int showBox(int flags, char* text) {
     takeFlags(flags);
-    return showDialog(MESSAGE_BOX_DIALOG, text);
+    return showDialog(ids::messageBox::id, text);
 }
 
 // Adds a line; a full list drops its oldest one.
@@ -112,9 +117,9 @@ int collectLines(char* text) {
 
 int showList(char* text) {
     mdlSystem_enterGraphics();
-    if (MdlDialog* progress = mdlDialog_find(PROGRESS_DIALOG, nullptr)) mdlDialog_closeCommandQueue(progress);
+    if (MdlDialog* progress = mdlDialog_find(progressDialog, nullptr)) mdlDialog_closeCommandQueue(progress);
     messageState.msgBoxKind = 1;
-    return showDialog(MESSAGE_LIST_DIALOG, text);
+    return showDialog(ids::messageList::id, text);
 }
 
 int listText(int mode, char* text) {
@@ -139,7 +144,7 @@ bool formatMessage(char (&text)[messageTextSize], int listId, int messageId, va_
 void reportNoMemory(int listId, int messageId, va_list values) {
     char text[messageTextSize];
     if (!formatMessage(text, listId, messageId, values)) {
-        mdlOutput_messageCenter(10, "There is no memory for what is to be done",
+        mdlOutput_messageCenter(MDL_PRIORITY_ERROR, "There is no memory for what is to be done",
                                 "Close other programs, and start it again.", 0);
         return;
     }

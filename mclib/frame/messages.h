@@ -4,7 +4,6 @@
 
 #include "mclib/frame/export.h"
 
-enum { MESSAGE_BOX_DIALOG = 20011, MESSAGE_LIST_DIALOG = 20010, PROGRESS_DIALOG = 20009 };
 enum { MSGBOX_NO_SECOND = 20000 };  // msgBoxSecondButton: there is no second button
 constexpr int maxMessageLines = 24;
 

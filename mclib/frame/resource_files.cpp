@@ -8,23 +8,24 @@
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/text_buffer.h"
+#include "resources/ids.h"
 
 namespace {
 
-// Messages of MCLIB_ERRORS, each with the file's name.
-enum { CANT_MAKE = 1, WRITE_FAILED = 9, WRITE_PROTECTED = 10, CANT_READ = 16 };
-
 constexpr const char* createdTitle = "Attributes";
 
-int fail(int message, const McHandle& h) {
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, message, h.name);
+using FileMessage = mdl::Message<MCLIB_ERRORS, const char*>;
+
+int fail(FileMessage message, const McHandle& h) {
+    mc::showNotice(message, h.name);
     return MCLIB_ERROR;
 }
 
 int checked(int writeStatus, const McHandle& h) {
     if (writeStatus == MDL_SUCCESS) return MCLIB_SUCCESS;
-    return fail(writeStatus == MDL_RSC_READ_ONLY ? WRITE_PROTECTED : WRITE_FAILED, h);
+    return fail(writeStatus == MDL_RSC_READ_ONLY ? ids::errors::resourceProtected : ids::errors::resourceNotWritten, h);
 }
 
 bool makeAndOpen(McHandle& h, int mode) {
@@ -44,7 +45,7 @@ void tellSmall(const McHandle& h, int32_t type, int32_t id, int32_t stored, int 
     char line[512];
     std::snprintf(line, sizeof line, "%s: resource %d of type 0x%08x has %d bytes, %d are needed; it was passed over",
                   h.name, id, static_cast<unsigned>(type), stored, size);
-    mdlOutput_messageCenter(11, line, "", 0);
+    mdlOutput_messageCenter(MDL_PRIORITY_WARNING, line, "", 0);
 }
 
 }  // namespace
@@ -56,7 +57,7 @@ int mclibResource_openFile(McHandle* h, const char* name, int mode) {
     const bool whole = std::strlen(name) < sizeof h->name;  // a name that was cut is another file's
     if (whole && mdlResource_openFile(&h->handle, h->name, mode) == MDL_SUCCESS) return MCLIB_SUCCESS;
     if (whole && mode != MDL_RSC_READ && makeAndOpen(*h, mode)) return MCLIB_SUCCESS;
-    return fail(mode != MDL_RSC_READ ? CANT_MAKE : CANT_READ, *h);
+    return fail(mode != MDL_RSC_READ ? ids::errors::cantOpen : ids::errors::resourceUnreadable, *h);
 }
 
 int mclibResource_closeFile(McHandle* h) {

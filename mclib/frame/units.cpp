@@ -14,12 +14,14 @@
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/frame/util.h"
+#include "resources/ids.h"
 
 namespace {
 
 constexpr const char* hourGlassFrames[] = {"|", "/", "-", "\\"};
 constexpr int32_t hourGlassPause = 31;  // ticks
-constexpr int firstMonthText = 2, firstDayText = 14;
+static_assert(ids::texts::december.number - ids::texts::january.number == 11 &&
+              ids::texts::saturday.number - ids::texts::sunday.number == 6);
 constexpr size_t itemFormatSize = 32;
 
 // Where the last converted value lies: in the application's block, or here when no application runs.
@@ -101,8 +103,8 @@ void mclibUtil_getDateAndTime(int* year, int* month, int* day, int* hour, int* m
     store(minute, local.tm_min);
     store(second, local.tm_sec);
     store(weekDay, local.tm_wday);
-    if (weekDayName) *weekDayName = mclibUtil_getLanguageText(firstDayText + local.tm_wday);
-    if (monthName) *monthName = mclibUtil_getLanguageText(firstMonthText + local.tm_mon);
+    if (weekDayName) *weekDayName = mclibUtil_getLanguageText(ids::texts::sunday.number + local.tm_wday);
+    if (monthName) *monthName = mclibUtil_getLanguageText(ids::texts::january.number + local.tm_mon);
 }
 
 void mclibUtil_initHourGlass(void) {
@@ -115,6 +117,6 @@ void mclibUtil_updateHourGlass(void) {
     const int32_t ticks = mdlSystem_getTicks();
     if (ticks - data->hourGlassTicks < hourGlassPause) return;
     data->hourGlassTicks = ticks;
-    mdlOutput_printf(1, "%s", hourGlassFrames[data->hourGlassIndex]);
+    mdlOutput_printf(MDL_FIELD_STATUS, "%s", hourGlassFrames[data->hourGlassIndex]);
     data->hourGlassIndex = (data->hourGlassIndex + 1) % static_cast<int32_t>(std::size(hourGlassFrames));
 }

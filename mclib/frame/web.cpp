@@ -5,20 +5,19 @@
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
-#include "mclib/frame/errors.h"
 #include "mclib/frame/main.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/util.h"
+#include "resources/ids.h"
 
 namespace {
 
 constexpr const char* browser = "WEBBROWS";
-constexpr int browserMissing = 19;
-constexpr int languageSuffix = 61;
 
 int browse(const char* word, const char* target) {
     if (!target) return MCLIB_ERROR;
     if (!mdlSystem_findMdlDesc(browser) && mdlSystem_loadMdlProgram(browser, browser, nullptr) != MDL_SUCCESS)
-        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, browserMissing);
+        mc::showNotice(ids::errors::noBrowser);
     const std::string keyin = std::string("browse ") + word + " " + target;
     return mdlInput_sendKeyin(keyin.c_str(), 0, -1, nullptr);
 }
@@ -41,7 +40,7 @@ std::string findManual(const char* between, const char* ending) {
     const std::string folder = familyFolder();
     const char* application = mclibMain_getApplicationName();
     if (folder.empty() || !application) return {};
-    for (const char* suffix : {static_cast<const char*>(mclibUtil_getLanguageText(languageSuffix)), ""})
+    for (const char* suffix : {static_cast<const char*>(mc::languageText(ids::texts::manualSuffix)), ""})
         if (std::string file = folder + between + application + suffix + ending; isThere(file)) return file;
     return {};
 }

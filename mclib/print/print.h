@@ -19,6 +19,8 @@ enum {
     PRINT_PCL = 5,
     PRINT_HOST_PLOTTER = 6
 };
+/* Page codes: a size that the user types; 1 to 12 are A0 to A5, portrait and landscape in turn. */
+enum { PRINT_PAGE_TYPED = 0, PRINT_PAGE_A4 = 9 };
 
 /* Opens the print file on a device, which then is the application's. 1, or 0 when the file can't be opened (with a line
  * on the console) or no application is registered; nothing is drawn then until the next open. A job that is still open,
@@ -32,8 +34,8 @@ MCLIB_EXPORT void mclibPrint_fclose(void);
 /* MCLIB_ERROR when the file of the current device's job couldn't be opened, written or closed (a full disk); it stays so
  * until the next open. So it is for a number that is no device. MCLIB_SUCCESS otherwise. */
 MCLIB_EXPORT int mclibPrint_jobStatus(void);
-/* The size of a page code: 1 to 12 are A0 to A5, portrait and landscape in turn. Another code, such as 0 for a size that
- * the user types, leaves width and height alone. The code is kept as the application's page code in any case. */
+/* The size of a page code. A code without one leaves width and height alone. The code is kept as the application's page
+ * code in any case. */
 MCLIB_EXPORT void mclibPrint_getPageSize(double *width, double *height, int pageCode);
 /* Prints the page into the box at (x, y): scaled evenly to fit, in the middle of it. What lies on the level with code 63
  * is drawn first; there the colours 100 to 200 fill closed shapes with grey, from white to black. A page without extent

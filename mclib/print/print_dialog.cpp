@@ -5,24 +5,21 @@
 
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/plot.h"
-#include "mclib/frame/errors.h"
 #include "mclib/frame/letters.h"
 #include "mclib/frame/main.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/print/plot_name.h"
 #include "mclib/print/print.h"
 #include "mclib/print/setup_store.h"
 #include "mclib/print/shared.h"
+#include "resources/ids.h"
 
 namespace print {
 
 namespace {
 
-enum { PRINT_DIALOG = 20007 };
-enum { TARGET = 20012 };      // text: where a plot goes
-enum { FIRST_PAGE = 20013 };  // option button; that of the last page is behind it
-enum { RANGE_FROM_TO = 2 };   // FileDialogBlock::printRange
-enum { TEXT_PAGE = 52, TEXT_PLOT_FILE = 53, TEXT_PAPER = 56 };
+enum { RANGE_FROM_TO = 2 };          // FileDialogBlock::printRange
 enum { PRINTER_CHOSEN = 2 };         // answer of the system's print dialog
 constexpr int shownNameLength = 45;  // of a plot file's name
 constexpr int32_t itemGap = 8;       // pixels
@@ -40,7 +37,7 @@ MdlPlotter* plotterOf(const GlobalData& data) {
 
 // The name of a plot's file with "<page>" for the page, short enough to be shown.
 void nameOfPlotFiles(char (&name)[sizeof mclibpsd->printerName], const std::string& extension) {
-    const std::string page = std::string("<") + mclibUtil_getLanguageText(TEXT_PAGE) + ">";
+    const std::string page = std::string("<") + mc::languageText(ids::texts::page) + ">";
     copyText(name, lowered(plotFileName(page, extension)));
     mdlFile_abbreviateName(name, shownNameLength);
 }
@@ -70,7 +67,7 @@ struct TargetItems {
 };
 
 TargetItems targetItemsOf(MdlDialog* dialog) {
-    MdlItem* target = mdlDialog_itemGetByTypeAndId(dialog, ITEM_TEXT, TARGET);
+    MdlItem* target = mdl::itemOf(dialog, ids::print::target);
     const auto at = [&](int32_t steps) { return mdlDialog_itemNeighbour(target, steps); };
     return {at(-2), at(-1), target, at(1), at(2), at(3)};
 }
@@ -92,7 +89,7 @@ void showPlotTarget(const GlobalData& data, const TargetItems& items) {
         takeSystemPrinter(data);
     } else {
         takePlotFile(plotter);
-        mdlDialog_itemSetLabel(items.target, mclibUtil_getLanguageText(TEXT_PLOT_FILE));
+        mdlDialog_itemSetLabel(items.target, mc::languageText(ids::texts::plotFile));
     }
     mdlDialog_itemShow(items.printers, 0);
     mdlDialog_itemShow(items.printerText, 0);
@@ -105,7 +102,7 @@ void showPlotTarget(const GlobalData& data, const TargetItems& items) {
     if (!toSystem) return;
     mdlDialog_itemSynch(items.file);
     narrowUpTo(items.file, items.systemDialog);
-    mdlDialog_itemSetLabel(items.file, mclibUtil_getLanguageText(TEXT_PAPER));
+    mdlDialog_itemSetLabel(items.file, mc::languageText(ids::texts::paperSize));
 }
 
 void showTarget(const GlobalData& data, MdlDialog* dialog) {
@@ -122,7 +119,7 @@ void printDialog(DialogMessage* message) {
     message->handled = data && mclibpsd && (message->type == DIALOG_CREATE || message->type == DIALOG_INIT);
     if (!message->handled) return;
     if (message->type == DIALOG_INIT) return showTarget(*data, message->dialog);
-    mclibMain_updateBeforeDialogOpen(PRINT_DIALOG);
+    mclibMain_updateBeforeDialogOpen(ids::print::id);
     loadSetup();
 }
 
@@ -143,8 +140,11 @@ void systemDialogButton(DialogMessage* message) {
 
 // ---- the range of pages ----
 
+// Of each dialog that asks for pages; that of the last page is behind it.
+static_assert(ids::print::firstPage == ids::placePages::firstPage &&
+              ids::print::firstPage == ids::spreadsheet::firstPage);
 MdlItem* firstPageButton(MdlDialog* dialog) {
-    return mdlDialog_itemGetByTypeAndId(dialog, ITEM_OPTION_BUTTON, FIRST_PAGE);
+    return mdl::itemOf(dialog, ids::print::firstPage);
 }
 
 void enableRange(const GlobalData& data, MdlDialog* dialog) {
@@ -200,11 +200,11 @@ void lastPage(DialogMessage* message) {
 }
 
 constexpr auto printDialogHooks = std::to_array<DialogHook>({
-    {20023, printDialog},
-    {20075, rangeButton},
-    {20076, firstPage},
-    {20077, lastPage},
-    {20091, systemDialogButton},
+    {ids::hooks::print, printDialog},
+    {ids::hooks::pageRange, rangeButton},
+    {ids::hooks::firstPage, firstPage},
+    {ids::hooks::lastPage, lastPage},
+    {ids::hooks::systemPrintDialog, systemDialogButton},
 });
 
 }  // namespace

@@ -9,7 +9,7 @@
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/resource.h"
-#include "mclib/frame/errors.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/preference_file.h"
 #include "mclib/frame/shown_path.h"
 #include "mclib/frame/text_buffer.h"
@@ -20,13 +20,12 @@
 #include "mclib/print/setup_record.h"
 #include "mclib/print/setup_store.h"
 #include "mclib/print/shared.h"
+#include "resources/ids.h"
 
 namespace print {
 
 namespace {
 
-enum { MESSAGE_FILE = 13, MESSAGE_NO_VARIABLE = 21 };
-enum { PAGE_A4 = 9 };
 constexpr std::string_view nobodysPrinter = "\\\\server\\printer";
 
 // ---- defaults ----
@@ -49,8 +48,8 @@ void setDefaultPlotter(mclibPrinterSetupData& setup) {
 
 void setDefaults(mclibPrinterSetupData& setup) {
     setup = {};
-    setup.pageSize = PAGE_A4;
-    mclibPrint_getPageSize(&setup.pageWidth, &setup.pageHeight, PAGE_A4);
+    setup.pageSize = PRINT_PAGE_A4;
+    mclibPrint_getPageSize(&setup.pageWidth, &setup.pageHeight, PRINT_PAGE_A4);
     setup.marginLeft = 20;
     setup.marginRight = setup.marginTop = setup.marginBottom = 10;
     setup.orientation = 2;
@@ -75,9 +74,9 @@ bool isListed(std::string_view path) {
 void reportFile() {
     const mdl::HostPtr<char> name(mdlSystem_getExpandedCfgVar("MS_USERPREF"));
     if (name)
-        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, MESSAGE_FILE, shownPath(name.get()).c_str());
+        mc::showNotice(ids::errors::preferencesUnusable, shownPath(name.get()).c_str());
     else
-        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, MESSAGE_NO_VARIABLE);
+        mc::showNotice(ids::errors::noPreferenceVariable);
 }
 
 // A block that is too short counts as none.

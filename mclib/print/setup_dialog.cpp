@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "mchost/mdl/lists.h"
-#include "mclib/frame/errors.h"
 #include "mclib/frame/main.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/resource_files.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/print/delivery.h"
@@ -13,26 +13,21 @@
 #include "mclib/print/setup.h"
 #include "mclib/print/setup_store.h"
 #include "mclib/print/shared.h"
+#include "resources/ids.h"
 
 namespace print {
 
 namespace {
 
-enum { SETUP_DIALOG = 20006 };
-enum { PAGE_SIZES = 20003 };                                                                // option button
-enum { FILE_DEVICES = 20001, PLOTTERS = 20002 };                                            // group boxes
-enum { PRINTERS = 20006 };                                                                  // combo box
-enum { PAGE_WIDTH = 20009, PAGE_HEIGHT = 20010, FILE_NAME = 20013, PLOTTER_FILE = 20014 };  // texts
-enum { PRINTER_TEXT = 20016 };
-enum { REPLY_OK = 3, REPLY_CANCEL = 4 };
-enum { TEXT_PLOTTER_TITLE = 51 };
-enum { TYPED_SIZE = 0, PAGE_A4 = 9 };  // page codes
+using mdl::itemOf;
+
+// What the print dialog has too.
+namespace items = ids::printerSetup;
+static_assert(items::printers == ids::print::printers && items::printer == ids::print::printer &&
+              items::file == ids::print::file);
+
 constexpr int32_t plotterDefaults = -20006;
 constexpr int32_t stringsPerPrinter = 2, pathOfPrinter = 1, defaultField = 1;
-
-MdlItem* textItem(MdlDialog* dialog, int32_t id) {
-    return mdlDialog_itemGetByTypeAndId(dialog, ITEM_TEXT, id);
-}
 
 std::string_view pathOfRow(const StringList* printers, int32_t row) {
     const char* path = "";
@@ -44,10 +39,10 @@ std::string_view pathOfRow(const StringList* printers, int32_t row) {
 // ---- what the values ask of the items ----
 
 void applyPageSize(MdlDialog* dialog) {
-    const bool typed = mclibpsd->pageSize == TYPED_SIZE;
+    const bool typed = mclibpsd->pageSize == PRINT_PAGE_TYPED;
     if (!typed) mclibPrint_getPageSize(&mclibpsd->pageWidth, &mclibpsd->pageHeight, mclibpsd->pageSize);
-    for (const int32_t id : {PAGE_WIDTH, PAGE_HEIGHT}) {
-        MdlItem* item = textItem(dialog, id);
+    for (const mdl::ItemId& text : {items::pageWidth, items::pageHeight}) {
+        MdlItem* item = itemOf(dialog, text);
         mdlDialog_itemEnable(item, typed);
         mdlDialog_itemSynch(item);
     }
@@ -55,22 +50,19 @@ void applyPageSize(MdlDialog* dialog) {
 
 void applyDevice(MdlDialog* dialog) {
     const int32_t device = mclibpsd->deviceType;
-    MdlItem* sizes = mdlDialog_itemGetByTypeAndId(dialog, ITEM_OPTION_BUTTON, PAGE_SIZES);
+    MdlItem* sizes = itemOf(dialog, items::pageSize);
     for (int32_t row = 0, value = 0; row < mdlDialog_optionButtonCount(sizes); ++row)
-        if (mdlDialog_optionButtonGet(sizes, row, nullptr, &value) == MDL_SUCCESS && value == TYPED_SIZE)
+        if (mdlDialog_optionButtonGet(sizes, row, nullptr, &value) == MDL_SUCCESS && value == PRINT_PAGE_TYPED)
             mdlDialog_optionButtonEnableRow(sizes, row, device != PRINT_HOST_PLOTTER);
-    if (mclibpsd->pageSize == TYPED_SIZE) {
-        mclibpsd->pageSize = PAGE_A4;
+    if (mclibpsd->pageSize == PRINT_PAGE_TYPED) {
+        mclibpsd->pageSize = PRINT_PAGE_A4;
         mdlDialog_itemSynch(sizes);
         applyPageSize(dialog);
     }
-    const auto show = [&](int32_t group, bool shown) {
-        mdlDialog_itemShow(mdlDialog_itemGetByTypeAndId(dialog, ITEM_GROUP_BOX, group), shown);
-    };
     const bool toPrinter = device != PRINT_HOST_PLOTTER && device != PRINT_ASCII;
-    show(FILE_DEVICES, toPrinter);
+    mdlDialog_itemShow(itemOf(dialog, items::output), toPrinter);
     mdlDialog_itemShow(printerTextOf(dialog), toPrinter);
-    show(PLOTTERS, device == PRINT_HOST_PLOTTER);
+    mdlDialog_itemShow(itemOf(dialog, items::plot), device == PRINT_HOST_PLOTTER);
 }
 
 // ---- hooks ----
@@ -78,7 +70,7 @@ void applyDevice(MdlDialog* dialog) {
 void setupDialog(DialogMessage* message) {
     message->handled = message->type == DIALOG_CREATE || message->type == DIALOG_INIT;
     if (message->type == DIALOG_CREATE) {
-        mclibMain_updateBeforeDialogOpen(SETUP_DIALOG);
+        mclibMain_updateBeforeDialogOpen(items::id);
         loadSetup();
     }
     if (message->type != DIALOG_INIT) return;
@@ -109,11 +101,11 @@ void plotterFileButton(DialogMessage* message) {
     message->handled = message->type == ITEM_BUTTON;
     if (!message->handled || message->state != 1) return;
     char chosen[256] = "";
-    if (mclibUpf_defFileOpen(chosen, nullptr, "*.plt", "MS_PLTR", mclibUtil_getLanguageText(TEXT_PLOTTER_TITLE),
+    if (mclibUpf_defFileOpen(chosen, nullptr, "*.plt", "MS_PLTR", mc::languageText(ids::texts::choosePlotter),
                              plotterDefaults) != MDL_SUCCESS)
         return;
     copyText(mclibpsd->plotterFile, chosen);
-    mdlDialog_itemSynch(textItem(message->dialog, PLOTTER_FILE));
+    mdlDialog_itemSynch(itemOf(message->dialog, items::plotterFile));
 }
 
 // ---- printers: the list of what servers offer, and a text for every kind of printer ----
@@ -176,19 +168,19 @@ void printerText(DialogMessage* message) {
     GlobalData* data = mclibMain_getGlobalDataP();
     message->handled = data && mclibpsd && message->type == ITEM_STATE_CHANGED;
     if (!message->handled) return;
-    MdlItem* const list = mdlDialog_itemGetByTypeAndId(message->dialog, ITEM_COMBO_BOX, PRINTERS);
+    MdlItem* const list = itemOf(message->dialog, items::printers);
     data->printerRow = rowOfPrinter(mdlDialog_comboBoxGetStrListP(list), mclibpsd->printerName);
     mdlDialog_comboBoxSelectRow(list, data->printerRow);
 }
 
 constexpr auto setupHooks = std::to_array<DialogHook>({
-    {20018, plotterFileButton},
-    {20019, deviceButton},
-    {20020, setupDialog},
-    {20021, fileOnlyToggle},
-    {20022, pageSizeButton},
-    {20101, printerList},
-    {20150, printerText},
+    {ids::hooks::choosePlotter, plotterFileButton},
+    {ids::hooks::chooseDevice, deviceButton},
+    {ids::hooks::printerSetup, setupDialog},
+    {ids::hooks::fileOnly, fileOnlyToggle},
+    {ids::hooks::choosePageSize, pageSizeButton},
+    {ids::hooks::printerList, printerList},
+    {ids::hooks::printerText, printerText},
 });
 
 }  // namespace
@@ -200,14 +192,14 @@ int32_t rowOfPrinter(const StringList* printers, std::string_view path) {
 }
 
 MdlItem* printerTextOf(MdlDialog* dialog) {
-    return textItem(dialog, PRINTER_TEXT);
+    return itemOf(dialog, items::printer);
 }
 
 void applyFileOnly(MdlDialog* dialog) {
     const bool fileOnly = mclibpsd->fileOnly != 0;
-    mdlDialog_itemEnable(mdlDialog_itemGetByTypeAndId(dialog, ITEM_COMBO_BOX, PRINTERS), !fileOnly);
+    mdlDialog_itemEnable(itemOf(dialog, items::printers), !fileOnly);
     mdlDialog_itemEnable(printerTextOf(dialog), !fileOnly);
-    mdlDialog_itemEnable(textItem(dialog, FILE_NAME), fileOnly);
+    mdlDialog_itemEnable(itemOf(dialog, items::file), fileOnly);
 }
 
 void publishSetupHooks() {
@@ -217,8 +209,8 @@ void publishSetupHooks() {
 }  // namespace print
 
 int mclibPrintSet_dialogOpen(void) {
-    int32_t reply = print::REPLY_CANCEL;
-    mdlDialog_openModal(&reply, 0, print::SETUP_DIALOG);
-    if (reply == print::REPLY_OK) print::storeSetup();
+    int32_t reply = MDL_REPLY_SECOND;
+    mdlDialog_openModal(&reply, 0, ids::printerSetup::id);
+    if (reply == MDL_REPLY_FIRST) print::storeSetup();
     return reply;
 }

@@ -3,8 +3,9 @@
 
 #include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
-#include "mclib/frame/errors.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/project/application_block.h"
+#include "resources/ids.h"
 
 namespace {
 
@@ -13,7 +14,6 @@ using application_data::ElementBytes;
 
 constexpr int dwgWorkmode = 1;
 constexpr const char* dwgKeepsDataVariable = "MS_DWGSAVEAPPLICATIONDATA";
-constexpr int dataNotKept = 28;
 
 // ---- writing ----
 
@@ -29,7 +29,7 @@ ElementBytes makeElement(int applicationId, int subId, const void* data, int len
 void warnWhereDataIsLost() {
     char value[256];
     if (mdlSystem_getWorkmode() == dwgWorkmode && mdlSystem_getenv(value, dwgKeepsDataVariable, sizeof value) != 0)
-        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, dataNotKept);
+        mc::showNotice(ids::errors::applicationDataNotKept);
 }
 
 // ---- reading ----

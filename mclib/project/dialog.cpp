@@ -10,32 +10,33 @@
 #include "mchost/mdl/system.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/main.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/resource_files.h"
 #include "mclib/frame/shown_path.h"
 #include "mclib/project/records.h"
 #include "mclib/project/shared.h"
 #include "mclib/project/store.h"
+#include "resources/ids.h"
 
 namespace {
 
 using project::projectId;
 using project::projectType;
 
-enum { LOAD_TITLE = 54, SAVE_TITLE = 55 };
-enum { ERROR_OPEN = 1, ERROR_NO_PROJECT = 7, QUESTION_OVERWRITE = 8, ERROR_WRITE = 9, ERROR_READ_ONLY = 10 };
 enum {
     NO_PROJECT_FLAGS = MSGBOX_KIND_2 | MSGBOX_FIRST_64,
     OVERWRITE_FLAGS = MSGBOX_KIND_8 | MSGBOX_FIRST_32 | MSGBOX_SECOND_256,
 };
-static_assert(NO_PROJECT_FLAGS == 66 && OVERWRITE_FLAGS == 296);
 constexpr const char* projectFiles = "*.rsc";
 constexpr const char* projectFileTitle = "Prosjekt info";
 constexpr int32_t projectFileDefaults = -20001;
 
 void (*projectWritten)() = nullptr;
 
-void report(int flags, int message, const char* file) {
-    mclibError_rscMsgBoxPrintf(flags, MCLIB_ERRORS, message, shownPath(file).c_str());
+using FileMessage = mdl::Message<MCLIB_ERRORS, const char*>;
+
+void report(int flags, FileMessage message, const char* file) {
+    mc::showBox(flags, message, shownPath(file).c_str());
     mdlSystem_noteFailure();
 }
 
@@ -50,35 +51,36 @@ void endTexts(mclibProsjektData& project) {
 
 void loadProject(const char* name) {
     const mdl::ResourceFile file(name, MDL_RSC_READ);
-    if (!file) return report(MSGBOX_NOTICE, ERROR_OPEN, name);
+    if (!file) return report(MSGBOX_NOTICE, ids::errors::cantOpen, name);
     const mdl::Resource stored(file.handle(), projectType, projectId);
-    if (!stored || stored.bytes().size() < sizeof *mclibpd) return report(NO_PROJECT_FLAGS, ERROR_NO_PROJECT, name);
+    if (!stored || stored.bytes().size() < sizeof *mclibpd) return report(NO_PROJECT_FLAGS, ids::errors::noProjectData, name);
     std::memcpy(mclibpd, stored.get(), sizeof *mclibpd);
     endTexts(*mclibpd);
 }
 
 void saveProject(const char* name) {
     if (mdlResource_createFile(name, projectFileTitle, MDL_RSC_WRITE) != MDL_SUCCESS)
-        return report(MSGBOX_NOTICE, ERROR_OPEN, name);
+        return report(MSGBOX_NOTICE, ids::errors::cantOpen, name);
     const mdl::ResourceFile file(name, MDL_RSC_WRITE);
-    if (!file) return report(MSGBOX_NOTICE, ERROR_OPEN, name);
+    if (!file) return report(MSGBOX_NOTICE, ids::errors::cantOpen, name);
     const int status =
         mdlResource_add(file.handle(), projectType, projectId, mclibpd, sizeof *mclibpd, 0, projectFileTitle);
-    if (status != MDL_SUCCESS) report(MSGBOX_NOTICE, status == MDL_RSC_READ_ONLY ? ERROR_READ_ONLY : ERROR_WRITE, name);
+    if (status == MDL_SUCCESS) return;
+    const bool isProtected = status == MDL_RSC_READ_ONLY;
+    report(MSGBOX_NOTICE, isProtected ? ids::errors::resourceProtected : ids::errors::resourceNotWritten, name);
 }
 
 bool mayOverwrite(const char* name) {
     int32_t attributes = 0;
     if (mdlFile_getFileAttributes(&attributes, name) != MDL_SUCCESS) return true;
-    return mclibError_rscMsgBoxPrintf(OVERWRITE_FLAGS, MCLIB_ERRORS, QUESTION_OVERWRITE, shownPath(name).c_str()) !=
-           MSGBOX_SECOND;
+    return mc::showBox(OVERWRITE_FLAGS, ids::errors::replaceFile, shownPath(name).c_str()) != MSGBOX_SECOND;
 }
 
 // ---- what the buttons do ----
 
 void load(MdlDialog* dialog) {
     char name[256] = "";
-    if (mclibUpf_defFileOpen(name, nullptr, projectFiles, nullptr, mclibUtil_getLanguageText(LOAD_TITLE),
+    if (mclibUpf_defFileOpen(name, nullptr, projectFiles, nullptr, mc::languageText(ids::texts::readProject),
                              projectFileDefaults) != MDL_SUCCESS)
         return;
     loadProject(name);
@@ -87,7 +89,7 @@ void load(MdlDialog* dialog) {
 
 void save(MdlDialog*) {
     char name[256] = "";
-    if (mclibUpf_defFileCreate(name, nullptr, projectFiles, nullptr, mclibUtil_getLanguageText(SAVE_TITLE),
+    if (mclibUpf_defFileCreate(name, nullptr, projectFiles, nullptr, mc::languageText(ids::texts::saveProject),
                                projectFileDefaults) == MDL_SUCCESS &&
         mayOverwrite(name))
         saveProject(name);
@@ -118,11 +120,11 @@ void button(DialogMessage* message) {
 }
 
 constexpr auto projectHooks = std::to_array<DialogHook>({
-    {20024, projectDialog},
-    {20025, button<load>},
-    {20026, button<save>},
-    {20027, button<read>},
-    {20028, button<write>},
+    {ids::hooks::project, projectDialog},
+    {ids::hooks::loadProject, button<load>},
+    {ids::hooks::saveProject, button<save>},
+    {ids::hooks::readProject, button<read>},
+    {ids::hooks::writeProject, button<write>},
 });
 
 }  // namespace
@@ -136,5 +138,5 @@ void setProjectWritten(void (*function)()) {
 }
 
 int mclibProject_dialogOpen(void) {
-    return mdlDialog_open(0, PROJECT_DIALOG) ? MCLIB_SUCCESS : MCLIB_ERROR;
+    return mdlDialog_open(0, ids::project::id) ? MCLIB_SUCCESS : MCLIB_ERROR;
 }

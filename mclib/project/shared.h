@@ -8,7 +8,6 @@
 extern mclibProsjektData* mclibpd;
 extern mclibSideData* mclibsd;
 
-enum { PROJECT_DIALOG = 20008 };
 void publishProjectHooks();
 // A function that is called when the dialog has written the project to the design file; one for the whole library.
 void setProjectWritten(void (*function)());

@@ -7,15 +7,12 @@
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
-#include "mclib/frame/errors.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/project/application_data.h"
 #include "mclib/project/records.h"
+#include "resources/ids.h"
 
 namespace {
-
-enum : int { UNKNOWN_FORM = 11, RECORD_NOT_ADDED = 12 };              // of MCLIB_ERRORS
-enum : int { PROJECT_WRITTEN = 4, PAGE_READ = 6, PAGE_WRITTEN = 7 };  // of MCLIB_QUESTIONS
-constexpr int statusField = 1;
 
 // A record that a scan shows.
 struct Record {
@@ -43,19 +40,19 @@ int forEachRecord(int applicationId, Look look) {
 template <class Block>
 void readRecord(Block& block, const Record& record) {
     if (!project::unpackRecord(block, record.subId, record.payload))
-        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, UNKNOWN_FORM, record.subId);
+        mc::showNotice(ids::errors::unknownRecordForm, record.subId);
 }
 
 template <class Block>
-void addRecord(int applicationId, const Block& block, int writtenMessage) {
+void addRecord(int applicationId, const Block& block, mdl::Message<MCLIB_QUESTIONS> written) {
     const std::string payload = project::packRecord(block);
     FilePos position = 0;
     if (mclib66Elem_saveDataToFile(applicationId, project::currentForm, payload.data(),
                                    static_cast<int>(payload.size()), &position) != MCLIB_SUCCESS) {
-        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, RECORD_NOT_ADDED);
+        mc::showNotice(ids::errors::recordNotAdded);
         mdlSystem_noteFailure();
     } else {
-        mdlOutput_rscPrintf(statusField, 0, MCLIB_QUESTIONS, writtenMessage);
+        mdl::printMessage(MDL_FIELD_STATUS, written);
     }
 }
 
@@ -86,7 +83,7 @@ int mclibProject_readProjectInfoFromDesignFile(mclibProsjektData* project) {
 void mclibProject_writeProjectInfoToDesignFile(const mclibProsjektData* project) {
     if (project == nullptr) return;
     forEachRecord(MCLIB_PROJECT_DATA, [](const Record& record) { record.remove(); });
-    addRecord(MCLIB_PROJECT_DATA, *project, PROJECT_WRITTEN);
+    addRecord(MCLIB_PROJECT_DATA, *project, ids::questions::projectWritten);
 }
 
 void mclibProject_readPageInfoFromDesignFile(mclibSideData* page, const char* pageName) {
@@ -99,7 +96,7 @@ void mclibProject_readPageInfoFromDesignFile(mclibSideData* page, const char* pa
         readRecord(fresh, record);
         if (std::strcmp(fresh.pageName, wanted.wantedPageName) == 0) *page = fresh;
     });
-    if (met != 0) mdlOutput_rscPrintf(statusField, 0, MCLIB_QUESTIONS, PAGE_READ);
+    if (met != 0) mdl::printMessage(MDL_FIELD_STATUS, ids::questions::pageRead);
 }
 
 void mclibProject_writePageInfoToDesignFile(const mclibSideData* page) {
@@ -109,7 +106,7 @@ void mclibProject_writePageInfoToDesignFile(const mclibSideData* page) {
         mclibSideData fresh = {};
         if (project::unpackRecord(fresh, record.subId, record.payload) && fresh.pageName == name) record.remove();
     });
-    addRecord(MCLIB_PAGE_DATA, *page, PAGE_WRITTEN);
+    addRecord(MCLIB_PAGE_DATA, *page, ids::questions::pageWritten);
 }
 
 int mclibProject_deletePageInfoFromDesignFile(const char* pageName, const char* const* keepNames) {

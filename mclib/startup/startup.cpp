@@ -22,6 +22,7 @@
 #include "mclib/frame/main.h"
 #include "mclib/frame/message_dialogs.h"
 #include "mclib/frame/messages.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/published.h"
 #include "mclib/frame/resource_files.h"
 #include "mclib/frame/text_buffer.h"
@@ -29,15 +30,13 @@
 #include "mclib/print/shared.h"
 #include "mclib/project/shared.h"
 #include "mclib/project/store.h"
+#include "resources/ids.h"
 
 namespace {
 
 constexpr const char* libraryVersion = "6.14";
-constexpr int versionFormat = 57;
-constexpr int defineFolderQuestion = 5;
-constexpr int defineFolderFlags = 145;
+constexpr int defineFolderFlags = MSGBOX_KIND_1 | MSGBOX_FIRST_16 | MSGBOX_SECOND_128;
 constexpr int userLevel = 4;
-enum { ATTRIBUTE_DIALOG = 20013 };
 
 // ---- blocks ----
 
@@ -169,13 +168,17 @@ void noticeSession() {
 // ---- titles and folder ----
 
 struct TitleText {
-    int kind, text;
+    int kind;
+    mdl::Message<MCLIB_LANGUAGE_TEXTS> text;
 };
-constexpr TitleText titleTexts[] = {{MSGBOX_KIND_1, 38}, {MSGBOX_KIND_4, 39}, {MSGBOX_KIND_8, 40}, {MSGBOX_KIND_2, 41}};
+constexpr TitleText titleTexts[] = {{MSGBOX_KIND_1, ids::texts::noticeTitle},
+                                    {MSGBOX_KIND_4, ids::texts::noteTitle},
+                                    {MSGBOX_KIND_8, ids::texts::questionTitle},
+                                    {MSGBOX_KIND_2, ids::texts::warningTitle}};
 
 void setTitles(const char* applicationName) {
     for (const TitleText& title : titleTexts)
-        mclibError_setTitle(title.kind, mclibUtil_getLanguageText(title.text), applicationName);
+        mclibError_setTitle(title.kind, mc::languageText(title.text), applicationName);
 }
 
 bool asksForFolder(const char* applicationName) {
@@ -204,9 +207,8 @@ void offerFamilyFolder(const char* applicationName, int argc, char** argv) {
     if (argc <= 0 || !argv || !argv[0] || !std::strpbrk(argv[0], "\\/")) return;
     const std::string companyFile = std::string(site) + "company.cfg";
     const std::string folder = folderAbove(argv[0]);
-    if (mclibError_rscMsgBoxPrintf(defineFolderFlags, MCLIB_QUESTIONS, defineFolderQuestion, folder.c_str(),
-                                   applicationName, applicationName, companyFile.c_str(),
-                                   folder.c_str()) == MSGBOX_FIRST)
+    if (mc::showBox(defineFolderFlags, ids::questions::defineFamilyFolder, folder.c_str(), applicationName,
+                    applicationName, companyFile.c_str(), folder.c_str()) == MSGBOX_FIRST)
         mdlSystem_defineCfgVar("MC_DIR", folder.c_str(), userLevel);
 }
 
@@ -241,7 +243,8 @@ void reportFullTable(const char* applicationName) {
     const std::string brief = std::string("The application ") + (applicationName ? applicationName : "") +
                               " can't start: " + std::to_string(mostApplications) +
                               " applications have been started, which is the most of a session";
-    mdlOutput_messageCenter(10, brief.c_str(), "End the session, and start it with fewer applications.", 0);
+    mdlOutput_messageCenter(MDL_PRIORITY_ERROR, brief.c_str(), "End the session, and start it with fewer applications.",
+                            0);
 }
 
 bool isInitList(std::string_view listName) {
@@ -304,15 +307,15 @@ void mclibMain_newDesignFile(char*, int state) {
             dlmSystem_callAnyFunction("", mdlSystem_getCurrMdlDesc(), reinterpret_cast<void*>(data->initApps[i]));
     }
     mclibProject_readProjectInfoFromDesignFile(mclibpd);
-    if (MdlDialog* project = mdlDialog_find(PROJECT_DIALOG, nullptr)) mdlDialog_itemsSynch(project);
-    if (MdlDialog* attributes = mdlDialog_find(ATTRIBUTE_DIALOG, nullptr)) mdlWindow_close(attributes, 0, 1);
+    if (MdlDialog* project = mdlDialog_find(ids::project::id, nullptr)) mdlDialog_itemsSynch(project);
+    if (MdlDialog* attributes = mdlDialog_find(elmattr::dialogId, nullptr)) mdlWindow_close(attributes, 0, 1);
     refreshLineStyles();
 }
 
 char* mclibMain_getMclibVersion(void) {
     static char version[messageFormatSize];
     // The text is the format, as the lists hold them.
-    snprintf(version, sizeof version, mclibUtil_getLanguageText(versionFormat), libraryVersion);
+    snprintf(version, sizeof version, mc::languageText(ids::texts::version), libraryVersion);
     return version;
 }
 

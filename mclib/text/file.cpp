@@ -11,12 +11,13 @@
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/win32.h"
 #include "mclib/frame/errors.h"
+#include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/util.h"
+#include "resources/ids.h"
 
 namespace {
 
 // Messages of the error list.
-enum { cannotOpen = 1, cannotClose = 2, lineTooLong = 3, cannotRead = 4, includesItself = 5 };
 
 constexpr int defaultBufferSize = 512;
 
@@ -49,7 +50,7 @@ void copyName(char (&out)[256], std::string_view name) {
 }
 
 McFile* cannotOpenFile(const char* what) {
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, cannotOpen, what);
+    mc::showNotice(ids::errors::cantOpen, what);
     return nullptr;
 }
 
@@ -71,7 +72,7 @@ McFile* openStream(const char* name, int hostMode) {
 
 int freeFile(McFile* f) {
     const int status = mdlTextFile_close(f->stream);
-    if (status != MDL_SUCCESS) mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, cannotClose, f->name);
+    if (status != MDL_SUCCESS) mc::showNotice(ids::errors::cantClose, f->name);
     if (!f->parent) dlmSystem_mdlFree(f->buffer);
     dlmSystem_mdlFree(f);
     return status;
@@ -127,7 +128,7 @@ McFile* openIncluded(const McFile& parent, const char* name, bool mustExist) {
     if (!isInChain(&parent, f->stream)) return f;
     freeFile(f);
     if (mustExist) {
-        mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, includesItself, path, parent.name, parent.lineNumber);
+        mc::showNotice(ids::errors::includesItself, path, parent.name, parent.lineNumber);
     }
     return nullptr;
 }
@@ -275,14 +276,13 @@ Got physicalLine(std::span<char> dest, size_t begin, size_t& end, McFile* f, Tra
 
 int failTooLong(McFile* f, size_t maxLength) {
     const McFile* reader = endOfChain(f);
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, lineTooLong, static_cast<int>(maxLength), reader->name,
-                               reader->lineNumber);
+    mc::showNotice(ids::errors::lineTooLong, static_cast<int>(maxLength), reader->name, reader->lineNumber);
     return -1;
 }
 
 int failUnreadable(McFile* f) {
     const McFile* reader = endOfChain(f);
-    mclibError_rscMsgBoxPrintf(MSGBOX_NOTICE, MCLIB_ERRORS, cannotRead, reader->name, reader->lineNumber);
+    mc::showNotice(ids::errors::cantReadOn, reader->name, reader->lineNumber);
     return -1;
 }
 

@@ -92,6 +92,13 @@ TEST_F(Mcrsc, EachFaultIsOneLineAndTheOldFileStays) {
          "dialog 5, text 1: only option buttons have rows"},
         {"[[icon]]\nid = 1\nsign = \"i\"\nrows = [\"##\", \"#\"]\n", "must have as many columns as rows"},
         {"[[icon\n", "x.toml:1: "},
+        {dialog + "hook = \"none\"\n", "x.toml:5: there is no hook \"none\" in [hooks] of any source"},
+        {dialog + "name = \"two words\"\n", "the name \"two words\" must be letters and digits"},
+        {dialog + "name = \"box\"\n[[dialog.item]]\nkind = \"text\"\nid = 1\nname = \"id\"\nx = 1\ny = 1\nwidth = 1\n",
+         "the name \"id\" comes twice in \"box\""},
+        {head + "1 = { name = \"one\", text = \"a\" }\n", "the dialog or list of \"one\" has no name itself"},
+        {"language = \"en\"\n[[list]]\nid = 7\nname = \"l\"\n[list.text]\n1 = { name = \"one\", text = \"%y\" }\n",
+         "takes a value of a kind that no C++ type stands for"},
     };
     source("good.toml", head + "1 = \"kept\"\n");
     ASSERT_EQ(run("-o out.rsc good.toml").status, 0);
@@ -103,6 +110,37 @@ TEST_F(Mcrsc, EachFaultIsOneLineAndTheOldFileStays) {
         EXPECT_THAT(outcome.output, testing::HasSubstr(c.line));
         EXPECT_EQ(host::readContainer(folder / "out.rsc").strings.at({20005, 1}).textIn("en"), "kept");
     }
+}
+
+TEST_F(Mcrsc, NamesOfNumbersBecomeConstants) {
+    const std::string dialog =
+        "[[dialog]]\nid = 5\nname = \"choice\"\nwidth = 10\nheight = 20\nhook = \"choose\"\n"
+        "[[dialog.item]]\nkind = \"text\"\nid = 7\nname = \"size\"\nx = 1\ny = 2\nwidth = 30\nhook = 12\n";
+    source("d.toml", dialog);
+    source("m.toml",
+           "language = \"en\"\n[hooks]\nchoose = 11\n[[list]]\nid = 3\nname = \"told\"\n[list.text]\n"
+           "1 = { name = \"plain\", text = \"100%%\" }\n2 = { name = \"values\", text = \"%-*s %5.2f %ld\" }\n");
+    ASSERT_EQ(run("-o out.rsc --names ids.h d.toml m.toml").output, "");
+    const auto read = [&] {
+        std::ifstream file(folder / "ids.h");
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    };
+    for (const char* line :
+         {"namespace ids::choice {\nconstexpr int32_t id{5};\nconstexpr mdl::ItemId size{1683257460, 7};\n",
+          "namespace ids::hooks {\nconstexpr int32_t choose{11};\n", "constexpr mdl::Message<3> plain{1};\n",
+          "constexpr mdl::Message<3, int, const char*, double, long> values{2};\n"})
+        EXPECT_THAT(read(), testing::HasSubstr(line));
+    const host::DialogLayout layout = host::readContainer(folder / "out.rsc").dialogs.at(5);
+    EXPECT_EQ(layout.hook, 11);
+    EXPECT_EQ(layout.items.at(0).hook, 12);
+
+    const auto written = fs::last_write_time(folder / "ids.h");
+    source("d.toml", "# the same names\n" + dialog);
+    ASSERT_EQ(run("-o out.rsc --names ids.h d.toml m.toml").status, 0);
+    EXPECT_EQ(fs::last_write_time(folder / "ids.h"), written);
+    EXPECT_EQ(run("-o out.rsc --names no/ids.h d.toml m.toml").output,
+              "mcrsc: no/ids.h: can't be written; make sure that its folder is there and can be written to, and that "
+              "there is room\n");
 }
 
 TEST_F(Mcrsc, ATranslationMustTakeTheSameValues) {
