@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <system_error>
+
+#include "mchost/base/new_file.h"
 
 namespace {
 
@@ -87,14 +89,15 @@ std::string ResourceNames::write(const std::string& path) const {
         text += "}\n";
     }
     if (contentsOf(path) == text) return {};
-    const std::string unfinished = path + ".new";
-    std::error_code error;
-    if (std::ofstream file(unfinished, std::ios::binary); !(file << text) || !file.flush())
-        error = std::make_error_code(std::errc::io_error);
-    else
-        std::filesystem::rename(unfinished, path, error);
-    if (!error) return {};
-    std::filesystem::remove(unfinished, error);
+    try {
+        host::NewFile file(path);
+        std::ofstream stream(file.name(), std::ios::binary);
+        if (stream << text && stream.flush()) {
+            file.replace();
+            return {};
+        }
+    } catch (const std::system_error&) {  // told as any other failure
+    }
     return path +
            ": can't be written; make sure that its folder is there and can be written to, and that there is room";
 }

@@ -44,12 +44,6 @@ constexpr bool hasOptionLabels(int32_t kind) {
     return kind == ATTR_KIND_OPTION_TEXT;
 }
 
-}  // namespace elmattr
-
-// Visible from outside the library for its tests.
-#pragma GCC visibility push(default)
-namespace elmattr {
-
 // A zero-filled record with that label, cut at maxAttributeLabel characters; null when out of memory.
 ElmAttrRecord* createRecord(std::string_view label);
 // Frees a record that is in no list, with all that it owns.
@@ -79,4 +73,3 @@ void refreshDialog(GlobalData& gd, int id);
 void bringStyleNumbersInStep();
 
 }  // namespace elmattr
-#pragma GCC visibility pop

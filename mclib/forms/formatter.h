@@ -7,8 +7,6 @@
 
 #include "mclib/forms/forms.h"
 
-// Visible from outside the library for its tests.
-#pragma GCC visibility push(default)
 namespace forms {
 
 constexpr size_t pageTextSize = 512;    // what a text may take on a page, its NUL included
@@ -63,4 +61,3 @@ struct FormatRequest {
 int generateText(std::span<char> out, const FormatRequest& request);
 
 }  // namespace forms
-#pragma GCC visibility pop
