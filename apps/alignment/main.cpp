@@ -87,8 +87,9 @@ bool printPage(const std::string& name, int device, ElementDescr* page, const Pa
 
 // The sheet; the station list on a device that has nothing but texts.
 bool print(const std::string& name, ElementDescr* page, const Road& road, const Sheet& sheet, const Options& options) {
-    const int device = options.device->number;
-    if (device != PRINT_ASCII) return printPage(name, device, page, {margin, margin, sheet.width(), sheet.height()});
+    const int device = options.device->code;
+    if (!app::deviceIs(*options.device, PRINT_DEVICE_TEXT_ONLY))
+        return printPage(name, device, page, {margin, margin, sheet.width(), sheet.height()});
     const ListPage list = stationPage(road, options.step);
     return list.page && printPage(name, device, list.page.get(), {0, 0, list.width, list.height}) &&
            (app::makeUtf8(name) || app::failOutput(name, "the station list can't be written; is the disk full?"));
@@ -156,7 +157,8 @@ std::optional<Road> readAll(const Options& options, const Project& project, Attr
     Road begun;
     project.tell(begun);
     if (!attributes.begin(options.own)) return {};
-    std::optional<Road> road = readRoad(options.input, options.device->letterRefusal, std::move(begun), attributes);
+    std::optional<Road> road =
+        readRoad(options.input, app::letterRefusalOf(*options.device), std::move(begun), attributes);
     if (!road) return {};
     if (options.scale > 0) road->scale = options.scale;
     if (!attributes.canKeep(options.saveAttributes, options.overwrite)) return {};

@@ -71,9 +71,8 @@ bool setPicture(Options& options, std::string_view, const std::string& value) {
 }
 
 bool setDevice(Options& options, std::string_view, const std::string& value) {
-    if (const app::Device* device = app::deviceNamed(value)) options.device = device;
-    return app::deviceNamed(value) ||
-           wrong(std::string("--device takes ") + app::deviceNames + ", not \"" + value + "\"");
+    if (const McPrintDevice* device = app::deviceNamed(value)) options.device = device;
+    return app::deviceNamed(value) || wrong("--device takes " + app::deviceNames() + ", not \"" + value + "\"");
 }
 
 // Such as "1600x1130".
@@ -106,16 +105,15 @@ bool chooseDevice(Options& options) {
     if (options.out == "-") return wrong("--out takes a folder or a path; standard output isn't written");
     std::string why;
     const std::filesystem::path out = options.out;
-    const app::Device* const device = app::deviceFor(out.extension().string(), options.device, why);
+    const McPrintDevice* const device = app::deviceFor(out.extension().string(), options.device, why);
     const auto isMade = [&](const char* suffix) { return app::sameName(out.extension().string(), suffix); };
     constexpr const char* made = "--out takes a path without suffix, for the drawing, the print file and the picture";
     if (std::ranges::any_of(std::array{".mcd", ".png", ".svg", ".pbm"}, isMade))
         return wrong(options.out + ": " + made);
     if (!device) return wrong(options.out + ": " + why);
-    constexpr double longestPclSide = 297;  // A4
     const Paper paper = *paperSize(options.paper, options.portrait);
-    if (device->number == PRINT_PCL && std::max(paper.width, paper.height) > longestPclSide)
-        return wrong("PCL files are for A4 paper, which " + paper.name +
+    if (!app::fitsDevice(*device, paper.width, paper.height))
+        return wrong(std::string(device->name) + " files are for A4 paper, which " + paper.name +
                      " is cut to; take --paper A4 or another device");
     options.device = device;
     if (isMade(device->suffix)) options.out = (out.parent_path() / out.stem()).string();

@@ -14,7 +14,7 @@ struct Options {
     std::string input;  // empty: to be asked for
     std::string out, printer, paper = "A3", picture = "png";
     std::string attributes, saveAttributes, own;  // resource files
-    const app::Device* device = nullptr;          // null: by the suffix of `out`
+    const McPrintDevice* device = nullptr;          // null: by the suffix of `out`
     std::optional<RasterSize> raster;
     double scale = 0, step = 20;
     bool portrait = false, overwrite = false, list = false, last = false;

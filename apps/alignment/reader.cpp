@@ -18,7 +18,7 @@ class Reader {
   public:
     Reader(app::Input::LetterRefusal letterRefusal, Road begun, Attributes& attributes)
         : road_(std::move(begun)), attributes_(attributes) {
-        in_.setLetterRefusal(letterRefusal);
+        in_.setLetterRefusal(std::move(letterRefusal));
     }
     bool read(const std::string& fileName);
     Road take() { return std::move(road_); }
@@ -222,7 +222,7 @@ bool Reader::read(const std::string& fileName) {
 
 std::optional<Road> readRoad(const std::string& fileName, app::Input::LetterRefusal letterRefusal, Road begun,
                              Attributes& attributes) {
-    Reader reader(letterRefusal, std::move(begun), attributes);
+    Reader reader(std::move(letterRefusal), std::move(begun), attributes);
     if (!reader.read(fileName)) return {};
     return reader.take();
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
+#include <vector>
 
 #include <mchost/mdl/system.h>
 #include "apps/common/names.h"
@@ -11,57 +12,15 @@ namespace app {
 
 namespace {
 
-constexpr const char* encodingVariable = "MC_PSENCODING";
-constexpr const char* allLetters = "1252";
-
-std::string noSuchLetter(char letter, const char* device, const char* instead) {
-    char code[8];
-    std::snprintf(code, sizeof code, "%02X", static_cast<unsigned char>(letter));
-    return std::string("the letter \"") + letter + "\" (" + code + " of Windows-1252) isn't among those of " + device +
-           "; " + instead;
-}
-
-// The letters beyond ASCII that every PostScript file has. The others need an encoding, which is asked for when the
-// first of them comes, unless the user has chosen one.
-constexpr std::string_view postscriptLetters =
-    "\xC4\xE4\xD6\xF6\xDC\xFC\xDF\xE6\xC6\xF8\xD8\xE5\xC5\xA9\xA1\xA2\xA3\xA5\xA7\xAB\xB6\xBB\xBF";
-
-std::string postscriptRefusal(char letter) {
-    constexpr int userLevel = 4;
-    if (static_cast<unsigned char>(letter) < 0x80 || postscriptLetters.find(letter) != postscriptLetters.npos)
-        return {};
-    char encoding[16] = "";
-    if (mdlSystem_getCfgVar(encoding, encodingVariable, sizeof encoding) != MDL_SUCCESS) {
-        mdlSystem_defineCfgVar(encodingVariable, allLetters, userLevel);
-        return {};
-    }
-    if (encoding == std::string_view(allLetters)) return {};
-    return noSuchLetter(letter, "PostScript files", "define MC_PSENCODING=1252, or write it with others");
-}
-
-// A plotter has six letters beyond ASCII, in the places of these signs.
-std::string hpglRefusal(char letter) {
-    constexpr std::string_view letters = "\xE6\xF8\xE5\xC6\xD8\xC5", signs = "{|}[\\]";
-    const bool plain = static_cast<unsigned char>(letter) < 0x80 && signs.find(letter) == signs.npos;
-    if (plain || letters.find(letter) != letters.npos) return {};
-    return noSuchLetter(letter, "HP-GL plotters", "write it with others, or take another device");
-}
-
-// PCL printers have the letters of ISO 8859-1, which leaves these codes to control characters.
-std::string pclRefusal(char letter) {
-    const auto code = static_cast<unsigned char>(letter);
-    if (code < 0x80 || code > 0x9F) return {};
-    return noSuchLetter(letter, "PCL printers", "write it with others, or take another device");
+// Those that make files.
+std::vector<const McPrintDevice*> fileDevices() {
+    std::vector<const McPrintDevice*> devices;
+    for (int row = 0; const McPrintDevice* device = mclibPrint_getDeviceP(row); ++row)
+        if (device->suffix) devices.push_back(device);
+    return devices;
 }
 
 // clang-format off
-constexpr Device devices[] = {
-    {"postscript", PRINT_POSTSCRIPT, ".ps",   postscriptRefusal},
-    {"hpgl",       PRINT_HPGL,       ".hpgl", hpglRefusal},
-    {"pcl",        PRINT_PCL,        ".pcl",  pclRefusal},
-    {"ascii",      PRINT_ASCII,      ".txt",  nullptr},
-};
-
 // Suffixes of files that aren't print files, and what to do for one.
 struct Foreign {
     std::string_view suffix;
@@ -78,30 +37,62 @@ constexpr Foreign foreignSuffixes[] = {
 };
 // clang-format on
 
+bool bringsMoreLetters(const McPrintDevice& device) {
+    constexpr int userLevel = 4;
+    char value[16] = "";
+    return device.lettersVariable && mdlSystem_getCfgVar(value, device.lettersVariable, sizeof value) != MDL_SUCCESS &&
+           mdlSystem_defineCfgVar(device.lettersVariable, device.lettersValue, userLevel) == MDL_SUCCESS;
+}
+
+std::string refusalOf(const McPrintDevice& device, char letter) {
+    if (mclibPrint_showsLetter(device.code, letter) || bringsMoreLetters(device)) return {};
+    char code[8];
+    std::snprintf(code, sizeof code, "%02X", static_cast<unsigned char>(letter));
+    const std::string isnt = std::string("the letter \"") + letter + "\" (" + code +
+                             " of Windows-1252) isn't among those of " + device.name + " files; ";
+    if (!device.lettersVariable) return isnt + "write it with others, or take another device";
+    return isnt + "define " + device.lettersVariable + "=" + device.lettersValue + ", or write it with others";
+}
+
 }  // namespace
 
-const Device& usualDevice() {
-    return devices[0];
+const McPrintDevice& usualDevice() {
+    return *mclibPrint_getDeviceP(0);
 }
 
-const Device* deviceNamed(std::string_view name) {
-    const Device* const device = std::ranges::find(devices, name, &Device::name);
-    return device == std::end(devices) ? nullptr : device;
+std::string deviceNames() {
+    std::string names;
+    const std::vector<const McPrintDevice*> devices = fileDevices();
+    for (const McPrintDevice* device : devices)
+        names += std::string(names.empty() ? "" : device == devices.back() ? " or " : ", ") + device->key;
+    return names;
 }
 
-const Device* deviceFor(std::string_view suffix, const Device* asked, std::string& why) {
-    const auto hasSuffix = [&](const auto& row) { return sameName(row.suffix, suffix); };
-    const Device* const own = std::ranges::find_if(devices, hasSuffix);
-    const Foreign* const foreign = std::ranges::find_if(foreignSuffixes, hasSuffix);
+const McPrintDevice* deviceNamed(std::string_view name) {
+    for (const McPrintDevice* device : fileDevices())
+        if (name == device->key) return device;
+    return nullptr;
+}
+
+const McPrintDevice* deviceFor(std::string_view suffix, const McPrintDevice* asked, std::string& why) {
+    const McPrintDevice* own = nullptr;
+    for (const McPrintDevice* device : fileDevices())
+        if (sameName(device->suffix, suffix)) own = device;
+    const auto foreign =
+        std::ranges::find_if(foreignSuffixes, [&](const Foreign& row) { return sameName(row.suffix, suffix); });
     if (foreign != std::end(foreignSuffixes)) {
         why = "a " + std::string(suffix) + " file can't be made here; " + foreign->instead;
         return nullptr;
     }
-    if (own == std::end(devices)) return asked ? asked : &usualDevice();
+    if (!own) return asked ? asked : &usualDevice();
     if (!asked || asked == own) return own;
-    why = std::string(suffix) + " is the suffix of " + std::string(own->name) + " files, and --device asks for " +
-          std::string(asked->name) + ", whose suffix is " + asked->suffix;
+    why = std::string(suffix) + " is the suffix of " + own->key + " files, and --device asks for " + asked->key +
+          ", whose suffix is " + asked->suffix;
     return nullptr;
+}
+
+Input::LetterRefusal letterRefusalOf(const McPrintDevice& device) {
+    return [&device](char letter) { return refusalOf(device, letter); };
 }
 
 }  // namespace app

@@ -1,7 +1,7 @@
 // The print devices by the names and suffixes that users give them, and the letters that they have.
 #pragma once
 
-#include <optional>
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -10,21 +10,28 @@
 
 namespace app {
 
-struct Device {
-    std::string_view name;
-    int number;                          // PRINT_...
-    const char* suffix;                  // of the print file
-    Input::LetterRefusal letterRefusal;  // of texts that go there; null: it has all of Windows-1252
-};
-
 // The first one is taken when none is told.
-const Device& usualDevice();
-inline constexpr const char* deviceNames = "postscript, hpgl, pcl or ascii";
-// Null when there is no device of that name.
-const Device* deviceNamed(std::string_view name);
+const McPrintDevice& usualDevice();
+// The devices that make files, by the names that users ask for them: "a, b or c".
+std::string deviceNames();
+// Null when there is no device of that name that makes files.
+const McPrintDevice* deviceNamed(std::string_view name);
 
 // The device for an output file of that suffix (".ps"; letter case doesn't count) when the user asked for `asked`
 // (null: for none). Null, with `why`, when the suffix belongs to another device or to something that isn't made here.
-const Device* deviceFor(std::string_view suffix, const Device* asked, std::string& why);
+const McPrintDevice* deviceFor(std::string_view suffix, const McPrintDevice* asked, std::string& why);
+
+inline bool deviceIs(const McPrintDevice& device, uint32_t trait) {
+    return (device.traits & trait) != 0;
+}
+
+// Whether paper of that size, in millimetres, goes through the device.
+inline bool fitsDevice(const McPrintDevice& device, double width, double height) {
+    return device.longestPaperSide == 0 || std::max(width, height) <= device.longestPaperSide;
+}
+
+// Why letters of texts are refused that go to the device. A device that needs to be told to bring more letters is told
+// so when the first of them comes, unless the user has told it something.
+Input::LetterRefusal letterRefusalOf(const McPrintDevice& device);
 
 }  // namespace app

@@ -136,7 +136,7 @@ bool Input::takeLetters() {
             *letter = '?';
             return failAt(letter, "a control character stands here; is this a text file?");
         }
-        const std::string refusal = letterRefusal_ == nullptr ? "" : letterRefusal_(*letter);
+        const std::string refusal = letterRefusal_ ? letterRefusal_(*letter) : "";
         if (!refusal.empty()) return failAt(letter, refusal);
     }
     return true;

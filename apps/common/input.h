@@ -2,8 +2,9 @@
 // by themselves, with file, line, column and a caret.
 #pragma once
 
-#include <span>
+#include <functional>
 #include <string>
+#include <utility>
 
 #include <mclib/mclib.h>
 
@@ -18,10 +19,9 @@ class Input {
     Input(const Input&) = delete;
     Input& operator=(const Input&) = delete;
 
-    // Why a letter (Windows-1252, above 127 or one that a device uses otherwise) is refused; empty when it isn't. Null,
-    // as it is at first: none is.
-    using LetterRefusal = std::string (*)(char letter);
-    void setLetterRefusal(LetterRefusal refusal) { letterRefusal_ = refusal; }
+    // Why a letter (Windows-1252) is refused; empty when it isn't. None, as it is at first: no letter is.
+    using LetterRefusal = std::function<std::string(char letter)>;
+    void setLetterRefusal(LetterRefusal refusal) { letterRefusal_ = std::move(refusal); }
 
     // False after a message.
     bool open(const std::string& fileName);
@@ -62,7 +62,7 @@ class Input {
     void tellUntold();
 
     McFii fii_{};
-    LetterRefusal letterRefusal_ = nullptr;
+    LetterRefusal letterRefusal_;
     int errors_ = 0;
     bool open_ = false, failed_ = false;
 };

@@ -120,9 +120,9 @@ std::pair<fs::path, std::string> target(const Options& options) {
 bool make(const std::string& file, const Options& options, PageRange range) {
     setUp(*options.form);
     job().unattended = true;
-    if (!printPages(file, options.device->number, range))
+    if (!printPages(file, options.device->code, range))
         return fail("not all pages could be made, so nothing is printed");
-    return options.device->number != PRINT_ASCII || app::makeUtf8(file) ||
+    return !app::deviceIs(*options.device, PRINT_DEVICE_TEXT_ONLY) || app::makeUtf8(file) ||
            fail("the text file can't be written; is the disk full?");
 }
 
@@ -202,7 +202,7 @@ bool prepare(const Options& options) {
     if (!logo) return false;
     job().form = Form::read(*options.form, *library);
     if (!job().form) return false;
-    if (!readList(options.input, options.device->letterRefusal, job().list)) return false;
+    if (!readList(options.input, app::letterRefusalOf(*options.device), job().list)) return false;
     arrange(job().list);
     job().pages.emplace(job().list, *job().form, *library, *logo);
     warn(job().list, options);

@@ -49,9 +49,8 @@ bool setOut(Options& options, std::string_view name, const std::string& value) {
 }
 
 bool setDevice(Options& options, std::string_view, const std::string& value) {
-    if (const app::Device* device = app::deviceNamed(value)) options.device = device;
-    return app::deviceNamed(value) ||
-           wrong(std::string("--device takes ") + app::deviceNames + ", not \"" + value + "\"");
+    if (const McPrintDevice* device = app::deviceNamed(value)) options.device = device;
+    return app::deviceNamed(value) || wrong("--device takes " + app::deviceNames() + ", not \"" + value + "\"");
 }
 
 bool setForm(Options& options, std::string_view, const std::string& value) {
@@ -106,12 +105,14 @@ constexpr ValueOption valueOptions[] = {
 // The device that the file is for.
 bool chooseDevice(Options& options) {
     std::string why;
-    const app::Device* const device =
+    const McPrintDevice* const device =
         app::deviceFor(std::filesystem::path(options.out).extension().string(), options.device, why);
     if (!device) return wrong(options.out + ": " + why);
     options.device = device;
-    if (device->number != PRINT_PCL || !options.form->lying) return true;
-    return wrong(std::string("PCL files are for A4 paper, which form ") + options.form->name +
+    double width = 0, height = 0;
+    mclibPrint_getPageSize(&width, &height, options.form->pageSize);
+    if (app::fitsDevice(*device, width, height)) return true;
+    return wrong(std::string(device->name) + " files are for A4 paper, which form " + options.form->name +
                  " is cut to; take --form A4 or another device");
 }
 

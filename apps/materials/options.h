@@ -16,7 +16,7 @@ struct PageRange {
 
 struct Options {
     std::string input, out, printer, library = "forms.cel", logo;
-    const app::Device* device = nullptr;  // null: by the suffix of `out`
+    const McPrintDevice* device = nullptr;  // null: by the suffix of `out`
     const FormKind* form = &formKinds()[0];
     std::optional<PageRange> pages;  // from 1
     std::optional<int> copies;       // 1 when not told

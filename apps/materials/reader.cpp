@@ -163,7 +163,7 @@ constexpr std::array<Reader::Keyword, 13> Reader::keywords = {{
 }};
 
 Reader::Reader(List& list, app::Input::LetterRefusal letterRefusal) : list_(list) {
-    in_.setLetterRefusal(letterRefusal);
+    in_.setLetterRefusal(std::move(letterRefusal));
     for (const char* name : {numberName, massName}) values_.addNumber(name, 0, "");
     for (const char* name : {markName, dimensionName, unitName}) values_.addText(name, "");
 }
@@ -444,7 +444,7 @@ bool Reader::read(const std::string& fileName) {
 }  // namespace
 
 bool readList(const std::string& fileName, app::Input::LetterRefusal letterRefusal, List& list) {
-    return Reader(list, letterRefusal).read(fileName);
+    return Reader(list, std::move(letterRefusal)).read(fileName);
 }
 
 }  // namespace materials

@@ -139,10 +139,11 @@ constexpr CodeRow pages[] = {
     {10, "A4 landscape"}, {11, "A5 portrait"}, {12, "A5 landscape"},
 };
 constexpr CodeRow orientations[] = {{0, "always turned"}, {1, "never turned"}, {2, "by the page's shape"}};
-constexpr CodeRow devices[] = {
-    {PRINT_POSTSCRIPT, "PostScript"}, {PRINT_HPGL, "HP-GL"}, {PRINT_ASCII, "table of text"}, {PRINT_PCL, "PCL"},
-    {PRINT_HOST_PLOTTER, "plotter"},
-};
+
+std::string deviceName(int32_t code) {
+    const McPrintDevice* device = mclibPrint_findDeviceP(code);
+    return device ? device->name : std::to_string(code);
+}
 
 Record printerSetup(const Block& block) {
     mclibPrinterSetupData setup = {};
@@ -156,7 +157,7 @@ Record printerSetup(const Block& block) {
     addNumber(record, "marginTop", setup.marginTop);
     addNumber(record, "marginBottom", setup.marginBottom);
     record.fields.push_back({"orientation", nameOf(orientations, setup.orientation), true});
-    record.fields.push_back({"device", nameOf(devices, setup.deviceType), true});
+    record.fields.push_back({"device", deviceName(setup.deviceType), true});
     addNumber(record, "copies", setup.copies);
     addText(record, "printer", setup.printerName);
     addText(record, "file", setup.fileName);

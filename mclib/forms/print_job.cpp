@@ -17,8 +17,8 @@
 #include "mclib/frame/resource_files.h"
 #include "mclib/frame/shown_path.h"
 #include "mclib/frame/text_buffer.h"
-#include "mclib/print/ascii_sheet.h"
 #include "mclib/print/delivery.h"
+#include "mclib/print/job.h"
 #include "mclib/print/print.h"
 #include "mclib/print/setup_store.h"
 #include "mclib/print/shared.h"
@@ -94,14 +94,6 @@ bool printPageOnShow(GlobalData& data) {
     return true;
 }
 
-// Text files have their pages behind each other too.
-void nextSheet(const GlobalData& data) {
-    if (data.printDevice == PRINT_ASCII)
-        nextAsciiSheet();
-    else
-        mclibPrint_newPage();
-}
-
 // Makes and prints the pages one by one, and tells how many. One that can't be made takes no sheet.
 int32_t printSpan(GlobalData& data, PageSpan span) {
     int32_t printed = 0;
@@ -116,7 +108,8 @@ int32_t printSpan(GlobalData& data, PageSpan span) {
         Page page;
         makePage(data, number, false, page.out());
         if (!page) continue;
-        if (printed > 0) nextSheet(data);
+        print::PrintJob* job = print::applicationJob();
+        if (printed > 0 && job) job->newPage();
         if (printPage(data, page.get(), isTurned(page.get()))) ++printed;
     }
     return printed;
@@ -140,7 +133,7 @@ std::optional<std::string> askForTextFile() {
 
 // The file that the user wants; nothing when the job was cancelled.
 std::optional<std::string> askForTarget(GlobalData& data) {
-    if (mclibpsd->deviceType == PRINT_ASCII) {
+    if (print::setupDeviceIs(PRINT_DEVICE_ONE_PAGE)) {
         data.fileDialogP->printRange = printCurrentPage;  // such a job is one page
         return askForTextFile();
     }
@@ -170,14 +163,14 @@ void sendToPrinter() {
 }
 
 // Whether the file goes to a printer when it is whole.
-bool isSent(int32_t device) {
-    return device != PRINT_ASCII && !mclibpsd->fileOnly && !userPrintFunction();
+bool isSent() {
+    return print::setupDeviceIs(PRINT_DEVICE_TO_PRINTER) && !mclibpsd->fileOnly && !userPrintFunction();
 }
 
 // Whether the set-up lets something be printed. Tells when not.
-bool canPrint(int32_t device) {
+bool canPrint() {
     if (!userPrintFunction() && printableArea().isEmpty()) return report(ids::errors::marginsLeaveNothing), false;
-    if (isSent(device) && mclibpsd->copies < 1) return report(ids::errors::noCopies), false;
+    if (isSent() && mclibpsd->copies < 1) return report(ids::errors::noCopies), false;
     return true;
 }
 
@@ -199,17 +192,16 @@ bool closeFile(const std::string& file) {
 
 void printPages(GlobalData& data) {
     print::readStoredSetup();
-    if (mclibpsd->deviceType == PRINT_HOST_PLOTTER) return plotPages(data);
+    if (print::setupDeviceIs(PRINT_DEVICE_BY_HOST)) return plotPages(data);
     const std::optional<std::string> file = askForTarget(data);
-    const int32_t device = mclibpsd->deviceType;
-    if (!file || !canPrint(device)) return;
+    if (!file || !canPrint()) return;
     tellMissingCellsAnew();
     usePageSize();
-    if (!mclibPrint_fopen(file->c_str(), device)) return reportFile(ids::errors::cantOpen, *file);
+    if (!mclibPrint_fopen(file->c_str(), mclibpsd->deviceType)) return reportFile(ids::errors::cantOpen, *file);
     const bool any = printAsked(data);
     const bool stored = closeFile(*file);
     if (!any) report(ids::errors::noPages);
-    if (any && stored && isSent(device)) sendToPrinter();
+    if (any && stored && isSent()) sendToPrinter();
     tell(ids::questions::nothing);
 }
 

@@ -9,8 +9,7 @@
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
 #include "mclib/frame/errors.h"
-#include "mclib/print/ascii_sheet.h"
-#include "mclib/print/driver.h"
+#include "mclib/print/job.h"
 #include "mclib/print/output.h"
 
 namespace {
@@ -50,17 +49,6 @@ struct AsciiText {
     double x, y;            // lower left corner of its box
 };
 
-// The job. The store of texts has room for each of them twice: sorting takes no memory that could be missing then.
-struct AsciiState {
-    GrowingBlock<char> characters;
-    GrowingBlock<AsciiText> texts;
-    double minX;  // of all texts
-    bool gapCut;
-};
-AsciiState state;
-
-PrintOutput output;
-
 // ---- rows ----
 
 // Rows from the top of the page down, and within a row from left to right; less than 1 mm apart counts as equal. As
@@ -89,108 +77,139 @@ void sortRows(AsciiText* texts, size_t count) {
     if (from != texts) std::copy(from, from + count, texts);
 }
 
-// ---- layout ----
+// ---- the job ----
 
-size_t cutGap(double gap) {
-    if (gap > mostGap) state.gapCut = true;
+struct AsciiJob {
+    PrintOutput output;
+    // The texts of the sheet. The store has room for each of them twice: sorting takes no memory that could be missing.
+    GrowingBlock<char> characters;
+    GrowingBlock<AsciiText> texts;
+    double minX;  // of all texts
+    bool gapCut;
+
+    bool open(const char* fileName, int) {
+        beginSheet();
+        return output.open("mclibAscii", fileName);
+    }
+    void newPage() {
+        endSheet();
+        output.write("\f");
+        beginSheet();
+    }
+    void close() {
+        endSheet();
+        output.close("a text file");
+    }
+    int32_t status() { return output.status(); }
+
+    void drawText(const Point3d& place, std::string_view text, double angle);
+    void label(const Label& l) { drawText(l.shape[0], l.text, l.angle - l.pageAngle); }
+
+    void beginSheet() {
+        characters = {};
+        texts = {};
+        minX = *fc_rmaxi4P;
+        gapCut = false;
+    }
+    void endSheet();
+    size_t cutGap(double gap);
+    size_t linesBetween(double lastY, double y);
+    void layOutTexts();
+    void tellCutGaps();
+};
+
+size_t AsciiJob::cutGap(double gap) {
+    if (gap > mostGap) gapCut = true;
     return static_cast<size_t>(std::clamp(gap, 0.0, mostGap));
 }
 
 // A text less than two lines lower than the one before it stands on the next line, and so on by the line.
-size_t linesBetween(double lastY, double y) {
+size_t AsciiJob::linesBetween(double lastY, double y) {
     return cutGap(std::ceil((lastY - y) / lineHeight) - 1);
 }
 
-void layOutTexts(const AsciiText* texts, size_t count) {
+void AsciiJob::layOutTexts() {
     size_t column = 0;
-    for (const AsciiText* text = texts; text != texts + count; ++text) {
-        if (text != texts && text[-1].y - text->y > lineHeight) {
+    for (const AsciiText* text = texts.data; text != texts.data + texts.count; ++text) {
+        if (text != texts.data && text[-1].y - text->y > lineHeight) {
             output.repeat('\n', linesBetween(text[-1].y, text->y));
             column = 0;
         }
-        const size_t target = cutGap((text->x - state.minX) * columnsPerMm);
+        const size_t target = cutGap((text->x - minX) * columnsPerMm);
         if (target > column) {
             output.repeat(' ', target - column);
             column = target;
         }
-        output.write({state.characters.data + text->offset, text->length});
+        output.write({characters.data + text->offset, text->length});
         column += text->length;
     }
 }
 
-void tellCutGaps() {
+void AsciiJob::tellCutGaps() {
     toolSubsystem_printf(
         "mclibAscii: gaps over %.0f lines or columns are cut in %s; look for a text far off the page.\n", mostGap,
         output.name());
 }
 
-void beginSheet() {
-    state = {.characters = {}, .texts = {}, .minX = *fc_rmaxi4P, .gapCut = false};
+void AsciiJob::endSheet() {
+    sortRows(texts.data, texts.count);
+    layOutTexts();
+    if (gapCut) tellCutGaps();
+    texts.release();
+    characters.release();
+    output.write("\n");
 }
 
-void endSheet() {
-    sortRows(state.texts.data, state.texts.count);
-    layOutTexts(state.texts.data, state.texts.count);
-    if (state.gapCut) tellCutGaps();
-    state.texts.release();
-    state.characters.release();
-    output.write("\n");
+void AsciiJob::drawText(const Point3d& place, std::string_view text, double angle) {
+    if (!(std::abs(angle) <= mostTurned) || !std::isfinite(place.x) || !std::isfinite(place.y)) return;
+    if (!characters.makeRoom(text.size()) || !texts.makeRoom(texts.count + 2)) return;
+    put(characters.data + characters.count, text);
+    texts.data[texts.count++] = {.offset = characters.count, .length = text.size(), .x = place.x, .y = place.y};
+    characters.count += text.size();
+    minX = std::min(minX, place.x);
 }
 
 }  // namespace
 
-// ---- the job ----
+// ---- the exported calls ----
 
 int mclibAscii_fopen(const char* fileName) {
-    mclibAscii_fclose();
-    beginSheet();
-    return output.open("mclibAscii", fileName);
+    return print::openCurrentJob(PRINT_ASCII, fileName);
 }
 
 void mclibAscii_newPage(void) {}
 
-void nextAsciiSheet() {
-    if (!output.isOpen()) return;
-    endSheet();
-    output.write("\f");
-    beginSheet();
-}
-
 void mclibAscii_fclose(void) {
-    if (!output.isOpen()) return;
-    endSheet();
-    output.close("a text file");
+    print::currentJob(PRINT_ASCII).close();
 }
 
 int mclibAscii_jobStatus(void) {
-    return output.status();
+    return print::currentJob(PRINT_ASCII).fileStatus();
 }
-
-// ---- drawing ----
 
 void mclibAscii_drawText(const Point3d* shape, const char* text, double, double, double angle, int) {
-    if (!output.isOpen() || !shape || !text || !(std::abs(angle) <= mostTurned)) return;
-    const Point3d& place = shape[0];
-    if (!std::isfinite(place.x) || !std::isfinite(place.y)) return;
-    GrowingBlock<char>& characters = state.characters;
-    GrowingBlock<AsciiText>& texts = state.texts;
-    const std::string_view whole = text;
-    if (!characters.makeRoom(whole.size()) || !texts.makeRoom(texts.count + 2)) return;
-    put(characters.data + characters.count, whole);
-    texts.data[texts.count++] = {.offset = characters.count, .length = whole.size(), .x = place.x, .y = place.y};
-    characters.count += whole.size();
-    state.minX = std::min(state.minX, place.x);
+    auto* job = static_cast<AsciiJob*>(print::currentJob(PRINT_ASCII).state());
+    if (job && shape && text) job->drawText(shape[0], text, angle);
 }
 
-// ---- the contract ----
+// ---- the device ----
 
-constexpr PrintDriver asciiDriver = {
-    .quarterTurn = false,
-    .open = [](const char* fileName, int) { return mclibAscii_fopen(fileName); },
-    .newPage = mclibAscii_newPage,
-    .close = mclibAscii_fclose,
-    .jobStatus = mclibAscii_jobStatus,
+extern constexpr PrintDriver asciiDriver = {
+    .device = {.code = PRINT_ASCII,
+               .key = "ascii",
+               .name = "table of text",
+               .suffix = ".txt",
+               .traits = PRINT_DEVICE_TEXT_ONLY | PRINT_DEVICE_ONE_PAGE,
+               .longestPaperSide = 0,
+               .lettersVariable = nullptr,
+               .lettersValue = nullptr},
+    .letters = nullptr,
+    .moreLetters = nullptr,
+    .jobSize = sizeof(AsciiJob),
+    .open = onJob<&AsciiJob::open>,
+    .newPage = onJob<&AsciiJob::newPage>,
+    .close = onJob<&AsciiJob::close>,
+    .status = onJob<&AsciiJob::status>,
     .stroke = nullptr,
-    .label =
-        [](const Label& l) { mclibAscii_drawText(l.shape, l.text, l.height, l.size, l.angle - l.pageAngle, l.just); },
+    .label = onJob<&AsciiJob::label>,
 };

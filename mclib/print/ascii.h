@@ -12,7 +12,7 @@
 #include "mclib/frame/export.h"
 
 /* Opens the file. 1, or 0 with a line on the console. A job that was left open ends first. */
-MCLIB_EXPORT int mclibAscii_fopen(const char* fileName);
+MCLIB_EXPORT int mclibAscii_fopen(const char *fileName);
 /* Does nothing on this device. */
 MCLIB_EXPORT void mclibAscii_newPage(void);
 /* Lays out the texts and closes the file; a line on the console names a file that couldn't be stored. */
@@ -26,7 +26,7 @@ MCLIB_EXPORT int mclibAscii_jobStatus(void);
  * from the page's direction of reading; a text that is turned by more than 1 degree, or has no finite place, is left
  * out, and so is one that memory doesn't suffice for (with a message). The height, the size and the alignment have no
  * effect. */
-MCLIB_EXPORT void mclibAscii_drawText(const Point3d* shape, const char* text, double height, double size, double angle,
+MCLIB_EXPORT void mclibAscii_drawText(const Point3d *shape, const char *text, double height, double size, double angle,
                                       int just);
 
 #endif

@@ -1,9 +1,13 @@
-// The contract between the page walker and a print device.
+// The contract between print jobs and print devices. A device is a file that ends with a row of this kind, and its name
+// in the list of devices.cpp.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
-#include "mchost/mdl/types.h"
+#include "mclib/print/letters.h"
+#include "mclib/print/print.h"
 
 struct LineStyle;  // mclib/print/styles.h
 
@@ -31,17 +35,39 @@ struct Label {
     double pageAngle;      // direction of reading of the page
 };
 
-// What a print device does. Lengths are millimetres on the paper, x right, y up, origin at the sheet's lower left
-// corner; angles are degrees, counter-clockwise. A driver keeps one module-wide output; what is drawn while it isn't
-// open does nothing. A null member: the device has no such operation.
+// What a print device is and does. Lengths are millimetres on the paper, x right, y up, origin at the sheet's lower
+// left corner; angles are degrees, counter-clockwise. All that a device knows of a job lies in the job's state, a block
+// of `jobSize` bytes that is zero-filled at first and goes after `close`; many jobs may be open at a time. `open` comes
+// first, once; it tells of a failure on the console, and only `status` is asked then. A null member: the device has no
+// such operation; one without `open` takes whole jobs and makes nothing of them.
 struct PrintDriver {
-    bool quarterTurn;                                     // the walker turns the picture
-    int32_t (*open)(const char* fileName, int pageCode);  // 1, or 0 when the file can't be opened
-    void (*newPage)();
-    void (*close)();
-    int32_t (*jobStatus)();  // MCLIB_SUCCESS or MCLIB_ERROR: was all of the last job written?
-    void (*stroke)(const Stroke&);
-    void (*label)(const Label&);
+    McPrintDevice device;             // what users and applications know of it
+    const ShownLetters* letters;      // that its files show; null: all of Windows-1252
+    const ShownLetters* moreLetters;  // and those that they show when device.lettersVariable has its value
+
+    size_t jobSize;
+    bool (*open)(void* job, const char* fileName, int pageCode);
+    void (*newPage)(void* job);
+    void (*close)(void* job);      // ends the last page
+    int32_t (*status)(void* job);  // MCLIB_SUCCESS or MCLIB_ERROR: was all written so far?
+    void (*stroke)(void* job, const Stroke& stroke);
+    void (*label)(void* job, const Label& label);
+
+    bool is(uint32_t trait) const { return (device.traits & trait) != 0; }
 };
 
-extern const PrintDriver psDriver, hpglDriver, asciiDriver, pclDriver;
+// A member function of the structure that is a device's job state, as the row wants it: onJob<&PsJob::newPage>.
+template <auto Function>
+struct OnJob;
+template <class Job, class Result, class... Arguments, Result (Job::*Function)(Arguments...)>
+struct OnJob<Function> {
+    static Result call(void* job, Arguments... arguments) {
+        static_assert(std::is_trivially_default_constructible_v<Job> && std::is_trivially_destructible_v<Job>);
+        return (static_cast<Job*>(job)->*Function)(arguments...);
+    }
+};
+template <auto Function>
+inline constexpr auto onJob = OnJob<Function>::call;
+
+// Whether its files, opened now, show what device.lettersVariable brings.
+bool hasMoreLetters(const PrintDriver& driver);

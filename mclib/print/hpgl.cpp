@@ -5,7 +5,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "mclib/print/driver.h"
+#include "mclib/print/job.h"
 #include "mclib/print/output.h"
 
 namespace {
@@ -53,8 +53,6 @@ constexpr auto shownLetters = [] {
     return shown;
 }();
 
-PrintOutput output;
-
 char* putPoint(char* p, double x, double y) {
     p = putInteger(p, truncated((x - originX) * unitsPerMm));
     *p++ = ',';
@@ -78,42 +76,37 @@ char* putStepBack(char* p, size_t length, int just) {
     }
 }
 
-}  // namespace
-
 // ---- the job ----
 
-int mclibHpgl_fopen(const char* fileName) {
-    mclibHpgl_fclose();
-    if (!output.open("mchpgllib", fileName)) return 0;
-    output.write(setUp);
-    return 1;
-}
+struct HpglJob {
+    PrintOutput output;
 
-void mclibHpgl_newPage(void) {
-    if (output.isOpen()) output.write(pageEnd);
-}
+    bool open(const char* fileName, int) {
+        if (!output.open("mchpgllib", fileName)) return false;
+        output.write(setUp);
+        return true;
+    }
+    void newPage() { output.write(pageEnd); }
+    void close() {
+        newPage();
+        output.close("HP-GL");
+    }
+    int32_t status() { return output.status(); }
 
-void mclibHpgl_fclose(void) {
-    if (!output.isOpen()) return;
-    mclibHpgl_newPage();
-    output.close("HP-GL");
-}
+    void drawPolyline(const Point3d* points, int count);
+    void drawText(double x, double y, char* text, double height, double angle, int just);
 
-int mclibHpgl_jobStatus(void) {
-    return output.status();
-}
+    void stroke(const Stroke& s) { drawPolyline(s.points, s.count); }
+    void label(const Label& l) { drawText(l.x, l.y, l.text, l.height, l.angle, l.just); }
+};
 
-// ---- drawing ----
-
-void mclibHpgl_drawPolyline(const Point3d* points, int count, double, double) {
-    if (!output.isOpen() || !points || count < 1) return;
+void HpglJob::drawPolyline(const Point3d* points, int count) {
     char* p = put(putPoint(put(output.line(), "PU;PA"), points[0].x, points[0].y), ";PD;");
     for (int i = 1; i < count; ++i) p = put(putPoint(put(output.roomAt(p), "PD;PA"), points[i].x, points[i].y), ";\n");
     output.taken(p);
 }
 
-void mclibHpgl_drawText(double x, double y, char* text, double height, double angle, int just) {
-    if (!output.isOpen() || !text) return;
+void HpglJob::drawText(double x, double y, char* text, double height, double angle, int just) {
     const double radians = angle * std::numbers::pi / 180;
     const size_t length = std::char_traits<char>::length(text);
     output.look({text, length}, shownLetters);
@@ -127,20 +120,64 @@ void mclibHpgl_drawText(double x, double y, char* text, double height, double an
     output.write("\n");
 }
 
+HpglJob* currentHpglJob() {
+    return static_cast<HpglJob*>(print::currentJob(PRINT_HPGL).state());
+}
+
+}  // namespace
+
+// ---- the exported calls ----
+
+int mclibHpgl_fopen(const char* fileName) {
+    return print::openCurrentJob(PRINT_HPGL, fileName);
+}
+
+void mclibHpgl_newPage(void) {
+    if (HpglJob* job = currentHpglJob()) job->newPage();
+}
+
+void mclibHpgl_fclose(void) {
+    print::currentJob(PRINT_HPGL).close();
+}
+
+int mclibHpgl_jobStatus(void) {
+    return print::currentJob(PRINT_HPGL).fileStatus();
+}
+
+void mclibHpgl_drawPolyline(const Point3d* points, int count, double, double) {
+    HpglJob* job = currentHpglJob();
+    if (job && points && count >= 1) job->drawPolyline(points, count);
+}
+
+void mclibHpgl_drawText(double x, double y, char* text, double height, double angle, int just) {
+    HpglJob* job = currentHpglJob();
+    if (job && text) job->drawText(x, y, text, height, angle, just);
+}
+
 void mclibHpgl_drawLine(float, float, float, float, float) {}
 
 void mclibHpgl_drawArc(double, double, double, double, double, double) {}
 
 void mclibHpgl_fillCirc(double, double, double, double, double, double) {}
 
-// ---- the contract ----
+// ---- the device ----
 
-constexpr PrintDriver hpglDriver = {
-    .quarterTurn = true,
-    .open = [](const char* fileName, int) { return mclibHpgl_fopen(fileName); },
-    .newPage = mclibHpgl_newPage,
-    .close = mclibHpgl_fclose,
-    .jobStatus = mclibHpgl_jobStatus,
-    .stroke = [](const Stroke& s) { mclibHpgl_drawPolyline(s.points, s.count, s.width, s.gray); },
-    .label = [](const Label& l) { mclibHpgl_drawText(l.x, l.y, l.text, l.height, l.angle, l.just); },
+extern constexpr PrintDriver hpglDriver = {
+    .device = {.code = PRINT_HPGL,
+               .key = "hpgl",
+               .name = "HP-GL",
+               .suffix = ".hpgl",
+               .traits = PRINT_DEVICE_TO_PRINTER | PRINT_DEVICE_QUARTER_TURN,
+               .longestPaperSide = 0,
+               .lettersVariable = nullptr,
+               .lettersValue = nullptr},
+    .letters = &shownLetters,
+    .moreLetters = nullptr,
+    .jobSize = sizeof(HpglJob),
+    .open = onJob<&HpglJob::open>,
+    .newPage = onJob<&HpglJob::newPage>,
+    .close = onJob<&HpglJob::close>,
+    .status = onJob<&HpglJob::status>,
+    .stroke = onJob<&HpglJob::stroke>,
+    .label = onJob<&HpglJob::label>,
 };

@@ -11,8 +11,6 @@
 bool PrintOutput::open(const char* driverName, const char* name) {
     driver = driverName;
     if (!name) name = "";
-    notShown = {};
-    someNotShown = false;
     fileName[std::string_view(name).copy(fileName, sizeof fileName - 1)] = '\0';
     end = block;
     stream = dlmSystem_mdlFopen(name, "w");
@@ -24,7 +22,6 @@ bool PrintOutput::open(const char* driverName, const char* name) {
 void PrintOutput::close(const char* device, const char* remedy) {
     flush();
     if (dlmSystem_mdlFclose(stream) != 0) failed = true;
-    stream = nullptr;
     if (failed)
         toolSubsystem_printf("%s: cannot write all of %s; make room on its disk and print again.\n", driver, fileName);
     else if (someNotShown)

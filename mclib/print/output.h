@@ -1,40 +1,28 @@
-// The file of a print job, which each driver has one of, and how its lines are put together.
+// The file of a print job, and how its lines are put together.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string_view>
 
+#include "mclib/print/letters.h"
 #include "mclib/print/numbers.h"
 
 inline char* put(char* p, std::string_view text) {
     return p + text.copy(p, text.size());
 }
 
-// The characters of Windows-1252 that a device shows as such.
-using ShownLetters = std::array<bool, 256>;
-
-// All of ASCII, and the characters above it that are told by their codes.
-constexpr ShownLetters asciiAnd(std::string_view above) {
-    ShownLetters shown{};
-    for (size_t c = 0; c < 128; ++c) shown[c] = true;
-    for (const char c : above) shown[static_cast<unsigned char>(c)] = true;
-    return shown;
-}
-
 // A text file that is put together in a block, which goes to the stream whenever it is full. Zero-filled it is closed;
-// what is drawn then must not come here. Whether writing failed is known until the next open.
+// what is drawn then must not come here.
 class PrintOutput {
   public:
     // Room that line() gives: for six numbers, or for a text of 255 characters with its numbers.
     static constexpr size_t lineRoom = 2560;
     static_assert(lineRoom > 6 * numberRoom + 256);
 
-    bool isOpen() const { return stream; }
     // False, with a line on the console that begins with the driver's name, when the file can't be opened. The name
-    // must be a literal.
+    // must be a literal. Once in its life.
     bool open(const char* driver, const char* fileName);
     // Writes what waits and closes the file. A line on the console names a file that couldn't be stored; another one
     // tells which letters of the job the device, a literal, couldn't show, and what brings them (a sentence, or empty).

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "mclib/print/driver.h"
+#include "mclib/print/job.h"
 #include "mclib/print/output.h"
 #include "mclib/print/styles.h"
 
@@ -43,8 +43,6 @@ constexpr auto shownLetters = [] {
     return shown;
 }();
 
-PrintOutput output;
-
 // What the page knows of the texts before.
 struct TextSetup {
     double height, angle;  // angle in radians
@@ -52,39 +50,11 @@ struct TextSetup {
 };
 constexpr TextSetup setupOfNewPage = {0.0, 0.0, 2};
 
-// The job's page code and its current page.
-struct PclState {
-    int pageCode;
-    TextSetup last;
-};
-PclState state;
-
-void startPage() {
-    state.last = setupOfNewPage;
-    output.write(state.pageCode == 10 || state.pageCode == 12 ? landscapeHead : portraitHead);
-}
-
 char* putPoint(char* p, double x, double y) {
     constexpr int64_t least = std::numeric_limits<int32_t>::min();
     p = putInteger(p, static_cast<int32_t>(std::max(truncated(unitsPerMm * x) - leftMargin, least)));
     *p++ = ',';
     return putInteger(p, truncated(unitsPerMm * y));
-}
-
-void drawLine(const Point3d* points, int count, double width) {
-    char* p = putHundredths(put(output.line(), "PU;PW"), width);
-    p = put(putPoint(put(p, ";PA"), points[0].x, points[0].y), ";");
-    for (int i = 1; i < count; ++i) p = put(putPoint(put(output.roomAt(p), "PD;PA"), points[i].x, points[i].y), ";\n");
-    output.taken(p);
-}
-
-void fillOutline(const Point3d* points, int count, double width, double gray) {
-    char* p = putHundredths(put(output.line(), "PU;PW"), width);
-    p = put(putPoint(put(p, ";PA"), points[0].x, points[0].y), ";PM0;PD");
-    for (int i = 1; i < count; ++i) p = put(putPoint(output.roomAt(p), points[i].x, points[i].y), ",");
-    p = put(putPoint(output.roomAt(p), points[0].x, points[0].y), ";\nPM2;FT1");
-    if (gray != 0.0) p = putInteger(put(p, "0,"), truncated((1.0 - gray) * 100));
-    output.taken(put(p, ";FP;"));
 }
 
 char* putFont(char* p, double height, double angle) {
@@ -101,61 +71,86 @@ constexpr std::string_view labelOrigin(int just) {
     }
 }
 
-}  // namespace
-
 // ---- the job ----
 
-int mclibPcl_fopen(const char* fileName, int pageCode) {
-    mclibPcl_fclose();
-    if (!output.open("mclibPcl", fileName)) return 0;
-    state.pageCode = pageCode;
+struct PclJob {
+    PrintOutput output;
+    int pageCode;
+    TextSetup last;  // on the current page
+
+    bool open(const char* fileName, int pageCode);
+    void newPage() {
+        output.write(toPcl);
+        startPage();
+    }
+    void close() {
+        output.write(toPcl);
+        output.write(reset);
+        output.close("PCL");
+    }
+    int32_t status() { return output.status(); }
+
+    void startPage();
+    void drawLine(const Point3d* points, int count, double width);
+    void fillOutline(const Point3d* points, int count, double width, double gray);
+    void drawPolyline(const Point3d* points, int count, double width, double gray);
+    void drawPolyline(const Point3d* points, int count, double width, int lineType, double patternLength, double gray);
+    void drawText(double x, double y, const char* text, double height, double angle, int just);
+
+    void stroke(const Stroke& s) {
+        drawPolyline(s.points, s.count, s.width, s.style->pclType, s.style->pclLength, s.gray);
+    }
+    void label(const Label& l) { drawText(l.x, l.y, l.text, l.height, l.angle, l.just); }
+};
+
+bool PclJob::open(const char* fileName, int code) {
+    if (!output.open("mclibPcl", fileName)) return false;
+    pageCode = code;
     startPage();
-    return 1;
+    return true;
 }
 
-void mclibPcl_newPage(void) {
-    if (!output.isOpen()) return;
-    output.write(toPcl);
-    startPage();
+void PclJob::startPage() {
+    last = setupOfNewPage;
+    output.write(pageCode == 10 || pageCode == 12 ? landscapeHead : portraitHead);
 }
 
-void mclibPcl_fclose(void) {
-    if (!output.isOpen()) return;
-    output.write(toPcl);
-    output.write(reset);
-    output.close("PCL");
+void PclJob::drawLine(const Point3d* points, int count, double width) {
+    char* p = putHundredths(put(output.line(), "PU;PW"), width);
+    p = put(putPoint(put(p, ";PA"), points[0].x, points[0].y), ";");
+    for (int i = 1; i < count; ++i) p = put(putPoint(put(output.roomAt(p), "PD;PA"), points[i].x, points[i].y), ";\n");
+    output.taken(p);
 }
 
-int mclibPcl_jobStatus(void) {
-    return output.status();
+void PclJob::fillOutline(const Point3d* points, int count, double width, double gray) {
+    char* p = putHundredths(put(output.line(), "PU;PW"), width);
+    p = put(putPoint(put(p, ";PA"), points[0].x, points[0].y), ";PM0;PD");
+    for (int i = 1; i < count; ++i) p = put(putPoint(output.roomAt(p), points[i].x, points[i].y), ",");
+    p = put(putPoint(output.roomAt(p), points[0].x, points[0].y), ";\nPM2;FT1");
+    if (gray != 0.0) p = putInteger(put(p, "0,"), truncated((1.0 - gray) * 100));
+    output.taken(put(p, ";FP;"));
 }
 
-// ---- drawing ----
-
-void mclibPcl_drawPolyline(const Point3d* points, int count, double width, double gray) {
-    if (!output.isOpen() || !points || count < 1) return;
+void PclJob::drawPolyline(const Point3d* points, int count, double width, double gray) {
     if (isGray(gray))
         fillOutline(points, count, width, gray);
     else
         drawLine(points, count, width);
 }
 
-void mclibPcl_drawPolylineExtended(const Point3d* points, int count, double width, int lineType, double patternLength,
-                                   double gray) {
-    if (!output.isOpen() || !points || count < 1) return;
+void PclJob::drawPolyline(const Point3d* points, int count, double width, int lineType, double patternLength,
+                          double gray) {
     if (lineType > 0) {
         char* p = put(putInteger(put(output.line(), "LT"), lineType), ",");
         output.taken(put(putHundredths(p, patternLength), ";"));
     }
-    mclibPcl_drawPolyline(points, count, width, gray);
+    drawPolyline(points, count, width, gray);
     if (lineType > 0) output.write("LT");
 }
 
-void mclibPcl_drawText(double x, double y, const char* text, double height, double angle, int just) {
-    if (!output.isOpen() || !text) return;
+void PclJob::drawText(double x, double y, const char* text, double height, double angle, int just) {
     output.look(text, shownLetters);
     const double radians = angle * std::numbers::pi / 180;
-    TextSetup& last = state.last;
     char* p = put(putPoint(put(output.line(), "PU;PA"), x, y), ";");
     if (height != last.height || radians != last.angle) {
         p = putFont(p, height, radians);
@@ -172,23 +167,70 @@ void mclibPcl_drawText(double x, double y, const char* text, double height, doub
     output.write("\n");
 }
 
+PclJob* currentPclJob() {
+    return static_cast<PclJob*>(print::currentJob(PRINT_PCL).state());
+}
+
+}  // namespace
+
+// ---- the exported calls ----
+
+int mclibPcl_fopen(const char* fileName, int pageCode) {
+    return print::openCurrentJob(PRINT_PCL, fileName, pageCode);
+}
+
+void mclibPcl_newPage(void) {
+    if (PclJob* job = currentPclJob()) job->newPage();
+}
+
+void mclibPcl_fclose(void) {
+    print::currentJob(PRINT_PCL).close();
+}
+
+int mclibPcl_jobStatus(void) {
+    return print::currentJob(PRINT_PCL).fileStatus();
+}
+
+void mclibPcl_drawPolyline(const Point3d* points, int count, double width, double gray) {
+    PclJob* job = currentPclJob();
+    if (job && points && count >= 1) job->drawPolyline(points, count, width, gray);
+}
+
+void mclibPcl_drawPolylineExtended(const Point3d* points, int count, double width, int lineType, double patternLength,
+                                   double gray) {
+    PclJob* job = currentPclJob();
+    if (job && points && count >= 1) job->drawPolyline(points, count, width, lineType, patternLength, gray);
+}
+
+void mclibPcl_drawText(double x, double y, const char* text, double height, double angle, int just) {
+    PclJob* job = currentPclJob();
+    if (job && text) job->drawText(x, y, text, height, angle, just);
+}
+
 void mclibPcl_drawLine(float, float, float, float, float) {}
 
 void mclibPcl_drawArc(double, double, double, double, double, double) {}
 
 void mclibPcl_fillCirc(double, double, double, double, double, double) {}
 
-// ---- the contract ----
+// ---- the device ----
 
-constexpr PrintDriver pclDriver = {
-    .quarterTurn = false,
-    .open = mclibPcl_fopen,
-    .newPage = mclibPcl_newPage,
-    .close = mclibPcl_fclose,
-    .jobStatus = mclibPcl_jobStatus,
-    .stroke =
-        [](const Stroke& s) {
-            mclibPcl_drawPolylineExtended(s.points, s.count, s.width, s.style->pclType, s.style->pclLength, s.gray);
-        },
-    .label = [](const Label& l) { mclibPcl_drawText(l.x, l.y, l.text, l.height, l.angle, l.just); },
+extern constexpr PrintDriver pclDriver = {
+    .device = {.code = PRINT_PCL,
+               .key = "pcl",
+               .name = "PCL",
+               .suffix = ".pcl",
+               .traits = PRINT_DEVICE_TO_PRINTER,
+               .longestPaperSide = 297,  // its page head asks for A4
+               .lettersVariable = nullptr,
+               .lettersValue = nullptr},
+    .letters = &shownLetters,
+    .moreLetters = nullptr,
+    .jobSize = sizeof(PclJob),
+    .open = onJob<&PclJob::open>,
+    .newPage = onJob<&PclJob::newPage>,
+    .close = onJob<&PclJob::close>,
+    .status = onJob<&PclJob::status>,
+    .stroke = onJob<&PclJob::stroke>,
+    .label = onJob<&PclJob::label>,
 };

@@ -11,7 +11,7 @@
 
 /* Opens the file and writes the page head: landscape for the page codes 10 and 12, else portrait. 1, or 0 with a line
  * on the console. A job that was left open ends first. */
-MCLIB_EXPORT int mclibPcl_fopen(const char* fileName, int pageCode);
+MCLIB_EXPORT int mclibPcl_fopen(const char *fileName, int pageCode);
 MCLIB_EXPORT void mclibPcl_newPage(void);
 /* Ends the last page and closes the file; a line on the console names a file that couldn't be stored. */
 MCLIB_EXPORT void mclibPcl_fclose(void);
@@ -21,12 +21,12 @@ MCLIB_EXPORT int mclibPcl_jobStatus(void);
 
 /* A line through the points (count at least 1; x and y count). With gray from 0 (black) to 1 (white) its outline is
  * closed and filled, and not drawn. */
-MCLIB_EXPORT void mclibPcl_drawPolyline(const Point3d* points, int count, double width, double gray);
+MCLIB_EXPORT void mclibPcl_drawPolyline(const Point3d *points, int count, double width, double gray);
 /* The same with a line type of HP-GL/2 and the length of its pattern; 0 is a solid line. */
-MCLIB_EXPORT void mclibPcl_drawPolylineExtended(const Point3d* points, int count, double width, int lineType,
+MCLIB_EXPORT void mclibPcl_drawPolylineExtended(const Point3d *points, int count, double width, int lineType,
                                                 double patternLength, double gray);
 /* A text on its base line. just: 0 centred, 1 right-aligned, else left-aligned. */
-MCLIB_EXPORT void mclibPcl_drawText(double x, double y, const char* text, double height, double angle, int just);
+MCLIB_EXPORT void mclibPcl_drawText(double x, double y, const char *text, double height, double angle, int just);
 
 /* These do nothing on this device. */
 MCLIB_EXPORT void mclibPcl_drawLine(float x1, float y1, float x2, float y2, float width);

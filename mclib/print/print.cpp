@@ -1,3 +1,4 @@
+// The exported front end.
 #include "mclib/print/print.h"
 
 #include <algorithm>
@@ -6,17 +7,12 @@
 #include "mchost/mdl/system.h"
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/main.h"
-#include "mclib/print/driver.h"
-#include "mclib/print/shared.h"
-#include "mclib/print/walker.h"
+#include "mclib/print/devices.h"
+#include "mclib/print/job.h"
+
+using namespace print;
 
 namespace {
-
-// The drivers by print device.
-constexpr auto drivers = std::to_array<const PrintDriver*>({
-    &psDriver, &hpglDriver, nullptr, nullptr,  // 0 PostScript, 1 HP-GL
-    &asciiDriver, &pclDriver, nullptr,         // 4 ASCII, 5 PCL, 6 is the host's plotter, which gets no file
-});
 
 struct PageSize {
     int32_t code;
@@ -42,75 +38,29 @@ constexpr auto pageSizes = std::to_array<PageSize>({
 // clang-format on
 static_assert(std::ranges::all_of(pageSizes, [](const PageSize& p) { return &p - pageSizes.data() + 1 == p.code; }));
 
-// Of the last job: whether it may lack what there was no memory for.
-int failuresAtOpen = 0;
-bool lackedMemory = false;
-
-bool isDevice(int32_t device) {
-    return 0 <= device && device < static_cast<int32_t>(drivers.size());
-}
-
-const PrintDriver* driverOf(int32_t device) {
-    return isDevice(device) ? drivers[static_cast<size_t>(device)] : nullptr;
-}
-
-// The application whose job is open, or was the last to be; only told apart from others, never followed.
-const GlobalData* jobOwner = nullptr;
-
-// A job that is open when the process ends is whole too.
-struct AtExit {
-    ~AtExit() { print::closeJobs(); }
-};
-const AtExit atExit;
-
-const PrintDriver* currentDriver() {
-    const GlobalData* gd = mclibMain_getGlobalDataP();
-    return gd ? driverOf(gd->printDevice) : nullptr;
-}
-
 }  // namespace
-
-void print::closeJobs() {
-    for (const PrintDriver* driver : drivers)
-        if (driver) driver->close();
-    jobOwner = nullptr;
-}
 
 int mclibPrint_fopen(const char* fileName, int device) {
     GlobalData* gd = mclibMain_getGlobalDataP();
     if (!gd) return 0;
-    print::closeJobs();
-    gd->printDevice = device;
-    jobOwner = gd;
     if (!isDevice(device))
         toolSubsystem_printf("mclibPrint: there is no print device %d; nothing is printed.\n", device);
-    failuresAtOpen = mdlSystem_memoryFailures();
-    lackedMemory = false;
-    const PrintDriver* driver = driverOf(device);
-    return driver ? driver->open(fileName, gd->printPageCode) : 1;
-}
-
-void print::closeJobOfApplication() {
-    if (jobOwner && jobOwner == mclibMain_getGlobalDataP()) print::closeJobs();
+    return openApplicationJob(*gd, device, fileName) ? 1 : 0;
 }
 
 void mclibPrint_newPage(void) {
-    const PrintDriver* driver = currentDriver();
-    if (driver && driver->newPage) driver->newPage();
+    const GlobalData* gd = mclibMain_getGlobalDataP();
+    const PrintDriver* driver = gd ? driverOf(gd->printDevice) : nullptr;
+    if (driver && !driver->is(PRINT_DEVICE_ONE_PAGE)) applicationJob()->newPage();
 }
 
 void mclibPrint_fclose(void) {
-    if (const PrintDriver* driver = currentDriver()) driver->close();
-    lackedMemory = mdlSystem_memoryFailures() != failuresAtOpen;
+    if (PrintJob* job = applicationJob()) job->close();
 }
 
 int mclibPrint_jobStatus(void) {
-    const GlobalData* gd = mclibMain_getGlobalDataP();
-    if (!gd) return MCLIB_ERROR;
-    if (!isDevice(gd->printDevice)) return MCLIB_ERROR;
-    const PrintDriver* driver = driverOf(gd->printDevice);
-    if (lackedMemory) return MCLIB_ERROR;
-    return driver ? driver->jobStatus() : MCLIB_SUCCESS;
+    const PrintJob* job = applicationJob();
+    return job ? job->status() : MCLIB_ERROR;
 }
 
 void mclibPrint_getPageSize(double* width, double* height, int pageCode) {
@@ -122,5 +72,7 @@ void mclibPrint_getPageSize(double* width, double* height, int pageCode) {
 }
 
 void mclibPrint_printElementDescr(ElementDescr* page, double x, double y, double width, double height) {
-    if (const PrintDriver* driver = currentDriver()) walkPage(*driver, page, {x, y, width, height});
+    const GlobalData* gd = mclibMain_getGlobalDataP();
+    if (PrintJob* job = applicationJob())
+        job->printPage({.descr = page, .box = {x, y, width, height}, .pageAngle = gd->pageAngle});
 }

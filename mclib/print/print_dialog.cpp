@@ -107,7 +107,7 @@ void showPlotTarget(const GlobalData& data, const TargetItems& items) {
 
 void showTarget(const GlobalData& data, MdlDialog* dialog) {
     const TargetItems items = targetItemsOf(dialog);
-    if (mclibpsd->deviceType == PRINT_HOST_PLOTTER) return showPlotTarget(data, items);
+    if (setupDeviceIs(PRINT_DEVICE_BY_HOST)) return showPlotTarget(data, items);
     mdlDialog_itemShow(items.target, 0);
     mdlDialog_itemShow(items.printers, 1);
     mdlDialog_itemShow(items.systemDialog, 0);
@@ -126,7 +126,7 @@ void printDialog(DialogMessage* message) {
 void systemDialogButton(DialogMessage* message) {
     const GlobalData* data = mclibMain_getGlobalDataP();
     message->handled = data && message->type == ITEM_BUTTON;
-    if (!message->handled || message->state != 1 || mclibpsd->deviceType != PRINT_HOST_PLOTTER) return;
+    if (!message->handled || message->state != 1 || !setupDeviceIs(PRINT_DEVICE_BY_HOST)) return;
     MdlPlotter* plotter = plotterOf(*data);
     int32_t answer = 0;
     if (!plotter || mdlPlotter_showSystemPrintdlg(&answer, plotter, 4, 1) != MDL_SUCCESS || answer != PRINTER_CHOSEN)

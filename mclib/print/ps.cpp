@@ -10,25 +10,18 @@
 
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/system.h"
-#include "mclib/print/driver.h"
+#include "mclib/print/job.h"
 #include "mclib/print/output.h"
 #include "mclib/print/ps_letters.h"
 #include "mclib/print/ps_prolog.h"
 #include "mclib/print/styles.h"
 
+extern const PrintDriver psDriver;  // the end of this file
+
 namespace {
 
 // Points in a millimetre. Differs from 72 / 25.4 in the eighth decimal; every PostScript file is made with this value.
 constexpr double pointsPerMm = 2.834645651435303;
-
-PrintOutput output;
-
-// What the job knows of its letters.
-struct PsLetters {
-    bool extended;     // the rest of Windows-1252 is set up where a page needs it
-    bool setUpOnPage;  // and was on this page
-};
-PsLetters state;
 
 inline char* putNumber(char* p, double v) {
     p = putHundredths(p, v);
@@ -102,16 +95,6 @@ class EscapedText {
     size_t length = 0;
 };
 
-// Before the first text of a page with a letter that the head doesn't bring, the font is set up anew.
-void prepareLetters(std::string_view text) {
-    output.look(text, state.extended ? windowsLetters : headLetters);
-    if (!state.extended || state.setUpOnPage) return;
-    const auto isInHead = [](char c) { return headLetters[static_cast<unsigned char>(c)]; };
-    if (std::ranges::all_of(text, isInHead)) return;
-    output.write(psWindowsLetters);
-    state.setUpOnPage = true;
-}
-
 constexpr std::string_view textProcedure(int just) {
     switch (just) {
         case 0: return "_dtfc\n";
@@ -138,47 +121,63 @@ char* putThousandths(char* p, double v) {
     return p;
 }
 
-}  // namespace
-
 // ---- the job ----
 
-int mclibPs_fopen(const char* fileName) {
-    mclibPs_fclose();
-    if (!output.open("mcpslib", fileName)) return 0;
+struct PsJob {
+    PrintOutput output;
+    bool extended;     // the rest of Windows-1252 is set up where a page needs it
+    bool setUpOnPage;  // and was on this page
+
+    bool open(const char* fileName, int pageCode);
+    void newPage();
+    void close();
+    int32_t status() { return output.status(); }
+
+    void prepareLetters(std::string_view text);
+    void drawPolyline(const Point3d* points, int count, double width, double gray);
+    void drawPolyline(const Point3d* points, int count, double width, const char* dash, double gray);
+    void drawText(double x, double y, const char* text, double height, double angle, int just);
+
+    void stroke(const Stroke& s) { drawPolyline(s.points, s.count, s.width, s.style->psDash, s.gray); }
+    void label(const Label& l) { drawText(l.x, l.y, l.text, l.height, l.angle, l.just); }
+};
+
+PsJob* currentPsJob() {
+    return static_cast<PsJob*>(print::currentJob(PRINT_POSTSCRIPT).state());
+}
+
+}  // namespace
+
+bool PsJob::open(const char* fileName, int) {
+    if (!output.open("mcpslib", fileName)) return false;
     output.write(psProlog);
-    char encoding[16] = "";
-    mdlSystem_getCfgVar(encoding, encodingVariable, sizeof encoding);
-    state = {.extended = std::string_view(encoding) == windowsEncoding, .setUpOnPage = false};
-    return 1;
+    extended = hasMoreLetters(psDriver);
+    return true;
 }
 
-void mclibPs_newPage(void) {
-    if (!output.isOpen()) return;
+void PsJob::newPage() {
     output.write("showpage\n");
-    state.setUpOnPage = false;
+    setUpOnPage = false;
 }
 
-void mclibPs_fclose(void) {
-    if (!output.isOpen()) return;
-    mclibPs_newPage();
-    output.close("PostScript", state.extended ? "" : "; MC_PSENCODING = 1252 brings what Windows-1252 has");
-}
-
-int mclibPs_jobStatus(void) {
-    return output.status();
+void PsJob::close() {
+    newPage();
+    output.close(psDriver.device.name, extended ? "" : "; MC_PSENCODING = 1252 brings what Windows-1252 has");
 }
 
 // ---- drawing ----
 
-void mclibPs_drawLine(float x1, float y1, float x2, float y2, float width) {
-    if (!output.isOpen()) return;
-    char* p = output.line();
-    for (const float value : {x1, y1, x2, y2, width}) p = putLength(p, value);
-    output.taken(put(p, "_dl\n"));
+// Before the first text of a page with a letter that the head doesn't bring, the font is set up anew.
+void PsJob::prepareLetters(std::string_view text) {
+    output.look(text, extended ? windowsLetters : headLetters);
+    if (!extended || setUpOnPage) return;
+    const auto isInHead = [](char c) { return headLetters[static_cast<unsigned char>(c)]; };
+    if (std::ranges::all_of(text, isInHead)) return;
+    output.write(psWindowsLetters);
+    setUpOnPage = true;
 }
 
-void mclibPs_drawPolyline(const Point3d* points, int count, double width, double gray) {
-    if (!output.isOpen() || !points || count < 1) return;
+void PsJob::drawPolyline(const Point3d* points, int count, double width, double gray) {
     const bool filled = isGray(gray);
     char* p = output.line();
     if (filled) p = putGray(p, gray);
@@ -188,24 +187,65 @@ void mclibPs_drawPolyline(const Point3d* points, int count, double width, double
     output.taken(put(output.roomAt(p), filled ? fillOperations : "stroke\n"));
 }
 
-void mclibPs_drawPolylineExtended(const Point3d* points, int count, double width, const char* dash, double gray) {
-    if (!output.isOpen() || !points || count < 1) return;
+void PsJob::drawPolyline(const Point3d* points, int count, double width, const char* dash, double gray) {
     output.write("[");
-    output.write(dash ? dash : "");
+    output.write(dash);
     output.write("] 0 setdash\n");
-    mclibPs_drawPolyline(points, count, width, gray);
+    drawPolyline(points, count, width, gray);
 }
 
-void mclibPs_drawText(double x, double y, const char* text, double height, double angle, int just) {
-    if (!output.isOpen() || !text) return;
+void PsJob::drawText(double x, double y, const char* text, double height, double angle, int just) {
     prepareLetters(text);
     char* p = putLength(putLength(output.line(), x), y);
     p = put(put(put(p, "("), EscapedText(text).view()), ") ");
     output.taken(put(putNumber(putLength(p, height), angle), textProcedure(just)));
 }
 
+// ---- the exported calls ----
+
+int mclibPs_fopen(const char* fileName) {
+    return print::openCurrentJob(PRINT_POSTSCRIPT, fileName);
+}
+
+void mclibPs_newPage(void) {
+    if (PsJob* job = currentPsJob()) job->newPage();
+}
+
+void mclibPs_fclose(void) {
+    print::currentJob(PRINT_POSTSCRIPT).close();
+}
+
+int mclibPs_jobStatus(void) {
+    return print::currentJob(PRINT_POSTSCRIPT).fileStatus();
+}
+
+void mclibPs_drawLine(float x1, float y1, float x2, float y2, float width) {
+    PsJob* job = currentPsJob();
+    if (!job) return;
+    char* p = job->output.line();
+    for (const float value : {x1, y1, x2, y2, width}) p = putLength(p, value);
+    job->output.taken(put(p, "_dl\n"));
+}
+
+void mclibPs_drawPolyline(const Point3d* points, int count, double width, double gray) {
+    PsJob* job = currentPsJob();
+    if (job && points && count >= 1) job->drawPolyline(points, count, width, gray);
+}
+
+void mclibPs_drawPolylineExtended(const Point3d* points, int count, double width, const char* dash, double gray) {
+    PsJob* job = currentPsJob();
+    if (job && points && count >= 1) job->drawPolyline(points, count, width, dash ? dash : "", gray);
+}
+
+void mclibPs_drawText(double x, double y, const char* text, double height, double angle, int just) {
+    PsJob* job = currentPsJob();
+    if (job && text) job->drawText(x, y, text, height, angle, just);
+}
+
 void mclibPs_drawArc(double x, double y, double radius, double startAngle, double endAngle, double width) {
-    if (!output.isOpen()) return;
+    PsJob* job = currentPsJob();
+    if (!job) return;
+    PrintOutput& output = job->output;
     const double start = startAngle * std::numbers::pi / 180;
     char* p = output.roomAt(putLineWidth(output.line(), width));
     p = output.roomAt(putPoint(p, x + radius * std::cos(start), y + radius * std::sin(start), "moveto\n"));
@@ -213,13 +253,17 @@ void mclibPs_drawArc(double x, double y, double radius, double startAngle, doubl
 }
 
 void mclibPs_fillCirc(double x, double y, double radius, double startAngle, double endAngle, double gray) {
-    if (!output.isOpen()) return;
+    PsJob* job = currentPsJob();
+    if (!job) return;
+    PrintOutput& output = job->output;
     char* p = output.roomAt(putPoint(putGray(output.line(), gray), x, y, "moveto\n"));
     output.taken(put(putArc(p, x, y, radius, startAngle, endAngle), fillOperations));
 }
 
 int mclibPs_includeEPSFile(const char* fileName, double scaleX, double scaleY, double x, double y, double rotation) {
-    if (!output.isOpen()) return 0;
+    PsJob* job = currentPsJob();
+    if (!job) return 0;
+    PrintOutput& output = job->output;
     char buffer[4096];
     const Stream eps(dlmSystem_mdlFopen(fileName, "r"));
     size_t length = eps ? std::fread(buffer, 1, sizeof buffer, eps.get()) : 0;
@@ -234,15 +278,24 @@ int mclibPs_includeEPSFile(const char* fileName, double scaleX, double scaleY, d
     return std::ferror(eps.get()) ? cannotLoad(fileName) : 1;
 }
 
-// ---- the contract ----
+// ---- the device ----
 
 constexpr PrintDriver psDriver = {
-    .quarterTurn = false,
-    .open = [](const char* fileName, int) { return mclibPs_fopen(fileName); },
-    .newPage = mclibPs_newPage,
-    .close = mclibPs_fclose,
-    .jobStatus = mclibPs_jobStatus,
-    .stroke =
-        [](const Stroke& s) { mclibPs_drawPolylineExtended(s.points, s.count, s.width, s.style->psDash, s.gray); },
-    .label = [](const Label& l) { mclibPs_drawText(l.x, l.y, l.text, l.height, l.angle, l.just); },
+    .device = {.code = PRINT_POSTSCRIPT,
+               .key = "postscript",
+               .name = "PostScript",
+               .suffix = ".ps",
+               .traits = PRINT_DEVICE_TO_PRINTER,
+               .longestPaperSide = 0,
+               .lettersVariable = "MC_PSENCODING",
+               .lettersValue = "1252"},
+    .letters = &headLetters,
+    .moreLetters = &windowsLetters,
+    .jobSize = sizeof(PsJob),
+    .open = onJob<&PsJob::open>,
+    .newPage = onJob<&PsJob::newPage>,
+    .close = onJob<&PsJob::close>,
+    .status = onJob<&PsJob::status>,
+    .stroke = onJob<&PsJob::stroke>,
+    .label = onJob<&PsJob::label>,
 };

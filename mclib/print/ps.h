@@ -14,8 +14,8 @@
 /* Opens the file and writes the prolog. 1, or 0 with a line on the console. A job that was left open ends first. */
 MCLIB_EXPORT int mclibPs_fopen(const char *fileName);
 MCLIB_EXPORT void mclibPs_newPage(void);
-/* Ends the last page and closes the file; a line on the console names a file that couldn't be stored, another one letters
- * of the job that aren't shown as they are. */
+/* Ends the last page and closes the file; a line on the console names a file that couldn't be stored, another one
+ * letters of the job that aren't shown as they are. */
 MCLIB_EXPORT void mclibPs_fclose(void);
 /* MCLIB_ERROR when the last job's file couldn't be opened, or something couldn't be written to it so far; after
  * mclibPs_fclose the word on the whole file. MCLIB_SUCCESS otherwise, and before the first job. */
@@ -35,8 +35,8 @@ MCLIB_EXPORT void mclibPs_drawArc(double x, double y, double radius, double star
                                   double width);
 /* A filled sector about (x, y). gray: 0 black to 1 white. */
 MCLIB_EXPORT void mclibPs_fillCirc(double x, double y, double radius, double startAngle, double endAngle, double gray);
-/* Copies an EPS file into the page: moved to (x, y), scaled, then turned. 1, or 0 when there is no job or the file can't
- * be read (with a line on the console): nothing is written then, unless reading fails further on. */
+/* Copies an EPS file into the page: moved to (x, y), scaled, then turned. 1, or 0 when there is no job or the file
+ * can't be read (with a line on the console): nothing is written then, unless reading fails further on. */
 MCLIB_EXPORT int mclibPs_includeEPSFile(const char *fileName, double scaleX, double scaleY, double x, double y,
                                         double rotation);
 

@@ -2,10 +2,7 @@
 // rest.
 #pragma once
 
-#include "mclib/print/output.h"
-
-constexpr const char* encodingVariable = "MC_PSENCODING";
-constexpr std::string_view windowsEncoding = "1252";
+#include "mclib/print/letters.h"
 
 // The codes that the head maps, and those that Adobe's standard encoding, which it leaves as it is, has in common with
 // Windows-1252. The quotes ' and ` of ASCII are there as curly ones, as they have always been printed.

@@ -96,6 +96,11 @@ bool loadStored(RscHandle file) {
 
 }  // namespace
 
+bool setupDeviceIs(uint32_t trait) {
+    const McPrintDevice* device = mclibPrint_findDeviceP(mclibpsd->deviceType);
+    return device ? (device->traits & trait) != 0 : trait == PRINT_DEVICE_TO_PRINTER;
+}
+
 void loadSetup() {
     if (!mclibpsd) return;
     const mdl::ResourceFile file = userPreferenceFile(MDL_RSC_READ);

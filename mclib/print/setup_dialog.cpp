@@ -49,20 +49,19 @@ void applyPageSize(MdlDialog* dialog) {
 }
 
 void applyDevice(MdlDialog* dialog) {
-    const int32_t device = mclibpsd->deviceType;
+    const bool byHost = setupDeviceIs(PRINT_DEVICE_BY_HOST), toPrinter = setupDeviceIs(PRINT_DEVICE_TO_PRINTER);
     MdlItem* sizes = itemOf(dialog, items::pageSize);
     for (int32_t row = 0, value = 0; row < mdlDialog_optionButtonCount(sizes); ++row)
         if (mdlDialog_optionButtonGet(sizes, row, nullptr, &value) == MDL_SUCCESS && value == PRINT_PAGE_TYPED)
-            mdlDialog_optionButtonEnableRow(sizes, row, device != PRINT_HOST_PLOTTER);
+            mdlDialog_optionButtonEnableRow(sizes, row, !byHost);
     if (mclibpsd->pageSize == PRINT_PAGE_TYPED) {
         mclibpsd->pageSize = PRINT_PAGE_A4;
         mdlDialog_itemSynch(sizes);
         applyPageSize(dialog);
     }
-    const bool toPrinter = device != PRINT_HOST_PLOTTER && device != PRINT_ASCII;
     mdlDialog_itemShow(itemOf(dialog, items::output), toPrinter);
     mdlDialog_itemShow(printerTextOf(dialog), toPrinter);
-    mdlDialog_itemShow(itemOf(dialog, items::plot), device == PRINT_HOST_PLOTTER);
+    mdlDialog_itemShow(itemOf(dialog, items::plot), byHost);
 }
 
 // ---- hooks ----

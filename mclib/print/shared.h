@@ -10,17 +10,13 @@ extern mclibPrinterSetupData* mclibpsd;
 extern mclibPlotScale* mcScaleP;
 
 namespace print {
-// Closes the files of print jobs that are open, on every device.
-void closeJobs();
+// Whether one of PRINT_DEVICE_... holds for the device of the set-up. A number that no device has counts as one whose
+// files go to printers.
+bool setupDeviceIs(uint32_t trait);
 }  // namespace print
 
 // Fills the scale list at start-up: the default scales, the first one active. False when out of memory.
 bool loadPlotScales();
-
-namespace print {
-// Closes the print job that the current application, which ends, has left open.
-void closeJobOfApplication();
-}  // namespace print
 
 static_assert(sizeof(mclibPrinterSetupData) == 840 && offsetof(mclibPrinterSetupData, pageWidth) == 8);
 static_assert(offsetof(mclibPrinterSetupData, orientation) == 56 && offsetof(mclibPrinterSetupData, printerName) == 68);

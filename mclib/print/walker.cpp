@@ -9,8 +9,6 @@
 #include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
-#include "mclib/frame/global_data.h"
-#include "mclib/frame/main.h"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/elmdscr.h"
 #include "mclib/print/page_look.h"
@@ -69,6 +67,7 @@ struct Symbology {
 // One pass over the page.
 struct Pass {
     const PrintDriver& driver;
+    void* job;
     ModelRef* model;
     double pageAngle;
     int32_t filter;
@@ -144,26 +143,26 @@ void printText(const Pass& pass, const MSElementBuffer* element) {
     const Anchor anchor = anchorOf(just);
     const double down = anchor.halves * height * 0.5;
     mdlRMatrix_unrotatePointArray(box, &rotation, static_cast<int32_t>(std::size(box)));
-    pass.driver.label({.x = origin.x + std::sin(angle) * down,
-                       .y = origin.y - std::cos(angle) * down,
-                       .text = text,
-                       .height = height * heightOfBox,
-                       .angle = angle * 180 / pi,
-                       .just = anchor.just,
-                       .shape = box,
-                       .size = size,
-                       .pageAngle = pass.pageAngle});
+    pass.driver.label(pass.job, {.x = origin.x + std::sin(angle) * down,
+                                 .y = origin.y - std::cos(angle) * down,
+                                 .text = text,
+                                 .height = height * heightOfBox,
+                                 .angle = angle * 180 / pi,
+                                 .just = anchor.just,
+                                 .shape = box,
+                                 .size = size,
+                                 .pageAngle = pass.pageAngle});
 }
 
 // ---- lines and closed shapes ----
 
 void printStroke(const Pass& pass, const PointArray& points, int32_t count, const Symbology& symbology, double gray) {
     if (!points || count < 2) return;
-    pass.driver.stroke({.points = points.get(),
-                        .count = count,
-                        .width = penWidthOf(symbology.weight),
-                        .style = &lineStyleOf(symbology.style),
-                        .gray = gray});
+    pass.driver.stroke(pass.job, {.points = points.get(),
+                                  .count = count,
+                                  .width = penWidthOf(symbology.weight),
+                                  .style = &lineStyleOf(symbology.style),
+                                  .gray = gray});
 }
 
 void printClosedShape(const Pass& pass, const ElementDescr* node, int32_t levelCode) {
@@ -206,15 +205,17 @@ int printElement(MSElementBuffer* element, void* argument, int32_t, int32_t, Ele
 
 }  // namespace
 
-void walkPage(const PrintDriver& driver, ElementDescr* page, const PaperBox& box) {
+void print::walkPage(const PrintDriver& driver, void* job, const PaperPage& page) {
     Point3d range[2];
-    if (!page || mclibElemDscr_getRange(range, page) != MDL_SUCCESS) return;
+    if (!page.descr || mclibElemDscr_getRange(range, page.descr) != MDL_SUCCESS) return;
     PaperTransform transform;
-    if (!transform.fit(range, box, driver.quarterTurn)) return;
-    const GlobalData* gd = mclibMain_getGlobalDataP();
-    const double pageAngle = gd ? gd->pageAngle : 0.0;
-    for (const int32_t filter : print::pagePasses) {
-        Pass pass{.driver = driver, .model = mdlModelRef_getActive(), .pageAngle = pageAngle, .filter = filter};
-        mdlElmdscr_operation(page, printElement, &pass, MDL_DESCR_ALL);
+    if (!transform.fit(range, page.box, driver.is(PRINT_DEVICE_QUARTER_TURN))) return;
+    for (const int32_t filter : pagePasses) {
+        Pass pass{.driver = driver,
+                  .job = job,
+                  .model = mdlModelRef_getActive(),
+                  .pageAngle = page.pageAngle,
+                  .filter = filter};
+        mdlElmdscr_operation(page.descr, printElement, &pass, MDL_DESCR_ALL);
     }
 }

@@ -9,4 +9,15 @@ struct PaperBox {
     double x, y, width, height;
 };
 
-void walkPage(const PrintDriver& driver, ElementDescr* page, const PaperBox& box);
+namespace print {
+
+// A page and its place: scaled evenly to fit the box, in the middle of it, the level with code 63 first.
+struct PaperPage {
+    ElementDescr* descr;  // in design coordinates
+    PaperBox box;
+    double pageAngle = 0;  // the direction of reading as it lies on the paper, in degrees
+};
+
+void walkPage(const PrintDriver& driver, void* job, const PaperPage& page);
+
+}  // namespace print

@@ -26,6 +26,7 @@
 #include "mclib/frame/published.h"
 #include "mclib/frame/resource_files.h"
 #include "mclib/frame/text_buffer.h"
+#include "mclib/print/job.h"
 #include "mclib/print/setup_store.h"
 #include "mclib/print/shared.h"
 #include "mclib/project/shared.h"
