@@ -170,6 +170,23 @@ TEST_F(Devices, LettersThatADeviceDoesntShowAreToldOnceAJob) {
     EXPECT_TRUE(front().consoleText.ends_with(": (129)\n")) << front().consoleText;
 }
 
+TEST_F(Devices, LettersAreKnownBeforeAJob) {
+    struct Case {
+        int device;
+        const char *shown, *others;
+    };
+    for (const Case& c : {Case{PRINT_POSTSCRIPT, "a'\xE6\xA9", "\x80\xB0\x81"}, Case{PRINT_HPGL, "a'\xE6", "{\x80\xA9"},
+                          Case{PRINT_PCL, "a{\xE6\xB0", "\x80\x9F"}, Case{PRINT_ASCII, "a{\x80\x81", ""},
+                          Case{2, "", "a"}, Case{77, "", "a"}}) {
+        for (const char letter : std::string(c.shown)) EXPECT_EQ(mclibPrint_showsLetter(c.device, letter), 1) << letter;
+        for (const char letter : std::string(c.others))
+            EXPECT_EQ(mclibPrint_showsLetter(c.device, letter), 0) << letter;
+    }
+    mdlSystem_defineCfgVar("MC_PSENCODING", "1252", 4);
+    EXPECT_EQ(mclibPrint_showsLetter(PRINT_POSTSCRIPT, '\x80'), 1);
+    EXPECT_EQ(mclibPrint_showsLetter(PRINT_POSTSCRIPT, '\x81'), 0);
+}
+
 // A page of a size that overflows every plotter's units, with points and texts on its far ends.
 TEST_F(Devices, HugeCoordinatesMakeAFile) {
     mixedPage();

@@ -13,6 +13,7 @@
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mclib/frame/util.h"
+#include "mclib/print/print.h"
 #include "mclib/print/setup.h"
 #include "tests/support/library_fixture.h"
 
@@ -288,6 +289,20 @@ TEST_F(PrinterSetup, ADeviceShowsTheItemsThatServeIt) {
     });
     script.setValue(ITEM_OPTION_BUTTON, DEVICE, "1").check([](Dialog& d) { EXPECT_EQ(targets(d), "20001:4"); });
     script.setValue(ITEM_OPTION_BUTTON, SIZES, "0");
+    accept();
+}
+
+TEST_F(PrinterSetup, EveryDeviceIsOffered) {
+    script.check([](Dialog&) {
+        const MdlItem* button = item(ITEM_OPTION_BUTTON, DEVICE);
+        int row = 0;
+        for (; const McPrintDevice* device = mclibPrint_getDeviceP(row); ++row) {
+            int32_t value = -1;
+            EXPECT_EQ(mdlDialog_optionButtonGet(button, row, nullptr, &value), MDL_SUCCESS) << device->key;
+            EXPECT_EQ(value, device->code) << device->key;
+        }
+        EXPECT_EQ(mdlDialog_optionButtonCount(button), row);
+    });
     accept();
 }
 
