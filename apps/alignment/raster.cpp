@@ -14,8 +14,9 @@
 #include <mchost/mdl/model.h>
 #include <mchost/mdl/system.h>
 #include <mchost/mdl/text.h>
+#include <mchost/mdl/walk.h>
 #include <mclib/mclib.h>
-#include <mchost/mdl/owned.hpp>
+#include <mchost/mdl/paper.hpp>
 #include "apps/common/outputs.h"
 #include "apps/common/system_path.h"
 #include "apps/common/tell.h"
@@ -130,18 +131,20 @@ void Bitmap::write(std::ostream& out) const {
 class Rasterising {
   public:
     Rasterising(Bitmap& bitmap, const Sheet& sheet, RasterSize size)
-        : bitmap_(bitmap), corner_(uprightFrame(sheet).low), model_(mdlModelRef_getActive()) {
-        unitsPerMm_ = sheet.metres(1) * mdlModelRef_getUorPerMaster(model_);
+        : bitmap_(bitmap), corner_(uprightFrame(sheet).low) {
+        unitsPerMm_ = sheet.metres(1) * mdlModelRef_getUorPerMaster(mdlModelRef_getActive());
         pixelsPerMm_ = std::min(size.width / sheet.paper.width, size.height / sheet.paper.height);
         // The middle of the lower left pixel is the point 0, 0.
         left_ = (size.width - 1 - sheet.paper.width * pixelsPerMm_) / 2 + margin * pixelsPerMm_;
         bottom_ = (size.height - 1 - sheet.paper.height * pixelsPerMm_) / 2 + margin * pixelsPerMm_;
     }
-    void draw(const MSElementBuffer* element);
+    // False when memory is out.
+    bool draw(const ElementDescr* page);
     const std::string& unknown() const { return unknown_; }  // letters that there are no lines for
 
   private:
     void drawText(const MSElementBuffer* element);
+    void drawLine(const MdlLook& look, std::span<const Point3d> points);
     Pixel pixelOf(const Point3d& p) const {
         const double pixelsPerUnit = pixelsPerMm_ / unitsPerMm_;
         return {left_ + (p.x - corner_.x) * pixelsPerUnit, bottom_ + (p.y - corner_.y) * pixelsPerUnit};
@@ -150,7 +153,6 @@ class Rasterising {
 
     Bitmap& bitmap_;
     Point3d corner_;
-    ModelRef* model_;
     double unitsPerMm_, pixelsPerMm_, left_, bottom_;
     std::string unknown_;
 };
@@ -166,11 +168,6 @@ void Rasterising::stroke(const Outline& points, double width) {
         const double x = -(b.y - a.y) / length * width / 2, y = (b.x - a.x) / length * width / 2;
         bitmap_.fill({{a.x + x, a.y + y}, {b.x + x, b.y + y}, {b.x - x, b.y - y}, {a.x - x, a.y - y}});
     }
-}
-
-// About what the print devices give a line's weight, in millimetres.
-double penWidth(int weight) {
-    return 0.1 + 0.15 * weight;
 }
 
 // The host gives a text no lines: letters of lines take its box. What is too low for them is a line in its middle.
@@ -202,24 +199,29 @@ void Rasterising::drawText(const MSElementBuffer* element) {
     }
 }
 
-void Rasterising::draw(const MSElementBuffer* element) {
-    if (mdlElement_getType(element) == MDL_TEXT) return drawText(element);
-    constexpr double tolerance = 0.2;  // pixels
-    Point3d* stroked = nullptr;
-    int32_t count = 0;
-    if (mdlElement_stroke(&stroked, &count, element, tolerance * unitsPerMm_ / pixelsPerMm_) != MDL_SUCCESS) return;
-    const mdl::HostPtr<Point3d[]> owned(stroked);
-    Outline points;
-    for (const Point3d& p : std::span(stroked, static_cast<size_t>(count))) points.push_back(pixelOf(p));
-    int32_t color = 0, weight = 0, style = 0;
-    mdlElement_getEffectiveSymbology(&color, &weight, &style, nullptr, nullptr, element, model_);
-    if (mdlElement_isFilled(element)) bitmap_.fill(points);
-    stroke(points, penWidth(weight) * pixelsPerMm_);
+void Rasterising::drawLine(const MdlLook& look, std::span<const Point3d> points) {
+    Outline pixels;
+    for (const Point3d& p : points) pixels.push_back(pixelOf(p));
+    if (look.filled) bitmap_.fill(pixels);
+    stroke(pixels, mdl::penWidthOf(look.weight) * pixelsPerMm_);
 }
 
-int drawElement(MSElementBuffer* element, void* rasterising, int32_t, int32_t, ElementDescr*) {
-    static_cast<Rasterising*>(rasterising)->draw(element);
-    return 0;
+bool Rasterising::draw(const ElementDescr* page) {
+    constexpr double tolerance = 0.2;  // pixels
+    const MdlPen pen = {
+        .userArg = this,
+        .tolerance = tolerance * unitsPerMm_ / pixelsPerMm_,
+        .transform = nullptr,
+        .range = nullptr,
+        .skip = nullptr,
+        .line =
+            [](void* self, const MSElementBuffer*, const MdlLook* look, const Point3d* points, int32_t count) {
+                static_cast<Rasterising*>(self)->drawLine(*look, {points, static_cast<size_t>(count)});
+            },
+        .text = [](void* self, const MSElementBuffer* element,
+                   const MdlLook*) { static_cast<Rasterising*>(self)->drawText(element); },
+    };
+    return mdlElmdscr_walk(page, &pen) == MDL_SUCCESS;
 }
 
 }  // namespace
@@ -227,7 +229,7 @@ int drawElement(MSElementBuffer* element, void* rasterising, int32_t, int32_t, E
 bool writeRaster(const std::string& name, ElementDescr* page, const Sheet& sheet, RasterSize size) {
     Bitmap bitmap(size);
     Rasterising rasterising(bitmap, sheet, size);
-    mdlElmdscr_operation(page, drawElement, &rasterising, MDL_DESCR_ALL);
+    if (!rasterising.draw(page)) return app::failOutput(name, "the picture can't be drawn");
     if (!rasterising.unknown().empty())
         app::warn("the PBM picture has gaps in the place of " + rasterising.unknown() +
                   ", for which it has no letters");

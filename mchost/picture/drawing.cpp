@@ -1,48 +1,48 @@
 #include "mchost/picture/drawing.h"
-
-#include "mchost/element/descriptor.h"
-#include "mchost/element/geometry.h"
-#include "mchost/element/range.h"
+#include "mchost/mdl/model.h"
+#include "mchost/mdl/owned.hpp"
 
 namespace host {
 namespace {
 
-Look lookOf(const ElementDescr* node) {
-    Look look;
-    mdlElement_getEffectiveSymbology(&look.color, &look.weight, &look.style, &look.styleScale, &look.styleWidth,
-                                     node->element, node->model);
-    look.filled = mdlElement_isFilled(node->element) != 0;
-    look.model = node->model;
-    return look;
+constexpr double farOff = 1e300;
+
+Transform transformOf(const RotMatrix& m) {
+    Transform t = identityTransform;
+    for (int row = 0; row < 3; ++row)
+        for (int i = 0; i < 3; ++i) t.form[row][i] = m.form[row][i];
+    return t;
 }
 
-// Whether they meet as seen from above.
-bool meet(const Range3d& a, const Range3d& b) {
-    return a.low.x <= b.high.x && b.low.x <= a.high.x && a.low.y <= b.high.y && b.low.y <= a.high.y;
+bool isTurned(const RotMatrix& view) {
+    return !(column(view, 0) == column(identityMatrix, 0) && column(view, 1) == column(identityMatrix, 1));
 }
 
-bool isOutside(const ElementDescr* node, const Range3d* range) {
-    Range3d own;
-    return range && elementRange(node->element, own) && !meet(own, *range);
+// The part of the model that the view shows in the range, however deep it lies.
+Range3d columnBehind(const Range3d& r, const RotMatrix& view) {
+    if (!isTurned(view)) return {{r.low.x, r.low.y, -farOff}, {r.high.x, r.high.y, farOff}};
+    RangeBuilder column;
+    for (const double x : {r.low.x, r.high.x})
+        for (const double y : {r.low.y, r.high.y})
+            for (const double z : {-farOff, farOff}) column.add(unrotate(view, {x, y, z}));
+    return column.range();
 }
 
 }  // namespace
 
-void draw(const ElementDescr* ed, const Range3d* range, double tolerance, const Pen& pen) {
-    std::vector<Point3d> points;
-    for (; ed; ed = ed->next) {
-        const bool outline = headOf(ed->element).type == MDL_COMPLEX_SHAPE;
-        if (!outline && ed->firstChild) draw(ed->firstChild, range, tolerance, pen);
-        if (isOutside(ed, range)) continue;
-        Look look = lookOf(ed);
-        if (pen.adjust && !pen.adjust(ed->element, look)) continue;
-        points.clear();
-        if (const auto text = textOf(ed->element)) {
-            if (text->body.count > 0) pen.text(*text, look);
-        } else if (strokeNode(points, ed, tolerance, identityTransform)) {
-            pen.line(points, look);
-        }
-    }
+bool drawModel(const Range3d& range, const RotMatrix& view, MdlPen pen) {
+    ModelRef* const model = mdlModelRef_getActive();
+    const mdl::Scan scan(model);
+    if (!scan) return false;
+    const Range3d column = columnBehind(range, view);
+    mdlScanCriteria_setRangeTest(scan.criteria(), &column);
+    mdlScanCriteria_setReturnType(scan.criteria(), MDL_SCAN_POSITIONS, 0, 0);
+    const Transform intoView = transformOf(view);
+    pen.transform = isTurned(view) ? &intoView : nullptr;
+    pen.range = &range;
+    auto position = scan.begin();
+    for (; position != scan.end(); ++position) walkDescriptor(mdl::readDescr(*position, model).get(), pen);
+    return position.isWhole();
 }
 
 }  // namespace host

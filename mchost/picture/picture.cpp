@@ -12,6 +12,7 @@
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/view.h"
 #include "mchost/picture/draft.h"
+#include "mchost/picture/drawing.h"
 #include "mchost/picture/sheet.h"
 
 namespace host {
@@ -84,9 +85,11 @@ int writePicture(const std::string& path, const ElementDescr* ed, const Range3d*
     const Draft draft(path);
     if (const std::string problem = draft.problem(); !problem.empty()) return fail(path, problem.c_str());
     Sheet sheet(*kind, draft.path(), range, widthMm, dpi);
+    MdlPen pen = sheet.pen();
+    pen.range = &range;
     if (ed)
-        draw(ed, &range, sheet.tolerance(), sheet.pen());
-    else if (!drawModel(range, identityMatrix, sheet.tolerance(), sheet.pen()))
+        walkDescriptor(ed, pen);
+    else if (!drawModel(range, identityMatrix, pen))
         return fail(path, "the model can't be read");
     if (const char* why = sheet.finish()) return fail(path, why);
     return draft.place() ? MDL_SUCCESS : fail(path, "no file of that name can be put there");

@@ -8,15 +8,18 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <numbers>
-#include <span>
+#include <string_view>
 
 #include "mchost/base/charset.h"
 #include "mchost/element/advances.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
+#include "mchost/mdl/paper.hpp"
 #include "mchost/mdl/text.h"
+#include "mchost/space/vector.h"
 
 namespace host {
 namespace {
@@ -24,26 +27,7 @@ namespace {
 constexpr double mmPerInch = 25.4, pointsPerInch = 72;
 constexpr double penRoom = 0.5;  // mm: for lines that lie on the edge of a picture
 
-// Pen widths in millimetres, by weight; other weights are drawn as weight 2.
-constexpr auto penWidths =
-    std::to_array<double>({0.1, 0.25, 0.35, 0.5, 0.7, 1.0, 1.5, 2.0, 2.5, 3.0, 3.5, 4.0, 4.5, 5.0, 5.5, 6.0});
-
-// Dashes and gaps in turn, in millimetres, by line style; other styles without a pattern are drawn as style 0.
-struct Dashes {
-    int count;
-    double lengths[6];
-};
 constexpr size_t mostDashes = 32;
-constexpr auto styleDashes = std::to_array<Dashes>({
-    {0, {}},                                   // 0 solid
-    {2, {0.35, 0.85}},                         // 1 dots
-    {2, {2.0, 1.25}},                          // 2 medium dashes
-    {2, {4.0, 2.0}},                           // 3 long dashes
-    {4, {5.0, 1.25, 0.25, 1.25}},              // 4 dash and dot
-    {2, {6.0, 3.0}},                           // 5 longest dashes
-    {6, {5.0, 1.25, 0.25, 1.25, 0.25, 1.25}},  // 6 dash and two dots
-    {4, {5.0, 2.0, 2.5, 2.0}},                 // 7 long and short dashes
-});
 
 // Colours on white paper, by colour index modulo 16.
 constexpr auto colors = std::to_array<PaperColor>({
@@ -91,6 +75,28 @@ cairo_surface_t* makeSurface(PictureKind kind, std::FILE* file, double widthMm, 
                                       static_cast<int>(std::ceil(heightMm * pixels)));
 }
 
+// Of a style that the model brings.
+std::vector<double> namedDashes(const MdlLook& look, double mmPerMaster) {
+    int32_t count = 0;
+    std::vector<double> lengths(mostDashes);
+    if (mdlLineStyle_getPattern(lengths.data(), &count, look.style, look.model) != MDL_SUCCESS) count = 0;
+    lengths.resize(static_cast<size_t>(count));
+    for (double& length : lengths) length *= mmPerMaster * look.styleScale;
+    return lengths;
+}
+
+std::vector<double> numberedDashes(int32_t style) {
+    std::vector<double> lengths;
+    const std::string_view text = mdl::dashesOfStyle(style);
+    for (const char *at = text.data(), *end = at + text.size(); at != end;) {
+        double points = 0;
+        at = std::from_chars(at, end, points).ptr;
+        if (at != end) ++at;
+        lengths.push_back(points * mmPerInch / pointsPerInch);
+    }
+    return lengths;
+}
+
 std::string utf8Of(const TextView& text) {
     std::string utf8;
     for (uint32_t i = 0; i < text.body.count; ++i) appendUtf8(utf8, unicodeOf(textCharacter(text, i)));
@@ -99,24 +105,13 @@ std::string utf8Of(const TextView& text) {
 
 }  // namespace
 
-double penWidth(const Look& look, double mmPerMaster) {
+double penWidth(const MdlLook& look, double mmPerMaster) {
     if (look.styleWidth > 0 && std::isfinite(look.styleWidth)) return look.styleWidth * mmPerMaster;
-    const auto weight = static_cast<size_t>(look.weight);
-    return penWidths[look.weight >= 0 && weight < penWidths.size() ? weight : 2];
+    return mdl::penWidthOf(look.weight);
 }
 
-std::vector<double> dashesOf(const Look& look, double mmPerMaster) {
-    std::vector<double> lengths;
-    if (look.style < 0) {
-        int32_t count = 0;
-        lengths.resize(mostDashes);
-        if (mdlLineStyle_getPattern(lengths.data(), &count, look.style, look.model) != MDL_SUCCESS) count = 0;
-        lengths.resize(static_cast<size_t>(count));
-        for (double& length : lengths) length *= mmPerMaster * look.styleScale;
-    } else if (static_cast<size_t>(look.style) < styleDashes.size()) {
-        const Dashes& dashes = styleDashes[static_cast<size_t>(look.style)];
-        lengths.assign(dashes.lengths, dashes.lengths + dashes.count);
-    }
+std::vector<double> dashesOf(const MdlLook& look, double mmPerMaster) {
+    std::vector<double> lengths = look.style < 0 ? namedDashes(look, mmPerMaster) : numberedDashes(look.style);
     const bool usable = std::ranges::all_of(lengths, [](double l) { return l >= 0 && std::isfinite(l); }) &&
                         std::ranges::any_of(lengths, [](double l) { return l > 0.05; });
     if (!usable) lengths.clear();
@@ -165,13 +160,18 @@ Sheet::Sheet(PictureKind kind, const std::string& path, const Range3d& range, do
     cairo_select_font_face(pen_.get(), "Helvetica", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
 }
 
-double Sheet::tolerance() const {
-    return precision_ / scale_;
-}
-
-Pen Sheet::pen() {
-    return {[this](const auto& points, const Look& look) { line(points, look); },
-            [this](const TextView& view, const Look& look) { text(view, look); }};
+MdlPen Sheet::pen() {
+    return {.userArg = this,
+            .tolerance = precision_ / scale_,
+            .transform = nullptr,
+            .range = nullptr,
+            .skip = nullptr,
+            .line =
+                [](void* sheet, const MSElementBuffer*, const MdlLook* look, const Point3d* points, int32_t count) {
+                    static_cast<Sheet*>(sheet)->drawLine({points, static_cast<size_t>(count)}, *look);
+                },
+            .text = [](void* sheet, const MSElementBuffer* element,
+                       const MdlLook* look) { static_cast<Sheet*>(sheet)->drawText(*textOf(element), *look); }};
 }
 
 const char* Sheet::finish() {
@@ -194,13 +194,13 @@ Point3d Sheet::onPaper(const Point3d& p) const {
             std::clamp((range_.high.y - p.y) * scale_, -farOff, farOff), 0};
 }
 
-void Sheet::setDashes(const Look& look, double mmPerMaster) {
+void Sheet::setDashes(const MdlLook& look, double mmPerMaster) {
     const std::vector<double> dashes = dashesOf(look, mmPerMaster);
     cairo_set_dash(pen_.get(), dashes.data(), static_cast<int>(dashes.size()), 0);
     cairo_set_line_cap(pen_.get(), dashes.empty() ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
 }
 
-void Sheet::line(const std::vector<Point3d>& points, const Look& look) {
+void Sheet::drawLine(std::span<const Point3d> points, const MdlLook& look) {
     cairo_t* pen = pen_.get();
     const PaperColor color = paperColor(look.color);
     cairo_set_source_rgb(pen, color.red, color.green, color.blue);
@@ -217,7 +217,7 @@ void Sheet::line(const std::vector<Point3d>& points, const Look& look) {
 }
 
 // The characters are stretched so that they fill the box, whatever face the system has for them.
-void Sheet::text(const TextView& view, const Look& look) {
+void Sheet::drawText(const TextView& view, const MdlLook& look) {
     const TextBox box = textBox(view);
     const Point3d at = onPaper(box.lowerLeft);
     const Point3d along = box.along * scale_, up = box.up * scale_;

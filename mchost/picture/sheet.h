@@ -5,9 +5,12 @@
 
 #include <cstdio>
 #include <memory>
+#include <span>
 #include <string>
+#include <vector>
 
-#include "mchost/picture/drawing.h"
+#include "mchost/element/text.h"
+#include "mchost/mdl/walk.h"
 
 namespace host {
 
@@ -19,8 +22,8 @@ PaperColor paperColor(int32_t index);
 
 // On paper, in millimetres: the width of the pen that an element is drawn with, mmPerMaster to a master unit, and the
 // dashes and gaps of its line in turn, none for a solid one.
-double penWidth(const Look& look, double mmPerMaster);
-std::vector<double> dashesOf(const Look& look, double mmPerMaster);
+double penWidth(const MdlLook& look, double mmPerMaster);
+std::vector<double> dashesOf(const MdlLook& look, double mmPerMaster);
 
 enum class PictureKind { png, svg, pdf };
 
@@ -41,17 +44,16 @@ class Sheet {
     Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi,
           const Page& page);
 
-    double tolerance() const;  // of strokes, in UOR: what the picture can't show
-    Pen pen();
+    MdlPen pen();
     // Writes what was drawn, down to the disk; a text that tells what failed, or null.
     const char* finish();
 
   private:
     Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi, double pageWidth,
           double pageHeight);
-    void line(const std::vector<Point3d>& points, const Look& look);
-    void text(const TextView& text, const Look& look);
-    void setDashes(const Look& look, double mmPerMaster);
+    void drawLine(std::span<const Point3d> points, const MdlLook& look);
+    void drawText(const TextView& text, const MdlLook& look);
+    void setDashes(const MdlLook& look, double mmPerMaster);
     Point3d onPaper(const Point3d& p) const;
 
     PictureKind kind_;

@@ -1,6 +1,8 @@
 // Standard views, and descriptors in the windows of dialogs.
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <span>
 #include <string>
 
 #include "mchost/base/guard.h"
@@ -8,6 +10,7 @@
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/view.h"
+#include "mchost/model/walk.h"
 #include "mchost/picture/sheet.h"
 
 using namespace host;
@@ -69,20 +72,12 @@ class WindowPen {
           map_(map),
           pixelsPerMm_(dialog.paper().pixelsPerMm > 0 ? dialog.paper().pixelsPerMm : screenPixelsPerMm) {}
 
-    bool adjust(const MSElementBuffer* element, Look& look) const {
-        const MdlPaper& paper = dialog_.paper();
-        if (!paper.look) return true;
-        MdlElementLook shown{look.color, look.gray};
-        if (paper.look(&shown, element, paper.userArg) != 0) return false;
-        look.color = shown.color;
-        look.gray = shown.gray;
-        return true;
-    }
-
-    void line(const std::vector<Point3d>& points, const Look& look) {
-        DrawCall call{.kind = DrawCall::Kind::line, .color = look.color, .filled = look.filled};
+    void drawLine(const MSElementBuffer* element, const MdlLook& look, std::span<const Point3d> points) {
+        const std::optional<MdlElementLook> shown = shownLook(element, look);
+        if (!shown) return;
+        DrawCall call{.kind = DrawCall::Kind::line, .color = shown->color, .filled = look.filled != 0};
         const double mmPerMaster = mdlModelRef_getUorPerMaster(look.model) * map_.scale() / pixelsPerMm_;
-        PaperLine paper{{}, penWidth(look, mmPerMaster) * pixelsPerMm_, dashesOf(look, mmPerMaster), look.gray};
+        PaperLine paper{{}, penWidth(look, mmPerMaster) * pixelsPerMm_, dashesOf(look, mmPerMaster), shown->gray};
         for (double& length : paper.dashes) length *= pixelsPerMm_;
         for (const Point3d& p : points) {
             const Point3d at = map_.at(p);
@@ -93,18 +88,46 @@ class WindowPen {
         dialog_.add(std::move(call));
     }
 
-    void text(const TextView& text, const Look& look) {
+    void drawText(const MSElementBuffer* element, const MdlLook& look) {
+        const std::optional<MdlElementLook> shown = shownLook(element, look);
+        if (!shown) return;
+        const TextView text = *textOf(element);
         const TextBox box = textBox(text);
         const Point3d at = map_.at(box.lowerLeft);
         const Point3d along = map_.at(box.lowerLeft + box.along) - at, up = map_.at(box.lowerLeft + box.up) - at;
-        DrawCall call{.kind = DrawCall::Kind::text, .font = dialog_.font(), .color = look.color};
+        DrawCall call{.kind = DrawCall::Kind::text, .font = dialog_.font(), .color = shown->color};
         call.rect = {pixel(at.x + up.x), pixel(at.y + up.y), pixel(at.x + along.x), pixel(at.y + along.y)};
         call.box = DrawnTextBox{at.x, at.y, along.x, along.y, up.x, up.y};
         for (uint32_t i = 0; i < text.body.count; ++i) call.text.push_back(static_cast<char>(textCharacter(text, i)));
         dialog_.add(std::move(call));
     }
 
+    MdlPen pen() {
+        constexpr double tolerance = 0.1;  // pixels: lines are drawn smoothly
+        return {.userArg = this,
+                .tolerance = tolerance / map_.scale(),
+                .transform = nullptr,
+                .range = nullptr,
+                .skip = nullptr,
+                .line =
+                    [](void* pen, const MSElementBuffer* element, const MdlLook* look, const Point3d* points,
+                       int32_t count) {
+                        static_cast<WindowPen*>(pen)->drawLine(element, *look, {points, static_cast<size_t>(count)});
+                    },
+                .text = [](void* pen, const MSElementBuffer* element,
+                           const MdlLook* look) { static_cast<WindowPen*>(pen)->drawText(element, *look); }};
+    }
+
   private:
+    // What the window's paper makes of a look; nothing for an element that it leaves out.
+    std::optional<MdlElementLook> shownLook(const MSElementBuffer* element, const MdlLook& look) const {
+        const MdlPaper& paper = dialog_.paper();
+        MdlElementLook shown{look.color, noGray};
+        if (paper.look && paper.look(&shown, element, paper.userArg) != 0) return std::nullopt;
+        return shown;
+    }
+
+    static constexpr double noGray = -1;
     Dialog& dialog_;
     const WindowMap& map_;
     double pixelsPerMm_;
@@ -136,12 +159,8 @@ int mdlElmdscr_displayToWindow(MdlDialog* window, const DialogRect* rect, const 
         const auto dialog = dialogOf(window);
         const WindowMap map(*rect, *matrix, *origin, *extent);
         if (!dialog || !map.isUsable()) return MDL_ERROR;
-        constexpr double tolerance = 0.1;  // pixels: lines are drawn smoothly
         WindowPen pen(*dialog, map);
-        draw(ed, nullptr, tolerance / map.scale(),
-             {[&](const auto& points, const Look& look) { pen.line(points, look); },
-              [&](const TextView& text, const Look& look) { pen.text(text, look); },
-              [&](const MSElementBuffer* element, Look& look) { return pen.adjust(element, look); }});
+        walkDescriptor(ed, pen.pen());
         return MDL_SUCCESS;
     });
 }

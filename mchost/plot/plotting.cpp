@@ -56,7 +56,7 @@ Failure drawPage(const PlotDriver& driver, const Fit& fit, const RotMatrix& view
         return "the paper has more than 30000 dots on a side; give the plotter a smaller paper or resolution";
     }
     Sheet sheet(driver.kind, path, fit.range, fit.widthMm, driver.resolution, fit.page);
-    if (!drawModel(fit.range, view, sheet.tolerance(), sheet.pen())) return "the model can't be read";
+    if (!drawModel(fit.range, view, sheet.pen())) return "the model can't be read";
     if (const char* why = sheet.finish()) return why;
     return std::nullopt;
 }

@@ -1,14 +1,11 @@
 #include "mclib/forms/print_job.h"
 
 #include <algorithm>
-#include <numbers>
 #include <optional>
 #include <string>
 
 #include "mchost/mdl/dialog.h"
-#include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
-#include "mchost/mdl/transform.h"
 #include "mclib/forms/form_cell.h"
 #include "mclib/forms/page_info.h"
 #include "mclib/forms/pages.h"
@@ -42,17 +39,6 @@ void tellPage(const char* name) {
 
 // ---- one page ----
 
-constexpr double quarter = std::numbers::pi / 2;
-
-// False when memory doesn't suffice, which the host has told.
-bool turn(ElementDescr* page, double angle) {
-    Transform rotation;
-    mdlTMatrix_rotateByAngles(&rotation, nullptr, 0, 0, angle);
-    if (mdlElmdscr_transform(page, &rotation) != MDL_SUCCESS) return false;
-    mdlCell_setRange(page, mdlModelRef_getActive());
-    return true;
-}
-
 struct PrintableArea {
     double width, height;  // mm
     bool isEmpty() const { return !(width > 0 && height > 0); }
@@ -63,13 +49,18 @@ PrintableArea printableArea() {
     return {p.pageWidth - p.marginLeft - p.marginRight, p.pageHeight - p.marginTop - p.marginBottom};
 }
 
-// Prints a page within the margins of its sheet, and leaves it turned as it was printed. False when there is none, or
-// it couldn't be turned.
-bool printPage(GlobalData& data, ElementDescr* page, bool turned) {
-    if (!page || (turned && !turn(page, quarter))) return false;
+// Prints a page within the margins of its sheet, turned where that fits it better. False when there is none.
+bool printPage(GlobalData& data, const ElementDescr* page) {
+    if (!page) return false;
+    const bool turned = isTurned(page);
     data.pageAngle = turned ? 90.0 : 0.0;
     const PrintableArea area = printableArea();
-    mclibPrint_printElementDescr(page, mclibpsd->marginLeft, mclibpsd->marginBottom, area.width, area.height);
+    print::PrintJob* job = print::applicationJob();
+    if (job)
+        job->printPage({.descr = page,
+                        .box = {mclibpsd->marginLeft, mclibpsd->marginBottom, area.width, area.height},
+                        .turned = turned,
+                        .pageAngle = data.pageAngle});
     data.pageAngle = 0.0;
     return true;
 }
@@ -81,17 +72,13 @@ void printByUser(McUserPrintFunction print, int32_t number) {
     print(number);
 }
 
-// A page that can't be turned back is made anew.
 bool printPageOnShow(GlobalData& data) {
     tellPage(pageName(data, data.previewPage));
     if (const McUserPrintFunction print = userPrintFunction()) {
         printByUser(print, data.previewPage);
         return true;
     }
-    const bool turned = isTurned(data.previewDescr);
-    if (!printPage(data, data.previewDescr, turned)) return false;
-    if (turned && !turn(data.previewDescr, -quarter)) showPage(data);
-    return true;
+    return printPage(data, data.previewDescr);
 }
 
 // Makes and prints the pages one by one, and tells how many. One that can't be made takes no sheet.
@@ -110,7 +97,7 @@ int32_t printSpan(GlobalData& data, PageSpan span) {
         if (!page) continue;
         print::PrintJob* job = print::applicationJob();
         if (printed > 0 && job) job->newPage();
-        if (printPage(data, page.get(), isTurned(page.get()))) ++printed;
+        if (printPage(data, page.get())) ++printed;
     }
     return printed;
 }

@@ -9,8 +9,8 @@
 #include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
+#include "mchost/mdl/walk.h"
 #include "mclib/frame/util.h"
-#include "mclib/geometry/elmdscr.h"
 #include "mclib/print/page_look.h"
 #include "mclib/print/styles.h"
 
@@ -22,49 +22,34 @@ constexpr double heightOfBox = 1.3;       // text height for each millimetre of 
 
 // ---- from design to paper ----
 
-// Brackets the walk: what the host gives inside is in millimetres on the paper.
-class PaperTransform {
-  public:
-    PaperTransform() {
-        mdlCurrTrans_begin();
-        mdlCurrTrans_identity();
-    }
-    ~PaperTransform() { mdlCurrTrans_end(); }
-    PaperTransform(const PaperTransform&) = delete;
-    PaperTransform& operator=(const PaperTransform&) = delete;
-
-    void moveOrigin(double x, double y) {
-        const Point3d origin = {x, y, 0};
-        mdlCurrTrans_translateOrigin(&origin);
-    }
-
-    // Puts the page with this range into the box: as large as fits, in its middle. False when no scale does that: the
-    // page or the box has no extent.
-    bool fit(const Point3d (&range)[2], const PaperBox& box, bool quarterTurn) {
-        const double dx = range[1].x - range[0].x, dy = range[1].y - range[0].y;
-        const double scale = std::min(box.width / dx, box.height / dy);
-        if (!(scale > 0 && std::isfinite(scale))) return false;
-        const double offsetX = (box.width - dx * scale) * 0.5, offsetY = (box.height - dy * scale) * 0.5;
-        moveOrigin(range[0].x, range[0].y);
-        mdlCurrTrans_scale(1 / scale, 1 / scale, 1.0);
-        if (quarterTurn) {
-            mdlCurrTrans_rotateByAngles(0, 0, -pi / 2);
-            moveOrigin(-box.height, 0);
-        }
-        moveOrigin(-box.x - offsetX, -box.y - offsetY);
-        return true;
-    }
+struct Extent {
+    Point3d low, high;
 };
 
-// ---- one element ----
+void moveOrigin(double x, double y) {
+    const Point3d origin = {x, y, 0};
+    mdlCurrTrans_translateOrigin(&origin);
+}
 
-using PointArray = mdl::HostPtr<Point3d[]>;
+// Makes the current system, which is UOR, that of the paper: a page of this extent lies in the box as large as fits, in
+// its middle. False when no scale does that: the page or the box has no extent.
+bool fitIntoBox(const Extent& page, const PaperBox& box, bool quarterTurn) {
+    const double dx = page.high.x - page.low.x, dy = page.high.y - page.low.y;
+    const double scale = std::min(box.width / dx, box.height / dy);
+    if (!(scale > 0 && std::isfinite(scale))) return false;
+    const double offsetX = (box.width - dx * scale) * 0.5, offsetY = (box.height - dy * scale) * 0.5;
+    moveOrigin(page.low.x, page.low.y);
+    mdlCurrTrans_scale(1 / scale, 1 / scale, 1.0);
+    if (quarterTurn) {
+        mdlCurrTrans_rotateByAngles(0, 0, -pi / 2);
+        moveOrigin(-box.height, 0);
+    }
+    moveOrigin(-box.x - offsetX, -box.y - offsetY);
+    return true;
+}
 
-struct Symbology {
-    int32_t color, weight, style;
-};
+// ---- one pass over the page ----
 
-// One pass over the page.
 struct Pass {
     const PrintDriver& driver;
     void* job;
@@ -86,10 +71,22 @@ struct Pass {
     }
 };
 
-Symbology symbologyOf(const MSElementBuffer* element, ModelRef* model) {
-    Symbology s = {0, fallbackWeight, 0};
-    mdlElement_getEffectiveSymbology(&s.color, &s.weight, &s.style, nullptr, nullptr, element, model);
-    return s;
+int isOfOtherPass(void* pass, const ElementDescr* node) {
+    mclibUtil_updateHourGlass();
+    Pass& p = *static_cast<Pass*>(pass);
+    return !print::isInPass(p.filter, p.levelCodeOf(node->element));
+}
+
+void printLine(void* pass, const MSElementBuffer* element, const MdlLook* look, const Point3d* points, int32_t count) {
+    if (count < 2) return;
+    Pass& p = *static_cast<Pass*>(pass);
+    const bool closed = print::isClosedShape(element);
+    const double gray = closed ? print::fillOf(element, p.levelCodeOf(element), look->color) : print::noFill;
+    p.driver.stroke(p.job, {.points = points,
+                            .count = count,
+                            .width = mdl::penWidthOf(look->weight),
+                            .style = &lineStyleOf(look->style),
+                            .gray = gray});
 }
 
 // ---- texts ----
@@ -127,7 +124,7 @@ double angleOf(const RotMatrix& rotation) {
     return std::atan2(axis[1].y - axis[0].y, axis[1].x - axis[0].x);
 }
 
-void printText(const Pass& pass, const MSElementBuffer* element) {
+void printText(void* pass, const MSElementBuffer* element, const MdlLook*) {
     Point3d origin, box[5];
     char text[256] = "";
     RotMatrix rotation;
@@ -143,79 +140,41 @@ void printText(const Pass& pass, const MSElementBuffer* element) {
     const Anchor anchor = anchorOf(just);
     const double down = anchor.halves * height * 0.5;
     mdlRMatrix_unrotatePointArray(box, &rotation, static_cast<int32_t>(std::size(box)));
-    pass.driver.label(pass.job, {.x = origin.x + std::sin(angle) * down,
-                                 .y = origin.y - std::cos(angle) * down,
-                                 .text = text,
-                                 .height = height * heightOfBox,
-                                 .angle = angle * 180 / pi,
-                                 .just = anchor.just,
-                                 .shape = box,
-                                 .size = size,
-                                 .pageAngle = pass.pageAngle});
-}
-
-// ---- lines and closed shapes ----
-
-void printStroke(const Pass& pass, const PointArray& points, int32_t count, const Symbology& symbology, double gray) {
-    if (!points || count < 2) return;
-    pass.driver.stroke(pass.job, {.points = points.get(),
-                                  .count = count,
-                                  .width = penWidthOf(symbology.weight),
-                                  .style = &lineStyleOf(symbology.style),
-                                  .gray = gray});
-}
-
-void printClosedShape(const Pass& pass, const ElementDescr* node, int32_t levelCode) {
-    const Symbology symbology = symbologyOf(node->element, pass.model);
-    Point3d* points = nullptr;
-    int32_t count = 0;
-    const int status = mdlElmdscr_stroke(&points, &count, node, strokeTolerance);
-    const PointArray owned(points);
-    if (status == MDL_SUCCESS)
-        printStroke(pass, owned, count, symbology, print::fillOf(node->element, levelCode, symbology.color));
-}
-
-void printLine(const Pass& pass, const MSElementBuffer* element) {
-    Point3d* points = nullptr;
-    int32_t count = 0;
-    const int status = mdlElement_stroke(&points, &count, element, strokeTolerance);
-    const PointArray owned(points);
-    if (status == MDL_SUCCESS) printStroke(pass, owned, count, symbologyOf(element, pass.model), print::noFill);
-}
-
-bool isPartOfComplexShape(const ElementDescr* node) {
-    return node->parent && mdlElement_getType(node->parent->element) == MDL_COMPLEX_SHAPE;
-}
-
-int printElement(MSElementBuffer* element, void* argument, int32_t, int32_t, ElementDescr* node) {
-    auto& pass = *static_cast<Pass*>(argument);
-    mclibUtil_updateHourGlass();
-    const int32_t levelCode = pass.levelCodeOf(element);
-    if (!print::isInPass(pass.filter, levelCode) || isPartOfComplexShape(node)) return 0;
-    if (mdlElement_getType(element) == MDL_TEXT) {
-        if (pass.driver.label) printText(pass, element);
-    } else if (pass.driver.stroke) {
-        if (print::isClosedShape(element))
-            printClosedShape(pass, node, levelCode);
-        else
-            printLine(pass, element);
-    }
-    return 0;
+    const Pass& p = *static_cast<Pass*>(pass);
+    p.driver.label(p.job, {.x = origin.x + std::sin(angle) * down,
+                           .y = origin.y - std::cos(angle) * down,
+                           .text = text,
+                           .height = height * heightOfBox,
+                           .angle = angle * 180 / pi,
+                           .just = anchor.just,
+                           .shape = box,
+                           .size = size,
+                           .pageAngle = p.pageAngle});
 }
 
 }  // namespace
 
 void print::walkPage(const PrintDriver& driver, void* job, const PaperPage& page) {
-    Point3d range[2];
-    if (!page.descr || mclibElemDscr_getRange(range, page.descr) != MDL_SUCCESS) return;
-    PaperTransform transform;
-    if (!transform.fit(range, page.box, driver.is(PRINT_DEVICE_QUARTER_TURN))) return;
+    Transform quarter;
+    mdlTMatrix_rotateByAngles(&quarter, nullptr, 0, 0, pi / 2);
+    const Transform* turn = page.turned ? &quarter : nullptr;
+    Extent extent;
+    if (mdlElmdscr_computeRange(&extent.low, &extent.high, page.descr, turn) != MDL_SUCCESS) return;
+    const mdl::CurrTransScope paper(mdl::CurrTransScope::Begin::uor);
+    if (!paper || !fitIntoBox(extent, page.box, driver.is(PRINT_DEVICE_QUARTER_TURN))) return;
     for (const int32_t filter : pagePasses) {
         Pass pass{.driver = driver,
                   .job = job,
                   .model = mdlModelRef_getActive(),
                   .pageAngle = page.pageAngle,
                   .filter = filter};
-        mdlElmdscr_operation(page.descr, printElement, &pass, MDL_DESCR_ALL);
+        const MdlPen pen = {.userArg = &pass,
+                            .tolerance = strokeTolerance,
+                            .transform = turn,
+                            .range = nullptr,
+                            .skip = isOfOtherPass,
+                            .line = driver.stroke ? printLine : nullptr,
+                            .text = driver.label ? printText : nullptr};
+        mdlElmdscr_walk(page.descr, &pen);
     }
 }

@@ -13,8 +13,9 @@ namespace print {
 
 // A page and its place: scaled evenly to fit the box, in the middle of it, the level with code 63 first.
 struct PaperPage {
-    ElementDescr* descr;  // in design coordinates
+    const ElementDescr* descr;  // in design coordinates
     PaperBox box;
+    bool turned = false;   // by a quarter, counter-clockwise
     double pageAngle = 0;  // the direction of reading as it lies on the paper, in degrees
 };
 
