@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -85,7 +86,8 @@ TEST_F(WindowTest, LinesAreAsWideAndDashedAsOnThePaperThatTheWindowShows) {
     EXPECT_LT(calls[0].paper->gray, 0);
     EXPECT_EQ(calls[1].paper->width, 2);
     constexpr double pixelsPerPoint = 2.0 * 25.4 / 72;
-    EXPECT_EQ(calls[1].paper->dashes, (std::vector<double>{11.28 * pixelsPerPoint, 5.76 * pixelsPerPoint}));
+    EXPECT_THAT(calls[1].paper->dashes,
+                testing::Pointwise(testing::DoubleNear(1e-9), {11.28 * pixelsPerPoint, 5.76 * pixelsPerPoint}));
     EXPECT_EQ(calls[1].paper->gray, 0.25);
     EXPECT_EQ(calls[1].paper->points, (std::vector<double>{10, 70, 110, 70}));
     EXPECT_EQ(mdlWindow_setPaper(nullptr, nullptr), MDL_ERROR);

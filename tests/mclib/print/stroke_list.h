@@ -1,0 +1,6 @@
+// A print device for tests, which the library doesn't offer: its file lists what jobs are given, a line each.
+#pragma once
+
+#include "mclib/print/driver.h"
+
+extern const PrintDriver strokeListDriver;
