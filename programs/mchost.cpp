@@ -3,40 +3,27 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <memory>
-#include <optional>
-#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "mchost/base/charset.h"
-#include "mchost/base/paths.h"
-#include "mchost/command/command.h"
-#include "mchost/front/line_editor.h"
-#include "mchost/front/terminal.h"
-#include "mchost/mdl/model.h"
-#include "mchost/mdl/system.h"
-#include "mchost/processes/open.h"
-#include "mchost/session/keyin.h"
-#include "mchost/session/program.h"
-#include "mchost/session/session.h"
-#include "programs/mchost_modules.h"
+#include "mchost/mdl/embed.h"
 
 namespace {
 
-MCHOST_FIRST const host::ProgramStart programStart;
-
-namespace fs = std::filesystem;
-using namespace mchost;
+// Made before all other static objects: what they throw is told too.
+struct ProgramStart {
+    ProgramStart() { mchost_startProgram(); }
+};
+__attribute__((init_priority(101))) const ProgramStart programStart;
 
 enum ExitStatus { statusGood = 0, statusFailed = 1, statusWrongCall = 2 };
 constexpr const char *userList = "USER", *startList = "MS_INITAPPS", *fileList = "MS_DGNAPPS";
 // Stands between the applications of one session on the command line.
 constexpr std::string_view nextApplication = "--and";
-enum Level { levelSystem = 0, levelProject = 3, levelUser = 4 };
+enum Level { levelProject = 3, levelUser = 4 };
 
 // An application that is named on the command line.
 struct Start {
@@ -52,90 +39,31 @@ struct Options {
     std::vector<Start> starts;
 };
 
-struct Variable {
-    std::string name, value;
-};
-
 void tell(const std::string& line) {
-    std::fflush(stdout);
-    std::fprintf(stderr, "mchost: %s\n", host::printable(line, "\n").c_str());
-}
-
-std::string trimmed(std::string_view text) {
-    const size_t first = text.find_first_not_of(" \t\r");
-    if (first == std::string_view::npos) return {};
-    return std::string(text.substr(first, text.find_last_not_of(" \t\r") - first + 1));
-}
-
-// NAME=VALUE with blanks around both parts dropped; nothing when it isn't one.
-std::optional<Variable> variableIn(std::string_view text) {
-    const size_t sign = text.find('=');
-    if (sign == std::string_view::npos) return std::nullopt;
-    Variable variable{trimmed(text.substr(0, sign)), trimmed(text.substr(sign + 1))};
-    if (variable.name.empty() || variable.name.find_first_of(" \t") != std::string::npos) return std::nullopt;
-    return variable;
-}
-
-// ---- where things lie ----
-
-fs::path dataFolder() {
-    const fs::path installed = programFolder() / "../share/mclib";
-    return (isFile(installed / "mclib.rsc") ? installed : programFolder() / "../lib").lexically_normal();
+    mchost_tell(line.c_str());
 }
 
 // ---- configuration ----
 
-void replaceAll(std::string& text, std::string_view name, const std::string& value) {
-    for (size_t at = text.find(name); at != std::string::npos; at = text.find(name, at + value.size())) {
-        text.replace(at, name.size(), value);
-    }
-}
-
-bool define(Variable variable, Level level) {
-    replaceAll(variable.value, "$(MCHOST_DIR)", programFolder().string());
-    replaceAll(variable.value, "$(MCHOST_DATA)", dataFolder().string());
-    replaceAll(variable.value, "$(MCHOST_USER)", host::userDataFolder().string());
-    return mdlSystem_defineCfgVar(variable.name.c_str(), host::hostName(variable.value).c_str(), level) == MDL_SUCCESS;
-}
-
-bool readConfiguration(const fs::path& path, Level level) {
-    std::ifstream file(path);
-    std::string line;
-    for (int number = 1; std::getline(file, line); ++number) {
-        const std::string text = trimmed(line);
-        if (text.empty() || text.starts_with('#')) continue;
-        const std::optional<Variable> variable = variableIn(text);
-        if (!variable || !define(*variable, level)) {
-            tell(path.string() + ":" + std::to_string(number) + ": not NAME = VALUE: " + text);
-            return false;
-        }
-    }
-    if (file.eof()) return true;
-    tell(path.string() + ": the configuration can't be read; give a file that is there");
-    return false;
+// NAME=VALUE.
+bool define(const std::string& setting) {
+    const size_t sign = setting.find('=');
+    const std::string name = setting.substr(0, sign), value = setting.substr(sign + 1);
+    return mchost_define(name.c_str(), value.c_str(), levelUser) == MDL_SUCCESS;
 }
 
 bool configure(const Options& options) {
-    for (const fs::path& folder : {programFolder(), (programFolder() / "../share/mclib").lexically_normal()}) {
-        if (!isFile(folder / "mchost.cfg")) continue;
-        if (!readConfiguration(folder / "mchost.cfg", levelSystem)) return false;
-        break;
-    }
-    if (!options.configFile.empty() && !readConfiguration(options.configFile, levelProject)) return false;
-    for (const std::string& setting : options.settings) define(*variableIn(setting), levelUser);
-    return true;
+    if (!options.configFile.empty() && mchost_configure(options.configFile.c_str(), levelProject) != MDL_SUCCESS)
+        return false;
+    return std::ranges::all_of(options.settings, define);
 }
 
 // ---- the run ----
 
-// What can't be done has been told in the message centre.
+// What can't be done has been told.
 bool openDesignFile(const Options& options) {
-    const std::string& name = options.newFile.empty() ? options.openFile : options.newFile;
-    if (name.empty()) return true;
-    const std::string hostName = host::hostName(name);
-    if (!options.newFile.empty() && mdlSystem_createDesignFile(hostName.c_str(), options.is3d) != MDL_SUCCESS)
-        return false;
-    return mdlSystem_newDesignFile(hostName.c_str(), 0) == MDL_SUCCESS;
+    if (!options.newFile.empty()) return mchost_newDesignFile(options.newFile.c_str(), options.is3d) == MDL_SUCCESS;
+    return options.openFile.empty() || mchost_openDesignFile(options.openFile.c_str()) == MDL_SUCCESS;
 }
 
 bool opensDesignFile(const Options& options) {
@@ -146,76 +74,32 @@ bool isStartList(std::string_view listName) {
     return listName == startList || listName == fileList;
 }
 
-bool startApplication(host::Session& session, const Start& start, const std::string& listName) {
-    const std::optional<fs::path> module = findApplication(start.application);
-    if (!module) {
-        tell("no application \"" + start.application + "\"" + (isStartList(listName) ? " of " + listName : "") +
-             " as named, along MS_MDL or in the folder lib of mchost; give the path of its .so file. mchost --help "
-             "lists those that are found");
-        return false;
-    }
-    std::vector<std::string> arguments;
-    for (const std::string& argument : start.arguments) arguments.push_back(host::hostName(argument));
-    return session.loadApplication(host::hostName(module->string()), host::hostName(module->stem().string()), listName,
-                                   arguments) != nullptr;
-}
-
-bool startListed(host::Session& session, const char* listName) {
-    return std::ranges::all_of(entriesOf(listName), [&](const std::string& name) {
-        return startApplication(session, {name, {}}, listName);
+bool startNamed(const Options& options) {
+    return std::ranges::all_of(options.starts, [&](const Start& start) {
+        std::vector<const char*> arguments;
+        for (const std::string& argument : start.arguments) arguments.push_back(argument.c_str());
+        return mchost_load(start.application.c_str(), options.listName.c_str(), static_cast<int>(arguments.size()),
+                           arguments.data()) == MDL_SUCCESS;
     });
 }
 
-bool startNamed(host::Session& session, const Options& options) {
-    return std::ranges::all_of(options.starts,
-                               [&](const Start& start) { return startApplication(session, start, options.listName); });
-}
+constexpr const char* noneNamed = "no application is named";
+
+enum class Ran { good, failed, nothing };
 
 // Applications of a start list run before a design file is open, and hear of it then.
-bool run(host::Session& session, const Options& options) {
-    // Applications show pages of the web through this one; its part is done by carryOut.
-    session.startApplication("WEBBROWS", [](int, char**) { return 0; });
-    if (!startListed(session, startList)) return false;
-    if (opensDesignFile(options) && !startListed(session, fileList)) return false;
-    if (isStartList(options.listName)) return startNamed(session, options) && openDesignFile(options);
-    return openDesignFile(options) && startNamed(session, options);
-}
-
-// What the application has left for its user: commands that wait for points, then dialogs that stay open, which may
-// start commands again. False when nobody gives a command its points.
-bool serve(host::Session& session) {
-    do {
-        if (!host::serveCommands()) return false;
-    } while (session.frontEnd().serveOpenDialog());
-    return true;
-}
-
-void tellNotCarriedOut(std::string_view keyIn) {
-    tell("not carried out, do it by hand: " + host::utf8FromNarrow(keyIn));
-}
-
-// "% TEXT" hands the text to the operating system, "browse url ADDRESS" and "browse file NAME" open what they name.
-bool carryOut(const host::KeyIn& keyIn) {
-    struct Command {
-        std::string_view begin;
-        bool (*carryOut)(std::string_view text);
-    };
-    constexpr Command commands[] = {
-        {"% ", host::handToSystem}, {"browse url ", host::openBySystem}, {"browse file ", host::openBySystem}};
-    const std::string_view text = keyIn.text;
-    for (const Command& command : commands) {
-        if (!text.starts_with(command.begin)) continue;
-        if (command.carryOut(text.substr(command.begin.size()))) return true;
-        tellNotCarriedOut(text);
-        mdlSystem_noteFailure();
-        return true;
+Ran run(const Options& options) {
+    int listed = mchost_loadListed(startList);
+    if (listed >= 0 && opensDesignFile(options)) {
+        const int more = mchost_loadListed(fileList);
+        listed = more < 0 ? more : listed + more;
     }
-    return false;
-}
-
-// Other key-ins are commands of a drawing program around the session; mchost has none to carry them out.
-void tellKeyIns() {
-    for (const host::KeyIn& keyIn : host::keyInQueue()) tellNotCarriedOut(keyIn.text);
+    if (listed < 0) return Ran::failed;
+    if (listed == 0 && options.starts.empty()) return Ran::nothing;
+    const bool early = isStartList(options.listName);
+    const bool done =
+        early ? startNamed(options) && openDesignFile(options) : openDesignFile(options) && startNamed(options);
+    return done && mchost_serve() == MDL_SUCCESS ? Ran::good : Ran::failed;
 }
 
 bool isWritten(std::FILE* stream) {
@@ -224,25 +108,35 @@ bool isWritten(std::FILE* stream) {
     return good;
 }
 
-int work(const Options& options) {
-    host::TerminalOptions terminal{.yes = options.yes, .answersFile = options.answersFile};
-    std::unique_ptr<host::FrontEnd> frontEnd;
-    try {
-        frontEnd = host::makeTerminalFrontEnd(std::move(terminal));
-    } catch (const std::runtime_error& error) {
-        tell(error.what());
-        return statusFailed;
-    }
-    host::Session session({.frontEnd = std::move(frontEnd), .variables = {}, .carryOut = carryOut});
-    const bool done = configure(options) && run(session, options) && serve(session);
-    session.finish();
-    tellKeyIns();
-    if (mdlSystem_memoryFailures() != 0)
-        tell("memory has run out, so not all was done; close other programs, try again");
-    const bool written = isWritten(stdout);
-    if (!done || !written) return statusFailed;
-    const int status = session.exitStatus();  // an application may find its own arguments wrong
-    return status == statusGood || status == statusWrongCall ? status : statusFailed;
+bool begin(const Options& options) {
+    McHostSettings settings{};
+    settings.size = sizeof settings;
+    settings.answers = options.answersFile.empty() ? nullptr : options.answersFile.c_str();
+    settings.yes = options.yes;
+    settings.ask = MCHOST_ASK_TERMINAL;
+    if (mchost_begin(&settings) == MDL_SUCCESS) return true;
+    tell(mchost_lastError());
+    return false;
+}
+
+struct ListedApplication {
+    std::string name, description;
+};
+
+std::string listOfApplications() {
+    std::vector<ListedApplication> found;
+    const auto keep = [](void* data, const char* name, const char* description) {
+        static_cast<std::vector<ListedApplication>*>(data)->push_back({name, description});
+    };
+    if (mchost_listApplications(keep, &found) != MDL_SUCCESS || found.empty())
+        return "No applications are found along MS_MDL.\n";
+    size_t width = 0;
+    for (const ListedApplication& one : found) width = std::max(width, one.name.size());
+    std::string text = "Applications:\n";
+    for (const auto& [name, description] : found)
+        text +=
+            "  " + name + (description.empty() ? "" : std::string(width + 2 - name.size(), ' ') + description) + "\n";
+    return text;
 }
 
 // ---- the command line ----
@@ -257,8 +151,6 @@ struct HelpText : CLI::Formatter {
         return option->get_type_size() == 0 ? "" : " " + option->get_type_name();
     }
 };
-
-constexpr const char* noneNamed = "no application is named";
 
 int wrongCall(const CLI::App& cli, const std::string& what) {
     tell(what);
@@ -282,7 +174,18 @@ void takeStarts(Options& options, const std::vector<std::string>& words) {
 }
 
 std::string checkedSetting(const std::string& setting) {
-    return variableIn(setting) ? "" : "not VAR=VALUE: " + setting;
+    const size_t sign = setting.find('='), begin = setting.find_first_not_of(" \t");
+    const size_t end = std::min(setting.find_first_of(" \t", begin), sign);
+    const bool good = sign != std::string::npos && begin < end && setting.find_first_not_of(" \t", end) == sign;
+    return good ? "" : "not VAR=VALUE: " + setting;
+}
+
+// Without the answers, which nobody is asked for here.
+void addApplications(CLI::App& cli, Options options) {
+    options.answersFile.clear();
+    if (!begin(options)) return;
+    if (configure(options)) cli.footer(listOfApplications());
+    mchost_end();
 }
 
 int parse(CLI::App& cli, Options& options, int argc, char** argv) {
@@ -306,7 +209,7 @@ int parse(CLI::App& cli, Options& options, int argc, char** argv) {
         cli.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() != 0) return wrongCall(cli, error.what());
-        if (error.get_name() == "CallForHelp" && configure(options)) cli.footer(listOfApplications());
+        if (error.get_name() == "CallForHelp") addApplications(cli, options);
         return cli.exit(error);
     }
     takeStarts(options, cli.remaining());
@@ -324,15 +227,19 @@ std::string faultOf(const Options& options) {
     return "";
 }
 
-// Whether there is something to start though nothing is named.
-bool somethingIsListed(const Options& options) {
-    return !entriesOf(startList).empty() || (opensDesignFile(options) && !entriesOf(fileList).empty());
-}
-
-int callWithoutApplication(CLI::App& cli) {
-    const int status = wrongCall(cli, noneNamed);
-    std::fputs(listOfApplications().c_str(), stderr);
-    return status;
+int work(const Options& options, CLI::App& cli) {
+    if (!begin(options)) return statusFailed;
+    const Ran ran = configure(options) ? run(options) : Ran::failed;
+    std::string applications;
+    if (ran == Ran::nothing) applications = listOfApplications();
+    const int status = mchost_end();
+    if (ran == Ran::nothing) {
+        wrongCall(cli, noneNamed);
+        std::fputs(applications.c_str(), stderr);
+        return statusWrongCall;
+    }
+    if (!isWritten(stdout) || ran == Ran::failed) return statusFailed;
+    return status == statusGood || status == statusWrongCall ? status : statusFailed;  // its arguments may be wrong
 }
 
 int runWith(int argc, char** argv) {
@@ -341,15 +248,16 @@ int runWith(int argc, char** argv) {
     const int ended = parse(cli, options, argc, argv);
     if (ended >= 0) return ended;
     if (const std::string fault = faultOf(options); !fault.empty()) return wrongCall(cli, fault);
-    if (options.starts.empty()) {
-        if (!configure(options)) return statusFailed;
-        if (!somethingIsListed(options)) return callWithoutApplication(cli);
-    }
-    return work(options);
+    return work(options, cli);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    return host::runProgram("mchost", [&] { return runWith(argc, argv); });
+    try {
+        return runWith(argc, argv);
+    } catch (...) {
+        mchost_tellThrown("mchost");
+        return statusFailed;
+    }
 }

@@ -88,8 +88,8 @@ class TerminalFrontEnd : public FrontEnd {
   public:
     explicit TerminalFrontEnd(TerminalOptions options)
         : answers_(linesOf(options.answersFile)),
-          asks_(options.asks.value_or(isatty(fileno(options.input)))),
-          showsProgress_(options.showsProgress.value_or(isatty(fileno(options.errors)))),
+          asks_(options.ask || options.asks.value_or(isatty(fileno(options.input)))),
+          showsProgress_(!options.write && options.showsProgress.value_or(isatty(fileno(options.errors)))),
           options_(std::move(options)) {}
     ~TerminalFrontEnd() override { endProgress(); }
 
@@ -97,9 +97,7 @@ class TerminalFrontEnd : public FrontEnd {
 
     void console(std::string_view text) override {
         endProgress();
-        const std::string shown = printable(std::string(text));
-        std::fwrite(shown.data(), 1, shown.size(), options_.output);
-        std::fflush(options_.output);
+        write(true, printable(std::string(text)));
     }
 
     void messageField(int field, std::string_view text) override {
@@ -252,9 +250,14 @@ class TerminalFrontEnd : public FrontEnd {
 
     void show(std::string text) {
         endProgress();
-        text = printable(std::move(text));
-        std::fwrite(text.data(), 1, text.size(), options_.errors);
-        std::fflush(options_.errors);
+        write(false, printable(std::move(text)));
+    }
+
+    void write(bool console, const std::string& text) {
+        if (options_.write) return options_.write(console, text);
+        std::FILE* const stream = console ? options_.output : options_.errors;
+        std::fwrite(text.data(), 1, text.size(), stream);
+        std::fflush(stream);
     }
 
     // Shows a message, which is shown again when a long dialog takes it out of sight.
@@ -281,6 +284,7 @@ class TerminalFrontEnd : public FrontEnd {
             return answer;
         }
         if (options_.yes || !asks_) return std::nullopt;
+        if (options_.ask) return askOutside(question);
         if (canEditLines(options_.input, options_.errors)) {
             endProgress();
             auto line = editLine(options_.input, options_.errors, printable(question), help);
@@ -296,6 +300,13 @@ class TerminalFrontEnd : public FrontEnd {
         show("\n");
         asks_ = false;
         return std::nullopt;
+    }
+
+    std::optional<std::string> askOutside(const std::string& question) {
+        auto answer = options_.ask(question);
+        gaveUp_ = !answer;
+        asks_ = !gaveUp_;
+        return answer;
     }
 
     static std::string question(const Dialog& dialog) {

@@ -20,6 +20,7 @@
 #pragma once
 
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -36,6 +37,9 @@ struct TerminalOptions {
     std::FILE* output = stdout;     // console lines
     std::FILE* errors = stderr;     // messages, dialogs and questions
     std::optional<bool> asks = {};  // whether somebody sits at the input; else it is asked whether it is a terminal
+    // In the place of the input, and of the outputs; the first is given the question and gives up with nothing.
+    std::function<std::optional<std::string>(const std::string& question)> ask = {};
+    std::function<void(bool console, const std::string& text)> write = {};
     std::optional<bool> showsProgress = {};  // whether `errors` shows progress on one line; else when it is a terminal
 };
 

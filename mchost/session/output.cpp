@@ -7,11 +7,18 @@
 #include "mchost/base/guard.h"
 #include "mchost/mdl/system.h"
 #include "mchost/session/output.h"
+#include "mchost/session/owned_state.h"
 #include "mchost/session/state.h"
 
 namespace host {
 
 namespace {
+
+constexpr int errorPriority = 10;
+
+struct LastError {
+    std::string text;
+};
 
 // Nothing for a format that can't be followed.
 std::optional<std::string> formatted(const char* format, va_list arguments) {
@@ -45,6 +52,7 @@ std::string utf8Of(const char* narrow) {
 }
 
 void toMessageCenter(int priority, const std::string& brief, const std::string& details) {
+    if (priority == errorPriority) lastError() = brief + (details.empty() ? "" : ": ") + details;
     if (activeState != nullptr) {
         activeState->frontEnd->messageCenter(priority, brief, details);
     } else {
@@ -59,11 +67,15 @@ void noteMemoryFailure() {
 }
 
 [[maybe_unused]] const bool hears =
-    (setFailureHearers(
-         {.error = [](const char* what) { toMessageCenter(10, utf8Of(what), {}); }, .memoryRanOut = noteMemoryFailure}),
+    (setFailureHearers({.error = [](const char* what) { toMessageCenter(errorPriority, utf8Of(what), {}); },
+                        .memoryRanOut = noteMemoryFailure}),
      true);
 
 }  // namespace
+
+std::string& lastError() {
+    return sessionState<LastError>().text;
+}
 
 int printToField(int field, const char* format, va_list arguments) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
