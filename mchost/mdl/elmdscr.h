@@ -77,13 +77,8 @@ MDL_EXPORT FilePos mdlElement_rewrite(const MSElementBuffer *element, FilePos po
  * to those who look at the command. MDL_ERROR for a damaged element or an unknown mode. */
 enum { MDL_DRAW = 0, MDL_ERASE = 1, MDL_HIGHLIGHT = 2, MDL_DYNAMICS = 4 };
 MDL_EXPORT int mdlElement_display(const MSElementBuffer *element, int32_t drawMode);
-/* Deletes what lies at the position in the active model, components included, so that it can be brought back until the
- * file is closed. `element` and `display` have no effect. */
+/* Deletes what lies at the position in the active model, components included; undo.h brings it back. `element` and
+ * `display` have no effect. */
 MDL_EXPORT int mdlElement_undoableDelete(const MSElementBuffer *element, FilePos position, int32_t display);
-/* Brings back the last deletion that hasn't been brought back, at the position that it had; 0 when there is none. */
-MDL_EXPORT FilePos mdlUndo_lastDelete(void);
-/* The same for the last deletion or rewrite, whichever it was: an element that was rewritten is what it was before.
- * Elements that a rewrite has added behind it stay. */
-MDL_EXPORT FilePos mdlUndo_lastChange(void);
 
 #endif

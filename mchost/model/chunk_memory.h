@@ -26,6 +26,11 @@ class ChunkMemory {
         return taken;
     }
 
+    // What is taken next, that many bytes in all, is there already. Throws std::bad_alloc.
+    void reserve(size_t bytes) {
+        if (left_ < bytes) addBlock(roundedUp(bytes, 64));
+    }
+
   private:
     static constexpr size_t hugePage = 2 << 20, firstBlock = 512 << 10, laterBlock = 16 << 20;
 

@@ -66,14 +66,18 @@ void DesignFile::save() {
     if (takesChanges()) writer_.save(model);
 }
 
-void DesignFile::close() {
+bool DesignFile::canBeStored() const {
+    return takesChanges() && fileAndFolderCanBeWritten(path_);
+}
+
+bool DesignFile::shrinksAtClosing() const {
     const ElementStore& elements = model.elements;
-    const bool shrinks =
-        takesChanges() && elements.wasteBytes() > littleWaste && elements.wasteBytes() > elements.usedBytes() / 2;
-    if (shrinks) {
-        model.changes.clear();
-        model.elements.compact();
-    }
+    return takesChanges() && elements.wasteBytes() > littleWaste && elements.wasteBytes() > elements.usedBytes() / 2;
+}
+
+void DesignFile::close() {
+    const bool shrinks = shrinksAtClosing();
+    if (shrinks) model.elements.compact();
     save();
     if (shrinks) writer_.shrink();
     if (takesChanges()) writer_.close();

@@ -43,10 +43,12 @@ class DesignFile {
     bool takesChanges() const { return use_ == Use::write && !readOnly_; }
     bool is(const std::string& path) const;  // whether that path leads to this file
 
-    void save();  // FileProblem when the changes can't be stored
+    bool canBeStored() const;  // takes changes, and the file can still be written
+    void save();               // FileProblem when the changes can't be stored
     // Stores all in the one file, and gives back what deleted elements took, when that is much. FileProblem when that
     // can't be; the file is still open then, and can be stored and closed again.
     void close();
+    bool shrinksAtClosing() const;  // closing lays the elements anew: addresses of records don't hold any more
 
     Model model;
     ModelRef place;  // the model shown by itself

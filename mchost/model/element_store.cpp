@@ -12,10 +12,6 @@ const std::byte* nodesOf(const RecordHead* record) {
     return reinterpret_cast<const std::byte*>(record + 1);
 }
 
-uint32_t recordBytes(const RecordHead* record) {
-    return sizeof(RecordHead) + record->bytes;
-}
-
 const MSElementBuffer* elementBehind(const NodeHead* node) {
     return reinterpret_cast<const MSElementBuffer*>(node + 1);
 }
@@ -76,6 +72,20 @@ void ElementStore::remove(FilePos position) {
 
 void ElementStore::restore(FilePos position) {
     setKey(position, appendCopy(records_[position]));
+}
+
+const RecordHead* ElementStore::putBack(FilePos position, const RecordHead* record) {
+    const RecordHead* before = records_[position];
+    setKey(position, appendCopy(record));
+    wasteBytes_ += recordBytes(before);
+    return before;
+}
+
+// A chunk may stay half empty in front of the next record.
+void ElementStore::makeMemory(uint64_t bytes) {
+    const uint64_t needed = 2 * bytes + 2 * chunkBytes;
+    memory_.reserve(needed);
+    chunks_.reserve(chunks_.size() + needed / chunkBytes + 1);
 }
 
 const MSElementBuffer* ElementStore::element(FilePos position) const {

@@ -53,6 +53,10 @@ inline uint32_t elementBytes(const MSElementBuffer* element) {
     return 2 * element->head.size;
 }
 
+inline uint32_t recordBytes(const RecordHead* record) {
+    return sizeof(RecordHead) + record->bytes;
+}
+
 constexpr uint64_t filledToWord(uint64_t bytes) {
     return (bytes + 7) & ~uint64_t{7};
 }
@@ -91,11 +95,15 @@ class ElementStore {
     void replace(FilePos position, std::span<const StoredNode> unit);  // of a live element
     void remove(FilePos position);                                     // of a live element
     void restore(FilePos position);                                    // of a removed element
+    // Gives a live element a record that it had before, and gives the one in force till now, which stays where it is.
+    const RecordHead* putBack(FilePos position, const RecordHead* record);
+    // Takes memory for records of so many bytes in all: replacing, removing and restoring that many can't fail then.
+    void makeMemory(uint64_t bytes);
     static uint64_t unitBytes(std::span<const StoredNode> unit);
 
     bool isLive(FilePos position) const { return position < keys_.size() && keys_[position].live; }
     const MSElementBuffer* element(FilePos position) const;                          // null when there is none
-    const RecordHead* record(FilePos position) const { return records_[position]; }  // of a live element
+    const RecordHead* record(FilePos position) const { return records_[position]; }  // the last one with nodes
 
     std::span<const ElementKey> keys() const { return keys_; }  // by position; the first one is no element
     // The bits of all types that elements at 64 positions, from a multiple of 64 on, have or had.

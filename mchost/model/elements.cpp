@@ -1,13 +1,11 @@
 // Elements and descriptors to and from the open design files.
 #include <algorithm>
 #include <cstring>
-#include <functional>
 
 #include "mchost/base/guard.h"
 #include "mchost/element/range.h"
 #include "mchost/mdl/modify.h"
-#include "mchost/model/file_problem.h"
-#include "mchost/model/model_ref.h"
+#include "mchost/model/open_files.h"
 
 namespace host {
 namespace {
@@ -45,31 +43,26 @@ void noteStored(Model& model, FilePos position, std::span<const StoredNode> unit
 }
 
 FilePos addUnit(Model& model, std::span<const StoredNode> unit) {
+    openFiles().journal.makeRoom(model);
     const FilePos position = model.elements.add(unit);
+    openFiles().journal.noteAdded(model, position);
     noteStored(model, position, unit);
     return position;
 }
 
-// Runs a change of the element at the position, so that it can be taken back.
-template <class Body>
-void change(Model& model, FilePos position, bool isDeletion, Body body) {
-    model.changes.push_back({position, model.elements.record(position), isDeletion});
-    try {
-        body();
-    } catch (...) {
-        model.changes.pop_back();
-        throw;
-    }
-}
-
 FilePos replaceUnit(Model& model, FilePos position, std::span<const StoredNode> unit) {
-    change(model, position, false, [&] { model.elements.replace(position, unit); });
+    openFiles().journal.makeRoom(model);
+    const RecordHead* before = model.elements.record(position);
+    model.elements.replace(position, unit);
+    openFiles().journal.noteRewritten(model, position, before);
     noteStored(model, position, unit);
     return position;
 }
 
 void removeUnit(Model& model, FilePos position) {
-    change(model, position, true, [&] { model.elements.remove(position); });
+    openFiles().journal.makeRoom(model);
+    model.elements.remove(position);
+    openFiles().journal.noteDeleted(model, position);
     updateRange(model, position);
 }
 
@@ -77,24 +70,6 @@ Unit nodesIn(const RecordHead* record) {
     Unit unit;
     forEachNode(record, [&](const StoredNode& node) { unit.push_back(node); });
     return unit;
-}
-
-// Takes back the last change that `which` accepts; its position, or 0 when there is none.
-template <class Which>
-FilePos takeBack(Which which) {
-    Model* model = openModel(nullptr);
-    if (!model) return 0;
-    const auto last = std::find_if(model->changes.rbegin(), model->changes.rend(), which);
-    if (last == model->changes.rend()) return 0;
-    const auto [position, before, isDeletion] = *last;
-    if (isDeletion) {
-        model->elements.restore(position);
-    } else {
-        model->elements.replace(position, nodesIn(before));
-    }
-    model->changes.erase(std::next(last).base());
-    updateRange(*model, position);
-    return position;
 }
 
 // The units of a chain; empty when one of them can't be stored.
@@ -200,14 +175,6 @@ int mdlElement_undoableDelete(const MSElementBuffer*, FilePos position, int32_t)
         removeUnit(*model, position);
         return MDL_SUCCESS;
     });
-}
-
-FilePos mdlUndo_lastDelete(void) {
-    return guarded<FilePos>(0, [] { return takeBack(std::mem_fn(&Change::isDeletion)); });
-}
-
-FilePos mdlUndo_lastChange(void) {
-    return guarded<FilePos>(0, [] { return takeBack([](const Change&) { return true; }); });
 }
 
 // ---- descriptors ----

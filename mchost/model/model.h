@@ -49,13 +49,6 @@ struct TextStyle {
     TextSize size;
 };
 
-// A deletion or a rewrite, with the record of before, which stays where it is until the store is compacted.
-struct Change {
-    FilePos position;
-    const RecordHead* before;
-    bool isDeletion;
-};
-
 // What a model holds. It knows no file that it is stored in and no place where it is shown.
 struct Model {
     uint64_t serial = 0;  // differs for every model that was ever open in a session, while the address may come again
@@ -69,8 +62,7 @@ struct Model {
     bool tablesChanged = false;   // levels or styles, since they were last stored
     uint32_t unstoredLevels = 0;  // levels that aren't to be stored so far
 
-    std::vector<Change> changes = {};  // what can be taken back, the last one last
-    RangeIndex ranges = {};            // filled at the first search by window
+    RangeIndex ranges = {};  // filled at the first search by window
     bool rangesFilled = false;
 };
 

@@ -34,9 +34,13 @@ OpenFiles& openFiles() {
     return sessionState<OpenFiles>();
 }
 
+OpenFiles::OpenFiles() {
+    observeReturn([] { openFiles().finishCommand(); });
+}
+
 OpenFiles::~OpenFiles() {
     for (const Opened& opened : all_) {
-        const int status = withFile("close the design file", opened.file->name(), [&] { opened.file->close(); });
+        const int status = withFile("close the design file", opened.file->name(), [&] { close(*opened.file); });
         if (status != MDL_SUCCESS) markFailed();
     }
     active_ = nullptr;
@@ -59,7 +63,19 @@ OpenFiles::Opened& OpenFiles::entryOf(const DesignFile& file) {
     return *std::ranges::find(all_, &file, [](const Opened& opened) { return opened.file.get(); });
 }
 
+const DesignFile& OpenFiles::fileOf(const Model& model) const {
+    return *std::ranges::find(all_, &model, [](const Opened& opened) { return &opened.file->model; })->file;
+}
+
+// Closing may fail, and the file stays open then, with what can be taken back in it where that still lies.
+void OpenFiles::close(DesignFile& file) {
+    if (file.shrinksAtClosing()) journal.forget(file.model);
+    file.close();
+    journal.forget(file.model);
+}
+
 void OpenFiles::drop(const DesignFile* file) {
+    if (file) journal.forget(file->model);
     std::erase_if(all_, [&](const Opened& opened) { return opened.file.get() == file; });
 }
 
@@ -86,7 +102,7 @@ void OpenFiles::leaveActive(const std::string& next) {
         active_->save();
         fireNewDesignFile(next.c_str(), 0);
         told = true;
-        active_->close();
+        close(*active_);
         dropActive();
     } catch (const FileProblem& problem) {
         if (told) fireNewDesignFile(name.c_str(), 1);
@@ -122,7 +138,7 @@ void OpenFiles::closeActive() {
     try {
         active_->save();
         fireNewDesignFile(active_->name().c_str(), 0);
-        active_->close();
+        close(*active_);
     } catch (...) {
         dropActive();
         throw;
@@ -156,7 +172,16 @@ void OpenFiles::closeWork(DesignFile& file) {
     if (--entryOf(file).openings > 0) return;
     const std::unique_ptr<DesignFile> closing = std::move(entryOf(file).file);
     drop(nullptr);
-    closing->close();
+    close(*closing);
+}
+
+void OpenFiles::finishCommand() {
+    journal.beginStep("");
+    for (const Opened& opened : all_) {
+        if (opened.file.get() == active_ || !opened.file->takesChanges()) continue;
+        const int status = withFile("store the design file", opened.file->name(), [&] { opened.file->save(); });
+        if (status != MDL_SUCCESS) markFailed();
+    }
 }
 
 ModelRef* OpenFiles::levelLibrary(const std::string& path) {

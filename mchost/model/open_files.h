@@ -7,19 +7,25 @@
 #include <vector>
 
 #include "mchost/model/design_file.h"
+#include "mchost/model/journal.h"
 
 namespace host {
 
 class OpenFiles {
   public:
-    OpenFiles() = default;
+    OpenFiles();
     ~OpenFiles();  // closes them all; a line tells of each that couldn't be stored
     OpenFiles(const OpenFiles&) = delete;
     OpenFiles& operator=(const OpenFiles&) = delete;
 
+    Journal journal;
+
     DesignFile* active() const { return active_; }
     // The file with the place, the active one for null; null for a place that isn't there any more.
     DesignFile* withPlace(const ModelRef* place) const;
+
+    // The file that holds the model, which is open.
+    const DesignFile& fileOf(const Model& model) const;
 
     // Opens the file in place of the active one, which stays open when that fails: FileProblem. Applications hear of
     // it.
@@ -33,6 +39,9 @@ class OpenFiles {
     void closeWork(DesignFile& file);
     bool isWork(const DesignFile& file) { return entryOf(file).openings > 0; }
 
+    // A command is finished: the next change belongs to another step, and what work files were given is stored.
+    void finishCommand();
+
     // The level library, read anew when the file has changed. Null without one; FileProblem when it can't be read.
     ModelRef* levelLibrary(const std::string& path);
 
@@ -42,6 +51,7 @@ class OpenFiles {
         int openings = 0;  // as a work file
     };
 
+    void close(DesignFile& file);
     DesignFile* open(const std::string& path, DesignFile::Use use, FileKind kind);
     DesignFile* openHere(const std::string& path) const;
     Opened& entryOf(const DesignFile& file);

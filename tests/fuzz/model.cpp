@@ -13,6 +13,7 @@
 #include "mchost/mdl/scan.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
+#include "mchost/mdl/undo.h"
 #include "mchost/model/cell_library.h"
 #include "mclib/project/store.h"
 #include "session.h"

@@ -1,6 +1,7 @@
 // Elements in the open design file: adding, rewriting, deleting, and what comes back of it.
 #include <cstring>
 
+#include "mchost/mdl/undo.h"
 #include "tests/mchost/model/model_fixture.h"
 
 namespace {

@@ -3,6 +3,7 @@
 #include <map>
 #include <random>
 
+#include "mchost/mdl/undo.h"
 #include "tests/mchost/model/model_fixture.h"
 
 namespace {

@@ -7,6 +7,7 @@
 
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/system.h"
+#include "mchost/mdl/undo.h"
 #include "mclib/frame/stored_layout.h"
 #include "mclib/project/application_block.h"
 #include "mclib/project/application_data.h"

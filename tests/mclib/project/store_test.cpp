@@ -9,6 +9,7 @@
 #include "mchost/dialog/dialog.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/elmdscr.h"
+#include "mchost/mdl/undo.h"
 #include "mclib/project/application_data.h"
 #include "mclib/project/records.h"
 #include "mclib/project/store.h"
