@@ -5,11 +5,11 @@
 
 #include <mchost/mdl/files.h>
 #include <mchost/mdl/resource.h>
-#include "apps/common/tell.h"
+#include <mclib/app/tell.hpp>
 
 namespace alignment {
 
-using app::fail;
+using mcapp::fail;
 
 namespace {
 

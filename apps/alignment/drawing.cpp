@@ -10,11 +10,11 @@
 #include <mchost/mdl/model.h>
 #include <mchost/mdl/transform.h>
 #include <mclib/mclib.h>
-#include "apps/common/tell.h"
+#include <mclib/app/tell.hpp>
 
 namespace alignment {
 
-using app::fail;
+using mcapp::fail;
 
 namespace {
 
@@ -379,7 +379,7 @@ bool Drawing::draw() {
     boundary(placeOn(road_.elements.back(), road_.elements.back().length));
     for (const Element& e : road_.elements) label(e);
     if (leftOut_ > 0) {
-        app::warn(
+        mcapp::warn(
             formatted("there is no room for %zu of the texts along the road at 1:%g, so they are left out; a larger "
                       "scale has room for more",
                       leftOut_, road_.scale));

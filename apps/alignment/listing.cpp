@@ -10,7 +10,7 @@
 #include <mchost/mdl/system.h>
 #include <mchost/mdl/transform.h>
 #include <mclib/mclib.h>
-#include "apps/common/tell.h"
+#include <mclib/app/tell.hpp>
 
 namespace alignment {
 
@@ -133,7 +133,7 @@ ListPage stationPage(const Road& road, double step) {
     mclibElement_createShape(corners, 4, 0, road.attributeOf(Role::frame), nullptr);
     ElementDescr* page = nullptr;
     if (mdlElmdscr_new(&page, nullptr, dgnBufP) != MDL_SUCCESS) {
-        app::fail("no memory for the station list");
+        mcapp::fail("no memory for the station list");
         return list;
     }
     Page made(page);
@@ -144,7 +144,7 @@ ListPage stationPage(const Road& road, double step) {
         y -= lineHeight;
         for (const Cell& cell : line) {
             if (addText(page, cell, y, attribute)) continue;
-            app::fail("the station list can't be made: \"" + cell.text + "\" finds no place in it");
+            mcapp::fail("the station list can't be made: \"" + cell.text + "\" finds no place in it");
             return list;
         }
     }

@@ -12,13 +12,13 @@
 #include <mchost/mdl/system.h>
 #include <mchost/mdl/view.h>
 #include <mclib/mclib.h>
-#include "apps/common/delivery.h"
-#include "apps/common/help.h"
-#include "apps/common/last_files.h"
-#include "apps/common/outputs.h"
-#include "apps/common/system_path.h"
-#include "apps/common/tell.h"
-#include "apps/common/utf8.h"
+#include <mclib/app/arguments.hpp>
+#include <mclib/app/delivery.hpp>
+#include <mclib/app/last_files.hpp>
+#include <mclib/app/outputs.hpp>
+#include <mclib/app/system_path.hpp>
+#include <mclib/app/tell.hpp>
+#include <mclib/app/utf8.hpp>
 #include "attributes.h"
 #include "checks.h"
 #include "drawing.h"
@@ -31,7 +31,7 @@
 
 namespace alignment {
 
-using app::fail;
+using mcapp::fail;
 namespace {
 
 namespace fs = std::filesystem;
@@ -64,12 +64,12 @@ fs::path outputBase(const Options& options) {
     const fs::path name = fs::path(options.input).stem();
     if (options.out.empty()) return name;
     const fs::path out = options.out;
-    return out.filename().empty() || fs::is_directory(app::systemPath(out)) ? out / name : out;
+    return out.filename().empty() || fs::is_directory(mcapp::systemPath(out)) ? out / name : out;
 }
 
 bool writeDesignFile(const std::string& name, ElementDescr* page) {
     return (mdlElmdscr_add(page) != 0 && mdlSystem_saveDesignFile() == MDL_SUCCESS) ||
-           app::failOutput(name, "the drawing can't be stored; is the disk full?");
+           mcapp::failOutput(name, "the drawing can't be stored; is the disk full?");
 }
 
 // In millimetres on the paper.
@@ -78,21 +78,21 @@ struct PaperBox {
 };
 
 bool printPage(const std::string& name, int device, ElementDescr* page, const PaperBox& box) {
-    if (mclibPrint_fopen(name.c_str(), device) == 0) return app::failOutput(name, "the print file can't be opened");
+    if (mclibPrint_fopen(name.c_str(), device) == 0) return mcapp::failOutput(name, "the print file can't be opened");
     mclibPrint_printElementDescr(page, box.x, box.y, box.width, box.height);
     mclibPrint_fclose();
     return mclibPrint_jobStatus() == MCLIB_SUCCESS ||
-           app::failOutput(name, "the print file can't be written; is the disk full?");
+           mcapp::failOutput(name, "the print file can't be written; is the disk full?");
 }
 
 // The sheet; the station list on a device that has nothing but texts.
 bool print(const std::string& name, ElementDescr* page, const Road& road, const Sheet& sheet, const Options& options) {
     const int device = options.device->code;
-    if (!app::deviceIs(*options.device, PRINT_DEVICE_TEXT_ONLY))
+    if (!mcapp::deviceIs(*options.device, PRINT_DEVICE_TEXT_ONLY))
         return printPage(name, device, page, {margin, margin, sheet.width(), sheet.height()});
     const ListPage list = stationPage(road, options.step);
     return list.page && printPage(name, device, list.page.get(), {0, 0, list.width, list.height}) &&
-           (app::makeUtf8(name) || app::failOutput(name, "the station list can't be written; is the disk full?"));
+           (mcapp::makeUtf8(name) || mcapp::failOutput(name, "the station list can't be written; is the disk full?"));
 }
 
 bool writePicture(const std::string& name, ElementDescr* page, const Sheet& sheet) {
@@ -104,7 +104,7 @@ bool writePicture(const std::string& name, ElementDescr* page, const Sheet& shee
     range.high.x += edge;
     range.high.y += edge;
     return mdlPicture_write(name.c_str(), page, &range, sheet.paper.width, dpi) == MDL_SUCCESS ||
-           app::failOutput(name, "the picture can't be written; is the disk full?");
+           mcapp::failOutput(name, "the picture can't be written; is the disk full?");
 }
 
 // Closes the design file that the work was done in, however the work ends.
@@ -133,11 +133,11 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Project& project, con
     const char* const printSuffix = options.device->suffix;
     std::vector<const char*> suffixes = {".mcd", printSuffix, pictureSuffix.c_str()};
     if (options.raster) suffixes.push_back(rasterSuffix);
-    app::Outputs outputs(outputBase(options), suffixes);
+    mcapp::Outputs outputs(outputBase(options), suffixes);
     if (!outputs.prepare(options.input, options.overwrite)) return false;
     const std::string designName = outputs.temporary(".mcd");
     WorkFile workFile(designName);
-    if (!workFile.isOpen()) return app::failOutput(designName, "the design file can't be made");
+    if (!workFile.isOpen()) return mcapp::failOutput(designName, "the design file can't be made");
     const Page page = drawRoad(road, sheet);
     if (!page || !project.write(designName) || !writeDesignFile(designName, page.get())) return false;
     if (!turnUpright(page.get(), sheet) || !print(outputs.temporary(printSuffix), page.get(), road, sheet, options))
@@ -145,11 +145,11 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Project& project, con
     if (!writePicture(outputs.temporary(pictureSuffix.c_str()), page.get(), sheet)) return false;
     if (options.raster && !writeRaster(outputs.temporary(rasterSuffix), page.get(), sheet, *options.raster))
         return false;
-    if (!workFile.close()) return app::failOutput(designName, "the design file can't be stored; is the disk full?");
+    if (!workFile.close()) return mcapp::failOutput(designName, "the design file can't be stored; is the disk full?");
     if (!outputs.finish()) return false;
     for (const fs::path& name : outputs.names()) toolSubsystem_printf("alignment: made %s\n", name.c_str());
     const std::string printFile = outputBase(options).string() + printSuffix;
-    return options.printer.empty() || app::sendToPrinter(printFile, printFile, options.printer, 1);
+    return options.printer.empty() || mcapp::sendToPrinter(printFile, printFile, options.printer, 1);
 }
 
 // The road and the looks that it is drawn with, from the files that the user named.
@@ -158,7 +158,7 @@ std::optional<Road> readAll(const Options& options, const Project& project, Attr
     project.tell(begun);
     if (!attributes.begin(options.own)) return {};
     std::optional<Road> road =
-        readRoad(options.input, app::letterRefusalOf(*options.device), std::move(begun), attributes);
+        readRoad(options.input, mcapp::letterRefusalOf(*options.device), std::move(begun), attributes);
     if (!road) return {};
     if (options.scale > 0) road->scale = options.scale;
     if (!attributes.canKeep(options.saveAttributes, options.overwrite)) return {};
@@ -173,7 +173,7 @@ bool draw(const Road& road, Project& project, const Options& options) {
     return makeFiles(road, *sheet, project, options);
 }
 
-bool work(const Options& options, app::LastFiles& lastFiles) {
+bool work(const Options& options, mcapp::LastFiles& lastFiles) {
     Project project = Project::ofOpenDrawing();
     Attributes attributes;
     const std::optional<Road> road = readAll(options, project, attributes);
@@ -188,15 +188,15 @@ bool work(const Options& options, app::LastFiles& lastFiles) {
 }
 
 ExitStatus run(const std::vector<std::string>& arguments) {
-    if (app::helped(arguments, usage)) return done;
+    if (mcapp::helped(arguments, usage)) return done;
     std::optional<Options> options = optionsFrom(arguments);
     if (!options) return wrong;
-    app::LastFiles lastFiles(preferenceVariable, preferenceFile);
+    mcapp::LastFiles lastFiles(preferenceVariable, preferenceFile);
     if (options->input.empty()) {
         const std::optional<std::string> road =
             options->last ? lastFiles.last(roadFiles) : lastFiles.ask(roadFiles, "*.txt", "The road to draw");
         if (!road && options->last) return failed;
-        if (!road) return wrongCall("the name of the input file is missing"), wrong;
+        if (!road) return mcapp::failCall("the name of the input file is missing", usage), wrong;
         options->input = *road;
     }
     return work(*options, lastFiles) ? done : failed;

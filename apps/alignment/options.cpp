@@ -5,10 +5,11 @@
 #include <filesystem>
 
 #include <mclib/mclib.h>
-#include "apps/common/delivery.h"
-#include "apps/common/names.h"
-#include "apps/common/numbers.h"
-#include "apps/common/tell.h"
+#include <mclib/app/arguments.hpp>
+#include <mclib/app/delivery.hpp>
+#include <mclib/app/names.hpp>
+#include <mclib/app/numbers.hpp>
+#include <mclib/app/tell.hpp>
 #include "sheet.h"
 
 namespace alignment {
@@ -39,46 +40,30 @@ const char* const usage =
 namespace {
 
 bool wrong(const std::string& what) {
-    wrongCall(what);
-    return false;
+    return mcapp::failCall(what, usage);
 }
 
-// ---- values; `name` is the option's ----
+// ---- values; a setter gives what is wrong ----
 
-template <std::string Options::*text>
-bool setText(Options& options, std::string_view name, const std::string& value) {
-    if (value.empty()) return wrong(std::string(name) + " needs a value that isn't empty");
-    options.*text = value;
-    return true;
-}
-
-template <double Options::*number>
-bool setNumber(Options& options, std::string_view name, const std::string& value) {
-    const auto read = app::numberIn<double>(value);
-    if (!read || !(*read > 0)) return wrong(std::string(name) + " takes a number above 0, not \"" + value + "\"");
-    options.*number = *read;
-    return true;
-}
-
-bool setPaper(Options& options, std::string_view, const std::string& value) {
+std::string setPaper(Options& options, std::string_view, const std::string& value) {
     options.paper = value;
-    return paperSize(value, false) || wrong("--paper takes A0 to A5, not \"" + value + "\"");
+    return paperSize(value, false) ? "" : "--paper takes A0 to A5, not \"" + value + "\"";
 }
 
-bool setPicture(Options& options, std::string_view, const std::string& value) {
+std::string setPicture(Options& options, std::string_view, const std::string& value) {
     options.picture = value;
-    return value == "png" || value == "svg" || wrong("--picture takes png or svg, not \"" + value + "\"");
+    return value == "png" || value == "svg" ? "" : "--picture takes png or svg, not \"" + value + "\"";
 }
 
-bool setDevice(Options& options, std::string_view, const std::string& value) {
-    if (const McPrintDevice* device = app::deviceNamed(value)) options.device = device;
-    return app::deviceNamed(value) || wrong("--device takes " + app::deviceNames() + ", not \"" + value + "\"");
+std::string setDevice(Options& options, std::string_view, const std::string& value) {
+    options.device = mcapp::deviceNamed(value);
+    return options.device ? "" : "--device takes " + mcapp::deviceNames() + ", not \"" + value + "\"";
 }
 
 // Such as "1600x1130".
 std::optional<RasterSize> rasterSize(std::string_view text) {
     const auto side = [](std::string_view digits) {
-        const int value = app::numberIn<int>(digits).value_or(0);
+        const int value = mcapp::numberIn<int>(digits).value_or(0);
         return value >= 1 && value <= largestRasterSide ? value : 0;
     };
     const size_t cross = text.find('x');
@@ -88,16 +73,16 @@ std::optional<RasterSize> rasterSize(std::string_view text) {
     return size;
 }
 
-bool setRaster(Options& options, std::string_view, const std::string& value) {
+std::string setRaster(Options& options, std::string_view, const std::string& value) {
     options.raster = rasterSize(value);
-    return options.raster || wrong("--raster takes WIDTHxHEIGHT, each 1 to " + std::to_string(largestRasterSide) +
-                                   " pixels, not \"" + value + "\"");
+    if (options.raster) return {};
+    return "--raster takes WIDTHxHEIGHT, each 1 to " + std::to_string(largestRasterSide) + " pixels, not \"" + value +
+           "\"";
 }
 
-bool setPrinter(Options& options, std::string_view, const std::string& value) {
+std::string setPrinter(Options& options, std::string_view, const std::string& value) {
     options.printer = value;
-    const std::string refusal = app::printerRefusal(value);
-    return refusal.empty() || wrong(refusal);
+    return mcapp::printerRefusal(value);
 }
 
 // The device by the suffix of `out`, which goes then. A name with another suffix keeps it.
@@ -105,14 +90,14 @@ bool chooseDevice(Options& options) {
     if (options.out == "-") return wrong("--out takes a folder or a path; standard output isn't written");
     std::string why;
     const std::filesystem::path out = options.out;
-    const McPrintDevice* const device = app::deviceFor(out.extension().string(), options.device, why);
-    const auto isMade = [&](const char* suffix) { return app::sameName(out.extension().string(), suffix); };
+    const McPrintDevice* const device = mcapp::deviceFor(out.extension().string(), options.device, why);
+    const auto isMade = [&](const char* suffix) { return mcapp::sameName(out.extension().string(), suffix); };
     constexpr const char* made = "--out takes a path without suffix, for the drawing, the print file and the picture";
     if (std::ranges::any_of(std::array{".mcd", ".png", ".svg", ".pbm"}, isMade))
         return wrong(options.out + ": " + made);
     if (!device) return wrong(options.out + ": " + why);
     const Paper paper = *paperSize(options.paper, options.portrait);
-    if (!app::fitsDevice(*device, paper.width, paper.height))
+    if (!mcapp::fitsDevice(*device, paper.width, paper.height))
         return wrong(std::string(device->name) + " files are for A4 paper, which " + paper.name +
                      " is cut to; take --paper A4 or another device");
     options.device = device;
@@ -122,29 +107,21 @@ bool chooseDevice(Options& options) {
 
 // ---- the options ----
 
-struct ValueOption {
-    std::string_view name;
-    bool (*set)(Options& options, std::string_view name, const std::string& value);
-};
-constexpr ValueOption valueOptions[] = {
-    {"--out", setText<&Options::out>},
+constexpr mcapp::ValueOption<Options> valueOptions[] = {
+    {"--out", mcapp::setText<&Options::out>},
     {"--paper", setPaper},
-    {"--scale", setNumber<&Options::scale>},
+    {"--scale", mcapp::setPositive<&Options::scale>},
     {"--device", setDevice},
     {"--print", setPrinter},
     {"--picture", setPicture},
     {"--raster", setRaster},
-    {"--step", setNumber<&Options::step>},
-    {"--attributes", setText<&Options::attributes>},
-    {"--save-attributes", setText<&Options::saveAttributes>},
-    {"--own", setText<&Options::own>},
+    {"--step", mcapp::setPositive<&Options::step>},
+    {"--attributes", mcapp::setText<&Options::attributes>},
+    {"--save-attributes", mcapp::setText<&Options::saveAttributes>},
+    {"--own", mcapp::setText<&Options::own>},
 };
 
-struct Flag {
-    std::string_view name;
-    bool Options::*set;
-};
-constexpr Flag flags[] = {
+constexpr mcapp::Flag<Options> flags[] = {
     {"--portrait", &Options::portrait},
     {"--overwrite", &Options::overwrite},
     {"--list", &Options::list},
@@ -153,31 +130,13 @@ constexpr Flag flags[] = {
 
 }  // namespace
 
-void wrongCall(const std::string& what) {
-    app::fail(what);
-    toolSubsystem_printf("%s", usage);
-}
-
 std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
     Options options;
-    for (size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        const auto option = std::ranges::find(valueOptions, argument, &ValueOption::name);
-        const auto flag = std::ranges::find(flags, argument, &Flag::name);
-        if (option != std::end(valueOptions)) {
-            if (i + 1 == arguments.size()) return wrong(argument + " needs a value"), std::nullopt;
-            if (!option->set(options, argument, arguments[++i])) return {};
-        } else if (flag != std::end(flags)) {
-            options.*flag->set = true;
-        } else if ((argument.starts_with("-") && argument != "-") || !options.input.empty()) {
-            return wrong("don't know what to do with \"" + argument + "\""), std::nullopt;
-        } else {
-            options.input = argument;
-        }
+    if (!mcapp::takeArguments(options, arguments, {usage, valueOptions, flags, &Options::input})) return {};
+    if (options.last && !options.input.empty()) {
+        wrong("--last takes the road of the last time, so there can't be \"" + options.input + "\" as well");
+        return {};
     }
-    if (options.last && !options.input.empty())
-        return wrong("--last takes the road of the last time, so there can't be \"" + options.input + "\" as well"),
-               std::nullopt;
     if (!chooseDevice(options)) return {};
     return options;
 }

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "apps/common/devices.h"
+#include <mclib/app/devices.hpp>
 #include "raster.h"
 
 namespace alignment {
@@ -14,7 +14,7 @@ struct Options {
     std::string input;  // empty: to be asked for
     std::string out, printer, paper = "A3", picture = "png";
     std::string attributes, saveAttributes, own;  // resource files
-    const McPrintDevice* device = nullptr;          // null: by the suffix of `out`
+    const McPrintDevice* device = nullptr;        // null: by the suffix of `out`
     std::optional<RasterSize> raster;
     double scale = 0, step = 20;
     bool portrait = false, overwrite = false, list = false, last = false;
@@ -24,7 +24,5 @@ extern const char* const usage;
 
 // With the device set, and `out` without the suffix of the print file. Nothing after a message and the usage.
 std::optional<Options> optionsFrom(const std::vector<std::string>& arguments);
-// Tells what is wrong with the call, and the usage.
-void wrongCall(const std::string& what);
 
 }  // namespace alignment

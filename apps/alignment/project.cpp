@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include <mchost/mdl/model.h>
-#include "apps/common/outputs.h"
-#include "apps/common/tell.h"
+#include <mclib/app/outputs.hpp>
+#include <mclib/app/tell.hpp>
 
 namespace alignment {
 
@@ -20,8 +20,8 @@ void takeText(char (&stored)[size], const std::string& text, const char* keyword
     std::memset(stored, 0, size);
     text.copy(stored, room);
     if (text.size() <= room) return;
-    app::warn(std::string(keyword) + " has " + std::to_string(text.size()) + " characters; the project data keeps " +
-              std::to_string(room) + " of them: " + stored);
+    mcapp::warn(std::string(keyword) + " has " + std::to_string(text.size()) + " characters; the project data keeps " +
+                std::to_string(room) + " of them: " + stored);
 }
 
 }  // namespace
@@ -48,7 +48,7 @@ bool Project::write(const std::string& drawing) const {
     mclibProject_writeProjectInfoToDesignFile(&data_);
     mclibProsjektData stored;
     return mclibProject_readProjectInfoFromDesignFile(&stored) == 1 ||
-           app::failOutput(drawing, "the project data can't be stored; is the disk full?");
+           mcapp::failOutput(drawing, "the project data can't be stored; is the disk full?");
 }
 
 }  // namespace alignment

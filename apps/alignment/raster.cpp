@@ -17,9 +17,9 @@
 #include <mchost/mdl/walk.h>
 #include <mclib/mclib.h>
 #include <mchost/mdl/paper.hpp>
-#include "apps/common/outputs.h"
-#include "apps/common/system_path.h"
-#include "apps/common/tell.h"
+#include <mclib/app/outputs.hpp>
+#include <mclib/app/system_path.hpp>
+#include <mclib/app/tell.hpp>
 #include "letters.h"
 #include "mclib/print/raster.h"
 
@@ -229,14 +229,14 @@ bool Rasterising::draw(const ElementDescr* page) {
 bool writeRaster(const std::string& name, ElementDescr* page, const Sheet& sheet, RasterSize size) {
     Bitmap bitmap(size);
     Rasterising rasterising(bitmap, sheet, size);
-    if (!rasterising.draw(page)) return app::failOutput(name, "the picture can't be drawn");
+    if (!rasterising.draw(page)) return mcapp::failOutput(name, "the picture can't be drawn");
     if (!rasterising.unknown().empty())
-        app::warn("the PBM picture has gaps in the place of " + rasterising.unknown() +
-                  ", for which it has no letters");
-    std::ofstream out(app::systemPath(name), std::ios::binary);
+        mcapp::warn("the PBM picture has gaps in the place of " + rasterising.unknown() +
+                    ", for which it has no letters");
+    std::ofstream out(mcapp::systemPath(name), std::ios::binary);
     bitmap.write(out);
     out.close();
-    return out.good() || app::failOutput(name, "the picture can't be written; is the disk full?");
+    return out.good() || mcapp::failOutput(name, "the picture can't be written; is the disk full?");
 }
 
 }  // namespace alignment

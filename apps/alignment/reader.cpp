@@ -6,8 +6,8 @@
 #include <utility>
 
 #include <mchost/mdl/text.h>
-#include "apps/common/input.h"
-#include "apps/common/tell.h"
+#include <mclib/app/input.hpp>
+#include <mclib/app/tell.hpp>
 #include "checks.h"
 
 namespace alignment {
@@ -16,7 +16,7 @@ namespace {
 
 class Reader {
   public:
-    Reader(app::Input::LetterRefusal letterRefusal, Road begun, Attributes& attributes)
+    Reader(mcapp::Input::LetterRefusal letterRefusal, Road begun, Attributes& attributes)
         : road_(std::move(begun)), attributes_(attributes) {
         in_.setLetterRefusal(std::move(letterRefusal));
     }
@@ -54,7 +54,7 @@ class Reader {
     bool element();
     bool complete();  // nothing is missing that elements need
 
-    app::Input in_;
+    mcapp::Input in_;
     Road road_;
     Attributes& attributes_;
 };
@@ -205,7 +205,7 @@ bool Reader::element() {
 bool Reader::line() {
     const auto keyword = std::ranges::find_if(keywords, [this](const Keyword& k) { return in_.isKeyword(k.name); });
     if (keyword == keywords.end())
-        return in_.failHere("a line begins with a keyword, one of " + app::namesOf(keywords));
+        return in_.failHere("a line begins with a keyword, one of " + mcapp::namesOf(keywords));
     return (this->*keyword->read)() && in_.endOfLine();
 }
 
@@ -220,7 +220,7 @@ bool Reader::read(const std::string& fileName) {
 
 }  // namespace
 
-std::optional<Road> readRoad(const std::string& fileName, app::Input::LetterRefusal letterRefusal, Road begun,
+std::optional<Road> readRoad(const std::string& fileName, mcapp::Input::LetterRefusal letterRefusal, Road begun,
                              Attributes& attributes) {
     Reader reader(std::move(letterRefusal), std::move(begun), attributes);
     if (!reader.read(fileName)) return {};

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "apps/common/input.h"
+#include <mclib/app/input.hpp>
 #include "attributes.h"
 #include "road.h"
 
@@ -12,7 +12,7 @@ namespace alignment {
 
 // Reads a road over what `begun` says of it, and adds its attributes. Nothing, after a message that tells file, line,
 // column and what is wrong, when it can't be read as a whole or has a letter that is refused.
-std::optional<Road> readRoad(const std::string& fileName, app::Input::LetterRefusal letterRefusal, Road begun,
+std::optional<Road> readRoad(const std::string& fileName, mcapp::Input::LetterRefusal letterRefusal, Road begun,
                              Attributes& attributes);
 
 }  // namespace alignment

@@ -7,11 +7,11 @@
 #include <limits>
 
 #include <mclib/mclib.h>
-#include "apps/common/tell.h"
+#include <mclib/app/tell.hpp>
 
 namespace alignment {
 
-using app::fail;
+using mcapp::fail;
 
 namespace {
 

@@ -3,18 +3,18 @@
 #include <algorithm>
 #include <array>
 
-#include "apps/common/input.h"
-#include "apps/common/numbers.h"
-#include "apps/common/tell.h"
-#include "apps/common/values.h"
+#include <mclib/app/input.hpp>
+#include <mclib/app/numbers.hpp>
+#include <mclib/app/tell.hpp>
+#include <mclib/app/values.hpp>
 
 namespace formula {
 
-using app::mostDecimals;
-using app::Outcome;
-using app::sameName;
-using app::shown;
-using app::Values;
+using mcapp::mostDecimals;
+using mcapp::Outcome;
+using mcapp::sameName;
+using mcapp::shown;
+using mcapp::Values;
 
 namespace {
 
@@ -44,7 +44,7 @@ class Job {
     bool remark(std::string& remark);  // empty when none stands here
     void addNumber(const std::string& name, double value, const std::string& remark);
 
-    app::Input in_;
+    mcapp::Input in_;
     Values values_;
     std::vector<GivenNumber> given_;  // those that no line has asked for
     int decimals_;
@@ -133,7 +133,7 @@ bool Job::tag() {
 bool Job::string() {
     std::string name, tagString;
     if (!this->name(name, &Values::textNameRefusal) || !in_.rest(tagString, "the tag string")) return false;
-    const app::TextOutcome text = values_.expand(tagString);
+    const mcapp::TextOutcome text = values_.expand(tagString);
     if (!text.value) return in_.failAt(in_.position() + text.column - 1, text.why);
     values_.addText(name, *text.value);
     table_.texts.push_back({name, *text.value, ""});
@@ -145,7 +145,7 @@ bool Job::string() {
 bool Job::line() {
     const auto keyword = std::ranges::find_if(keywords, [this](const Keyword& k) { return in_.isKeyword(k.name); });
     if (keyword == keywords.end())
-        return in_.failHere("a line begins with a keyword, one of " + app::namesOf(keywords));
+        return in_.failHere("a line begins with a keyword, one of " + mcapp::namesOf(keywords));
     return (this->*keyword->read)();
 }
 
@@ -154,7 +154,7 @@ bool Job::read(const std::string& fileName) {
     bool good = true;
     while (in_.nextLine()) good = line() && good;
     good = good && !in_.failed();
-    for (const GivenNumber& g : given_) good = app::fail(fileName + ": there is no good PARAMETER " + g.first);
+    for (const GivenNumber& g : given_) good = mcapp::fail(fileName + ": there is no good PARAMETER " + g.first);
     return good;
 }
 

@@ -7,24 +7,24 @@
 
 #include <mchost/mdl/system.h>
 #include <mclib/mclib.h>
-#include "apps/common/help.h"
-#include "apps/common/numbers.h"
-#include "apps/common/tell.h"
-#include "apps/common/values.h"
+#include <mclib/app/arguments.hpp>
+#include <mclib/app/numbers.hpp>
+#include <mclib/app/tell.hpp>
+#include <mclib/app/values.hpp>
 #include "job.h"
 #include "table.h"
 
 namespace formula {
 namespace {
 
-using app::asNeeded;
-using app::fail;
-using app::longestTagText;
-using app::mostDecimals;
-using app::numberIn;
-using app::Outcome;
-using app::shown;
-using app::Values;
+using mcapp::asNeeded;
+using mcapp::fail;
+using mcapp::longestTagText;
+using mcapp::mostDecimals;
+using mcapp::numberIn;
+using mcapp::Outcome;
+using mcapp::shown;
+using mcapp::Values;
 
 enum ExitStatus { done = 0, failed = 1, wrongCall = 2 };
 
@@ -53,9 +53,7 @@ struct Options {
 // ---- arguments ----
 
 bool wrong(const std::string& what) {
-    fail(what);
-    toolSubsystem_printf("%s", usage);
-    return false;
+    return mcapp::failCall(what, usage);
 }
 
 bool setSubject(Options& options, const std::string& subject) {
@@ -101,7 +99,8 @@ std::optional<std::vector<GivenNumber>> numbersOf(const std::vector<Given>& give
     for (const Given& g : given) {
         const std::optional<double> value = numberIn<double>(g.value);
         if (!value) {
-            return wrong(g.name + " must be a number, not \"" + g.value + "\"" + app::commaHint(g.value)), std::nullopt;
+            return wrong(g.name + " must be a number, not \"" + g.value + "\"" + mcapp::commaHint(g.value)),
+                   std::nullopt;
         }
         numbers.push_back({g.name, *value});
     }
@@ -144,7 +143,7 @@ ExitStatus expandTag(const Options& options) {
         }
         values.addText(name, text);
     }
-    const app::TextOutcome text = values.expand(*options.subject);
+    const mcapp::TextOutcome text = values.expand(*options.subject);
     if (!text.value) return failAt(*options.subject, text.column, text.why);
     toolSubsystem_printf("%s\n", text.value->c_str());
     return done;
@@ -176,8 +175,8 @@ MDL_DESCRIPTION("a calculator, and a checker of formulas and tag strings");
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace formula;
     if (mclibMain_initMcLib("FORMULA", argc, argv) != MCLIB_SUCCESS) return failed;
-    const std::vector<std::string> arguments(argv + std::min(argc, 2), argv + argc);
-    if (app::helped(arguments, usage)) return done;
+    const std::vector<std::string> arguments = mcapp::argumentsOf(argc, argv);
+    if (mcapp::helped(arguments, usage)) return done;
     const std::optional<Options> options = optionsFrom(arguments);
     return options ? work(*options) : wrongCall;
 }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "apps/common/numbers.h"
+#include <mclib/app/numbers.hpp>
 
 namespace materials {
 
@@ -17,7 +17,7 @@ std::string withThousands(std::string text, const std::string& divider) {
 
 std::string asNeeded(double value, size_t least, int ofLarge) {
     constexpr double small = 0.1, large = 1000;
-    std::string text = app::shown(value, value < small ? 6 : value < large ? 3 : ofLarge);
+    std::string text = mcapp::shown(value, value < small ? 6 : value < large ? 3 : ofLarge);
     const size_t point = text.find('.');
     const size_t needed = text.find_last_not_of('0') + 1;
     text.resize(std::max(needed, point + 1 + least));
@@ -32,7 +32,7 @@ std::string numberText(double number, const NumberStyle& style) {
 }
 
 std::string massText(double mass, const NumberStyle& style) {
-    return withThousands(style.decimals ? app::shown(mass, *style.decimals) : asNeeded(mass, 1, 1), style.thousands);
+    return withThousands(style.decimals ? mcapp::shown(mass, *style.decimals) : asNeeded(mass, 1, 1), style.thousands);
 }
 
 std::string decimalsOf(const std::string& number) {

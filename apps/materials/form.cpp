@@ -6,8 +6,8 @@
 
 #include <mchost/mdl/element.h>
 #include <mchost/mdl/text.h>
-#include "apps/common/numbers.h"
-#include "apps/common/tell.h"
+#include <mclib/app/numbers.hpp>
+#include <mclib/app/tell.hpp>
 #include "columns.h"
 #include "library.h"
 
@@ -46,7 +46,7 @@ std::optional<Code> codeIn(std::string_view text) {
     text.remove_prefix(1);
     const size_t digits = std::ranges::find_if_not(text, isDigit) - text.begin();
     if (digits > 0 && digits < text.size() && text[digits] == '%') {
-        const auto row = app::numberIn<size_t>(text.substr(0, digits));
+        const auto row = mcapp::numberIn<size_t>(text.substr(0, digits));
         if (!row || *row == 0) return {};
         code.row = *row - 1;
         text.remove_prefix(digits + 1);
@@ -76,7 +76,7 @@ std::vector<Code> codesIn(std::string_view text) {
 
 std::optional<int> decimalsIn(std::string_view format) {
     const size_t point = format.find('.');
-    return point == format.npos ? std::nullopt : app::numberIn<int>(format.substr(point + 1));
+    return point == format.npos ? std::nullopt : mcapp::numberIn<int>(format.substr(point + 1));
 }
 
 Align alignOf(int32_t just) {
@@ -243,9 +243,9 @@ std::optional<Form> FormReader::read(const std::string& library) {
     }
     form_.rows_ = commonRows();
     if (form_.rows_ >= leastRows) return std::move(form_);
-    app::fail(library + ": cell " + form_.kind_->cell + " has " + std::to_string(form_.rows_) +
-              " rows of items, and at least " + std::to_string(leastRows) +
-              " are needed: texts %01%MARK, %02%MARK and on");
+    mcapp::fail(library + ": cell " + form_.kind_->cell + " has " + std::to_string(form_.rows_) +
+                " rows of items, and at least " + std::to_string(leastRows) +
+                " are needed: texts %01%MARK, %02%MARK and on");
     return {};
 }
 

@@ -6,7 +6,7 @@
 #include <mchost/mdl/files.h>
 #include <mchost/mdl/system.h>
 #include <mclib/mclib.h>
-#include "apps/common/tell.h"
+#include <mclib/app/tell.hpp>
 
 namespace materials {
 
@@ -37,13 +37,13 @@ std::optional<std::string> fullLibraryName(const std::string& name) {
     if (!isHere(name, found) && mclibCell_getCellPathAndName(found, name.c_str()) != MCLIB_SUCCESS) {
         std::string folders = searchPath();
         std::ranges::replace(folders, '\\', '/');
-        app::fail(name + ": there is no such cell library, neither as it stands nor in " + folders);
+        mcapp::fail(name + ": there is no such cell library, neither as it stands nor in " + folders);
         return {};
     }
     int32_t kind = MDL_FILE_OTHER;
     if (mdlFile_getKind(&kind, found) != MDL_SUCCESS) return {};
     if (kind != MDL_FILE_CELL_LIBRARY) {
-        app::fail(name + ": this is no cell library; mccel makes one of a description");
+        mcapp::fail(name + ": this is no cell library; mccel makes one of a description");
         return {};
     }
     lookIn(searchPath());
@@ -62,12 +62,12 @@ Cell cellOf(const std::string& library, const char* name, const std::string& pur
     constexpr int option = 1;
     ElementDescr* cell = nullptr;
     if (mclibCell_loadCellLibraryIfNeeded(library.c_str()) != MCLIB_SUCCESS) {
-        app::fail(library + ": the cell library can't be read");
+        mcapp::fail(library + ": the cell library can't be read");
         return nullptr;
     }
     if (mdlCell_getElmDscr(&cell, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, option,
                            mclibUtil_convertToUnicodeText(name), nullptr) != MDL_SUCCESS) {
-        app::fail(library + ": the library has no cell " + name + ", which " + purpose);
+        mcapp::fail(library + ": the library has no cell " + name + ", which " + purpose);
     }
     return Cell(cell);
 }

@@ -14,13 +14,13 @@
 #include <mchost/mdl/dialog.h>
 #include <mchost/mdl/system.h>
 #include <mclib/mclib.h>
-#include "apps/common/delivery.h"
-#include "apps/common/help.h"
-#include "apps/common/numbers.h"
-#include "apps/common/outputs.h"
-#include "apps/common/system_path.h"
-#include "apps/common/tell.h"
-#include "apps/common/utf8.h"
+#include <mclib/app/arguments.hpp>
+#include <mclib/app/delivery.hpp>
+#include <mclib/app/numbers.hpp>
+#include <mclib/app/outputs.hpp>
+#include <mclib/app/system_path.hpp>
+#include <mclib/app/tell.hpp>
+#include <mclib/app/utf8.hpp>
 #include "form.h"
 #include "library.h"
 #include "list.h"
@@ -32,7 +32,7 @@ namespace materials {
 namespace {
 
 namespace fs = std::filesystem;
-using app::fail;
+using mcapp::fail;
 
 enum ExitStatus { done = 0, failed = 1, badCall = 2 };
 
@@ -73,7 +73,7 @@ std::optional<PageRange> pagesOf(const Options& options, size_t count) {
 
 // The printer set-up is one for all applications; they reach it by its published name.
 void setSetup(const std::string& field, double value) {
-    mdlDialog_setAccessValue(("mclibpsd->" + field).c_str(), app::shown(value, app::asNeeded).c_str());
+    mdlDialog_setAccessValue(("mclibpsd->" + field).c_str(), mcapp::shown(value, mcapp::asNeeded).c_str());
 }
 
 void setUp(const FormKind& form) {
@@ -111,7 +111,7 @@ bool printPages(const std::string& file, int device, PageRange range) {
 // The file to make: its name without suffix, and the suffix.
 std::pair<fs::path, std::string> target(const Options& options) {
     const fs::path out = options.out, name = fs::path(options.input).stem();
-    if (!out.has_filename() || fs::is_directory(app::systemPath(out))) return {out / name, options.device->suffix};
+    if (!out.has_filename() || fs::is_directory(mcapp::systemPath(out))) return {out / name, options.device->suffix};
     if (!out.has_extension()) return {out, options.device->suffix};
     return {out.parent_path() / out.stem(), out.extension().string()};
 }
@@ -122,12 +122,12 @@ bool make(const std::string& file, const Options& options, PageRange range) {
     job().unattended = true;
     if (!printPages(file, options.device->code, range))
         return fail("not all pages could be made, so nothing is printed");
-    return !app::deviceIs(*options.device, PRINT_DEVICE_TEXT_ONLY) || app::makeUtf8(file) ||
+    return !mcapp::deviceIs(*options.device, PRINT_DEVICE_TEXT_ONLY) || mcapp::makeUtf8(file) ||
            fail("the text file can't be written; is the disk full?");
 }
 
 bool send(const std::string& file, const std::string& shown, const Options& options) {
-    return app::sendToPrinter(file, shown, options.printer, options.copies.value_or(1));
+    return mcapp::sendToPrinter(file, shown, options.printer, options.copies.value_or(1));
 }
 
 std::string whatIsIn(PageRange range) {
@@ -137,7 +137,7 @@ std::string whatIsIn(PageRange range) {
 // To a file, which is sent to a printer when there is one.
 ExitStatus printToFile(const Options& options, PageRange range) {
     const auto [base, suffix] = target(options);
-    app::Outputs outputs(base, {suffix.c_str()});
+    mcapp::Outputs outputs(base, {suffix.c_str()});
     if (!outputs.prepare(options.input, options.overwrite)) return failed;
     if (!make(outputs.temporary(suffix.c_str()), options, range) || !outputs.finish()) return failed;
     const std::string file = outputs.names().front().string();
@@ -168,21 +168,21 @@ ExitStatus print(const Options& options) {
 
 // What the user should know of the list and its form.
 void warn(const List& list, const Options& options) {
-    if (list.items.empty()) app::warn(options.input + ": there is no ITEM in it, so the form is empty");
+    if (list.items.empty()) mcapp::warn(options.input + ": there is no ITEM in it, so the form is empty");
     constexpr size_t mostTold = 20;
     size_t doubles = 0;
     std::unordered_map<std::string_view, const Item*> marks;
     for (const Item& item : list.items) {
         const auto [first, isNew] = marks.emplace(item.mark, &item);
         if (isNew || item.mark.empty() || ++doubles > mostTold) continue;
-        app::warn(list.placeOf(item.origin) + ": another item has the mark " + item.mark + ", that of " +
-                  list.placeOf(first->second->origin));
+        mcapp::warn(list.placeOf(item.origin) + ": another item has the mark " + item.mark + ", that of " +
+                    list.placeOf(first->second->origin));
     }
-    if (doubles > mostTold) app::warn("and " + std::to_string(doubles - mostTold) + " more marks are there twice");
+    if (doubles > mostTold) mcapp::warn("and " + std::to_string(doubles - mostTold) + " more marks are there twice");
     const std::string unshown = job().pages->unshown();
     if (unshown.empty()) return;
-    app::warn(std::string(options.form->name) + " has no place for " + unshown + ": use " +
-              (options.form == &formKinds()[0] ? "--form A3" : "a form of your own, with --library"));
+    mcapp::warn(std::string(options.form->name) + " has no place for " + unshown + ": use " +
+                (options.form == &formKinds()[0] ? "--form A3" : "a form of your own, with --library"));
 }
 
 // The cell to be shown as the logo. Nothing after a message.
@@ -202,7 +202,7 @@ bool prepare(const Options& options) {
     if (!logo) return false;
     job().form = Form::read(*options.form, *library);
     if (!job().form) return false;
-    if (!readList(options.input, app::letterRefusalOf(*options.device), job().list)) return false;
+    if (!readList(options.input, mcapp::letterRefusalOf(*options.device), job().list)) return false;
     arrange(job().list);
     job().pages.emplace(job().list, *job().form, *library, *logo);
     warn(job().list, options);
@@ -224,8 +224,8 @@ MDL_DESCRIPTION("material lists on the forms of an office");
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace materials;
     if (mclibMain_initMcLib("MATERIALS", argc, argv) != MCLIB_SUCCESS) return failed;
-    const std::vector<std::string> arguments(argv + std::min(argc, 2), argv + argc);
-    if (app::helped(arguments, usage)) return done;
+    const std::vector<std::string> arguments = mcapp::argumentsOf(argc, argv);
+    if (mcapp::helped(arguments, usage)) return done;
     const std::optional<Options> options = optionsFrom(arguments);
     return options ? work(*options) : badCall;
 }

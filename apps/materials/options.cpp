@@ -4,9 +4,10 @@
 #include <filesystem>
 #include <string_view>
 
-#include "apps/common/delivery.h"
-#include "apps/common/numbers.h"
-#include "apps/common/tell.h"
+#include <mclib/app/arguments.hpp>
+#include <mclib/app/delivery.hpp>
+#include <mclib/app/numbers.hpp>
+#include <mclib/app/tell.hpp>
 
 namespace materials {
 
@@ -29,98 +30,88 @@ const char* const usage =
 namespace {
 
 bool wrong(const std::string& what) {
-    app::fail(what);
-    toolSubsystem_printf("%s", usage);
-    return false;
+    return mcapp::failCall(what, usage);
 }
 
-// ---- values; `name` is the option's ----
+// ---- values; a setter gives what is wrong, `name` is the option's ----
 
-template <std::string Options::*text>
-bool setText(Options& options, std::string_view name, const std::string& value) {
-    if (value.empty()) return wrong(std::string(name) + " needs a value that isn't empty");
-    options.*text = value;
-    return true;
+std::string setOut(Options& options, std::string_view name, const std::string& value) {
+    if (value == "-") return "--out takes the name of a file; standard output isn't written";
+    return mcapp::setText<&Options::out>(options, name, value);
 }
 
-bool setOut(Options& options, std::string_view name, const std::string& value) {
-    if (value == "-") return wrong("--out takes the name of a file; standard output isn't written");
-    return setText<&Options::out>(options, name, value);
+std::string setDevice(Options& options, std::string_view name, const std::string& value) {
+    options.ofPrint = name;
+    options.device = mcapp::deviceNamed(value);
+    return options.device ? "" : "--device takes " + mcapp::deviceNames() + ", not \"" + value + "\"";
 }
 
-bool setDevice(Options& options, std::string_view, const std::string& value) {
-    if (const McPrintDevice* device = app::deviceNamed(value)) options.device = device;
-    return app::deviceNamed(value) || wrong("--device takes " + app::deviceNames() + ", not \"" + value + "\"");
-}
-
-bool setForm(Options& options, std::string_view, const std::string& value) {
+std::string setForm(Options& options, std::string_view, const std::string& value) {
     const auto form = std::ranges::find_if(formKinds(), [&](const FormKind& f) { return value == f.name; });
-    if (form == formKinds().end()) return wrong("--form takes A4 or A3, not \"" + value + "\"");
+    if (form == formKinds().end()) return "--form takes A4 or A3, not \"" + value + "\"";
     options.form = &*form;
-    return true;
+    return {};
 }
 
 std::optional<PageRange> rangeIn(std::string_view text) {
     const size_t dash = text.find('-');
-    const auto first = app::numberIn<size_t>(text.substr(0, dash));
-    const auto last = dash == text.npos ? first : app::numberIn<size_t>(text.substr(dash + 1));
+    const auto first = mcapp::numberIn<size_t>(text.substr(0, dash));
+    const auto last = dash == text.npos ? first : mcapp::numberIn<size_t>(text.substr(dash + 1));
     if (!first || !last || *first < 1 || *last < *first) return {};
     return PageRange{*first, *last};
 }
 
-bool setPages(Options& options, std::string_view, const std::string& value) {
+std::string setPages(Options& options, std::string_view name, const std::string& value) {
+    options.ofPrint = name;
     options.pages = rangeIn(value);
-    return options.pages || wrong("--pages takes a page or a range such as 2-4, not \"" + value + "\"");
+    return options.pages ? "" : "--pages takes a page or a range such as 2-4, not \"" + value + "\"";
 }
 
-bool setCopies(Options& options, std::string_view, const std::string& value) {
-    options.copies = app::numberIn<int>(value).value_or(0);
-    return *options.copies >= 1 || wrong("--copies takes a number from 1, not \"" + value + "\"");
+std::string setCopies(Options& options, std::string_view name, const std::string& value) {
+    options.ofPrint = name;
+    options.copies = mcapp::numberIn<int>(value).value_or(0);
+    return *options.copies >= 1 ? "" : "--copies takes a number from 1, not \"" + value + "\"";
 }
 
-bool setPrinter(Options& options, std::string_view, const std::string& value) {
+std::string setPrinter(Options& options, std::string_view, const std::string& value) {
     options.printer = value;
-    const std::string refusal = app::printerRefusal(value);
-    return refusal.empty() || wrong(refusal);
+    return mcapp::printerRefusal(value);
 }
 
 // ---- the options ----
 
-struct ValueOption {
-    std::string_view name;
-    bool (*set)(Options& options, std::string_view name, const std::string& value);
-    bool ofPrint = false;  // counts without the preview alone
-};
-constexpr ValueOption valueOptions[] = {
+constexpr mcapp::ValueOption<Options> valueOptions[] = {
     {"--out", setOut},
     {"--print", setPrinter},
-    {"--copies", setCopies, true},
-    {"--device", setDevice, true},
-    {"--pages", setPages, true},
+    {"--copies", setCopies},
+    {"--device", setDevice},
+    {"--pages", setPages},
     {"--form", setForm},
-    {"--library", setText<&Options::library>},
-    {"--logo", setText<&Options::logo>},
+    {"--library", mcapp::setText<&Options::library>},
+    {"--logo", mcapp::setText<&Options::logo>},
 };
+constexpr mcapp::Flag<Options> flags[] = {{"--overwrite", &Options::overwrite}};
 
 // The device that the file is for.
 bool chooseDevice(Options& options) {
     std::string why;
     const McPrintDevice* const device =
-        app::deviceFor(std::filesystem::path(options.out).extension().string(), options.device, why);
+        mcapp::deviceFor(std::filesystem::path(options.out).extension().string(), options.device, why);
     if (!device) return wrong(options.out + ": " + why);
     options.device = device;
     double width = 0, height = 0;
     mclibPrint_getPageSize(&width, &height, options.form->pageSize);
-    if (app::fitsDevice(*device, width, height)) return true;
+    if (mcapp::fitsDevice(*device, width, height)) return true;
     return wrong(std::string(device->name) + " files are for A4 paper, which form " + options.form->name +
                  " is cut to; take --form A4 or another device");
 }
 
 // Options that go together.
-bool complete(Options& options, const std::string& ofPrint) {
+bool complete(Options& options) {
     if (options.input.empty()) return wrong("the name of the list is missing");
-    if (!ofPrint.empty() && options.out.empty() && options.printer.empty())
-        return wrong(ofPrint + " goes with --out or --print; the preview has buttons for it");
+    if (options.ofPrint.empty() && options.overwrite) options.ofPrint = "--overwrite";
+    if (!options.ofPrint.empty() && options.out.empty() && options.printer.empty())
+        return wrong(std::string(options.ofPrint) + " goes with --out or --print; the preview has buttons for it");
     if (options.copies && options.printer.empty()) return wrong("--copies goes with --print");
     return chooseDevice(options);
 }
@@ -129,24 +120,8 @@ bool complete(Options& options, const std::string& ofPrint) {
 
 std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
     Options options;
-    std::string ofPrint;  // an option that the preview doesn't take
-    for (size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        const auto option = std::ranges::find(valueOptions, argument, &ValueOption::name);
-        if (option != std::end(valueOptions)) {
-            if (i + 1 == arguments.size()) return wrong(argument + " needs a value"), std::nullopt;
-            if (!option->set(options, argument, arguments[++i])) return {};
-            if (option->ofPrint) ofPrint = argument;
-        } else if (argument == "--overwrite") {
-            options.overwrite = true;
-            ofPrint = argument;
-        } else if ((argument.starts_with("-") && argument != "-") || !options.input.empty()) {
-            return wrong("don't know what to do with \"" + argument + "\""), std::nullopt;
-        } else {
-            options.input = argument;
-        }
-    }
-    if (!complete(options, ofPrint)) return {};
+    if (!mcapp::takeArguments(options, arguments, {usage, valueOptions, flags, &Options::input})) return {};
+    if (!complete(options)) return {};
     return options;
 }
 

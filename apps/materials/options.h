@@ -3,9 +3,10 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "apps/common/devices.h"
+#include <mclib/app/devices.hpp>
 #include "form.h"
 
 namespace materials {
@@ -21,6 +22,7 @@ struct Options {
     std::optional<PageRange> pages;  // from 1
     std::optional<int> copies;       // 1 when not told
     bool overwrite = false;
+    std::string_view ofPrint = {};  // an option that was given and counts without the preview alone
 };
 
 extern const char* const usage;

@@ -12,8 +12,8 @@
 #include <mchost/mdl/text.h>
 #include <mchost/mdl/transform.h>
 #include <mchost/mdl/owned.hpp>
-#include "apps/common/numbers.h"
-#include "apps/common/tell.h"
+#include <mclib/app/numbers.hpp>
+#include <mclib/app/tell.hpp>
 
 namespace materials {
 
@@ -204,7 +204,7 @@ std::vector<Pages::Entry> Pages::rowEntries(size_t page) const {
 
 // As it stands on the page.
 std::string Pages::textOf(const Entry& entry, const Place& place) {
-    return entry.isNumber && place.decimals ? app::shown(entry.value, *place.decimals) : entry.text;
+    return entry.isNumber && place.decimals ? mcapp::shown(entry.value, *place.decimals) : entry.text;
 }
 
 Pages::Fitted Pages::fitted(const Entry& entry, const Place& place) {
@@ -227,12 +227,12 @@ bool Pages::fit() const {
     const auto check = [&](const Entry& entry) {
         if (fits(entry) || ++wrong > mostTold) return;
         const std::string where = entry.origin ? list_.placeOf(*entry.origin) + ": " : "";
-        app::fail(where + "\"" + entry.text + "\" doesn't fit into its field on form " + form_.kind().name +
-                  ", not even with smaller letters; shorten it, or take a form with more room for it");
+        mcapp::fail(where + "\"" + entry.text + "\" doesn't fit into its field on form " + form_.kind().name +
+                    ", not even with smaller letters; shorten it, or take a form with more room for it");
     };
     std::ranges::for_each(titleEntries(), check);
     for (size_t page = 0; page < count(); ++page) std::ranges::for_each(rowEntries(page), check);
-    if (wrong > mostTold) app::fail("and " + std::to_string(wrong - mostTold) + " more texts don't fit");
+    if (wrong > mostTold) mcapp::fail("and " + std::to_string(wrong - mostTold) + " more texts don't fit");
     return wrong == 0;
 }
 

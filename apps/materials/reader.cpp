@@ -7,17 +7,17 @@
 #include <string_view>
 
 #include <mchost/mdl/system.h>
-#include "apps/common/input.h"
-#include "apps/common/numbers.h"
-#include "apps/common/tell.h"
-#include "apps/common/values.h"
+#include <mclib/app/input.hpp>
+#include <mclib/app/numbers.hpp>
+#include <mclib/app/tell.hpp>
+#include <mclib/app/values.hpp>
 
 namespace materials {
 
 namespace {
 
-using app::asNeeded;
-using app::shown;
+using mcapp::asNeeded;
+using mcapp::shown;
 
 // ---- tables ----
 
@@ -104,7 +104,7 @@ std::string unquoted(std::string_view field) {
 
 class Reader {
   public:
-    Reader(List& list, app::Input::LetterRefusal letterRefusal);
+    Reader(List& list, mcapp::Input::LetterRefusal letterRefusal);
     bool read(const std::string& fileName);
 
   private:
@@ -137,11 +137,11 @@ class Reader {
     bool amount(std::string_view field, const char* what, double& value, bool& has);
     bool words(std::string_view field, std::string& text);
     bool failAt(std::string_view field, size_t offset, const std::string& what);
-    bool name(std::string& name, std::string (app::Values::*refusal)(const std::string&) const);
+    bool name(std::string& name, std::string (mcapp::Values::*refusal)(const std::string&) const);
 
     List& list_;
-    app::Input in_;
-    app::Values values_;
+    mcapp::Input in_;
+    mcapp::Values values_;
     std::string total_ = usualTotal;
     bool newPage_ = false;  // asked for in front of the next group
 };
@@ -162,7 +162,7 @@ constexpr std::array<Reader::Keyword, 13> Reader::keywords = {{
     {"ITEM", &Reader::item},
 }};
 
-Reader::Reader(List& list, app::Input::LetterRefusal letterRefusal) : list_(list) {
+Reader::Reader(List& list, mcapp::Input::LetterRefusal letterRefusal) : list_(list) {
     in_.setLetterRefusal(std::move(letterRefusal));
     for (const char* name : {numberName, massName}) values_.addNumber(name, 0, "");
     for (const char* name : {markName, dimensionName, unitName}) values_.addText(name, "");
@@ -170,7 +170,7 @@ Reader::Reader(List& list, app::Input::LetterRefusal letterRefusal) : list_(list
 
 template <class Rows>
 auto rowNamed(const Rows& rows, const std::string& name) {
-    return std::ranges::find_if(rows, [&](const auto& row) { return app::sameName(row.name, name); });
+    return std::ranges::find_if(rows, [&](const auto& row) { return mcapp::sameName(row.name, name); });
 }
 
 // ---- about the whole list ----
@@ -193,8 +193,8 @@ bool Reader::project() {
     if (!in_.word(name, "the name of the text")) return false;
     const auto row = rowNamed(projectTexts, name);
     if (row == std::end(projectTexts)) {
-        return in_.failAt(start,
-                          "\"" + name + "\" isn't a text of the title block; there are " + app::namesOf(projectTexts));
+        return in_.failAt(
+            start, "\"" + name + "\" isn't a text of the title block; there are " + mcapp::namesOf(projectTexts));
     }
     int next = row->firstRow;
     for (const ProjectText& told : list_.project)
@@ -209,11 +209,11 @@ bool Reader::project() {
     return true;
 }
 
-bool Reader::name(std::string& name, std::string (app::Values::*refusal)(const std::string&) const) {
+bool Reader::name(std::string& name, std::string (mcapp::Values::*refusal)(const std::string&) const) {
     in_.atEnd();
     char* const start = in_.position();
     if (!in_.word(name, "the name")) return false;
-    const auto own = [&](const char* column) { return app::sameName(column, name); };
+    const auto own = [&](const char* column) { return mcapp::sameName(column, name); };
     if (std::ranges::any_of(ownNames, own))
         return in_.failAt(start, "\"" + name + "\" is a column of each item; give another name");
     const std::string why = (values_.*refusal)(name);
@@ -224,7 +224,7 @@ bool Reader::name(std::string& name, std::string (app::Values::*refusal)(const s
 bool Reader::number() {
     std::string name;
     double value = 0;
-    if (!this->name(name, &app::Values::numberNameRefusal) || !in_.number(value, "the value") || !in_.endOfLine())
+    if (!this->name(name, &mcapp::Values::numberNameRefusal) || !in_.number(value, "the value") || !in_.endOfLine())
         return false;
     values_.addNumber(name, value, shown(value, asNeeded));
     return true;
@@ -233,7 +233,7 @@ bool Reader::number() {
 // TEXT name "text"
 bool Reader::text() {
     std::string name, text;
-    if (!this->name(name, &app::Values::textNameRefusal) || !in_.text(text, "the text") || !in_.endOfLine())
+    if (!this->name(name, &mcapp::Values::textNameRefusal) || !in_.text(text, "the text") || !in_.endOfLine())
         return false;
     values_.addText(name, text);
     return true;
@@ -279,7 +279,7 @@ bool Reader::sort() {
         const bool falling = word.starts_with('-');
         const auto column = rowNamed(columns, word.substr(falling));
         if (column == std::end(columns))
-            return in_.failAt(start, "there is no column \"" + word + "\"; there are " + app::namesOf(columns));
+            return in_.failAt(start, "there is no column \"" + word + "\"; there are " + mcapp::namesOf(columns));
         list_.sort.push_back({column->column, falling});
     } while (!in_.atEnd());
     return true;
@@ -337,14 +337,14 @@ bool Reader::amount(std::string_view field, const char* what, double& value, boo
     has = !field.empty();
     if (!has) return true;
     if (!field.starts_with('=')) {
-        const auto read = app::numberIn<double>(field);
+        const auto read = mcapp::numberIn<double>(field);
         if (!read || !std::isfinite(*read)) {
             return failAt(field, 0,
-                          std::string(what) + " must be a number, or a formula behind \"=\"" + app::commaHint(field));
+                          std::string(what) + " must be a number, or a formula behind \"=\"" + mcapp::commaHint(field));
         }
         value = *read;
     } else {
-        const app::Outcome outcome = values_.evaluate(std::string(field.substr(1)));
+        const mcapp::Outcome outcome = values_.evaluate(std::string(field.substr(1)));
         if (!outcome.value) return failAt(field, static_cast<size_t>(outcome.column), outcome.why);
         value = *outcome.value;
     }
@@ -357,7 +357,7 @@ bool Reader::words(std::string_view field, std::string& text) {
         text = unquoted(field);
         return true;
     }
-    const app::TextOutcome expanded = values_.expand(std::string(field.substr(1)));
+    const mcapp::TextOutcome expanded = values_.expand(std::string(field.substr(1)));
     if (!expanded.value) return failAt(field, static_cast<size_t>(expanded.column), expanded.why);
     text = *expanded.value;
     return true;
@@ -388,7 +388,7 @@ bool Reader::numbersOf(Item& item, std::string_view number, std::string_view mas
     good = good && amount(mass, "the mass", item.mass, item.hasMass);
     values_.setNumber(massName, item.mass, shown(item.mass, asNeeded));
     if (!good || !item.hasMass) return good;
-    const app::Outcome outcome = values_.evaluate(total_);
+    const mcapp::Outcome outcome = values_.evaluate(total_);
     if (!outcome.value) return failAt(mass, 0, "the total can't be worked out: " + outcome.why);
     item.total = *outcome.value;
     return item.total >= 0 || failAt(mass, 0, "the total is " + shown(item.total, asNeeded) + ", and can't be below 0");
@@ -424,7 +424,7 @@ bool Reader::item() {
 bool Reader::line() {
     const auto keyword = std::ranges::find_if(keywords, [this](const Keyword& k) { return in_.isKeyword(k.name); });
     if (keyword == keywords.end())
-        return in_.failHere("a line begins with a keyword, one of " + app::namesOf(keywords));
+        return in_.failHere("a line begins with a keyword, one of " + mcapp::namesOf(keywords));
     return (this->*keyword->read)();
 }
 
@@ -443,7 +443,7 @@ bool Reader::read(const std::string& fileName) {
 
 }  // namespace
 
-bool readList(const std::string& fileName, app::Input::LetterRefusal letterRefusal, List& list) {
+bool readList(const std::string& fileName, mcapp::Input::LetterRefusal letterRefusal, List& list) {
     return Reader(list, std::move(letterRefusal)).read(fileName);
 }
 

@@ -6,14 +6,14 @@
 
 #include <mchost/mdl/files.h>
 #include <mchost/mdl/system.h>
-#include "apps/common/help.h"
-#include "apps/common/tell.h"
+#include <mclib/app/arguments.hpp>
+#include <mclib/app/tell.hpp>
 #include "show.h"
 
 namespace show {
 namespace {
 
-using app::fail;
+using mcapp::fail;
 
 enum ExitStatus { done = 0, failed = 1, wrongCall = 2 };
 
@@ -30,9 +30,7 @@ struct Options {
 };
 
 bool wrong(const std::string& what) {
-    fail(what);
-    toolSubsystem_printf("%s", usage);
-    return false;
+    return mcapp::failCall(what, usage);
 }
 
 bool takeArguments(Options& options, const std::vector<std::string>& arguments) {
@@ -83,7 +81,7 @@ MDL_DESCRIPTION("what a design file, cell library or resource file holds");
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace show;
     Options options;
-    const std::vector<std::string> arguments(argv + std::min(argc, 2), argv + argc);
-    if (app::helped(arguments, usage)) return done;
+    const std::vector<std::string> arguments = mcapp::argumentsOf(argc, argv);
+    if (mcapp::helped(arguments, usage)) return done;
     return takeArguments(options, arguments) ? tellAll(options) : wrongCall;
 }

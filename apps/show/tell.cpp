@@ -2,7 +2,7 @@
 
 #include <mchost/mdl/system.h>
 #include <mchost/mdl/text.h>
-#include "apps/common/numbers.h"
+#include <mclib/app/numbers.hpp>
 #include "show.h"
 
 namespace show {
@@ -48,7 +48,7 @@ std::string quoted(const wchar_t* text) {
 }
 
 std::string number(double value) {
-    return app::shown(value, app::asNeeded);
+    return mcapp::shown(value, mcapp::asNeeded);
 }
 
 std::string counted(size_t count, const char* noun) {

@@ -1,14 +1,22 @@
-#include "apps/common/utf8.h"
+// UTF-8 for those who read the text files that are made.
+#pragma once
 
 #include <fstream>
 #include <iterator>
+#include <string>
+#include <string_view>
 
 #include <mchost/mdl/text.h>
-#include "apps/common/system_path.h"
+#include <mclib/app/system_path.hpp>
 
-namespace app {
+namespace mcapp {
 
-std::string utf8From(std::string_view narrow) {
+// From Windows-1252.
+std::string utf8From(std::string_view narrow);
+// Rewrites a file of Windows-1252 in UTF-8. False when it can't be read or written.
+bool makeUtf8(const std::string& file);
+
+inline std::string utf8From(std::string_view narrow) {
     std::string out;
     for (const char letter : narrow) {
         const char one[] = {letter, '\0'};
@@ -26,7 +34,7 @@ std::string utf8From(std::string_view narrow) {
     return out;
 }
 
-bool makeUtf8(const std::string& file) {
+inline bool makeUtf8(const std::string& file) {
     const std::filesystem::path path = systemPath(file);
     std::ifstream in(path, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(in), {}};
@@ -37,4 +45,4 @@ bool makeUtf8(const std::string& file) {
     return out.good();
 }
 
-}  // namespace app
+}  // namespace mcapp

@@ -1,12 +1,15 @@
 // Numbers as applications read and show them, with "." in every locale.
 #pragma once
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
+#include <cstdio>
 #include <optional>
 #include <string>
 #include <string_view>
 
-namespace app {
+namespace mcapp {
 
 constexpr int mostDecimals = 12;
 constexpr int asNeeded = -1;
@@ -30,4 +33,22 @@ inline const char* commaHint(std::string_view text) {
     return comma ? "; a point divides its decimals" : "";
 }
 
-}  // namespace app
+namespace detail {
+
+inline constexpr double largestInDecimals = 1e15;  // beyond it a double has hardly any
+
+}  // namespace detail
+
+inline std::string shown(double value, int decimals) {
+    char text[64];  // 15 digits, a point, 12 decimals and a sign at most
+    if (decimals >= 0 && std::abs(value) < detail::largestInDecimals) {
+        std::snprintf(text, sizeof text, "%.*f", std::min(decimals, mostDecimals), value);
+    } else {
+        std::snprintf(text, sizeof text, "%.12g", value);
+    }
+    const std::string all = text;
+    const bool minusZero = all.starts_with('-') && all.find_first_not_of("-0.") == all.npos;
+    return minusZero ? all.substr(1) : all;
+}
+
+}  // namespace mcapp

@@ -4,10 +4,9 @@
 
 #include <fcntl.h>
 #include <unistd.h>
-
 #include <cstdio>
 
-namespace app {
+namespace mcapp {
 
 class QuietConsole {
   public:
@@ -31,4 +30,4 @@ class QuietConsole {
     int kept_;
 };
 
-}  // namespace app
+}  // namespace mcapp

@@ -5,7 +5,7 @@
 
 #include <mchost/mdl/files.h>
 
-namespace app {
+namespace mcapp {
 
 // The path of the system for a name of the host; empty, which no file is, for one that is too long.
 inline std::filesystem::path systemPath(const std::filesystem::path& name) {
@@ -14,4 +14,4 @@ inline std::filesystem::path systemPath(const std::filesystem::path& name) {
     return path;
 }
 
-}  // namespace app
+}  // namespace mcapp

@@ -1,39 +1,88 @@
-#include "apps/common/values.h"
+// Named values: numbers that formulas use, and texts that tag strings use. Letter case of a name doesn't count.
+#pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <memory>
+#include <optional>
 #include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include <mchost/mdl/system.h>
+#include <mclib/mclib.h>
+#include <mclib/text/formula.h>
+#include <mclib/text/tagstring.h>
 #include <mchost/mdl/owned.hpp>
-#include "apps/common/quiet.h"
+#include <mclib/app/names.hpp>
+#include <mclib/app/quiet.hpp>
 
-namespace app {
+namespace mcapp {
 
-namespace {
+// What a formula or a tag string came to.
+template <class Value>
+struct OutcomeOf {
+    std::optional<Value> value;
+    std::string why = {};  // without a value: the reason, as a message tells it
+    int column = 1;        // and where it showed, from 1
+};
+using Outcome = OutcomeOf<double>;
+using TextOutcome = OutcomeOf<std::string>;
 
-constexpr size_t longestFormulaName = MCLIB_FORMULA_NAME_SIZE - 1;
-constexpr size_t longestTagName = sizeof TagEntry{}.name - 1;
+class Values {
+  public:
+    // Why a name can't be given to a number, or to a text; empty when it can.
+    std::string numberNameRefusal(const std::string& name) const;
+    std::string textNameRefusal(const std::string& name) const;
 
-bool isLetter(char c) {
+    // For names that aren't refused. A number is known to tag strings too, as the text that it is shown with.
+    void addNumber(const std::string& name, double value, const std::string& shown);
+    void addText(const std::string& name, const std::string& text);
+    // Another value for a name that was added; as the same kind.
+    void setNumber(const std::string& name, double value, const std::string& shown);
+    void setText(const std::string& name, const std::string& text);
+
+    // A finite number.
+    Outcome evaluate(const std::string& formula);
+    TextOutcome expand(const std::string& tagString);
+
+  private:
+    bool hasText(std::string_view name) const;
+    TextOutcome unknownName(std::string_view tagString) const;
+
+    using FormulaName = std::array<char, MCLIB_FORMULA_NAME_SIZE>;
+    std::vector<FormulaName> names_;
+    std::vector<double> numbers_;
+    std::vector<TagEntry> tags_;
+};
+
+constexpr size_t longestTagText = sizeof TagEntry{}.value - 1;
+
+namespace detail {
+
+inline constexpr size_t longestFormulaName = MCLIB_FORMULA_NAME_SIZE - 1;
+inline constexpr size_t longestTagName = sizeof TagEntry{}.name - 1;
+
+inline bool isLetter(char c) {
     return ('a' <= c && c <= 'z') || ('A' <= c && c <= 'Z');
 }
-bool isDigit(char c) {
+inline bool isDigit(char c) {
     return '0' <= c && c <= '9';
 }
 
-bool isFormulaName(const std::string& name) {
+inline bool isFormulaName(const std::string& name) {
     return !name.empty() && name.size() <= longestFormulaName && isLetter(name[0]) &&
            std::ranges::all_of(name, [](char c) { return isLetter(c) || isDigit(c); });
 }
 
-void store(std::span<char> out, const std::string& text) {
+inline void store(std::span<char> out, const std::string& text) {
     out[text.copy(out.data(), out.size() - 1)] = '\0';
 }
 
 // The evaluator knows the names that it keeps for itself: with such a one as parameter the formula isn't that value.
-bool isTaken(const std::string& name) {
+inline bool isTaken(const std::string& name) {
     const QuietConsole quiet;
     constexpr double probe = -1.5;
     char slot[MCLIB_FORMULA_NAME_SIZE] = "";
@@ -43,7 +92,7 @@ bool isTaken(const std::string& name) {
     return error != 0 || value != probe;
 }
 
-std::string reasonFor(int error, bool atEnd) {
+inline std::string reasonFor(int error, bool atEnd) {
     switch (error) {
         case MCLIB_FORMULA_UNKNOWN_NAME: return "no parameter and no function has this name";
         case MCLIB_FORMULA_DIVISION: return "a division by 0, worked out in front of here";
@@ -58,7 +107,7 @@ std::string reasonFor(int error, bool atEnd) {
 
 // ---- tag strings ----
 
-constexpr std::string_view textFunctions[] = {"substr", "strupr", "extstr"};
+inline constexpr std::string_view textFunctions[] = {"substr", "strupr", "extstr"};
 
 // A piece of a tag string between the characters that divide it, without blanks at its ends.
 struct Piece {
@@ -73,7 +122,7 @@ struct Pieces {
     size_t faultAt = 0;
 };
 
-Pieces piecesOf(std::string_view text) {
+inline Pieces piecesOf(std::string_view text) {
     Pieces out;
     size_t from = 0, open = 0, at = 0;
     const auto fault = [&](std::string_view what, size_t place) { out.fault = what, out.faultAt = place; };
@@ -102,65 +151,65 @@ Pieces piecesOf(std::string_view text) {
 }
 
 // Whether a piece can be the name of a text: no quoted one, no position, no function, no side of extstr.
-bool canBeName(const Piece& piece) {
+inline bool canBeName(const Piece& piece) {
     return piece.end != '(' && !piece.text.empty() && piece.text.find_first_of("\"'") == piece.text.npos &&
            piece.text.find_first_not_of("0123456789+-*/ ") != piece.text.npos && piece.text != "start" &&
            piece.text != "end";
 }
 
-}  // namespace
+}  // namespace detail
 
-std::string Values::numberNameRefusal(const std::string& name) const {
-    if (!isFormulaName(name)) {
-        return "the name of a number has 1 to " + std::to_string(longestFormulaName) +
+inline std::string Values::numberNameRefusal(const std::string& name) const {
+    if (!detail::isFormulaName(name)) {
+        return "the name of a number has 1 to " + std::to_string(detail::longestFormulaName) +
                " letters and digits, a letter first, unlike \"" + name + "\"";
     }
-    if (isTaken(name)) return "\"" + name + "\" means something in every formula; give another name";
+    if (detail::isTaken(name)) return "\"" + name + "\" means something in every formula; give another name";
     if (names_.size() == MCLIB_FORMULA_PARAMETERS) {
         return "there are " + std::to_string(MCLIB_FORMULA_PARAMETERS) + " numbers already, which is the most";
     }
     return textNameRefusal(name);
 }
 
-std::string Values::textNameRefusal(const std::string& name) const {
-    if (name.empty() || name.size() > longestTagName || name.find_first_of("+\"(),") != name.npos ||
+inline std::string Values::textNameRefusal(const std::string& name) const {
+    if (name.empty() || name.size() > detail::longestTagName || name.find_first_of("+\"(),") != name.npos ||
         name.front() == ' ' || name.back() == ' ') {
-        return "the name of a text has 1 to " + std::to_string(longestTagName) +
+        return "the name of a text has 1 to " + std::to_string(detail::longestTagName) +
                " characters without + \" ( ) , and without blanks at its ends, unlike \"" + name + "\"";
     }
-    if (std::ranges::any_of(textFunctions, [&](std::string_view f) { return name.starts_with(f); }))
+    if (std::ranges::any_of(detail::textFunctions, [&](std::string_view f) { return name.starts_with(f); }))
         return "\"" + name + "\" begins as a function of tag strings does; give another name";
     return hasText(name) ? "there is a value \"" + name + "\" already" : "";
 }
 
-bool Values::hasText(std::string_view name) const {
+inline bool Values::hasText(std::string_view name) const {
     return std::ranges::any_of(tags_, [&](const TagEntry& tag) { return sameName(tag.name, name); });
 }
 
-void Values::addNumber(const std::string& name, double value, const std::string& shown) {
-    store(names_.emplace_back(), name);
+inline void Values::addNumber(const std::string& name, double value, const std::string& shown) {
+    detail::store(names_.emplace_back(), name);
     numbers_.push_back(value);
     addText(name, shown);
 }
 
-void Values::addText(const std::string& name, const std::string& text) {
+inline void Values::addText(const std::string& name, const std::string& text) {
     TagEntry& tag = tags_.emplace_back();
-    store(tag.name, name);
-    store(tag.value, text);
+    detail::store(tag.name, name);
+    detail::store(tag.value, text);
 }
 
-void Values::setNumber(const std::string& name, double value, const std::string& shown) {
+inline void Values::setNumber(const std::string& name, double value, const std::string& shown) {
     const auto at = std::ranges::find_if(names_, [&](const FormulaName& n) { return sameName(n.data(), name); });
     numbers_[static_cast<size_t>(at - names_.begin())] = value;
     setText(name, shown);
 }
 
-void Values::setText(const std::string& name, const std::string& text) {
+inline void Values::setText(const std::string& name, const std::string& text) {
     const auto at = std::ranges::find_if(tags_, [&](const TagEntry& tag) { return sameName(tag.name, name); });
-    store(at->value, text);
+    detail::store(at->value, text);
 }
 
-Outcome Values::evaluate(const std::string& formula) {
+inline Outcome Values::evaluate(const std::string& formula) {
     const QuietConsole quiet;
     int error = 0;
     char* const names = names_.empty() ? nullptr : names_.front().data();
@@ -170,15 +219,16 @@ Outcome Values::evaluate(const std::string& formula) {
     if (error == 0) return {{}, "the value is no finite number"};
     Outcome outcome;
     const int reason = mclibParse_getFormulaError(&outcome.column);
-    outcome.why = reasonFor(reason, outcome.column > static_cast<int>(formula.size()));
+    outcome.why = detail::reasonFor(reason, outcome.column > static_cast<int>(formula.size()));
     return outcome;
 }
 
 // Only where the library looked for a name that isn't there: which one, and which there are.
-TextOutcome Values::unknownName(std::string_view tagString) const {
+inline TextOutcome Values::unknownName(std::string_view tagString) const {
     constexpr size_t mostNames = 20;
-    const std::vector<Piece> pieces = piecesOf(tagString).pieces;
-    const auto unknown = std::ranges::find_if(pieces, [&](const Piece& p) { return canBeName(p) && !hasText(p.text); });
+    const std::vector<detail::Piece> pieces = detail::piecesOf(tagString).pieces;
+    const auto unknown =
+        std::ranges::find_if(pieces, [&](const detail::Piece& p) { return detail::canBeName(p) && !hasText(p.text); });
     std::string names;
     for (size_t i = 0; i < std::min(tags_.size(), mostNames); ++i)
         names += (i > 0 ? ", " : "") + std::string(tags_[i].name);
@@ -190,8 +240,8 @@ TextOutcome Values::unknownName(std::string_view tagString) const {
             static_cast<int>(unknown->text.data() - tagString.data()) + 1};
 }
 
-TextOutcome Values::expand(const std::string& tagString) {
-    const Pieces pieces = piecesOf(tagString);
+inline TextOutcome Values::expand(const std::string& tagString) {
+    const detail::Pieces pieces = detail::piecesOf(tagString);
     if (!pieces.fault.empty()) return {{}, std::string(pieces.fault), static_cast<int>(pieces.faultAt) + 1};
     // The library takes an unknown name for an empty text. It upper-cases the names that it compares, so this one,
     // which none can be equal to, tells whether it went through the whole table in vain.
@@ -211,4 +261,4 @@ TextOutcome Values::expand(const std::string& tagString) {
     return {std::string(text.get())};
 }
 
-}  // namespace app
+}  // namespace mcapp

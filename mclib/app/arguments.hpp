@@ -1,0 +1,111 @@
+// The arguments of a call: options by name, with a value or without, and one input.
+#pragma once
+
+#include <algorithm>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <mchost/mdl/system.h>
+
+#include <mclib/app/numbers.hpp>
+#include <mclib/app/tell.hpp>
+
+namespace mcapp {
+
+// Those behind the application's name and how it was started.
+inline std::vector<std::string> argumentsOf(int argc, char** argv) {
+    return {argv + std::min(argc, 2), argv + argc};
+}
+
+// --help, which every application answers with its usage and status 0. True when the usage was asked for, and has been
+// printed.
+inline bool helped(const std::vector<std::string>& arguments, const char* usage) {
+    if (std::ranges::find(arguments, "--help") == arguments.end()) return false;
+    toolSubsystem_printf("%s", usage);
+    return true;
+}
+
+// A wrong call, which ends with status 2: what is wrong, and the usage. Always false.
+inline bool failCall(const std::string& what, const char* usage) {
+    fail(what);
+    toolSubsystem_printf("%s", usage);
+    return false;
+}
+
+// An option with a value. `set` keeps the value in the application's structure; it gives what is wrong with it, as a
+// message tells it, or nothing.
+template <class Options>
+struct ValueOption {
+    std::string_view name;
+    std::string (*set)(Options& options, std::string_view name, const std::string& value);
+};
+
+// An option without a value.
+template <class Options>
+struct Flag {
+    std::string_view name;
+    bool Options::*set;
+};
+
+// How an application is called.
+template <class Options>
+struct CallForm {
+    const char* usage;
+    std::span<const ValueOption<Options>> values;
+    std::span<const Flag<Options>> flags;
+    std::string Options::*input;  // the argument that is no option
+};
+
+namespace detail {
+
+template <auto Member>
+struct OwnerOf;
+template <class Owner, class Value, Value Owner::*Member>
+struct OwnerOf<Member> {
+    using Type = Owner;
+};
+
+}  // namespace detail
+
+// For rows of ValueOption: setText<&Options::out>, for any text but an empty one.
+template <auto Text>
+std::string setText(typename detail::OwnerOf<Text>::Type& options, std::string_view name, const std::string& value) {
+    if (value.empty()) return std::string(name) + " needs a value that isn't empty";
+    options.*Text = value;
+    return {};
+}
+// The same for numbers above 0.
+template <auto Number>
+std::string setPositive(typename detail::OwnerOf<Number>::Type& options, std::string_view name,
+                        const std::string& value) {
+    const auto read = numberIn<double>(value);
+    if (!read || !(*read > 0)) return std::string(name) + " takes a number above 0, not \"" + value + "\"";
+    options.*Number = *read;
+    return {};
+}
+
+// False after a message and the usage.
+template <class Options>
+bool takeArguments(Options& options, const std::vector<std::string>& arguments, const CallForm<Options>& form) {
+    for (size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        const auto value = std::ranges::find(form.values, argument, &ValueOption<Options>::name);
+        const auto flag = std::ranges::find(form.flags, argument, &Flag<Options>::name);
+        if (value != form.values.end()) {
+            if (i + 1 == arguments.size()) return failCall(argument + " needs a value", form.usage);
+            const std::string wrong = value->set(options, argument, arguments[++i]);
+            if (!wrong.empty()) return failCall(wrong, form.usage);
+        } else if (flag != form.flags.end()) {
+            options.*flag->set = true;
+        } else if ((argument.starts_with("-") && argument != "-") || !(options.*form.input).empty()) {
+            return failCall("don't know what to do with \"" + argument + "\"", form.usage);
+        } else {
+            options.*form.input = argument;
+        }
+    }
+    return true;
+}
+
+}  // namespace mcapp
