@@ -108,7 +108,6 @@ bool chooseDevice(Options& options) {
 
 // Options that go together.
 bool complete(Options& options) {
-    if (options.input.empty()) return wrong("the name of the list is missing");
     if (options.ofPrint.empty() && options.overwrite) options.ofPrint = "--overwrite";
     if (!options.ofPrint.empty() && options.out.empty() && options.printer.empty())
         return wrong(std::string(options.ofPrint) + " goes with --out or --print; the preview has buttons for it");
@@ -120,8 +119,8 @@ bool complete(Options& options) {
 
 std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
     Options options;
-    if (!mcapp::takeArguments(options, arguments, {usage, valueOptions, flags, &Options::input})) return {};
-    if (!complete(options)) return {};
+    const mcapp::CallForm<Options> form = {usage, valueOptions, flags, &Options::input, "the name of the list"};
+    if (!mcapp::takeArguments(options, arguments, form) || !complete(options)) return {};
     return options;
 }
 

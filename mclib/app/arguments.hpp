@@ -55,7 +55,8 @@ struct CallForm {
     const char* usage;
     std::span<const ValueOption<Options>> values;
     std::span<const Flag<Options>> flags;
-    std::string Options::*input;  // the argument that is no option
+    std::string Options::*input;      // the argument that is no option
+    const char* inputName = nullptr;  // told when it is missing; null: it may be
 };
 
 namespace detail {
@@ -105,7 +106,8 @@ bool takeArguments(Options& options, const std::vector<std::string>& arguments, 
             options.*form.input = argument;
         }
     }
-    return true;
+    if (!form.inputName || !(options.*form.input).empty()) return true;
+    return failCall(std::string(form.inputName) + " is missing", form.usage);
 }
 
 }  // namespace mcapp

@@ -18,7 +18,7 @@ expect() {
 
 files=$(cat "$source"/examples/guide/*)
 for document in guide forms; do
-    for kind in c toml text cfg answers; do
+    for kind in c cpp toml text cfg answers; do
         while IFS= read -r -d $'\f' block; do
             expect "$block" "$files" "docs/$document.md shows what isn't in examples/guide"
         done < <(blocks "$source/docs/$document.md" $kind)

@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$1"
 fail=0
-for header in mclib/mclib.h mchost/mdl/*.{h,hpp} $(grep -lE 'MCLIB_EXPORT' mclib/*/*.h); do
+for header in mclib/mclib.h mchost/mdl/*.{h,hpp} mclib/*/*.hpp $(grep -lE 'MCLIB_EXPORT' mclib/*/*.h); do
     for language in "$2 -std=c11 -x c" "$3 -std=c++20 -x c++ -Wno-pragma-once-outside-header"; do
         [[ $header == *.hpp && $language == *c11* ]] && continue
         echo "#include \"$header\"" | $language -I. -Wall -Wextra -pedantic -Werror -fsyntax-only - || { echo "$header: $language"; fail=1; }
