@@ -1,20 +1,55 @@
-/* The active model and the references attached to it. */
+/* What is attached to a model: other design files that are shown in it, and what is attached to those.
+ *
+ * Attachments belong to the model and are kept in its file. The same file may be attached many times, each time with a
+ * place, a clip and switches of its own; each has its own ModelRef. A model that is shown within itself is shown once:
+ * what is attached to it isn't followed there. An attached file is read when a walk first comes to it; open in this
+ * session as the active file or to be written, it shows what is there now. A ModelRef of an attachment stands until it
+ * is detached or a file above it is closed. */
 #ifndef HOST_MDL_REFERENCE_H
 #define HOST_MDL_REFERENCE_H
 
 #include "types.h"
 
+/* ---- attaching; all of it can be taken back (undo.h) ---- */
+
+/* Attaches a design file to a model (null: the active one) that is open to be written and isn't attached itself.
+ * `toParent` takes its UOR to those of the model; null lays master unit on master unit. `clip`: the corners of the part
+ * that is shown, 3 to 5000, in UOR of the model, z isn't looked at; null or none: all of it. The new place goes to
+ * placeP. MDL_ERROR, with a line in the message centre, when the file can't be read or any of that doesn't hold. */
+MDL_EXPORT int mdlRefFile_attach(ModelRef **placeP, ModelRef *parent, const char *fileName, const Transform *toParent,
+                                 const Point3d *clip, int32_t clipCount);
+/* Detaches the attachment of that number, or all with -1, from the active model. MDL_ERROR when there is none of that
+ * number or, with a line, the model isn't open to be written. */
+MDL_EXPORT int mdlRefFile_detach(int32_t number);
+MDL_EXPORT int mdlRefFile_detachModel(ModelRef *model); /* the same for one at hand, of any file */
+
+/* ---- what is told of them; MDL_ERROR, with values untouched, for a model that isn't a reference ---- */
+
+MDL_EXPORT int mdlModelRef_isReference(ModelRef *model);        /* 1 for an attached one */
+MDL_EXPORT ModelRef *mdlModelRef_getParent(ModelRef *model);    /* null for one that isn't attached */
+MDL_EXPORT int mdlRefFile_getNumber(ModelRef *model);           /* from 1, by its parent; 0: not a reference */
+/* The name of the file; as it was attached when it isn't found. Also MDL_ERROR for a name that was cut. */
+MDL_EXPORT int mdlRefFile_getFileName(char *name, int32_t size, ModelRef *model);
+MDL_EXPORT int mdlRefFile_getTransform(Transform *toParent, ModelRef *model);
+/* The corners of the clip, and their number; either may be null. */
+MDL_EXPORT int mdlRefFile_getClip(Point3d *corners, int32_t *countP, ModelRef *model);
+
+/* Parameters of a reference: 32-bit 0 or 1, and the scale as a double: master units of the parent for one of its own. */
+enum { MDL_REFERENCE_SHOWN = 1, MDL_REFERENCE_FOUND = 4, MDL_REFERENCE_HIDDEN = 6, MDL_REFERENCE_SCALE = 10 };
+MDL_EXPORT int mdlRefFile_getParameters(void *valueP, int32_t parameter, ModelRef *model);
+/* Sets SHOWN or HIDDEN. MDL_ERROR for another one or, with a line, when the parent isn't open to be written. */
+MDL_EXPORT int mdlRefFile_setParameters(const void *valueP, int32_t parameter, ModelRef *model);
+
+/* ---- walks ---- */
+
 typedef struct ModelRefIterator ModelRefIterator;
 enum { MDL_ITERATE_ACTIVE = 1, MDL_ITERATE_REFERENCES = 2 };
-/* An iterator over the active model (flag 1), its references (flag 2), or both. `depth` 0 is all nesting levels. */
+/* An iterator over the model `root` (flag 1; null: the active one), what is attached to it (flag 2), or both: each place
+ * before those in it, files that aren't found too. `depth` 1 is what is attached to the root, 2 also what is attached to
+ * that, and so on; 0 and below all of it. */
 MDL_EXPORT int mdlModelRefIterator_create(ModelRefIterator **iteratorP, ModelRef *root, int32_t flags, int32_t depth);
 MDL_EXPORT ModelRef *mdlModelRefIterator_getFirst(ModelRefIterator *iterator);
 MDL_EXPORT ModelRef *mdlModelRefIterator_getNext(ModelRefIterator *iterator); /* null at the end */
 MDL_EXPORT void mdlModelRefIterator_free(ModelRefIterator **iteratorP);
-MDL_EXPORT int mdlModelRef_isReference(ModelRef *model); /* 1 for an attached reference */
-
-/* A 32-bit parameter of a reference. 1: its display is on; 4: its file was found; 6: it is hidden. MDL_ERROR, with the
- * value untouched, for a model that isn't a reference. */
-MDL_EXPORT int mdlRefFile_getParameters(void *valueP, int32_t parameter, ModelRef *model);
 
 #endif

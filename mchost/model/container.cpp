@@ -14,6 +14,7 @@
 #include "mchost/base/paths.h"
 #include "mchost/base/utf8.h"
 #include "mchost/model/digest.h"
+#include "mchost/model/format.h"
 #include "mchost/model/table_rules.h"
 
 namespace host {
@@ -24,25 +25,11 @@ constexpr const char* otherFile[] = {
     "it isn't a design file. Give the name of a design file (.mcd).",
     "it isn't a cell library. Give the name of a cell library (.cel).",
 };
-constexpr uint32_t formatVersion = 1;
 constexpr int pageBytes = 8192;
 constexpr int64_t onlyModel = 1;
 constexpr uint32_t mostChunkBytes = ElementStore::maxUnitBytes + sizeof(RecordHead);
 
-constexpr std::array<const char*, 5> schema = {
-    "CREATE TABLE model(id INTEGER PRIMARY KEY,is_3d INTEGER,uor_per_master REAL,next_position INTEGER,"
-    "next_level INTEGER,chunks INTEGER,digest INTEGER)",
-    "CREATE TABLE level(model INTEGER,id INTEGER,code INTEGER,name TEXT,color INTEGER,style INTEGER,weight INTEGER,"
-    "fill_color INTEGER,style_modifiers INTEGER,style_scale REAL,style_start_width REAL,style_end_width REAL,"
-    "over_color INTEGER,over_style INTEGER,over_weight INTEGER,PRIMARY KEY(model,id))WITHOUT ROWID",
-    "CREATE TABLE line_style(model INTEGER,number INTEGER,name BLOB,pattern BLOB,PRIMARY KEY(model,number))"
-    "WITHOUT ROWID",
-    "CREATE TABLE text_style(model INTEGER,name TEXT,font INTEGER,just INTEGER,style INTEGER,fields INTEGER,"
-    "flags INTEGER,slant REAL,line_spacing REAL,mode INTEGER,width REAL,height REAL,aspect REAL,"
-    "PRIMARY KEY(model,name))WITHOUT ROWID",
-    "CREATE TABLE chunk(model INTEGER,number INTEGER,digest INTEGER,bytes BLOB,PRIMARY KEY(model,number))",
-};
-
+const char* const newer = "it was made by a newer version. Open it with that version.";
 const char* const damaged = "it is damaged and was left as it is. Open a copy of it from before the damage.";
 
 std::span<const std::byte> bytesOf(std::string_view text) {
@@ -81,8 +68,9 @@ class Description {
     std::string bytes_;
 };
 
-std::string_view patternBytes(const LineStyle& style) {
-    return {reinterpret_cast<const char*>(style.pattern.data()), style.pattern.size() * sizeof(double)};
+template <class Numbers>
+std::string_view numberBytes(const Numbers& numbers) {
+    return {reinterpret_cast<const char*>(std::data(numbers)), std::size(numbers) * sizeof *std::data(numbers)};
 }
 
 // Calls row(values...) with the columns of each table's rows behind their first one, the model's number.
@@ -105,26 +93,42 @@ void forEachTextStyleRow(const Model& model, Row row) {
     }
 }
 
+template <class Row>
+void forEachAttachmentRow(const Model& model, Row row) {
+    for (const Attachment& a : model.attachments)
+        row(a.number, a.file, numberBytes(a.toParent.form), numberBytes(a.clip), a.shown, a.hidden);
+}
+
 int64_t modelDigest(const Model& model, int64_t nextPosition, int64_t chunkCount) {
     Description all;
     const auto row = [&](const auto&... values) { all.row(values...); };
     all.row(model.is3d, model.uorPerMaster, nextPosition, model.nextLevel, chunkCount);
     forEachLevelRow(model, row);
-    for (const LineStyle& style : model.lineStyles) all.row(style.number, style.name, patternBytes(style));
+    for (const LineStyle& style : model.lineStyles) all.row(style.number, style.name, numberBytes(style.pattern));
     forEachTextStyleRow(model, row);
+    forEachAttachmentRow(model, row);
     return all.digest();
 }
 
+void storeAttachments(Database& database, const Model& model) {
+    Statement row(database, "INSERT INTO attachment VALUES(?,?,?,?,?,?,?)");
+    for (const Attachment& a : model.attachments) {
+        row.execute(onlyModel, a.number, std::string_view(a.file), bytesOf(numberBytes(a.toParent.form)),
+                    bytesOf(numberBytes(a.clip)), int32_t{a.shown}, int32_t{a.hidden});
+    }
+}
+
 void storeTables(Database& database, const Model& model) {
-    database.run("DELETE FROM level; DELETE FROM line_style; DELETE FROM text_style");
+    database.run("DELETE FROM level; DELETE FROM line_style; DELETE FROM text_style; DELETE FROM attachment");
     Statement level(database, "INSERT INTO level VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
     forEachLevelRow(model, [&](const auto&... values) { level.execute(onlyModel, values...); });
     Statement lineStyle(database, "INSERT INTO line_style VALUES(?,?,?,?)");
     for (const LineStyle& style : model.lineStyles) {
-        lineStyle.execute(onlyModel, style.number, bytesOf(style.name), bytesOf(patternBytes(style)));
+        lineStyle.execute(onlyModel, style.number, bytesOf(style.name), bytesOf(numberBytes(style.pattern)));
     }
     Statement textStyle(database, "INSERT INTO text_style VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?)");
     forEachTextStyleRow(model, [&](const auto&... values) { textStyle.execute(onlyModel, values...); });
+    storeAttachments(database, model);
 }
 
 void storeModelRow(Database& database, const Model& model, int64_t chunkCount) {
@@ -169,6 +173,27 @@ void loadTextStyles(Database& database, Model& model) {
     }
 }
 
+bool readNumbers(std::span<const std::byte> from, void* to, size_t bytes) {
+    if (from.size() != bytes) return false;
+    if (bytes != 0) std::memcpy(to, from.data(), bytes);
+    return true;
+}
+
+void loadAttachments(Database& database, Model& model) {
+    if (formatOf(database) < 2) return;
+    Statement s(database, "SELECT * FROM attachment WHERE model=1 ORDER BY number");
+    while (s.step()) {
+        Attachment a = {.number = static_cast<uint32_t>(s.integer(1)),
+                        .file = std::string(s.text(2)),
+                        .clip = std::vector<ClipPoint>(s.blob(4).size() / sizeof(ClipPoint)),
+                        .shown = s.integer(5) != 0,
+                        .hidden = s.integer(6) != 0};
+        if (!readNumbers(s.blob(3), &a.toParent, sizeof a.toParent)) throw FileProblem(damaged);
+        if (!readNumbers(s.blob(4), a.clip.data(), a.clip.size() * sizeof(ClipPoint))) throw FileProblem(damaged);
+        model.attachments.push_back(std::move(a));
+    }
+}
+
 // ---- reading a file ----
 
 uint32_t bigEndian(const unsigned char* at) {
@@ -206,9 +231,7 @@ FileHead readHead(const std::string& path, FileKind kind) {
     const std::optional<FileHead> head = databaseHead(path);
     const auto row = static_cast<size_t>(kind);
     if (!head || headApplication(*head) != applicationIds[row]) throw FileProblem(otherFile[row]);
-    if (headVersion(*head) > formatVersion) {
-        throw FileProblem("it was made by a newer version. Open it with that version.");
-    }
+    if (headVersion(*head) > newestFormat) throw FileProblem(newer);
     return *head;
 }
 
@@ -223,12 +246,10 @@ void openForReading(Database& database, const std::string& path, const FileHead&
     database.run("PRAGMA busy_timeout=2000");
 }
 
-void checkSchema(Database& database) {
-    Statement s(database, "SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL ORDER BY rowid");
-    for (const char* table : schema) {
-        if (!s.step() || s.text(0) != table) throw FileProblem(damaged);
-    }
-    if (s.step()) throw FileProblem(damaged);
+// What a log beside the file holds counts, so the head of the file alone doesn't tell.
+void checkFormat(Database& database) {
+    if (formatOf(database) > newestFormat) throw FileProblem(newer);
+    if (!hasItsTables(database)) throw FileProblem(damaged);
 }
 
 // Free pages are never looked at while reading, but would be written to later.
@@ -269,6 +290,7 @@ void loadModel(Database& database, Model& model) {
     loadLevels(database, model);
     loadLineStyles(database, model);
     loadTextStyles(database, model);
+    loadAttachments(database, model);
     if (modelDigest(model, nextPosition, chunkCount) != sum || !tablesAreSound(model)) throw FileProblem(damaged);
     model.elements.reservePositions(static_cast<uint32_t>(nextPosition));
     loadChunks(database, model, chunkCount);
@@ -310,10 +332,9 @@ void writeWhole(const std::string& path, Model& model, FileKind kind) {
     database.open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
     database.run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF");
     database.run("PRAGMA page_size=" + std::to_string(pageBytes) +
-                 "; PRAGMA application_id=" + std::to_string(applicationIds[static_cast<size_t>(kind)]) +
-                 "; PRAGMA user_version=" + std::to_string(formatVersion));
+                 "; PRAGMA application_id=" + std::to_string(applicationIds[static_cast<size_t>(kind)]));
     Transaction transaction(database);
-    for (const char* table : schema) database.run(table);
+    bringUpToDate(database);
     for (ElementStore::Chunk& chunk : model.elements.chunks()) chunk.changed = true;
     storeChunks(database, model);
     storeTables(database, model);
@@ -365,7 +386,7 @@ void loadContainer(const std::string& path, Model& model, FileKind kind) {
         Database database;
         openForReading(database, path, head);
         database.run("BEGIN");
-        checkSchema(database);
+        checkFormat(database);
         checkFreePages(database, head);
         loadModel(database, model);
     } catch (const SqliteFailure& failure) {
@@ -407,6 +428,7 @@ void ContainerWriter::save(Model& model) {
     try {
         open();
         Transaction transaction(database_);
+        bringUpToDate(database_);
         storeChunks(database_, model);
         if (model.tablesChanged) storeTables(database_, model);
         storeModelRow(database_, model, static_cast<int64_t>(model.elements.chunks().size()));

@@ -192,7 +192,13 @@ uint32_t mdlElmdscr_read(ElementDescr** edPP, FilePos position, ModelRef* model)
 }
 
 uint32_t mdlElmdscr_readToMaster(ElementDescr** edPP, FilePos position, ModelRef* model) {
-    return mdlElmdscr_read(edPP, position, model);
+    const uint32_t count = mdlElmdscr_read(edPP, position, model);
+    const ModelRef* place = openPlace(model);
+    if (count == 0 || !place->parent) return count;
+    const Transform transform = toMaster(*place);
+    if (mdlElmdscr_transform(*edPP, &transform) == MDL_SUCCESS) return count;
+    mdlElmdscr_freeAll(edPP);
+    return 0;
 }
 
 FilePos mdlElmdscr_add(ElementDescr* ed) {

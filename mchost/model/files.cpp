@@ -67,8 +67,9 @@ int mdlWorkDgn_openCellLibrary(ModelRef** modelP, const char* name) {
 }
 
 int mdlWorkDgn_closeFile(ModelRef* model) {
-    DesignFile* file = model ? openFiles().withPlace(model) : nullptr;
-    if (!file) return MDL_ERROR;
+    ModelRef* place = model ? openPlace(model) : nullptr;
+    if (!place || place->parent) return MDL_ERROR;
+    DesignFile* file = place->file;
     if (file == openFiles().active()) return MDL_SUCCESS;
     if (!openFiles().isWork(*file)) return MDL_ERROR;
     return withFile("close the design file", file->name(), [&] { openFiles().closeWork(*file); });
@@ -90,7 +91,7 @@ ModelRef* mdlModelRef_getActive(void) {
 }
 
 int mdlModelRef_isReadOnly(ModelRef* model) {
-    const DesignFile* file = openFiles().withPlace(model);
+    const DesignFile* file = openFiles().fileAt(model);
     return !file || file->isReadOnly();
 }
 

@@ -45,6 +45,9 @@ void moveStep(std::vector<Journal::Step>& from, std::vector<Journal::Step>& to, 
     for (Journal::Part& part : step.parts) makeMemory(*part.model, part.changes);
     for (Journal::Part& part : step.parts) {
         for (Change& change : inOrder(part.changes)) exchange(*part.model, change);
+        if (!part.attachments) continue;
+        part.model->attachments.swap(*part.attachments);
+        noteAttachmentsChanged(*part.model);
     }
     to.push_back(std::move(step));
     from.pop_back();
@@ -63,7 +66,8 @@ void dropParts(std::vector<Journal::Step>& steps, const Model& model) {
 }
 
 bool isEmpty(const Journal::Step& step) {
-    return std::ranges::all_of(step.parts, [](const Journal::Part& part) { return part.changes.empty(); });
+    return std::ranges::all_of(step.parts,
+                               [](const Journal::Part& part) { return part.changes.empty() && !part.attachments; });
 }
 
 void dropEmptyEnd(std::vector<Journal::Step>& steps) {
@@ -101,6 +105,13 @@ void Journal::note(Model& model, const Change& change) noexcept {
     } else {
         changes.push_back(change);
     }
+}
+
+void Journal::keepAttachments(Model& model) {
+    makeRoom(model);
+    std::optional<std::vector<Attachment>>& kept = partOf(model)->attachments;
+    if (!kept) kept = model.attachments;
+    undone_.clear();
 }
 
 const Journal::Step* Journal::lastDone() {

@@ -2,6 +2,7 @@
 // that is closed takes its part along.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,7 @@ class Journal {
     struct Part {
         Model* model;
         std::vector<Change> changes;
+        std::optional<std::vector<Attachment>> attachments = {};  // those that aren't in force, when they were changed
     };
     struct Step {
         std::string name;
@@ -40,6 +42,9 @@ class Journal {
     void noteRewritten(Model& model, FilePos position, const RecordHead* before) noexcept {
         note(model, {position, 1, Change::rewritten, before});
     }
+
+    // The model's attachments are to be changed.
+    void keepAttachments(Model& model);
 
     // The step that undo or redo would take; null when there is none.
     const Step* lastDone();

@@ -49,6 +49,20 @@ struct TextStyle {
     TextSize size;
 };
 
+struct ClipPoint {
+    double x, y;
+};
+
+// Another model that is shown in this one: where, and what of it.
+struct Attachment {
+    uint32_t number = 0;    // from 1
+    std::string file = {};  // path (UTF-8), from the folder of this model's file when it lies in there
+    Transform toParent = {};
+    std::vector<ClipPoint> clip = {};  // corners of the part that is shown, in this model's UOR; none: all is
+    bool shown = true;
+    bool hidden = false;
+};
+
 // What a model holds. It knows no file that it is stored in and no place where it is shown.
 struct Model {
     uint64_t serial = 0;  // differs for every model that was ever open in a session, while the address may come again
@@ -59,8 +73,10 @@ struct Model {
     LevelId nextLevel = 1;
     std::vector<LineStyle> lineStyles = {};  // in order of their numbers from -1 down
     std::map<std::wstring, TextStyle> textStyles = {};
-    bool tablesChanged = false;   // levels or styles, since they were last stored
-    uint32_t unstoredLevels = 0;  // levels that aren't to be stored so far
+    std::vector<Attachment> attachments = {};  // in order of number
+    uint64_t attachmentChanges = 0;            // how often they were changed so far
+    bool tablesChanged = false;                // levels, styles or attachments, since they were last stored
+    uint32_t unstoredLevels = 0;               // levels that aren't to be stored so far
 
     RangeIndex ranges = {};  // filled at the first search by window
     bool rangesFilled = false;
@@ -74,6 +90,11 @@ void addFirstLevel(Model& model);  // "Default", to a model without levels
 Level& addLevel(Model& model, std::wstring_view name);
 // Marks a level as one that belongs into the file.
 void storeLevel(Model& model, LevelId id);
+
+inline void noteAttachmentsChanged(Model& model) noexcept {
+    ++model.attachmentChanges;
+    model.tablesChanged = true;
+}
 
 // The nodes of an element with its components, in the order in which they are stored.
 using Unit = std::vector<StoredNode>;

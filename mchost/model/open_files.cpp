@@ -47,10 +47,15 @@ OpenFiles::~OpenFiles() {
     publishActive();
 }
 
-DesignFile* OpenFiles::withPlace(const ModelRef* place) const {
-    if (!place || (active_ && place == &active_->place)) return active_;
-    const auto found = std::ranges::find(all_, place, [](const Opened& opened) { return &opened.file->place; });
-    return found != all_.end() ? found->file.get() : nullptr;
+ModelRef* OpenFiles::place(ModelRef* handle) const {
+    if (!handle || (active_ && handle == &active_->place)) return active_ ? &active_->place : nullptr;
+    const bool isFile = std::ranges::any_of(all_, [&](const Opened& opened) { return handle == &opened.file->place; });
+    return isFile || places_.contains(handle) ? handle : nullptr;
+}
+
+DesignFile* OpenFiles::fileAt(ModelRef* handle) const {
+    const ModelRef* found = place(handle);
+    return found ? found->file : nullptr;
 }
 
 DesignFile* OpenFiles::open(const std::string& path, DesignFile::Use use, FileKind kind) {
@@ -74,9 +79,12 @@ void OpenFiles::close(DesignFile& file) {
     journal.forget(file.model);
 }
 
-void OpenFiles::drop(const DesignFile* file) {
-    if (file) journal.forget(file->model);
+void OpenFiles::drop(DesignFile* file) {
+    hide(*file);
+    dropBelow(file->place);
+    journal.forget(file->model);
     std::erase_if(all_, [&](const Opened& opened) { return opened.file.get() == file; });
+    dropUnused();
 }
 
 // ---- the active file ----
@@ -121,12 +129,14 @@ void OpenFiles::switchActive(const std::string& path, bool readOnly) {
     const auto use = readOnly ? DesignFile::Use::read : DesignFile::Use::write;
     const bool again = active_ && active_->is(path);
     DesignFile* next = again ? nullptr : open(path, use, FileKind::designFile);
+    if (next) ++entryOf(*next).openings;  // holds it till it is the active one
     try {
         leaveActive(name);
     } catch (...) {
-        drop(next);
+        if (next) drop(next);
         throw;
     }
+    if (next) --entryOf(*next).openings;
     active_ = again ? open(path, use, FileKind::designFile) : next;
     publishActive();
     fireNewDesignFile(name.c_str(), 1);
@@ -170,9 +180,13 @@ ModelRef* OpenFiles::openWork(const std::string& path, FileKind kind, DesignFile
 
 void OpenFiles::closeWork(DesignFile& file) {
     if (--entryOf(file).openings > 0) return;
-    const std::unique_ptr<DesignFile> closing = std::move(entryOf(file).file);
-    drop(nullptr);
-    close(*closing);
+    try {
+        close(file);
+    } catch (...) {
+        drop(&file);
+        throw;
+    }
+    drop(&file);
 }
 
 void OpenFiles::finishCommand() {
@@ -189,10 +203,9 @@ ModelRef* OpenFiles::levelLibrary(const std::string& path) {
     const auto time = std::filesystem::last_write_time(path, failed);
     if (failed) return nullptr;
     if (!levelLibrary_ || !levelLibrary_->is(path) || levelLibraryTime_ != time) {
-        DesignFile* const read = open(path, DesignFile::Use::look, FileKind::designFile);
-        if (levelLibrary_) drop(levelLibrary_);
-        levelLibrary_ = read;
+        levelLibrary_ = open(path, DesignFile::Use::look, FileKind::designFile);
         levelLibraryTime_ = time;
+        dropUnused();
     }
     return &levelLibrary_->place;
 }
@@ -200,17 +213,16 @@ ModelRef* OpenFiles::levelLibrary(const std::string& path) {
 // ---- what the rooms of models ask ----
 
 ModelRef* openPlace(ModelRef* place) {
-    DesignFile* file = openFiles().withPlace(place);
-    return file ? &file->place : nullptr;
+    return openFiles().place(place);
 }
 
 Model* openModel(ModelRef* place) {
-    DesignFile* file = openFiles().withPlace(place);
+    DesignFile* file = openFiles().fileAt(place);
     return file ? &file->model : nullptr;
 }
 
 Model* writableModel(ModelRef* place) {
-    DesignFile* file = openFiles().withPlace(place);
+    DesignFile* file = openFiles().fileAt(place);
     if (!file) {
         fileProblem("Can't change a design file that isn't open: open it first.");
         return nullptr;

@@ -1,9 +1,11 @@
-// The design files that a session has open: the active one, work files beside it, and the level library.
+// The design files that a session has open: the active one, work files beside it, those that are
+// attached to them, and the level library.
 #pragma once
 
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "mchost/model/design_file.h"
@@ -21,8 +23,16 @@ class OpenFiles {
     Journal journal;
 
     DesignFile* active() const { return active_; }
-    // The file with the place, the active one for null; null for a place that isn't there any more.
-    DesignFile* withPlace(const ModelRef* place) const;
+    // The place itself, that of the active file for null; null for one that isn't there any more.
+    ModelRef* place(ModelRef* handle) const;
+    // The file that is shown there; null also when it can't be read.
+    DesignFile* fileAt(ModelRef* handle) const;
+    // Brings the places below one in line with what is attached to its model. A model that stands on the way to the
+    // place already isn't followed: it would show itself without end.
+    void follow(ModelRef& place);
+    // The file that is attached to another by that name, to look at: FileProblem when it can't be read.
+    DesignFile* attachedFile(const DesignFile& to, const std::string& name);
+    void dropUnused();  // files that are shown nowhere
 
     // The file that holds the model, which is open.
     const DesignFile& fileOf(const Model& model) const;
@@ -55,12 +65,19 @@ class OpenFiles {
     DesignFile* open(const std::string& path, DesignFile::Use use, FileKind kind);
     DesignFile* openHere(const std::string& path) const;
     Opened& entryOf(const DesignFile& file);
-    void drop(const DesignFile* file);
+    void drop(DesignFile* file);
     void dropActive();
     void leaveActive(const std::string& next);
     void publishActive() const;
 
+    bool isShown(const DesignFile& file) const;
+    void makePlace(ModelRef& parent, const Attachment& attachment);
+    void matchPlaces(ModelRef& place);
+    void dropBelow(ModelRef& place) noexcept;
+    void hide(const DesignFile& file) noexcept;
+
     std::vector<Opened> all_;
+    std::unordered_set<ModelRef*> places_;  // those that have a parent
     DesignFile* active_ = nullptr;
     DesignFile* levelLibrary_ = nullptr;
     std::filesystem::file_time_type levelLibraryTime_;

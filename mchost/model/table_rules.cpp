@@ -4,8 +4,10 @@
 #include <cmath>
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "mchost/base/utf8.h"
+#include "mchost/space/current.h"
 
 namespace host {
 namespace {
@@ -36,6 +38,13 @@ bool textStylesAreSound(const Model& model) {
     });
 }
 
+bool attachmentsAreSound(const Model& model) {
+    uint32_t before = 0;
+    return std::ranges::all_of(model.attachments, [&](const Attachment& attachment) {
+        return std::exchange(before, attachment.number) < attachment.number && isSound(attachment);
+    });
+}
+
 }  // namespace
 
 bool isTableName(std::wstring_view name) {
@@ -62,9 +71,17 @@ bool isFinite(const TextStyle& style) {
            std::isfinite(size.height) && std::isfinite(size.aspect);
 }
 
+bool isSound(const Attachment& attachment) {
+    const auto& [number, file, toParent, clip, shown, hidden] = attachment;
+    Transform inverse;
+    return !file.empty() && file.size() <= longestFileName && file.find('\0') == std::string::npos &&
+           invert(toParent, inverse) && clip.size() != 1 && clip.size() != 2 && clip.size() <= mostClipPoints &&
+           std::ranges::all_of(clip, [](const ClipPoint& p) { return std::isfinite(p.x) && std::isfinite(p.y); });
+}
+
 bool tablesAreSound(const Model& model) {
     return std::isfinite(model.uorPerMaster) && model.uorPerMaster > 0 && levelsAreSound(model) &&
-           lineStylesAreSound(model) && textStylesAreSound(model);
+           lineStylesAreSound(model) && textStylesAreSound(model) && attachmentsAreSound(model);
 }
 
 }  // namespace host

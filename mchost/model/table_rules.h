@@ -1,4 +1,4 @@
-// What levels and styles may be called and hold: calls and files are held to the same.
+// What levels, styles and attachments may be called and hold: calls and files are held to the same.
 #pragma once
 
 #include <span>
@@ -11,12 +11,15 @@ namespace host {
 constexpr size_t longestTableName = 511;   // characters of the name of a level or a text style
 constexpr size_t lineStyleNameBytes = 64;  // with the NUL
 constexpr size_t mostDashes = 32;
+constexpr size_t longestFileName = 4095;  // bytes
+constexpr size_t mostClipPoints = 5000;
 
 bool isTableName(std::wstring_view name);
 bool isLineStyleName(std::string_view name);
 bool isDashPattern(std::span<const double> pattern);
 bool isFinite(const LineStyleParams& params);
 bool isFinite(const TextStyle& style);
+bool isSound(const Attachment& attachment);  // but for its number
 
 // Whether all of that holds for a model's tables, each thing has its own number, and new ones will have theirs.
 bool tablesAreSound(const Model& model);

@@ -56,6 +56,18 @@ constexpr Point3d applyToVector(const Transform& t, const Point3d& v) {
 constexpr Point3d applyToPoint(const Transform& t, const Point3d& p) {
     return applyToVector(t, p) + Point3d{t.form[0][3], t.form[1][3], t.form[2][3]};
 }
+// b, and a behind it.
+constexpr Transform operator*(const Transform& a, const Transform& b) {
+    Transform product = {};
+    for (int column = 0; column < 4; ++column) {
+        const Point3d of{b.form[0][column], b.form[1][column], b.form[2][column]};
+        const Point3d to = column == 3 ? applyToPoint(a, of) : applyToVector(a, of);
+        product.form[0][column] = to.x;
+        product.form[1][column] = to.y;
+        product.form[2][column] = to.z;
+    }
+    return product;
+}
 constexpr Point3d rotate(const RotMatrix& m, const Point3d& p) {
     const auto& f = m.form;
     return {f[0][0] * p.x + f[0][1] * p.y + f[0][2] * p.z, f[1][0] * p.x + f[1][1] * p.y + f[1][2] * p.z,

@@ -65,7 +65,8 @@ inline void setModelDigests(sqlite3* database) {
           "style_end_width,over_color,over_style,over_weight FROM level ORDER BY id",
           "SELECT number,name,pattern FROM line_style ORDER BY number DESC",
           "SELECT name,font,just,style,fields,flags,slant,line_spacing,mode,width,height,aspect FROM text_style "
-          "ORDER BY name"})
+          "ORDER BY name",
+          "SELECT number,file,transform,clip,shown,hidden FROM attachment ORDER BY number"})
         each(selection, [&](sqlite3_stmt* row) { rows.add(row); });
     updates += "UPDATE model SET digest=" + std::to_string(rows.value());
     sqlite3_exec(database, updates.c_str(), nullptr, nullptr, nullptr);

@@ -7,6 +7,7 @@
 
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/level.h"
+#include "mchost/mdl/reference.h"
 #include "mchost/mdl/text.h"
 #include "tests/mchost/model/model_fixture.h"
 #include "tests/support/model_digests.h"
@@ -25,6 +26,8 @@ class DamagedFile : public DesignFileTest {
         const double dashes[] = {2, 1};
         mdlLineStyle_define(nullptr, nullptr, "fence", dashes, 2);
         mdlTextStyle_define(nullptr, L"Large", nullptr, nullptr);
+        const Point3d clip[] = {{0, 0, 0}, {9, 0, 0}, {9, 9, 0}};
+        EXPECT_EQ(mdlRefFile_attach(nullptr, nullptr, file.c_str(), nullptr, clip, 3), MDL_SUCCESS);
         for (uint32_t i = 1; i <= 200; ++i) mdlElement_add(numbered(i, level));
         close();
         whole_ = readFile("a.mcd");
@@ -54,7 +57,23 @@ class DamagedFile : public DesignFileTest {
         mdlLineStyle_nameFromNumber(style, -1, model);
         mdlLineStyle_getPattern(pattern, nullptr, -1, model);
         text += style + std::to_string(pattern[0]) + std::to_string(pattern[1]);
+        text += attachmentsOf(model);
         mdlWorkDgn_closeFile(model);
+        return text;
+    }
+
+    static std::string attachmentsOf(ModelRef* model) {
+        std::string text;
+        ModelRefIterator* places = nullptr;
+        mdlModelRefIterator_create(&places, model, MDL_ITERATE_REFERENCES, 1);
+        while (ModelRef* place = mdlModelRefIterator_getNext(places)) {
+            Point3d clip[8] = {};
+            Transform toParent = {};
+            mdlRefFile_getClip(clip, nullptr, place);
+            mdlRefFile_getTransform(&toParent, place);
+            text += std::to_string(clip[2].x) + std::to_string(toParent.form[0][0]);
+        }
+        mdlModelRefIterator_free(&places);
         return text;
     }
 
@@ -99,7 +118,7 @@ TEST_F(DamagedFile, ForeignFilesAreRefused) {
 
 TEST_F(DamagedFile, NewerVersionIsRefused) {
     makeWhole();
-    expectRefused(after("PRAGMA user_version=2"), "newer version");
+    expectRefused(after("PRAGMA user_version=3"), "newer version");
 }
 
 TEST_F(DamagedFile, ChangedTablesAreRefused) {
@@ -108,8 +127,9 @@ TEST_F(DamagedFile, ChangedTablesAreRefused) {
          {"DELETE FROM chunk", "DELETE FROM model", "UPDATE chunk SET number=1", "UPDATE chunk SET digest=digest+1",
           "UPDATE chunk SET bytes=substr(bytes,1,length(bytes)-8)", "UPDATE level SET name='Curb' WHERE name='Kerb'",
           "DELETE FROM level WHERE id=1", "UPDATE line_style SET pattern=zeroblob(8)", "DROP TABLE text_style",
-          "UPDATE model SET next_position=5", "UPDATE model SET next_position=4000000000", "CREATE TABLE more(x)",
-          "INSERT INTO chunk VALUES(1,1,0,x'')", "ALTER TABLE level RENAME COLUMN code TO cod"}) {
+          "PRAGMA user_version=1", "UPDATE attachment SET hidden=1", "UPDATE model SET next_position=5",
+          "UPDATE model SET next_position=4000000000", "CREATE TABLE more(x)", "INSERT INTO chunk VALUES(1,1,0,x'')",
+          "ALTER TABLE level RENAME COLUMN code TO cod"}) {
         SCOPED_TRACE(sql);
         expectRefused(after(sql), "damaged");
     }
@@ -120,14 +140,27 @@ TEST_F(DamagedFile, TablesThatNoCallWouldMakeAreRefused) {
     makeWhole();
     writeFile("same.mcd", after("UPDATE level SET name=name", true));
     ASSERT_TRUE(contents(path("same.mcd"))) << "the digests aren't made right";
-    for (const char* sql :
-         {"UPDATE level SET name='' WHERE id=1", "UPDATE level SET name=printf('%0600d',1) WHERE id=1",
-          "UPDATE level SET id=0 WHERE id=1", "UPDATE level SET code=2147483647 WHERE id=1",
-          "UPDATE level SET style_scale=9e999 WHERE id=1", "UPDATE model SET next_level=2",
-          "UPDATE model SET uor_per_master=0", "UPDATE line_style SET number=-2", "UPDATE line_style SET number=1",
-          "UPDATE line_style SET name=CAST(printf('%064d',1) AS BLOB)", "UPDATE line_style SET pattern=zeroblob(33*8)",
-          "UPDATE line_style SET pattern=x'000000000000F0BF'", "UPDATE text_style SET name=''",
-          "UPDATE text_style SET width=-9e999", "UPDATE chunk SET number=0.5"}) {
+    for (const char* sql : {"UPDATE level SET name='' WHERE id=1",
+                            "UPDATE level SET name=printf('%0600d',1) WHERE id=1",
+                            "UPDATE level SET id=0 WHERE id=1",
+                            "UPDATE level SET code=2147483647 WHERE id=1",
+                            "UPDATE level SET style_scale=9e999 WHERE id=1",
+                            "UPDATE model SET next_level=2",
+                            "UPDATE model SET uor_per_master=0",
+                            "UPDATE line_style SET number=-2",
+                            "UPDATE line_style SET number=1",
+                            "UPDATE line_style SET name=CAST(printf('%064d',1) AS BLOB)",
+                            "UPDATE line_style SET pattern=zeroblob(33*8)",
+                            "UPDATE line_style SET pattern=x'000000000000F0BF'",
+                            "UPDATE text_style SET name=''",
+                            "UPDATE text_style SET width=-9e999",
+                            "UPDATE attachment SET number=0",
+                            "UPDATE attachment SET file=''",
+                            "UPDATE attachment SET clip=zeroblob(32)",
+                            "UPDATE attachment SET clip=zeroblob(50)",
+                            "UPDATE attachment SET transform=zeroblob(96)",
+                            "UPDATE attachment SET transform=zeroblob(80)",
+                            "UPDATE chunk SET number=0.5"}) {
         SCOPED_TRACE(sql);
         expectRefused(after(sql, true), "damaged");
     }

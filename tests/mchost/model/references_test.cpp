@@ -1,0 +1,220 @@
+// What is attached to models: kept in files, shown in places, taken back.
+#include "mchost/mdl/reference.h"
+
+#include "mchost/mdl/files.h"
+#include "mchost/mdl/owned.hpp"
+#include "mchost/mdl/undo.h"
+#include "tests/mchost/model/model_fixture.h"
+
+namespace {
+
+constexpr Transform shift(double x, double factor = 1) {
+    return {{{factor, 0, 0, x}, {0, factor, 0, 0}, {0, 0, factor, 0}}};
+}
+
+std::vector<ModelRef*> placesIn(ModelRef* root, int32_t depth = 0) {
+    std::vector<ModelRef*> places;
+    ModelRefIterator* iterator = nullptr;
+    EXPECT_EQ(mdlModelRefIterator_create(&iterator, root, MDL_ITERATE_REFERENCES, depth), MDL_SUCCESS);
+    for (ModelRef* place = mdlModelRefIterator_getFirst(iterator); place; place = mdlModelRefIterator_getNext(iterator))
+        places.push_back(place);
+    mdlModelRefIterator_free(&iterator);
+    return places;
+}
+
+int32_t parameter(ModelRef* place, int32_t which) {
+    int32_t value = -1;
+    mdlRefFile_getParameters(&value, which, place);
+    return value;
+}
+
+double scaleOf(ModelRef* place) {
+    double scale = -1;
+    mdlRefFile_getParameters(&scale, MDL_REFERENCE_SCALE, place);
+    return scale;
+}
+
+// Number, x of the clip's first corner and x in the drawing where its first line begins, of each place, indented by how
+// deep it lies.
+std::string outline(ModelRef* root = nullptr) {
+    std::string text;
+    for (ModelRef* place : placesIn(root)) {
+        for (ModelRef* above = mdlModelRef_getParent(mdlModelRef_getParent(place)); above;
+             above = mdlModelRef_getParent(above))
+            text += " ";
+        Point3d clip[8] = {}, low = {}, high = {};
+        int32_t corners = 0;
+        EXPECT_EQ(mdlRefFile_getClip(clip, &corners, place), MDL_SUCCESS);
+        mdl::Descr ed;
+        mdlElmdscr_readToMaster(ed.out(), 1, place);
+        if (ed.get()) mdlElmdscr_computeRange(&low, &high, ed.get(), nullptr);
+        text += std::to_string(mdlRefFile_getNumber(place)) + ":" + std::to_string(int(clip[0].x)) + ":" +
+                std::to_string(int(low.x)) + "\n";
+    }
+    return text;
+}
+
+class References : public DesignFileTest {
+  protected:
+    References() {
+        create();
+        for (const uint32_t number : {1u, 2u, 3u}) {
+            const std::string name = path("part" + std::to_string(number) + ".mcd");
+            EXPECT_EQ(mdlSystem_createDesignFile(name.c_str(), 0), MDL_SUCCESS);
+            EXPECT_EQ(mdlSystem_newDesignFile(name.c_str(), 0), MDL_SUCCESS);
+            EXPECT_EQ(mdlElement_add(numbered(number)), 1u);
+        }
+        open();
+        EXPECT_EQ(mdlElement_add(numbered(7)), 1u);
+    }
+    std::string part(int number) const { return path("part" + std::to_string(number) + ".mcd"); }
+    ModelRef* attach(const std::string& name, const Transform& toParent, std::vector<Point3d> clip = {},
+                     ModelRef* parent = nullptr) {
+        ModelRef* place = nullptr;
+        EXPECT_EQ(
+            mdlRefFile_attach(&place, parent, name.c_str(), &toParent, clip.data(), static_cast<int32_t>(clip.size())),
+            MDL_SUCCESS);
+        return place;
+    }
+    // Part 2 twice, each time with another clip, and part 1 in part 2.
+    void attachNested() {
+        ModelRef* inner = nullptr;
+        ASSERT_EQ(mdlWorkDgn_openFileToWrite(&inner, part(2).c_str()), MDL_SUCCESS);
+        attach(part(1), shift(100), {}, inner);
+        ASSERT_EQ(mdlWorkDgn_closeFile(inner), MDL_SUCCESS);
+        attach(part(2), shift(1000), {{10, 0, 0}, {20, 0, 0}, {10, 10, 0}});
+        attach(part(2), shift(2000, 2), {{30, 0, 0}, {40, 0, 0}, {30, 10, 0}, {25, 5, 0}});
+    }
+};
+
+TEST_F(References, OneFileIsShownInManyPlacesNestedAndEachClipped) {
+    attachNested();
+    const std::string nested = "1:10:1002\n 1:0:1101\n2:30:2004\n 1:0:2202\n";
+    EXPECT_EQ(outline(), nested);
+    const std::vector<ModelRef*> places = placesIn(nullptr);
+    EXPECT_EQ(placesIn(nullptr, 1), (std::vector<ModelRef*>{places[0], places[2]}));
+    for (ModelRef* place : places) {
+        EXPECT_EQ(mdlModelRef_isReference(place), 1);
+        EXPECT_EQ(parameter(place, MDL_REFERENCE_SHOWN), 1);
+        EXPECT_EQ(parameter(place, MDL_REFERENCE_FOUND), 1);
+        EXPECT_EQ(parameter(place, MDL_REFERENCE_HIDDEN), 0);
+        EXPECT_EQ(allPositions(place), (std::vector<FilePos>{1}));
+    }
+    EXPECT_EQ(scaleOf(places[2]), 2);
+    EXPECT_EQ(mdlModelRef_isReference(mdlModelRef_getActive()), 0);
+    const int32_t off = 0, on = 1;
+    EXPECT_EQ(mdlRefFile_setParameters(&off, MDL_REFERENCE_SHOWN, places[2]), MDL_SUCCESS);
+    EXPECT_EQ(mdlRefFile_setParameters(&on, MDL_REFERENCE_HIDDEN, places[0]), MDL_SUCCESS);
+    EXPECT_EQ(mdlRefFile_setParameters(&on, MDL_REFERENCE_FOUND, places[0]), MDL_ERROR);
+    EXPECT_EQ(mdlRefFile_setParameters(&on, MDL_REFERENCE_HIDDEN, places[1]), MDL_ERROR) << "of an attached file";
+    onlyMessage("part1.mcd");
+    reopen();
+    EXPECT_EQ(outline(), nested);
+    const std::vector<ModelRef*> again = placesIn(nullptr);
+    EXPECT_EQ(parameter(again[2], MDL_REFERENCE_SHOWN), 0);
+    EXPECT_EQ(parameter(again[0], MDL_REFERENCE_HIDDEN), 1);
+    char name[256];
+    EXPECT_EQ(mdlRefFile_getFileName(name, sizeof name, again[1]), MDL_SUCCESS);
+    EXPECT_EQ(name, part(1));
+}
+
+TEST_F(References, AttachingAndDetachingAreTakenBack) {
+    mdlUndo_mark("attach");
+    attachNested();
+    const std::string nested = outline();
+    ModelRef* const first = placesIn(nullptr)[0];
+    mdlUndo_mark("detach");
+    mdlElement_rewrite(numbered(8), 1);
+    EXPECT_EQ(mdlRefFile_detach(3), MDL_ERROR);
+    EXPECT_EQ(mdlRefFile_detach(1), MDL_SUCCESS);
+    EXPECT_EQ(mdlModelRef_isReference(first), 0) << "the place is gone";
+    EXPECT_EQ(outline(), "2:30:2004\n 1:0:2202\n");
+    EXPECT_EQ(mdlRefFile_detachModel(placesIn(nullptr)[0]), MDL_SUCCESS);
+    EXPECT_EQ(outline(), "");
+    EXPECT_EQ(mdlUndo_undo(), MDL_SUCCESS);
+    EXPECT_EQ(outline(), nested);
+    EXPECT_EQ(numberOf(1), 7u);
+    EXPECT_EQ(mdlUndo_undo(), MDL_SUCCESS);
+    EXPECT_EQ(outline(), "");
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(mdlUndo_redo(), MDL_SUCCESS);
+    EXPECT_EQ(outline(), "");
+    EXPECT_EQ(mdlUndo_undo(), MDL_SUCCESS);
+    EXPECT_EQ(mdlRefFile_detach(-1), MDL_SUCCESS);
+    EXPECT_EQ(outline(), "");
+    reopen();
+    EXPECT_EQ(outline(), "");
+}
+
+TEST_F(References, ModelWithinItselfIsShownOnce) {
+    attach(file, shift(500));
+    EXPECT_EQ(outline(), "1:0:507\n");
+    mdlElement_rewrite(numbered(9), 1);
+    EXPECT_EQ(outline(), "1:0:509\n") << "as it is now";
+}
+
+TEST_F(References, FileThatIsNotFoundIsAPlaceAndIsLookedForBesideTheOther) {
+    std::filesystem::create_directory(path("parts"));
+    const std::string there = path("parts/part.mcd");
+    std::filesystem::copy_file(part(3), there);
+    attach(there, shift(10));
+    reopen();
+    EXPECT_EQ(outline(), "1:0:13\n");
+    close();
+    std::filesystem::rename(there, path("part.mcd"));
+    open();
+    EXPECT_EQ(outline(), "1:0:13\n") << "beside the file";
+    close();
+    std::filesystem::remove(path("part.mcd"));
+    open();
+    EXPECT_EQ(outline(), "1:0:0\n");
+    onlyMessage("part.mcd");
+    ModelRef* const lost = placesIn(nullptr)[0];
+    EXPECT_EQ(parameter(lost, MDL_REFERENCE_FOUND), 0);
+    EXPECT_EQ(mdlModelRef_isReadOnly(lost), 1);
+    EXPECT_EQ(allPositions(lost), std::vector<FilePos>{});
+}
+
+// A file that is shown stays when it is closed as what it also was.
+TEST_F(References, ClosedFileGoesOnBeingShown) {
+    ModelRef* work = nullptr;
+    ASSERT_EQ(mdlWorkDgn_openFileToWrite(&work, part(1).c_str()), MDL_SUCCESS);
+    ModelRef* const place = attach(part(1), shift(0));
+    mdl::Descr ed;
+    ASSERT_EQ(mdlElmdscr_new(ed.out(), work, numbered(5)), MDL_SUCCESS);
+    EXPECT_EQ(mdlElmdscr_add(ed.get()), 2u);
+    EXPECT_EQ(numberOf(2, place), 5u) << "as it is now";
+    EXPECT_EQ(mdlWorkDgn_closeFile(work), MDL_SUCCESS);
+    EXPECT_EQ(placesIn(nullptr), std::vector<ModelRef*>{place});
+    EXPECT_EQ(numberOf(2, place), 5u);
+    EXPECT_EQ(mdlElement_rewrite(numbered(6), 2), 0u) << "of the active model";
+    EXPECT_EQ(mdlWorkDgn_closeFile(place), MDL_ERROR);
+}
+
+TEST_F(References, WhatCannotBeAttachedIsRefused) {
+    const Transform flat = {{{1, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 1, 0}}}, good = shift(0);
+    const Point3d clip[] = {{0, 0, 0}, {1, 0, 0}, {1 / 0.0, 1, 0}};
+    struct Case {
+        std::string name;
+        const Transform* transform;
+        int32_t corners;
+        const char* why;
+    };
+    for (const Case& c :
+         {Case{part(1), &flat, 0, "no way back"}, Case{part(1), &good, 2, "clip"}, Case{part(1), &good, 3, "clip"},
+          Case{path("none.mcd"), &good, 0, "none.mcd"},
+          Case{writeFile("foreign.mcd", "text"), &good, 0, "isn't a design file"}, Case{"", &good, 0, "no name"}}) {
+        SCOPED_TRACE(c.name + c.why);
+        EXPECT_EQ(mdlRefFile_attach(nullptr, nullptr, c.name.c_str(), c.transform, clip, c.corners), MDL_ERROR);
+        EXPECT_NE(onlyMessage(c.name).find(c.why), std::string::npos);
+    }
+    ModelRef* const place = attach(part(1), good);
+    EXPECT_EQ(mdlRefFile_attach(nullptr, place, part(2).c_str(), &good, nullptr, 0), MDL_ERROR);
+    onlyMessage("attached itself");
+    reopen();
+    open(true);
+    EXPECT_EQ(mdlRefFile_attach(nullptr, nullptr, part(2).c_str(), &good, nullptr, 0), MDL_ERROR);
+    onlyMessage("read only");
+    EXPECT_EQ(outline(), "1:0:1\n");
+}
+
+}  // namespace
