@@ -25,9 +25,10 @@ HOST_EXPORT bool giveReset();
 // What the dynamics of the command displayed at the last move of the cursor.
 HOST_EXPORT const std::vector<mdl::DescrPtr>& dynamicElements();
 
-// Serves commands: takes the key-ins and then the answers of the front end as data points and resets, until no command
-// runs. When nobody answers the command is ended, and the result is false. Whoever waits for events of the user calls
-// it when commandRuns().
+// Runs the loop: commands get their points and resets, from key-ins first, and the dialogs that are open can be used
+// meanwhile. serve() until the front end says that nothing is left to do, serveCommands() until no command runs. False
+// when nobody answers: a command is ended then.
+HOST_EXPORT bool serve();
 HOST_EXPORT bool serveCommands();
 
 }  // namespace host

@@ -7,10 +7,10 @@
 
 #include "mchost/base/charset.h"
 #include "mchost/command/command.h"
+#include "mchost/dialog/dialog.h"
 #include "mchost/mdl/state.h"
 #include "mchost/mdl/transform.h"
-#include "mchost/session/front_end.h"
-#include "mchost/session/keyin.h"
+#include "mchost/session/loop.h"
 #include "mchost/session/session.h"
 #include "mchost/space/vector.h"
 #include "mchost/space/view.h"
@@ -24,7 +24,7 @@ void skipBlanks(std::string_view& text) {
     text.remove_prefix(std::min(text.size(), text.find_first_not_of(" \t\r")));
 }
 
-bool take(std::string_view& text, char c) {
+bool skip(std::string_view& text, char c) {
     skipBlanks(text);
     if (!text.starts_with(c)) return false;
     text.remove_prefix(1);
@@ -43,8 +43,8 @@ std::optional<Number> takeNumber(std::string_view& text) {
 
 std::optional<CommandInput> pointIn(std::string_view text) {
     const auto x = takeNumber<double>(text);
-    const auto y = x && take(text, ',') ? takeNumber<double>(text) : std::nullopt;
-    const bool three = y && take(text, ',');
+    const auto y = x && skip(text, ',') ? takeNumber<double>(text) : std::nullopt;
+    const bool three = y && skip(text, ',');
     const auto z = three ? takeNumber<double>(text) : std::optional(0.0);
     if (!y || !z || !isFinite({*x, *y, *z})) return std::nullopt;
     skipBlanks(text);
@@ -54,25 +54,8 @@ std::optional<CommandInput> pointIn(std::string_view text) {
     return CommandInput{CommandInput::Kind::point, {*x, *y, *z}, *view - 1};
 }
 
-// The first key-in to the host that gives a point or a reset, as a line of the user.
-std::optional<std::string> takeKeyIn() {
-    std::vector<KeyIn>& queue = keyInQueue();
-    const auto found = std::ranges::find_if(queue, [](const KeyIn& keyIn) {
-        return keyIn.task.empty() && (keyIn.text.starts_with(pointKeyIn) || keyIn.text == resetKeyIn);
-    });
-    if (found == queue.end()) return std::nullopt;
-    std::string line = found->text.starts_with(pointKeyIn) ? found->text.substr(pointKeyIn.size()) : "";
-    queue.erase(found);
-    return line;
-}
-
-std::optional<std::string> nextLine(std::string_view complaint) {
-    if (auto keyIn = takeKeyIn()) return keyIn;
-    Session* session = Session::current();
-    if (session == nullptr) return std::nullopt;
-    session->runDueTimers();
-    if (!commandRuns()) return "";
-    return session->frontEnd().commandLine(utf8FromNarrow(commandPrompt()), complaint);
+bool isForCommand(const KeyIn& keyIn) {
+    return keyIn.text.starts_with(pointKeyIn) || keyIn.text == resetKeyIn;
 }
 
 // A reset first, so that the command can let go of what it holds.
@@ -82,16 +65,59 @@ void leaveCommand() {
     if (commandSerial() == serial) mdlState_startDefaultCommand();
 }
 
-void follow(const CommandInput& input) {
+bool follow(const CommandInput& input) {
     switch (input.kind) {
-        case CommandInput::Kind::point: {
-            const double uor = mdlCnv_masterToUOR(nullptr, 1, nullptr);
-            giveDataPoint(input.point * uor, input.view);
-            break;
-        }
-        case CommandInput::Kind::reset: giveReset(); break;
-        case CommandInput::Kind::end: leaveCommand(); break;
+        case CommandInput::Kind::point: return giveDataPoint(inUor(input.point), input.view);
+        case CommandInput::Kind::reset: return giveReset();
+        case CommandInput::Kind::end: leaveCommand(); return true;
     }
+    return false;
+}
+
+// One that a command takes, else it waits for the end of what runs.
+bool take(const KeyIn& keyIn) {
+    if (!isForCommand(keyIn) || !commandRuns()) {
+        const ApplicationScope control(nullptr);
+        keyInQueue().push_back(keyIn);
+        return true;
+    }
+    const std::string_view text = keyIn.text;
+    const auto input = commandInputIn(text.starts_with(pointKeyIn) ? text.substr(pointKeyIn.size()) : text);
+    return input && follow(*input);
+}
+
+// Whether the event was carried out.
+struct CarryOut {
+    bool operator()(const KeyIn& keyIn) const { return take(keyIn); }
+    bool operator()(const DataPoint& given) const { return giveDataPoint(given.point, given.view); }
+    bool operator()(const CursorMove& move) const { return moveCursor(move.point, move.view); }
+    bool operator()(const Reset&) const { return giveReset(); }
+    bool operator()(const CommandEnd&) const { return leaveCommand(), true; }
+    bool operator()(const DialogEvent& event) const { return carryOut(event); }
+    bool operator()(const Nothing&) const { return true; }
+    template <class Other>
+    bool operator()(const Other&) const {
+        return false;
+    }
+};
+
+Event nextOfAny() {
+    if (!commandRuns()) return nextEvent(AnyEvent{});
+    return nextEvent(AnyEvent{utf8FromNarrow(commandPrompt()), commandSerial()}, isForCommand);
+}
+
+// Serves for as long as `isToGoOn`; false when nobody answers.
+bool serveWhile(bool (*isToGoOn)()) {
+    while (isToGoOn()) {
+        const Event event = nextOfAny();
+        const bool quits = std::holds_alternative<Quit>(event);
+        if (quits || std::holds_alternative<NobodyThere>(event)) {
+            if (commandRuns()) leaveCommand();
+            return quits;
+        }
+        if (!std::visit(CarryOut{}, event)) tellRefused(event);
+    }
+    return true;
 }
 
 }  // namespace
@@ -104,21 +130,16 @@ std::optional<CommandInput> commandInputIn(std::string_view line) {
     return pointIn(line);
 }
 
+Point3d inUor(const Point3d& masterUnits) {
+    return masterUnits * mdlCnv_masterToUOR(nullptr, 1, nullptr);
+}
+
+bool serve() {
+    return serveWhile([] { return true; });
+}
+
 bool serveCommands() {
-    std::string complaint;
-    while (commandRuns()) {
-        const std::optional<std::string> line = nextLine(complaint);
-        if (!line) {
-            leaveCommand();
-            return false;
-        }
-        const std::optional<CommandInput> input = commandInputIn(*line);
-        // Open windows can be used meanwhile.
-        const bool taken = input || Session::current()->frontEnd().answerOpenDialog(*line);
-        complaint = taken ? "" : "\"" + *line + "\" isn't a point";
-        if (input) follow(*input);
-    }
-    return true;
+    return serveWhile(commandRuns);
 }
 
 }  // namespace host

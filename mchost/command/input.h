@@ -20,4 +20,7 @@ struct CommandInput {
 // Nothing for what can't be read.
 HOST_EXPORT std::optional<CommandInput> commandInputIn(std::string_view line);
 
+// Of the active model.
+Point3d inUor(const Point3d& masterUnits);
+
 }  // namespace host

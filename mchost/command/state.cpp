@@ -68,6 +68,17 @@ void keep(const ElementDescr* ed) {
     if (mdlElmdscr_duplicate(&copy, ed) == MDL_SUCCESS) state().drawn.emplace_back(copy);
 }
 
+void tellDisplayed(const ElementDescr& shown, int32_t drawMode) {
+    if (Session* const session = Session::current()) session->frontEnd().displayed(shown, drawMode);
+}
+
+// Stands for an element that is in no descriptor.
+ElementDescr elementAlone(const MSElementBuffer* element) {
+    ElementDescr alone{};
+    alone.element = const_cast<MSElementBuffer*>(element);
+    return alone;
+}
+
 bool canDisplay(const MSElementBuffer* element, int32_t drawMode) {
     const bool known = (drawMode >= MDL_DRAW && drawMode <= MDL_HIGHLIGHT) || drawMode == MDL_DYNAMICS;
     return known && element && elementIsSound(element, MDL_ELEMENT_BYTES);
@@ -133,10 +144,10 @@ int mdlState_startPrimitive(MdlDataPointFunction dataPoint, MdlResetFunction res
         MdlDesc* const owner = mdlSystem_getCurrMdlDesc();
         startDefault();
         state().running = {.serial = ++state().lastSerial,
-                         .owner = owner,
-                         .model = activeModelSerial(),
-                         .dataPoint = dataPoint,
-                         .restart = restart};
+                           .owner = owner,
+                           .model = activeModelSerial(),
+                           .dataPoint = dataPoint,
+                           .restart = restart};
         letGoAtEnd<endCommandOf>(owner);
         return MDL_SUCCESS;
     });
@@ -182,6 +193,7 @@ int mdlElement_display(const MSElementBuffer* element, int32_t drawMode) {
         if (!canDisplay(element, drawMode)) return MDL_ERROR;
         ElementDescr* shown = nullptr;
         const bool seen = drawMode == MDL_DYNAMICS && state().inDynamics;
+        tellDisplayed(elementAlone(element), drawMode);
         if (seen && mdlElmdscr_new(&shown, nullptr, element) == MDL_SUCCESS) state().drawn.emplace_back(shown);
         return MDL_SUCCESS;
     });
@@ -191,6 +203,7 @@ int mdlElmdscr_display(ElementDescr* ed, ModelRef*, int32_t drawMode) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (ed == nullptr || !canDisplay(ed->element, drawMode)) return MDL_ERROR;
         if (drawMode == MDL_DYNAMICS && state().inDynamics) keep(ed);
+        tellDisplayed(*ed, drawMode);
         return MDL_SUCCESS;
     });
 }

@@ -9,6 +9,7 @@
 #include "mchost/dialog/registry.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/system.h"
+#include "mchost/session/session.h"
 
 namespace host {
 
@@ -61,6 +62,11 @@ std::optional<std::string> acceptable(const DialogItem& item, std::string_view v
         }
         default: return std::nullopt;
     }
+}
+
+FrontEnd* frontEnd() {
+    Session* const session = Session::current();
+    return session ? &session->frontEnd() : nullptr;
 }
 
 bool hasList(const DialogItem& item) {
@@ -154,7 +160,9 @@ bool Dialog::open() {
     createItems();
     synchItems();
     if (life_ == Life::opening) sendToDialog(DIALOG_INIT);
-    if (life_ == Life::opening) life_ = Life::open;
+    if (life_ != Life::opening) return false;
+    life_ = Life::open;
+    if (FrontEnd* const front = frontEnd()) front->dialogOpened(*this);
     return life_ == Life::open;
 }
 
@@ -168,8 +176,9 @@ void Dialog::createItems() {
 
 void Dialog::synchItems() {
     for (size_t i = 0; i < items_.size() && life_ == Life::opening; ++i) sendToItem(i, ITEM_FILL);
-    for (DialogItem& item : items_) {
-        if (item.access.empty() || life_ != Life::opening || synch(item)) continue;
+    for (size_t i = 0; i < items_.size(); ++i) {
+        const DialogItem& item = items_[i];
+        if (item.access.empty() || life_ != Life::opening || synch(i)) continue;
         const AccessResult result = resolveAccess(item.access);
         if (!result.place && !result.onNull) tellBadAccess(id_, item, result.fault);
     }
@@ -188,6 +197,7 @@ void Dialog::end(int32_t reply) {
     for (DialogItem& item : items_) item.list = nullptr;  // the owner may have destroyed it by now
     life_ = Life::ended;
     forgetDialog(*this);
+    if (FrontEnd* const front = frontEnd()) front->dialogClosed(*this);
 }
 
 // ---- events ----
@@ -226,6 +236,7 @@ bool Dialog::selectRow(size_t index, int32_t row) {
 bool Dialog::type(size_t index, std::string text) {
     if (!usable(index) || items_[index].kind != ITEM_TEXT || !setFocus(index)) return false;
     edit_ = std::move(text);
+    tellChanged(index);
     return true;
 }
 
@@ -245,7 +256,9 @@ bool Dialog::setFocus(size_t index) {
     if (index == focus_) return true;
     const auto self = shared_from_this();
     endEdit();
+    if (focus_ != noItem) tellChanged(focus_);
     focus_ = index;
+    if (focus_ != noItem) tellChanged(focus_);
     return true;
 }
 
@@ -289,21 +302,92 @@ bool Dialog::change(size_t index, std::string_view value) {
     const EventScope scope;
     const bool changed = item.value != *next;
     item.value = *std::move(next);
+    tellChanged(index);
     sendToItem(index, ITEM_STATE_CHANGED, 0, changed);
     return true;
 }
 
 bool Dialog::changeSelection(size_t index, int32_t row) {
-    DialogItem& item = items_[index];
     const auto self = shared_from_this();
     const EventScope scope;
-    const bool changed = item.selectedRow != row;
-    if (!select(item, row)) return false;
+    const bool changed = items_[index].selectedRow != row;
+    if (!select(index, row)) return false;
     sendToItem(index, ITEM_STATE_CHANGED, 0, changed);
     return true;
 }
 
 // ---- state ----
+
+void Dialog::tellChanged(size_t index) {
+    if (life_ != Life::open) return;
+    if (FrontEnd* const front = frontEnd()) front->dialogChanged(*this, index);
+}
+
+void Dialog::setTitle(std::string title) {
+    title_ = std::move(title);
+    tellChanged(noItem);
+}
+
+void Dialog::moveItem(size_t index, int32_t left, int32_t top) {
+    DialogRect& rect = items_[index].rect;
+    rect = {left, top, left + (rect.right - rect.left), top + (rect.bottom - rect.top)};
+    items_[index].drawn = false;
+    tellChanged(index);
+}
+
+void Dialog::setItemExtent(size_t index, int32_t width, int32_t height) {
+    DialogRect& rect = items_[index].rect;
+    rect.right = rect.left + std::max(width, 0);
+    rect.bottom = rect.top + std::max(height, 0);
+    items_[index].drawn = false;
+    tellChanged(index);
+}
+
+void Dialog::setLabel(size_t index, std::string label) {
+    items_[index].label = std::move(label);
+    tellChanged(index);
+}
+
+void Dialog::showItem(size_t index, bool show) {
+    DialogItem& item = items_[index];
+    item.drawn = item.drawn && item.shown && show;
+    item.shown = show;
+    tellChanged(index);
+}
+
+void Dialog::enableItem(size_t index, bool enable) {
+    items_[index].enabled = enable;
+    tellChanged(index);
+}
+
+void Dialog::setFormat(size_t index, std::string format) {
+    items_[index].format = std::move(format);
+}
+
+void Dialog::setList(size_t index, StringList* list, int32_t columns) {
+    DialogItem& item = items_[index];
+    item.list = list;
+    item.columns = columns;
+    if (item.selectedRow >= rowCount(item)) item.selectedRow = -1;
+    tellChanged(index);
+}
+
+void Dialog::clearRows(size_t index) {
+    items_[index].rows.clear();
+    tellChanged(index);
+}
+
+void Dialog::addRow(size_t index, std::string label, int32_t value) {
+    DialogItem& item = items_[index];
+    item.rows.push_back({std::move(label), value, true});
+    if (item.value.empty()) item.value = std::to_string(value);
+    tellChanged(index);
+}
+
+void Dialog::enableRow(size_t index, size_t row, bool enable) {
+    items_[index].rows[row].enabled = enable;
+    tellChanged(index);
+}
 
 bool Dialog::isVisible(const DialogItem& item) const {
     if (!item.shown || item.group == 0) return item.shown;
@@ -311,7 +395,8 @@ bool Dialog::isVisible(const DialogItem& item) const {
     return box < 0 || items_[static_cast<size_t>(box)].shown;
 }
 
-bool Dialog::select(DialogItem& item, int32_t row) {
+bool Dialog::select(size_t index, int32_t row) {
+    DialogItem& item = items_[index];
     if (row < -1 || row >= rowCount(item)) return false;
     const std::string value = std::to_string(row);
     if (!item.access.empty()) {
@@ -320,11 +405,8 @@ bool Dialog::select(DialogItem& item, int32_t row) {
     }
     item.selectedRow = row;
     item.value = value;
+    tellChanged(index);
     return true;
-}
-
-DialogItem* Dialog::itemAt(int32_t index) {
-    return index >= 0 && static_cast<size_t>(index) < items_.size() ? &items_[static_cast<size_t>(index)] : nullptr;
 }
 
 int32_t Dialog::indexOf(int32_t kind, int32_t id) const {
@@ -338,9 +420,11 @@ void Dialog::setExtent(int32_t width, int32_t height) {
     height_ = std::max(height, 0);
     drawing_.clear();
     for (DialogItem& item : items_) item.drawn = false;
+    tellChanged(noItem);
 }
 
-bool Dialog::synch(DialogItem& item) {
+bool Dialog::synch(size_t index) {
+    DialogItem& item = items_[index];
     if (item.access.empty()) return false;
     const AccessResult result = resolveAccess(item.access);
     if (!result.place) return false;
@@ -349,6 +433,7 @@ bool Dialog::synch(DialogItem& item) {
         const int32_t row = asNumber(item.value);
         item.selectedRow = row >= 0 && row < rowCount(item) ? row : -1;
     }
+    tellChanged(index);
     return true;
 }
 
@@ -389,6 +474,7 @@ void Dialog::draw(size_t index) {
     const int32_t outer = std::exchange(drawingItem_, static_cast<int32_t>(index));
     sendToItem(index, ITEM_DRAW);
     drawingItem_ = outer;
+    tellChanged(index);
 }
 
 // What an item's hook draws is dropped before the hook draws again. Elsewhere a call takes the place of the earlier one
@@ -404,11 +490,13 @@ void Dialog::add(DrawCall call) {
         drawing_.push_back(std::move(call));
     else
         *same = std::move(call);
+    tellChanged(noItem);
 }
 
 void Dialog::clear() {
     drawing_.clear();
     for (DialogItem& item : items_) item.drawing.clear();
+    tellChanged(noItem);
 }
 
 }  // namespace host

@@ -1,5 +1,6 @@
 // Open dialogs. A dialog is state: its items with their values, and the drawing that hooks left. A front end shows that
-// state and calls the event functions; hooks run inside them and may close, open or change any dialog meanwhile.
+// state, is told what changes in it, and gives events, which call the event functions; hooks run inside them and may
+// close, open or change any dialog meanwhile.
 //
 // Handles (MdlDialog*, MdlItem*) are numbers that are never given twice, not addresses: one that outlives its dialog
 // finds nothing and does no harm.
@@ -16,6 +17,7 @@
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/view.h"
 #include "mchost/resource/container.h"
+#include "mchost/session/front_end.h"
 
 namespace host {
 
@@ -132,13 +134,22 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     bool activate(size_t index);
     void close() { end(0); }
 
-    // ---- for the calls of the host ----
+    // ---- for the calls of the host; an index is that of an item ----
 
     MdlDesc* owner() const { return owner_; }
-    int32_t reply() const { return reply_; }  // id of the action that ended it, 0 when it was closed otherwise
-    DialogItem* itemAt(int32_t index);
+    int32_t reply() const { return reply_; }          // id of the action that ended it, 0 when it was closed otherwise
     int32_t indexOf(int32_t kind, int32_t id) const;  // -1: none
-    void setTitle(std::string title) { title_ = std::move(title); }
+    void setTitle(std::string title);
+    void moveItem(size_t index, int32_t left, int32_t top);
+    void setItemExtent(size_t index, int32_t width, int32_t height);
+    void setLabel(size_t index, std::string label);
+    void showItem(size_t index, bool show);
+    void enableItem(size_t index, bool enable);
+    void setFormat(size_t index, std::string format);
+    void setList(size_t index, StringList* list, int32_t columns);
+    void clearRows(size_t index);
+    void addRow(size_t index, std::string label, int32_t value);
+    void enableRow(size_t index, size_t row, bool enable);
     void setExtent(int32_t width, int32_t height);
     int32_t font() const { return font_; }
     void setFont(int32_t font) { font_ = font; }
@@ -150,13 +161,13 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     void clear();  // the display list
     bool open();   // sends the messages of creation; false when a hook closed it meanwhile
     void end(int32_t reply);
-    bool synch(DialogItem& item);
+    bool synch(size_t index);
     bool change(size_t index, std::string_view value);  // as a user would, whatever the item's state
     bool setFocus(size_t index);                        // noItem: away from all; a running edit ends
     void signal(size_t index, int32_t signal, int32_t value);
-    bool select(DialogItem& item, int32_t row);  // a row, or -1, without a message; its access string keeps it
-    void draw(size_t index);                     // at once; an item that isn't on show yet when it is
-    void add(DrawCall call);                     // to the item whose hook is drawing, else to the dialog
+    bool select(size_t index, int32_t row);  // a row, or -1, without a message; its access string keeps it
+    void draw(size_t index);                 // at once; an item that isn't on show yet when it is
+    void add(DrawCall call);                 // to the item whose hook is drawing, else to the dialog
     // Its end has begun: no event reaches it any more.
     bool ending() const { return life_ == Life::closing || life_ == Life::ended; }
     MdlDialog* handle() const;
@@ -166,6 +177,7 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
     enum class Life { opening, open, closing, ended };
 
     bool usable(size_t index) const;
+    void tellChanged(size_t index);  // noItem: the dialog itself
     void sendToDialog(int32_t type, int32_t resized = 0);
     // The message as the hook left it. `state` is that of ITEM_BUTTON; other messages take the item's value.
     DialogMessage sendToItem(size_t index, int32_t type, int32_t state = 0, int32_t changed = 0);
@@ -199,6 +211,12 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
 
 // The dialogs that are open without being modal, in order of opening.
 HOST_EXPORT std::vector<std::shared_ptr<Dialog>> openDialogs();
+
+// Carries out what was done to a dialog; false when it can't be done.
+HOST_EXPORT bool carryOut(const DialogEvent& event);
+
+// Runs the loop for a dialog that has been opened as a modal one until it has ended; false when nobody answers.
+HOST_EXPORT bool runModal(Dialog& dialog);
 
 // Dialogs that were told to close when control is back in the host. The host calls this where it has control.
 HOST_EXPORT void closeQueuedDialogs();

@@ -5,6 +5,7 @@
 #include "mchost/dialog/registry.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/open_files.h"
+#include "mchost/session/loop.h"
 #include "mchost/session/session.h"
 
 namespace host {
@@ -26,13 +27,32 @@ std::shared_ptr<Dialog> makeDialog(RscHandle file, int32_t dialogId, bool modal)
     return dialog->open() ? dialog : nullptr;
 }
 
-// False when nobody answered. Control is with the host while the dialog waits.
-bool runModal(Dialog& dialog) {
-    closeQueuedDialogs();
-    return Session::current()->frontEnd().runModal(dialog) && dialog.ended();
+}  // namespace
+
+bool carryOut(const DialogEvent& event) {
+    Dialog& dialog = *event.dialog;
+    switch (event.kind) {
+        case DialogEvent::Kind::press: return dialog.press(event.item);
+        case DialogEvent::Kind::setValue: return dialog.setValue(event.item, event.value);
+        case DialogEvent::Kind::selectRow: return dialog.selectRow(event.item, event.row);
+        case DialogEvent::Kind::type: return dialog.type(event.item, event.value);
+        case DialogEvent::Kind::activate: return dialog.activate(event.item);
+        case DialogEvent::Kind::resize: return dialog.resize(event.width, event.height);
+        case DialogEvent::Kind::close: dialog.close(); return true;
+    }
+    return false;
 }
 
-}  // namespace
+bool runModal(Dialog& dialog) {
+    const auto self = dialog.shared_from_this();
+    while (!dialog.ended()) {
+        const Event event = nextEvent(ModalDialog{self});
+        if (std::holds_alternative<NobodyThere>(event) || std::holds_alternative<Quit>(event)) return false;
+        const auto* done = std::get_if<DialogEvent>(&event);
+        if (done && done->dialog == self && !carryOut(*done)) tellRefused(event);
+    }
+    return true;
+}
 
 }  // namespace host
 

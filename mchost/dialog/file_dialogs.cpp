@@ -18,7 +18,7 @@
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/owned.hpp"
-#include "mchost/session/front_end.h"
+#include "mchost/session/loop.h"
 #include "mchost/session/session.h"
 #include "mchost/session/state.h"
 
@@ -102,9 +102,13 @@ std::vector<std::string> allUtf8(const std::vector<std::string>& texts) {
     return all;
 }
 
+bool agrees(const std::string& question) {
+    return answerTo<Agreement>(Confirmation{question}).value_or(Agreement{false}).yes;
+}
+
 class FileDialog {
   public:
-    FileDialog(FrontEnd& frontEnd, Request request) : frontEnd_(frontEnd), request_(std::move(request)) {}
+    explicit FileDialog(Request request) : request_(std::move(request)) {}
 
     // The full name of a file or directory, or nothing.
     std::optional<std::string> one() {
@@ -151,7 +155,7 @@ class FileDialog {
                                     allUtf8(r.remembered),
                                     allUtf8(r.members),
                                     utf8FromNarrow(std::exchange(complaint_, {}))};
-        const std::optional<std::string> answer = frontEnd_.askFile(question);
+        const std::optional<std::string> answer = answerTo<FileAnswer>(question).value_or(FileAnswer{}).text;
         return answer ? std::optional(hostName(*answer)) : std::nullopt;
     }
 
@@ -209,8 +213,7 @@ class FileDialog {
         const std::string folder = std::string(parts.device) + std::string(parts.directory);
         if (!isFolder(folder))
             return complain("The directory \"" + folder + "\" isn't there. Make it, or give another name.");
-        if (exists(name) &&
-            !frontEnd_.confirm(utf8FromNarrow("The file \"" + name + "\" is there already. Replace it?")))
+        if (exists(name) && !agrees(utf8FromNarrow("The file \"" + name + "\" is there already. Replace it?")))
             return std::nullopt;
         return name;
     }
@@ -268,7 +271,6 @@ class FileDialog {
         return files;
     }
 
-    FrontEnd& frontEnd_;
     Request request_;
     std::string complaint_;
 };
@@ -322,11 +324,6 @@ void apply(const UserFileRecord& record, Request& request) {
 
 // ---- calls ----
 
-FrontEnd* frontEnd() {
-    Session* const session = Session::current();
-    return session ? &session->frontEnd() : nullptr;
-}
-
 Request requestOf(Kind kind, const char* suggested, const char* filter, const char* directory, const char* title) {
     Request request{.kind = kind,
                     .title = textOf(title),
@@ -347,9 +344,8 @@ int answer(char* result, FileDialog& dialog) {
 int askForFile(Kind kind, char* result, const char* suggested, const char* filter, const char* directory,
                const char* title) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        FrontEnd* const front = frontEnd();
-        if (!front || !result) return MDL_ERROR;
-        FileDialog dialog(*front, requestOf(kind, suggested, filter, directory, title));
+        if (!Session::current() || !result) return MDL_ERROR;
+        FileDialog dialog(requestOf(kind, suggested, filter, directory, title));
         return answer(result, dialog);
     });
 }
@@ -357,12 +353,11 @@ int askForFile(Kind kind, char* result, const char* suggested, const char* filte
 int askForRememberedFile(Kind kind, char* result, const char* suggested, const char* filter, const char* directory,
                          const char* title, int32_t id, RscHandle handle) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        FrontEnd* const front = frontEnd();
-        if (!front || !result) return MDL_ERROR;
+        if (!Session::current() || !result) return MDL_ERROR;
         UserFileRecord record = recordOf(handle, id);
         Request request = requestOf(kind, suggested, filter, directory, title);
         apply(record, request);
-        FileDialog dialog(*front, std::move(request));
+        FileDialog dialog(std::move(request));
         const int status = answer(result, dialog);
         if (status != MDL_SUCCESS) return status;
         remember(record, result, dialog.request().filter);
@@ -390,9 +385,9 @@ mdl::StringListPtr listOf(const std::vector<std::string>& members) {
     return list;
 }
 
-StringList* editList(FrontEnd& front, FileDialogResult& result, Request request, bool several) {
+StringList* editList(FileDialogResult& result, Request request, bool several) {
     const bool wantsFolder = request.kind == Kind::directory;
-    FileDialog dialog(front, std::move(request));
+    FileDialog dialog(std::move(request));
     std::optional<std::vector<std::string>> members;
     if (wantsFolder) {
         if (auto folder = dialog.one()) members = {std::move(*folder)};
@@ -439,12 +434,11 @@ StringList* mdlFileList_edit(FileDialogResult* result, const StringList* list, i
     FileDialogResult& reply = result ? *result : own;
     reply.reply = MDL_FILES_CANCEL;
     return guarded<StringList*>(nullptr, [&]() -> StringList* {
-        FrontEnd* const front = frontEnd();
-        if (!front) return nullptr;
+        if (!Session::current()) return nullptr;
         const Kind kind = options & MDL_FILE_LIST_DIRECTORY ? Kind::directory : Kind::list;
         Request request = requestOf(kind, nullptr, reply.filter[0] != '\0' ? reply.filter : filter, directory, title);
         request.listTitle = textOf(listTitle);
         request.members = membersOf(list);
-        return editList(*front, reply, std::move(request), (options & MDL_FILE_LIST_SEVERAL) != 0);
+        return editList(reply, std::move(request), (options & MDL_FILE_LIST_SEVERAL) != 0);
     });
 }

@@ -78,26 +78,21 @@ void mdlDialog_itemRect(DialogRect* rect, const MdlItem* handle) {
 
 void mdlDialog_itemMove(MdlItem* handle, int32_t left, int32_t top) {
     host::onItem(handle, 0, [&](const ItemRef& item) -> int {
-        const int32_t x = std::abs(left), y = std::abs(top);
-        const DialogRect& r = item->rect;
-        item->rect = {x, y, x + (r.right - r.left), y + (r.bottom - r.top)};
-        item->drawn = false;
+        item.dialog->moveItem(item.index, std::abs(left), std::abs(top));
         return MDL_SUCCESS;
     });
 }
 
 void mdlDialog_itemSetExtent(MdlItem* handle, int32_t width, int32_t height) {
     host::onItem(handle, 0, [&](const ItemRef& item) -> int {
-        item->rect.right = item->rect.left + std::max(width, 0);
-        item->rect.bottom = item->rect.top + std::max(height, 0);
-        item->drawn = false;
+        item.dialog->setItemExtent(item.index, width, height);
         return MDL_SUCCESS;
     });
 }
 
 void mdlDialog_itemSetLabel(MdlItem* handle, const char* label) {
     host::onItem(handle, 0, [&](const ItemRef& item) -> int {
-        if (label) item->label = std::string(label);
+        if (label) item.dialog->setLabel(item.index, label);
         return MDL_SUCCESS;
     });
 }
@@ -109,8 +104,7 @@ const char* mdlDialog_itemGetLabel(const MdlItem* handle) {
 
 void mdlDialog_itemShow(MdlItem* handle, int32_t show) {
     host::onItem(handle, 0, [&](const ItemRef& item) -> int {
-        item->drawn = item->drawn && item->shown && show;
-        item->shown = show != 0;
+        item.dialog->showItem(item.index, show != 0);
         return MDL_SUCCESS;
     });
 }
@@ -127,14 +121,14 @@ int mdlDialog_itemIsEnabled(const MdlItem* handle) {
 
 void mdlDialog_itemEnable(MdlItem* handle, int32_t enable) {
     host::onItem(handle, 0, [&](const ItemRef& item) -> int {
-        item->enabled = enable != 0;
+        item.dialog->enableItem(item.index, enable != 0);
         return MDL_SUCCESS;
     });
 }
 
 int mdlDialog_itemSynch(MdlItem* handle) {
-    return host::onItem(handle, 0,
-                        [](const ItemRef& item) -> int { return item.dialog->synch(*item) ? MDL_SUCCESS : MDL_ERROR; });
+    return host::onItem(
+        handle, 0, [](const ItemRef& item) -> int { return item.dialog->synch(item.index) ? MDL_SUCCESS : MDL_ERROR; });
 }
 
 int mdlDialog_itemsSynch(MdlDialog* handle) {
@@ -142,8 +136,8 @@ int mdlDialog_itemsSynch(MdlDialog* handle) {
         const auto dialog = host::dialogOf(handle);
         if (!dialog) return MDL_ERROR;
         int status = MDL_SUCCESS;
-        for (int32_t i = 0; host::DialogItem* item = dialog->itemAt(i); ++i)
-            if (!item->access.empty() && !dialog->synch(*item)) status = MDL_ERROR;
+        for (size_t i = 0; i < dialog->items().size(); ++i)
+            if (!dialog->items()[i].access.empty() && !dialog->synch(i)) status = MDL_ERROR;
         return status;
     });
 }
@@ -198,7 +192,7 @@ int mdlDialog_textSetInfo(MdlItem* handle, const char* format) {
     return host::onItem(handle, ITEM_TEXT, [&](const ItemRef& item) -> int {
         const std::string next = format ? format : "";
         if (next.size() >= host::formatSize || (!next.empty() && !host::isValueFormat(next))) return MDL_ERROR;
-        item->format = next;
+        item.dialog->setFormat(item.index, next);
         return MDL_SUCCESS;
     });
 }
@@ -212,9 +206,7 @@ namespace {
 int setList(MdlItem* handle, int32_t kind, StringList* list, int32_t columns) {
     return onItem(handle, kind, [&](const ItemRef& item) -> int {
         if (columns < 1) return MDL_ERROR;
-        item->list = list;
-        item->columns = columns;
-        if (item->selectedRow >= Dialog::rowCount(*item)) item->selectedRow = -1;
+        item.dialog->setList(item.index, list, columns);
         return MDL_SUCCESS;
     });
 }
@@ -226,7 +218,7 @@ StringList* listOf(const MdlItem* handle, int32_t kind) {
 
 int selectRow(MdlItem* handle, int32_t kind, int32_t row) {
     return onItem(handle, kind, [&](const ItemRef& item) -> int {
-        return item.dialog->select(*item, row) ? MDL_SUCCESS : MDL_ERROR;
+        return item.dialog->select(item.index, row) ? MDL_SUCCESS : MDL_ERROR;
     });
 }
 
@@ -275,7 +267,7 @@ int32_t mdlDialog_comboBoxGetSelectedRow(const MdlItem* item) {
 
 int mdlDialog_optionButtonDeleteAll(MdlItem* handle) {
     return host::onItem(handle, ITEM_OPTION_BUTTON, [](const ItemRef& item) -> int {
-        item->rows.clear();
+        item.dialog->clearRows(item.index);
         return MDL_SUCCESS;
     });
 }
@@ -283,8 +275,7 @@ int mdlDialog_optionButtonDeleteAll(MdlItem* handle) {
 int mdlDialog_optionButtonInsert(MdlItem* handle, const char* label, int32_t value) {
     return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
         if (!label) return MDL_ERROR;
-        item->rows.push_back({label, value, true});
-        if (item->value.empty()) item->value = std::to_string(value);
+        item.dialog->addRow(item.index, label, value);
         return MDL_SUCCESS;
     });
 }
@@ -307,7 +298,7 @@ int mdlDialog_optionButtonGet(const MdlItem* handle, int32_t row, const char** l
 int mdlDialog_optionButtonEnableRow(MdlItem* handle, int32_t row, int32_t enable) {
     return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
         if (row < 0 || static_cast<size_t>(row) >= item->rows.size()) return MDL_ERROR;
-        item->rows[static_cast<size_t>(row)].enabled = enable != 0;
+        item.dialog->enableRow(item.index, static_cast<size_t>(row), enable != 0);
         return MDL_SUCCESS;
     });
 }

@@ -15,8 +15,8 @@ HOST_EXPORT std::shared_ptr<Dialog> dialogOf(const MdlDialog* handle);
 struct ItemRef {
     std::shared_ptr<Dialog> dialog;
     size_t index = 0;
-    DialogItem* operator->() const { return dialog->itemAt(static_cast<int32_t>(index)); }
-    DialogItem& operator*() const { return *dialog->itemAt(static_cast<int32_t>(index)); }
+    const DialogItem* operator->() const { return &dialog->items()[index]; }
+    const DialogItem& operator*() const { return dialog->items()[index]; }
     explicit operator bool() const { return dialog != nullptr; }
 };
 ItemRef itemOf(const MdlItem* handle);

@@ -240,12 +240,7 @@ int mchost_listApplications(void (*found)(void*, const char*, const char*), void
 }
 
 int mchost_serve(void) {
-    return inSession([](Session& session) -> int {
-        do {
-            if (!serveCommands()) return MDL_ERROR;
-        } while (session.frontEnd().serveOpenDialog());
-        return MDL_SUCCESS;
-    });
+    return inSession([](Session&) -> int { return serve() ? MDL_SUCCESS : MDL_ERROR; });
 }
 
 const char* mchost_lastError(void) {

@@ -24,10 +24,12 @@ constexpr auto words = std::to_array<Word>({
     {"picture", "FILE.png", "makes a picture of this window"},
 });
 
-constexpr Followed done{true, {}};
-
 Followed refused(std::string complaint) {
-    return {true, std::move(complaint)};
+    return {.complaint = std::move(complaint), .event = {}};
+}
+
+Followed done(DialogEvent event) {
+    return {.complaint = {}, .event = std::move(event)};
 }
 
 std::string_view trimmed(std::string_view text) {
@@ -97,24 +99,30 @@ std::string ambiguous(const Dialog& dialog, const std::vector<size_t>& items, st
 
 // ---- values ----
 
-bool choose(Dialog& dialog, size_t index, std::string_view value) {
-    std::vector<OptionRow> rows = dialog.items()[index].rows;
+DialogEvent eventOn(Dialog& dialog, size_t item, DialogEvent::Kind kind) {
+    return {.kind = kind, .dialog = dialog.shared_from_this(), .item = item};
+}
+
+// The value of the row that is chosen by its label or number.
+std::optional<std::string> chosenValue(const DialogItem& item, std::string_view value) {
+    std::vector<OptionRow> rows = item.rows;
     std::erase_if(rows, [](const OptionRow& r) { return !r.enabled; });
     const std::string wanted = folded(value);
     auto row = std::ranges::find_if(rows, [&](const OptionRow& r) { return folded(r.label) == wanted; });
     if (const auto number = numberIn(value); row == rows.end() && number && *number >= 1 && *number <= rows.size())
         row = rows.begin() + static_cast<ptrdiff_t>(*number - 1);
-    return row != rows.end() && dialog.setValue(index, std::to_string(row->value));
+    return row == rows.end() ? std::nullopt : std::optional(std::to_string(row->value));
 }
 
 // A row by the text in its first column, else by its number.
-bool selectRow(Dialog& dialog, size_t index, std::string_view value) {
-    const DialogItem& item = dialog.items()[index];
+std::optional<int32_t> chosenRow(const DialogItem& item, std::string_view value) {
     const std::string wanted = folded(value);
-    for (int32_t row = 0; row < Dialog::rowCount(item); ++row)
-        if (folded(Dialog::cellText(item, row, 0)) == wanted) return dialog.selectRow(index, row);
+    const int32_t count = Dialog::rowCount(item);
+    for (int32_t row = 0; row < count; ++row)
+        if (folded(Dialog::cellText(item, row, 0)) == wanted) return row;
     const auto number = numberIn(value);
-    return number && *number >= 1 && *number <= INT32_MAX && dialog.selectRow(index, static_cast<int32_t>(*number) - 1);
+    const bool known = number && *number >= 1 && *number <= static_cast<size_t>(count);
+    return known ? std::optional(static_cast<int32_t>(*number) - 1) : std::nullopt;
 }
 
 // Why an item didn't take a value, as the end of a sentence.
@@ -129,27 +137,35 @@ std::string reasonOf(const Dialog& dialog, size_t index) {
     }
 }
 
+std::string notTaken(const Dialog& dialog, size_t index, std::string_view value) {
+    const std::string label = utf8FromNarrow(dialog.items()[index].label);
+    return (label.empty() ? "" : label + ": ") + quoted(value) + " " + reasonOf(dialog, index) + ".";
+}
+
 Followed setItem(Dialog& dialog, size_t index, std::string_view value) {
     const DialogItem& item = dialog.items()[index];
-    const std::string label = utf8FromNarrow(item.label);
-    bool set = false;
-    switch (item.kind) {
-        case ITEM_PUSH_BUTTON: return refused(label + " is a button, which takes no value.");
-        case ITEM_OPTION_BUTTON: set = choose(dialog, index, value); break;
-        case ITEM_COMBO_BOX:
-        case ITEM_LIST_BOX: set = selectRow(dialog, index, value); break;
-        default: set = dialog.setValue(index, value);
+    DialogEvent event = eventOn(dialog, index, DialogEvent::Kind::setValue);
+    if (item.kind == ITEM_PUSH_BUTTON)
+        return refused(utf8FromNarrow(item.label) + " is a button, which takes no value.");
+    if (item.kind == ITEM_COMBO_BOX || item.kind == ITEM_LIST_BOX) {
+        const auto row = chosenRow(item, value);
+        if (!row) return refused(notTaken(dialog, index, value));
+        event.kind = DialogEvent::Kind::selectRow;
+        event.row = *row;
+        return done(std::move(event));
     }
-    if (set) return done;
-    return refused((label.empty() ? "" : label + ": ") + quoted(value) + " " + reasonOf(dialog, index) + ".");
+    const auto set = item.kind == ITEM_OPTION_BUTTON ? chosenValue(item, value) : std::string(value);
+    if (!set) return refused(notTaken(dialog, index, value));
+    event.value = *set;
+    return done(std::move(event));
 }
 
 Followed use(Dialog& dialog, size_t index) {
     const DialogItem& item = dialog.items()[index];
     const std::string label = utf8FromNarrow(item.label);
-    const bool used = item.kind == ITEM_TOGGLE ? dialog.setValue(index, item.value == "1" ? "0" : "1")
-                                               : item.kind == ITEM_PUSH_BUTTON && dialog.press(index);
-    return used ? done : refused(label + (label.empty() ? "This item" : "") + " takes a value: number=value.");
+    if (item.kind == ITEM_TOGGLE) return setItem(dialog, index, item.value == "1" ? "0" : "1");
+    if (item.kind == ITEM_PUSH_BUTTON) return done(eventOn(dialog, index, DialogEvent::Kind::press));
+    return refused(label + (label.empty() ? "This item" : "") + " takes a value: number=value.");
 }
 
 // ---- answers ----
@@ -162,10 +178,10 @@ Followed followNumber(Dialog& dialog, size_t number, const std::string_view* val
     return value ? setItem(dialog, numbered[number - 1], *value) : use(dialog, numbered[number - 1]);
 }
 
-Followed followLabel(Dialog& dialog, const std::vector<size_t>& items, std::string_view name,
-                     const std::string_view* value) {
+std::optional<Followed> followLabel(Dialog& dialog, const std::vector<size_t>& items, std::string_view name,
+                                    const std::string_view* value) {
     const std::vector<size_t> found = labelled(dialog, items, name);
-    if (found.empty()) return {};
+    if (found.empty()) return std::nullopt;
     if (found.size() > 1) return refused(ambiguous(dialog, found, name));
     return value ? setItem(dialog, found[0], *value) : use(dialog, found[0]);
 }
@@ -175,26 +191,25 @@ Followed resizeTo(Dialog& dialog, std::string_view size) {
     const auto width = numberIn(size.substr(0, cross)), height = numberIn(size.substr(cross + 1));
     if (!width || !height || std::max(*width, *height) > mostPixels)
         return refused(quoted(size) + " isn't WIDTHxHEIGHT in pixels, such as 800x600.");
-    const bool resized = dialog.resize(static_cast<int32_t>(*width), static_cast<int32_t>(*height));
-    return resized ? done : refused("This window keeps its size.");
+    DialogEvent event = eventOn(dialog, Dialog::noItem, DialogEvent::Kind::resize);
+    event.width = static_cast<int32_t>(*width);
+    event.height = static_cast<int32_t>(*height);
+    return done(std::move(event));
 }
 
-Followed savePicture(Dialog& dialog, const std::string& name) {
-    if (mdlWindow_savePicture(dialog.handle(), name.c_str()) == MDL_SUCCESS) return done;
+Followed savePicture(const Dialog& dialog, const std::string& name) {
+    if (mdlWindow_savePicture(dialog.handle(), name.c_str()) == MDL_SUCCESS) return {};
     return refused("No picture could be written to " + utf8FromNarrow(name) +
                    ". Give a name that ends in .png, in a folder that is there.");
 }
 
-Followed followWord(Dialog& dialog, std::string_view answer) {
+std::optional<Followed> followWord(Dialog& dialog, std::string_view answer) {
     const size_t blank = std::min(answer.find(' '), answer.size());
     const std::string_view word = answer.substr(0, blank), rest = trimmed(answer.substr(blank));
-    if (word == "close" && rest.empty()) {
-        dialog.close();
-        return done;
-    }
+    if (word == "close" && rest.empty()) return done(eventOn(dialog, Dialog::noItem, DialogEvent::Kind::close));
     if (word == "picture" && !rest.empty()) return savePicture(dialog, std::string(rest));
     if (word == "size" && !rest.empty()) return resizeTo(dialog, rest);
-    return {};
+    return std::nullopt;
 }
 
 // Those of the texts that begin as was typed, letter case aside.
@@ -209,22 +224,31 @@ Completion completionAmong(std::vector<std::string> texts, std::string_view type
 
 }  // namespace
 
-Followed followAnswer(Dialog& dialog, std::string_view answer) {
+std::optional<Followed> followAnswer(Dialog& dialog, std::string_view answer) {
     answer = trimmed(answer);
     if (answer.empty()) {
         const auto button = defaultButton(dialog);
         if (!button) return refused("No button is meant by an empty answer here.");
-        return dialog.press(*button) ? done : refused("The button can't be pressed now.");
+        return use(dialog, *button);
     }
-    if (const Followed pressed = followLabel(dialog, usable(dialog, true), answer, nullptr); pressed.fits)
-        return pressed;
+    if (auto pressed = followLabel(dialog, usable(dialog, true), answer, nullptr)) return pressed;
     const size_t equals = answer.find('=');
     const std::string_view name = trimmed(answer.substr(0, equals));
     const std::string_view text = equals == answer.npos ? std::string_view() : trimmed(answer.substr(equals + 1));
     const std::string_view* const value = equals == answer.npos ? nullptr : &text;
     if (const auto number = numberIn(name)) return followNumber(dialog, *number, value);
-    const Followed set = followLabel(dialog, usable(dialog, false), name, value);
-    return set.fits ? set : followWord(dialog, answer);
+    if (auto set = followLabel(dialog, usable(dialog, false), name, value)) return set;
+    return followWord(dialog, answer);
+}
+
+std::string complaintOf(const DialogEvent& event) {
+    switch (event.kind) {
+        case DialogEvent::Kind::press: return "The button can't be pressed now.";
+        case DialogEvent::Kind::setValue: return notTaken(*event.dialog, event.item, event.value);
+        case DialogEvent::Kind::selectRow: return notTaken(*event.dialog, event.item, std::to_string(event.row + 1));
+        case DialogEvent::Kind::resize: return "This window keeps its size.";
+        default: return "This can't be done now.";
+    }
 }
 
 std::optional<size_t> firstButton(const Dialog& dialog) {

@@ -14,12 +14,15 @@
 namespace host {
 
 struct Followed {
-    bool fits = false;      // the answer means something in this dialog
-    std::string complaint;  // why it wasn't carried out, as a sentence; empty when it was
+    std::string complaint = {};             // why it can't be carried out, as a sentence, or empty
+    std::optional<DialogEvent> event = {};  // what is to be done, unless there is a complaint or it was done at once
 };
 
-// Presses a button, sets an item or follows a word for the window, as the answer asks.
-Followed followAnswer(Dialog& dialog, std::string_view answer);
+// What an answer asks for: to press a button, to set an item, or a word for the window. Nothing for one that means
+// nothing in this dialog.
+std::optional<Followed> followAnswer(Dialog& dialog, std::string_view answer);
+// Why an event wasn't carried out, as a sentence.
+std::string complaintOf(const DialogEvent& event);
 
 // Buttons that can be pressed, by their place among the items.
 std::optional<size_t> defaultButton(const Dialog& dialog);

@@ -1,6 +1,7 @@
 // The front end of a session that is begun without one.
 #include <cstdio>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "mchost/front/dialog_text.h"
@@ -16,14 +17,18 @@ class PlainFrontEnd : public FrontEnd {
   public:
     void console(std::string_view text) override { std::fwrite(text.data(), 1, text.size(), stdout); }
     void messageField(int, std::string_view) override {}
-    void messageCenter(int, std::string_view brief, std::string_view details) override {
-        std::fprintf(stderr, "%.*s%s%.*s\n", static_cast<int>(brief.size()), brief.data(), details.empty() ? "" : ": ",
-                     static_cast<int>(details.size()), details.data());
+    void message(const Message& message) override {
+        const std::string line = std::string(message.brief) + (message.details.empty() ? "" : ": ");
+        std::fprintf(stderr, "%s%s\n", line.c_str(), std::string(message.details).c_str());
     }
-    bool runModal(Dialog& dialog) override {
-        dialog.refresh();
-        std::fputs(textOf(dialog).c_str(), stderr);
-        return false;
+    Event wait(const Awaited& awaited, std::optional<std::chrono::milliseconds>) override {
+        const auto* modal = std::get_if<ModalDialog>(&awaited);
+        if (modal) {
+            modal->dialog->refresh();
+            std::fputs(textOf(*modal->dialog).c_str(), stderr);
+        }
+        const auto* any = std::get_if<AnyEvent>(&awaited);
+        return any && any->command == 0 ? Event(Quit{}) : Event(NobodyThere{});
     }
 };
 

@@ -15,12 +15,12 @@
 
 #include "mchost/base/charset.h"
 #include "mchost/command/command.h"
+#include "mchost/command/input.h"
 #include "mchost/front/dialog_text.h"
 #include "mchost/front/dialog_words.h"
 #include "mchost/front/file_question.h"
 #include "mchost/front/line_editor.h"
 #include "mchost/mdl/system.h"
-#include "mchost/session/session.h"
 
 namespace host {
 
@@ -108,102 +108,134 @@ class TerminalFrontEnd : public FrontEnd {
         progressShown_ = !text.empty();
     }
 
-    void messageCenter(int, std::string_view brief, std::string_view details) override {
-        tell(std::string(brief) + (details.empty() ? "" : ": ") + std::string(details) + "\n");
+    void message(const Message& message) override {
+        tell(std::string(message.brief) + (message.details.empty() ? "" : ": ") + std::string(message.details) + "\n");
     }
 
-    void takeNote() override {
-        if (attended()) nextAnswer("Press Enter to go on > ");
+    void refused(const Event& event) override {
+        if (const auto* done = std::get_if<DialogEvent>(&event)) refuse(complaintOf(*done) + "\n");
     }
 
-    bool runModal(Dialog& dialog) override {
-        while (!dialog.ended()) {
-            present(dialog);
-            if (dialog.ended()) break;
-            if (const auto answer = askAbout(dialog))
-                take(dialog, *answer);
-            else if (!answerUnattended(dialog))
-                return false;
-        }
-        return true;
+    Event wait(const Awaited& awaited, std::optional<std::chrono::milliseconds>) override {
+        return std::visit([this](const auto& asked) { return next(asked); }, awaited);
     }
 
-    std::optional<std::string> commandLine(std::string_view prompt, std::string_view complaint) override {
-        if (!complaint.empty()) refuse(std::string(complaint) + ". " + std::string(pointHelp));
-        show(std::string(prompt) + "\n");
-        while (auto answer = nextAnswer("x,y[,z] [view] > ")) {
-            if (!isCallForHelp(*answer)) return answer;
+  private:
+    // ---- what is asked for, each with the event that answers it ----
+
+    Event next(const Note&) {
+        if (!attended()) return NobodyThere{};
+        nextAnswer("Press Enter to go on > ");
+        return Noted{};
+    }
+
+    Event next(const ModalDialog& modal) {
+        Dialog& dialog = *modal.dialog;
+        if (wasPressed(dialog)) return closing(dialog);  // the button didn't end it
+        present(dialog);
+        if (dialog.ended()) return Nothing{};
+        if (const auto answer = askAbout(dialog)) return meantBy(dialog, *answer);
+        const auto button = firstButton(dialog);
+        if (button && (options_.yes || endingButtons(dialog) == 1)) return pressing(dialog, *button);
+        refuse("Nobody answers. Answer at a terminal, or run with --yes or --answers FILE.\n");
+        return NobodyThere{};
+    }
+
+    Event next(const AnyEvent& any) {
+        if (any.command != 0) return nextForCommand(any);
+        const auto dialog = turnedTo();
+        if (!dialog) return Quit{};
+        present(*dialog);
+        if (dialog->ended()) return Nothing{};
+        if (openDialogs().size() > 1) show(windowList(*dialog));
+        if (const auto answer = askAbout(*dialog)) return meantBy(*dialog, *answer);
+        // In an unattended run the dialog stays until commands that the button starts have been served.
+        const auto button = options_.yes && !wasPressed(*dialog) ? firstButton(*dialog) : std::nullopt;
+        return button ? pressing(*dialog, *button) : closing(*dialog);
+    }
+
+    // A point or a reset, or something for the window that is open beside the command.
+    Event nextForCommand(const AnyEvent& any) {
+        if (const auto used = std::exchange(used_, {}).lock(); used && !used->ended()) present(*used);
+        show(any.prompt + "\n");
+        while (const auto answer = nextAnswer("x,y[,z] [view] > ")) {
+            if (!isCallForHelp(*answer)) return meantForCommand(*answer);
             show(std::string(pointHelp) + (openDialogs().empty() ? "" : "Any other answer goes to the open window:\n"));
             if (const auto dialog = turnedTo()) show(helpOn(*dialog));
         }
-        if (options_.yes && std::exchange(pointedAt_, commandSerial()) != commandSerial()) {
+        if (options_.yes && std::exchange(pointedAt_, any.command) != any.command) {
             show("> 0,0\n");
-            return "0,0";
+            return DataPoint{{}, 0};
         }
         show("Nobody gives a point. Answer at a terminal, or run with --answers FILE.\n");
-        return std::nullopt;
+        return NobodyThere{};
     }
 
-    std::optional<std::string> askFile(const FileQuestion& question) override {
+    Event meantForCommand(const std::string& answer) {
+        const auto input = commandInputIn(answer);
+        if (!input) {
+            const auto dialog = turnedTo();
+            const auto meant = dialog ? meaningOf(*dialog, answer) : std::nullopt;
+            used_ = dialog;
+            if (meant) return *meant;
+            used_.reset();
+            refuse("\"" + answer + "\" isn't a point. " + std::string(pointHelp));
+            return Nothing{};
+        }
+        switch (input->kind) {
+            case CommandInput::Kind::point: return DataPoint{inUor(input->point), input->view};
+            case CommandInput::Kind::reset: return Reset{};
+            default: return CommandEnd{};
+        }
+    }
+
+    Event next(const FileQuestion& question) {
         show(textOf(question));
         if (!question.complaint.empty()) mdlSystem_noteFailure();
         const LineHelp help{[&](std::string_view typed) { return completeFileName(question, typed); },
                             question.remembered};
         if (const auto answer = nextAnswer(promptOf(question), help)) {
             const std::string_view name = trimmed(*answer);
-            return name == "!" ? std::nullopt : std::optional(std::string(name));
+            return name == "!" ? FileAnswer{} : FileAnswer{std::string(name)};
         }
         const bool oneIsMissing = question.suggested.empty() && (question.kind == FileQuestion::Kind::open ||
                                                                  question.kind == FileQuestion::Kind::create);
         if (options_.yes && !oneIsMissing && question.complaint.empty()) {
             show("> " + question.suggested + "\n");
-            return std::string();
+            return FileAnswer{std::string()};
         }
         if (!gaveUp_) refuse("Nobody names a file. Answer at a terminal, or run with --answers FILE.\n");
-        return std::nullopt;
+        return NobodyThere{};
     }
 
-    bool confirm(std::string_view question) override {
-        show(std::string(question) + "\n");
+    Event next(const Confirmation& confirmation) {
+        show(confirmation.question + "\n");
         if (const auto answer = nextAnswer("[no] y/n > ")) {
             const std::string_view word = trimmed(*answer);
-            return !word.empty() && std::string_view("yYjJ").find(word[0]) != std::string_view::npos;
+            return Agreement{!word.empty() && std::string_view("yYjJ").find(word[0]) != std::string_view::npos};
         }
         if (options_.yes) show("> yes\n");
-        return options_.yes;
+        return Agreement{options_.yes};
     }
 
-    bool serveOpenDialog() override {
-        const auto dialog = turnedTo();
-        if (!dialog) return false;
-        present(*dialog);
-        if (dialog->ended()) return true;
-        if (openDialogs().size() > 1) show(windowList(*dialog));
-        if (const auto answer = askAbout(*dialog))
-            take(*dialog, *answer);
-        else if (options_.yes && pressed_.lock() != dialog)
-            pressFirst(dialog);
-        else
-            dialog->close();
-        return true;
+    // ---- unattended runs ----
+
+    bool wasPressed(const Dialog& dialog) const {
+        return std::ranges::any_of(pressed_, [&](const auto& known) { return known.lock().get() == &dialog; });
     }
 
-    bool answerOpenDialog(std::string_view line) override {
-        const auto dialog = turnedTo();
-        if (!dialog || trimmed(line).empty() || !follow(*dialog, line)) return false;
-        if (!dialog->ended()) present(*dialog);
-        return true;
+    Event pressing(Dialog& dialog, size_t button) {
+        std::erase_if(pressed_, [](const auto& known) { return known.expired(); });
+        pressed_.push_back(dialog.weak_from_this());
+        if (options_.yes) show("> " + utf8FromNarrow(dialog.items()[button].label) + "\n");
+        return DialogEvent{.kind = DialogEvent::Kind::press, .dialog = dialog.shared_from_this(), .item = button};
     }
 
-  private:
-    // In an unattended run: the dialog stays until commands that the button starts have been served.
-    void pressFirst(const std::shared_ptr<Dialog>& dialog) {
-        pressed_ = dialog;
-        const auto button = firstButton(*dialog);
-        if (!button) return;
-        show("> " + utf8FromNarrow(dialog->items()[*button].label) + "\n");
-        dialog->press(*button);
+    static Event closing(Dialog& dialog) {
+        return DialogEvent{.kind = DialogEvent::Kind::close, .dialog = dialog.shared_from_this()};
     }
+
+    // ---- dialogs ----
 
     // The dialog that answers are for: the one that was turned to, else the last opened; null when none is open.
     std::shared_ptr<Dialog> turnedTo() const {
@@ -215,7 +247,6 @@ class TerminalFrontEnd : public FrontEnd {
 
     // Whoever reads on a terminal sees a dialog once, and then what changes in it, so that messages stay in sight.
     void present(Dialog& dialog) {
-        if (Session* session = Session::current()) session->runDueTimers();
         dialog.refresh();
         if (dialog.ended()) return;
         const std::string text = textOf(dialog);
@@ -319,20 +350,21 @@ class TerminalFrontEnd : public FrontEnd {
                           {[&](std::string_view typed) { return completeAnswer(dialog, typed); }, history_});
     }
 
-    void take(Dialog& dialog, std::string_view answer) {
-        if (!follow(dialog, answer))
-            refuse("This can't be done here: \"" + std::string(trimmed(answer)) +
-                   "\". \"help\" lists what can be done.\n");
+    Event meantBy(Dialog& dialog, std::string_view answer) {
+        if (const auto meant = meaningOf(dialog, answer)) return *meant;
+        refuse("This can't be done here: \"" + std::string(trimmed(answer)) + "\". \"help\" lists what can be done.\n");
+        return Event{};
     }
 
-    // False when the answer means nothing here.
-    bool follow(Dialog& dialog, std::string_view answer) {
-        if (isCallForHelp(answer)) return show(helpOf(dialog)), true;
+    // Nothing when the answer means nothing here.
+    std::optional<Event> meaningOf(Dialog& dialog, std::string_view answer) {
+        if (isCallForHelp(answer)) return show(helpOf(dialog)), Event{};
         const NarrowText narrow = narrowFromUtf8(trimmed(answer));
-        if (narrow.badPosition) return refuse("There is a character in this answer that can't be used.\n"), true;
-        const Followed followed = followAnswer(dialog, narrow.text);
-        if (!followed.complaint.empty()) refuse(followed.complaint + "\n");
-        return followed.fits || followWord(dialog, narrow.text);
+        if (narrow.badPosition) return refuse("There is a character in this answer that can't be used.\n"), Event{};
+        auto followed = followAnswer(dialog, narrow.text);
+        if (!followed) return followWord(dialog, narrow.text) ? std::optional(Event{}) : std::nullopt;
+        if (!followed->complaint.empty()) refuse(followed->complaint + "\n");
+        return followed->event ? Event{*std::move(followed->event)} : Event{};
     }
 
     // Words that are for this front end and not for a dialog.
@@ -362,19 +394,6 @@ class TerminalFrontEnd : public FrontEnd {
         mdlSystem_noteFailure();
     }
 
-    bool answerUnattended(Dialog& dialog) {
-        const auto button = firstButton(dialog);
-        const bool onlyOne = endingButtons(dialog) == 1;
-        if (!button || !(options_.yes || onlyOne)) {
-            refuse("Nobody answers. Answer at a terminal, or run with --yes or --answers FILE.\n");
-            return false;
-        }
-        if (options_.yes) show("> " + utf8FromNarrow(dialog.items()[*button].label) + "\n");
-        dialog.press(*button);
-        dialog.close();  // where the button didn't
-        return true;
-    }
-
     struct ShownDialog {
         std::weak_ptr<Dialog> dialog;
         std::vector<std::string> lines;
@@ -384,15 +403,16 @@ class TerminalFrontEnd : public FrontEnd {
     bool asks_;
     bool showsProgress_;
     bool progressShown_ = false;
-    bool scripted_ = false;             // the last answer came from the file
-    bool gaveUp_ = false;               // the user left the last question without an answer
-    uint64_t pointedAt_ = 0;            // the command that an unattended run gave its one point
-    std::weak_ptr<Dialog> turnedTo_;    // of the dialogs that aren't modal
-    std::string told_;                  // messages since the last answer
-    std::vector<std::string> history_;  // answers that were typed, the latest first
-    std::vector<ShownDialog> shown_;    // what was shown of the dialogs that are open
-    std::weak_ptr<Dialog> presented_;   // the last one shown
-    std::weak_ptr<Dialog> pressed_;     // the one whose first button an unattended run has pressed
+    bool scripted_ = false;                       // the last answer came from the file
+    bool gaveUp_ = false;                         // the user left the last question without an answer
+    uint64_t pointedAt_ = 0;                      // the command that an unattended run gave its one point
+    std::weak_ptr<Dialog> turnedTo_;              // of the dialogs that aren't modal
+    std::string told_;                            // messages since the last answer
+    std::vector<std::string> history_;            // answers that were typed, the latest first
+    std::vector<ShownDialog> shown_;              // what was shown of the dialogs that are open
+    std::weak_ptr<Dialog> presented_;             // the last one shown
+    std::weak_ptr<Dialog> used_;                  // the one that an answer went to while a command waited
+    std::vector<std::weak_ptr<Dialog>> pressed_;  // those whose first button an unattended run has pressed
     TerminalOptions options_;
 };
 

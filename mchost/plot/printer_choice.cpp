@@ -70,15 +70,14 @@ DialogLayout layoutFor(const std::vector<std::string>& paths) {
 }  // namespace
 
 std::optional<PrinterChoice> choosePrinter(const std::string& current) {
-    Session* session = Session::current();
     const std::vector<Printer> all = printers();
-    if (session == nullptr || all.empty()) return std::nullopt;
+    if (!Session::current() || all.empty()) return std::nullopt;
     const std::vector<std::string> paths = choices(all, current);
     const auto dialog = std::make_shared<Dialog>(layoutFor(paths), nullptr, true, currentLanguage());
     registerDialog(dialog);
     if (!dialog->open()) return std::nullopt;
     dialog->setValue(0, std::to_string(placeOf(all, current)));
-    const bool answered = session->frontEnd().runModal(*dialog) && dialog->ended();
+    const bool answered = runModal(*dialog);
     dialog->close();
     if (!answered) return std::nullopt;
     const size_t row = std::stoul(dialog->items()[0].value);

@@ -6,6 +6,7 @@
 #include "mchost/base/charset.h"
 #include "mchost/base/guard.h"
 #include "mchost/mdl/system.h"
+#include "mchost/session/loop.h"
 #include "mchost/session/output.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/session/state.h"
@@ -51,10 +52,10 @@ std::string utf8Of(const char* narrow) {
     return narrow == nullptr ? std::string() : utf8FromNarrow(narrow);
 }
 
-void toMessageCenter(int priority, const std::string& brief, const std::string& details) {
+void toMessageCenter(int priority, const std::string& brief, const std::string& details, bool alert = false) {
     if (priority == errorPriority) lastError() = brief + (details.empty() ? "" : ": ") + details;
     if (activeState != nullptr) {
-        activeState->frontEnd->messageCenter(priority, brief, details);
+        activeState->frontEnd->message({priority, brief, details, alert});
     } else {
         std::fprintf(stderr, "%s%s%s\n", brief.c_str(), details.empty() ? "" : ": ", details.c_str());
     }
@@ -126,8 +127,8 @@ int mdlOutput_printf(int field, const char* format, ...) {
 
 int mdlOutput_messageCenter(int priority, const char* brief, const char* details, int openAlert) {
     return guarded<int>(MDL_ERROR, [&] {
-        toMessageCenter(priority, utf8Of(brief), utf8Of(details));
-        if (openAlert != 0 && activeState != nullptr) activeState->frontEnd->takeNote();
+        toMessageCenter(priority, utf8Of(brief), utf8Of(details), openAlert != 0);
+        if (openAlert != 0) answerTo<Noted>(Note{});
         return MDL_SUCCESS;
     });
 }

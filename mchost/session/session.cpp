@@ -39,7 +39,7 @@ bool designFileIsOpen() {
 // Control is back in the host: tells the rooms that wait for that, carries out key-ins, and stores what the finished
 // command changed.
 void finishCommand(Session::State& state) {
-    for (void (*observer)() : sessionState<ReturnObservers>().all) observer();
+    tellReturn();
     std::erase_if(keyInQueue(), [&](const KeyIn& k) { return k.task.empty() && state.carryOut && state.carryOut(k); });
     if (designFileIsOpen() && mdlSystem_saveDesignFile() != MDL_SUCCESS) markFailed();
 }
@@ -109,6 +109,10 @@ void observeSessionEnd(void (*observer)()) {
 
 void observeReturn(void (*observer)()) {
     sessionState<ReturnObservers>().all.push_back(observer);
+}
+
+void tellReturn() {
+    for (void (*observer)() : sessionState<ReturnObservers>().all) observer();
 }
 
 ApplicationScope::ApplicationScope(MdlDesc* desc) : before_(currentApplication), entered_(desc) {

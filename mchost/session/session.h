@@ -3,9 +3,11 @@
 // design file.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -64,8 +66,10 @@ class HOST_EXPORT Session {
 
     // Turns the clock by hand: from the first call on time stands still between calls. Timers that fall due run.
     void advanceTicks(int32_t ticks);
-    // Runs the timers that are due by now. Whoever waits for events calls it now and then.
-    void runDueTimers();
+    // Runs the timers that are due by now; whether there were any.
+    bool runDueTimers();
+    // Nothing when no timer is set.
+    std::optional<std::chrono::milliseconds> timeToNextTimer() const;
 
     struct State;
     State& state();
@@ -101,6 +105,8 @@ void markFailed();
 // Has `observer` called each time that control is back in the host, before the finished command is stored, for as long
 // as the session lasts.
 HOST_EXPORT void observeReturn(void (*observer)());
+// Tells those observers; for the loop, which has control while an application waits in it.
+void tellReturn();
 
 // Calls the new-design-file functions of all applications: state 0 before the open file is closed, 1 when the new one
 // is open.

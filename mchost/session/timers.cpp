@@ -64,12 +64,22 @@ void Session::advanceTicks(int32_t ticks) {
     clock.ticks = std::max(clock.ticks, target);
 }
 
-void Session::runDueTimers() {
+bool Session::runDueTimers() {
     const int32_t limit = now();
+    bool ran = false;
     for (auto next = nextTimer(state_->timers, limit); next != state_->timers.end();
          next = nextTimer(state_->timers, limit)) {
         run(*state_, next);
+        ran = true;
     }
+    return ran;
+}
+
+std::optional<std::chrono::milliseconds> Session::timeToNextTimer() const {
+    const auto next = nextTimer(state_->timers, std::numeric_limits<int32_t>::max());
+    if (next == state_->timers.end()) return std::nullopt;
+    const Ticks left(std::max(next->due - now(), 0));
+    return std::chrono::ceil<std::chrono::milliseconds>(left);
 }
 
 }  // namespace host

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "mchost/session/owned_state.h"
+#include "mchost/session/session.h"
 #include "mchost/space/vector.h"
 
 namespace host {
@@ -25,7 +26,9 @@ const RotMatrix& viewRotation(int32_t view) {
 }
 
 void setViewRotation(int32_t view, const RotMatrix& rotation) {
-    if (isView(view)) rotationOf(view) = rotation;
+    if (!isView(view)) return;
+    rotationOf(view) = rotation;
+    if (Session* const session = Session::current()) session->frontEnd().viewChanged(view);
 }
 
 }  // namespace host

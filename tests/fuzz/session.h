@@ -17,8 +17,10 @@ class FuzzFrontEnd : public host::FrontEnd {
 
     void console(std::string_view) override {}
     void messageField(int, std::string_view) override {}
-    void messageCenter(int, std::string_view brief, std::string_view) override { messages.emplace_back(brief); }
-    bool runModal(host::Dialog&) override { return false; }
+    void message(const host::Message& told) override { messages.emplace_back(told.brief); }
+    host::Event wait(const host::Awaited&, std::optional<std::chrono::milliseconds>) override {
+        return host::NobodyThere{};
+    }
 
     // A file was refused with one line that names it.
     void requireRefusal(const std::string& path) const {

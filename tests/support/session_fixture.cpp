@@ -31,6 +31,39 @@ void RecordingFrontEnd::clear() {
     fields.clear();
     messages.clear();
     dialogs = 0;
+    seen.clear();
+}
+
+void RecordingFrontEnd::dialogOpened(host::Dialog& dialog) {
+    seen.push_back("opened " + std::to_string(dialog.id()));
+}
+
+void RecordingFrontEnd::dialogChanged(host::Dialog& dialog, size_t item) {
+    const bool whole = item == host::Dialog::noItem;
+    seen.push_back("changed " + std::to_string(dialog.id()) + (whole ? "" : " " + std::to_string(item)));
+}
+
+void RecordingFrontEnd::dialogClosed(host::Dialog& dialog) {
+    seen.push_back("closed " + std::to_string(dialog.id()));
+}
+
+host::Event RecordingFrontEnd::wait(const host::Awaited& awaited, std::optional<std::chrono::milliseconds>) {
+    return std::visit([this](const auto& asked) { return give(asked); }, awaited);
+}
+
+host::Event RecordingFrontEnd::give(const host::AnyEvent& awaited) {
+    if (awaited.command != 0) prompts.push_back(awaited.prompt);
+    if (events.empty()) return awaited.command == 0 ? host::Event(host::Quit{}) : host::Event(host::NobodyThere{});
+    host::Event event = std::move(events.front());
+    events.pop_front();
+    return event;
+}
+
+host::Event RecordingFrontEnd::give(const host::ModalDialog& awaited) {
+    ++dialogs;
+    if (next) return next(awaited.dialog);
+    const bool answered = answer && answer(*awaited.dialog) && awaited.dialog->ended();
+    return answered ? host::Event(host::Nothing{}) : host::Event(host::NobodyThere{});
 }
 
 namespace {

@@ -4,9 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -29,7 +32,11 @@ class RecordingFrontEnd : public host::FrontEnd {
     std::vector<Line> messages;                       // of the message centre
     std::function<bool(host::Dialog&)> answer;        // feeds events to a modal dialog until it has ended; none: false
     host::FileScript files;                           // answers file dialogs
-    int dialogs = 0;                                  // modal dialogs that were opened
+    std::function<host::Event(const std::shared_ptr<host::Dialog>&)> next;  // or gives its events, one by one
+    int dialogs = 0;                   // how often modal dialogs asked for their events
+    std::deque<host::Event> events;    // given in order, then nobody is there
+    std::vector<std::string> prompts;  // what commands asked for
+    std::vector<std::string> seen;     // dialogs, views and elements, as they were told
 
     // The last text of a message field; empty when it was given none.
     std::string field(int number) const;
@@ -38,15 +45,23 @@ class RecordingFrontEnd : public host::FrontEnd {
 
     void console(std::string_view text) override { consoleText += text; }
     void messageField(int field, std::string_view text) override { fields.emplace_back(field, text); }
-    void messageCenter(int priority, std::string_view brief, std::string_view details) override {
-        messages.push_back({priority, std::string(brief), std::string(details)});
+    void message(const host::Message& told) override {
+        messages.push_back({told.priority, std::string(told.brief), std::string(told.details)});
     }
-    std::optional<std::string> askFile(const host::FileQuestion& question) override { return files.askFile(question); }
-    bool confirm(std::string_view question) override { return files.confirm(question); }
-    bool runModal(host::Dialog& dialog) override {
-        ++dialogs;
-        return answer && answer(dialog);
-    }
+    void dialogOpened(host::Dialog& dialog) override;
+    void dialogChanged(host::Dialog& dialog, size_t item) override;
+    void dialogClosed(host::Dialog& dialog) override;
+    void viewChanged(int32_t view) override { seen.push_back("view " + std::to_string(view)); }
+    void displayed(const ElementDescr&, int32_t mode) override { seen.push_back("mode " + std::to_string(mode)); }
+    void refused(const host::Event&) override { seen.emplace_back("refused"); }
+    host::Event wait(const host::Awaited& awaited, std::optional<std::chrono::milliseconds>) override;
+
+  private:
+    host::Event give(const host::AnyEvent& awaited);
+    host::Event give(const host::ModalDialog& awaited);
+    host::Event give(const host::FileQuestion& awaited) { return host::FileAnswer{files.askFile(awaited)}; }
+    host::Event give(const host::Confirmation& awaited) { return host::Agreement{files.confirm(awaited.question)}; }
+    host::Event give(const host::Note&) { return host::Noted{}; }
 };
 
 // Takes away the right to write to a file and to its folder while this stands; root, who may always write, is somebody

@@ -48,21 +48,6 @@ void showLine(Point3d* point, int32_t, int32_t drawMode) {
     mdlElement_display(dgnBufP, MDL_DRAW);
 }
 
-// Lines of the user by script.
-class AnsweringFrontEnd : public RecordingFrontEnd {
-  public:
-    std::vector<std::string> lines, prompts, complaints;
-    std::optional<std::string> commandLine(std::string_view prompt, std::string_view complaint) override {
-        prompts.emplace_back(prompt);
-        complaints.emplace_back(complaint);
-        if (next_ == lines.size()) return std::nullopt;
-        return lines[next_++];
-    }
-
-  private:
-    size_t next_ = 0;
-};
-
 class CommandTest : public SessionTest {
   protected:
     CommandTest() { given = {}; }
@@ -183,35 +168,31 @@ TEST(CommandInput, LinesAreReadAsPointsAndResets) {
     }
 }
 
-// A session of its own with the answering front end.
-struct ServedCommand : testing::Test {
+class ServedCommand : public CommandTest {
+  protected:
     ServedCommand() {
-        given = {};
-        auto owned = std::make_unique<AnsweringFrontEnd>();
-        front = owned.get();
-        session = std::make_unique<host::Session>(host::SessionOptions{.frontEnd = std::move(owned), .variables = {}});
         mdlState_startPrimitive(takePoint, restart, 0, 0);
         mdlOutput_prompt("Gi punkt \xe5");
     }
-    AnsweringFrontEnd* front;
-    std::unique_ptr<host::Session> session;
 };
 
-TEST_F(ServedCommand, KeyInsComeBeforeTheAnswersOfTheUser) {
+TEST_F(ServedCommand, KeyInsComeBeforeTheEventsOfTheUser) {
     mdlInput_sendKeyin("xy=3,4", 0, -1, nullptr);
     mdlInput_sendKeyin("fit view", 0, -1, nullptr);
-    front->lines = {"5,6", "five", "7,8 2", ""};
-    EXPECT_TRUE(host::serveCommands()) << "the empty line ended it";
+    front().events = {host::DataPoint{{5, 6, 0}, 0}, host::DataPoint{{6, 6, 0}, 8}, host::KeyIn{"xy=7,8", false, ""},
+                      host::Reset{}, host::Reset{}};
+    EXPECT_TRUE(host::serveCommands()) << "the reset ended it";
     EXPECT_THAT(given.points, ElementsAre(3, 5, 7)) << "there is no design file, so a master unit is one UOR";
-    EXPECT_THAT(front->complaints, ElementsAre("", "", "\"five\" isn't a point", ""));
-    EXPECT_EQ(front->prompts[0], "Gi punkt \xc3\xa5");
+    EXPECT_THAT(front().seen, ElementsAre("refused")) << "there is no view 9";
+    EXPECT_EQ(front().events.size(), 1u);
+    EXPECT_EQ(front().prompts[0], "Gi punkt \xc3\xa5");
     ASSERT_EQ(host::keyInQueue().size(), 1u);
     EXPECT_EQ(host::keyInQueue()[0].text, "fit view");
 }
 
 TEST_F(ServedCommand, ACommandThatNobodyAnswersIsResetAndEnded) {
     mdlState_setFunction(MDL_STATE_RESET, takeReset);
-    front->lines = {"1,1"};
+    front().events = {host::DataPoint{{1, 1, 0}, 0}};
     EXPECT_FALSE(host::serveCommands());
     EXPECT_EQ(given.resets, 1);
     EXPECT_FALSE(host::commandRuns());
@@ -219,9 +200,15 @@ TEST_F(ServedCommand, ACommandThatNobodyAnswersIsResetAndEnded) {
 
 TEST_F(ServedCommand, ItIsOverWhenThePointEndsTheCommand) {
     given.endsAtPoint = true;
-    front->lines = {"1,1", "2,2"};
+    front().events = {host::DataPoint{{1, 1, 0}, 0}, host::DataPoint{{2, 2, 0}, 0}};
     EXPECT_TRUE(host::serveCommands());
     EXPECT_THAT(given.points, ElementsAre(1));
+}
+
+TEST_F(ServedCommand, TheUserMayLeaveAtAnyTime) {
+    front().events = {host::Quit{}};
+    EXPECT_TRUE(host::serve());
+    EXPECT_FALSE(host::commandRuns());
 }
 
 class FenceTest : public CommandTest {

@@ -1,6 +1,8 @@
 // Dialogs with their hooks: the order of messages, values, and what hooks may do in the middle.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 
@@ -16,6 +18,7 @@ namespace {
 
 using host::Dialog;
 using host::DialogScript;
+using testing::ElementsAre;
 
 enum { BOX = 100, OTHER_BOX = 101 };
 enum { BOX_HOOK = 1, BUTTON_HOOK = 2, TEXT_HOOK = 3, LIST_HOOK = 4, GENERIC_HOOK = 5, OTHER_HOOK = 6, COMBO_HOOK = 7 };
@@ -528,6 +531,54 @@ TEST_F(Dialogs, ADialogThatIsOpenAlreadyIsGivenAgain) {
     trace.clear();
     EXPECT_EQ(open(), dialog);
     EXPECT_EQ(trace, "");
+}
+
+TEST_F(Dialogs, AFrontEndIsToldOfEachChange) {
+    MdlDialog* box = open();
+    MdlItem* used = find(box, ITEM_TOGGLE, USED);
+    MdlItem* device = find(box, ITEM_OPTION_BUTTON, DEVICE);
+    MdlItem* rows = find(box, ITEM_LIST_BOX, ROWS);
+    EXPECT_THAT(front().seen, ElementsAre("opened 100"));
+    const std::pair<const char*, std::function<void()>> changes[] = {
+        {"changed 100 4", [&] { mdlDialog_itemSetLabel(used, "Used"); }},
+        {"changed 100 4", [&] { mdlDialog_itemMove(used, 1, 2); }},
+        {"changed 100 4", [&] { mdlDialog_itemSetExtent(used, 1, 2); }},
+        {"changed 100 4", [&] { mdlDialog_itemShow(used, 0); }},
+        {"changed 100 4", [&] { mdlDialog_itemEnable(used, 0); }},
+        {"changed 100 4", [&] { mdlDialog_itemSynch(used); }},
+        {"changed 100 4", [&] { mdlDialog_itemSetValue(used, "0"); }},
+        {"changed 100 3", [&] { mdlDialog_optionButtonInsert(device, "Seven", 7); }},
+        {"changed 100 3", [&] { mdlDialog_optionButtonEnableRow(device, 0, 0); }},
+        {"changed 100 3", [&] { mdlDialog_optionButtonDeleteAll(device); }},
+        {"changed 100 5", [&] { mdlDialog_listBoxSetStrListP(rows, nullptr, 2); }},
+        {"changed 100 5", [&] { mdlDialog_listBoxSelectRow(rows, -1); }},
+        {"changed 100", [&] { mdlWindow_titleSet(box, "Other"); }},
+        {"changed 100", [&] { mdlWindow_extentSet(box, 10, 10); }},
+        {"changed 100", [&] { mdlDialog_textDrawCD(box, 1, 1, "drawn"); }},
+        {"changed 100", [&] { mdlWindow_clear(box); }},
+        {"closed 100", [&] { mdlWindow_close(box, 0, 0); }},
+    };
+    for (const auto& [told, change] : changes) {
+        front().clear();
+        change();
+        EXPECT_THAT(front().seen, ElementsAre(told)) << &change - &changes[0].second;
+    }
+}
+
+TEST_F(Dialogs, EventsOfOtherDialogsWaitWhileAModalOneIsOpen) {
+    open(OTHER_BOX);
+    const std::shared_ptr<host::Dialog> other = host::openDialogs()[0];
+    using Kind = host::DialogEvent::Kind;
+    front().answer = nullptr;
+    front().next = [&](const std::shared_ptr<host::Dialog>& box) -> host::Event {
+        if (front().dialogs == 1) return host::DialogEvent{.kind = Kind::close, .dialog = other};
+        if (front().dialogs == 2)
+            return host::DialogEvent{.kind = Kind::setValue, .dialog = box, .item = 4, .value = "x"};
+        return host::DialogEvent{.kind = Kind::press, .dialog = box, .item = 7};
+    };
+    EXPECT_EQ(runModal(), 3);
+    EXPECT_FALSE(other->ended());
+    EXPECT_EQ(std::ranges::count(front().seen, "refused"), 1) << "a toggle takes no x";
 }
 
 }  // namespace

@@ -259,8 +259,7 @@ TEST_F(Terminal, ItemsKeepTheirNumbersWhileOthersAreHidden) {
         MdlDialog* form = mdlDialog_open(0, FORM);
         mdlDialog_itemShow(mdlDialog_itemGetByTypeAndId(form, ITEM_OPTION_BUTTON, 2), 0);
         mdlDialog_itemShow(mdlDialog_itemGetByTypeAndId(form, ITEM_PUSH_BUTTON, -3), 0);
-        while (host::Session::current()->frontEnd().serveOpenDialog()) {
-        }
+        host::serve();
     });
     EXPECT_THAT(shown, HasSubstr("3) Name: \n5) [x] Frame\n6) Rows\n"));
     EXPECT_THAT(shown, HasSubstr("\n  2) Preview\n"));
@@ -354,8 +353,7 @@ TEST_F(Terminal, OpenDialogsAreServedUntilNoneIsLeft) {
     inSession([&] {
         mdlDialog_open(0, QUESTION);
         mdlDialog_open(0, FORM);
-        while (host::Session::current()->frontEnd().serveOpenDialog()) {
-        }
+        host::serve();
         EXPECT_TRUE(host::openDialogs().empty());
     });
     EXPECT_THAT(shown, HasSubstr("3) Name: name\n"));
@@ -370,11 +368,8 @@ TEST_F(Terminal, YesPressesTheFirstButtonOfAnOpenDialogOnceAndThenClosesIt) {
     options.yes = true;
     inSession([] {
         mdlDialog_open(0, TOOLS);
-        host::FrontEnd& front = host::Session::current()->frontEnd();
-        EXPECT_TRUE(front.serveOpenDialog());
-        EXPECT_EQ(host::openDialogs().size(), 1u);
-        EXPECT_TRUE(front.serveOpenDialog());
-        EXPECT_FALSE(front.serveOpenDialog());
+        EXPECT_TRUE(host::serve());
+        EXPECT_TRUE(host::openDialogs().empty());
     });
     const size_t pressed = shown.find("> Work\n");
     ASSERT_NE(pressed, shown.npos);
@@ -384,8 +379,7 @@ TEST_F(Terminal, YesPressesTheFirstButtonOfAnOpenDialogOnceAndThenClosesIt) {
 TEST_F(Terminal, OpenDialogsThatNobodyAnswersAreClosed) {
     inSession([] {
         mdlDialog_open(0, FORM);
-        while (host::Session::current()->frontEnd().serveOpenDialog()) {
-        }
+        host::serve();
     });
     EXPECT_THAT(shown, HasSubstr("--- Form ---"));
 }
@@ -395,8 +389,7 @@ TEST_F(Terminal, ARowThatIsNotEnabledIsNeitherOfferedNorTaken) {
     inSession([] {
         MdlDialog* form = mdlDialog_open(0, FORM);
         mdlDialog_optionButtonEnableRow(mdlDialog_itemGetByTypeAndId(form, ITEM_OPTION_BUTTON, 2), 1, 0);
-        while (host::Session::current()->frontEnd().serveOpenDialog()) {
-        }
+        host::serve();
     });
     EXPECT_THAT(shown, HasSubstr("4) Device: Paper (Paper)\n"));
     EXPECT_THAT(shown, HasSubstr("Device: \"Sk\xc3\xa6rm\" is none of its choices: Paper.\n"));

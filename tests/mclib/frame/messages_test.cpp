@@ -182,7 +182,7 @@ TEST_F(Boxes, AFullListDropsItsOldestLine) {
     size_t rows = 0;
     std::string first, last;
     front().answer = [&](host::Dialog& dialog) {
-        const host::DialogItem* list = dialog.itemAt(dialog.indexOf(ITEM_LIST_BOX, 20000));
+        const host::DialogItem* list = &dialog.items()[static_cast<size_t>(dialog.indexOf(ITEM_LIST_BOX, 20000))];
         rows = static_cast<size_t>(host::Dialog::rowCount(*list));
         first = host::Dialog::cellText(*list, 0, 0);
         last = host::Dialog::cellText(*list, static_cast<int32_t>(rows) - 1, 0);
