@@ -6,8 +6,9 @@
 
 #include "mchost/element/layout.h"
 #include "mchost/element/range.h"
-#include "mchost/mdl/model.h"
+#include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/system.h"
+#include "mchost/session/drawing.h"
 
 namespace host {
 namespace {
@@ -168,7 +169,7 @@ using namespace host;
 
 int mdlElmdscr_new(ElementDescr** edPP, ModelRef* model, const MSElementBuffer* element) {
     if (!edPP) return MDL_ERROR;
-    *edPP = makeNode(model ? model : mdlModelRef_getActive(), element);
+    *edPP = makeNode(model ? model : drawing().getActive(), element);
     return *edPP ? MDL_SUCCESS : MDL_ERROR;
 }
 

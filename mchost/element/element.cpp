@@ -5,8 +5,7 @@
 #include "mchost/element/geometry.h"
 #include "mchost/element/linkage.h"
 #include "mchost/element/range.h"
-#include "mchost/mdl/level.h"
-#include "mchost/mdl/model.h"
+#include "mchost/session/drawing.h"
 
 using namespace host;
 
@@ -134,7 +133,7 @@ int mdlElement_setProperties(MSElementBuffer* element, const uint32_t* level, co
 int mdlElement_setLineStyle(MSElementBuffer* element, const char* name, const LineStyleParams* params) {
     int32_t number = 0;
     if (!soundBytes(element) || !name) return MDL_ERROR;
-    if (mdlLineStyle_numberFromName(&number, name, mdlModelRef_getActive()) != MDL_SUCCESS) return MDL_ERROR;
+    if (drawing().lineStyleFromName(&number, name, nullptr) != MDL_SUCCESS) return MDL_ERROR;
     LineStyleLinkage style{{MDL_LINKAGE_USER, linkageLineStyle}, 0, 1, 0, 0};
     mdlLinkage_setWords(&style.header, sizeof style / 2);
     if (params) style.modifiers = params->modifiers, style.scale = params->scale;

@@ -125,6 +125,7 @@ int end() {
     for (const KeyIn& keyIn : keyInQueue()) tellNotCarriedOut(keyIn.text);
     if (mdlSystem_memoryFailures() != 0)
         tell("memory has run out, so not all was done; close other programs, try again");
+    sessionOwner().end();  // what can't be kept is a failure too
     const int status = session.exitStatus();
     delete &session;
     return status;

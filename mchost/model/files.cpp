@@ -8,6 +8,7 @@
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/model/open_files.h"
+#include "mchost/session/drawing.h"
 
 namespace host {
 namespace {
@@ -26,6 +27,13 @@ int openWork(ModelRef** modelP, const char* what, const char* name, FileKind kin
     if (!modelP) return MDL_ERROR;
     return withNamedFile(what, name, [&](const std::string& path) { *modelP = openFiles().openWork(path, kind, use); });
 }
+
+[[maybe_unused]] const bool known = (setDrawingCalls({.getActive = mdlModelRef_getActive,
+                                                      .getUorPerMaster = mdlModelRef_getUorPerMaster,
+                                                      .lineStyleFromName = mdlLineStyle_numberFromName,
+                                                      .saveDesignFile = mdlSystem_saveDesignFile,
+                                                      .closeDesignFile = mdlSystem_closeDesignFile}),
+                                     true);
 
 }  // namespace
 }  // namespace host

@@ -4,9 +4,8 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/base/variables.h"
-#include "mchost/mdl/level.h"
-#include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
+#include "mchost/session/drawing.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/session/state.h"
 
@@ -67,7 +66,7 @@ Place placeOf(int parameter) {
 int setStyleByName(const char* name) {
     int32_t number = 0;
     if (std::strlen(name) >= styleNameSize) return MDL_ERROR;
-    if (mdlLineStyle_numberFromName(&number, name, mdlModelRef_getActive()) != MDL_SUCCESS) return MDL_ERROR;
+    if (drawing().lineStyleFromName(&number, name, nullptr) != MDL_SUCCESS) return MDL_ERROR;
     std::strcpy(active().styleName, name);
     active().style = number;
     return MDL_SUCCESS;

@@ -6,9 +6,9 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/base/variables.h"
-#include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/session/applications.h"
+#include "mchost/session/drawing.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/session/state.h"
 
@@ -21,19 +21,16 @@ namespace {
 
 Session* activeSession = nullptr;
 
+// Told by the rooms above before anything runs.
 FrontEndMaker makeDefaultFrontEnd = nullptr;
-
-std::vector<void (*)()>& sessionEndObservers() {
-    static std::vector<void (*)()> observers;
-    return observers;
-}
+DrawingCalls drawingCalls{};
 
 struct ReturnObservers {
     std::vector<void (*)()> all;
 };
 
 bool designFileIsOpen() {
-    return mdlModelRef_getActive() != nullptr;
+    return drawing().getActive();
 }
 
 // Control is back in the host: tells the rooms that wait for that, carries out key-ins, and stores what the finished
@@ -41,17 +38,25 @@ bool designFileIsOpen() {
 void finishCommand(Session::State& state) {
     tellReturn();
     std::erase_if(keyInQueue(), [&](const KeyIn& k) { return k.task.empty() && state.carryOut && state.carryOut(k); });
-    if (designFileIsOpen() && mdlSystem_saveDesignFile() != MDL_SUCCESS) markFailed();
+    if (designFileIsOpen() && drawing().saveDesignFile() != MDL_SUCCESS) markFailed();
 }
 
 void closeDesignFile() {
-    if (designFileIsOpen() && mdlSystem_closeDesignFile() != MDL_SUCCESS) markFailed();
+    if (designFileIsOpen() && drawing().closeDesignFile() != MDL_SUCCESS) markFailed();
 }
 
 }  // namespace
 
 void setDefaultFrontEnd(FrontEndMaker make) {
     makeDefaultFrontEnd = make;
+}
+
+void setDrawingCalls(const DrawingCalls& calls) {
+    drawingCalls = calls;
+}
+
+const DrawingCalls& drawing() {
+    return drawingCalls;
 }
 
 Session::Session(SessionOptions options) : state_(std::make_unique<State>()) {
@@ -70,8 +75,6 @@ Session::Session(SessionOptions options) : state_(std::make_unique<State>()) {
 
 Session::~Session() {
     finish();
-    auto& observers = sessionEndObservers();
-    for (size_t i = observers.size(); i-- > 0;) guarded([&] { observers[i](); });
     sessionOwner().end();
     currentApplication = nullptr;
     activeSession = nullptr;
@@ -101,10 +104,6 @@ Session::State& Session::state() {
 
 void markFailed() {
     if (activeState && activeState->exitStatus == 0) activeState->exitStatus = 1;
-}
-
-void observeSessionEnd(void (*observer)()) {
-    sessionEndObservers().push_back(observer);
 }
 
 void observeReturn(void (*observer)()) {

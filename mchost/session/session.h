@@ -96,10 +96,6 @@ class HOST_EXPORT ApplicationScope {
 // Full path of the module that the application was loaded from; empty for one that lies in this process, and for null.
 HOST_EXPORT std::string modulePath(MdlDesc* desc);
 
-// Has `observer` called at the end of each session, before what it owns goes. Observers stay for the life of the
-// process; the one told last is called first.
-HOST_EXPORT void observeSessionEnd(void (*observer)());
-
 // Something that the session was to keep isn't kept, or not where it should be: its exit status is a failure.
 void markFailed();
 // Has `observer` called each time that control is back in the host, before the finished command is stored, for as long

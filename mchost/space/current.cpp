@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "mchost/base/guard.h"
-#include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
+#include "mchost/session/drawing.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/space/view.h"
 
@@ -170,7 +170,7 @@ int mdlCurrTrans_rotateByView(int32_t view) {
 }
 
 int mdlCurrTrans_masterUnitsIdentity(void) {
-    const double uor = mdlModelRef_getUorPerMaster(mdlModelRef_getActive());
+    const double uor = drawing().getUorPerMaster(nullptr);
     return setInnermost({{{uor, 0, 0, 0}, {0, uor, 0, 0}, {0, 0, uor, 0}}});
 }
 
@@ -189,13 +189,13 @@ int mdlCurrTrans_getAddresses(const Transform** toWorld, const Transform** fromW
 }
 
 double mdlCnv_masterToUOR(double* resultP, double master, ModelRef* model) {
-    const double uor = master * mdlModelRef_getUorPerMaster(model);
+    const double uor = master * drawing().getUorPerMaster(model);
     if (resultP) *resultP = uor;
     return uor;
 }
 
 double mdlCnv_UORToMaster(double* resultP, double uor, ModelRef* model) {
-    const double master = uor / mdlModelRef_getUorPerMaster(model);
+    const double master = uor / drawing().getUorPerMaster(model);
     if (resultP) *resultP = master;
     return master;
 }

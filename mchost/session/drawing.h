@@ -1,0 +1,19 @@
+// What the rooms below that of models ask of the drawing that is open; told by that room. Each as the call of the host
+// with that name.
+#pragma once
+
+#include "mchost/mdl/types.h"
+
+namespace host {
+
+struct DrawingCalls {
+    ModelRef* (*getActive)();
+    double (*getUorPerMaster)(ModelRef* model);
+    int (*lineStyleFromName)(int32_t* numberP, const char* name, ModelRef* model);
+    int (*saveDesignFile)();
+    int (*closeDesignFile)();
+};
+void setDrawingCalls(const DrawingCalls& calls);
+const DrawingCalls& drawing();
+
+}  // namespace host
