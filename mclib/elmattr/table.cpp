@@ -41,13 +41,6 @@ std::string_view textOf(const char* text) {
 
 // ---- groups ----
 
-void freeGroups(GlobalData& gd) {
-    for (int i = 0; i < gd.groupCount; ++i) dlmSystem_mdlFree(gd.groups[i].name);
-    dlmSystem_mdlFree(gd.groups);
-    gd.groups = nullptr;
-    gd.groupCount = 0;
-}
-
 const ElmAttrGroup* findGroup(const GlobalData& gd, int id) {
     const std::span<const ElmAttrGroup> groups(gd.groups, gd.groupCount);
     const auto group = std::ranges::find(groups, id, &ElmAttrGroup::id);
@@ -63,8 +56,8 @@ bool mayHaveHook(const GlobalData& gd, int groupId) {
 void replaceGroups(int count, bool withChangedFunction, va_list& arguments) {
     GlobalData* gd = mclibMain_getGlobalDataP();
     if (gd == nullptr) return;
-    freeGroups(*gd);
-    mclibElmAttr_freeAllAttribute();
+    elmattr::freeGroups(*gd);
+    elmattr::freeRecords(*gd);
     if (count <= 0) return;
     gd->groups = allocate<ElmAttrGroup>(count);
     if (gd->groups == nullptr) return;
@@ -239,6 +232,21 @@ void freeRecord(ElmAttrRecord* record) {
     dlmSystem_mdlFree(record);
 }
 
+void freeRecords(GlobalData& gd) {
+    while (ElmAttrRecord* record = gd.attributeList) {
+        gd.attributeList = record->next;
+        freeRecord(record);
+    }
+    gd.attributeCount = 0;
+}
+
+void freeGroups(GlobalData& gd) {
+    for (int i = 0; i < gd.groupCount; ++i) dlmSystem_mdlFree(gd.groups[i].name);
+    dlmSystem_mdlFree(gd.groups);
+    gd.groups = nullptr;
+    gd.groupCount = 0;
+}
+
 ElmAttrRecord* findRecord(const GlobalData& gd, int id) {
     ElmAttrRecord* record = gd.attributeList;
     while (record != nullptr && record->id != id) record = record->next;
@@ -280,7 +288,7 @@ void mclibElmAttr_setGroupeNamesExtended(int count, ...) {
 }
 
 void mclibElmAttr_freeGroupeNames(void) {
-    if (GlobalData* gd = mclibMain_getGlobalDataP()) freeGroups(*gd);
+    if (GlobalData* gd = mclibMain_getGlobalDataP()) elmattr::freeGroups(*gd);
 }
 
 int mclibElmAttr_addAttribute(int id, const char* label, int group, int kind, int lockMask, ElmAttrHook hook,
@@ -356,13 +364,7 @@ int mclibElmAttr_deleteAttribute(int id, int refresh) {
 }
 
 void mclibElmAttr_freeAllAttribute(void) {
-    GlobalData* gd = mclibMain_getGlobalDataP();
-    if (gd == nullptr) return;
-    while (ElmAttrRecord* record = gd->attributeList) {
-        gd->attributeList = record->next;
-        freeRecord(record);
-    }
-    gd->attributeCount = 0;
+    if (GlobalData* gd = mclibMain_getGlobalDataP()) elmattr::freeRecords(*gd);
 }
 
 int mclibElmAttr_extractData(int id, ElmAttrData* data) {

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "mclib/elmattr/attributes.h"
+#include "mclib/frame/room.h"
 
 constexpr int maxAttributeLabel = 79;  // characters; stored labels have 80 bytes
 constexpr int attributeRowCells = 7;   // members of the list box's string list for each attribute
@@ -32,6 +33,13 @@ struct ElmAttrRecord {
     ElmAttrRecord* next;
 };
 
+// The block of the dialog that edits a label.
+struct ElmAttrEditBlock {
+    char label[84];
+    int32_t kind;
+    uint32_t lockMask;
+};
+
 namespace elmattr {
 
 constexpr int32_t dialogId = 20013;  // of an application that has the attribute dialog
@@ -48,6 +56,10 @@ constexpr bool hasOptionLabels(int32_t kind) {
 ElmAttrRecord* createRecord(std::string_view label);
 // Frees a record that is in no list, with all that it owns.
 void freeRecord(ElmAttrRecord* record);
+
+// Free the application's list and its group table.
+void freeRecords(GlobalData& gd);
+void freeGroups(GlobalData& gd);
 
 // The first record of that id; null when there is none.
 ElmAttrRecord* findRecord(const GlobalData& gd, int id);
@@ -73,3 +85,5 @@ void refreshDialog(GlobalData& gd, int id);
 void bringStyleNumbersInStep();
 
 }  // namespace elmattr
+
+extern const Room elmattrRoom;

@@ -11,7 +11,7 @@
 #include "mchost/mdl/text.h"
 #include "mclib/forms/form_cell.h"
 #include "mclib/forms/formatter.h"
-#include "mclib/forms/spreadsheet.h"
+#include "mclib/forms/page_sink.h"
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/util.h"
@@ -148,7 +148,22 @@ int fillFound(ElementDescr* found, void* userArg, ScanCriteria*) {
     return 0;
 }
 
+int fillPage(const FormPage& page) {
+    if (!page.descr) return MCLIB_FORM_NO_CELL;
+    if (const int status = getFormCell(page.descr, page.cellName, page.library, page.cellOption)) return status;
+    ModelRef* model = mdlModelRef_getActive();
+    mdlCell_setRange(*page.descr, model);
+    if (GlobalData* data = mclibMain_getGlobalDataP()) data->pageScale = scaleOf(*page.descr);
+    Filling filling(page.form);
+    mdlModify_elementDescr2(page.descr, model, MDL_MODIFY_NO_HEADERS, fillText, &filling, 0);
+    mdlCell_setRange(*page.descr, model);
+    return 0;
+}
+
 }  // namespace
+
+const PageSink descriptorSink = {fillPage, nullptr};
+
 }  // namespace forms
 
 using namespace forms;
@@ -156,17 +171,7 @@ using namespace forms;
 int mclibMatList_generatePageElementDescr(const char* cellName, const char* library, ElementDescr** page,
                                           FormData* form, int cellOption) {
     if (page) *page = nullptr;
-    GlobalData* data = mclibMain_getGlobalDataP();
-    if (data && data->exportToExcel) return exportForm(form);
-    if (!page) return MCLIB_FORM_NO_CELL;
-    if (const int status = getFormCell(page, cellName, library, cellOption)) return status;
-    ModelRef* model = mdlModelRef_getActive();
-    mdlCell_setRange(*page, model);
-    if (data) data->pageScale = scaleOf(*page);
-    Filling filling(form);
-    mdlModify_elementDescr2(page, model, MDL_MODIFY_NO_HEADERS, fillText, &filling, 0);
-    mdlCell_setRange(*page, model);
-    return 0;
+    return currentSink().page({cellName, library, page, form, cellOption});
 }
 
 int mclibMatList_changeTextInMasterFile(FormData* form, const MdlBitMask* levelMask, ModelRef* model) {
@@ -185,8 +190,4 @@ int mclibMatList_changeTextInMasterFile(FormData* form, const MdlBitMask* levelM
 double* mclibMatList_getCurrentPageScaleP(void) {
     GlobalData* data = mclibMain_getGlobalDataP();
     return data ? &data->pageScale : nullptr;
-}
-
-void mclibMatList_setExportToExcel(int flag) {
-    if (GlobalData* data = mclibMain_getGlobalDataP()) data->exportToExcel = flag;
 }

@@ -7,6 +7,7 @@
 #include "mchost/mdl/cell.h"
 #include "mchost/mdl/system.h"
 #include "mclib/forms/forms.h"
+#include "mclib/forms/state.h"
 #include "mclib/frame/shown_path.h"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/cells.h"
@@ -15,13 +16,12 @@ namespace forms {
 
 namespace {
 
-std::vector<std::string> toldMissing;
-
 void tellMissing(const char* cellName) {
     const std::string line = "The cell \"" + std::string(cellName) + "\" isn't in the library " +
                              shownPath(tcbP->cellLibraryName) + ", so a page lacks it.";
-    if (std::ranges::find(toldMissing, line) != toldMissing.end()) return;
-    toldMissing.push_back(line);
+    std::vector<std::string>& told = formsState->toldMissing;
+    if (std::ranges::find(told, line) != told.end()) return;
+    told.push_back(line);
     mdlOutput_messageCenter(MDL_PRIORITY_WARNING, line.c_str(),
                             "Use a library that has it, or compile it into this one.", 0);
 }
@@ -29,7 +29,7 @@ void tellMissing(const char* cellName) {
 }  // namespace
 
 void tellMissingCellsAnew() {
-    toldMissing.clear();
+    formsState->toldMissing.clear();
 }
 
 int getFormCell(ElementDescr** out, const char* cellName, const char* library, int cellOption) {

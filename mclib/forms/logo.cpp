@@ -1,29 +1,19 @@
 #include "mclib/forms/logo.h"
 
 #include "mclib/forms/form_cell.h"
-#include "mclib/frame/text_buffer.h"
-
-namespace {
-
-// The last one set decides for all applications, as long as the library is loaded.
-struct LogoNames {
-    char cell[256];
-    char library[256];
-};
-LogoNames logoNames;
-
-}  // namespace
+#include "mclib/forms/state.h"
 
 namespace forms {
 
 void setLogo(const char* cellName, const char* library) {
-    copyText(logoNames.cell, cellName ? cellName : "");
-    copyText(logoNames.library, library ? library : "");
+    constexpr size_t longest = 255;
+    formsState->logoCell = std::string(cellName ? cellName : "").substr(0, longest);
+    formsState->logoLibrary = std::string(library ? library : "").substr(0, longest);
 }
 
 int makeLogo(int, char*, ElementDescr** newDescr, int, double, double) {
     constexpr int cellOption = 1;
-    return getFormCell(newDescr, logoNames.cell, logoNames.library, cellOption);
+    return getFormCell(newDescr, formsState->logoCell.c_str(), formsState->logoLibrary.c_str(), cellOption);
 }
 
 }  // namespace forms

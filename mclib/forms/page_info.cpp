@@ -1,10 +1,9 @@
 #include "mclib/forms/page_info.h"
 
-#include <array>
-
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/system.h"
-#include "mclib/forms/pages.h"
+#include "mclib/forms/page_list.h"
+#include "mclib/forms/preview_dialog.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/text_buffer.h"
@@ -147,7 +146,9 @@ void infoText(DialogMessage* message) {
     if (message->handled) data->pageInfoSaved = 0;
 }
 
-constexpr auto pageInfoHooks = std::to_array<DialogHook>({
+}  // namespace
+
+const DialogHook pageInfoHooks[] = {
     {ids::hooks::pageInfo, pageInfoDialog},
     {ids::hooks::chooseInfoPage, infoPageButton},
     {ids::hooks::savePageInfo, infoButton<saveInfo>},
@@ -155,9 +156,8 @@ constexpr auto pageInfoHooks = std::to_array<DialogHook>({
     {ids::hooks::cleanUpPageInfo, infoButton<cleanUp>},
     {ids::hooks::deleteAllPageInfo, infoButton<deleteAll>},
     {ids::hooks::pageInfoText, infoText},
-});
-
-}  // namespace
+    endOfHooks,
+};
 
 void openPageInfo() {
     mdlDialog_open(0, ids::pageInfo::id);
@@ -175,10 +175,6 @@ void takeNewPages(GlobalData& data) {
     if (!dialog) return;
     fillWithPageNames(data, pageButtonOf(dialog));
     readPageInfo(data, data.previewPage);
-}
-
-void publishPageInfoHooks() {
-    mdlDialog_hookPublish(static_cast<int32_t>(pageInfoHooks.size()), pageInfoHooks.data());
 }
 
 KeepEditedBlocks::KeepEditedBlocks() {

@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "mchost/mdl/dialog.h"
 #include "mclib/frame/global_data.h"
 #include "mclib/project/blocks.h"
 
@@ -14,8 +15,7 @@ void openPageInfo();
 void readPageInfo(GlobalData& data, int32_t page);
 // The list of pages is a new one: an open page information dialog goes to the page on show in the same way.
 void takeNewPages(GlobalData& data);
-// Publishes the dialog's hooks.
-void publishPageInfoHooks();
+extern const DialogHook pageInfoHooks[];
 
 // To stand around the making of a page by the application, which may read title-block data into mclibpd and mclibsd:
 // while a dialog edits one of these blocks, of whichever application, what stood in it is put back.

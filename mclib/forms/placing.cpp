@@ -9,6 +9,9 @@
 #include "mchost/mdl/state.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/forms/page_list.h"
+#include "mclib/forms/plotting.h"
+#include "mclib/forms/sheet.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/util.h"
@@ -20,7 +23,6 @@ namespace forms {
 
 namespace {
 
-enum { orientationTurned = 0 };
 constexpr double crossArm = 2;  // master units
 
 double uor(double master) {
@@ -43,7 +45,7 @@ Corners sheetOutline() {
     return rectangle({0, -sheet.height, 0}, {sheet.width, 0, 0});
 }
 
-Corners printableArea() {
+Corners placedArea() {
     const SheetSize sheet = sheetSize();
     return rectangle({uor(mclibpsd->marginLeft), uor(mclibpsd->marginBottom) - sheet.height, 0},
                      {sheet.width - uor(mclibpsd->marginRight), -uor(mclibpsd->marginTop), 0});
@@ -171,7 +173,7 @@ void forEachSheet(const GlobalData& data, const Point3d& point, int32_t view,
 }
 
 PlacedPage placePage(GlobalData& data, int32_t number, bool inDrawing, const std::function<bool(Page&)>& prepare) {
-    PlacedPage placed{.area = printableArea()};
+    PlacedPage placed{.area = placedArea()};
     Page page;
     makeInOwnSystem(data, number, inDrawing, page);
     placed.made = static_cast<bool>(page);

@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "mclib/forms/pages.h"
+#include "mclib/forms/page_making.h"
 
 namespace forms {
 
@@ -39,11 +39,10 @@ PlacedPage placePage(GlobalData& data, int32_t page, bool inDrawing, const std::
 // False, and the user is told, when a page couldn't be put into the design file.
 bool tellUnlessPlaced(const GlobalData& data, int32_t page, const PlacedPage& placed);
 
-// The plot of the pages that lie at the point while it runs. Ends with the plot's description.
-void plotAt(GlobalData& data, const Point3d& point, int32_t view);
 // Whether a design file is open. Tells when not.
 bool hasDrawing();
-// Lets go of the description of a plot that hasn't run.
-void dropPlot(GlobalData& data);
+// Starts the command that places the pages of printRange at the user's data point: in the drawing, or, with forPlot,
+// for the plot that plotPages prepared.
+void startPlacing(GlobalData& data, bool forPlot);
 
 }  // namespace forms

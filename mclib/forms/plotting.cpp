@@ -1,4 +1,6 @@
 // The plot of pages through the host: they lie in the design file for a moment, are fenced one by one and plotted.
+#include "mclib/forms/plotting.h"
+
 #include <array>
 #include <span>
 #include <string>
@@ -11,6 +13,7 @@
 #include "mchost/mdl/plot.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/forms/page_list.h"
 #include "mclib/forms/placing.h"
 #include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/shown_path.h"
@@ -18,6 +21,14 @@
 #include "mclib/print/plot_name.h"
 #include "mclib/print/shared.h"
 #include "resources/ids.h"
+
+// A page of a plot, while it lies in the design file.
+struct PlotPage {
+    Point3d low, high;  // the page's printable area in the design file: lower left and upper right corner
+    FilePos filePos;    // of its temporary element; 0: none
+    int32_t view;       // of the data point; the first record's counts
+    char name[256];
+};
 
 namespace forms {
 
@@ -68,8 +79,7 @@ std::span<PlotPage> placedPages(const GlobalData& data) {
 }
 
 bool allocateRecords(GlobalData& data) {
-    const PageSpan span = pagesToPrint(data);
-    const int32_t count = span.last - span.first + 1;
+    const int32_t count = pagesToPrint(data).size();
     data.fileDialogP->plotCount = data.fileDialogP->plotPlaced = 0;
     if (count < 1) return false;
     const size_t size = static_cast<size_t>(count) * sizeof(PlotPage);

@@ -2,16 +2,18 @@
 #include "mclib/forms/preview.h"
 
 #include <algorithm>
-#include <array>
 
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/system.h"
 #include "mclib/forms/page_info.h"
-#include "mclib/forms/pages.h"
+#include "mclib/forms/page_list.h"
+#include "mclib/forms/page_making.h"
 #include "mclib/forms/placing.h"
+#include "mclib/forms/preview_dialog.h"
 #include "mclib/forms/preview_window.h"
 #include "mclib/forms/print_job.h"
+#include "mclib/forms/state.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/resource_files.h"
@@ -54,9 +56,9 @@ void changePage(GlobalData& data) {
 
 void takeNewList(GlobalData& data, MdlDialog* dialog) {
     char* names[PREVIEW_MOST_NAMES] = {};
-    if (!pageListFunction()) return;
-    const int32_t given =
-        dlmSystem_callAnyFunction("P", mdlSystem_getCurrMdlDesc(), reinterpret_cast<void*>(pageListFunction()), names);
+    if (!formsState->pageListFunction) return;
+    const int32_t given = dlmSystem_callAnyFunction("P", mdlSystem_getCurrMdlDesc(),
+                                                    reinterpret_cast<void*>(formsState->pageListFunction), names);
     const int32_t count = std::min<int32_t>(given, PREVIEW_MOST_NAMES);
     if (count <= 0 || !setPageNames(data, count, names)) return;
     data.previewPage = std::clamp(data.fileDialogP->pageChoice, 0, count - 1);
@@ -127,12 +129,6 @@ void pageButton(DialogMessage* message) {
         changePage(*data);
 }
 
-// The preview that is open makes its page anew, whichever application it belongs to.
-void showPageAnew() {
-    if (MdlDialog* const open = mdlDialog_find(ids::preview::id, nullptr))
-        mdlDialog_itemSignal(optionButtonOf(open), SHOW_ANEW, 0);
-}
-
 void newListButton(DialogMessage* message) {
     GlobalData* data = mclibMain_getGlobalDataP();
     const bool pressed = message->type == ITEM_BUTTON && message->state == 1;
@@ -188,7 +184,9 @@ void button(DialogMessage* message) {
     if (message->handled && message->state == 1) action(*data, message->dialog);
 }
 
-constexpr auto previewHooks = std::to_array<DialogHook>({
+}  // namespace
+
+const DialogHook previewHooks[] = {
     {ids::hooks::preview, previewDialog},
     {ids::hooks::pageArea, pageAreaItem},
     {ids::hooks::openSetup, button<openSetup>},
@@ -200,9 +198,13 @@ constexpr auto previewHooks = std::to_array<DialogHook>({
     {ids::hooks::chooseTemplate, button<chooseTemplate>},
     {ids::hooks::openPageInfo, button<pageInformation>},
     {ids::hooks::openProject, button<projectData>},
-});
+    endOfHooks,
+};
 
-}  // namespace
+void showPageAnew() {
+    if (MdlDialog* const open = mdlDialog_find(ids::preview::id, nullptr))
+        mdlDialog_itemSignal(optionButtonOf(open), SHOW_ANEW, 0);
+}
 
 void fillWithPageNames(const GlobalData& data, MdlItem* optionButton) {
     print::fillWithPages(data, optionButton);
@@ -214,12 +216,6 @@ void showPage(GlobalData& data) {
     makePage(data, data.previewPage, false, &data.previewDescr);
     if (MdlDialog* dialog = mdlDialog_find(ids::preview::id, mdlSystem_getCurrMdlDesc()))
         mdlDialog_itemDraw(mdl::itemOf(dialog, ids::preview::pageArea));
-}
-
-void publishPreviewHooks() {
-    setProjectWritten(showPageAnew);
-    mdlDialog_hookPublish(static_cast<int32_t>(previewHooks.size()), previewHooks.data());
-    publishPageInfoHooks();
 }
 
 }  // namespace forms
@@ -242,5 +238,5 @@ MdlDialog* mclibPreview_dialogOpenExtended(int pageCount, int firstShown, char* 
 }
 
 void mclibPreview_setUserPrintFunction(McUserPrintFunction function) {
-    forms::setUserPrintFunction(function);
+    forms::formsState->userPrintFunction = function;
 }

@@ -7,8 +7,8 @@
 #ifndef MCLIB_PREVIEW_H
 #define MCLIB_PREVIEW_H
 
-#include "mclib/frame/export.h"
 #include "mchost/mdl/elmdscr.h"
+#include "mclib/frame/export.h"
 
 /* Makes page number `page` (from 0), whose name is `name`: a new descriptor, which is the library's from then on, in
  * *result; null for no page. inDrawing is 1 when the page will stay in the drawing, else 0. `result` itself is null
@@ -37,11 +37,12 @@ MCLIB_EXPORT void mclibPreview_setUserPrintFunction(McUserPrintFunction function
 
 /* Prints pages without the dialog, as a print job of the preview does: within the margins of the printer set-up, and
  * turned where that asks for it. The pages from number `first` to `last`, counted from 0, both included and held to the
- * list, go to `fileName` for `device` (PRINT_... of mclib/print/print.h, not the host's plotter), in a text file behind each
- * other with a form feed between them; nothing goes to a printer. To be called while no preview is open, since it takes
- * the names and the function over from it. MCLIB_ERROR, after a message, when the file can't be written, when the margins
- * leave nothing of the sheet, and when different names are the same in their first 80 letters, which is what the design
- * file keeps of a name; without one when a page wasn't made. */
+ * list, go to `fileName` for `device` (PRINT_... of mclib/print/print.h, not the host's plotter), in a text file behind
+ * each other with a form feed between them; nothing goes to a printer. A file of that name is replaced when all pages
+ * are printed, and stays as it was when they aren't. To be called while no preview is open, since it takes the names
+ * and the function over from it. MCLIB_ERROR, after a message, when the file can't be written, when the margins leave
+ * nothing of the sheet, and when different names are the same in their first 80 letters, which is what the design file
+ * keeps of a name; without one when a page wasn't made. */
 MCLIB_EXPORT int mclibPreview_printPages(int pageCount, char *const *pageNames, McPageFunction pageFunction,
                                          const char *fileName, int device, int first, int last);
 

@@ -3,6 +3,11 @@
 
 #include "mclib/frame/stored_layout.h"
 
+// The preview's extent in pixels.
+struct PreviewExtent {
+    int32_t width, height;
+};
+
 namespace forms {
 
 constexpr int32_t extentType = 0x466F4461, extentId = 20001;

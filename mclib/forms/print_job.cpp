@@ -7,8 +7,14 @@
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/system.h"
 #include "mclib/forms/form_cell.h"
+#include "mclib/forms/job_file.h"
 #include "mclib/forms/page_info.h"
-#include "mclib/forms/pages.h"
+#include "mclib/forms/page_list.h"
+#include "mclib/forms/page_making.h"
+#include "mclib/forms/plotting.h"
+#include "mclib/forms/preview_dialog.h"
+#include "mclib/forms/sheet.h"
+#include "mclib/forms/state.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/resource_files.h"
@@ -39,16 +45,6 @@ void tellPage(const char* name) {
 
 // ---- one page ----
 
-struct PrintableArea {
-    double width, height;  // mm
-    bool isEmpty() const { return !(width > 0 && height > 0); }
-};
-
-PrintableArea printableArea() {
-    const mclibPrinterSetupData& p = *mclibpsd;
-    return {p.pageWidth - p.marginLeft - p.marginRight, p.pageHeight - p.marginTop - p.marginBottom};
-}
-
 // Prints a page within the margins of its sheet, turned where that fits it better. False when there is none.
 bool printPage(GlobalData& data, const ElementDescr* page) {
     if (!page) return false;
@@ -74,7 +70,7 @@ void printByUser(McUserPrintFunction print, int32_t number) {
 
 bool printPageOnShow(GlobalData& data) {
     tellPage(pageName(data, data.previewPage));
-    if (const McUserPrintFunction print = userPrintFunction()) {
+    if (const McUserPrintFunction print = formsState->userPrintFunction) {
         printByUser(print, data.previewPage);
         return true;
     }
@@ -86,7 +82,7 @@ int32_t printSpan(GlobalData& data, PageSpan span) {
     int32_t printed = 0;
     for (int32_t number = span.first; number <= span.last; ++number) {
         tellPage(pageName(data, number));
-        if (const McUserPrintFunction print = userPrintFunction()) {
+        if (const McUserPrintFunction print = formsState->userPrintFunction) {
             copyText(data.currentPageName, pageName(data, number));
             printByUser(print, number);
             ++printed;
@@ -151,14 +147,18 @@ void sendToPrinter() {
 
 // Whether the file goes to a printer when it is whole.
 bool isSent() {
-    return print::setupDeviceIs(PRINT_DEVICE_TO_PRINTER) && !mclibpsd->fileOnly && !userPrintFunction();
+    return print::setupDeviceIs(PRINT_DEVICE_TO_PRINTER) && !mclibpsd->fileOnly && !formsState->userPrintFunction;
 }
 
 // Whether the set-up lets something be printed. Tells when not.
 bool canPrint() {
-    if (!userPrintFunction() && printableArea().isEmpty()) return report(ids::errors::marginsLeaveNothing), false;
-    if (isSent() && mclibpsd->copies < 1) return report(ids::errors::noCopies), false;
-    return true;
+    const bool hasRoom = formsState->userPrintFunction || !printableArea().isEmpty();
+    const bool hasCopies = !isSent() || mclibpsd->copies >= 1;
+    if (!hasRoom)
+        report(ids::errors::marginsLeaveNothing);
+    else if (!hasCopies)
+        report(ids::errors::noCopies);
+    return hasRoom && hasCopies;
 }
 
 // The sheets of the job are of the set-up's size, whichever the application asked for last.
@@ -167,12 +167,12 @@ void usePageSize() {
     mclibPrint_getPageSize(&width, &height, mclibpsd->pageSize);
 }
 
-// Ends the file; whether all of it was written. Tells when not.
-bool closeFile(const std::string& file) {
+// Ends the job, which gets its name when it is what was asked for. Whether it has it; tells of a file that isn't whole.
+bool finish(JobFile& job, const std::string& name, bool isAsked) {
     mclibPrint_fclose();
-    const bool stored = mclibPrint_jobStatus() == MCLIB_SUCCESS;
-    if (!stored) reportFile(ids::errors::cantClose, file);
-    return stored;
+    const bool isWhole = mclibPrint_jobStatus() == MCLIB_SUCCESS && (!isAsked || job.publish());
+    if (!isWhole) reportFile(ids::errors::cantClose, name);
+    return isWhole && isAsked;
 }
 
 }  // namespace
@@ -184,11 +184,12 @@ void printPages(GlobalData& data) {
     if (!file || !canPrint()) return;
     tellMissingCellsAnew();
     usePageSize();
-    if (!mclibPrint_fopen(file->c_str(), mclibpsd->deviceType)) return reportFile(ids::errors::cantOpen, *file);
+    JobFile job(file->c_str());
+    if (!mclibPrint_fopen(job.name(), mclibpsd->deviceType)) return reportFile(ids::errors::cantOpen, *file);
     const bool any = printAsked(data);
-    const bool stored = closeFile(*file);
+    const bool printed = finish(job, *file, any);
     if (!any) report(ids::errors::noPages);
-    if (any && stored && isSent()) sendToPrinter();
+    if (printed && isSent()) sendToPrinter();
     tell(ids::questions::nothing);
 }
 
@@ -200,18 +201,17 @@ int mclibPreview_printPages(int pageCount, char* const* pageNames, McPageFunctio
     GlobalData* const data = mclibMain_getGlobalDataP();
     if (!data || !fileName || !pageFunction || !setPageNames(*data, pageCount, pageNames)) return MCLIB_ERROR;
     setFunctions(pageFunction, nullptr);
-    setUserPrintFunction(nullptr);
     if (printableArea().isEmpty()) {
         report(ids::errors::marginsLeaveNothing);
         return MCLIB_ERROR;
     }
     const PageSpan span{std::max(first, 0), std::min(last, pageCount - 1)};
-    if (!mclibPrint_fopen(fileName, device)) {
+    JobFile job(fileName);
+    if (!mclibPrint_fopen(job.name(), device)) {
         reportFile(ids::errors::cantOpen, fileName);
         return MCLIB_ERROR;
     }
-    const int32_t printed = printSpan(*data, span);
-    const bool stored = closeFile(fileName);
+    const bool printed = finish(job, fileName, printSpan(*data, span) == span.size());
     tell(ids::questions::nothing);
-    return stored && printed == span.last - span.first + 1 ? MCLIB_SUCCESS : MCLIB_ERROR;
+    return printed ? MCLIB_SUCCESS : MCLIB_ERROR;
 }

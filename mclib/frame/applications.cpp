@@ -22,12 +22,12 @@ constexpr int32_t maxSlots = mostApplications + 1;  // a mark at the last one re
 
 // Lives as long as the session. slotCount never goes down; slots of ended applications are used again below it.
 struct ApplicationTable {
-    ApplicationSlot slots[maxSlots];
-    int32_t slotCount;
+    ApplicationSlot slots[maxSlots] = {};
+    int32_t slotCount = 0;
 
     std::span<ApplicationSlot> used() { return {slots, static_cast<size_t>(slotCount)}; }
 };
-ApplicationTable table;
+constinit RoomState<ApplicationTable> table;
 
 bool isLive(const ApplicationSlot& slot) {
     return slot.mdlDesc && mdlSystem_getMdlDescFromProcessNumber(slot.processNumber) == slot.mdlDesc;
@@ -37,13 +37,13 @@ bool isLive(const ApplicationSlot& slot) {
 // which may be a new one at the end.
 ApplicationSlot& takeSlot(const MdlDesc* caller) {
     ApplicationSlot* free = nullptr;
-    for (ApplicationSlot& slot : table.used()) {
+    for (ApplicationSlot& slot : table->used()) {
         if (isLive(slot) && slot.mdlDesc == caller) return slot;
         if (isLive(slot)) continue;
         slot = {};
         if (!free) free = &slot;
     }
-    return free ? *free : table.slots[table.slotCount++];
+    return free ? *free : table->slots[table->slotCount++];
 }
 
 void setDefaults(GlobalData& data) {
@@ -74,7 +74,7 @@ GlobalData* registerApplication() {
 }
 
 void replaceBlock(const GlobalData* block, GlobalData* by) {
-    for (ApplicationSlot& slot : table.used()) {
+    for (ApplicationSlot& slot : table->used()) {
         if (slot.globalData != block) continue;
         if (by)
             slot.globalData = by;
@@ -84,23 +84,23 @@ void replaceBlock(const GlobalData* block, GlobalData* by) {
 }
 
 void forgetAllApplications() {
-    table = {};
+    table.end();
     mgdP = nullptr;
 }
 
 int32_t slotsHandedOut() {
-    return table.slotCount;
+    return table->slotCount;
 }
 
 bool tableIsFull() {
-    return table.slotCount == maxSlots;
+    return table->slotCount == maxSlots;
 }
 
 GlobalData* findGlobalData() {
     MdlDesc* desc = mdlSystem_getCurrMdlDesc();
     const int32_t processNumber = mdlSystem_getProcessNumberFromMdlDesc(desc);
     // Only the slot that fits is asked whether it is live: a call to the host for each slot would cost far more.
-    for (const ApplicationSlot& slot : table.used())
+    for (const ApplicationSlot& slot : table->used())
         if (slot.processNumber == processNumber && slot.mdlDesc == desc && isLive(slot)) return slot.globalData;
     return nullptr;
 }
@@ -108,8 +108,8 @@ GlobalData* findGlobalData() {
 void notifyScaleChange(double oldScale, double newScale, int includeCurrent) {
     const GlobalData* current = findGlobalData();
     // By index: a scale function may have applications come and go.
-    for (int32_t i = 0; i < table.slotCount; ++i) {
-        const ApplicationSlot slot = table.slots[i];
+    for (int32_t i = 0; i < table->slotCount; ++i) {
+        const ApplicationSlot slot = table->slots[i];
         if (!isLive(slot) || (!includeCurrent && slot.globalData == current)) continue;
         if (auto* function = slot.globalData->scaleFunction)
             dlmSystem_callAnyFunction("DD", slot.mdlDesc, reinterpret_cast<void*>(function), oldScale, newScale);
@@ -152,8 +152,8 @@ void mclibMain_setScaleFunction(void (*f)(double oldScale, double newScale)) {
 
 void mclibMain_updateBeforeDialogOpen(int dialogId) {
     const MdlDesc* current = mdlSystem_getCurrMdlDesc();
-    for (int32_t i = 0; i < table.slotCount; ++i) {
-        const ApplicationSlot slot = table.slots[i];
+    for (int32_t i = 0; i < table->slotCount; ++i) {
+        const ApplicationSlot slot = table->slots[i];
         if (!isLive(slot)) continue;
         if (slot.mdlDesc == current)
             mgdP = slot.globalData;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "mclib/frame/export.h"
+#include "mclib/frame/room.h"
 
 // The block that the library's dialogs reach as mgdP: that of the application whose dialog is about to open.
 extern GlobalData* mgdP;
@@ -23,6 +24,8 @@ void forgetAllApplications();
 
 // The current application's block, as mclibMain_getGlobalDataP but without a word when there is none.
 GlobalData* findGlobalData();
+
+extern const Room frameRoom;
 
 // Calls the scale function of every running application, with includeCurrent 0 of all but the current one.
 void notifyScaleChange(double oldScale, double newScale, int includeCurrent);

@@ -28,26 +28,26 @@ enum { MSGBOX_FIRST = 3, MSGBOX_SECOND = 4, MCLIB_NOT_SHOWN = 20000, MCLIB_STORE
 enum { LIST_COLLECT = 0, LIST_SHOW = 1, LIST_NOTHING = 2, LIST_CONSOLE = 3 };
 
 /* Shows a modal box; the reply, MSGBOX_FIRST or MSGBOX_SECOND. */
-MCLIB_EXPORT int mclibError_msgBoxPrintf(int flags, const char* format, ...) __attribute__((format(printf, 2, 3)));
+MCLIB_EXPORT int mclibError_msgBoxPrintf(int flags, const char *format, ...) __attribute__((format(printf, 2, 3)));
 /* The same with a string of a list; MCLIB_NOT_SHOWN when it can't be loaded. */
 MCLIB_EXPORT int mclibError_rscMsgBoxPrintf(int flags, int listId, int messageId, ...);
 /* LIST_COLLECT adds each line of the text to the collected lines (MCLIB_STORED, or MCLIB_NOT_SHOWN when one couldn't be
  * stored); LIST_SHOW opens the list dialog with this text as its head (its reply); LIST_NOTHING does nothing; any other
  * mode prints the first line on the console. The lines belong to no application, and go when the dialog closes. */
-MCLIB_EXPORT int mclibError_listPrintf(int mode, const char* format, ...) __attribute__((format(printf, 2, 3)));
+MCLIB_EXPORT int mclibError_listPrintf(int mode, const char *format, ...) __attribute__((format(printf, 2, 3)));
 MCLIB_EXPORT int mclibError_rscListPrintf(int mode, int listId, int messageId, ...);
 /* Sets the title of the boxes of a kind (1, 2, 4 or 8) for the current application, at most 512 characters. */
-MCLIB_EXPORT void mclibError_setTitle(int kind, const char* format, ...) __attribute__((format(printf, 2, 3)));
+MCLIB_EXPORT void mclibError_setTitle(int kind, const char *format, ...) __attribute__((format(printf, 2, 3)));
 
 /* A zero-filled block, to be freed with dlmSystem_mdlFree. When memory runs out the message is shown with two buttons:
  * the second ends the application. Null then. */
-MCLIB_EXPORT void* mclibMem_mallocRscErrorPrintf(size_t size, int listId, int messageId, ...);
+MCLIB_EXPORT void *mclibMem_mallocRscErrorPrintf(size_t size, int listId, int messageId, ...);
 /* Grows a block; the new part is zero-filled. newSize must not be below oldSize. Null, with the old block as it was,
  * when memory runs out. */
-MCLIB_EXPORT void* mclibMem_reallocRscErrorPrintf(void* p, size_t oldSize, size_t newSize, int listId, int messageId,
+MCLIB_EXPORT void *mclibMem_reallocRscErrorPrintf(void *p, size_t oldSize, size_t newSize, int listId, int messageId,
                                                   ...);
 
 /* Member n of the language texts; empty when there is none. The next call overwrites it. */
-MCLIB_EXPORT char* mclibUtil_getLanguageText(int n);
+MCLIB_EXPORT char *mclibUtil_getLanguageText(int n);
 
 #endif

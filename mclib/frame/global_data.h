@@ -6,10 +6,15 @@
 #include "mclib/frame/export.h"
 #include "mclib/frame/resource_files.h"
 
-struct ElmAttrGroup;      // mclib/elmattr/table.h
-struct ElmAttrRecord;     // mclib/elmattr/table.h
-struct ElmAttrEditBlock;  // the small attribute dialog's block
-struct PlotPage;          // a page of a plot
+// What rooms hang in the block; only the room that writes the field knows what is in them.
+struct ElmAttrEditBlock;
+struct ElmAttrGroup;
+struct ElmAttrRecord;
+struct PlotPage;
+struct PreviewExtent;
+
+// FileDialogBlock::printRange
+enum PrintRange { printCurrentPage = 0, printAllPages = 1, printPagesFromTo = 2 };
 
 // The working block of the file dialogs and of the preview's output settings.
 struct FileDialogBlock {
@@ -21,80 +26,70 @@ struct FileDialogBlock {
     char decimalSign[2];
 };
 
-// The preview's extent.
-struct PreviewExtent {
-    int32_t width, height;
-};
-
 struct IdentityBlock {
     char companyName[256];
     char superUserName[256];
 };
 
-struct ElmAttrEditBlock {
-    char label[84];
-    int32_t kind;
-    uint32_t lockMask;
-};
-
 constexpr int maxInitApps = 10;
 constexpr int messageTitleSize = 513;
 
+// Behind each field the room that writes it; "to come" is for dialogs that aren't there yet.
 struct GlobalData {
-    uint8_t upfIsOpen;
-    uint8_t upfIsReadOnly;
-    char** pageNames;  // ended by a null pointer
-    char* dialogTitle;
-    char* dialogLabel;
-    char currentPageName[81];
-    char applicationName[336];
-    char introText[14][257];
-    char messageTitles[4][messageTitleSize];  // of the kinds 4, 8, 1, 2
-    void* pdmMenu;
-    double pageAngle;       // degrees
-    double convertedValue;  // result of the last unit conversion
-    double pageScale;
-    FileDialogResult fileListResult;
-    ElmAttrGroup* groups;
-    int32_t hourGlassTicks;
-    int32_t selectedAttributeId;
-    int32_t attributeCount;
-    int32_t groupCount;
-    int32_t placeForPlot;
-    int32_t previewPage;
-    int32_t printerRow;
-    int32_t layoutState;
-    int32_t exportToExcel;
-    int32_t fileListFirstUse;
-    int32_t isInitApp;
-    int32_t pageInfoPage;
-    int32_t pageNameCount;
-    int32_t listBoxColumns, listBoxRows;
-    int32_t nextAttributeId;
-    int32_t initAppCount;
-    int32_t selectionCount;
-    int32_t hourGlassIndex;
-    int32_t introSeconds;
-    int32_t selectedRow;
-    int32_t printPageCode;
-    int32_t pageInfoSaved;
-    int32_t printDevice;
-    int32_t layoutHeight;
-    ElementDescr* previewDescr;
-    wchar_t* levelNameVariables[11];
-    RscHandle appRscHandle;
-    void* selectionRows;
-    void* plotDescr;
-    StringList* selectedFiles;
-    StringList* selectList;
-    ElmAttrEditBlock* attributeEditBlock;
-    ElmAttrRecord* activeRecord;
-    ElmAttrRecord* attributeList;
-    PreviewExtent* previewExtent;
-    PlotPage* plotList;
-    IdentityBlock* identityBlockP;
-    McHandle upfHandle;
-    FileDialogBlock* fileDialogP;
-    void (*initApps[maxInitApps])(void);
-    void (*scaleFunction)(double oldScale, double newScale);
+    uint8_t upfIsOpen;                        // frame
+    uint8_t upfIsReadOnly;                    // frame
+    char** pageNames;                         // forms: ended by a null pointer
+    char* dialogTitle;                        // to come: selection dialogs
+    char* dialogLabel;                        // to come: selection dialogs
+    char currentPageName[81];                 // forms: the page that is being made
+    char applicationName[336];                // startup
+    char introText[14][257];                  // to come: intro and about boxes
+    char messageTitles[4][messageTitleSize];  // frame: of the kinds 4, 8, 1, 2
+    void* pdmMenu;                            // to come: selection dialogs
+    double pageAngle;                         // forms: degrees
+    double convertedValue;                    // frame: result of the last unit conversion
+    double pageScale;                         // forms
+    FileDialogResult fileListResult;          // to come: lists of design files
+    ElmAttrGroup* groups;                     // elmattr
+    int32_t hourGlassTicks;                   // frame
+    int32_t selectedAttributeId;              // elmattr
+    int32_t attributeCount;                   // elmattr
+    int32_t groupCount;                       // elmattr
+    int32_t placeForPlot;                     // forms
+    int32_t previewPage;                      // forms
+    int32_t printerRow;                       // print
+    int32_t layoutState;                      // to come: attribute dialog
+    int32_t exportToExcel;                    // forms
+    int32_t fileListFirstUse;                 // to come: lists of design files
+    int32_t isInitApp;                        // startup; frame, once the first design file is open
+    int32_t pageInfoPage;                     // forms
+    int32_t pageNameCount;                    // forms
+    int32_t listBoxColumns, listBoxRows;      // to come: selection dialogs
+    int32_t nextAttributeId;                  // elmattr
+    int32_t initAppCount;                     // frame
+    int32_t selectionCount;                   // to come: selection dialogs
+    int32_t hourGlassIndex;                   // frame
+    int32_t introSeconds;                     // to come: intro and about boxes
+    int32_t selectedRow;                      // to come: selection dialogs
+    int32_t printPageCode;                    // print
+    int32_t pageInfoSaved;                    // forms
+    int32_t printDevice;                      // print
+    int32_t layoutHeight;                     // to come: attribute dialog
+    ElementDescr* previewDescr;               // forms
+    wchar_t* levelNameVariables[11];          // elmattr
+    RscHandle appRscHandle;                   // startup
+    void* selectionRows;                      // to come: selection dialogs
+    void* plotDescr;                          // forms; print shows where it goes
+    StringList* selectedFiles;                // to come: lists of design files
+    StringList* selectList;                   // to come: selection dialogs
+    ElmAttrEditBlock* attributeEditBlock;     // elmattr
+    ElmAttrRecord* activeRecord;              // elmattr
+    ElmAttrRecord* attributeList;             // elmattr
+    PreviewExtent* previewExtent;             // forms
+    PlotPage* plotList;                       // forms
+    IdentityBlock* identityBlockP;            // frame
+    McHandle upfHandle;                       // frame
+    FileDialogBlock* fileDialogP;             // frame makes it; forms and print write the choices of pages
+    void (*initApps[maxInitApps])(void);      // frame
+    void (*scaleFunction)(double oldScale, double newScale);  // frame
 };

@@ -12,6 +12,7 @@
 #include "mclib/frame/messages.h"
 #include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/resource_files.h"
+#include "mclib/frame/room.h"
 #include "resources/ids.h"
 
 namespace {
@@ -63,7 +64,7 @@ void placeButtons(MdlDialog* dialog, MdlItem* first, MdlItem* second) {
 // ---- the head: icon and lines ----
 
 int32_t heightOfLines(int32_t fontHeight) {
-    return std::max(fontHeight * messageState.messageLineCount, leastTextHeight);
+    return std::max(fontHeight * messageState->messageLineCount, leastTextHeight);
 }
 
 // Draws the box's icon, its top `aboveMiddle` over the middle of the rectangle, and the lines beside it. Without its
@@ -75,8 +76,8 @@ void drawHead(MdlDialog* dialog, const DialogRect& rect, int32_t kind, int32_t a
     const int32_t iconTop = (rect.top + rect.bottom) / 2 - aboveMiddle;
     if (mdlWindow_iconDraw(dialog, 0, row->icon, rect.left, iconTop, row->color) != MDL_SUCCESS) return;
     const int32_t f = mdlDialog_fontHeight(mdlDialog_getFontIndex(dialog));
-    for (int32_t i = 0; i < messageState.messageLineCount; ++i)
-        mdlDialog_textDrawCD(dialog, rect.left + textLeft, rect.top + i * f, messageState.messageLines[i]);
+    for (int32_t i = 0; i < messageState->messageLineCount; ++i)
+        mdlDialog_textDrawCD(dialog, rect.left + textLeft, rect.top + i * f, messageState->messageLines[i]);
 }
 
 // ---- message box ----
@@ -103,20 +104,20 @@ void setLabel(MdlItem* item, int32_t flag) {
 void layOutBox(MdlDialog* dialog) {
     const int32_t f = mdlDialog_fontHeight(mdlDialog_getFontIndex(dialog));
     int32_t textWidth = 8 * f - 50;
-    for (int32_t i = 0; i < messageState.messageLineCount; ++i)
-        textWidth = std::max(textWidth, mdlDialog_stringWidth(messageState.messageLines[i], MDL_FONT_DIALOG));
+    for (int32_t i = 0; i < messageState->messageLineCount; ++i)
+        textWidth = std::max(textWidth, mdlDialog_stringWidth(messageState->messageLines[i], MDL_FONT_DIALOG));
     const int32_t width = textWidth + widthAroundText;
     const int32_t height = heightOfLines(f) + 3 * (f + margin);
     mdlWindow_extentSet(dialog, width, height);
 
-    const bool two = messageState.msgBoxSecondButton != MSGBOX_NO_SECOND;
+    const bool two = messageState->msgBoxSecondButton != MSGBOX_NO_SECOND;
     MdlItem* const first = itemOf(dialog, ids::messageBox::first);
     MdlItem* const second = itemOf(dialog, ids::messageBox::second);
     placeButtons(dialog, first, two ? second : nullptr);
     place(itemOf(dialog, ids::messageBox::text), {margin, margin, width - margin, height - 2 * f - 2 * margin});
-    setLabel(first, messageState.msgBoxFirstButton);
+    setLabel(first, messageState->msgBoxFirstButton);
     mdlDialog_itemShow(second, two);
-    if (two) setLabel(second, messageState.msgBoxSecondButton);
+    if (two) setLabel(second, messageState->msgBoxSecondButton);
 }
 
 void messageBox(DialogMessage* message) {
@@ -131,7 +132,7 @@ void messageBoxText(DialogMessage* message) {
         case ITEM_DRAW: {
             DialogRect rect;
             mdlDialog_itemRect(&rect, message->item);
-            drawHead(message->dialog, rect, messageState.msgBoxKind, 25);
+            drawHead(message->dialog, rect, messageState->msgBoxKind, 25);
             break;
         }
         default: message->handled = 0;
@@ -216,24 +217,21 @@ void writeLines(const char* fileName, const StringList* lines) {
 
 void saveList(DialogMessage* message) {
     message->handled = message->type == ITEM_BUTTON && message->state == 1;
-    if (!message->handled || !messageState.messageList) return;
+    if (!message->handled || !messageState->messageList) return;
     char fileName[256];
     if (mclibUpf_defFileCreate(fileName, nullptr, "*.txt", nullptr, mc::languageText(ids::texts::saveList),
                                savedListRecord) == 0)
-        writeLines(fileName, messageState.messageList);
+        writeLines(fileName, messageState->messageList);
 }
 
-constexpr auto messageDialogHooks = std::to_array<DialogHook>({
+}  // namespace
+
+const DialogHook messageDialogHooks[] = {
     {ids::hooks::messageList, listDialog},
     {ids::hooks::collectedLines, collectedLines},
     {ids::hooks::listHead, listHead},
     {ids::hooks::saveList, saveList},
     {ids::hooks::boxText, messageBoxText},
     {ids::hooks::messageBox, messageBox},
-});
-
-}  // namespace
-
-void publishMessageDialogHooks() {
-    mdlDialog_hookPublish(static_cast<int32_t>(messageDialogHooks.size()), messageDialogHooks.data());
-}
+    endOfHooks,
+};

@@ -2,5 +2,6 @@
 // mclib/frame/messages.h holds.
 #pragma once
 
-// Publishes the hooks for the current application.
-void publishMessageDialogHooks();
+#include "mchost/mdl/dialog.h"
+
+extern const DialogHook messageDialogHooks[];

@@ -16,7 +16,7 @@
 #include "mclib/frame/text_buffer.h"
 #include "resources/ids.h"
 
-MessageState messageState;
+constinit RoomState<MessageState> messageState;
 
 namespace {
 
@@ -32,9 +32,9 @@ constexpr int32_t flagOf(int flags, int group, int32_t fallback) {
 static_assert(flagOf(7, 15, 1) == 1 && flagOf(0, 0x70, 16) == 16 && flagOf(577, 0x380, MSGBOX_NO_SECOND) == 512);
 
 void takeFlags(int flags) {
-    messageState.msgBoxKind = flagOf(flags, 0x00F, 1);
-    messageState.msgBoxFirstButton = flagOf(flags, 0x070, 16);
-    messageState.msgBoxSecondButton = flagOf(flags, 0x380, MSGBOX_NO_SECOND);
+    messageState->msgBoxKind = flagOf(flags, 0x00F, 1);
+    messageState->msgBoxFirstButton = flagOf(flags, 0x070, 16);
+    messageState->msgBoxSecondButton = flagOf(flags, 0x380, MSGBOX_NO_SECOND);
 }
 
 // Cuts the text at its line ends, in place; runs of them count as one.
@@ -43,14 +43,14 @@ void takeLines(char* text) {
     char* rest = nullptr;
     for (char* line = strtok_r(text, "\n", &rest); line && count < maxMessageLines;
          line = strtok_r(nullptr, "\n", &rest))
-        messageState.messageLines[count++] = line;
-    messageState.messageLines[count] = nullptr;
-    messageState.messageLineCount = count;
+        messageState->messageLines[count++] = line;
+    messageState->messageLines[count] = nullptr;
+    messageState->messageLineCount = count;
 }
 
 void dropLines() {
-    messageState.messageLines[0] = nullptr;
-    messageState.messageLineCount = 0;
+    messageState->messageLines[0] = nullptr;
+    messageState->messageLineCount = 0;
 }
 
 // For whoever built the application: what is missing, and what brings it.
@@ -65,14 +65,14 @@ void tellMissing(int listId, int messageId) {
 
 // The lines of a message whose dialog can't be shown, and those that were collected for it.
 void tellLines() {
-    for (int32_t i = 0; i < messageState.messageLineCount; ++i)
-        mdlOutput_messageCenter(MDL_PRIORITY_WARNING, messageState.messageLines[i], "", 0);
+    for (int32_t i = 0; i < messageState->messageLineCount; ++i)
+        mdlOutput_messageCenter(MDL_PRIORITY_WARNING, messageState->messageLines[i], "", 0);
 }
 
 void tellCollectedLines() {
     const char* line = nullptr;
-    for (int32_t i = 0, count = mdlStringList_size(messageState.messageList); i < count; ++i)
-        if (mdlStringList_getMember(&line, nullptr, messageState.messageList, i) == MDL_SUCCESS)
+    for (int32_t i = 0, count = mdlStringList_size(messageState->messageList); i < count; ++i)
+        if (mdlStringList_getMember(&line, nullptr, messageState->messageList, i) == MDL_SUCCESS)
             toolSubsystem_printf("%s\n", line);
     dropMessageList();
 }
@@ -80,7 +80,6 @@ void tellCollectedLines() {
 // Opens a dialog above the lines of the text; its reply. Whoever can't be asked declines.
 int showDialog(int dialogId, char* text) {
     takeLines(text);
-    if (messageState.publishHooks) messageState.publishHooks();
     int32_t reply = MSGBOX_SECOND;
     if (mdlDialog_openModal(&reply, 0, dialogId) == MDL_DIALOG_NOT_SHOWN) {
         tellLines();
@@ -118,7 +117,7 @@ int collectLines(char* text) {
 int showList(char* text) {
     mdlSystem_enterGraphics();
     if (MdlDialog* progress = mdlDialog_find(progressDialog, nullptr)) mdlDialog_closeCommandQueue(progress);
-    messageState.msgBoxKind = 1;
+    messageState->msgBoxKind = 1;
     return showDialog(ids::messageList::id, text);
 }
 
@@ -154,18 +153,18 @@ void reportNoMemory(int listId, int messageId, va_list values) {
 }  // namespace
 
 StringList* ensureMessageList() {
-    if (!messageState.messageList) messageState.messageList = mdlStringList_create(0, 1);
-    return messageState.messageList;
+    if (!messageState->messageList) messageState->messageList = mdlStringList_create(0, 1);
+    return messageState->messageList;
 }
 
 void dropMessageList() {
-    if (messageState.messageList) mdlStringList_destroy(messageState.messageList);
-    messageState.messageList = nullptr;
+    if (messageState->messageList) mdlStringList_destroy(messageState->messageList);
+    messageState->messageList = nullptr;
 }
 
 void forgetMessages() {
     dropMessageList();
-    messageState = {};
+    messageState.end();
 }
 
 char* messageTitle(int kind) {

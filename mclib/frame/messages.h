@@ -1,8 +1,9 @@
 // What the message boxes and the list dialog show. Internal: mclib/frame/messages.cpp fills it, the hooks of the two
-// dialogs (batch/) lay it out and draw it.
+// dialogs lay it out and draw it.
 #pragma once
 
 #include "mclib/frame/export.h"
+#include "mclib/frame/room.h"
 
 enum { MSGBOX_NO_SECOND = 20000 };  // msgBoxSecondButton: there is no second button
 constexpr int maxMessageLines = 24;
@@ -17,11 +18,8 @@ struct MessageState {
     const char* messageLines[maxMessageLines + 1]{};  // the last used one is followed by a null
     int32_t messageLineCount = 0;
     StringList* messageList = nullptr;  // the collected lines; null while there are none
-    // Publishes the hooks of both dialogs. Set while an application starts, until their own turn has come: what fails
-    // before that is told in a box that has them all the same.
-    void (*publishHooks)() = nullptr;
 };
-extern MessageState messageState;
+extern RoomState<MessageState> messageState;
 
 // The collected lines, made when there are none yet; null when out of memory.
 StringList* ensureMessageList();

@@ -8,6 +8,7 @@
 #include "mclib/frame/letters.h"
 #include "mclib/frame/main.h"
 #include "mclib/frame/named_messages.hpp"
+#include "mclib/frame/room.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/print/plot_name.h"
 #include "mclib/print/print.h"
@@ -19,7 +20,6 @@ namespace print {
 
 namespace {
 
-enum { RANGE_FROM_TO = 2 };          // FileDialogBlock::printRange
 enum { PRINTER_CHOSEN = 2 };         // answer of the system's print dialog
 constexpr int shownNameLength = 45;  // of a plot file's name
 constexpr int32_t itemGap = 8;       // pixels
@@ -149,7 +149,7 @@ MdlItem* firstPageButton(MdlDialog* dialog) {
 
 void enableRange(const GlobalData& data, MdlDialog* dialog) {
     MdlItem* first = firstPageButton(dialog);
-    const bool enabled = data.fileDialogP->printRange == RANGE_FROM_TO;
+    const bool enabled = data.fileDialogP->printRange == printPagesFromTo;
     mdlDialog_itemEnable(first, enabled);
     mdlDialog_itemEnable(mdlDialog_itemNeighbour(first, 1), enabled);
 }
@@ -199,15 +199,16 @@ void lastPage(DialogMessage* message) {
     enableRange(*data, message->dialog);
 }
 
-constexpr auto printDialogHooks = std::to_array<DialogHook>({
+}  // namespace
+
+const DialogHook printDialogHooks[] = {
     {ids::hooks::print, printDialog},
     {ids::hooks::pageRange, rangeButton},
     {ids::hooks::firstPage, firstPage},
     {ids::hooks::lastPage, lastPage},
     {ids::hooks::systemPrintDialog, systemDialogButton},
-});
-
-}  // namespace
+    endOfHooks,
+};
 
 int32_t fillWithPages(const GlobalData& data, MdlItem* optionButton) {
     mdlDialog_optionButtonDeleteAll(optionButton);
@@ -215,10 +216,6 @@ int32_t fillWithPages(const GlobalData& data, MdlItem* optionButton) {
     for (; data.pageNames && data.pageNames[page]; ++page)
         mdlDialog_optionButtonInsert(optionButton, data.pageNames[page], page);
     return page;
-}
-
-void publishPrintDialogHooks() {
-    mdlDialog_hookPublish(static_cast<int32_t>(printDialogHooks.size()), printDialogHooks.data());
 }
 
 }  // namespace print

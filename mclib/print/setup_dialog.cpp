@@ -7,6 +7,7 @@
 #include "mclib/frame/main.h"
 #include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/resource_files.h"
+#include "mclib/frame/room.h"
 #include "mclib/frame/text_buffer.h"
 #include "mclib/print/delivery.h"
 #include "mclib/print/print.h"
@@ -172,17 +173,14 @@ void printerText(DialogMessage* message) {
     mdlDialog_comboBoxSelectRow(list, data->printerRow);
 }
 
-constexpr auto setupHooks = std::to_array<DialogHook>({
-    {ids::hooks::choosePlotter, plotterFileButton},
-    {ids::hooks::chooseDevice, deviceButton},
-    {ids::hooks::printerSetup, setupDialog},
-    {ids::hooks::fileOnly, fileOnlyToggle},
-    {ids::hooks::choosePageSize, pageSizeButton},
-    {ids::hooks::printerList, printerList},
-    {ids::hooks::printerText, printerText},
-});
-
 }  // namespace
+
+const DialogHook setupHooks[] = {
+    {ids::hooks::choosePlotter, plotterFileButton}, {ids::hooks::chooseDevice, deviceButton},
+    {ids::hooks::printerSetup, setupDialog},        {ids::hooks::fileOnly, fileOnlyToggle},
+    {ids::hooks::choosePageSize, pageSizeButton},   {ids::hooks::printerList, printerList},
+    {ids::hooks::printerText, printerText},         endOfHooks,
+};
 
 int32_t rowOfPrinter(const StringList* printers, std::string_view path) {
     for (int32_t row = 0, rows = mdlStringList_size(printers) / stringsPerPrinter; row < rows; ++row)
@@ -199,10 +197,6 @@ void applyFileOnly(MdlDialog* dialog) {
     mdlDialog_itemEnable(itemOf(dialog, items::printers), !fileOnly);
     mdlDialog_itemEnable(printerTextOf(dialog), !fileOnly);
     mdlDialog_itemEnable(itemOf(dialog, items::file), fileOnly);
-}
-
-void publishSetupHooks() {
-    mdlDialog_hookPublish(static_cast<int32_t>(setupHooks.size()), setupHooks.data());
 }
 
 }  // namespace print

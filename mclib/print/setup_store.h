@@ -36,8 +36,6 @@ bool printerIsChosen();
 
 // ---- hooks ----
 
-// Publishes the hooks of the set-up dialog, and of the print dialog.
-void publishSetupHooks();
-void publishPrintDialogHooks();
+extern const DialogHook setupHooks[], printDialogHooks[];
 
 }  // namespace print

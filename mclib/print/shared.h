@@ -2,6 +2,7 @@
 // makes both blocks, zero-filled, with the first application; null before.
 #pragma once
 
+#include "mclib/frame/room.h"
 #include "mclib/frame/struct_fields.h"
 #include "mclib/print/scale.h"
 #include "mclib/print/setup.h"
@@ -46,3 +47,5 @@ inline constexpr StructField plotScaleFields[] = {
     MCLIB_FIELD(mclibPlotScale, activeScale),
     endOfFields,
 };
+
+extern const Room printRoom;

@@ -1,6 +1,5 @@
 #include "mclib/project/dialog.h"
 
-#include <array>
 #include <cstring>
 
 #include "mchost/mdl/dialog.h"
@@ -53,7 +52,8 @@ void loadProject(const char* name) {
     const mdl::ResourceFile file(name, MDL_RSC_READ);
     if (!file) return report(MSGBOX_NOTICE, ids::errors::cantOpen, name);
     const mdl::Resource stored(file.handle(), projectType, projectId);
-    if (!stored || stored.bytes().size() < sizeof *mclibpd) return report(NO_PROJECT_FLAGS, ids::errors::noProjectData, name);
+    if (!stored || stored.bytes().size() < sizeof *mclibpd)
+        return report(NO_PROJECT_FLAGS, ids::errors::noProjectData, name);
     std::memcpy(mclibpd, stored.get(), sizeof *mclibpd);
     endTexts(*mclibpd);
 }
@@ -119,19 +119,13 @@ void button(DialogMessage* message) {
     if (message->handled && message->state == 1) action(message->dialog);
 }
 
-constexpr auto projectHooks = std::to_array<DialogHook>({
-    {ids::hooks::project, projectDialog},
-    {ids::hooks::loadProject, button<load>},
-    {ids::hooks::saveProject, button<save>},
-    {ids::hooks::readProject, button<read>},
-    {ids::hooks::writeProject, button<write>},
-});
-
 }  // namespace
 
-void publishProjectHooks() {
-    mdlDialog_hookPublish(static_cast<int32_t>(projectHooks.size()), projectHooks.data());
-}
+const DialogHook projectHooks[] = {
+    {ids::hooks::project, projectDialog},      {ids::hooks::loadProject, button<load>},
+    {ids::hooks::saveProject, button<save>},   {ids::hooks::readProject, button<read>},
+    {ids::hooks::writeProject, button<write>}, endOfHooks,
+};
 
 void setProjectWritten(void (*function)()) {
     projectWritten = function;

@@ -2,13 +2,14 @@
 // both, zero-filled, with the first application; null before.
 #pragma once
 
+#include "mclib/frame/room.h"
 #include "mclib/frame/struct_fields.h"
 #include "mclib/project/blocks.h"
 
 extern mclibProsjektData* mclibpd;
 extern mclibSideData* mclibsd;
 
-void publishProjectHooks();
+extern const DialogHook projectHooks[];
 // A function that is called when the dialog has written the project to the design file; one for the whole library.
 void setProjectWritten(void (*function)());
 
@@ -33,3 +34,5 @@ inline constexpr StructField pageFields[] = {
     MCLIB_FIELD(mclibSideData, tegn),           MCLIB_FIELD(mclibSideData, kopo),
     MCLIB_FIELD(mclibSideData, revs),           endOfFields,
 };
+
+extern const Room projectRoom;

@@ -10,7 +10,8 @@
 #include "mchost/mdl/scan.h"
 #include "mchost/mdl/transform.h"
 #include "mchost/space/view.h"
-#include "mclib/forms/pages.h"
+#include "mclib/forms/preview.h"
+#include "mclib/frame/global_data.h"
 #include "tests/mclib/forms/preview_fixture.h"
 
 namespace {

@@ -1,35 +1,20 @@
-#include "mclib/forms/pages.h"
+#include "mclib/forms/page_list.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstring>
 #include <string>
 #include <string_view>
 
 #include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
-#include "mclib/forms/form_cell.h"
-#include "mclib/forms/page_info.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/named_messages.hpp"
-#include "mclib/frame/text_buffer.h"
-#include "mclib/geometry/elmdscr.h"
-#include "mclib/print/shared.h"
 #include "mclib/project/store.h"
 #include "resources/ids.h"
 
 namespace forms {
 
 namespace {
-
-enum { orientationTurned = 0, orientationByShape = 2 };
-
-// Of the preview that was opened last; they stay until the next one opens.
-struct ApplicationFunctions {
-    McPageFunction page = nullptr;
-    McPageListFunction pageList = nullptr;
-    McUserPrintFunction userPrint = nullptr;
-};
-ApplicationFunctions functions;
 
 void freeNames(char** names) {
     for (char** name = names; name && *name; ++name) dlmSystem_mdlFree(*name);
@@ -88,8 +73,6 @@ bool canBeRecorded(char* const* names, int32_t count) {
 
 }  // namespace
 
-// ---- names ----
-
 int32_t pageCount(const GlobalData& data) {
     return data.pageNameCount;
 }
@@ -106,44 +89,16 @@ bool setPageNames(GlobalData& data, int32_t count, char* const* names) {
         freeNames(copies);
         return false;
     }
-    freeNames(data.pageNames);
+    dropPageNames(data);
     data.pageNames = copies;
     data.pageNameCount = count;
     return true;
 }
 
-// ---- making ----
-
-void setFunctions(McPageFunction page, McPageListFunction pageList) {
-    functions = {page, pageList, nullptr};
-    tellMissingCellsAnew();
-}
-
-void setUserPrintFunction(McUserPrintFunction function) {
-    functions.userPrint = function;
-}
-
-McPageListFunction pageListFunction() {
-    return functions.pageList;
-}
-
-McUserPrintFunction userPrintFunction() {
-    return functions.userPrint;
-}
-
-bool canMakePages() {
-    return functions.page != nullptr;
-}
-
-void makePage(GlobalData& data, int32_t page, bool inDrawing, ElementDescr** result) {
-    *result = nullptr;
-    copyText(data.currentPageName, pageName(data, page));
-    if (!functions.page || page < 0 || page >= pageCount(data)) return;
-    const KeepEditedBlocks keep;
-    const int failures = mdlSystem_memoryFailures();
-    dlmSystem_callAnyFunction("IPPI", mdlSystem_getCurrMdlDesc(), reinterpret_cast<void*>(functions.page), page,
-                              data.pageNames[page], result, inDrawing ? 1 : 0);
-    if (mdlSystem_memoryFailures() != failures) mdlElmdscr_freeAll(result);  // something is missing in it
+void dropPageNames(GlobalData& data) {
+    freeNames(data.pageNames);
+    data.pageNames = nullptr;
+    data.pageNameCount = 0;
 }
 
 PageSpan pagesToPrint(const GlobalData& data) {
@@ -154,20 +109,6 @@ PageSpan pagesToPrint(const GlobalData& data) {
         case printPagesFromTo: return {std::max(choice.firstPage, 0), std::min(choice.lastPage, last)};
         default: return {std::max(data.previewPage, 0), std::min(data.previewPage, last)};
     }
-}
-
-// ---- on the sheet ----
-
-// A page whose aspect is exactly 1 is turned on every sheet.
-bool isTurned(const ElementDescr* page) {
-    if (mclibpsd->orientation != orientationByShape) return mclibpsd->orientation == orientationTurned;
-    Point3d range[2];
-    if (!page || mclibElemDscr_getRange(range, page) != MDL_SUCCESS) return false;
-    const double pageAspect = std::fabs((range[1].y - range[0].y) / (range[1].x - range[0].x));
-    const double sheetAspect = std::fabs(mclibpsd->pageHeight / mclibpsd->pageWidth);
-    if (pageAspect > 1) return !(sheetAspect > 1);
-    if (pageAspect < 1) return !(sheetAspect < 1);
-    return pageAspect == 1;  // a page without extent has none
 }
 
 }  // namespace forms

@@ -1,4 +1,0 @@
-#include "mclib/project/shared.h"
-
-mclibProsjektData* mclibpd = nullptr;
-mclibSideData* mclibsd = nullptr;
