@@ -23,7 +23,7 @@ bool uses(const ElmAttrData& data, uint32_t flag) {
 
 const ElmAttrRecord* recordOfCurrentApplication(int id) {
     const GlobalData* gd = mclibMain_getGlobalDataP();
-    return gd == nullptr ? nullptr : elmattr::findRecord(*gd, id);
+    return gd ? elmattr::findRecord(*gd, id) : nullptr;
 }
 
 // ---- dressing an element ----
@@ -45,7 +45,7 @@ void applyLevel(MSElementBuffer* element, const ElmAttrData& data) {
 
 constexpr int32_t primaryClass = 0, constructionClass = 1;
 
-void apply(MSElementBuffer* element, const ElmAttrData& data) {
+void applyLooks(MSElementBuffer* element, const ElmAttrData& data) {
     if (uses(data, ATTR_USE_COLOR)) {
         const auto color = static_cast<uint32_t>(data.color);
         mdlElement_setSymbology(element, &color, nullptr, nullptr);
@@ -157,9 +157,9 @@ mdl::HostPtr<wchar_t> toWide(const char* text) {
 
 int mclibElmAttr_setSymbologyAndProperties(MSElementBuffer* element, int id, ElmAttrData* data) {
     const ElmAttrRecord* record = recordOfCurrentApplication(id);
-    if (record == nullptr || element == nullptr) return MCLIB_ERROR;
-    apply(element, record->data);
-    if (data != nullptr) *data = record->data;
+    if (!record || !element) return MCLIB_ERROR;
+    applyLooks(element, record->data);
+    if (data) *data = record->data;
     return MCLIB_SUCCESS;
 }
 
@@ -167,9 +167,9 @@ int mclibElmAttr_createText(MSElementBuffer* out, const MSElementBuffer* templat
                             const Point3d* origin, const RotMatrix* rotation, int32_t reserved, int32_t id,
                             double scale, ElmAttrData* data) {
     mdl::HostPtr<wchar_t> wide;
-    if (text != nullptr && !(wide = toWide(text))) return MCLIB_ERROR;
+    if (text && !(wide = toWide(text))) return MCLIB_ERROR;
     const ElmAttrRecord* record = recordOfCurrentApplication(id);
-    if (record == nullptr) return MCLIB_ERROR;
+    if (!record) return MCLIB_ERROR;
     const TextSettings settings = textSettings(*record, scale);
     if (mdlText_createWide(out, templateP, wide.get(), origin, rotation,
                            settings.sizeSettled ? &settings.size : nullptr, &settings.params,
@@ -182,8 +182,8 @@ int mclibElmAttr_createText(MSElementBuffer* out, const MSElementBuffer* templat
 void elmattr::bringStyleNumbersInStep() {
     GlobalData* gd = mclibMain_getGlobalDataP();
     ModelRef* model = mdlModelRef_getActive();
-    if (gd == nullptr || model == nullptr) return;
-    for (ElmAttrRecord* r = gd->attributeList; r != nullptr; r = r->next) {
+    if (!gd || !model) return;
+    for (ElmAttrRecord* r = gd->attributeList; r; r = r->next) {
         if (r->data.style >= 0) continue;
         int32_t number = 0;
         if (r->data.styleName[0] == '\0') {

@@ -23,7 +23,7 @@ enum {
     ATTR_KIND_TEXT = 4,            /* text style, font, size, justification, slant */
     ATTR_KIND_LABELLED_SYMBOL = 5, /* symbolNumber, symbolSize, symbolText */
     ATTR_KIND_LABELLED_TEXT = 6,   /* as ATTR_KIND_TEXT without slant, and optionText */
-    ATTR_KIND_OPTION_TEXT = 7      /* as ATTR_KIND_TEXT without slant, optionText, and optionValue picked from options */
+    ATTR_KIND_OPTION_TEXT = 7      /* as ATTR_KIND_TEXT without slant, optionText, optionValue picked from options */
 };
 
 /* useFlags: the values that apply. */
@@ -100,16 +100,17 @@ typedef void (*ElmAttrGroupChanged)(void);
 /* Replaces the group table; what follows is `count` times (const char *name, int id, int flags). All attributes go too,
  * so it is called before attributes are added. */
 MCLIB_EXPORT void mclibElmAttr_setGroupeNames(int count, ...);
-/* The same with count times (const char *name, int id, int flags, ElmAttrGroupChanged changed), the last may be null. */
+/* The same with count times (const char *name, int id, int flags, ElmAttrGroupChanged changed), the last may be
+ * null. */
 MCLIB_EXPORT void mclibElmAttr_setGroupeNamesExtended(int count, ...);
 /* Frees the group table; the attributes stay. */
 MCLIB_EXPORT void mclibElmAttr_freeGroupeNames(void);
 
 /* ---- the list ---- */
 
-/* Appends an attribute. `label` has at most 79 characters; what is longer is cut. lockMask: the bits of useFlags that the
- * user may not change. A hook is kept only for a group in the table that isn't ATTR_GROUP_EDITABLE. An id that is there
- * already isn't refused: calls by id find the first one. Behind `data` follow, by kind:
+/* Appends an attribute. `label` has at most 79 characters; what is longer is cut. lockMask: the bits of useFlags that
+ * the user may not change. A hook is kept only for a group in the table that isn't ATTR_GROUP_EDITABLE. An id that is
+ * there already isn't refused: calls by id find the first one. Behind `data` follow, by kind:
  *   2, 3: int count, then count times (int iconId, int value)
  *   5:    int maxLength, const char *textLabel, int count, then count times (int iconId, int value)
  *   6:    int maxLength, const char *textLabel
@@ -117,9 +118,9 @@ MCLIB_EXPORT void mclibElmAttr_freeGroupeNames(void);
  * 0; MCLIB_ERROR, with the list as it was, when there is no application or no memory. */
 MCLIB_EXPORT int mclibElmAttr_addAttribute(int id, const char *label, int group, int kind, int lockMask,
                                            ElmAttrHook hook, int refresh, const ElmAttrData *data, ...);
-/* Inserts a copy of the attribute `beforeId` in front of it, with an id of its own, the group that the dialog shows, and
- * the given label, lockMask and data. The dialog is always brought up to date. MCLIB_ERROR, with nothing changed, for an
- * unknown id, as from the three calls below, and when there is no memory. */
+/* Inserts a copy of the attribute `beforeId` in front of it, with an id of its own, the group that the dialog shows,
+ * and the given label, lockMask and data. The dialog is always brought up to date. MCLIB_ERROR, with nothing changed,
+ * for an unknown id, as from the three calls below, and when there is no memory. */
 MCLIB_EXPORT int mclibElmAttr_insertAttribute(int beforeId, const char *label, int lockMask, const ElmAttrData *data);
 /* Gives an attribute other values; Extended: and another hook (null: none), whatever its group. */
 MCLIB_EXPORT int mclibElmAttr_editAttribute(int id, int refresh, const ElmAttrData *data);
@@ -147,8 +148,9 @@ MCLIB_EXPORT int mclibElmAttr_findIdForAttributeName(const char *name, int group
  * isn't null. */
 MCLIB_EXPORT int mclibElmAttr_setSymbologyAndProperties(MSElementBuffer *element, int id, ElmAttrData *data);
 /* Makes a text element in `out` as the attribute says, and applies the attribute to it. `text` null is an empty text;
- * text sizes are divided by `scale`; template, origin, rotation and `reserved` (0) go to mdlText_createWide as they are.
- * MCLIB_ERROR, with `out` as it was, for an unknown id and for what the host refuses, such as more than 255 characters. */
+ * text sizes are divided by `scale`; template, origin, rotation and `reserved` (0) go to mdlText_createWide as they
+ * are. MCLIB_ERROR, with `out` as it was, for an unknown id and for what the host refuses, such as more than 255
+ * characters. */
 MCLIB_EXPORT int mclibElmAttr_createText(MSElementBuffer *out, const MSElementBuffer *templateP, const char *text,
                                          const Point3d *origin, const RotMatrix *rotation, int32_t reserved, int32_t id,
                                          double scale, ElmAttrData *data);

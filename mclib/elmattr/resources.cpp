@@ -36,7 +36,7 @@ class OpenFile {
 template <class Work>
 int withFile(const char* fileName, int mode, Work work) {
     GlobalData* gd = mclibMain_getGlobalDataP();
-    if (gd == nullptr || fileName == nullptr) return MCLIB_ERROR;
+    if (!gd || !fileName) return MCLIB_ERROR;
     OpenFile file(fileName, mode);
     return file.isOpen() ? work(file.handle(), *gd) : int{MCLIB_ERROR};
 }
@@ -60,7 +60,7 @@ elmattr::RecordBytes bytesOf(const ElmAttrRecord& record) {
 
 int writePlain(McHandle& file, const GlobalData& gd) {
     const int32_t type = elmattr::recordResources[0].plainType;
-    for (const ElmAttrRecord* r = gd.attributeList; r != nullptr; r = r->next)
+    for (const ElmAttrRecord* r = gd.attributeList; r; r = r->next)
         if (!add(file, type, r->id, bytesOf(*r))) return MCLIB_ERROR;
     return MCLIB_SUCCESS;
 }
@@ -68,7 +68,7 @@ int writePlain(McHandle& file, const GlobalData& gd) {
 int writeSet(McHandle& file, const GlobalData& gd) {
     bool whole = true;
     int32_t number = 0;
-    for (const ElmAttrRecord* r = gd.attributeList; r != nullptr; r = r->next, ++number) {
+    for (const ElmAttrRecord* r = gd.attributeList; r; r = r->next, ++number) {
         std::array<char, elmattr::setLabelBytes> label;
         fillText(label, r->label);
         whole &= add(file, elmattr::recordResources[0].setType, number, bytesOf(*r));
@@ -116,9 +116,9 @@ void bringUpToDate(GlobalData& gd) {
 }
 
 int readPlain(McHandle& file, GlobalData& gd) {
-    for (ElmAttrRecord* r = gd.attributeList; r != nullptr; r = r->next) {
+    for (ElmAttrRecord* r = gd.attributeList; r; r = r->next) {
         const Stored stored = loadRecord(file, &elmattr::RecordResource::plainType, r->id);
-        if (stored.resource != nullptr) takeData(*r, stored);
+        if (stored.resource) takeData(*r, stored);
     }
     bringUpToDate(gd);
     return MCLIB_SUCCESS;
@@ -128,9 +128,9 @@ int readPlain(McHandle& file, GlobalData& gd) {
 ElmAttrRecord* loadSetRecord(McHandle& file, int32_t number) {
     const Stored stored = loadRecord(file, &elmattr::RecordResource::setType, number);
     std::array<uint8_t, elmattr::setLabelBytes> label;
-    if (stored.resource == nullptr || !load(file, elmattr::setLabelType, number, label)) return nullptr;
+    if (!stored.resource || !load(file, elmattr::setLabelType, number, label)) return nullptr;
     ElmAttrRecord* record = elmattr::createRecord(textAt(label));
-    if (record == nullptr) return nullptr;
+    if (!record) return nullptr;
     const elmattr::RecordHead head = elmattr::headOf(stored.record());
     record->group = head.group;
     record->kind = head.kind;
@@ -146,7 +146,7 @@ bool loadSet(McHandle& file, int32_t count, GlobalData& gd) {
     ElmAttrRecord** link = &gd.attributeList;
     for (; gd.attributeCount < count; ++gd.attributeCount) {
         *link = loadSetRecord(file, gd.attributeCount);
-        if (*link == nullptr) return false;
+        if (!*link) return false;
         link = &(*link)->next;
     }
     return true;
@@ -171,7 +171,7 @@ void handOn(ElmAttrRecord& to, ElmAttrRecord& from) {
 
 // Walks both lists at once; a new record without a partner leaves the old list where it is.
 void handOnAll(ElmAttrRecord* to, ElmAttrRecord* from) {
-    for (; to != nullptr && from != nullptr; to = to->next) {
+    for (; to && from; to = to->next) {
         if (to->id != from->id) continue;
         handOn(*to, *from);
         from = from->next;
@@ -187,7 +187,7 @@ int readSet(McHandle& file, GlobalData& gd) {
     gd.attributeCount = 0;
     const bool whole = loadSet(file, count, gd);
     if (whole) handOnAll(gd.attributeList, old);
-    while (old != nullptr) elmattr::freeRecord(std::exchange(old, old->next));
+    while (old) elmattr::freeRecord(std::exchange(old, old->next));
     bringUpToDate(gd);
     return whole ? int{MCLIB_SUCCESS} : int{MCLIB_ERROR};
 }
@@ -196,7 +196,7 @@ int readSet(McHandle& file, GlobalData& gd) {
 template <class Work>
 int withHandle(McHandle* file, Work work) {
     GlobalData* gd = mclibMain_getGlobalDataP();
-    return gd == nullptr || file == nullptr ? int{MCLIB_ERROR} : work(*file, *gd);
+    return gd && file ? work(*file, *gd) : int{MCLIB_ERROR};
 }
 
 }  // namespace

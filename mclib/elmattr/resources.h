@@ -25,8 +25,8 @@ MCLIB_EXPORT int mclibElmAttr_readResource(const char *fileName);
 MCLIB_EXPORT int mclibElmAttr_readResourceByHandle(McHandle *file);
 /* Reads the set form in the place of the list. Attributes of the old list with the same ids in the same order hand on
  * their hooks, options and captions, which a file can't hold. MCLIB_ERROR, with the list as it was, when the file can't
- * be opened or holds no set; also when it holds less than it says: the list is then what it holds, and nothing is handed
- * on. */
+ * be opened or holds no set; also when it holds less than it says: the list is then what it holds, and nothing is
+ * handed on. */
 MCLIB_EXPORT int mclibElmAttr_readResourceExtended(const char *fileName);
 
 #endif

@@ -201,8 +201,8 @@ void setRow(StringList* list, int row, const ElmAttrRecord& record) {
 
 StringList* createRows(GlobalData& gd, int group) {
     StringList* list = mdlStringList_create(0, 2);
-    for (const ElmAttrRecord* r = gd.attributeList; r != nullptr; r = r->next) {
-        if (list != nullptr && r->group == group) appendRow(list, *r);
+    for (const ElmAttrRecord* r = gd.attributeList; r; r = r->next) {
+        if (list && r->group == group) appendRow(list, *r);
         if (r->id >= gd.nextAttributeId && r->id < INT32_MAX) gd.nextAttributeId = r->id + 1;
     }
     return list;
@@ -211,7 +211,7 @@ StringList* createRows(GlobalData& gd, int group) {
 void refreshDialog(GlobalData& gd, int id) {
     MdlDialog* dialog = mdlDialog_find(elmattr::dialogId, mdlSystem_getCurrMdlDesc());
     MdlItem* listBox = dialog ? mdl::itemOf(dialog, attributeList) : nullptr;
-    if (listBox == nullptr || gd.activeRecord == nullptr) return;
+    if (!listBox || !gd.activeRecord) return;
     StringList* before = mdlDialog_listBoxGetStrListP(listBox);
     StringList* rows = createRows(gd, gd.activeRecord->group);
     mdlDialog_listBoxSetStrListP(listBox, rows, attributeRowCells);
@@ -227,16 +227,16 @@ void refreshDialog(GlobalData& gd, int id) {
 
 void mclibElmAttr_insertOptionButton(MdlDialog* dialog, MdlItem* item, int group, int* selectedId) {
     const GlobalData* gd = mclibMain_getGlobalDataP();
-    if (gd == nullptr || dialog == nullptr || item == nullptr) return;
+    if (!gd || !dialog || !item) return;
     const ElmAttrRecord* first = nullptr;
     bool selectedIsThere = false;
     mdlDialog_optionButtonDeleteAll(item);
-    for (const ElmAttrRecord* r = gd->attributeList; r != nullptr; r = r->next) {
+    for (const ElmAttrRecord* r = gd->attributeList; r; r = r->next) {
         if (r->group != group) continue;
         mdlDialog_optionButtonInsert(item, r->label, r->id);
-        if (first == nullptr) first = r;
-        selectedIsThere = selectedIsThere || (selectedId != nullptr && r->id == *selectedId);
+        if (!first) first = r;
+        selectedIsThere = selectedIsThere || (selectedId && r->id == *selectedId);
     }
-    if (selectedId != nullptr && first != nullptr && !selectedIsThere) *selectedId = first->id;
+    if (selectedId && first && !selectedIsThere) *selectedId = first->id;
     mdlDialog_itemSynch(item);
 }

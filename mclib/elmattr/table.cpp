@@ -30,13 +30,13 @@ T* allocate(size_t count = 1) {
 char* copyText(std::string_view text, size_t maxLength = SIZE_MAX) {
     const size_t length = std::min(text.size(), maxLength);
     char* copy = allocate<char>(length + 1);
-    if (copy != nullptr) std::memcpy(copy, text.data(), length);
+    if (copy) std::memcpy(copy, text.data(), length);
     return copy;
 }
 
 // Callers may give null for an empty text.
 std::string_view textOf(const char* text) {
-    return text == nullptr ? std::string_view() : text;
+    return text ? text : std::string_view();
 }
 
 // ---- groups ----
@@ -49,25 +49,25 @@ const ElmAttrGroup* findGroup(const GlobalData& gd, int id) {
 
 bool mayHaveHook(const GlobalData& gd, int groupId) {
     const ElmAttrGroup* group = findGroup(gd, groupId);
-    return group != nullptr && (group->flags & ATTR_GROUP_EDITABLE) == 0;
+    return group && (group->flags & ATTR_GROUP_EDITABLE) == 0;
 }
 
 // A new table from the arguments of each group; nothing of the old table or of the attributes is left.
 void replaceGroups(int count, bool withChangedFunction, va_list& arguments) {
     GlobalData* gd = mclibMain_getGlobalDataP();
-    if (gd == nullptr) return;
+    if (!gd) return;
     elmattr::freeGroups(*gd);
     elmattr::freeRecords(*gd);
     if (count <= 0) return;
     gd->groups = allocate<ElmAttrGroup>(count);
-    if (gd->groups == nullptr) return;
+    if (!gd->groups) return;
     for (; gd->groupCount < count; ++gd->groupCount) {
         ElmAttrGroup& group = gd->groups[gd->groupCount];
         group.name = copyText(textOf(va_arg(arguments, const char*)));
         group.id = va_arg(arguments, int);
         group.flags = va_arg(arguments, unsigned);
         if (withChangedFunction) group.changedFunction = va_arg(arguments, ElmAttrGroupChanged);
-        if (group.name == nullptr) return;
+        if (!group.name) return;
     }
 }
 
@@ -76,13 +76,13 @@ void replaceGroups(int count, bool withChangedFunction, va_list& arguments) {
 using elmattr::createRecord, elmattr::freeRecord, elmattr::hasIcons, elmattr::hasOptionLabels;
 
 void freeOptionLabels(ElmAttrRecord& record) {
-    if (record.optionLabels == nullptr) return;
+    if (!record.optionLabels) return;
     for (int i = 0; i < record.optionCount; ++i) dlmSystem_mdlFree(record.optionLabels[i]);
     dlmSystem_mdlFree(record.optionLabels);
 }
 
 // Takes the values over as they are; texts that fill their field lose the last character to a NUL.
-void store(ElmAttrRecord& record, const ElmAttrData& data) {
+void storeData(ElmAttrRecord& record, const ElmAttrData& data) {
     record.data = data;
     record.data.levelName[std::size(data.levelName) - 1] = L'\0';
     record.data.styleName[std::size(data.styleName) - 1] = '\0';
@@ -99,10 +99,10 @@ constexpr bool hasMaxLength(int kind) {
 // Room for `count` options; false when out of memory.
 bool allocateOptions(ElmAttrRecord& record, int count) {
     record.optionValues = allocate<int32_t>(count);
-    if (record.optionValues == nullptr) return false;
+    if (!record.optionValues) return false;
     if (hasOptionLabels(record.kind)) record.optionLabels = allocate<char*>(count);
     if (hasIcons(record.kind)) record.optionIcons = allocate<int32_t>(count);
-    if (record.optionLabels == nullptr && record.optionIcons == nullptr) return false;
+    if (!record.optionLabels && !record.optionIcons) return false;
     record.optionCount = count;
     return true;
 }
@@ -111,11 +111,11 @@ bool readOptions(ElmAttrRecord& record, va_list& arguments) {
     const int count = std::max(va_arg(arguments, int), 0);
     if (!allocateOptions(record, count)) return false;
     for (int i = 0; i < count; ++i) {
-        if (record.optionIcons != nullptr) {
+        if (record.optionIcons)
             record.optionIcons[i] = va_arg(arguments, int);
-        } else if ((record.optionLabels[i] = copyText(textOf(va_arg(arguments, const char*)))) == nullptr) {
-            return false;
-        }
+        else
+            record.optionLabels[i] = copyText(textOf(va_arg(arguments, const char*)));
+        if (!record.optionIcons && !record.optionLabels[i]) return false;
         record.optionValues[i] = va_arg(arguments, int);
     }
     return true;
@@ -126,19 +126,19 @@ bool readExtraArguments(ElmAttrRecord& record, va_list& arguments) {
     if (hasMaxLength(record.kind)) record.textMaxLength = va_arg(arguments, int);
     if (hasMaxLength(record.kind) || hasOptionLabels(record.kind)) {
         record.textLabel = copyText(textOf(va_arg(arguments, const char*)));
-        if (record.textLabel == nullptr) return false;
+        if (!record.textLabel) return false;
     }
     return (!hasIcons(record.kind) && !hasOptionLabels(record.kind)) || readOptions(record, arguments);
 }
 
 bool copyOptions(ElmAttrRecord& copy, const ElmAttrRecord& from) {
-    if (from.optionValues == nullptr) return true;
+    if (!from.optionValues) return true;
     if (!allocateOptions(copy, from.optionCount)) return false;
     std::copy_n(from.optionValues, from.optionCount, copy.optionValues);
-    if (from.optionIcons != nullptr) std::copy_n(from.optionIcons, from.optionCount, copy.optionIcons);
-    for (int i = 0; from.optionLabels != nullptr && i < from.optionCount; ++i) {
+    if (from.optionIcons) std::copy_n(from.optionIcons, from.optionCount, copy.optionIcons);
+    for (int i = 0; from.optionLabels && i < from.optionCount; ++i) {
         copy.optionLabels[i] = copyText(from.optionLabels[i]);
-        if (copy.optionLabels[i] == nullptr) return false;
+        if (!copy.optionLabels[i]) return false;
     }
     return true;
 }
@@ -146,13 +146,13 @@ bool copyOptions(ElmAttrRecord& copy, const ElmAttrRecord& from) {
 // A copy that shares nothing with the record but has its values, and another label; null when out of memory.
 ElmAttrRecord* copyRecord(const ElmAttrRecord& from, const char* label) {
     ElmAttrRecord* copy = createRecord(textOf(label));
-    if (copy == nullptr) return nullptr;
+    if (!copy) return nullptr;
     copy->group = from.group;
     copy->kind = from.kind;
     copy->hook = from.hook;
     copy->textMaxLength = from.textMaxLength;
-    if (from.textLabel != nullptr) copy->textLabel = copyText(from.textLabel);
-    const bool whole = (from.textLabel == nullptr) == (copy->textLabel == nullptr);
+    if (from.textLabel) copy->textLabel = copyText(from.textLabel);
+    const bool whole = !from.textLabel == !copy->textLabel;
     if (whole && copyOptions(*copy, from)) return copy;
     freeRecord(copy);
     return nullptr;
@@ -160,7 +160,7 @@ ElmAttrRecord* copyRecord(const ElmAttrRecord& from, const char* label) {
 
 // The link that leads to the record of that id, so that it can be bent; null when there is none.
 ElmAttrRecord** linkTo(GlobalData& gd, int id) {
-    for (ElmAttrRecord** link = &gd.attributeList; *link != nullptr; link = &(*link)->next) {
+    for (ElmAttrRecord** link = &gd.attributeList; *link; link = &(*link)->next) {
         if ((*link)->id == id) return link;
     }
     return nullptr;
@@ -168,7 +168,7 @@ ElmAttrRecord** linkTo(GlobalData& gd, int id) {
 
 ElmAttrRecord** lastLink(GlobalData& gd) {
     ElmAttrRecord** link = &gd.attributeList;
-    while (*link != nullptr) link = &(*link)->next;
+    while (*link) link = &(*link)->next;
     return link;
 }
 
@@ -202,9 +202,9 @@ struct GroupEnds {
 
 GroupEnds endsOfGroup(const GlobalData& gd, int group) {
     GroupEnds ends;
-    for (const ElmAttrRecord* r = gd.attributeList; r != nullptr; r = r->next) {
+    for (const ElmAttrRecord* r = gd.attributeList; r; r = r->next) {
         if (r->group != group) continue;
-        if (ends.first == nullptr) ends.first = r;
+        if (!ends.first) ends.first = r;
         ends.last = r;
     }
     return ends;
@@ -216,9 +216,9 @@ namespace elmattr {
 
 ElmAttrRecord* createRecord(std::string_view label) {
     auto* record = allocate<ElmAttrRecord>();
-    if (record == nullptr) return nullptr;
+    if (!record) return nullptr;
     record->label = copyText(label, maxAttributeLabel);
-    if (record->label != nullptr) return record;
+    if (record->label) return record;
     freeRecord(record);
     return nullptr;
 }
@@ -249,13 +249,13 @@ void freeGroups(GlobalData& gd) {
 
 ElmAttrRecord* findRecord(const GlobalData& gd, int id) {
     ElmAttrRecord* record = gd.attributeList;
-    while (record != nullptr && record->id != id) record = record->next;
+    while (record && record->id != id) record = record->next;
     return record;
 }
 
 int moveUp(GlobalData& gd, int id) {
     ElmAttrRecord** link = linkTo(gd, id);
-    if (link == nullptr) return MCLIB_ERROR;
+    if (!link) return MCLIB_ERROR;
     if (*link == endsOfGroup(gd, (*link)->group).first) return MCLIB_SUCCESS;
     swapWithNext(linkBefore(gd, link));
     refreshDialog(gd, id);
@@ -264,7 +264,7 @@ int moveUp(GlobalData& gd, int id) {
 
 int moveDown(GlobalData& gd, int id) {
     ElmAttrRecord** link = linkTo(gd, id);
-    if (link == nullptr) return MCLIB_ERROR;
+    if (!link) return MCLIB_ERROR;
     if (*link == endsOfGroup(gd, (*link)->group).last) return MCLIB_SUCCESS;
     swapWithNext(link);
     refreshDialog(gd, id);
@@ -294,16 +294,16 @@ void mclibElmAttr_freeGroupeNames(void) {
 int mclibElmAttr_addAttribute(int id, const char* label, int group, int kind, int lockMask, ElmAttrHook hook,
                               int refresh, const ElmAttrData* data, ...) {
     GlobalData* gd = mclibMain_getGlobalDataP();
-    if (gd == nullptr || data == nullptr) return MCLIB_ERROR;
+    if (!gd || !data) return MCLIB_ERROR;
     ElmAttrRecord* record = createRecord(textOf(label));
-    if (record == nullptr) return MCLIB_ERROR;
+    if (!record) return MCLIB_ERROR;
     record->group = group;
     record->kind = kind;
     record->id = id;
     record->hook = mayHaveHook(*gd, group) ? hook : nullptr;
     record->lockMask = static_cast<uint32_t>(lockMask);
     record->textMaxLength = defaultTextMaxLength;
-    store(*record, *data);
+    storeData(*record, *data);
 
     va_list arguments;
     va_start(arguments, data);
@@ -320,14 +320,14 @@ int mclibElmAttr_addAttribute(int id, const char* label, int group, int kind, in
 
 int mclibElmAttr_insertAttribute(int beforeId, const char* label, int lockMask, const ElmAttrData* data) {
     GlobalData* gd = mclibMain_getGlobalDataP();
-    if (gd == nullptr || data == nullptr) return MCLIB_ERROR;
+    if (!gd || !data) return MCLIB_ERROR;
     ElmAttrRecord** link = linkTo(*gd, beforeId);
-    ElmAttrRecord* record = link == nullptr ? nullptr : copyRecord(**link, label);
-    if (record == nullptr) return MCLIB_ERROR;
+    ElmAttrRecord* record = link ? copyRecord(**link, label) : nullptr;
+    if (!record) return MCLIB_ERROR;
     record->id = gd->nextAttributeId;
-    if (gd->activeRecord != nullptr) record->group = gd->activeRecord->group;
+    if (gd->activeRecord) record->group = gd->activeRecord->group;
     record->lockMask = static_cast<uint32_t>(lockMask);
-    store(*record, *data);
+    storeData(*record, *data);
     insertAt(*gd, link, record);
     elmattr::refreshDialog(*gd, record->id);
     return MCLIB_SUCCESS;
@@ -335,31 +335,31 @@ int mclibElmAttr_insertAttribute(int beforeId, const char* label, int lockMask, 
 
 int mclibElmAttr_editAttribute(int id, int refresh, const ElmAttrData* data) {
     GlobalData* gd = mclibMain_getGlobalDataP();
-    ElmAttrRecord* record = gd == nullptr ? nullptr : elmattr::findRecord(*gd, id);
-    if (record == nullptr || data == nullptr) return MCLIB_ERROR;
-    store(*record, *data);
+    ElmAttrRecord* record = gd ? elmattr::findRecord(*gd, id) : nullptr;
+    if (!record || !data) return MCLIB_ERROR;
+    storeData(*record, *data);
     if (refresh != 0) elmattr::refreshDialog(*gd, id);
     return MCLIB_SUCCESS;
 }
 
 int mclibElmAttr_editAttributeExtended(int id, int refresh, const ElmAttrData* data, ElmAttrHook hook) {
     GlobalData* gd = mclibMain_getGlobalDataP();
-    ElmAttrRecord* record = gd == nullptr ? nullptr : elmattr::findRecord(*gd, id);
-    if (record == nullptr || data == nullptr) return MCLIB_ERROR;
+    ElmAttrRecord* record = gd ? elmattr::findRecord(*gd, id) : nullptr;
+    if (!record || !data) return MCLIB_ERROR;
     record->hook = hook;
     return mclibElmAttr_editAttribute(id, refresh, data);
 }
 
 int mclibElmAttr_deleteAttribute(int id, int refresh) {
     GlobalData* gd = mclibMain_getGlobalDataP();
-    ElmAttrRecord** link = gd == nullptr ? nullptr : linkTo(*gd, id);
-    if (link == nullptr) return MCLIB_ERROR;
+    ElmAttrRecord** link = gd ? linkTo(*gd, id) : nullptr;
+    if (!link) return MCLIB_ERROR;
     ElmAttrRecord** before = linkBefore(*gd, link);
     ElmAttrRecord* gone = *link;
     *link = gone->next;
     freeRecord(gone);
     --gd->attributeCount;
-    if (refresh != 0) elmattr::refreshDialog(*gd, before == nullptr ? -1 : (*before)->id);
+    if (refresh != 0) elmattr::refreshDialog(*gd, before ? (*before)->id : -1);
     return MCLIB_SUCCESS;
 }
 
@@ -369,24 +369,24 @@ void mclibElmAttr_freeAllAttribute(void) {
 
 int mclibElmAttr_extractData(int id, ElmAttrData* data) {
     const GlobalData* gd = mclibMain_getGlobalDataP();
-    const ElmAttrRecord* record = gd == nullptr ? nullptr : elmattr::findRecord(*gd, id);
-    if (record == nullptr) return MCLIB_ERROR;
-    if (data != nullptr) *data = record->data;
+    const ElmAttrRecord* record = gd ? elmattr::findRecord(*gd, id) : nullptr;
+    if (!record) return MCLIB_ERROR;
+    if (data) *data = record->data;
     return MCLIB_SUCCESS;
 }
 
 void mclibElmAttr_getLabelFromId(int id, char* buffer) {
     const GlobalData* gd = mclibMain_getGlobalDataP();
-    if (gd == nullptr || buffer == nullptr) return;
-    for (const ElmAttrRecord* r = gd->attributeList; r != nullptr; r = r->next) {
+    if (!gd || !buffer) return;
+    for (const ElmAttrRecord* r = gd->attributeList; r; r = r->next) {
         if (r->id == id) std::strcpy(buffer, r->label);
     }
 }
 
 int mclibElmAttr_findIdForAttributeName(const char* name, int group) {
     const GlobalData* gd = mclibMain_getGlobalDataP();
-    if (gd == nullptr || name == nullptr) return 0;
-    for (const ElmAttrRecord* r = gd->attributeList; r != nullptr; r = r->next) {
+    if (!gd || !name) return 0;
+    for (const ElmAttrRecord* r = gd->attributeList; r; r = r->next) {
         if (r->group == group && std::strcmp(r->label, name) == 0) return r->id;
     }
     return 0;
@@ -394,5 +394,5 @@ int mclibElmAttr_findIdForAttributeName(const char* name, int group) {
 
 void mclibElmAttr_setLevelNameVariable(int index, wchar_t* name) {
     GlobalData* gd = mclibMain_getGlobalDataP();
-    if (gd != nullptr && index >= 1 && index <= 10) gd->levelNameVariables[index] = name;
+    if (gd && index >= 1 && index <= 10) gd->levelNameVariables[index] = name;
 }

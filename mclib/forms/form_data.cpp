@@ -140,7 +140,7 @@ int reportMismatch(const FormData& field, int row, int type) {
     return NOT_STORED;
 }
 
-int store(FormData& field, int row, const Argument& argument) {
+int storeValue(FormData& field, int row, const Argument& argument) {
     FormValue& value = field.values[row];
     switch (field.type) {
         case MCLIB_FORM_FLOAT: value.floating = floatOf(argument); return STORED;
@@ -201,7 +201,7 @@ int mclibMatList_insertValue(FormData* form, const char* name, int type, int row
     va_start(values, row);
     const Argument argument = readArgument(typeToRead(type, field->type), values);
     va_end(values);
-    return store(*field, row, argument);
+    return storeValue(*field, row, argument);
 }
 
 // ---- the logo ----

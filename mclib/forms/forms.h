@@ -58,10 +58,10 @@ MCLIB_EXPORT void mclibMatList_destroyFormDataArray(FormData *form);
 
 /* Stores the value that follows `row` in the field of that name. A name is told by its first nameLength characters. The
  * first insertion makes the field and gives it its type, for good: later on the value is what that type wants, whatever
- * `type` says, but for floats. A float for an integer field is cut to it, and what isn't one becomes a float for a float
- * field; a float can't become a text or a callback. A text keeps at most 1,023 characters; null counts as empty.
- * Results: 0; 1 when form or name is null; 2 when row isn't 0 to rowCount - 1; 3 when the field's type isn't 1 to 5, when
- * the value can't be converted (the row keeps what it has), or when out of memory. */
+ * `type` says, but for floats. A float for an integer field is cut to it, and what isn't one becomes a float for a
+ * float field; a float can't become a text or a callback. A text keeps at most 1,023 characters; null counts as empty.
+ * Results: 0; 1 when form or name is null; 2 when row isn't 0 to rowCount - 1; 3 when the field's type isn't 1 to 5,
+ * when the value can't be converted (the row keeps what it has), or when out of memory. */
 MCLIB_EXPORT int mclibMatList_insertValue(FormData *form, const char *name, int type, int row, ...);
 /* Takes a file name apart: row 0 of the field `name` its device with ":", row 1 its directory with every "%" doubled,
  * row 2 its name without extension, row 3 its extension with ".", row 4 its name with extension. Rows that the array
@@ -97,11 +97,11 @@ MCLIB_EXPORT int mclibMatList_generateFormatedText(const char *format, FormData 
 
 /* Results of mclibMatList_generatePageElementDescr. */
 enum { MCLIB_FORM_NO_LIBRARY = -2, MCLIB_FORM_NO_CELL = -1 };
-/* Makes one page: a new descriptor of the cell in *page, to be freed, with every text of it filled, and the page's scale
- * computed (see mclibMatList_getCurrentPageScaleP). cellOption goes to mdlCell_getElmDscr. 0; MCLIB_FORM_NO_LIBRARY when
- * the library can't be loaded; MCLIB_FORM_NO_CELL when it hasn't the cell; *page is null then. While export is switched
- * on the values are exported instead, and the export's result is given: MCLIB_ERROR when there is nothing to export, or
- * nothing to export to. */
+/* Makes one page: a new descriptor of the cell in *page, to be freed, with every text of it filled, and the page's
+ * scale computed (see mclibMatList_getCurrentPageScaleP). cellOption goes to mdlCell_getElmDscr. 0;
+ * MCLIB_FORM_NO_LIBRARY when the library can't be loaded; MCLIB_FORM_NO_CELL when it hasn't the cell; *page is null
+ * then. While export is switched on the values are exported instead, and the export's result is given: MCLIB_ERROR when
+ * there is nothing to export, or nothing to export to. */
 MCLIB_EXPORT int mclibMatList_generatePageElementDescr(const char *cellName, const char *library, ElementDescr **page,
                                                        FormData *form, int cellOption);
 /* Fills the texts of a model itself, those in cells and text nodes too, on the levels of the mask (null: on all).

@@ -112,7 +112,7 @@ void leaveInfo(GlobalData& data) {
 
 void pageInfoDialog(DialogMessage* message) {
     GlobalData* data = mclibMain_getGlobalDataP();
-    message->handled = data != nullptr;
+    message->handled = data ? 1 : 0;
     if (!data) return;
     switch (message->type) {
         case DIALOG_CREATE: createInfo(*data); break;
@@ -124,7 +124,7 @@ void pageInfoDialog(DialogMessage* message) {
 
 void infoPageButton(DialogMessage* message) {
     GlobalData* data = mclibMain_getGlobalDataP();
-    message->handled = data != nullptr;
+    message->handled = data ? 1 : 0;
     if (!data) return;
     switch (message->type) {
         case ITEM_CREATE: data->pageInfoPage = data->fileDialogP->pageInfoChoice; break;

@@ -89,7 +89,7 @@ bool allocateRecords(GlobalData& data) {
     return true;
 }
 
-void record(GlobalData& data, int32_t number, int32_t view, const PlacedPage& placed) {
+void recordPage(GlobalData& data, int32_t number, int32_t view, const PlacedPage& placed) {
     PlotPage& page = data.plotList[data.fileDialogP->plotPlaced++];
     mdlCurrTrans_transformPointArray(&page.low, &placed.area.at[0], 1);
     mdlCurrTrans_transformPointArray(&page.high, &placed.area.at[2], 1);
@@ -98,7 +98,7 @@ void record(GlobalData& data, int32_t number, int32_t view, const PlacedPage& pl
     copyText(page.name, pageName(data, number));
 }
 
-void remove(PlotPage& page) {
+void removePage(PlotPage& page) {
     if (page.filePos != 0) mdlElement_undoableDelete(nullptr, page.filePos, 1);
     page.filePos = 0;
 }
@@ -142,7 +142,7 @@ class PagesInDrawing {
   public:
     explicit PagesInDrawing(GlobalData& data) : data_(data) {}
     ~PagesInDrawing() {
-        for (PlotPage& page : placedPages(data_)) remove(page);
+        for (PlotPage& page : placedPages(data_)) removePage(page);
         dlmSystem_mdlFree(std::exchange(data_.plotList, nullptr));
         data_.fileDialogP->plotCount = data_.fileDialogP->plotPlaced = 0;
         mdlFence_clear(0);
@@ -156,7 +156,7 @@ class PagesInDrawing {
 
 // A page of several elements becomes the content of a cell without a name, so that it goes again as one.
 bool gather(Page& page) {
-    if (page.get()->next == nullptr) return true;
+    if (!page.get()->next) return true;
     ElementDescr* cell = nullptr;
     const bool made = mdlCell_create(dgnBufP, L"", nullptr, *mgds_modesP) == MDL_SUCCESS &&
                       mdlElmdscr_new(&cell, nullptr, dgnBufP) == MDL_SUCCESS;
@@ -172,7 +172,7 @@ bool gather(Page& page) {
 void placeAll(GlobalData& data, const Point3d& point, int32_t view) {
     forEachSheet(data, point, view, [&](int32_t number) {
         const PlacedPage placed = placePage(data, number, false, gather);
-        record(data, number, view, placed);
+        recordPage(data, number, view, placed);
         return tellUnlessPlaced(data, number, placed);
     });
 }
@@ -191,7 +191,7 @@ void plotAll(const GlobalData& data) {
         if (page.filePos == 0) continue;
         mdlFence_setView(pages.front().view);
         const bool plotted = fenceIn(page, pages.front().view) && plotPage(plotOf(data), page);
-        remove(page);
+        removePage(page);
         if (!plotted && !goesOnAfter(page, &page == &pages.back())) return;
     }
 }

@@ -93,7 +93,7 @@ void resizePreview(DialogMessage* message) {
 
 void previewDialog(DialogMessage* message) {
     GlobalData* data = mclibMain_getGlobalDataP();
-    message->handled = data != nullptr;
+    message->handled = data ? 1 : 0;
     if (!data) return;
     switch (message->type) {
         case DIALOG_CREATE:
@@ -110,7 +110,7 @@ void previewDialog(DialogMessage* message) {
 
 void pageAreaItem(DialogMessage* message) {
     const GlobalData* data = mclibMain_getGlobalDataP();
-    message->handled = data != nullptr;
+    message->handled = data ? 1 : 0;
     if (!data) return;
     switch (message->type) {
         case ITEM_CREATE: message->itemFlags = 0; break;

@@ -126,7 +126,7 @@ std::optional<std::string> askForTarget(GlobalData& data) {
     return mclibpsd->fileName;
 }
 
-void report(mdl::Message<MCLIB_ERRORS> message) {
+void reportFailure(mdl::Message<MCLIB_ERRORS> message) {
     mc::showNotice(message);
     mdlSystem_noteFailure();
 }
@@ -155,9 +155,9 @@ bool canPrint() {
     const bool hasRoom = formsState->userPrintFunction || !printableArea().isEmpty();
     const bool hasCopies = !isSent() || mclibpsd->copies >= 1;
     if (!hasRoom)
-        report(ids::errors::marginsLeaveNothing);
+        reportFailure(ids::errors::marginsLeaveNothing);
     else if (!hasCopies)
-        report(ids::errors::noCopies);
+        reportFailure(ids::errors::noCopies);
     return hasRoom && hasCopies;
 }
 
@@ -188,7 +188,7 @@ void printPages(GlobalData& data) {
     if (!mclibPrint_fopen(job.name(), mclibpsd->deviceType)) return reportFile(ids::errors::cantOpen, *file);
     const bool any = printAsked(data);
     const bool printed = finish(job, *file, any);
-    if (!any) report(ids::errors::noPages);
+    if (!any) reportFailure(ids::errors::noPages);
     if (printed && isSent()) sendToPrinter();
     tell(ids::questions::nothing);
 }
@@ -202,7 +202,7 @@ int mclibPreview_printPages(int pageCount, char* const* pageNames, McPageFunctio
     if (!data || !fileName || !pageFunction || !setPageNames(*data, pageCount, pageNames)) return MCLIB_ERROR;
     setFunctions(pageFunction, nullptr);
     if (printableArea().isEmpty()) {
-        report(ids::errors::marginsLeaveNothing);
+        reportFailure(ids::errors::marginsLeaveNothing);
         return MCLIB_ERROR;
     }
     const PageSpan span{std::max(first, 0), std::min(last, pageCount - 1)};

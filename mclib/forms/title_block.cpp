@@ -9,35 +9,35 @@
 
 namespace {
 
-void insert(FormData* form, const char* key, int row, const char* text) {
+void insertText(FormData* form, const char* key, int row, const char* text) {
     mclibMatList_insertValue(form, key, MCLIB_FORM_TEXT, row, text);
 }
 
 template <int Rows, int Size>
 void insertRows(FormData* form, const char* key, const char (&texts)[Rows][Size]) {
-    for (int row = 0; row < Rows; ++row) insert(form, key, row, texts[row]);
+    for (int row = 0; row < Rows; ++row) insertText(form, key, row, texts[row]);
 }
 
 // The project's texts, also the empty ones.
 void insertProject(FormData* form, const mclibProsjektData& project) {
     const char* const kost[] = {project.kost0, project.kost1, project.kost2, project.kost3, project.kost4};
-    for (int row = 0; row < 5; ++row) insert(form, "kost", row, kost[row]);
-    insert(form, "pron", 0, project.pron);
+    for (int row = 0; row < 5; ++row) insertText(form, "kost", row, kost[row]);
+    insertText(form, "pron", 0, project.pron);
     insertRows(form, "pros", project.pros);
-    insert(form, "UNav", 0, project.UNav);
-    insert(form, "USig", 0, project.USig);
-    insert(form, "UDat", 0, project.UDat);
-    insert(form, "SSig", 0, project.SSig);
-    insert(form, "SNav", 0, project.SNav);
-    insert(form, "SDat", 0, project.SDat);
-    insert(form, "RSig", 0, project.RSig);
-    insert(form, "RNav", 0, project.RNav);
-    insert(form, "RDat", 0, project.RDat);
+    insertText(form, "UNav", 0, project.UNav);
+    insertText(form, "USig", 0, project.USig);
+    insertText(form, "UDat", 0, project.UDat);
+    insertText(form, "SSig", 0, project.SSig);
+    insertText(form, "SNav", 0, project.SNav);
+    insertText(form, "SDat", 0, project.SDat);
+    insertText(form, "RSig", 0, project.RSig);
+    insertText(form, "RNav", 0, project.RNav);
+    insertText(form, "RDat", 0, project.RDat);
     insertRows(form, "tegn", project.tegn);
 }
 
 void insertIfAny(FormData* form, const char* key, int row, const char* text) {
-    if (*text) insert(form, key, row, text);
+    if (*text) insertText(form, key, row, text);
 }
 
 template <int Rows, int Size>

@@ -21,7 +21,7 @@ void appendDigit(Number& number, char digit) {
     number = std::min<Number>(number * 10 + static_cast<Number>(digit - '0'), static_cast<Number>(longestValue));
 }
 
-void take(Conversion& to, char c) {
+void takeFormatLetter(Conversion& to, char c) {
     const bool digit = c >= '0' && c <= '9';
     if (digit && to.precision >= 0) return appendDigit(to.precision, c);
     if (digit && (c != '0' || to.width > 0)) return appendDigit(to.width, c);
@@ -45,7 +45,9 @@ struct Parts {
 };
 
 std::string_view signOf(bool negative, const Conversion& how) {
-    return negative ? "-" : how.plus ? "+" : how.blank ? " " : "";
+    if (negative) return "-";
+    if (how.plus) return "+";
+    return how.blank ? " " : "";
 }
 
 void putPadded(BoundedText& to, const Conversion& how, Parts parts, bool zerosMayPad) {
@@ -111,7 +113,7 @@ void putFormatted(BoundedText& to, std::string_view prefix, const FormData& fiel
             continue;
         }
         Conversion how;
-        for (++i; i < prefix.size() && prefix[i] != '%'; ++i) take(how, prefix[i]);
+        for (++i; i < prefix.size() && prefix[i] != '%'; ++i) takeFormatLetter(how, prefix[i]);
         if (i == prefix.size()) return putConverted(to, how, field, row);
         to.put('%');
     }

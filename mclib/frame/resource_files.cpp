@@ -18,14 +18,15 @@ constexpr const char* createdTitle = "Attributes";
 
 using FileMessage = mdl::Message<MCLIB_ERRORS, const char*>;
 
-int fail(FileMessage message, const McHandle& h) {
+int tellFile(FileMessage message, const McHandle& h) {
     mc::showNotice(message, h.name);
     return MCLIB_ERROR;
 }
 
 int checked(int writeStatus, const McHandle& h) {
     if (writeStatus == MDL_SUCCESS) return MCLIB_SUCCESS;
-    return fail(writeStatus == MDL_RSC_READ_ONLY ? ids::errors::resourceProtected : ids::errors::resourceNotWritten, h);
+    return tellFile(writeStatus == MDL_RSC_READ_ONLY ? ids::errors::resourceProtected : ids::errors::resourceNotWritten,
+                    h);
 }
 
 bool makeAndOpen(McHandle& h, int mode) {
@@ -57,7 +58,7 @@ int mclibResource_openFile(McHandle* h, const char* name, int mode) {
     const bool whole = std::strlen(name) < sizeof h->name;  // a name that was cut is another file's
     if (whole && mdlResource_openFile(&h->handle, h->name, mode) == MDL_SUCCESS) return MCLIB_SUCCESS;
     if (whole && mode != MDL_RSC_READ && makeAndOpen(*h, mode)) return MCLIB_SUCCESS;
-    return fail(mode != MDL_RSC_READ ? ids::errors::cantOpen : ids::errors::resourceUnreadable, *h);
+    return tellFile(mode != MDL_RSC_READ ? ids::errors::cantOpen : ids::errors::resourceUnreadable, *h);
 }
 
 int mclibResource_closeFile(McHandle* h) {

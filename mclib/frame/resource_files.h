@@ -1,8 +1,9 @@
-/* Resource files with the user's messages for what goes wrong, and the application's user preference file with the files
- * that its dialogs remember.
+/* Resource files with the user's messages for what goes wrong, and the application's user preference file with the
+ * files that its dialogs remember.
  *
- * Every failure is told to the user before the call comes back with MCLIB_ERROR: message 1 (open or make) or 16 (open for
- * reading), 10 (the file can't be written to), 9 (any other failure of writing) of list 20005, with the file's name. */
+ * Every failure is told to the user before the call comes back with MCLIB_ERROR: message 1 (open or make) or 16 (open
+ * for reading), 10 (the file can't be written to), 9 (any other failure of writing) of list 20005, with the file's
+ * name. */
 #ifndef MCLIB_RESOURCE_FILES_H
 #define MCLIB_RESOURCE_FILES_H
 
@@ -25,8 +26,8 @@ MCLIB_EXPORT int mclibResource_closeFile(McHandle *h);
  * is smaller than `size`, nothing is written, and message 9 tells so. */
 MCLIB_EXPORT int mclibResource_add(McHandle *h, int32_t type, int32_t id, const void *data, int size,
                                    int32_t attributes);
-/* Copies the first `size` bytes of the resource to `dest`. MCLIB_ERROR, without a message, when there is none; and, with a
- * line in the message centre, when it is smaller than `size`. `dest` is left alone then. */
+/* Copies the first `size` bytes of the resource to `dest`. MCLIB_ERROR, without a message, when there is none; and,
+ * with a line in the message centre, when it is smaller than `size`. `dest` is left alone then. */
 MCLIB_EXPORT int mclibResource_load(McHandle *h, int32_t type, int32_t id, void *dest, int size);
 /* Stores a string list, in place of any with that id. The list stays the caller's. */
 MCLIB_EXPORT int mclibResource_addStringList(McHandle *h, int32_t id, StringList *list);
@@ -58,13 +59,14 @@ MCLIB_EXPORT char *mclibUpf_getUpfFileName(void);
 /* Puts a file in front of the remembered ones of the record `id` in the resource file `handle`; the host's status. */
 MCLIB_EXPORT int mclibUpf_saveFileName(const char *fileName, int32_t handle, int32_t id);
 /* Ask for a file to read, and for one to make; the full name goes to `result` (256 bytes). `directoryVariable` and
- * `defaultName` count as long as the record is empty. The status of mdlDialog_defFileOpen or mdlDialog_defFileCreate. */
+ * `defaultName` count as long as the record is empty. The status of mdlDialog_defFileOpen or
+ * mdlDialog_defFileCreate. */
 MCLIB_EXPORT int mclibUpf_defFileOpen(char *result, const char *defaultName, const char *filter,
                                       const char *directoryVariable, const char *title, int32_t id);
 MCLIB_EXPORT int mclibUpf_defFileCreate(char *result, const char *defaultName, const char *filter,
                                         const char *directoryVariable, const char *title, int32_t id);
-/* Has the user edit a list of files as mdlFileList_edit does, with its options, titles and filter. The edited list, which
- * the caller owns beside the old one, when *reply is 3; else `list`. */
+/* Has the user edit a list of files as mdlFileList_edit does, with its options, titles and filter. The edited list,
+ * which the caller owns beside the old one, when *reply is 3; else `list`. */
 MCLIB_EXPORT StringList *mclibUpf_defFileListEdit(int *reply, StringList *list, int32_t options, const char *title,
                                                   const char *listTitle, const char *filter,
                                                   const char *defaultDirectory, int32_t id);

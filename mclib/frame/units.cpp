@@ -37,7 +37,7 @@ struct LongForm {
 constexpr LongForm longForms[] = {{0, 5}, {1, 6}, {3, 7}, {7, 8}, {15, 9}, {31, 10}};
 constexpr int longFormsInUse = 0x04;
 
-void store(int* to, int value) {
+void storeUnlessNull(int* to, int value) {
     if (to) *to = value;
 }
 
@@ -96,13 +96,13 @@ void mclibUtil_getDateAndTime(int* year, int* month, int* day, int* hour, int* m
     const std::time_t now = std::time(nullptr);
     std::tm local{};
     localtime_r(&now, &local);
-    store(year, local.tm_year + 1900);
-    store(month, local.tm_mon + 1);
-    store(day, local.tm_mday);
-    store(hour, local.tm_hour);
-    store(minute, local.tm_min);
-    store(second, local.tm_sec);
-    store(weekDay, local.tm_wday);
+    storeUnlessNull(year, local.tm_year + 1900);
+    storeUnlessNull(month, local.tm_mon + 1);
+    storeUnlessNull(day, local.tm_mday);
+    storeUnlessNull(hour, local.tm_hour);
+    storeUnlessNull(minute, local.tm_min);
+    storeUnlessNull(second, local.tm_sec);
+    storeUnlessNull(weekDay, local.tm_wday);
     if (weekDayName) *weekDayName = mclibUtil_getLanguageText(ids::texts::sunday.number + local.tm_wday);
     if (monthName) *monthName = mclibUtil_getLanguageText(ids::texts::january.number + local.tm_mon);
 }

@@ -13,7 +13,7 @@ namespace {
 
 int dressAndAppend(MSElementBuffer* element, int attrId, ElementDescr* ed) {
     mclibElmAttr_setSymbologyAndProperties(element, attrId, nullptr);
-    if (ed == nullptr) return MCLIB_SUCCESS;
+    if (!ed) return MCLIB_SUCCESS;
     return mdlElmdscr_appendElement(ed, element) == MDL_SUCCESS ? MCLIB_SUCCESS : MCLIB_ERROR;
 }
 
@@ -46,7 +46,7 @@ class OneOffJustification {
 int createText(const Point3d* origin, const char* text, double scale, int attrId, ElementDescr* ed) {
     const int status = mclibElmAttr_createText(dgnBufP, nullptr, text, origin, nullptr, 0, attrId, scale, nullptr);
     if (status != MCLIB_SUCCESS) return MCLIB_ERROR;
-    return ed == nullptr || mdlElmdscr_appendElement(ed, dgnBufP) == MDL_SUCCESS ? MCLIB_SUCCESS : MCLIB_ERROR;
+    return !ed || mdlElmdscr_appendElement(ed, dgnBufP) == MDL_SUCCESS ? MCLIB_SUCCESS : MCLIB_ERROR;
 }
 
 }  // namespace
@@ -92,7 +92,7 @@ int mclibElement_createShape(const Point3d* points, int count, int fillMode, int
 
 int mclibElement_createText(const Point3d* origin, const char* text, double scale, const int* just, int attrId,
                             ElementDescr* ed) {
-    if (just == nullptr) return createText(origin, text, scale, attrId, ed);
+    if (!just) return createText(origin, text, scale, attrId, ed);
     const OneOffJustification justification(attrId, *just);
     return justification.known() ? createText(origin, text, scale, attrId, ed) : MCLIB_ERROR;
 }

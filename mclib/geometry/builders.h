@@ -3,8 +3,8 @@
  * Every builder makes its element in *dgnBufP with the active settings, applies the attribute `attrId` of the calling
  * application, and appends a copy to `ed` when that isn't null. The element stays in *dgnBufP until the next builder
  * overwrites it. Coordinates and radii count in the host's current transform, angles are radians.
- * A host that can't make the element isn't looked at: what the buffer holds is then dressed and appended. MCLIB_SUCCESS,
- * or MCLIB_ERROR when `ed` doesn't take it: then the drawing lacks it. */
+ * A host that can't make the element isn't looked at: what the buffer holds is then dressed and appended.
+ * MCLIB_SUCCESS, or MCLIB_ERROR when `ed` doesn't take it: then the drawing lacks it. */
 #ifndef MCLIB_BUILDERS_H
 #define MCLIB_BUILDERS_H
 

@@ -1,5 +1,5 @@
-/* Cell libraries: where they lie, the one that is attached, its cells in lists and dialogs, and descriptors joined into a
- * cell.
+/* Cell libraries: where they lie, the one that is attached, its cells in lists and dialogs, and descriptors joined into
+ * a cell.
  *
  * Libraries lie along the search path of the configuration variable MC_CELL; without it in the folder "cell\" of the
  * product's folder MC_DIR, whose value ends in a separator; without that in "c:\markacad\cell\". */
@@ -13,8 +13,8 @@
  * bytes is cut. */
 MCLIB_EXPORT int mclibCell_getMcCellPath(char *pathP, int size);
 /* The full name of a library file; with MC_CELL the extension may be left out. `pathP` has room for 256 bytes and the
- * name. MCLIB_ERROR when there is no such file; `pathP` is empty then, also when the product's folder is longer, or holds
- * the name that was tried. */
+ * name. MCLIB_ERROR when there is no such file; `pathP` is empty then, also when the product's folder is longer, or
+ * holds the name that was tried. */
 MCLIB_EXPORT int mclibCell_getCellPathAndName(char *pathP, const char *nameP);
 /* Attaches the library of that file name (with extension, at most 255 characters), unless a file of the same name, in
  * any case and folder, is attached. An empty name does nothing. 0, or the host's result of attaching, also for a file
@@ -32,8 +32,8 @@ MCLIB_EXPORT int mclibCell_getFilePosFromStringlist(void);
 MCLIB_EXPORT int mclibCell_drawCell(const char *nameP, MdlDialog *windowP, const MdlItem *itemP, int inset,
                                     int crossMode);
 /* Appends copies of the elements of both descriptors (null: none), cell headers left out, to the cell, and undoes the
- * rotation of its header about its origin. MCLIB_ERROR when an element can't be appended; those before it stay. A part of
- * the cell itself can't. */
+ * rotation of its header about its origin. MCLIB_ERROR when an element can't be appended; those before it stay. A part
+ * of the cell itself can't. */
 MCLIB_EXPORT int mclibCell_mergeCells(ElementDescr *cellEdP, ElementDescr *firstEdP, ElementDescr *secondEdP);
 
 #endif

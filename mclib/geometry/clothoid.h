@@ -3,8 +3,8 @@
  * An element is given as everywhere in the geometry of alignments (lines.h): end points, the signed radius at each of
  * them (0: infinite, a straight end) and A, whose sign doesn't count; one whose square or its inverse is no number is
  * taken as 0. The series frame has the clothoid's origin, where
- * its radius is infinite, at (0, 0), with its tangent there along +x; a series length l is an arc length from there. The
- * element covers the series lengths L1 to L2, and L1 is 0 with a straight end. All lengths have the caller's unit.
+ * its radius is infinite, at (0, 0), with its tangent there along +x; a series length l is an arc length from there.
+ * The element covers the series lengths L1 to L2, and L1 is 0 with a straight end. All lengths have the caller's unit.
  *
  * A partial clothoid has two radii. Both must turn the same way: an S-curve is two elements that meet at its straight
  * point. The calls that place a clothoid lay the tighter radius at its own end, whichever that is.
@@ -36,9 +36,9 @@ MCLIB_EXPORT int mclibGeo_KlotCoord(double *xP, double *yP, double R1, double R2
 /* Points in the series frame, evenly spaced from L1 to L2 whichever way the element runs. z isn't touched. No points at
  * all (nPoints of 0 or less) is a success. */
 MCLIB_EXPORT int mclibGeo_getKlotPoints(Point3d *pointsP, int nPoints, double R1, double R2, double A);
-/* Points in travel order: from L1 when the second end is the tight one, else from L2, which then lies at (0, 0). Each is
- * moved by (-xShift, -yShift), turned by `angle` and moved by (x0, y0); z is 0. MCLIB_ERROR also without memory, after a
- * message, and for radii that turn opposite ways. */
+/* Points in travel order: from L1 when the second end is the tight one, else from L2, which then lies at (0, 0). Each
+ * is moved by (-xShift, -yShift), turned by `angle` and moved by (x0, y0); z is 0. MCLIB_ERROR also without memory,
+ * after a message, and for radii that turn opposite ways. */
 MCLIB_EXPORT int mclibGeo_createKlotoide(Point3d *pointsP, int nPoints, double x0, double y0, double R1, double R2,
                                          double A, double angle, double xShift, double yShift);
 

@@ -60,7 +60,7 @@ int mclibElemDscr_drawElementDescr(MdlDialog* window, const DialogRect* rect, El
     mdlView_getStandard(&matrix, topView);
     mdlRMatrix_multiplyRange(&range[0], &range[1], &matrix);
     ViewFlags flags = usualViewFlags;
-    if (viewFlags != nullptr) std::copy_n(viewFlags, 3, flags.words);
+    if (viewFlags) std::copy_n(viewFlags, 3, flags.words);
     const Point3d extent = {range[1].x - range[0].x, range[1].y - range[0].y, depth};
     mdlRMatrix_unrotatePoint(&range[0], &matrix);
     return mdlElmdscr_displayToWindow(window, rect, &flags, ed, &matrix, &range[0], &extent, *mgds_modesP, lastArg);

@@ -12,7 +12,8 @@ MCLIB_EXPORT int mclibElemDscr_getRange(Point3d *range, const ElementDescr *ed);
  * descriptor without a range stays as it is. MCLIB_SUCCESS, or the failure of the host, which leaves it as it is. */
 MCLIB_EXPORT int mclibElemDscr_placeElementDescr(Point3d *box, int translate, ElementDescr *ed);
 /* Draws the descriptor, seen from the top, into a rectangle of the dialog's window. viewFlags: three words, or null for
- * the usual ones. lastArg goes to the host: -1 or 0. The host's result; MCLIB_ERROR for a descriptor without a range. */
+ * the usual ones. lastArg goes to the host: -1 or 0. The host's result; MCLIB_ERROR for a descriptor without a
+ * range. */
 MCLIB_EXPORT int mclibElemDscr_drawElementDescr(MdlDialog *window, const DialogRect *rect, ElementDescr *ed,
                                                 const uint32_t *viewFlags, int lastArg);
 

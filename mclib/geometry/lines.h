@@ -1,15 +1,15 @@
 /* Plane geometry of alignments: lines, circles, and what an alignment does with any of its elements.
  *
- * An element of an alignment is seven numbers in the caller's length unit, always in this order: its end points (x1, y1)
- * and (x2, y2), the signed radii R1 and R2 at them (0: infinite), and the clothoid parameter A (0: no clothoid). A
+ * An element of an alignment is seven numbers in the caller's length unit, always in this order: its end points (x1,
+ * y1) and (x2, y2), the signed radii R1 and R2 at them (0: infinite), and the clothoid parameter A (0: no clothoid). A
  * positive radius turns left, with the centre to the left of the direction of travel. Angles and bearings are radians,
  * counter-clockwise from the x axis. A station is an arc length from the first end; for clothoids see clothoid.h. Calls
  * that return a status store nothing when they fail, unless told otherwise. Coordinates are plain numbers: only the two
  * element builders and the nearest point know the host.
  *
- * End points and stations may be off by what rounding does to numbers of their size (some 1e-8 for coordinates of 1e7): a
- * chord that is longer than the diameter by no more makes a half circle, and a station that is beyond an end by no more
- * is the end. Numbers that aren't finite make no element. */
+ * End points and stations may be off by what rounding does to numbers of their size (some 1e-8 for coordinates of 1e7):
+ * a chord that is longer than the diameter by no more makes a half circle, and a station that is beyond an end by no
+ * more is the end. Numbers that aren't finite make no element. */
 #ifndef MCLIB_GEOMETRY_LINES_H
 #define MCLIB_GEOMETRY_LINES_H
 
@@ -21,8 +21,8 @@ enum { GEO_BELOW = -10, GEO_ABOVE = 10 }; /* the given value lies outside the ra
 
 /* ---- elements ---- */
 
-/* The kind of an element: without A a line for R1 = 0, else a circle (R2 isn't looked at); with A a clothoid, but a line
- * for R1 = R2. The numbers are compared exactly. */
+/* The kind of an element: without A a line for R1 = 0, else a circle (R2 isn't looked at); with A a clothoid, but a
+ * line for R1 = R2. The numbers are compared exactly. */
 MCLIB_EXPORT int mclibGeo_getElementType(double R1, double R2, double A);
 /* The point of an element at a station, and the bearing there (of a clothoid: at its start), as the call for its kind
  * gives them. */
@@ -46,10 +46,11 @@ MCLIB_EXPORT int mclibGeo_getCircleCenter(double *xcP, double *ycP, double x1, d
 /* The bearing of (dx, dy), from 0 to 2 pi; its quadrant, 1 to 4 counter-clockwise. (0, 0) is bearing 0, quadrant 1. */
 MCLIB_EXPORT int mclibGeo_getCircleQuadrant(double *angleP, double dx, double dy);
 
-/* ---- equations: the value is stored for GEO_BELOW and GEO_ABOVE too; equal end points of the range are no range ---- */
+/* ---- equations: the value is stored for GEO_BELOW and GEO_ABOVE too; equal end points of the range are no range
+ * ---- */
 
-/* x on the circle at height y: on its right half for R > 0, on its left for R < 0. MCLIB_ERROR without a circle, or when
- * it doesn't reach y. */
+/* x on the circle at height y: on its right half for R > 0, on its left for R < 0. MCLIB_ERROR without a circle, or
+ * when it doesn't reach y. */
 MCLIB_EXPORT int mclibGeo_getCircleX(double *xP, double x1, double y1, double x2, double y2, double R, double y);
 /* y on the circle at x: on its upper half for R > 0, on its lower for R < 0. */
 MCLIB_EXPORT int mclibGeo_getCircleY(double *yP, double x1, double y1, double x2, double y2, double R, double x);

@@ -45,7 +45,7 @@ MSElementBuffer* readPlotFence(FilePos position, ModelRef* model) {
     if (mclibAttrib_extractElementUserData(element, MCLIB_PLOT_FENCE, nullptr, nullptr, nullptr) == MCLIB_SUCCESS) {
         const uint32_t bytes = mdlElement_bytes(element);
         fence = static_cast<MSElementBuffer*>(mclibMem_mallocRscErrorPrintf(bytes, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY));
-        if (fence != nullptr) std::memcpy(fence, element, bytes);
+        if (fence) std::memcpy(fence, element, bytes);
     }
     return fence;
 }
@@ -53,7 +53,7 @@ MSElementBuffer* readPlotFence(FilePos position, ModelRef* model) {
 // Shows one shape to the callback when it is a plot fence; true when the search of this model is over.
 bool offerShape(const PlotFenceSearch& search, FilePos position, ModelRef* model) {
     MSElementBuffer* fence = readPlotFence(position, model);
-    if (fence == nullptr) return false;
+    if (!fence) return false;
     const int32_t reply =
         dlmSystem_callAnyFunction("PIPP", search.application, reinterpret_cast<void*>(search.callback), fence,
                                   static_cast<int32_t>(position), model, search.userArg);
@@ -84,8 +84,7 @@ int mclibUtil_findAllPlotFence(PlotFenceFunction callback, void* userArg) {
         MDL_SUCCESS) {
         return 0;
     }
-    for (ModelRef* model = mdlModelRefIterator_getFirst(models); model != nullptr;
-         model = mdlModelRefIterator_getNext(models)) {
+    for (ModelRef* model = mdlModelRefIterator_getFirst(models); model; model = mdlModelRefIterator_getNext(models)) {
         if (isShown(model) && !searchModel(search, model)) break;
     }
     mdlModelRefIterator_free(&models);

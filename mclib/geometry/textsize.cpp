@@ -48,7 +48,7 @@ Extent measureLine(std::string_view line, double scale, int attrId) {
 void mclibUtil_extractTextSize(const char* text, double scale, int attrId, double lineSpacing, double* widthP,
                                double* lineHeightP, double* totalHeightP, void* justP) {
     TextBuffer line{}, rest{};
-    if (text != nullptr) std::memcpy(line.data(), text, strnlen(text, maxText));
+    if (text) std::memcpy(line.data(), text, strnlen(text, maxText));
     double width = 0.0, height = 0.0;
     int lines = 0;
     bool more = true;
@@ -60,12 +60,12 @@ void mclibUtil_extractTextSize(const char* text, double scale, int attrId, doubl
         ++lines;
         line = rest;
     }
-    if (widthP != nullptr) *widthP = width;
-    if (lineHeightP != nullptr) {
+    if (widthP) *widthP = width;
+    if (lineHeightP) {
         *lineHeightP = height;
-        if (totalHeightP != nullptr) *totalHeightP = (lines - 1) * lineSpacing + lines * height;
+        if (totalHeightP) *totalHeightP = (lines - 1) * lineSpacing + lines * height;
     }
-    if (justP != nullptr) {
+    if (justP) {
         mdlText_extract(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, static_cast<int32_t*>(justP),
                         nullptr, nullptr, dgnBufP);
     }

@@ -55,8 +55,8 @@ int mclibAttrib_extractElementUserData(const MSElementBuffer* element, int key1,
     std::memcpy(&keys, &block[keysAt], sizeof keys);
     if (keys.key1 != key1) return MCLIB_ERROR;
     const int size = 2 * static_cast<int>(mdlLinkage_getWords(&header)) - static_cast<int>(dataAt);
-    if (key2P != nullptr) *key2P = keys.key2;
-    if (sizeP != nullptr) *sizeP = size;
-    if (data != nullptr) std::memcpy(data, &block[dataAt], size);
+    if (key2P) *key2P = keys.key2;
+    if (sizeP) *sizeP = size;
+    if (data) std::memcpy(data, &block[dataAt], size);
     return MCLIB_SUCCESS;
 }

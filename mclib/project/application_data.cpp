@@ -18,7 +18,7 @@ constexpr const char* dwgKeepsDataVariable = "MS_DWGSAVEAPPLICATIONDATA";
 // ---- writing ----
 
 bool canBeStored(const void* data, int length) {
-    return length >= 0 && length <= MCLIB_APPLICATION_DATA_BYTES && (data != nullptr || length == 0);
+    return length >= 0 && length <= MCLIB_APPLICATION_DATA_BYTES && (data || length == 0);
 }
 
 ElementBytes makeElement(int applicationId, int subId, const void* data, int length) {
@@ -36,7 +36,7 @@ void warnWhereDataIsLost() {
 
 // The block of that application in an element of the host.
 std::optional<Block> blockOf(const MSElementBuffer* element, int applicationId) {
-    if (element == nullptr || element->head.size > MDL_ELEMENT_BYTES / 2) return {};
+    if (!element || element->head.size > MDL_ELEMENT_BYTES / 2) return {};
     const auto block = application_data::readElement({element->bytes, size_t{element->head.size} * 2});
     return block && block->applicationId == applicationId ? block : std::nullopt;
 }
@@ -67,7 +67,7 @@ struct Search {
 };
 
 // The number of blocks, or, from the block that ended the search, its index + 1.
-int run(Search& search) {
+int runSearch(Search& search) {
     const mdl::Scan scan(search.model);
     if (!scan) return 0;
     mdlScanCriteria_addSingleElementTypeTest(scan.criteria(), application_data::elementType);
@@ -83,7 +83,7 @@ int run(Search& search) {
 }  // namespace
 
 int mclib66Elem_saveData(MSElementBuffer* element, int applicationId, int subId, const void* data, int length) {
-    if (element == nullptr || !canBeStored(data, length)) return MCLIB_ERROR;
+    if (!element || !canBeStored(data, length)) return MCLIB_ERROR;
     const ElementBytes made = makeElement(applicationId, subId, data, length);
     std::memcpy(element, made.data(), static_cast<size_t>(length) + 40);
     return MCLIB_SUCCESS;
@@ -93,18 +93,18 @@ int mclib66Elem_saveDataToFile(int applicationId, int subId, const void* data, i
     if (!canBeStored(data, length)) return MCLIB_ERROR;
     const ElementBytes made = makeElement(applicationId, subId, data, length);
     const FilePos added = mdlElement_add(reinterpret_cast<const MSElementBuffer*>(made.data()));
-    if (position != nullptr) *position = added;
+    if (position) *position = added;
     warnWhereDataIsLost();
     return added != 0 ? int{MCLIB_SUCCESS} : int{MCLIB_ELEMENT_NOT_ADDED};
 }
 
 int mclib66Elem_getData(MSElementBuffer* element, int applicationId, int* subId, void** data, int* size) {
-    if (data != nullptr) *data = nullptr;
+    if (data) *data = nullptr;
     const auto block = blockOf(element, applicationId);
     if (!block) return MCLIB_ERROR;
-    if (data != nullptr) *data = const_cast<uint8_t*>(block->payload.data());
-    if (size != nullptr) *size = static_cast<int>(block->payload.size());
-    if (subId != nullptr) *subId = block->subId;
+    if (data) *data = const_cast<uint8_t*>(block->payload.data());
+    if (size) *size = static_cast<int>(block->payload.size());
+    if (subId) *subId = block->subId;
     return MCLIB_SUCCESS;
 }
 
@@ -114,7 +114,7 @@ int mclib66Elem_scanDataFromFile(void* userData, int applicationId, ModelRef* mo
 
 int mclib66Elem_scanDataFromFileExtended(void* userData, int applicationId, ModelRef* model,
                                          MclibApplicationDataVisit visit, int isNative) {
-    if (visit == nullptr) return 0;
+    if (!visit) return 0;
     Search search = {userData, applicationId, model, visit, isNative != 0};
-    return run(search);
+    return runSearch(search);
 }

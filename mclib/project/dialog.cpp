@@ -34,7 +34,7 @@ void (*projectWritten)() = nullptr;
 
 using FileMessage = mdl::Message<MCLIB_ERRORS, const char*>;
 
-void report(int flags, FileMessage message, const char* file) {
+void reportFile(int flags, FileMessage message, const char* file) {
     mc::showBox(flags, message, shownPath(file).c_str());
     mdlSystem_noteFailure();
 }
@@ -50,24 +50,24 @@ void endTexts(mclibProsjektData& project) {
 
 void loadProject(const char* name) {
     const mdl::ResourceFile file(name, MDL_RSC_READ);
-    if (!file) return report(MSGBOX_NOTICE, ids::errors::cantOpen, name);
+    if (!file) return reportFile(MSGBOX_NOTICE, ids::errors::cantOpen, name);
     const mdl::Resource stored(file.handle(), projectType, projectId);
     if (!stored || stored.bytes().size() < sizeof *mclibpd)
-        return report(NO_PROJECT_FLAGS, ids::errors::noProjectData, name);
+        return reportFile(NO_PROJECT_FLAGS, ids::errors::noProjectData, name);
     std::memcpy(mclibpd, stored.get(), sizeof *mclibpd);
     endTexts(*mclibpd);
 }
 
 void saveProject(const char* name) {
     if (mdlResource_createFile(name, projectFileTitle, MDL_RSC_WRITE) != MDL_SUCCESS)
-        return report(MSGBOX_NOTICE, ids::errors::cantOpen, name);
+        return reportFile(MSGBOX_NOTICE, ids::errors::cantOpen, name);
     const mdl::ResourceFile file(name, MDL_RSC_WRITE);
-    if (!file) return report(MSGBOX_NOTICE, ids::errors::cantOpen, name);
+    if (!file) return reportFile(MSGBOX_NOTICE, ids::errors::cantOpen, name);
     const int status =
         mdlResource_add(file.handle(), projectType, projectId, mclibpd, sizeof *mclibpd, 0, projectFileTitle);
     if (status == MDL_SUCCESS) return;
     const bool isProtected = status == MDL_RSC_READ_ONLY;
-    report(MSGBOX_NOTICE, isProtected ? ids::errors::resourceProtected : ids::errors::resourceNotWritten, name);
+    reportFile(MSGBOX_NOTICE, isProtected ? ids::errors::resourceProtected : ids::errors::resourceNotWritten, name);
 }
 
 bool mayOverwrite(const char* name) {
@@ -78,7 +78,7 @@ bool mayOverwrite(const char* name) {
 
 // ---- what the buttons do ----
 
-void load(MdlDialog* dialog) {
+void loadFromFile(MdlDialog* dialog) {
     char name[256] = "";
     if (mclibUpf_defFileOpen(name, nullptr, projectFiles, nullptr, mc::languageText(ids::texts::readProject),
                              projectFileDefaults) != MDL_SUCCESS)
@@ -87,7 +87,7 @@ void load(MdlDialog* dialog) {
     mdlDialog_itemsSynch(dialog);
 }
 
-void save(MdlDialog*) {
+void saveToFile(MdlDialog*) {
     char name[256] = "";
     if (mclibUpf_defFileCreate(name, nullptr, projectFiles, nullptr, mc::languageText(ids::texts::saveProject),
                                projectFileDefaults) == MDL_SUCCESS &&
@@ -95,12 +95,12 @@ void save(MdlDialog*) {
         saveProject(name);
 }
 
-void read(MdlDialog* dialog) {
+void readFromDesign(MdlDialog* dialog) {
     mclibProject_readProjectInfoFromDesignFile(mclibpd);
     mdlDialog_itemsSynch(dialog);
 }
 
-void write(MdlDialog*) {
+void writeToDesign(MdlDialog*) {
     mclibProject_writeProjectInfoToDesignFile(mclibpd);
     if (projectWritten) projectWritten();
 }
@@ -122,9 +122,12 @@ void button(DialogMessage* message) {
 }  // namespace
 
 const DialogHook projectHooks[] = {
-    {ids::hooks::project, projectDialog},      {ids::hooks::loadProject, button<load>},
-    {ids::hooks::saveProject, button<save>},   {ids::hooks::readProject, button<read>},
-    {ids::hooks::writeProject, button<write>}, endOfHooks,
+    {ids::hooks::project, projectDialog},
+    {ids::hooks::loadProject, button<loadFromFile>},
+    {ids::hooks::saveProject, button<saveToFile>},
+    {ids::hooks::readProject, button<readFromDesign>},
+    {ids::hooks::writeProject, button<writeToDesign>},
+    endOfHooks,
 };
 
 void setProjectWritten(void (*function)()) {

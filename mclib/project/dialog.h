@@ -12,9 +12,9 @@ struct FormData;
 /* Opens the project dialog, which isn't modal. MCLIB_SUCCESS, or MCLIB_ERROR when it can't be opened. */
 MCLIB_EXPORT int mclibProject_dialogOpen(void);
 /* Reads the project, and the page that is being made, from the design file, and gives their texts to the form
- * (mclib/forms/forms.h), rows from 0: "pron", "pros", "kost", "UNav", "USig", "UDat" and the same of S and R, "tegn", and of
- * the page also "kopo" and "revs". What the page says goes before what the project says; empty texts of the page leave
- * the project's. */
+ * (mclib/forms/forms.h), rows from 0: "pron", "pros", "kost", "UNav", "USig", "UDat" and the same of S and R, "tegn",
+ * and of the page also "kopo" and "revs". What the page says goes before what the project says; empty texts of the page
+ * leave the project's. */
 MCLIB_EXPORT void mclibProject_insertProjectData(struct FormData *form);
 
 #endif

@@ -63,33 +63,33 @@ bool isSamePage(const char* a, const char* b) {
 }
 
 bool isIn(const char* const* names, const char* name) {
-    while (*names != nullptr && !isSamePage(*names, name)) ++names;
-    return *names != nullptr;
+    while (*names && !isSamePage(*names, name)) ++names;
+    return *names;
 }
 
 bool isToGo(const char* name, const char* pageName, const char* const* keepNames) {
-    if (keepNames != nullptr) return !isIn(keepNames, name);
-    return pageName == nullptr || isSamePage(name, pageName);
+    if (keepNames) return !isIn(keepNames, name);
+    return !pageName || isSamePage(name, pageName);
 }
 
 }  // namespace
 
 int mclibProject_readProjectInfoFromDesignFile(mclibProsjektData* project) {
-    if (project == nullptr) return 0;
+    if (!project) return 0;
     *project = {};
     return forEachRecord(MCLIB_PROJECT_DATA, [&](const Record& record) { readRecord(*project, record); });
 }
 
 void mclibProject_writeProjectInfoToDesignFile(const mclibProsjektData* project) {
-    if (project == nullptr) return;
+    if (!project) return;
     forEachRecord(MCLIB_PROJECT_DATA, [](const Record& record) { record.remove(); });
     addRecord(MCLIB_PROJECT_DATA, *project, ids::questions::projectWritten);
 }
 
 void mclibProject_readPageInfoFromDesignFile(mclibSideData* page, const char* pageName) {
-    if (page == nullptr) return;
+    if (!page) return;
     mclibSideData wanted = {};
-    fillText(wanted.wantedPageName, pageName == nullptr ? "" : pageName);
+    fillText(wanted.wantedPageName, pageName ? pageName : "");
     *page = wanted;
     const int met = forEachRecord(MCLIB_PAGE_DATA, [&](const Record& record) {
         mclibSideData fresh = {};
@@ -100,7 +100,7 @@ void mclibProject_readPageInfoFromDesignFile(mclibSideData* page, const char* pa
 }
 
 void mclibProject_writePageInfoToDesignFile(const mclibSideData* page) {
-    if (page == nullptr) return;
+    if (!page) return;
     const std::string_view name(page->pageName, strnlen(page->pageName, sizeof page->pageName - 1));
     forEachRecord(MCLIB_PAGE_DATA, [&](const Record& record) {
         mclibSideData fresh = {};

@@ -12,7 +12,7 @@ constexpr int unknownValue = 1;
 constexpr size_t notAValue = SIZE_MAX;
 
 // Writes the value that follows the code; the bytes that it takes, or notAValue.
-size_t append(uint8_t* at, int code, va_list& arguments) {
+size_t appendValue(uint8_t* at, int code, va_list& arguments) {
     switch (code) {
         case MCLIB_VALUE_DOUBLE: mdlCnv_doubleToFileFormat(at, va_arg(arguments, double)); return 8;
         case MCLIB_VALUE_STRING: {
@@ -36,7 +36,7 @@ size_t append(uint8_t* at, int code, va_list& arguments) {
 }
 
 // Reads the value to the place that follows the code.
-size_t take(const uint8_t* at, int code, va_list& arguments) {
+size_t takeValue(const uint8_t* at, int code, va_list& arguments) {
     switch (code) {
         case MCLIB_VALUE_DOUBLE: *va_arg(arguments, double*) = mdlCnv_doubleFromFileFormat(at); return 8;
         case MCLIB_VALUE_STRING: {
@@ -69,7 +69,7 @@ int moveBehind(int* offset, size_t size) {
 int mclib66Elem_convertToFileFormat(void* buffer, int* offset, int code, ...) {
     va_list arguments;
     va_start(arguments, code);
-    const int result = moveBehind(offset, append(static_cast<uint8_t*>(buffer) + *offset, code, arguments));
+    const int result = moveBehind(offset, appendValue(static_cast<uint8_t*>(buffer) + *offset, code, arguments));
     va_end(arguments);
     return result;
 }
@@ -77,7 +77,7 @@ int mclib66Elem_convertToFileFormat(void* buffer, int* offset, int code, ...) {
 int mclib66Elem_convertFromFileFormat(const void* buffer, int* offset, int code, ...) {
     va_list arguments;
     va_start(arguments, code);
-    const int result = moveBehind(offset, take(static_cast<const uint8_t*>(buffer) + *offset, code, arguments));
+    const int result = moveBehind(offset, takeValue(static_cast<const uint8_t*>(buffer) + *offset, code, arguments));
     va_end(arguments);
     return result;
 }

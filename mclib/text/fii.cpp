@@ -30,7 +30,7 @@ constexpr size_t lineMargin = 8;
 
 char noLine[1 + lineMargin] = "";  // the line of a closed reader
 
-int fail(McFii& f, int32_t code) {
+int failAt(McFii& f, int32_t code) {
     f.error = code;
     return MCLIB_ERROR;
 }
@@ -88,7 +88,7 @@ template <typename T>
 int takeNumber(McFii& f, const char* delimiters, std::optional<T> (*parse)(std::string_view), T& value, int32_t error) {
     const Token token = copyToken(f.position, delimiters, f.word);
     const std::optional<T> parsed = parse(token.text);
-    if (!parsed) return fail(f, error);
+    if (!parsed) return failAt(f, error);
     value = *parsed;
     f.position = pastRun(token.end, delimiters);
     return MCLIB_SUCCESS;
@@ -147,7 +147,7 @@ int columnOf(const McFii& f) {
 }
 
 template <typename T>
-void store(T* out, T value) {
+void storeUnlessNull(T* out, T value) {
     if (out) *out = value;
 }
 
@@ -210,12 +210,12 @@ void mclibFii_caseSensitiveOff(McFii* f) {
 }
 
 int mclibFii_readNewLine(McFii* f) {
-    if (!f->file) return fail(*f, FII_END_OF_FILE);
+    if (!f->file) return failAt(*f, FII_END_OF_FILE);
     f->position = f->line;
     const int lines = mclibFile_read(f->line, f->file, f->lineSize);
     if (lines <= 0) {
         f->line[0] = '\0';
-        return fail(*f, lines == 0 ? FII_END_OF_FILE : FII_READ_FAILED);
+        return failAt(*f, lines == 0 ? FII_END_OF_FILE : FII_READ_FAILED);
     }
     f->lineNumber += lines;
     if (f->pack)
@@ -352,9 +352,9 @@ int mclibFii_isText(McFii* f, const char* text) {
 
 int mclibFii_reportErr(McFii* f, int* code, int* lineNumber, int* column, char* text) {
     if (f->error == FII_NONE) return MCLIB_ERROR;
-    store(code, f->error);
-    store(lineNumber, f->lineNumber);
-    store(column, columnOf(*f));
+    storeUnlessNull(code, f->error);
+    storeUnlessNull(lineNumber, f->lineNumber);
+    storeUnlessNull(column, columnOf(*f));
     if (text) copyCut(text, lineOf(*f));
     f->error = FII_NONE;
     return MCLIB_SUCCESS;
@@ -362,7 +362,7 @@ int mclibFii_reportErr(McFii* f, int* code, int* lineNumber, int* column, char* 
 
 int mclibFii_formatErr(const McFii* f, int* code, char* text) {
     if (f->error == FII_NONE) return MCLIB_ERROR;
-    store(code, f->error);
+    storeUnlessNull(code, f->error);
     mclibFii_makeErr(f, text);
     return MCLIB_SUCCESS;
 }

@@ -1,12 +1,12 @@
 /* The Fii reader: tokens from a text file, one logical line at a time.
  *
- * The caller owns the McFii; mclibFii_open fills it, mclibFii_close frees its line. The reader sits on the file layer, so
- * comments, continued lines and includes are dealt with before a token is read. What a token is, is decided by the call
- * that reads it: `delimiters` is a string of the characters that end a token, and a token is taken with the whole run of
- * delimiters behind it. Separators are the reader's own characters between tokens; calls skip them first, unless pack
- * mode is on or their comment says otherwise. A copy of a token holds at most 255 characters; what is longer is passed
- * all the same. A number or line that can't be read leaves its code in `error`. Numbers have "." in every locale;
- * hexadecimal, infinite and undefined values are no numbers. */
+ * The caller owns the McFii; mclibFii_open fills it, mclibFii_close frees its line. The reader sits on the file layer,
+ * so comments, continued lines and includes are dealt with before a token is read. What a token is, is decided by the
+ * call that reads it: `delimiters` is a string of the characters that end a token, and a token is taken with the whole
+ * run of delimiters behind it. Separators are the reader's own characters between tokens; calls skip them first, unless
+ * pack mode is on or their comment says otherwise. A copy of a token holds at most 255 characters; what is longer is
+ * passed all the same. A number or line that can't be read leaves its code in `error`. Numbers have "." in every
+ * locale; hexadecimal, infinite and undefined values are no numbers. */
 #ifndef MCLIB_TEXT_FII_H
 #define MCLIB_TEXT_FII_H
 
@@ -83,8 +83,8 @@ MCLIB_EXPORT int mclibFii_readNumeric(McFii *f, int32_t reserved, ...);
 
 /* ---- texts: dest holds 256 bytes ---- */
 
-/* The next character, which is passed. A space, and no move, at the end of the line. `error` becomes 13 for what isn't a
- * letter of Windows-1252. */
+/* The next character, which is passed. A space, and no move, at the end of the line. `error` becomes 13 for what isn't
+ * a letter of Windows-1252. */
 MCLIB_EXPORT char mclibFii_readChar(McFii *f);
 /* The token up to the next separator. */
 MCLIB_EXPORT char *mclibFii_readText(McFii *f, char *dest);

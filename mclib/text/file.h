@@ -3,9 +3,9 @@
  * A line whose first character is the comment character is a comment; a line whose last visible character is the
  * continuation character goes on with the next one. `%include NAME` at the start of a line reads another file in its
  * place, `%if exist include NAME` does so when it is there. A name may hold configuration variables, loses its blanks,
- * and is looked for as it stands and then beside the file that includes it. A file that is open in the chain of includes
- * counts as one that can't be opened, so none includes itself. A UTF-8 byte order mark at the start of a file is no text.
- * The caller owns a McFile until mclibFile_close. Failures show a message from the error list. */
+ * and is looked for as it stands and then beside the file that includes it. A file that is open in the chain of
+ * includes counts as one that can't be opened, so none includes itself. A UTF-8 byte order mark at the start of a file
+ * is no text. The caller owns a McFile until mclibFile_close. Failures show a message from the error list. */
 #ifndef MCLIB_TEXT_FILE_H
 #define MCLIB_TEXT_FILE_H
 
@@ -31,14 +31,14 @@ typedef struct McFile {
 /* Opens a file with the default characters and buffer. mode is exactly "w", "a" or "r". Null, with a message, for
  * another mode (null too) or a file that can't be opened. */
 MCLIB_EXPORT McFile *mclibFile_open(const char *name, const char *mode);
-/* The first characters of `continuation` and `comment` count; an empty string or null stands for none. The buffer bounds what
- * mclibFile_fgets gives in one piece; it must hold at least 2 bytes. */
+/* The first characters of `continuation` and `comment` count; an empty string or null stands for none. The buffer
+ * bounds what mclibFile_fgets gives in one piece; it must hold at least 2 bytes. */
 MCLIB_EXPORT McFile *mclibFile_openExtended(const char *name, const char *mode, const char *continuation,
                                             const char *comment, int bufferSize);
 /* The same as mclibFile_open. */
 MCLIB_EXPORT McFile *mclibFile_openHWSpesific(const char *name, const char *mode);
-/* Closes the file and the includes that are open below it, and frees all of them. 0, or the host's status with a message
- * when something couldn't be stored. */
+/* Closes the file and the includes that are open below it, and frees all of them. 0, or the host's status with a
+ * message when something couldn't be stored. */
 MCLIB_EXPORT int mclibFile_close(McFile *f);
 /* Back to the first line of f itself. */
 MCLIB_EXPORT void mclibFile_rewind(McFile *f);
@@ -47,14 +47,14 @@ MCLIB_EXPORT void mclibFile_rewind(McFile *f);
  * `size` aren't used. A line longer than the buffer comes in pieces. Null at the end of the top file or on an error. An
  * include line that can't be followed is given as a comment. */
 MCLIB_EXPORT char *mclibFile_fgets(char *buf, int size, McFile *f);
-/* The next logical line in `dest` (maxLength bytes): comments and blank lines skipped, continued lines joined by a space,
- * trailing blanks removed. The number of physical lines that it took, skipped ones counted; 0 at the end of the file;
- * -1 with a message when a read fails or the line doesn't fit, and the next call then goes on with the next line. A line
- * of blanks with a tab among them is an empty logical line. At the end of the file `dest` holds what a continued last
- * line left. */
+/* The next logical line in `dest` (maxLength bytes): comments and blank lines skipped, continued lines joined by a
+ * space, trailing blanks removed. The number of physical lines that it took, skipped ones counted; 0 at the end of the
+ * file; -1 with a message when a read fails or the line doesn't fit, and the next call then goes on with the next line.
+ * A line of blanks with a tab among them is an empty logical line. At the end of the file `dest` holds what a continued
+ * last line left. */
 MCLIB_EXPORT int mclibFile_read(char *dest, McFile *f, int maxLength);
-/* The same, each physical line cut at its first `;`. `comment` (bufferSize bytes) gets what followed the `;` of the last
- * physical line; it is empty when there was none, or when the line began with it. */
+/* The same, each physical line cut at its first `;`. `comment` (bufferSize bytes) gets what followed the `;` of the
+ * last physical line; it is empty when there was none, or when the line began with it. */
 MCLIB_EXPORT int mclibFile_read2(char *dest, char *comment, McFile *f, int maxLength);
 
 MCLIB_EXPORT int mclibFile_directoryExists(const char *path); /* 1 or 0 */

@@ -180,7 +180,7 @@ struct Parameters {
 };
 
 // Upper-cases the names where they stand. A slot without NUL ends with its last byte.
-void record(Parameters& parameters, int count, char* names, const double* values) {
+void recordParameters(Parameters& parameters, int count, char* names, const double* values) {
     parameters.count = count;
     for (int i = 0; i < count; ++i, names += MCLIB_FORMULA_NAME_SIZE) {
         uint64_t key = 0;
@@ -497,7 +497,7 @@ double* evaluate(const char* formula, int count, char* names, const double* valu
     state.error = formula ? MCLIB_FORMULA_LIMIT : MCLIB_FORMULA_SYNTAX;
     if (!formula || !withinLimits(formula, count)) return nullptr;
     Parameters parameters;
-    if (names && values) record(parameters, count, names, values);
+    if (names && values) recordParameters(parameters, count, names, values);
     return Parser(formula, parameters).run();
 }
 

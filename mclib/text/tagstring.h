@@ -23,10 +23,10 @@ typedef struct TagEntry {
  * What is longer is cut. And levels within each other: an expression, a position, a bracket, a further factor. */
 enum { MCLIB_TAG_BUILT_LENGTH = 1023, MCLIB_TAG_RESULT_LENGTH = 511, MCLIB_TAG_NESTING = 400 };
 
-/* The text of `expression` in a new block, to be freed with dlmSystem_mdlFree. An unknown tag is an empty text, and so is a
- * piece that can't be worked out; a position that can't is 0; the console tells, also when the whole text is cut. Null
- * when an element is missing, a bracket or quote isn't closed, expressions are nested too deeply, or memory runs out. A
- * null expression counts as empty. */
+/* The text of `expression` in a new block, to be freed with dlmSystem_mdlFree. An unknown tag is an empty text, and so
+ * is a piece that can't be worked out; a position that can't is 0; the console tells, also when the whole text is cut.
+ * Null when an element is missing, a bracket or quote isn't closed, expressions are nested too deeply, or memory runs
+ * out. A null expression counts as empty. */
 MCLIB_EXPORT char *mclibParse_tagString(const char *expression, TagEntry *tags, int tagCount);
 
 #endif
