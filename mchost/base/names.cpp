@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <new>
 #include <optional>
 
 #include "mchost/base/existing_path.h"
@@ -27,7 +28,9 @@ std::optional<std::string> fullNameOfFile(const std::string& name, Case letters)
     const fs::file_status status = fs::status(path.value_or(""), error);
     if (!fs::exists(status) || fs::is_directory(status)) return std::nullopt;
     if (*path == named && fs::path(named).is_absolute()) return name;
-    return hostName(fs::absolute(*path, error).lexically_normal().string());
+    const fs::path whole = fs::absolute(*path, error);
+    if (error == std::errc::not_enough_memory) throw std::bad_alloc();
+    return error ? std::nullopt : std::optional(hostName(whole.lexically_normal().string()));
 }
 
 std::optional<std::string> findWithExtension(const std::string& name, std::string_view extension, Case letters) {

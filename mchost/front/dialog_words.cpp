@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "mchost/base/charset.h"
+#include "mchost/base/words.h"
 #include "mchost/front/dialog_text.h"
 
 namespace host {
@@ -32,12 +32,6 @@ Followed done(DialogEvent event) {
     return {.complaint = {}, .event = std::move(event)};
 }
 
-std::string_view trimmed(std::string_view text) {
-    const size_t first = text.find_first_not_of(" \t\r");
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
 // Without letter case, for the letters of Windows-1252.
 std::string folded(std::string_view narrow) {
     std::string result;
@@ -47,13 +41,6 @@ std::string folded(std::string_view narrow) {
         result.push_back(static_cast<char>(capital ? code + 0x20 : code));
     }
     return result;
-}
-
-std::optional<size_t> numberIn(std::string_view text) {
-    size_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return number;
 }
 
 std::string quoted(std::string_view narrow) {
@@ -109,7 +96,8 @@ std::optional<std::string> chosenValue(const DialogItem& item, std::string_view 
     std::erase_if(rows, [](const OptionRow& r) { return !r.enabled; });
     const std::string wanted = folded(value);
     auto row = std::ranges::find_if(rows, [&](const OptionRow& r) { return folded(r.label) == wanted; });
-    if (const auto number = numberIn(value); row == rows.end() && number && *number >= 1 && *number <= rows.size())
+    if (const auto number = numberIn<size_t>(value);
+        row == rows.end() && number && *number >= 1 && *number <= rows.size())
         row = rows.begin() + static_cast<ptrdiff_t>(*number - 1);
     return row == rows.end() ? std::nullopt : std::optional(std::to_string(row->value));
 }
@@ -120,7 +108,7 @@ std::optional<int32_t> chosenRow(const DialogItem& item, std::string_view value)
     const int32_t count = Dialog::rowCount(item);
     for (int32_t row = 0; row < count; ++row)
         if (folded(Dialog::cellText(item, row, 0)) == wanted) return row;
-    const auto number = numberIn(value);
+    const auto number = numberIn<size_t>(value);
     const bool known = number && *number >= 1 && *number <= static_cast<size_t>(count);
     return known ? std::optional(static_cast<int32_t>(*number) - 1) : std::nullopt;
 }
@@ -188,7 +176,7 @@ std::optional<Followed> followLabel(Dialog& dialog, const std::vector<size_t>& i
 
 Followed resizeTo(Dialog& dialog, std::string_view size) {
     const size_t cross = std::min(size.find('x'), size.size() - 1);
-    const auto width = numberIn(size.substr(0, cross)), height = numberIn(size.substr(cross + 1));
+    const auto width = numberIn<size_t>(size.substr(0, cross)), height = numberIn<size_t>(size.substr(cross + 1));
     if (!width || !height || std::max(*width, *height) > mostPixels)
         return refused(quoted(size) + " isn't WIDTHxHEIGHT in pixels, such as 800x600.");
     DialogEvent event = eventOn(dialog, Dialog::noItem, DialogEvent::Kind::resize);
@@ -236,7 +224,7 @@ std::optional<Followed> followAnswer(Dialog& dialog, std::string_view answer) {
     const std::string_view name = trimmed(answer.substr(0, equals));
     const std::string_view text = equals == answer.npos ? std::string_view() : trimmed(answer.substr(equals + 1));
     const std::string_view* const value = equals == answer.npos ? nullptr : &text;
-    if (const auto number = numberIn(name)) return followNumber(dialog, *number, value);
+    if (const auto number = numberIn<size_t>(name)) return followNumber(dialog, *number, value);
     if (auto set = followLabel(dialog, usable(dialog, false), name, value)) return set;
     return followWord(dialog, answer);
 }

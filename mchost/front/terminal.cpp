@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <deque>
 #include <fstream>
@@ -14,6 +13,7 @@
 #include <utility>
 
 #include "mchost/base/charset.h"
+#include "mchost/base/words.h"
 #include "mchost/command/command.h"
 #include "mchost/command/input.h"
 #include "mchost/front/dialog_text.h"
@@ -32,12 +32,6 @@ constexpr std::string_view pointHelp =
     "and "
     "\"end\" ends the command.\n";
 
-std::string_view trimmed(std::string_view text) {
-    const size_t first = text.find_first_not_of(" \t\r");
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
-}
-
 bool isCallForHelp(std::string_view answer) {
     return trimmed(answer) == "help" || trimmed(answer) == "?";
 }
@@ -49,13 +43,6 @@ std::deque<std::string> linesOf(const std::string& path) {
     for (std::string line; std::getline(file, line);) lines.push_back(line);
     if (!file.eof()) throw std::runtime_error(path + ": the file of answers can't be read; check its name");
     return lines;
-}
-
-std::optional<size_t> numberIn(std::string_view text) {
-    size_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-    return number;
 }
 
 // ---- what is shown ----
@@ -373,7 +360,7 @@ class TerminalFrontEnd : public FrontEnd {
         if (answer == "show") return showWhole(dialog), true;
         if (!answer.starts_with(turn) || dialog.modal()) return false;
         const auto open = openDialogs();
-        const auto number = numberIn(trimmed(answer.substr(turn.size())));
+        const auto number = numberIn<size_t>(trimmed(answer.substr(turn.size())));
         if (!number || *number < 1 || *number > open.size()) {
             refuse("There is no open window of that number. " + windowList(dialog));
         } else {
