@@ -7,6 +7,8 @@ class SilentFrontEnd : public host::FrontEnd {
   public:
     void console(std::string_view) override {}
     void messageField(int, std::string_view) override {}
-    void messageCenter(int, std::string_view, std::string_view) override {}
-    bool runModal(host::Dialog&) override { return false; }
+    void message(const host::Message&) override {}
+    host::Event wait(const host::Awaited&, std::optional<std::chrono::milliseconds>) override {
+        return host::NobodyThere{};
+    }
 };

@@ -3,7 +3,8 @@
  *
  * All of it works without a session too (a process that only loads the library): there is then no application, memory
  * is plain memory, configuration variables are the process environment and what was defined, and console lines go to
- * standard error. */
+ * standard error. What such calls leave behind (variables, parameters, open resource files) lasts until a session begins
+ * or the process ends; a session begins with nothing of it, nor of the session before. */
 #ifndef HOST_MDL_SYSTEM_H
 #define HOST_MDL_SYSTEM_H
 

@@ -3,7 +3,7 @@
  * Conventions of the host interface: plain C, plain structures; 0 is success and MDL_ERROR (0x8000) failure unless a
  * call says otherwise; narrow text is Windows-1252, one byte a character, wide text is wchar_t; angles are radians,
  * counter-clockwise. A handle is owned by the caller of the function that created it. An out-pointer may be null where
- * its value isn't wanted, unless a call says otherwise. */
+ * its value isn't wanted, unless a call says otherwise. All calls of a process come from one thread. */
 #ifndef HOST_MDL_TYPES_H
 #define HOST_MDL_TYPES_H
 
