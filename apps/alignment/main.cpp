@@ -196,7 +196,10 @@ ExitStatus run(const std::vector<std::string>& arguments) {
         const std::optional<std::string> road =
             options->last ? lastFiles.last(roadFiles) : lastFiles.ask(roadFiles, "*.txt", "The road to draw");
         if (!road && options->last) return failed;
-        if (!road) return mcapp::failCall("the name of the input file is missing", usage), wrong;
+        if (!road) {
+            mcapp::failCall("the name of the input file is missing", usage);
+            return wrong;
+        }
         options->input = *road;
     }
     return work(*options, lastFiles) ? done : failed;

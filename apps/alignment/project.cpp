@@ -28,7 +28,7 @@ void takeText(char (&stored)[size], const std::string& text, const char* keyword
 
 Project Project::ofOpenDrawing() {
     Project project;
-    if (mdlModelRef_getActive() != nullptr) mclibProject_readProjectInfoFromDesignFile(&project.data_);
+    if (mdlModelRef_getActive()) mclibProject_readProjectInfoFromDesignFile(&project.data_);
     return project;
 }
 

@@ -72,24 +72,29 @@ bool setOption(Options& options, const std::string& name, const std::string& val
     return setSubject(options, value);
 }
 
+std::optional<Options> noOptions(const std::string& what) {
+    wrong(what);
+    return {};
+}
+
 std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
     Options options;
     for (size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         const size_t equals = argument.find('=');
         if (argument == "--tag" || argument == "--file" || argument == "--decimals") {
-            if (i + 1 == arguments.size()) return wrong(argument + " needs a value"), std::nullopt;
+            if (i + 1 == arguments.size()) return noOptions(argument + " needs a value");
             if (!setOption(options, argument, arguments[++i])) return {};
         } else if (argument.starts_with("--") && argument.size() > 2 &&
                    std::isalpha(static_cast<unsigned char>(argument[2]))) {
-            return wrong("there is no option " + argument), std::nullopt;
+            return noOptions("there is no option " + argument);
         } else if (equals != argument.npos) {
             options.given.push_back({argument.substr(0, equals), argument.substr(equals + 1)});
         } else if (!setSubject(options, argument)) {
             return {};
         }
     }
-    if (!options.subject) return wrong("a formula, --tag or --file is missing"), std::nullopt;
+    if (!options.subject) return noOptions("a formula, --tag or --file is missing");
     return options;
 }
 
@@ -99,8 +104,8 @@ std::optional<std::vector<GivenNumber>> numbersOf(const std::vector<Given>& give
     for (const Given& g : given) {
         const std::optional<double> value = numberIn<double>(g.value);
         if (!value) {
-            return wrong(g.name + " must be a number, not \"" + g.value + "\"" + mcapp::commaHint(g.value)),
-                   std::nullopt;
+            wrong(g.name + " must be a number, not \"" + g.value + "\"" + mcapp::commaHint(g.value));
+            return {};
         }
         numbers.push_back({g.name, *value});
     }
@@ -117,13 +122,18 @@ ExitStatus failAt(const std::string& subject, int column, const std::string& why
     return failed;
 }
 
+ExitStatus refused(const std::string& what) {
+    wrong(what);
+    return wrongCall;
+}
+
 ExitStatus calculate(const Options& options) {
     const auto numbers = numbersOf(options.given);
     if (!numbers) return wrongCall;
     Values values;
     for (const auto& [name, value] : *numbers) {
         const std::string why = values.numberNameRefusal(name);
-        if (!why.empty()) return wrong(why), wrongCall;
+        if (!why.empty()) return refused(why);
         values.addNumber(name, value, "");
     }
     const Outcome outcome = values.evaluate(*options.subject);
@@ -136,10 +146,9 @@ ExitStatus expandTag(const Options& options) {
     Values values;
     for (const auto& [name, text] : options.given) {
         const std::string why = values.textNameRefusal(name);
-        if (!why.empty()) return wrong(why), wrongCall;
+        if (!why.empty()) return refused(why);
         if (text.size() > longestTagText) {
-            return wrong("the text of " + name + " is longer than " + std::to_string(longestTagText) + " characters"),
-                   wrongCall;
+            return refused("the text of " + name + " is longer than " + std::to_string(longestTagText) + " characters");
         }
         values.addText(name, text);
     }

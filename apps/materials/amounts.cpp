@@ -17,7 +17,8 @@ std::string withThousands(std::string text, const std::string& divider) {
 
 std::string asNeeded(double value, size_t least, int ofLarge) {
     constexpr double small = 0.1, large = 1000;
-    std::string text = mcapp::shown(value, value < small ? 6 : value < large ? 3 : ofLarge);
+    const int ofOthers = value < small ? 6 : 3;
+    std::string text = mcapp::shown(value, value < large ? ofOthers : ofLarge);
     const size_t point = text.find('.');
     const size_t needed = text.find_last_not_of('0') + 1;
     text.resize(std::max(needed, point + 1 + least));

@@ -36,8 +36,8 @@ constexpr NamedColumn columns[] = {
     {"total",       Column::total},
 };
 
-// Texts of the title block that a list can bring, under the keys by which forms ask for them. Each line of a name is its
-// next row, from the first one told here.
+// Texts of the title block that a list can bring, under the keys by which forms ask for them. Each line of a name is
+// its next row, from the first one told here.
 struct NamedProjectText {
     const char* name;
     const char* key;

@@ -1,8 +1,8 @@
 /* Plots: the part of the active model inside a fence, on a page of paper, by a plotter.
  *
- * A plotter is told by a plot driver file, a text file with the suffix ".plt". Its lines are "name = value"; a line that
- * begins with "#" and an empty one are passed over; letter case counts in values only. What a line doesn't give has the
- * value in parentheses:
+ * A plotter is told by a plot driver file, a text file with the suffix ".plt". Its lines are "name = value"; a line
+ * that begins with "#" and an empty one are passed over; letter case counts in values only. What a line doesn't give
+ * has the value in parentheses:
  *
  *   output       pdf, png or svg: the kind of picture that a page becomes (pdf)
  *   extension    suffix of a plot file's name, with its "." or without; empty for none (that of the kind of picture)
@@ -60,8 +60,8 @@ MDL_EXPORT int mdlPlotDesc_plot(MdlPlotDesc *descr, const char *fileName);
 /* The name of the system printer; MDL_ERROR, with an empty text, when the plotter has none. */
 MDL_EXPORT int mdlPlotDesc_getSysPrinter(char *buffer, const MdlPlotDesc *descr);
 
-/* The plotter of the description, and the description's own as long as it lives; a plotter that is set is copied. A paper
- * that the new plotter hasn't got becomes its default one. */
+/* The plotter of the description, and the description's own as long as it lives; a plotter that is set is copied. A
+ * paper that the new plotter hasn't got becomes its default one. */
 MDL_EXPORT MdlPlotter *mdlPlotDesc_getPlotter(MdlPlotDesc *descr);
 MDL_EXPORT int mdlPlotDesc_setPlotter(MdlPlotDesc *descr, const MdlPlotter *plotter);
 
@@ -78,8 +78,8 @@ MDL_EXPORT int mdlPlotter_getInt(int32_t *value, const MdlPlotter *plotter, int3
 /* The length of the text; 0 for an empty one, -1 for another number. */
 MDL_EXPORT int mdlPlotter_getString(char *buffer, const MdlPlotter *plotter, int32_t which);
 /* Lets the user choose the system printer of the plotter, in the host's own dialog: `answer` becomes 2 when one was
- * chosen and 1 when not. MDL_ERROR when the system has no printer or nobody can answer. `mode` and `owner` are taken and
- * not used. */
+ * chosen and 1 when not. MDL_ERROR when the system has no printer or nobody can answer. `mode` and `owner` are taken
+ * and not used. */
 MDL_EXPORT int mdlPlotter_showSystemPrintdlg(int32_t *answer, MdlPlotter *plotter, int32_t mode, int32_t owner);
 
 #endif

@@ -21,8 +21,8 @@ typedef struct MdlPen {
     double tolerance;           /* how far lines may stray, in the units of their points; above 0 */
     const Transform *transform; /* elements are transformed with it first, in UOR; null: they aren't */
     const Range3d *range;       /* in UOR: what lies outside, as seen from above, is left out; null: nothing is */
-    /* Asked about every element, headers too, as it stands in the descriptor: other than 0 leaves it out. The components
-     * of a header are asked about all the same. Null: none is left out. */
+    /* Asked about every element, headers too, as it stands in the descriptor: other than 0 leaves it out. The
+     * components of a header are asked about all the same. Null: none is left out. */
     int (*skip)(void *userArg, const ElementDescr *node);
     /* A line, or an outline whose last point is its first. A complex shape is one outline. Pens that know more than
      * straight lines look at the type of the element. */
@@ -32,8 +32,8 @@ typedef struct MdlPen {
 } MdlPen;
 
 /* Takes chain and components apart, in their order. Points are given in the current system, as mdlElement_stroke does.
- * Elements without a look of their own (headers, application data) and those that can't be stroked or transformed are left
- * out. MDL_ERROR without a pen, for a tolerance that isn't above 0, and when memory is out. */
+ * Elements without a look of their own (headers, application data) and those that can't be stroked or transformed are
+ * left out. MDL_ERROR without a pen, for a tolerance that isn't above 0, and when memory is out. */
 MDL_EXPORT int mdlElmdscr_walk(const ElementDescr *ed, const MdlPen *pen);
 
 #endif

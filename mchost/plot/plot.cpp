@@ -21,7 +21,7 @@ enum { ANSWER_NONE = 1, ANSWER_CHOSEN = 2 };
 // Cut to what a buffer of the interface holds; the length.
 int give(char* buffer, const std::string& utf8) {
     const std::string narrow = narrowFromUtf8(utf8).text.substr(0, MDL_PLOT_TEXT_BYTES - 1);
-    if (buffer != nullptr) std::memcpy(buffer, narrow.c_str(), narrow.size() + 1);
+    if (buffer) std::memcpy(buffer, narrow.c_str(), narrow.size() + 1);
     return static_cast<int>(narrow.size());
 }
 
@@ -40,7 +40,7 @@ using namespace host;
 
 MdlPlotDesc* mdlPlotDesc_createFromTCBAndPltFile(const char* pltFile) {
     return guarded<MdlPlotDesc*>(nullptr, [&]() -> MdlPlotDesc* {
-        if (pltFile == nullptr || *pltFile == '\0') {
+        if (!pltFile || *pltFile == '\0') {
             throw std::runtime_error("There is no plot: no plot driver file (.plt) is chosen.");
         }
         PlotDriver driver = readPlotDriver(systemPath(pltFile));
@@ -64,44 +64,44 @@ int mdlPlotDesc_setPaperSize(MdlPlotDesc* descr, const char* name) {
 
 int mdlPlotDesc_getPaperSize(char* buffer, const MdlPlotDesc* descr) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (descr == nullptr) return MDL_ERROR;
+        if (!descr) return MDL_ERROR;
         give(buffer, descr->plotter.driver.papers[descr->paper].name);
         return MDL_SUCCESS;
     });
 }
 
 int mdlPlotDesc_setUnits(MdlPlotDesc* descr, int32_t units) {
-    return descr != nullptr && units == UNITS_MILLIMETRES ? int{MDL_SUCCESS} : int{MDL_ERROR};
+    return descr && units == UNITS_MILLIMETRES ? int{MDL_SUCCESS} : int{MDL_ERROR};
 }
 
 int mdlPlotDesc_setViewFlags(MdlPlotDesc* descr, const ViewFlags* flags) {
-    return descr != nullptr && flags != nullptr ? int{MDL_SUCCESS} : int{MDL_ERROR};
+    return descr && flags ? int{MDL_SUCCESS} : int{MDL_ERROR};
 }
 
 int mdlPlotDesc_setFenceFromTCB(MdlPlotDesc* descr, int32_t use) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (descr == nullptr) return MDL_ERROR;
+        if (!descr) return MDL_ERROR;
         const Fence* fence = activeFence();
-        if (use != 0 && (fence == nullptr || !hasExtent(*fence))) return MDL_ERROR;
+        if (use != 0 && (!fence || !hasExtent(*fence))) return MDL_ERROR;
         descr->area = use != 0 ? std::optional(*fence) : std::nullopt;
         return MDL_SUCCESS;
     });
 }
 
 int mdlPlotDesc_setNumCopies(MdlPlotDesc* descr, int32_t copies) {
-    if (descr == nullptr || copies < 1) return MDL_ERROR;
+    if (!descr || copies < 1) return MDL_ERROR;
     descr->copies = copies;
     return MDL_SUCCESS;
 }
 
 int mdlPlotDesc_maximize(MdlPlotDesc* descr) {
-    return descr != nullptr && descr->area ? int{MDL_SUCCESS} : int{MDL_ERROR};
+    return descr && descr->area ? int{MDL_SUCCESS} : int{MDL_ERROR};
 }
 
 int mdlPlotDesc_plot(MdlPlotDesc* descr, const char* fileName) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (descr == nullptr) return MDL_ERROR;
-        const auto failure = plot(*descr, fileName == nullptr ? std::string() : systemPath(fileName));
+        if (!descr) return MDL_ERROR;
+        const auto failure = plot(*descr, !fileName ? std::string() : systemPath(fileName));
         if (!failure) return MDL_SUCCESS;
         reportError(narrowFromUtf8(*failure).text.c_str());
         return MDL_ERROR;
@@ -110,18 +110,18 @@ int mdlPlotDesc_plot(MdlPlotDesc* descr, const char* fileName) {
 
 int mdlPlotDesc_getSysPrinter(char* buffer, const MdlPlotDesc* descr) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        const std::string printer = descr == nullptr ? std::string() : descr->plotter.driver.printer;
+        const std::string printer = !descr ? std::string() : descr->plotter.driver.printer;
         return give(buffer, printer) > 0 ? MDL_SUCCESS : MDL_ERROR;
     });
 }
 
 MdlPlotter* mdlPlotDesc_getPlotter(MdlPlotDesc* descr) {
-    return descr == nullptr ? nullptr : &descr->plotter;
+    return !descr ? nullptr : &descr->plotter;
 }
 
 int mdlPlotDesc_setPlotter(MdlPlotDesc* descr, const MdlPlotter* plotter) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (descr == nullptr || plotter == nullptr) return MDL_ERROR;
+        if (!descr || !plotter) return MDL_ERROR;
         PlotDriver driver = plotter->driver;
         const size_t paper = findPaper(driver, descr->plotter.driver.papers[descr->paper].name);
         descr->paper = paper == SIZE_MAX ? driver.defaultPaper : paper;
@@ -131,20 +131,20 @@ int mdlPlotDesc_setPlotter(MdlPlotDesc* descr, const MdlPlotter* plotter) {
 }
 
 int mdlPlotter_getInt(int32_t* value, const MdlPlotter* plotter, int32_t which) {
-    if (plotter == nullptr) return MDL_ERROR;
+    if (!plotter) return MDL_ERROR;
     bool is = false;
     switch (which) {
         case MDL_PLOTTER_HAS_OUTPUT_NAME: is = !plotter->driver.outputName.empty(); break;
         case MDL_PLOTTER_IS_SYSTEM: is = !plotter->driver.printer.empty(); break;
         default: return MDL_ERROR;
     }
-    if (value != nullptr) *value = is;
+    if (value) *value = is;
     return MDL_SUCCESS;
 }
 
 int mdlPlotter_getString(char* buffer, const MdlPlotter* plotter, int32_t which) {
     return guarded<int>(-1, [&]() -> int {
-        if (plotter == nullptr) return -1;
+        if (!plotter) return -1;
         switch (which) {
             case MDL_PLOTTER_OUTPUT_NAME: return give(buffer, plotter->driver.outputName);
             case MDL_PLOTTER_EXTENSION: return give(buffer, plotter->driver.extension);
@@ -155,11 +155,11 @@ int mdlPlotter_getString(char* buffer, const MdlPlotter* plotter, int32_t which)
 
 int mdlPlotter_showSystemPrintdlg(int32_t* answer, MdlPlotter* plotter, int32_t, int32_t) {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (plotter == nullptr) return MDL_ERROR;
+        if (!plotter) return MDL_ERROR;
         const auto choice = choosePrinter(plotter->driver.printer);
         if (!choice) return MDL_ERROR;
         if (choice->chosen) plotter->driver.printer = choice->name;
-        if (answer != nullptr) *answer = choice->chosen ? ANSWER_CHOSEN : ANSWER_NONE;
+        if (answer) *answer = choice->chosen ? ANSWER_CHOSEN : ANSWER_NONE;
         return MDL_SUCCESS;
     });
 }

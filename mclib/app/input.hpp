@@ -169,7 +169,7 @@ inline Input::~Input() {
 
 inline const McFile* Input::current() const {
     const McFile* file = fii_.file;
-    while (file->child != nullptr) file = file->child;
+    while (file->child) file = file->child;
     return file;
 }
 
@@ -238,7 +238,7 @@ inline bool Input::failHere(const std::string& what) {
     failed_ = true;
     if (++errors_ > mostErrors) return false;
     std::string lines(2 * std::strlen(fii_.line) + 3, '\0');
-    if (mclibFii_makeErr2(&fii_, lines.data(), static_cast<int>(lines.size())) == nullptr) lines.clear();
+    if (!mclibFii_makeErr2(&fii_, lines.data(), static_cast<int>(lines.size()))) lines.clear();
     lines.resize(std::strlen(lines.c_str()));
     const auto column = fii_.position - fii_.line + 1;
     return fail(fileName() + ", line " + std::to_string(lineNumber()) + ", column " + std::to_string(column) + ": " +
@@ -284,7 +284,7 @@ inline bool Input::wholeNumber(int& value, const char* what) {
 inline bool Input::text(std::string& value, const char* what) {
     if (!startsWith("\"")) return failHere(detail::missing(what) + ": a text in double quotes");
     const char* const closing = std::strchr(fii_.position + 1, '"');
-    if (closing == nullptr) return failHere("the text has no closing quote");
+    if (!closing) return failHere("the text has no closing quote");
     const size_t length = closing - fii_.position - 1;
     if (length > longestText) {
         return failHere("the text has " + std::to_string(length) + " characters; " + std::to_string(longestText) +
@@ -320,7 +320,7 @@ inline bool Input::endOfLine() {
 inline bool Input::isKeyword(const char* name) {
     char* const before = fii_.position;
     if (mclibFii_isText(&fii_, name) != MCLIB_SUCCESS) return false;
-    if (*fii_.position == '\0' || std::strchr(detail::blanks, *fii_.position) != nullptr) {
+    if (*fii_.position == '\0' || std::strchr(detail::blanks, *fii_.position)) {
         mclibFii_eol(&fii_);
         return true;
     }

@@ -125,7 +125,11 @@ struct Pieces {
 inline Pieces piecesOf(std::string_view text) {
     Pieces out;
     size_t from = 0, open = 0, at = 0;
-    const auto fault = [&](std::string_view what, size_t place) { out.fault = what, out.faultAt = place; };
+    const auto withFault = [&](std::string_view what) {
+        out.fault = what;
+        out.faultAt = at;
+        return out;
+    };
     const auto end = [&](char divider) {
         std::string_view piece = text.substr(from, at - from);
         piece.remove_prefix(std::min(piece.find_first_not_of(' '), piece.size()));
@@ -138,16 +142,15 @@ inline Pieces piecesOf(std::string_view text) {
         if (c == '\'' && at + 2 < text.size() && text[at + 2] == '\'') at += 2;
         if (c == '"') {
             const size_t closing = text.find('"', at + 1);
-            if (closing == text.npos) return fault("the quote isn't closed", at), out;
+            if (closing == text.npos) return withFault("the quote isn't closed");
             at = closing;
         }
         if (c == '(') ++open;
-        if (c == ')' && open-- == 0) return fault("there is no bracket that this one closes", at), out;
+        if (c == ')' && open-- == 0) return withFault("there is no bracket that this one closes");
         if (c == '+' || c == '(' || c == ')' || c == ',') end(c);
     }
     end('\0');
-    if (open > 0) fault("a bracket isn't closed", text.size());
-    return out;
+    return open > 0 ? withFault("a bracket isn't closed") : out;
 }
 
 // Whether a piece can be the name of a text: no quoted one, no position, no function, no side of extstr.
