@@ -175,6 +175,6 @@ void print::walkPage(const PrintDriver& driver, void* job, const PaperPage& page
                             .skip = isOfOtherPass,
                             .line = driver.stroke ? printLine : nullptr,
                             .text = driver.label ? printText : nullptr};
-        mdlElmdscr_walk(page.descr, &pen);
+        mdlElmdscr_walk(page.descr, &pen);  // what memory doesn't suffice for shows in the job's status
     }
 }
