@@ -1,5 +1,4 @@
 // Pictures of descriptors and models as files.
-#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
@@ -18,24 +17,9 @@
 namespace host {
 namespace {
 
-struct Suffix {
-    std::string_view text;
-    PictureKind kind;
-};
-constexpr auto suffixes = std::to_array<Suffix>({
-    {".png", PictureKind::png},
-    {".svg", PictureKind::svg},
-    {".pdf", PictureKind::pdf},
-});
-
-constexpr double mostMm = 10000, mostPixels = 30000;
-
 std::optional<PictureKind> kindOf(const std::filesystem::path& path) {
-    std::string suffix = path.extension().string();
-    for (char& c : suffix) c = static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-    for (const Suffix& row : suffixes)
-        if (row.text == suffix) return row.kind;
-    return {};
+    const std::string suffix = path.extension().string();
+    return suffix.empty() ? std::nullopt : pictureKindNamed(std::string_view(suffix).substr(1));
 }
 
 int fail(const std::string& path, const char* why) {
@@ -67,7 +51,7 @@ bool isUsable(const Range3d& r) {
 int writePicture(const std::string& path, const ElementDescr* ed, const Range3d* given, double widthMm, double dpi) {
     const auto kind = kindOf(path);
     if (!kind) return fail(path, "the name must end in .png, .svg or .pdf");
-    if (!(widthMm > 0 && widthMm <= mostMm)) return fail(path, "the width must be above 0 and at most 10000 mm");
+    if (!(widthMm > 0 && widthMm <= longestSideMm)) return fail(path, "the width must be above 0 and at most 10000 mm");
     if (*kind == PictureKind::png && !(dpi > 0)) return fail(path, "the resolution must be above 0");
     Range3d range;
     if (given)
@@ -78,8 +62,8 @@ int writePicture(const std::string& path, const ElementDescr* ed, const Range3d*
         return fail(path, "there is nothing to show");
     if (!isUsable(range)) return fail(path, "the range to show is empty");
     const double heightMm = widthMm * ((range.high.y - range.low.y) / (range.high.x - range.low.x));
-    const bool tooLarge = *kind == PictureKind::png && std::max(widthMm, heightMm) / 25.4 * dpi > mostPixels;
-    if (!(heightMm > 0 && heightMm <= mostMm) || tooLarge)
+    const bool tooLarge = *kind == PictureKind::png && std::max(widthMm, heightMm) / mmPerInch * dpi > mostPixels;
+    if (!(heightMm > 0 && heightMm <= longestSideMm) || tooLarge)
         return fail(path, "it would be too large; take a smaller width or resolution");
 
     const Draft draft(path);

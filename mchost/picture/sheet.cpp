@@ -11,9 +11,9 @@
 #include <charconv>
 #include <cmath>
 #include <numbers>
-#include <string_view>
 
 #include "mchost/base/charset.h"
+#include "mchost/base/words.h"
 #include "mchost/element/advances.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
@@ -24,7 +24,7 @@
 namespace host {
 namespace {
 
-constexpr double mmPerInch = 25.4, pointsPerInch = 72;
+constexpr double pointsPerInch = 72;
 constexpr double penRoom = 0.5;  // mm: for lines that lie on the edge of a picture
 
 constexpr size_t mostDashes = 32;
@@ -104,6 +104,13 @@ std::string utf8Of(const TextView& text) {
 }
 
 }  // namespace
+
+std::optional<PictureKind> pictureKindNamed(std::string_view name) {
+    if (sameName(name, "png")) return PictureKind::png;
+    if (sameName(name, "svg")) return PictureKind::svg;
+    if (sameName(name, "pdf")) return PictureKind::pdf;
+    return std::nullopt;
+}
 
 double penWidth(const MdlLook& look, double mmPerMaster) {
     if (look.styleWidth > 0 && std::isfinite(look.styleWidth)) return look.styleWidth * mmPerMaster;

@@ -5,8 +5,10 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "mchost/element/text.h"
@@ -26,6 +28,11 @@ double penWidth(const MdlLook& look, double mmPerMaster);
 std::vector<double> dashesOf(const MdlLook& look, double mmPerMaster);
 
 enum class PictureKind { png, svg, pdf };
+// By name, in any letter case, which behind a dot is the suffix of their files; nothing for another one.
+std::optional<PictureKind> pictureKindNamed(std::string_view name);
+
+constexpr double mmPerInch = 25.4;
+constexpr double longestSideMm = 10000, mostPixels = 30000;  // of a picture's side
 
 // A page of paper with a picture on it, which is cut off behind the pens of lines on its edges. Millimetres from the
 // upper left corner.

@@ -62,7 +62,7 @@ int32_t pixel(double value) {
     return static_cast<int32_t>(std::lround(nearby(value)));
 }
 
-constexpr double screenPixelsPerMm = 96 / 25.4;
+constexpr double screenPixelsPerMm = 96 / mmPerInch;
 
 // Draws into the display list of a dialog.
 class WindowPen {

@@ -1,5 +1,4 @@
 #include "mchost/plot/driver.h"
-#include "mchost/base/words.h"
 
 #include <algorithm>
 #include <array>
@@ -9,20 +8,10 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "mchost/base/words.h"
+
 namespace host {
 namespace {
-
-constexpr double mostPaperMm = 10000;
-
-struct OutputKind {
-    std::string_view name, extension;
-    PictureKind kind;
-};
-constexpr auto outputKinds = std::to_array<OutputKind>({
-    {"pdf", ".pdf", PictureKind::pdf},
-    {"png", ".png", PictureKind::png},
-    {"svg", ".svg", PictureKind::svg},
-});
 
 struct StandardPaper {
     std::string_view name;
@@ -52,10 +41,10 @@ struct Draft {
 };
 
 const char* takeOutput(Draft& draft, std::string_view value) {
-    const auto row = std::ranges::find_if(outputKinds, [&](const OutputKind& k) { return sameName(k.name, value); });
-    if (row == outputKinds.end()) return "the output is pdf, png or svg";
-    draft.driver.kind = row->kind;
-    if (!draft.extensionGiven) draft.driver.extension = row->extension;
+    const auto kind = pictureKindNamed(value);
+    if (!kind) return "the output is pdf, png or svg";
+    draft.driver.kind = *kind;
+    if (!draft.extensionGiven) draft.driver.extension = "." + lowerCase(value);
     return nullptr;
 }
 
@@ -87,7 +76,7 @@ const char* takePaper(Draft& draft, std::string_view value) {
     std::istringstream words{std::string(value)};
     std::string name, width, height, more;
     words >> name >> width >> height >> more;
-    const auto w = numberBetween(width, 1, mostPaperMm), h = numberBetween(height, 1, mostPaperMm);
+    const auto w = numberBetween(width, 1, longestSideMm), h = numberBetween(height, 1, longestSideMm);
     if (!w || !h || !more.empty()) return "a paper is NAME WIDTH HEIGHT, in millimetres from 1 to 10000";
     if (findPaper(draft.driver, name) != SIZE_MAX) return "there is a paper of that name already";
     draft.driver.papers.push_back({name, *w, *h});

@@ -22,8 +22,6 @@ namespace fs = std::filesystem;
 
 using Failure = std::optional<std::string>;
 
-constexpr double mostPixels = 30000, mmPerInch = 25.4;
-
 // Where the picture lies on the paper.
 struct Fit {
     Range3d range;  // in the axes of the view

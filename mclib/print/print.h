@@ -27,7 +27,7 @@ enum {
     PRINT_DEVICE_TO_PRINTER = 1,  /* its files can be sent to a printer */
     PRINT_DEVICE_BY_HOST = 2,     /* it makes no files: the host plots from the drawing */
     PRINT_DEVICE_TEXT_ONLY = 4,   /* its files are plain text in Windows-1252, and show texts alone */
-    PRINT_DEVICE_ONE_PAGE = 8,    /* mclibPrint_newPage does nothing: all of a job lies on one sheet */
+    PRINT_DEVICE_ONE_PAGE = 8,    /* a job is one page: mclibPrint_newPage does nothing */
     PRINT_DEVICE_QUARTER_TURN = 16 /* pictures are turned by a quarter, counter-clockwise */
 };
 
