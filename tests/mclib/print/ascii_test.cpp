@@ -23,20 +23,10 @@ struct Text {
 
 class Ascii : public PrintFileTest {
   protected:
-    // The file of a job, without the line feed at its end.
-    template <class Draw>
-    std::string job(Draw drawTexts) {
-        EXPECT_EQ(mclibAscii_fopen(file.c_str()), 1);
-        drawTexts();
-        mclibAscii_fclose();
-        EXPECT_EQ(mclibAscii_jobStatus(), MCLIB_SUCCESS);
-        std::string all = read(file);
-        EXPECT_TRUE(all.ends_with('\n'));
-        return all.substr(0, all.size() - 1);
-    }
+    Ascii() : PrintFileTest({mclibAscii_fopen, mclibAscii_fclose, mclibAscii_jobStatus, "", "\n"}) {}
 
     std::string laidOut(const std::vector<Text>& texts) {
-        return job([&] {
+        return page([&] {
             for (const Text& t : texts) draw(t.x, t.y, t.text);
         });
     }
@@ -78,9 +68,9 @@ TEST_F(Ascii, OnlyTextsAlongTheLinesCount) {
                                        {90.0, false},
                                        {180.0, false},
                                        {std::nan(""), false}})
-        EXPECT_EQ(job([&] { draw(0, 0, "text", angle); }), taken ? "text" : "") << angle;
+        EXPECT_EQ(page([&] { draw(0, 0, "text", angle); }), taken ? "text" : "") << angle;
     // What is left out doesn't move the left edge.
-    EXPECT_EQ(job([] { draw(-50, 0, "turned", 90), draw(0, 0, "level"); }), "level");
+    EXPECT_EQ(page([] { draw(-50, 0, "turned", 90), draw(0, 0, "level"); }), "level");
 }
 
 // The comparison is no ordering where a row slopes; then the rows are as good as may be, but nothing is lost.
@@ -120,7 +110,7 @@ TEST_F(Ascii, TextsInSenselessPlacesNeitherHangNorFillTheDisk) {
 }
 
 TEST_F(Ascii, TextWithoutMemoryIsLeftOut) {
-    EXPECT_EQ(job([] {
+    EXPECT_EQ(page([] {
                   draw(0, 0, "kept");
                   host::failMemoryFrom(1);
                   draw(20, 0, std::string(100000, 'x'));
@@ -131,15 +121,8 @@ TEST_F(Ascii, TextWithoutMemoryIsLeftOut) {
 }
 
 TEST_F(Ascii, NothingIsTakenWithoutAJob) {
-    const auto drawAll = [] {
+    expectNothingIsDrawnWithoutAJob([] {
         draw(0, 0, "lost");
         mclibAscii_newPage();
-        mclibAscii_fclose();
-    };
-    drawAll();
-    EXPECT_EQ(mclibAscii_jobStatus(), MCLIB_SUCCESS);
-    EXPECT_EQ(mclibAscii_fopen((folder / "no folder" / "page").c_str()), 0);
-    drawAll();
-    EXPECT_EQ(mclibAscii_jobStatus(), MCLIB_ERROR);
-    EXPECT_EQ(laidOut({}), "");
+    });
 }

@@ -63,15 +63,6 @@ TEST_F(Devices, WholePageIsTheGolden) {
     for (const Device& device : devices) expectGolden(job(device.number), std::string("page.") + device.name);
 }
 
-TEST_F(Devices, TwoJobsInARowGiveTheSameBytes) {
-    mixedPage();
-    for (const Device& device : devices) {
-        SCOPED_TRACE(device.name);
-        const std::string once = job(device.number);
-        EXPECT_EQ(job(device.number), once);
-    }
-}
-
 TEST_F(Devices, SecondPageIsLikeTheFirst) {
     mixedPage();
     struct Case {

@@ -7,22 +7,11 @@
 
 namespace {
 
-const std::string setUp = "IN;PU;VS80;IP,603,521,10603,7721;SP1;CS32;\n", pageEnd = "PU;PA0,0;PG;\n";
-
 class HpGl : public PrintFileTest {
   protected:
-    // What drawing writes to a page.
-    template <class Draw>
-    std::string page(Draw draw) {
-        EXPECT_EQ(mclibHpgl_fopen(file.c_str()), 1);
-        draw();
-        mclibHpgl_fclose();
-        EXPECT_EQ(mclibHpgl_jobStatus(), MCLIB_SUCCESS);
-        const std::string all = read(file);
-        EXPECT_TRUE(all.starts_with(setUp));
-        EXPECT_TRUE(all.ends_with(pageEnd));
-        return all.substr(setUp.size(), all.size() - setUp.size() - pageEnd.size());
-    }
+    HpGl()
+        : PrintFileTest({mclibHpgl_fopen, mclibHpgl_fclose, mclibHpgl_jobStatus,
+                         "IN;PU;VS80;IP,603,521,10603,7721;SP1;CS32;\n", "PU;PA0,0;PG;\n"}) {}
 
     // The text is changed as the caller sees it.
     std::string label(std::string& text, int just, double height = 10, double angle = 0) {
@@ -69,28 +58,17 @@ TEST_F(HpGl, NorwegianLettersBecomeThePlottersBytesInTheCallersTextToo) {
     EXPECT_TRUE(label(longText, 2).ends_with("LB" + std::string(100000, '}') + "\3\n"));
 }
 
-TEST_F(HpGl, EachPageEndsWithAPageFeed) {
-    EXPECT_EQ(page([] { mclibHpgl_newPage(), mclibHpgl_newPage(); }), pageEnd + pageEnd);
-}
-
 TEST_F(HpGl, NothingIsDrawnWithoutAJobOrByCallsThatTheDeviceLacks) {
     const auto lacking = [] {
         mclibHpgl_drawLine(1, 2, 3, 4, 5);
         mclibHpgl_drawArc(0, 0, 1, 0, 1, 1);
         mclibHpgl_fillCirc(0, 0, 1, 0, 1, 1);
     };
-    const auto drawAll = [&] {
+    EXPECT_EQ(page(lacking), "");
+    expectNothingIsDrawnWithoutAJob([&] {
         char text[] = "\xE6";
-        lacking();
         mclibHpgl_drawPolyline(corner, 3, 1, -1);
         mclibHpgl_drawText(0, 0, text, 1, 0, 0);
         mclibHpgl_newPage();
-        mclibHpgl_fclose();
-    };
-    drawAll();
-    EXPECT_EQ(mclibHpgl_jobStatus(), MCLIB_SUCCESS);
-    EXPECT_EQ(mclibHpgl_fopen((folder / "no folder" / "page").c_str()), 0);
-    drawAll();
-    EXPECT_EQ(mclibHpgl_jobStatus(), MCLIB_ERROR);
-    EXPECT_EQ(page(lacking), "");
+    });
 }

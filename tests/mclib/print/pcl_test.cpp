@@ -15,18 +15,9 @@ const std::string portrait = "\33E\33&l26a0O\33*c5952x8418Y\33&l0E\33*p0x0Y\33*c
 
 class Pcl : public PrintFileTest {
   protected:
-    // What drawing writes to a page.
-    template <class Draw>
-    std::string page(Draw draw) {
-        EXPECT_EQ(mclibPcl_fopen(file.c_str(), 9), 1);
-        draw();
-        mclibPcl_fclose();
-        EXPECT_EQ(mclibPcl_jobStatus(), MCLIB_SUCCESS);
-        const std::string all = read(file), end = pageEnd + jobEnd;
-        EXPECT_TRUE(all.starts_with(portrait));
-        EXPECT_TRUE(all.ends_with(end));
-        return all.substr(portrait.size(), all.size() - portrait.size() - end.size());
-    }
+    Pcl()
+        : PrintFileTest({[](const char* name) { return mclibPcl_fopen(name, 9); }, mclibPcl_fclose, mclibPcl_jobStatus,
+                         portrait, pageEnd + jobEnd}) {}
 };
 
 std::string font(int size, const char* direction) {
@@ -129,17 +120,10 @@ TEST_F(Pcl, NothingIsDrawnWithoutAJobOrByCallsThatTheDeviceLacks) {
         mclibPcl_drawArc(0, 0, 1, 0, 1, 1);
         mclibPcl_fillCirc(0, 0, 1, 0, 1, 1);
     };
-    const auto drawAll = [&] {
-        lacking();
+    EXPECT_EQ(page(lacking), "");
+    expectNothingIsDrawnWithoutAJob([] {
         mclibPcl_drawPolylineExtended(corner, 3, 1, 3, 1, 0);
         mclibPcl_drawText(0, 0, "x", 1, 0, 0);
         mclibPcl_newPage();
-        mclibPcl_fclose();
-    };
-    drawAll();
-    EXPECT_EQ(mclibPcl_jobStatus(), MCLIB_SUCCESS);
-    EXPECT_EQ(mclibPcl_fopen((folder / "no folder" / "page").c_str(), 9), 0);
-    drawAll();
-    EXPECT_EQ(mclibPcl_jobStatus(), MCLIB_ERROR);
-    EXPECT_EQ(page(lacking), "");
+    });
 }

@@ -13,19 +13,8 @@ namespace {
 
 class PostScript : public PrintFileTest {
   protected:
-    // What drawing writes to a page.
-    template <class Draw>
-    std::string page(Draw draw) {
-        EXPECT_EQ(mclibPs_fopen(file.c_str()), 1);
-        draw();
-        mclibPs_fclose();
-        EXPECT_EQ(mclibPs_jobStatus(), MCLIB_SUCCESS);
-        const std::string all = read(file);
-        const std::string end = "showpage\n";
-        EXPECT_TRUE(all.starts_with(psProlog));
-        EXPECT_TRUE(all.ends_with(end));
-        return all.substr(psProlog.size(), all.size() - psProlog.size() - end.size());
-    }
+    PostScript()
+        : PrintFileTest({mclibPs_fopen, mclibPs_fclose, mclibPs_jobStatus, std::string(psProlog), "showpage\n"}) {}
 
     std::string text(const std::string& characters, int just = 2) {
         return page([&] { mclibPs_drawText(0, 0, characters.c_str(), 1, 0, just); });
@@ -108,31 +97,6 @@ TEST_F(PostScript, OddNumbersStayInTheirLines) {
     EXPECT_EQ(page([&] { mclibPs_drawPolyline(points, 1, 0, -1); }), "0.00 setlinewidth\n-0.00 inf moveto\nstroke\n");
 }
 
-TEST_F(PostScript, LargeJobHasAllItsLinesInOrder) {
-    const std::string lines = page([] {
-        for (int i = 0; i < 20000; ++i) mclibPs_drawPolyline(corner, 1, i, -1);
-    });
-    std::istringstream in(lines);
-    std::string line;
-    for (int i = 0; i < 20000; ++i) {
-        char expected[64];
-        std::snprintf(expected, sizeof expected, "%.2f setlinewidth", i * 2.834645651435303);
-        std::getline(in, line);
-        ASSERT_EQ(line, expected);
-        std::getline(in, line);
-        std::getline(in, line);
-    }
-    EXPECT_TRUE(in.peek() == EOF);
-}
-
-TEST_F(PostScript, PagesEndWithShowpage) {
-    mclibPs_fopen(file.c_str());
-    mclibPs_newPage();
-    mclibPs_newPage();
-    mclibPs_fclose();
-    EXPECT_EQ(read(file), std::string(psProlog) + "showpage\nshowpage\nshowpage\n");
-}
-
 // The rest of Windows-1252 is set up before the first text that needs it, on each page that does.
 TEST_F(PostScript, LettersBeyondTheHeadAreSetUpOnThePagesThatNeedThem) {
     const auto pages = [this] {
@@ -180,7 +144,7 @@ TEST_F(PostScript, EpsFileIsCopiedAsItIs) {
 }
 
 TEST_F(PostScript, NothingIsDrawnWithoutAJob) {
-    const auto drawAll = [&] {
+    expectNothingIsDrawnWithoutAJob([&] {
         mclibPs_drawLine(1, 2, 3, 4, 5);
         mclibPs_drawPolylineExtended(corner, 3, 1, "", 0);
         mclibPs_drawText(0, 0, "x", 1, 0, 0);
@@ -188,13 +152,5 @@ TEST_F(PostScript, NothingIsDrawnWithoutAJob) {
         mclibPs_fillCirc(0, 0, 1, 0, 1, 1);
         EXPECT_EQ(mclibPs_includeEPSFile(file.c_str(), 1, 1, 0, 0, 0), 0);
         mclibPs_newPage();
-        mclibPs_fclose();
-    };
-    drawAll();
-    EXPECT_EQ(mclibPs_jobStatus(), MCLIB_SUCCESS);
-    EXPECT_EQ(mclibPs_fopen((folder / "no folder" / "page.ps").c_str()), 0);
-    EXPECT_EQ(mclibPs_jobStatus(), MCLIB_ERROR);
-    drawAll();
-    EXPECT_EQ(mclibPs_jobStatus(), MCLIB_ERROR);
-    EXPECT_EQ(page([] {}), "");  // the next job is a good one
+    });
 }
