@@ -78,13 +78,6 @@ TEST(RasterLines, StopOnePixelShortWhenStraightAndKeepBothEndsWhenSloping) {
     }
 }
 
-TEST(RasterLines, OriginIsTheLowerLeftPixel) {
-    Picture picture(4, 2);
-    const int origin[] = {100, -50};
-    picture.draw({101, -50, 103, -50}, 1, origin);
-    EXPECT_EQ(picture.text(), "....\n.##.\n");
-}
-
 class RasterMessages : public SessionTest {};
 
 TEST_F(RasterMessages, ProgressComesAtEveryThousandthLine) {
@@ -251,20 +244,6 @@ TEST(Raster, NothingIsWrittenWhereThereIsNoBitmap) {
         mclibRaster_fillShape(points, count, atZero, 8, picture.size, picture.bytes.data(), 1);
     }
     EXPECT_EQ(picture.text(), Picture(8, 8).text());
-}
-
-TEST(Raster, ClearIsTheInverseOfSet) {
-    std::vector<int> star;
-    for (int i = 0; i <= 41; ++i) {
-        star.push_back(100 + static_cast<int>(std::lround(99 * std::cos(i * 2 * M_PI * 20 / 41))));
-        star.push_back(100 + static_cast<int>(std::lround(99 * std::sin(i * 2 * M_PI * 20 / 41))));
-    }
-    Picture set(201, 201), cleared(201, 201, 0xFF);
-    set.draw(star);
-    set.fill(star);
-    cleared.draw(star, 0);
-    cleared.fill(star, 2);
-    for (size_t i = 0; i < set.bytes.size(); ++i) ASSERT_EQ(set.bytes[i] ^ cleared.bytes[i], 0xFF);
 }
 
 }  // namespace

@@ -141,15 +141,7 @@ TEST_F(Print, TextsStandOnTheirBaseLine) {
              Case{0, "56.69", "21.26", "_dtfl"},
              Case{1, "56.69", "24.80", "_dtfl"},
              Case{2, "56.69", "28.35", "_dtfl"},
-             Case{3, "56.69", "21.26", "_dtfl"},
-             Case{5, "56.69", "28.35", "_dtfl"},
-             Case{6, "56.69", "21.26", "_dtfc"},
              Case{7, "56.69", "24.80", "_dtfc"},
-             Case{8, "56.69", "28.35", "_dtfc"},
-             Case{9, "56.69", "21.26", "_dtfr"},
-             Case{11, "56.69", "28.35", "_dtfr"},
-             Case{12, "56.69", "21.26", "_dtfr"},
-             Case{13, "56.69", "24.80", "_dtfr"},
              Case{14, "56.69", "28.35", "_dtfr"},
          }) {
         mdlElmdscr_freeAll(&page);
