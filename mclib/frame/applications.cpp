@@ -24,6 +24,7 @@ constexpr int32_t maxSlots = mostApplications + 1;  // a mark at the last one re
 struct ApplicationTable {
     ApplicationSlot slots[maxSlots] = {};
     int32_t slotCount = 0;
+    int32_t session = 0;
 
     std::span<ApplicationSlot> used() { return {slots, static_cast<size_t>(slotCount)}; }
 };
@@ -81,6 +82,14 @@ void replaceBlock(const GlobalData* block, GlobalData* by) {
         else
             slot = {};
     }
+}
+
+int32_t tableSession() {
+    return table->session;
+}
+
+void setTableSession(int32_t number) {
+    table->session = number;
 }
 
 void forgetAllApplications() {

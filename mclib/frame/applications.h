@@ -19,6 +19,9 @@ void replaceBlock(const GlobalData* block, GlobalData* by);
 int32_t slotsHandedOut();
 // True when no application can register any more, whoever ends.
 bool tableIsFull();
+// The number of the session that the table is of; 0 for an empty one.
+int32_t tableSession();
+void setTableSession(int32_t number);
 // Empties the table: what it holds is of a session that has ended.
 void forgetAllApplications();
 

@@ -28,7 +28,7 @@ struct Start {
 
 constexpr DialogHook endOfHooks{};
 
-// Functions may be null.
+// All functions but `begin` may be null.
 struct Room {
     const char* name;
     std::array<const DialogHook*, 2> hooks;  // tables, each ended by endOfHooks; null for none

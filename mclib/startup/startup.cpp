@@ -94,13 +94,13 @@ void reportFullTable(const char* applicationName) {
 
 // ---- sessions ----
 
-// Lets go of what belongs to a session that has ended.
+// Lets go of what belongs to a session that has ended; the last room first.
 void noticeSession() {
-    static int32_t known = 0;
     const int32_t running = mdlSystem_getSessionNumber();
-    if (std::exchange(known, running) == running) return;
+    if (running == tableSession()) return;
     for (size_t i = std::size(rooms); i-- > 0;)
         if (rooms[i]->end) rooms[i]->end();
+    setTableSession(running);
 }
 
 }  // namespace

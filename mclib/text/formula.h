@@ -27,8 +27,8 @@ enum {
  * `parameterNames` is a row of `parameterCount` slots of MCLIB_FORMULA_NAME_SIZE bytes; the names are upper-cased in
  * place, so they can't be a literal; the first of two equal ones counts. The arrays aren't touched when the count is 0
  * or above the limit. Nothing is allocated. */
-MCLIB_EXPORT double *mclibParse_parseFormulaP(const char *formula, int *errorP, int parameterCount, char *parameterNames,
-                                              const double *parameterValues);
+MCLIB_EXPORT double *mclibParse_parseFormulaP(const char *formula, int *errorP, int parameterCount,
+                                              char *parameterNames, const double *parameterValues);
 
 /* Why a formula has no value. */
 enum {

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "mclib/elmattr/records.h"
-#include "tests/mclib/elmattr/random_attributes.h"
 
 namespace {
 
@@ -286,17 +285,5 @@ TEST(OldestAttributeRecord, StyleEightIsTheNamedStyleWhereTheModelKnowsIt) {
 }
 
 // ---- written and read ----
-
-TEST(AttributeRecord, RandomValuesOfEveryKindComeBack) {
-    RandomAttributes random;
-    for (int i = 0; i < 7000 && !testing::Test::HasFailure(); ++i) {
-        const int32_t kind = 1 + i % 7;
-        const ElmAttrData data = random.data(kind);
-        ElmAttrData read;
-        std::memset(static_cast<void*>(&read), 'x', sizeof read);
-        unpack(read, RecordLayout::current, elmattr::packRecord(head(kind), data), kind);
-        expectSame(read, data, kind);
-    }
-}
 
 }  // namespace

@@ -13,7 +13,6 @@
 #include "mclib/elmattr/table.h"
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/resource_files.h"
-#include "tests/mclib/elmattr/random_attributes.h"
 #include "tests/support/library_fixture.h"
 
 namespace {
@@ -321,51 +320,6 @@ TEST_F(AttributeResources, SmallerSetLeavesNothingOfALargerOneBefore) {
     ASSERT_EQ(mclibElmAttr_writeResourceExtended(file()), MCLIB_SUCCESS);
     ASSERT_EQ(mclibElmAttr_readResourceExtended(file()), MCLIB_SUCCESS);
     EXPECT_THAT(ids(), ElementsAre(2, 3));
-}
-
-TEST_F(AttributeResources, ThousandRandomAttributesComeBackInBothForms) {
-    RandomAttributes random;
-    struct Expected {
-        int id, kind;
-        std::string label;
-        ElmAttrData data;
-    };
-    std::vector<Expected> expected;
-    for (int i = 0; i < 1000; ++i) {
-        const int kind = 1 + i % 6;  // kind 7 has a caption that only registering gives
-        expected.push_back(
-            {1000 - i, kind, std::string(random.below(80), static_cast<char>('a' + i % 26)), random.data(kind)});
-        ElmAttrData& data = expected.back().data;
-        data.style &= INT32_MAX;  // not a named one, whose number the model gives
-        if (kind == ATTR_KIND_LABELLED_TEXT || kind == ATTR_KIND_LABELLED_SYMBOL) {
-            mclibElmAttr_addAttribute(expected.back().id, expected.back().label.c_str(), group, kind, 0, nullptr, 0,
-                                      &data, 60, "Caption", 0);
-        } else {
-            mclibElmAttr_addAttribute(expected.back().id, expected.back().label.c_str(), group, kind, 0, nullptr, 0,
-                                      &data, 0);
-        }
-    }
-    const auto expectAll = [&] {
-        const ElmAttrRecord* r = gd().attributeList;
-        for (const Expected& e : expected) {
-            ASSERT_NE(r, nullptr);
-            ASSERT_EQ(r->id, e.id);
-            ASSERT_EQ(r->kind, e.kind);
-            ASSERT_EQ(r->label, e.label);
-            expectSame(r->data, e.data, e.kind);
-            if (HasFailure()) return;
-            r = r->next;
-        }
-        EXPECT_EQ(r, nullptr);
-    };
-    ASSERT_EQ(mclibElmAttr_writeResourceExtended(file()), MCLIB_SUCCESS);
-    ASSERT_EQ(mclibElmAttr_writeResource(file()), MCLIB_SUCCESS);
-    for (ElmAttrRecord* r = gd().attributeList; r != nullptr; r = r->next) r->data = {};
-    ASSERT_EQ(mclibElmAttr_readResource(file()), MCLIB_SUCCESS);
-    expectAll();
-    mclibElmAttr_freeAllAttribute();
-    ASSERT_EQ(mclibElmAttr_readResourceExtended(file()), MCLIB_SUCCESS);
-    expectAll();
 }
 
 TEST_F(AttributeResources, NothingHappensWithoutAnApplication) {

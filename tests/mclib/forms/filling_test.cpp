@@ -178,7 +178,9 @@ TEST_F(Filling, TooLongLinesAreCutAndTold) {
     EXPECT_EQ(filled({"%01%NOTE"}), std::string(255, 'x') + '|');
     EXPECT_NE(front().consoleText.find("255"), std::string::npos);
     mclibMatList_insertValue(form_, "NOTE", MCLIB_FORM_TEXT, 0, (std::string(300, 'x') + "\nshort").c_str());
+    front().consoleText.clear();
     EXPECT_EQ(filled({"%01%NOTE"}), std::string(255, 'x') + "|short|");
+    EXPECT_NE(front().consoleText.find("255"), std::string::npos);
 }
 
 TEST_F(Filling, PageScaleFillsThePrintableArea) {

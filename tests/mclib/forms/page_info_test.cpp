@@ -57,7 +57,9 @@ TEST_F(PageInfo, SavesARunningEditUnderThePagesNameAndShowsThePageAnew) {
     press(info(), saveButton);
     EXPECT_EQ(stored("one"), "C");
     EXPECT_EQ(testApplication.made.size(), 2u);
-    choose(info(), pageButton, 1);  // nothing is unsaved, so nothing is asked
+    const int asked = front().dialogs;
+    choose(info(), pageButton, 1);
+    EXPECT_EQ(front().dialogs, asked) << "nothing is unsaved";
     type("D");
     press(info(), saveButton);
     EXPECT_EQ(stored("two"), "D");

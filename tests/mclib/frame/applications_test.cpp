@@ -9,6 +9,7 @@
 #include "mchost/mdl/system.h"
 #include "mchost/session/memory.h"
 #include "mclib/elmattr/attributes.h"
+#include "mclib/forms/state.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/main.h"
 #include "tests/support/session_fixture.h"
@@ -111,6 +112,7 @@ TEST_F(Frame, GivesApplicationsOfOneNameABlockEach) {
 TEST_F(Frame, ANewSessionStartsWithoutTheApplicationsBefore) {
     startMany(mostApplications);
     ASSERT_EQ(mdlDialog_setAccessValue("mclibpd->pron", "E18"), MDL_SUCCESS);
+    mclibPreview_setUserPrintFunction([](int) {});
     endSession();
     const host::Session next({.frontEnd = nullptr, .variables = {{"MC_DIR", "c:\\mc\\"}}});
     for (int i = 0; i < mostApplications; ++i) {
@@ -120,6 +122,7 @@ TEST_F(Frame, ANewSessionStartsWithoutTheApplicationsBefore) {
         EXPECT_EQ(nameOf(desc), name);
     }
     EXPECT_EQ(valueOf("mclibpd->pron"), "");
+    EXPECT_EQ(forms::formsState->userPrintFunction, nullptr);
 }
 
 TEST_F(Frame, AnApplicationThatRegistersAgainKeepsTheSharedBlocks) {

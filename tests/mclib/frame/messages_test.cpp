@@ -83,16 +83,6 @@ class Boxes : public Messages {
     host::ApplicationScope scope_;
 };
 
-TEST_F(Boxes, ShowTheLinesOfTheirTextWithoutEmptyOnes) {
-    mclibError_msgBoxPrintf(17, "\na%d\n\nb %s\n", 1, "x");
-    mclibError_msgBoxPrintf(17, "\n\n");
-    mclibError_msgBoxPrintf(17, "%s", "");
-    ASSERT_EQ(shown.size(), 3u);
-    EXPECT_EQ(shown[0].lines, (std::vector<std::string>{"a1", "b x"}));
-    EXPECT_TRUE(shown[1].lines.empty());
-    EXPECT_TRUE(shown[2].lines.empty());
-}
-
 TEST_F(Boxes, CutTextsThatAreTooLong) {
     std::string thirty;
     for (int i = 1; i <= 30; ++i) thirty += std::to_string(i) + "\n";

@@ -287,31 +287,6 @@ TEST_F(RememberedFiles, ARecordOfAnotherVersionKeepsItsLists) {
     mdlResource_free(block);
 }
 
-TEST_F(RememberedFiles, StoredRecordsThatLieAreReadWithinTheirBounds) {
-    std::vector<unsigned char> bytes(11032, 'z');
-    const auto number = [&](size_t at, int32_t value) { std::memcpy(&bytes[at], &value, 4); };
-    bytes[0] = 0xFF;
-    number(4, 5);
-    number(776, 1'000'000);
-    number(3340, -5);
-    number(8468, 3);
-    mdlResource_add(handle, MDL_RSC_TYPE('U', 's', 'F', 'i'), -20001, bytes.data(), 11032, 0, "");
-    UserFileRecord r = record();
-    EXPECT_EQ(r.fileCount, 10);
-    EXPECT_EQ(r.filterCount, 0);
-    EXPECT_EQ(r.directoryCount, 3);
-    EXPECT_EQ(std::strlen(r.fileName), 255u);
-    EXPECT_EQ(std::strlen(r.fileHistory[9]), 255u);
-    save("a.txt");
-    EXPECT_EQ(files()[0], "a.txt");
-
-    mdlResource_add(handle, MDL_RSC_TYPE('U', 's', 'F', 'i'), -20002, bytes.data(), 300, 0, "");
-    EXPECT_EQ(mdlUserPrefs_getFileName(&r, handle, -20002), MDL_SUCCESS);
-    EXPECT_EQ(std::strlen(r.fileName), 255u);
-    EXPECT_STREQ(r.filter, std::string(36, 'z').c_str());
-    EXPECT_STREQ(r.directory, "");
-}
-
 TEST_F(RememberedFiles, ADialogOpensOnTheFileFilterAndDirectoryOfTheLastTime) {
     writeFile("one.txt", "1");
     std::filesystem::create_directory(path("sub"));

@@ -108,19 +108,6 @@ TEST(Clothoid, PointsRunAwayFromTheOriginOnTheSideOfTheTurn) {
     }
 }
 
-TEST(Clothoid, PointsStandAtTheirStationsExactly) {
-    constexpr int count = 1000;
-    std::vector<Point3d> points(count);
-    mclibGeo_getKlotPoints(points.data(), count, 900, 150, 200);
-    const double L1 = 200.0 * 200 / 900, L2 = 200.0 * 200 / 150;
-    for (int i = 0; i < count; ++i) {
-        const double l = L1 + (static_cast<double>(i) / (count - 1)) * (L2 - L1);
-        const Point expected = wordedSum(l, 200);
-        ASSERT_NEAR(points[i].x, expected.x, 1e-14 * l);
-        ASSERT_NEAR(-points[i].y, expected.y, 1e-14 * l);
-    }
-}
-
 TEST(Clothoid, LengthsAndReferenceRadius) {
     double L1, L2;
     EXPECT_EQ(mclibGeo_getKlotoideLength(&L1, &L2, -50, 200, -100), 0);
