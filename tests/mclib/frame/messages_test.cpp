@@ -18,7 +18,6 @@
 
 namespace {
 
-enum { BUTTON_FIRST = -3, BUTTON_SECOND = -4 };
 
 // What a modal dialog showed before it was answered.
 struct Shown {
@@ -77,7 +76,7 @@ class Messages : public SessionTest {
 
 class Boxes : public Messages {
   protected:
-    Boxes() : scope_(start("Roads")) { answerWith(BUTTON_FIRST); }
+    Boxes() : scope_(start("Roads")) { answerWith(MDL_BUTTON_FIRST); }
 
   private:
     host::ApplicationScope scope_;
@@ -176,7 +175,7 @@ TEST_F(Boxes, AFullListDropsItsOldestLine) {
         rows = static_cast<size_t>(host::Dialog::rowCount(*list));
         first = host::Dialog::cellText(*list, 0, 0);
         last = host::Dialog::cellText(*list, static_cast<int32_t>(rows) - 1, 0);
-        return pressButton(dialog, BUTTON_FIRST);
+        return pressButton(dialog, MDL_BUTTON_FIRST);
     };
     mclibError_listPrintf(LIST_SHOW, "all");
     EXPECT_EQ(rows, static_cast<size_t>(most));
@@ -259,14 +258,14 @@ class OutOfMemory : public Messages {
 };
 
 TEST_F(OutOfMemory, TheFirstButtonGoesOnWithoutTheBlock) {
-    EXPECT_TRUE(meetIt(BUTTON_FIRST));
+    EXPECT_TRUE(meetIt(MDL_BUTTON_FIRST));
     ASSERT_EQ(shown.size(), 1u);
     EXPECT_EQ(shown[0].buttons, (std::vector<std::string>{"Continue", "End"}));
     EXPECT_EQ(shown[0].lines.size(), 2u);
 }
 
 TEST_F(OutOfMemory, TheSecondButtonEndsTheApplication) {
-    EXPECT_FALSE(meetIt(BUTTON_SECOND));
+    EXPECT_FALSE(meetIt(MDL_BUTTON_SECOND));
 }
 
 TEST_F(OutOfMemory, WithoutItsMessageTheCallGivesNothing) {
@@ -281,7 +280,7 @@ TEST_F(OutOfMemory, WithoutItsMessageTheCallGivesNothing) {
 
 class AtStart : public Messages {
   protected:
-    AtStart() { answerWith(BUTTON_FIRST); }
+    AtStart() { answerWith(MDL_BUTTON_FIRST); }
 };
 
 TEST_F(AtStart, ABoxHasItsTitleItsLinesAndItsButton) {
@@ -306,7 +305,7 @@ class FolderOffer : public Messages {
 };
 
 TEST_F(FolderOffer, DefinesTheFolderThatTheApplicationCameFrom) {
-    answerWith(BUTTON_FIRST);
+    answerWith(MDL_BUTTON_FIRST);
     struct Case {
         const char *argv0, *folder;
     };
@@ -329,7 +328,7 @@ TEST_F(FolderOffer, DefinesTheFolderThatTheApplicationCameFrom) {
 }
 
 TEST_F(FolderOffer, CanBeDeclinedAndIsntMadeTwice) {
-    answerWith(BUTTON_SECOND);
+    answerWith(MDL_BUTTON_SECOND);
     start("Roads", "C:\\a\\b\\c\\d\\e.ma");
     EXPECT_EQ(shown.size(), 1u);
     EXPECT_EQ(folder(), "undefined");

@@ -48,8 +48,10 @@ class TitleBlock : public LibraryTest {
 };
 
 TEST_F(TitleBlock, GetsAllOfTheProjectAlsoWhatIsEmpty) {
+    mdlDialog_setAccessValue("mclibpd->pron", "typed");
     makeForm("no such page");
-    EXPECT_EQ(at("pron", 0), "4711");
+    EXPECT_EQ(at("pron", 0), "4711") << "read from the design file";
+    mclibProject_insertProjectData(nullptr);
     EXPECT_EQ(at("pros", 0), "Water main");
     EXPECT_EQ(at("pros", 1), "");
     EXPECT_EQ(at("kost", 4), "9");
@@ -65,22 +67,20 @@ TEST_F(TitleBlock, PageGoesBeforeTheProjectFieldByField) {
     std::strcpy(page.tegn[9], "page's own");
     std::strcpy(page.kopo[19], "copy");
     std::strcpy(page.RNav, "Per");
+    std::strcpy(page.USig, "KB");
+    std::strcpy(page.SDat, "1.2.");
+    std::strcpy(page.revs, "B");
     makeForm("p1");
     EXPECT_EQ(at("pros", 0), "Water main");
     EXPECT_EQ(at("pros", 2), "Bend 7");
     EXPECT_EQ(at("UNav", 0), "Kari Berg");
     EXPECT_EQ(at("RNav", 0), "Per");
+    EXPECT_EQ(at("USig", 0), "KB");
+    EXPECT_EQ(at("SDat", 0), "1.2.");
+    EXPECT_EQ(at("revs", 0), "B");
     EXPECT_EQ(at("tegn", 9), "page's own");
     EXPECT_EQ(at("kopo", 19), "copy");
     EXPECT_EQ(at("kopo", 0), "-");
-}
-
-TEST_F(TitleBlock, APageWithARevisionAloneAddsNothingElse) {
-    std::strcpy(page.revs, "B");
-    makeForm("p1");
-    EXPECT_EQ(at("revs", 0), "B");
-    EXPECT_EQ(at("kopo", 0), "-");
-    EXPECT_EQ(at("pros", 2), "Section north");
 }
 
 TEST_F(TitleBlock, ARecordWithoutAPageNameAddsNothing) {
@@ -89,13 +89,6 @@ TEST_F(TitleBlock, ARecordWithoutAPageNameAddsNothing) {
     makeForm("");
     EXPECT_EQ(at("revs", 0), "-");
     EXPECT_EQ(at("pron", 0), "4711");
-}
-
-TEST_F(TitleBlock, IsReadFromTheDesignFileAnew) {
-    mdlDialog_setAccessValue("mclibpd->pron", "typed");
-    makeForm("p1");
-    EXPECT_EQ(at("pron", 0), "4711");
-    mclibProject_insertProjectData(nullptr);
 }
 
 }  // namespace
