@@ -16,12 +16,10 @@ fs::path systemPath(const std::string& name) {
     return mdlFile_getSystemPath(path, sizeof path, name.c_str()) == MDL_SUCCESS ? path : "";
 }
 
-// Whether another file can, and may, take the place of what has the name.
+// Whether another file may take the place of the one that has the name.
 bool canBeReplaced(const fs::path& path) {
     std::error_code error;
-    const fs::file_type type = fs::symlink_status(path, error).type();
-    if (type == fs::file_type::not_found) return !path.empty();
-    return type == fs::file_type::regular && access(path.c_str(), W_OK) == 0;
+    return fs::symlink_status(path, error).type() == fs::file_type::regular && access(path.c_str(), W_OK) == 0;
 }
 
 std::string lastPart(const std::string& name) {
@@ -31,18 +29,26 @@ std::string lastPart(const std::string& name) {
 }  // namespace
 
 JobFile::JobFile(const char* name) : name_(name) {
+    const fs::path path = systemPath(name_);
+    std::error_code error;
+    isNew_ = !path.empty() && fs::symlink_status(path, error).type() == fs::file_type::not_found;
     MdlWorkFolder* folder = nullptr;
-    if (!canBeReplaced(systemPath(name_)) || mdlWorkFolder_make(&folder, name) != 0) return;
+    if (!canBeReplaced(path) || mdlWorkFolder_make(&folder, name) != 0) return;
     folder_.reset(folder);
     temporary_ = std::string(mdlWorkFolder_name(folder)) + "/" + lastPart(name_);
 }
 
+JobFile::~JobFile() {
+    std::error_code error;
+    if (isNew_) fs::remove(systemPath(name_), error);
+}
+
 bool JobFile::publish() {
+    isNew_ = false;
     if (!folder_) return true;
     const fs::path from = systemPath(temporary_), to = systemPath(name_);
     std::error_code error;
-    if (const fs::perms before = fs::status(to, error).permissions(); !error && before != fs::perms::unknown)
-        fs::permissions(from, before, error);
+    if (const fs::perms before = fs::status(to, error).permissions(); !error) fs::permissions(from, before, error);
     fs::rename(from, to, error);
     return !error;
 }

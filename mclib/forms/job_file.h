@@ -1,5 +1,4 @@
-// The file of a print job, which gets its name when it is whole: until then, and when the job fails, what had the name
-// stays.
+// The file of a print job, which is there only when it is whole: a job that fails leaves what had the name, or nothing.
 #pragma once
 
 #include <memory>
@@ -14,10 +13,13 @@ class JobFile {
     // What isn't a plain file, such as a device or a link, and what lies where no other file can be made, is written to
     // directly.
     explicit JobFile(const char* name);
+    ~JobFile();
+    JobFile(const JobFile&) = delete;
+    JobFile& operator=(const JobFile&) = delete;
 
     // Where the job is to be written.
     const char* name() const { return temporary_.empty() ? name_.c_str() : temporary_.c_str(); }
-    // Gives the file its name; false, with what had the name as it was, when that can't be done.
+    // The job is whole: its file takes the place of what had the name. False, with that as it was, when it can't.
     bool publish();
 
   private:
@@ -25,8 +27,9 @@ class JobFile {
         void operator()(MdlWorkFolder* folder) const { mdlWorkFolder_remove(folder); }
     };
 
-    std::string name_, temporary_;
+    std::string name_, temporary_;  // temporary_ empty: it is written under its own name
     std::unique_ptr<MdlWorkFolder, Remove> folder_;
+    bool isNew_ = false;  // nothing has the name until it is whole
 };
 
 }  // namespace forms

@@ -164,6 +164,8 @@ TEST_F(PrintJob, APageThatMemoryRanOutForIsNotPrinted) {
     };
     char first[] = "first", second[] = "second";
     char* const names[] = {first, second};
+    EXPECT_EQ(mclibPreview_printPages(2, names, makeTwo, path("out.ps").c_str(), PRINT_POSTSCRIPT, 0, 1), MCLIB_ERROR);
+    EXPECT_FALSE(std::filesystem::exists(path("out.ps")));
     EXPECT_EQ(mclibPreview_printPages(2, names, makeTwo, path("out.ps").c_str(), PRINT_POSTSCRIPT, 0, 0),
               MCLIB_SUCCESS);
     std::ofstream(path("out.ps")) << "kept";
