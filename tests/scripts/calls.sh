@@ -8,7 +8,8 @@ trap 'rm -rf "$list"' EXIT
 for i in "${!rooms[@]}"; do
     room=${rooms[i]} library=${rooms[i]%%/*}
     objects=()
-    for source in "$1/$room"/*.cpp; do objects+=("$2/CMakeFiles/$library-objects.dir/$room/${source##*/}.o"); done
+    for source in $(ls "$1/$room"/*.cpp 2>/dev/null); do objects+=("$2/CMakeFiles/$library-objects.dir/$room/${source##*/}.o"); done
+    [ ${#objects[@]} -eq 0 ] && continue  # headers alone
     # Weak definitions are inline functions and templates, which every room has a copy of.
     nm -A -P "${objects[@]}" | awk -v i="$i" -v room="$room" -v library="$library" '
         { sub(/.*\//, "", $1); sub(/\.o:$/, "", $1) }
