@@ -33,9 +33,7 @@ namespace {
 
 constexpr int32_t textFileDefaults = -20003;
 
-using FileMessage = mdl::Message<MCLIB_ERRORS, const char*>;
-
-void tell(mdl::Message<MCLIB_QUESTIONS> message) {
+void tell(mc::Question<> message) {
     mdl::printMessage(MDL_FIELD_MESSAGE, message);
 }
 
@@ -126,12 +124,12 @@ std::optional<std::string> askForTarget(GlobalData& data) {
     return mclibpsd->fileName;
 }
 
-void reportFailure(mdl::Message<MCLIB_ERRORS> message) {
+void reportFailure(mc::Error<> message) {
     mc::showNotice(message);
     mdlSystem_noteFailure();
 }
 
-void reportFile(FileMessage message, const std::string& file) {
+void reportFile(mc::Error<const char*> message, const std::string& file) {
     mc::showNotice(message, shownPath(file.c_str()).c_str());
     mdlSystem_noteFailure();
 }

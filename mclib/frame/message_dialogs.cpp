@@ -84,7 +84,7 @@ void drawHead(MdlDialog* dialog, const DialogRect& rect, int32_t kind, int32_t a
 
 struct ButtonLabel {
     int32_t flag;
-    mdl::Message<MCLIB_LANGUAGE_TEXTS> text;
+    mc::Text text;
 };
 constexpr auto buttonLabels = std::to_array<ButtonLabel>({
     {MSGBOX_FIRST_16, ids::texts::ok},

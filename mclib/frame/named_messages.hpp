@@ -7,6 +7,13 @@
 
 namespace mc {
 
+// Messages of the library's lists, with the types of their values.
+template <class... Values>
+using Question = mdl::Message<MCLIB_QUESTIONS, Values...>;
+template <class... Values>
+using Error = mdl::Message<MCLIB_ERRORS, Values...>;
+using Text = mdl::Message<MCLIB_LANGUAGE_TEXTS>;
+
 // As mclibError_rscMsgBoxPrintf.
 template <int32_t List, class... Values>
 int showBox(int flags, mdl::Message<List, Values...> message, std::type_identity_t<Values>... values) {
@@ -20,7 +27,7 @@ void showNotice(mdl::Message<List, Values...> message, std::type_identity_t<Valu
 }
 
 // As mclibUtil_getLanguageText.
-inline char* languageText(mdl::Message<MCLIB_LANGUAGE_TEXTS> text) {
+inline char* languageText(Text text) {
     return mclibUtil_getLanguageText(text.number);
 }
 

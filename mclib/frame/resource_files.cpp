@@ -16,9 +16,7 @@ namespace {
 
 constexpr const char* createdTitle = "Attributes";
 
-using FileMessage = mdl::Message<MCLIB_ERRORS, const char*>;
-
-int tellFile(FileMessage message, const McHandle& h) {
+int tellFile(mc::Error<const char*> message, const McHandle& h) {
     mc::showNotice(message, h.name);
     return MCLIB_ERROR;
 }

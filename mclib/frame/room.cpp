@@ -23,7 +23,7 @@ namespace {
 
 struct TitleText {
     int kind;
-    mdl::Message<MCLIB_LANGUAGE_TEXTS> text;
+    mc::Text text;
 };
 constexpr TitleText titleTexts[] = {{MSGBOX_KIND_1, ids::texts::noticeTitle},
                                     {MSGBOX_KIND_4, ids::texts::noteTitle},

@@ -57,7 +57,6 @@ class RoomState {
         if (!state_) state_.emplace();
         return &*state_;
     }
-    State& operator*() { return *operator->(); }
     void end() { state_.reset(); }
 
   private:

@@ -32,9 +32,7 @@ constexpr int32_t projectFileDefaults = -20001;
 
 void (*projectWritten)() = nullptr;
 
-using FileMessage = mdl::Message<MCLIB_ERRORS, const char*>;
-
-void reportFile(int flags, FileMessage message, const char* file) {
+void reportFile(int flags, mc::Error<const char*> message, const char* file) {
     mc::showBox(flags, message, shownPath(file).c_str());
     mdlSystem_noteFailure();
 }

@@ -44,7 +44,7 @@ void readRecord(Block& block, const Record& record) {
 }
 
 template <class Block>
-void addRecord(int applicationId, const Block& block, mdl::Message<MCLIB_QUESTIONS> written) {
+void addRecord(int applicationId, const Block& block, mc::Question<> written) {
     const std::string payload = project::packRecord(block);
     FilePos position = 0;
     if (mclib66Elem_saveDataToFile(applicationId, project::currentForm, payload.data(),
