@@ -217,7 +217,7 @@ bool headIsWal(const FileHead& head) {
 
 // Nothing for a file that isn't a database.
 std::optional<FileHead> databaseHead(const std::string& path) {
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // nobody may write to a pipe
     if (file < 0) throw FileProblem("it can't be read (" + systemReason(errno) + "). Check its name and permissions.");
     FileHead head = {};
     const ssize_t got = read(file, head.data(), head.size());

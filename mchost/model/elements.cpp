@@ -43,26 +43,29 @@ void noteStored(Model& model, FilePos position, std::span<const StoredNode> unit
 }
 
 FilePos addUnit(Model& model, std::span<const StoredNode> unit) {
-    openFiles().journal.makeRoom(model);
+    Journal& journal = openFiles().journal;
+    journal.makeRoom(model);
     const FilePos position = model.elements.add(unit);
-    openFiles().journal.noteAdded(model, position);
+    journal.noteAdded(model, position);
     noteStored(model, position, unit);
     return position;
 }
 
 FilePos replaceUnit(Model& model, FilePos position, std::span<const StoredNode> unit) {
-    openFiles().journal.makeRoom(model);
+    Journal& journal = openFiles().journal;
+    journal.makeRoom(model);
     const RecordHead* before = model.elements.record(position);
     model.elements.replace(position, unit);
-    openFiles().journal.noteRewritten(model, position, before);
+    journal.noteRewritten(model, position, before);
     noteStored(model, position, unit);
     return position;
 }
 
 void removeUnit(Model& model, FilePos position) {
-    openFiles().journal.makeRoom(model);
+    Journal& journal = openFiles().journal;
+    journal.makeRoom(model);
     model.elements.remove(position);
-    openFiles().journal.noteDeleted(model, position);
+    journal.noteDeleted(model, position);
     updateRange(model, position);
 }
 

@@ -51,13 +51,13 @@ int mdlSystem_newDesignFile(const char* name, int readOnly) {
 }
 
 int mdlSystem_saveDesignFile(void) {
-    DesignFile* active = openFiles().active();
+    DesignFile* active = openFile(nullptr);
     if (!active) return MDL_SUCCESS;
     return withFile("store the design file", active->name(), [&] { active->save(); });
 }
 
 int mdlSystem_closeDesignFile(void) {
-    DesignFile* active = openFiles().active();
+    DesignFile* active = openFile(nullptr);
     if (!active) return MDL_ERROR;
     return withFile("close the design file", active->name(), [] { openFiles().closeActive(); });
 }
@@ -78,7 +78,7 @@ int mdlWorkDgn_closeFile(ModelRef* model) {
     ModelRef* place = model ? openPlace(model) : nullptr;
     if (!place || place->parent) return MDL_ERROR;
     DesignFile* file = place->file;
-    if (file == openFiles().active()) return MDL_SUCCESS;
+    if (file == openFile(nullptr)) return MDL_SUCCESS;
     if (!openFiles().isWork(*file)) return MDL_ERROR;
     return withFile("close the design file", file->name(), [&] { openFiles().closeWork(*file); });
 }
@@ -99,7 +99,7 @@ ModelRef* mdlModelRef_getActive(void) {
 }
 
 int mdlModelRef_isReadOnly(ModelRef* model) {
-    const DesignFile* file = openFiles().fileAt(model);
+    const DesignFile* file = openFile(model);
     return !file || file->isReadOnly();
 }
 

@@ -25,16 +25,16 @@ struct ModelRef {
 namespace host {
 
 // The place that a caller means: the active model for null. Null for one that isn't there any more.
-ModelRef* openPlace(ModelRef* place);
+ModelRef* openPlace(ModelRef* place) noexcept;
 // How a place is shown in its parent; null for a place without one.
 const Attachment* attachmentOf(const ModelRef& place);
 // From the coordinates of the model to those of the file that is open by itself.
 Transform toMaster(const ModelRef& place);
 // The model that is shown there.
-Model* openModel(ModelRef* place);
+Model* openModel(ModelRef* place) noexcept;
 // The same when it can be written, else null with a line in the message centre.
 Model* writableModel(ModelRef* place);
-uint64_t activeModelSerial();  // 0 while no design file is open
+uint64_t activeModelSerial() noexcept;  // 0 while no design file is open
 
 // The model that a caller of level functions means: while no design file is open, null stands for a table of the
 // session's own, which isn't stored. Null when there is no session either.

@@ -21,6 +21,9 @@ unsigned char* mgds_modesP = modes;
 namespace host {
 namespace {
 
+// Where the session keeps them, while it does: calls that are made for each element need a short way there.
+OpenFiles* made = nullptr;
+
 // Keeps a flag up for as long as this stands.
 struct FlagScope {
     explicit FlagScope(bool& raised) : flag(raised) { flag = true; }
@@ -31,11 +34,12 @@ struct FlagScope {
 }  // namespace
 
 OpenFiles& openFiles() {
-    return sessionState<OpenFiles>();
+    return made ? *made : sessionState<OpenFiles>();
 }
 
 OpenFiles::OpenFiles() {
     observeReturn([] { openFiles().finishCommand(); });
+    made = this;
 }
 
 OpenFiles::~OpenFiles() {
@@ -45,17 +49,13 @@ OpenFiles::~OpenFiles() {
     }
     active_ = nullptr;
     publishActive();
+    made = nullptr;
 }
 
 ModelRef* OpenFiles::place(ModelRef* handle) const {
     if (!handle || (active_ && handle == &active_->place)) return active_ ? &active_->place : nullptr;
     const bool isFile = std::ranges::any_of(all_, [&](const Opened& opened) { return handle == &opened.file->place; });
     return isFile || places_.contains(handle) ? handle : nullptr;
-}
-
-DesignFile* OpenFiles::fileAt(ModelRef* handle) const {
-    const ModelRef* found = place(handle);
-    return found ? found->file : nullptr;
 }
 
 DesignFile* OpenFiles::open(const std::string& path, DesignFile::Use use, FileKind kind) {
@@ -212,17 +212,23 @@ ModelRef* OpenFiles::levelLibrary(const std::string& path) {
 
 // ---- what the rooms of models ask ----
 
-ModelRef* openPlace(ModelRef* place) {
-    return openFiles().place(place);
+ModelRef* openPlace(ModelRef* place) noexcept {
+    return guarded<ModelRef*>(nullptr, [&] { return openFiles().place(place); });
 }
 
-Model* openModel(ModelRef* place) {
-    DesignFile* file = openFiles().fileAt(place);
+DesignFile* openFile(ModelRef* place) noexcept {
+    if (!place && made) return made->active();
+    const ModelRef* found = openPlace(place);
+    return found ? found->file : nullptr;
+}
+
+Model* openModel(ModelRef* place) noexcept {
+    DesignFile* file = openFile(place);
     return file ? &file->model : nullptr;
 }
 
 Model* writableModel(ModelRef* place) {
-    DesignFile* file = openFiles().fileAt(place);
+    DesignFile* file = openFile(place);
     if (!file) {
         fileProblem("Can't change a design file that isn't open: open it first.");
         return nullptr;
@@ -233,7 +239,7 @@ Model* writableModel(ModelRef* place) {
     return nullptr;
 }
 
-uint64_t activeModelSerial() {
+uint64_t activeModelSerial() noexcept {
     const Model* model = openModel(nullptr);
     return model ? model->serial : 0;
 }

@@ -25,8 +25,6 @@ class OpenFiles {
     DesignFile* active() const { return active_; }
     // The place itself, that of the active file for null; null for one that isn't there any more.
     ModelRef* place(ModelRef* handle) const;
-    // The file that is shown there; null also when it can't be read.
-    DesignFile* fileAt(ModelRef* handle) const;
     // Brings the places below one in line with what is attached to its model. A model that stands on the way to the
     // place already isn't followed: it would show itself without end.
     void follow(ModelRef& place);
@@ -87,5 +85,7 @@ class OpenFiles {
 
 // Those of the session.
 OpenFiles& openFiles();
+// The file that is shown at a place; null when none is, or it can't be read.
+DesignFile* openFile(ModelRef* place) noexcept;
 
 }  // namespace host

@@ -117,7 +117,7 @@ int mdlRefFile_attach(ModelRef** placeP, ModelRef* parent, const char* fileName,
 }
 
 int mdlRefFile_detach(int32_t number) {
-    DesignFile* active = openFiles().active();
+    DesignFile* active = openFile(nullptr);
     const auto isIts = [&](const Attachment& attachment) { return attachment.number == static_cast<uint32_t>(number); };
     if (!active || (number != -1 && std::ranges::none_of(active->model.attachments, isIts))) return MDL_ERROR;
     return withFile("detach design files from", active->name(),

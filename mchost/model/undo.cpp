@@ -21,7 +21,8 @@ bool canBeStored(const Journal::Step& step, const char* what) {
     return true;
 }
 
-int nameOf(const Journal::Step* step, char* name, int32_t size) {
+int nameOf(const Journal::Step* (Journal::*last)(), char* name, int32_t size) {
+    const Journal::Step* step = guarded<const Journal::Step*>(nullptr, [&] { return (openFiles().journal.*last)(); });
     if (!step || !name || size < 1) return step ? int{MDL_ERROR} : int{MDL_UNDO_NONE};
     const size_t copied = std::min(step->name.size(), static_cast<size_t>(size) - 1);
     std::memcpy(name, step->name.data(), copied);
@@ -38,7 +39,7 @@ int move(const Journal::Step* step, const char* what, void (Journal::*take)()) {
 
 FilePos undoLast(bool deletionsAlone) {
     return guarded<FilePos>(0, [&]() -> FilePos {
-        DesignFile* active = openFiles().active();
+        DesignFile* active = openFile(nullptr);
         return active ? openFiles().journal.undoLast(active->model, deletionsAlone) : 0;
     });
 }
@@ -68,11 +69,11 @@ int mdlUndo_redo(void) {
 }
 
 int mdlUndo_getUndoName(char* name, int32_t size) {
-    return nameOf(openFiles().journal.lastDone(), name, size);
+    return nameOf(&Journal::lastDone, name, size);
 }
 
 int mdlUndo_getRedoName(char* name, int32_t size) {
-    return nameOf(openFiles().journal.lastUndone(), name, size);
+    return nameOf(&Journal::lastUndone, name, size);
 }
 
 FilePos mdlUndo_lastDelete(void) {

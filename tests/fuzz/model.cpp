@@ -10,6 +10,7 @@
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/model.h"
+#include "mchost/mdl/reference.h"
 #include "mchost/mdl/scan.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
@@ -78,6 +79,8 @@ std::string designSeed() {
     ElementDescr* cell = cellOf(L"cell", elements);
     mdlElmdscr_add(cell);
     mdlElmdscr_freeAll(&cell);
+    const Point3d clip[] = {{0, 0, 0}, {1e5, 0, 0}, {1e5, 1e5, 0}};
+    require(mdlRefFile_attach(nullptr, nullptr, path.c_str(), nullptr, clip, 3) == MDL_SUCCESS);
     mclibProsjektData project{};
     std::strcpy(project.pron, "4711");
     mclibProject_writeProjectInfoToDesignFile(&project);
@@ -178,6 +181,10 @@ void walkModel(ModelRef* model) {
     lookAtTables(model);
     Range3d range;
     mdlModelRef_getRange(model, &range);
+    ModelRefIterator* places = nullptr;
+    require(mdlModelRefIterator_create(&places, model, MDL_ITERATE_REFERENCES, 0) == MDL_SUCCESS);
+    while (mdlModelRefIterator_getNext(places)) continue;
+    mdlModelRefIterator_free(&places);
     for (const FilePos position : positions(model)) {
         ElementDescr* ed = nullptr;
         if (mdlElmdscr_readToMaster(&ed, position, model) != 0) walk(ed);
@@ -197,6 +204,7 @@ void change(const Elements& elements) {
         }
     }
     mdlUndo_lastDelete();
+    require(mdlUndo_undo() != MDL_ERROR && mdlUndo_redo() != MDL_ERROR);
     LevelId level = 0;
     mdlLevel_create(&level, nullptr, L"Level 7");
     mdlLevel_create(&level, nullptr, L"Another");

@@ -1,6 +1,8 @@
 // What is attached to models: kept in files, shown in places, taken back.
 #include "mchost/mdl/reference.h"
 
+#include <sys/stat.h>
+
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/undo.h"
@@ -193,6 +195,8 @@ TEST_F(References, ClosedFileGoesOnBeingShown) {
 TEST_F(References, WhatCannotBeAttachedIsRefused) {
     const Transform flat = {{{1, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 1, 0}}}, good = shift(0);
     const Point3d clip[] = {{0, 0, 0}, {1, 0, 0}, {1 / 0.0, 1, 0}};
+    const std::string pipe = path("pipe.mcd");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     struct Case {
         std::string name;
         const Transform* transform;
