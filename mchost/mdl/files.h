@@ -95,11 +95,12 @@ MDL_EXPORT void mdlWorkFolder_remove(MdlWorkFolder *folder); /* null does nothin
 MDL_EXPORT int mdlFile_copy(const char *destination, const char *source);
 
 /* ---- work files: a design file opened beside the active one ---- */
-/* Opens a design file to look at it. The model in modelP. 0 or MDL_ERROR. */
+/* Opens a design file to look at it: as it is now in this session when that is writing to it, else as it was stored. The
+ * model in modelP. 0 or MDL_ERROR. Each opening is closed by itself. */
 MDL_EXPORT int mdlWorkDgn_openFile(ModelRef **modelP, const char *name);
 /* The same to change it too: what is added to its model or rewritten there (mdlElmdscr_add, mdlElmdscr_rewrite of its
- * descriptors) is stored when it is closed, at the latest when the session ends. MDL_ERROR, with a line in the message
- * centre, also when it can't be written or is open to write already, here or in another session. */
+ * descriptors) is stored when the running command is finished, and when the file is closed. MDL_ERROR, with a line in
+ * the message centre, also when it can't be written or is open to write already, here or in another session. */
 MDL_EXPORT int mdlWorkDgn_openFileToWrite(ModelRef **modelP, const char *name);
 /* MDL_ERROR for a model that isn't open or, with a line in the message centre, when what was changed can't be stored;
  * it is closed in any case. Closing the active file in this way leaves it open. */

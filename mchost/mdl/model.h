@@ -1,8 +1,9 @@
 /* Design files and models.
  *
- * One design file is open at a time, with one active model. What is added, changed or deleted is in memory at once and
- * in the file when the running command is finished: when an application's main function or a call from the host into it
- * is over, when the file is closed, or with mdlSystem_saveDesignFile. */
+ * One design file is active at a time, with its model; others may be open beside it (files.h) or be shown in it
+ * (reference.h). What is added, changed or deleted is in memory at once and in the file when the running command is
+ * finished: when an application's main function or a call from the host into it is over, when the file is closed, or with
+ * mdlSystem_saveDesignFile. */
 #ifndef HOST_MDL_MODEL_H
 #define HOST_MDL_MODEL_H
 

@@ -252,6 +252,16 @@ void checkFormat(Database& database) {
     if (!hasItsTables(database)) throw FileProblem(damaged);
 }
 
+bool isWholeAlone(const std::string& path) {
+    return fileSize(path + "-wal") == 0 && fileSize(path + "-journal") == 0;
+}
+
+// The end of a page that is cut would be read as zeros. Whoever reads already keeps others from writing to the file.
+void checkPages(const std::string& path, const FileHead& head) {
+    const int64_t bytes = std::max(head[16] << 8 | head[17], 512);
+    if (isWholeAlone(path) && fileSize(path) % bytes != 0) throw FileProblem(damaged);
+}
+
 // Free pages are never looked at while reading, but would be written to later.
 void checkFreePages(Database& database, const FileHead& head) {
     if (!headHasFreePages(head)) return;
@@ -387,6 +397,7 @@ void loadContainer(const std::string& path, Model& model, FileKind kind) {
         openForReading(database, path, head);
         database.run("BEGIN");
         checkFormat(database);
+        checkPages(path, head);
         checkFreePages(database, head);
         loadModel(database, model);
     } catch (const SqliteFailure& failure) {
@@ -404,10 +415,6 @@ void endLog(Database& database) {
     } catch (const SqliteFailure& failure) {
         if (failure.code != SQLITE_BUSY) throw;
     }
-}
-
-bool isWholeAlone(const std::string& path) {
-    return fileSize(path + "-wal") == 0 && fileSize(path + "-journal") == 0;
 }
 
 }  // namespace

@@ -30,8 +30,10 @@ void makeMemory(Model& model, std::span<const Change> changes) {
     uint64_t bytes = 0;
     for (const Change& change : changes) {
         for (uint32_t i = 0; i < change.count; ++i) {
-            const RecordHead* record = model.elements.record(change.position + i);
-            bytes += recordBytes(change.kind == Change::rewritten ? change.other : record);
+            const FilePos position = change.position + i;
+            bytes += change.kind == Change::rewritten  ? recordBytes(change.other)
+                     : model.elements.isLive(position) ? sizeof(RecordHead)
+                                                       : recordBytes(model.elements.record(position));
         }
     }
     model.elements.makeMemory(bytes);

@@ -233,6 +233,11 @@ Model* writableModel(ModelRef* place) {
         fileProblem("Can't change a design file that isn't open: open it first.");
         return nullptr;
     }
+    if (place && openPlace(place)->parent) {
+        fileProblem("Can't change the design file \"" + file->name() +
+                    "\" where it is attached. Change it as a file of its own.");
+        return nullptr;
+    }
     if (file->takesChanges()) return &file->model;
     fileProblem("Can't change the design file \"" + file->name() +
                 "\": it is open to be read only. Open it to be written, or copy it first.");

@@ -192,8 +192,9 @@ int scan(ScanCriteria& criteria, std::span<FilePos> buffer, int32_t* sizeP, File
 // Gives the function each element that was found and is still there.
 int scanDescriptors(ScanCriteria& criteria) {
     ModelRef* place = openPlace(criteria.model);
-    if (!place || !criteria.function) return MDL_ERROR;
-    fixResult(criteria, *openModel(place));
+    Model* model = openModel(place);
+    if (!model || !criteria.function) return MDL_ERROR;
+    fixResult(criteria, *model);
     const std::vector<FilePos> found = std::move(criteria.found);
     forgetResult(criteria);
     for (const FilePos position : found) {

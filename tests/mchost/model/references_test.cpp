@@ -188,7 +188,10 @@ TEST_F(References, ClosedFileGoesOnBeingShown) {
     EXPECT_EQ(mdlWorkDgn_closeFile(work), MDL_SUCCESS);
     EXPECT_EQ(placesIn(nullptr), std::vector<ModelRef*>{place});
     EXPECT_EQ(numberOf(2, place), 5u);
-    EXPECT_EQ(mdlElement_rewrite(numbered(6), 2), 0u) << "of the active model";
+    mdl::Descr shown;
+    EXPECT_EQ(mdlElmdscr_read(shown.out(), 2, place), 1u);
+    EXPECT_EQ(mdlElmdscr_rewrite(shown.get(), 2), 0u);
+    onlyMessage("where it is attached");
     EXPECT_EQ(mdlWorkDgn_closeFile(place), MDL_ERROR);
 }
 
