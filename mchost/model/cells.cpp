@@ -76,9 +76,11 @@ int mdlCell_attachLibraryEx(char* fullName, const char* name, int32_t, int32_t, 
 }
 
 int mdlCell_detachLibrary(void) {
-    if (!attached().library) return MDL_ERROR;
-    attach(nullptr);
-    return MDL_SUCCESS;
+    return guarded<int>(MDL_ERROR, []() -> int {
+        if (!attached().library) return MDL_ERROR;
+        attach(nullptr);
+        return MDL_SUCCESS;
+    });
 }
 
 int mdlCell_getElmDscr(ElementDescr** edPP, const void*, const void*, const void*, const void*, const void*,
@@ -97,10 +99,12 @@ int mdlCell_getElmDscr(ElementDescr** edPP, const void*, const void*, const void
 int mdlCell_getLibraryObject(MdlCellLibrary** libraryPP, const char* fileName) {
     if (!libraryPP) return MDL_ERROR;
     *libraryPP = nullptr;
-    const bool isAttached = attached().library && fileName && std::strcmp(fileName, tcbP->cellLibraryName) == 0;
-    if (!isAttached) return MDL_ERROR;
-    *libraryPP = &attached();
-    return MDL_SUCCESS;
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const bool isAttached = attached().library && fileName && std::strcmp(fileName, tcbP->cellLibraryName) == 0;
+        if (!isAttached) return MDL_ERROR;
+        *libraryPP = &attached();
+        return MDL_SUCCESS;
+    });
 }
 
 MdlModelIterator* mdlModelIterator_create(MdlCellLibrary* library) {

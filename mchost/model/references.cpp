@@ -127,8 +127,8 @@ int mdlRefFile_detach(int32_t number) {
 int mdlRefFile_detachModel(ModelRef* model) {
     const Attachment* attachment = openAttachment(model);
     if (!attachment) return MDL_ERROR;
-    const std::string name = attachment->file;
-    return withFile("detach the design file", name, [&] { detach(keeperOf(*model->parent), model->number); });
+    return withFile("detach the design file", attachment->file,
+                    [&] { detach(keeperOf(*model->parent), model->number); });
 }
 
 // ---- what is told of attachments ----
@@ -194,10 +194,9 @@ int mdlRefFile_setParameters(const void* valueP, int32_t parameter, ModelRef* mo
     const Attachment* attachment = openAttachment(model);
     Attachment none;
     if (!attachment || !valueP || !switchOf(none, parameter)) return MDL_ERROR;
-    const std::string name = attachment->file;
     int32_t value = 0;
     std::memcpy(&value, valueP, sizeof value);
-    return withFile("change how the design file is shown:", name, [&] {
+    return withFile("change how the design file is shown:", attachment->file, [&] {
         changeAttachments(keeperOf(*model->parent), [&](std::vector<Attachment>& all) {
             *switchOf(*std::ranges::find(all, model->number, &Attachment::number), parameter) = value != 0;
         });
