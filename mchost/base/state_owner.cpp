@@ -1,29 +1,30 @@
 #include "mchost/base/state_owner.h"
 
+#include <algorithm>
+
 namespace host {
 
-size_t nextStateNumber() noexcept {
-    static size_t next = 0;
-    return next++;
+void* StateOwner::find(void** place) const {
+    const auto known = std::ranges::find(kept_, place, &Kept::place);
+    return known == kept_.end() ? nullptr : known->state;
 }
 
-void StateOwner::keep(size_t number, void* state, void (*destroy)(void* state)) {
-    if (number >= places_.size()) places_.resize(number + 1);
-    kept_.push_back({number, state, destroy});
-    places_[number] = state;
+void StateOwner::keep(const Kept& made) {
+    kept_.push_back(made);
+    if (kind_ == Kind::session) *made.place = made.state;
 }
 
 void StateOwner::end() noexcept {
     while (!kept_.empty()) {
         const Kept last = kept_.back();
-        kept_.pop_back();
         last.destroy(last.state);  // which still finds itself
-        places_[last.number] = nullptr;
+        if (kind_ == Kind::session) *last.place = nullptr;
+        std::erase_if(kept_, [&](const Kept& kept) { return kept.place == last.place; });
     }
 }
 
 StateOwner& sessionOwner() {
-    static StateOwner owner;
+    static StateOwner owner(StateOwner::Kind::session);
     return owner;
 }
 

@@ -3,7 +3,6 @@
 // while there is none, the time without one. What is made in that time ends when a session begins or the process ends.
 #pragma once
 
-#include <cstddef>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -12,17 +11,14 @@
 
 namespace host {
 
-// A number for each type that is kept.
-size_t nextStateNumber() noexcept;
+// Where the T of the session stands; null while there is none. Its address stands for the type.
 template <class T>
-size_t stateNumber() noexcept {
-    static const size_t number = nextStateNumber();
-    return number;
-}
+inline constinit void* placeInSession = nullptr;
 
 class StateOwner {
   public:
-    StateOwner() = default;
+    enum class Kind { session, application };
+    explicit StateOwner(Kind kind) : kind_(kind) {}
     ~StateOwner() { end(); }
     StateOwner(const StateOwner&) = delete;
     StateOwner& operator=(const StateOwner&) = delete;
@@ -30,10 +26,9 @@ class StateOwner {
     // The T of this owner; made from the arguments when there is none.
     template <class T, class... Arguments>
     T& state(Arguments&&... arguments) {
-        const size_t number = stateNumber<T>();
-        if (number < places_.size() && places_[number]) return *static_cast<T*>(places_[number]);
+        if (void* const known = find(&placeInSession<T>)) return *static_cast<T*>(known);
         auto made = std::make_unique<T>(std::forward<Arguments>(arguments)...);
-        keep(number, made.get(), [](void* state) { delete static_cast<T*>(state); });
+        keep({&placeInSession<T>, made.get(), [](void* state) { delete static_cast<T*>(state); }});
         return *made.release();
     }
 
@@ -42,14 +37,15 @@ class StateOwner {
 
   private:
     struct Kept {
-        size_t number;
+        void** place;
         void* state;
         void (*destroy)(void* state);
     };
-    void keep(size_t number, void* state, void (*destroy)(void* state));
+    void* find(void** place) const;
+    void keep(const Kept& made);
 
-    std::vector<void*> places_;  // by number of type; null where nothing is kept
-    std::vector<Kept> kept_;     // in order of making
+    Kind kind_;
+    std::vector<Kept> kept_;  // in order of making
 };
 
 // The owner of what lasts longer than an application: the session's.
@@ -58,6 +54,7 @@ HOST_EXPORT StateOwner& sessionOwner();
 // The T of the session. T lies in one library: each has a state of its own for a type that it shares with another.
 template <class T>
 T& sessionState() {
+    if (void* const place = placeInSession<T>) return *static_cast<T*>(place);
     return sessionOwner().state<T>();
 }
 

@@ -8,8 +8,9 @@ using namespace host;
 namespace {
 
 bool allFinite(const Point3d* points, int32_t count) {
+    const Transform& toWorld = currentToWorld();
     double taints = 0;
-    for (int32_t i = 0; i < count; ++i) taints += taint(applyToPoint(currentToWorld(), points[i]));
+    for (int32_t i = 0; i < count; ++i) taints += taint(applyToPoint(toWorld, points[i]));
     return taints == 0;
 }
 

@@ -24,7 +24,7 @@ struct MdlDesc {
     bool unload = true;
     void* newDesignFile = nullptr;
     void* atEnd = nullptr;
-    host::StateOwner states;
+    host::StateOwner states{host::StateOwner::Kind::application};
 };
 
 namespace host {
