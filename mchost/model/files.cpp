@@ -31,7 +31,7 @@ int openWork(ModelRef** modelP, const char* what, const char* name, FileKind kin
 [[maybe_unused]] const bool known = (setDrawingCalls({.getActive = mdlModelRef_getActive,
                                                       .getUorPerMaster = mdlModelRef_getUorPerMaster,
                                                       .lineStyleFromName = mdlLineStyle_numberFromName,
-                                                      .saveDesignFile = mdlSystem_saveDesignFile,
+                                                      .finishCommand = [] { openFiles().finishCommand(); },
                                                       .closeDesignFile = mdlSystem_closeDesignFile}),
                                      true);
 

@@ -38,7 +38,6 @@ OpenFiles& openFiles() {
 }
 
 OpenFiles::OpenFiles() {
-    observeReturn([] { openFiles().finishCommand(); });
     made = this;
 }
 
@@ -192,7 +191,7 @@ void OpenFiles::closeWork(DesignFile& file) {
 void OpenFiles::finishCommand() {
     journal.beginStep("");
     for (const Opened& opened : all_) {
-        if (opened.file.get() == active_ || !opened.file->takesChanges()) continue;
+        if (!opened.file->takesChanges()) continue;
         const int status = withFile("store the design file", opened.file->name(), [&] { opened.file->save(); });
         if (status != MDL_SUCCESS) markFailed();
     }

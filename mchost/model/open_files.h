@@ -47,7 +47,7 @@ class OpenFiles {
     void closeWork(DesignFile& file);
     bool isWork(const DesignFile& file) { return entryOf(file).openings > 0; }
 
-    // A command is finished: the next change belongs to another step, and what work files were given is stored.
+    // A command is finished: the next change belongs to another step, and what was changed is stored.
     void finishCommand();
 
     // The level library, read anew when the file has changed. Null without one; FileProblem when it can't be read.

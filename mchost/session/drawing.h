@@ -1,5 +1,5 @@
 // What the rooms below that of models ask of the drawing that is open; told by that room. Each as the call of the host
-// with that name.
+// with that name, but where it says what it does.
 #pragma once
 
 #include "mchost/mdl/types.h"
@@ -10,7 +10,7 @@ struct DrawingCalls {
     ModelRef* (*getActive)();
     double (*getUorPerMaster)(ModelRef* model);
     int (*lineStyleFromName)(int32_t* numberP, const char* name, ModelRef* model);
-    int (*saveDesignFile)();
+    void (*finishCommand)();  // stores what was changed in any file
     int (*closeDesignFile)();
 };
 void setDrawingCalls(const DrawingCalls& calls);

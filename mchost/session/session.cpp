@@ -38,7 +38,7 @@ bool designFileIsOpen() {
 void finishCommand(Session::State& state) {
     tellReturn();
     std::erase_if(keyInQueue(), [&](const KeyIn& k) { return k.task.empty() && state.carryOut && state.carryOut(k); });
-    if (designFileIsOpen() && drawing().saveDesignFile() != MDL_SUCCESS) markFailed();
+    drawing().finishCommand();
 }
 
 void closeDesignFile() {
