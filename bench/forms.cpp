@@ -21,6 +21,8 @@
 #include "mclib/forms/formatter.h"
 #include "mclib/frame/main.h"
 
+using namespace mc;
+
 namespace {
 
 constexpr int rows = 25;

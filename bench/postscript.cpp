@@ -22,6 +22,8 @@
 #include "mclib/print/ps.h"
 #include "mclib/print/ps_prolog.h"
 
+using namespace mc;
+
 namespace {
 
 constexpr double pointsPerMm = 2.834645651435303;

@@ -12,6 +12,8 @@
 #include "mclib/project/records.h"
 #include "show.h"
 
+using namespace mc;
+
 namespace show {
 
 namespace {

@@ -5,24 +5,22 @@
 #include <string>
 #include <string_view>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 // The five codes that Windows-1252 leaves open stand for the control characters of the same number, as in Windows.
-HOST_EXPORT char32_t unicodeOf(unsigned char code);
-HOST_EXPORT std::optional<unsigned char> narrowCodeOf(char32_t character);
+char32_t unicodeOf(unsigned char code);
+std::optional<unsigned char> narrowCodeOf(char32_t character);
 
-HOST_EXPORT std::string utf8FromNarrow(std::string_view narrow);
+std::string utf8FromNarrow(std::string_view narrow);
 
 struct NarrowText {
     std::string text;                   // each character without a code became `substitute`
     std::optional<size_t> badPosition;  // byte in the UTF-8 text of the first one without a code, or of broken UTF-8
 };
-HOST_EXPORT NarrowText narrowFromUtf8(std::string_view utf8, char substitute = '?');
+NarrowText narrowFromUtf8(std::string_view utf8, char substitute = '?');
 
 // Reads the character at `position` and moves behind it; nothing, one byte on, where the text isn't UTF-8.
-HOST_EXPORT std::optional<char32_t> nextUtf8(std::string_view utf8, size_t& position);
-HOST_EXPORT void appendUtf8(std::string& utf8, char32_t character);
+std::optional<char32_t> nextUtf8(std::string_view utf8, size_t& position);
+void appendUtf8(std::string& utf8, char32_t character);
 
 }  // namespace host

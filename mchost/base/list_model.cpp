@@ -35,25 +35,25 @@ Cell* cellAt(const ListModel* model, int32_t row, int32_t column) {
 
 }  // namespace
 
-ListModel* mdlListModel_create(int32_t columns) {
+ListModel* mdlListModel_create(int32_t columns) noexcept {
     return host::guarded<ListModel*>(nullptr, [&]() -> ListModel* {
         return columns < 1 ? nullptr : new ListModel{columns, {}};
     });
 }
 
-void mdlListModel_destroy(ListModel* model) {
+void mdlListModel_destroy(ListModel* model) noexcept {
     delete model;
 }
 
-int32_t mdlListModel_rowCount(const ListModel* model) {
+int32_t mdlListModel_rowCount(const ListModel* model) noexcept {
     return model ? rowsOf(*model) : 0;
 }
 
-int32_t mdlListModel_columnCount(const ListModel* model) {
+int32_t mdlListModel_columnCount(const ListModel* model) noexcept {
     return model ? model->columns : 0;
 }
 
-int32_t mdlListModel_addRow(ListModel* model) {
+int32_t mdlListModel_addRow(ListModel* model) noexcept {
     return host::guarded<int32_t>(-1, [&]() -> int32_t {
         if (!model) return -1;
         model->rows.emplace_back(static_cast<size_t>(model->columns));
@@ -61,13 +61,13 @@ int32_t mdlListModel_addRow(ListModel* model) {
     });
 }
 
-int mdlListModel_removeRow(ListModel* model, int32_t row) {
+int mdlListModel_removeRow(ListModel* model, int32_t row) noexcept {
     if (!cellAt(model, row, 0)) return MDL_ERROR;
     model->rows.erase(model->rows.begin() + row);
     return MDL_SUCCESS;
 }
 
-int mdlListModel_setText(ListModel* model, int32_t row, int32_t column, const char* text) {
+int mdlListModel_setText(ListModel* model, int32_t row, int32_t column, const char* text) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         Cell* cell = cellAt(model, row, column);
         if (!cell || !text) return MDL_ERROR;
@@ -76,26 +76,26 @@ int mdlListModel_setText(ListModel* model, int32_t row, int32_t column, const ch
     });
 }
 
-const char* mdlListModel_getText(const ListModel* model, int32_t row, int32_t column) {
+const char* mdlListModel_getText(const ListModel* model, int32_t row, int32_t column) noexcept {
     const Cell* cell = cellAt(model, row, column);
     return cell ? cell->text.c_str() : nullptr;
 }
 
-int mdlListModel_setValue(ListModel* model, int32_t row, int32_t column, int32_t value) {
+int mdlListModel_setValue(ListModel* model, int32_t row, int32_t column, int32_t value) noexcept {
     Cell* cell = cellAt(model, row, column);
     if (!cell) return MDL_ERROR;
     cell->value = value;
     return MDL_SUCCESS;
 }
 
-int mdlListModel_getValue(int32_t* valueP, const ListModel* model, int32_t row, int32_t column) {
+int mdlListModel_getValue(int32_t* valueP, const ListModel* model, int32_t row, int32_t column) noexcept {
     const Cell* cell = cellAt(model, row, column);
     if (!cell) return MDL_ERROR;
     if (valueP) *valueP = cell->value;
     return MDL_SUCCESS;
 }
 
-int mdlListModel_setEditor(ListModel* model, int32_t row, int32_t column, uint32_t itemType, int32_t itemId) {
+int mdlListModel_setEditor(ListModel* model, int32_t row, int32_t column, uint32_t itemType, int32_t itemId) noexcept {
     Cell* cell = cellAt(model, row, column);
     if (!cell) return MDL_ERROR;
     cell->editorType = itemType;

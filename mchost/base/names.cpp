@@ -52,7 +52,7 @@ bool isAbsolute(std::string_view name) {
 // The first thing that `find` makes of the entries of a variable, which are divided by semicolons.
 template <class Find>
 std::optional<std::string> firstAlong(const char* variable, Find find) {
-    const std::string entries = variable == nullptr ? "" : variables().expandedValue(variable).value_or("");
+    const std::string entries = !variable ? "" : variables().expandedValue(variable).value_or("");
     for (std::string_view left = entries; !left.empty();) {
         const std::string_view entry = left.substr(0, left.find(';'));
         left.remove_prefix(std::min(left.size(), entry.size() + 1));
@@ -81,18 +81,18 @@ std::optional<std::string> findAlong(const std::string& name, const char* search
 }
 
 void copyPart(char* buffer, std::string_view part) {
-    if (buffer == nullptr) return;
+    if (!buffer) return;
     std::ranges::copy(part, buffer);
     buffer[part.size()] = '\0';
 }
 
 std::string_view textOf(const char* part) {
-    return part == nullptr ? std::string_view() : part;
+    return !part ? std::string_view() : part;
 }
 
 // Leaves the buffer empty when the text doesn't fit.
 int giveWhole(char* buffer, int size, std::string_view text) {
-    if (buffer == nullptr || size < 1) return MDL_ERROR;
+    if (!buffer || size < 1) return MDL_ERROR;
     const bool fits = text.size() < static_cast<size_t>(size);
     copyPart(buffer, fits ? text : std::string_view());
     return fits ? MDL_SUCCESS : MDL_ERROR;
@@ -133,10 +133,10 @@ std::string abbreviated(std::string_view name, size_t longest) {
 
 using namespace host;
 
-int mdlFile_find(char* result, const char* name, const char* searchVariable, const char* defaultExtension) {
+int mdlFile_find(char* result, const char* name, const char* searchVariable, const char* defaultExtension) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         const std::optional<std::string> found =
-            name == nullptr
+            !name
                 ? firstAlong(searchVariable, [](const std::string& file) { return fullNameOfFile(file, Case::aside); })
                 : findAlong(name, searchVariable, textOf(defaultExtension));
         if (!found || found->size() > longestHostName) return MDL_ERROR;
@@ -145,7 +145,7 @@ int mdlFile_find(char* result, const char* name, const char* searchVariable, con
     });
 }
 
-int mdlFile_parseName(const char* path, char* device, char* directory, char* name, char* extension) {
+int mdlFile_parseName(const char* path, char* device, char* directory, char* name, char* extension) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         const std::string copy(textOf(path));  // a buffer may be the path's own
         const bool good = path != nullptr && copy.size() <= longestHostName;
@@ -158,9 +158,10 @@ int mdlFile_parseName(const char* path, char* device, char* directory, char* nam
     });
 }
 
-int mdlFile_buildName(char* path, const char* device, const char* directory, const char* name, const char* extension) {
+int mdlFile_buildName(char* path, const char* device, const char* directory, const char* name,
+                      const char* extension) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (path == nullptr) return MDL_ERROR;
+        if (!path) return MDL_ERROR;
         const std::string built = builtName(textOf(device), textOf(directory), textOf(name), textOf(extension));
         const bool good = built.size() <= longestHostName;
         copyPart(path, good ? std::string_view(built) : std::string_view());
@@ -168,9 +169,9 @@ int mdlFile_buildName(char* path, const char* device, const char* directory, con
     });
 }
 
-int mdlFile_abbreviateName(char* name, int size) {
+int mdlFile_abbreviateName(char* name, int size) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (name == nullptr || size < 1) return MDL_ERROR;
+        if (!name || size < 1) return MDL_ERROR;
         const std::string_view text = name;
         const size_t longest = static_cast<size_t>(size) - 1;
         if (text.size() > longest) copyPart(name, abbreviated(text, longest));
@@ -178,24 +179,24 @@ int mdlFile_abbreviateName(char* name, int size) {
     });
 }
 
-int mdlFile_getSystemPath(char* path, int size, const char* name) {
+int mdlFile_getSystemPath(char* path, int size, const char* name) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int { return giveWhole(path, size, systemPath(textOf(name))); });
 }
 
-int mdlFile_getSystemName(char* shown, int size, const char* name) {
+int mdlFile_getSystemName(char* shown, int size, const char* name) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int { return giveWhole(shown, size, hostName(systemPath(textOf(name)))); });
 }
 
-int mdlFile_getFileAttributes(int32_t* attributesP, const char* name) {
+int mdlFile_getFileAttributes(int32_t* attributesP, const char* name) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (name == nullptr || name[0] == '\0') return MDL_ERROR;
+        if (!name || name[0] == '\0') return MDL_ERROR;
         const fs::path path = systemPath(name);
         std::error_code error;
         const fs::file_status status = fs::status(path, error);
         if (!fs::exists(status)) return MDL_ERROR;
         const int32_t attributes = (fs::is_directory(status) ? MDL_ATTRIBUTE_DIRECTORY : 0) |
                                    (access(path.c_str(), W_OK) != 0 ? MDL_ATTRIBUTE_READ_ONLY : 0);
-        if (attributesP != nullptr) *attributesP = attributes;
+        if (attributesP) *attributesP = attributes;
         return MDL_SUCCESS;
     });
 }

@@ -107,7 +107,7 @@ std::string notANumber(std::string_view text) {
 
 }  // namespace host
 
-int mdlOutput_formatText(char* to, size_t size, const char* format, va_list values) {
+int mdlOutput_formatText(char* to, size_t size, const char* format, va_list values) noexcept {
     static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
     const locale_t before = uselocale(plain);
     const int length = std::vsnprintf(to, size, format, values);

@@ -6,16 +6,14 @@
 #include <string>
 #include <string_view>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 // A format that has exactly one conversion, of a whole number (d i u x X), a number (e f g, also in capitals) or a
 // text (s), without length letter or "*", width and precision below 100.
-HOST_EXPORT bool isValueFormat(std::string_view format);
+bool isValueFormat(std::string_view format);
 
 // The number in that format; nothing when the format isn't one of a number.
-HOST_EXPORT std::optional<std::string> formatNumber(const std::string& format, double value);
+std::optional<std::string> formatNumber(const std::string& format, double value);
 // The shortest text that reads back as the same number; with an exponent only below 1e-5 and from 1e15.
 std::string shortestNumber(double value);
 

@@ -24,8 +24,8 @@ class PackedTexts {
     bool give(void* buffer, uint32_t size, uint32_t* neededP) const {
         const size_t front = count_ * sizeof(Structure);
         const size_t needed = front + texts_.size();
-        if (neededP != nullptr) *neededP = static_cast<uint32_t>(needed);
-        if (needed > size || (buffer == nullptr && needed > 0)) return false;
+        if (neededP) *neededP = static_cast<uint32_t>(needed);
+        if (needed > size || (!buffer && needed > 0)) return false;
         char* const texts = static_cast<char*>(buffer) + front;
         std::vector<Structure> structures(count_);
         for (const Entry& entry : entries_) structures[entry.index].*entry.member = texts + entry.offset;

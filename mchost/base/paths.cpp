@@ -56,7 +56,7 @@ std::string driveFolder(char letter) {
 
 std::filesystem::path userDataFolder() {
     const char* data = std::getenv("XDG_DATA_HOME");
-    if (data != nullptr && data[0] == '/') return std::filesystem::path(data) / "mchost";
+    if (data && data[0] == '/') return std::filesystem::path(data) / "mchost";
     const char* home = std::getenv("HOME");
     const std::filesystem::path folder = home != nullptr && home[0] != '\0' ? home : "/tmp";
     return folder / ".local/share/mchost";

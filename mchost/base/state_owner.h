@@ -7,8 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 // Where the T of the session stands; null while there is none. Its address stands for the type.
@@ -49,7 +47,7 @@ class StateOwner {
 };
 
 // The owner of what lasts longer than an application: the session's.
-HOST_EXPORT StateOwner& sessionOwner();
+StateOwner& sessionOwner();
 
 // The T of the session. T lies in one library: each has a state of its own for a type that it shares with another.
 template <class T>

@@ -37,7 +37,7 @@ void insertEmpty(StringList& list, int32_t index, int32_t count) {
 
 }  // namespace
 
-StringList* mdlStringList_create(int32_t count, int32_t infoFields) {
+StringList* mdlStringList_create(int32_t count, int32_t infoFields) noexcept {
     return host::guarded<StringList*>(nullptr, [&]() -> StringList* {
         if (count < 0 || count > greatestLimit || infoFields < 0) return nullptr;
         auto list = std::make_unique<StringList>(StringList{infoFields, greatestLimit, {}, {}});
@@ -46,15 +46,15 @@ StringList* mdlStringList_create(int32_t count, int32_t infoFields) {
     });
 }
 
-void mdlStringList_destroy(StringList* list) {
+void mdlStringList_destroy(StringList* list) noexcept {
     delete list;
 }
 
-int32_t mdlStringList_size(const StringList* list) {
+int32_t mdlStringList_size(const StringList* list) noexcept {
     return list ? sizeOf(*list) : 0;
 }
 
-int mdlStringList_insertMember(int32_t* indexP, StringList* list, int32_t index, int32_t count) {
+int mdlStringList_insertMember(int32_t* indexP, StringList* list, int32_t index, int32_t count) noexcept {
     if (indexP) *indexP = -1;
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (!list || count < 1 || index < -1 || index > sizeOf(*list)) return MDL_ERROR;
@@ -66,14 +66,14 @@ int mdlStringList_insertMember(int32_t* indexP, StringList* list, int32_t index,
     });
 }
 
-int mdlStringList_deleteMember(StringList* list, int32_t index, int32_t count) {
+int mdlStringList_deleteMember(StringList* list, int32_t index, int32_t count) noexcept {
     if (!hasMember(list, index) || count < 1 || count > sizeOf(*list) - index) return MDL_ERROR;
     list->texts.erase(list->texts.begin() + index, list->texts.begin() + index + count);
     list->info.erase(infoOf(*list, index), infoOf(*list, index + count));
     return MDL_SUCCESS;
 }
 
-int mdlStringList_setMember(StringList* list, int32_t index, const char* text, const int32_t* info) {
+int mdlStringList_setMember(StringList* list, int32_t index, const char* text, const int32_t* info) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (!hasMember(list, index)) return MDL_ERROR;
         if (text) list->texts[static_cast<size_t>(index)] = std::string(text);
@@ -82,25 +82,25 @@ int mdlStringList_setMember(StringList* list, int32_t index, const char* text, c
     });
 }
 
-int mdlStringList_getMember(const char** textP, int32_t* info, const StringList* list, int32_t index) {
+int mdlStringList_getMember(const char** textP, int32_t* info, const StringList* list, int32_t index) noexcept {
     if (!hasMember(list, index)) return MDL_ERROR;
     if (textP) *textP = list->texts[static_cast<size_t>(index)].c_str();
     if (info) std::copy_n(infoOf(*list, index), list->infoFields, info);
     return MDL_SUCCESS;
 }
 
-int mdlStringList_setInfoField(StringList* list, int32_t index, int32_t field, int32_t value) {
+int mdlStringList_setInfoField(StringList* list, int32_t index, int32_t field, int32_t value) noexcept {
     if (!hasField(list, index, field)) return MDL_ERROR;
     infoOf(*list, index)[field] = value;
     return MDL_SUCCESS;
 }
 
-int mdlStringList_getInfoField(int32_t* valueP, const StringList* list, int32_t index, int32_t field) {
+int mdlStringList_getInfoField(int32_t* valueP, const StringList* list, int32_t index, int32_t field) noexcept {
     if (!hasField(list, index, field)) return MDL_ERROR;
     if (valueP) *valueP = infoOf(*list, index)[field];
     return MDL_SUCCESS;
 }
 
-void mdlStringList_setLimit(StringList* list, int32_t limit) {
+void mdlStringList_setLimit(StringList* list, int32_t limit) noexcept {
     if (list) list->limit = std::clamp(limit, 0, greatestLimit);
 }

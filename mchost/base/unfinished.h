@@ -3,14 +3,12 @@
 
 #include <csignal>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 // While this stands, a signal that ends the process removes the file or folder first: a file with what a database keeps
 // beside it ("-wal", "-shm", "-journal"), a folder with the files in it. Otherwise the owner removes it, or gives it
 // another name.
-class HOST_EXPORT Unfinished {
+class Unfinished {
   public:
     explicit Unfinished(const char* path) noexcept;
     ~Unfinished();
@@ -42,6 +40,6 @@ void removeUnfinished() noexcept;
 
 // For a program's start: signals that end the process remove what is unfinished, unless the one who started it has them
 // ignored; and a file that grows beyond the limit of the process fails to be written instead of ending it.
-HOST_EXPORT void tidyUpAtSignals();
+void tidyUpAtSignals();
 
 }  // namespace host

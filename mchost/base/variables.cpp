@@ -74,7 +74,7 @@ std::optional<std::string> Variables::value(std::string_view name) const {
         if (entry->second.hidesEnvironment) return std::nullopt;
     }
     const char* value = environment(name);
-    return value == nullptr ? std::nullopt : std::optional<std::string>(value);
+    return !value ? std::nullopt : std::optional<std::string>(value);
 }
 
 bool Variables::define(std::string_view name, std::string_view value, int level) {

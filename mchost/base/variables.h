@@ -7,11 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
-class HOST_EXPORT Variables {
+class Variables {
   public:
     static constexpr int levelCount = 5;  // 0 system, 1 application, 2 site, 3 project, 4 user; the highest counts
     static constexpr size_t longestExpansion = 65536;

@@ -39,8 +39,8 @@ constexpr std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-// The number that the text is from its first to its last character, "." being the decimal sign; of whole numbers the base
-// may follow.
+// The number that the text is from its first to its last character, "." being the decimal sign; of whole numbers the
+// base may follow.
 template <class Number, class... Base>
 std::optional<Number> numberIn(std::string_view text, Base... base) {
     Number value{};

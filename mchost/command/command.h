@@ -5,30 +5,29 @@
 #include <string>
 #include <vector>
 
-#include "mchost/base/export.h"
 #include "mchost/mdl/owned.hpp"
 
 namespace host {
 
 // Whether a command other than the default one runs.
-HOST_EXPORT bool commandRuns();
-HOST_EXPORT const std::string& commandPrompt();  // Windows-1252
+bool commandRuns();
+const std::string& commandPrompt();  // Windows-1252
 // A number that no other command of the session has, also not the same one started anew; 0 is the default command.
-HOST_EXPORT uint64_t commandSerial();
+uint64_t commandSerial();
 
 // What the user does: points are UOR of the active model. False when no command runs, or there is no such view. A data
 // point moves the cursor to its place first, so that a command sees it in its dynamics.
-HOST_EXPORT bool moveCursor(const Point3d& point, int32_t view);
-HOST_EXPORT bool giveDataPoint(const Point3d& point, int32_t view);
-HOST_EXPORT bool giveReset();
+bool moveCursor(const Point3d& point, int32_t view);
+bool giveDataPoint(const Point3d& point, int32_t view);
+bool giveReset();
 
 // What the dynamics of the command displayed at the last move of the cursor.
-HOST_EXPORT const std::vector<mdl::DescrPtr>& dynamicElements();
+const std::vector<mdl::DescrPtr>& dynamicElements();
 
 // Runs the loop: commands get their points and resets, from key-ins first, and the dialogs that are open can be used
 // meanwhile. serve() until the front end says that nothing is left to do, serveCommands() until no command runs. False
 // when nobody answers: a command is ended then.
-HOST_EXPORT bool serve();
-HOST_EXPORT bool serveCommands();
+bool serve();
+bool serveCommands();
 
 }  // namespace host

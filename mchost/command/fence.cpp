@@ -33,13 +33,13 @@ const Fence* activeFence() {
 
 using namespace host;
 
-int mdlFence_setView(int32_t view) {
+int mdlFence_setView(int32_t view) noexcept {
     if (!isView(view)) return MDL_ERROR;
     state().view = view;
     return MDL_SUCCESS;
 }
 
-int mdlFence_fromShape(const MSElementBuffer* shape) {
+int mdlFence_fromShape(const MSElementBuffer* shape) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         const uint64_t model = activeModelSerial();
         if (model == 0 || mdlElement_getType(shape) != MDL_SHAPE) return MDL_ERROR;
@@ -50,12 +50,12 @@ int mdlFence_fromShape(const MSElementBuffer* shape) {
     });
 }
 
-int mdlFence_clear(int32_t) {
-    if (activeFence() == nullptr) return MDL_ERROR;
+int mdlFence_clear(int32_t) noexcept {
+    if (!activeFence()) return MDL_ERROR;
     state().fence.reset();
     return MDL_SUCCESS;
 }
 
-int mdlFence_isActive(void) {
+int mdlFence_isActive(void) noexcept {
     return activeFence() != nullptr;
 }

@@ -5,7 +5,6 @@
 #include <optional>
 #include <string_view>
 
-#include "mchost/base/export.h"
 #include "mchost/mdl/types.h"
 
 namespace host {
@@ -18,7 +17,7 @@ struct CommandInput {
 
 // "x,y[,z] [view]" with the view from 1 to 8, which is 1 when it isn't given; "reset", "r" or nothing; or "end".
 // Nothing for what can't be read.
-HOST_EXPORT std::optional<CommandInput> commandInputIn(std::string_view line);
+std::optional<CommandInput> commandInputIn(std::string_view line);
 
 // Of the active model.
 Point3d inUor(const Point3d& masterUnits);

@@ -103,7 +103,7 @@ bool moveCursor(const Point3d& point, int32_t view) {
     if (!commandRuns() || !isView(view) || !isFinite(point)) return false;
     data = {point, view};
     state().drawn.clear();
-    if (state().running.dynamics == nullptr) return true;
+    if (!state().running.dynamics) return true;
     Point3d given = point;
     state().inDynamics = true;
     call(state().running.dynamics, &given, view, int32_t{MDL_DYNAMICS});
@@ -115,14 +115,14 @@ bool giveDataPoint(const Point3d& point, int32_t view) {
     if (!moveCursor(point, view) || !commandRuns()) return false;
     state().drawn.clear();
     Point3d given = point;
-    if (state().running.dataPoint != nullptr) call(state().running.dataPoint, &given, view);
+    if (state().running.dataPoint) call(state().running.dataPoint, &given, view);
     return true;
 }
 
 bool giveReset() {
     if (!commandRuns()) return false;
     state().drawn.clear();
-    if (state().running.reset != nullptr)
+    if (state().running.reset)
         call(state().running.reset);
     else
         startDefault();
@@ -139,7 +139,7 @@ using namespace host;
 
 MdlStateData* statedataP = &data;
 
-int mdlState_startPrimitive(MdlDataPointFunction dataPoint, MdlResetFunction restart, int32_t, int32_t) {
+int mdlState_startPrimitive(MdlDataPointFunction dataPoint, MdlResetFunction restart, int32_t, int32_t) noexcept {
     return guarded<int>(MDL_ERROR, [&] {
         MdlDesc* const owner = mdlSystem_getCurrMdlDesc();
         startDefault();
@@ -153,7 +153,7 @@ int mdlState_startPrimitive(MdlDataPointFunction dataPoint, MdlResetFunction res
     });
 }
 
-int mdlState_setFunction(int32_t number, MdlStateFunction function) {
+int mdlState_setFunction(int32_t number, MdlStateFunction function) noexcept {
     if (!commandRuns()) return MDL_ERROR;
     Command& running = state().running;
     switch (number) {
@@ -165,30 +165,30 @@ int mdlState_setFunction(int32_t number, MdlStateFunction function) {
     return MDL_SUCCESS;
 }
 
-int mdlState_restartCurrentCommand(void) {
+int mdlState_restartCurrentCommand(void) noexcept {
     return guarded<int>(MDL_ERROR, []() -> int {
-        if (!commandRuns() || state().running.restart == nullptr) return mdlState_startDefaultCommand();
+        if (!commandRuns() || !state().running.restart) return mdlState_startDefaultCommand();
         state().drawn.clear();
         call(state().running.restart);
         return MDL_SUCCESS;
     });
 }
 
-int mdlState_startDefaultCommand(void) {
+int mdlState_startDefaultCommand(void) noexcept {
     return guarded<int>(MDL_ERROR, [] {
         startDefault();
         return MDL_SUCCESS;
     });
 }
 
-int mdlOutput_prompt(const char* text) {
+int mdlOutput_prompt(const char* text) noexcept {
     return guarded<int>(MDL_ERROR, [&] {
-        showPrompt(text == nullptr ? "" : text);
+        showPrompt(!text ? "" : text);
         return MDL_SUCCESS;
     });
 }
 
-int mdlElement_display(const MSElementBuffer* element, int32_t drawMode) {
+int mdlElement_display(const MSElementBuffer* element, int32_t drawMode) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (!canDisplay(element, drawMode)) return MDL_ERROR;
         ElementDescr* shown = nullptr;
@@ -199,9 +199,9 @@ int mdlElement_display(const MSElementBuffer* element, int32_t drawMode) {
     });
 }
 
-int mdlElmdscr_display(ElementDescr* ed, ModelRef*, int32_t drawMode) {
+int mdlElmdscr_display(ElementDescr* ed, ModelRef*, int32_t drawMode) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (ed == nullptr || !canDisplay(ed->element, drawMode)) return MDL_ERROR;
+        if (!ed || !canDisplay(ed->element, drawMode)) return MDL_ERROR;
         if (drawMode == MDL_DYNAMICS && state().inDynamics) keep(ed);
         tellDisplayed(*ed, drawMode);
         return MDL_SUCCESS;

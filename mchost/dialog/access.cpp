@@ -288,11 +288,11 @@ std::string writePlace(const AccessPlace& place, std::string_view text) {
 
 }  // namespace host
 
-SymbolSet* mdlCExpression_initializeSet(int32_t, int32_t, int32_t) {
+SymbolSet* mdlCExpression_initializeSet(int32_t, int32_t, int32_t) noexcept {
     return host::guarded<SymbolSet*>(nullptr, [] { return host::makeSet(); });
 }
 
-int mdlDialog_publishStructure(SymbolSet* set, const char* structName, const StructField* fields) {
+int mdlDialog_publishStructure(SymbolSet* set, const char* structName, const StructField* fields) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (!host::isSet(set) || !structName || !fields) return MDL_ERROR;
         set->structures[structName] = fields;
@@ -300,7 +300,7 @@ int mdlDialog_publishStructure(SymbolSet* set, const char* structName, const Str
     });
 }
 
-int mdlDialog_publishComplexPtr(SymbolSet* set, const char* structName, const char* name, void* address) {
+int mdlDialog_publishComplexPtr(SymbolSet* set, const char* structName, const char* name, void* address) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (!host::isSet(set) || !structName || !name || !address) return MDL_ERROR;
         set->pointers[name] = {structName, address};
@@ -308,7 +308,7 @@ int mdlDialog_publishComplexPtr(SymbolSet* set, const char* structName, const ch
     });
 }
 
-int mdlDialog_getAccessValue(char* text, int32_t size, const char* accessString) {
+int mdlDialog_getAccessValue(char* text, int32_t size, const char* accessString) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (!text || size < 1 || !accessString) return MDL_ERROR;
         const host::AccessResult result = host::resolveAccess(accessString);
@@ -321,7 +321,7 @@ int mdlDialog_getAccessValue(char* text, int32_t size, const char* accessString)
     });
 }
 
-int mdlDialog_setAccessValue(const char* accessString, const char* text) {
+int mdlDialog_setAccessValue(const char* accessString, const char* text) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (!accessString || !text) return MDL_ERROR;
         const host::AccessResult result = host::resolveAccess(accessString);

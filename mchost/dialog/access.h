@@ -9,7 +9,6 @@
 #include <string>
 #include <string_view>
 
-#include "mchost/base/export.h"
 #include "mchost/mdl/dialog.h"
 
 namespace host {
@@ -27,12 +26,12 @@ struct AccessResult {
     std::string fault;    // such as "no published name \"mgp\""
     bool onNull = false;  // the fault is a pointer that is null at this moment
 };
-HOST_EXPORT AccessResult resolveAccess(std::string_view accessString);
+AccessResult resolveAccess(std::string_view accessString);
 
 // The value as Windows-1252 text; a number in `format` when that is one of a number, else as short as it reads back.
-HOST_EXPORT std::string readPlace(const AccessPlace& place, const std::string& format = {});
+std::string readPlace(const AccessPlace& place, const std::string& format = {});
 // What is wrong with the text, as the end of a sentence such as "isn't a number", when it is no number of the place's
 // type or doesn't fit its array, which stays as it was; empty when it was written.
-HOST_EXPORT std::string writePlace(const AccessPlace& place, std::string_view text);
+std::string writePlace(const AccessPlace& place, std::string_view text);
 
 }  // namespace host

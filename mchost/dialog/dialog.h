@@ -13,7 +13,6 @@
 #include <string_view>
 #include <vector>
 
-#include "mchost/base/export.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/view.h"
 #include "mchost/resource/container.h"
@@ -87,7 +86,7 @@ struct DialogItem {
     std::vector<DrawCall> drawing;
 };
 
-class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
+class Dialog : public std::enable_shared_from_this<Dialog> {
   public:
     Dialog(const DialogLayout& layout, MdlDesc* owner, bool modal, const std::string& language);
 
@@ -210,19 +209,19 @@ class HOST_EXPORT Dialog : public std::enable_shared_from_this<Dialog> {
 };
 
 // The dialogs that are open without being modal, in order of opening.
-HOST_EXPORT std::vector<std::shared_ptr<Dialog>> openDialogs();
+std::vector<std::shared_ptr<Dialog>> openDialogs();
 
 // Carries out what was done to a dialog; false when it can't be done.
-HOST_EXPORT bool carryOut(const DialogEvent& event);
+bool carryOut(const DialogEvent& event);
 
 // Runs the loop for a dialog that has been opened as a modal one until it has ended; false when nobody answers.
-HOST_EXPORT bool runModal(Dialog& dialog);
+bool runModal(Dialog& dialog);
 
 // Dialogs that were told to close when control is back in the host. The host calls this where it has control.
-HOST_EXPORT void closeQueuedDialogs();
+void closeQueuedDialogs();
 
 // ---- fonts ----
 enum { FONT_DIALOG = 2, FONT_FIXED = 4 };
-HOST_EXPORT int32_t widthOfText(std::string_view narrow, int32_t font);
+int32_t widthOfText(std::string_view narrow, int32_t font);
 
 }  // namespace host

@@ -56,7 +56,7 @@ bool runModal(Dialog& dialog) {
 
 }  // namespace host
 
-MdlDialog* mdlDialog_open(RscHandle rscFile, int32_t dialogId) {
+MdlDialog* mdlDialog_open(RscHandle rscFile, int32_t dialogId) noexcept {
     return host::guarded<MdlDialog*>(nullptr, [&]() -> MdlDialog* {
         if (const auto open = host::findDialog(dialogId, mdlSystem_getCurrMdlDesc()); open && !open->modal())
             return open->handle();
@@ -65,7 +65,7 @@ MdlDialog* mdlDialog_open(RscHandle rscFile, int32_t dialogId) {
     });
 }
 
-int mdlDialog_openModal(int32_t* replyP, RscHandle rscFile, int32_t dialogId) {
+int mdlDialog_openModal(int32_t* replyP, RscHandle rscFile, int32_t dialogId) noexcept {
     if (replyP) *replyP = host::REPLY_SECOND;
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         const auto dialog = host::makeDialog(rscFile, dialogId, true);
@@ -77,16 +77,16 @@ int mdlDialog_openModal(int32_t* replyP, RscHandle rscFile, int32_t dialogId) {
     });
 }
 
-MdlDialog* mdlDialog_find(int32_t dialogId, MdlDesc* desc) {
+MdlDialog* mdlDialog_find(int32_t dialogId, MdlDesc* desc) noexcept {
     const auto dialog = host::findDialog(dialogId, desc);
     return dialog ? dialog->handle() : nullptr;
 }
 
-MdlDialog* mdlDialog_findByTypeAndId(int32_t type, int32_t dialogId, MdlDesc* desc) {
+MdlDialog* mdlDialog_findByTypeAndId(int32_t type, int32_t dialogId, MdlDesc* desc) noexcept {
     return type == MDL_DIALOG_BOX ? mdlDialog_find(dialogId, desc) : nullptr;
 }
 
-int mdlWindow_close(MdlDialog* handle, int32_t, int32_t) {
+int mdlWindow_close(MdlDialog* handle, int32_t, int32_t) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         const auto dialog = host::dialogOf(handle);
         if (!dialog) return MDL_ERROR;
@@ -95,7 +95,7 @@ int mdlWindow_close(MdlDialog* handle, int32_t, int32_t) {
     });
 }
 
-int mdlDialog_closeCommandQueue(MdlDialog* handle) {
+int mdlDialog_closeCommandQueue(MdlDialog* handle) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         const auto dialog = host::dialogOf(handle);
         if (!dialog) return MDL_ERROR;
@@ -104,23 +104,23 @@ int mdlDialog_closeCommandQueue(MdlDialog* handle) {
     });
 }
 
-int32_t mdlDialog_getId(const MdlDialog* handle) {
+int32_t mdlDialog_getId(const MdlDialog* handle) noexcept {
     const auto dialog = host::dialogOf(handle);
     return dialog ? dialog->id() : 0;
 }
 
-void mdlWindow_titleSet(MdlDialog* handle, const char* title) {
+void mdlWindow_titleSet(MdlDialog* handle, const char* title) noexcept {
     host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (const auto dialog = host::dialogOf(handle); dialog && title) dialog->setTitle(title);
         return MDL_SUCCESS;
     });
 }
 
-void mdlWindow_extentSet(MdlDialog* handle, int32_t width, int32_t height) {
+void mdlWindow_extentSet(MdlDialog* handle, int32_t width, int32_t height) noexcept {
     if (const auto dialog = host::dialogOf(handle)) dialog->setExtent(width, height);
 }
 
-void mdlWindow_contentRectGet(DialogRect* rect, const MdlDialog* handle) {
+void mdlWindow_contentRectGet(DialogRect* rect, const MdlDialog* handle) noexcept {
     const auto dialog = host::dialogOf(handle);
     if (rect) *rect = dialog ? DialogRect{0, 0, dialog->width(), dialog->height()} : DialogRect{};
 }

@@ -59,24 +59,24 @@ int32_t widthOfText(std::string_view narrow, int32_t font) {
 using host::Dialog;
 using host::DrawCall;
 
-int32_t mdlDialog_fontHeight(int32_t fontIndex) {
+int32_t mdlDialog_fontHeight(int32_t fontIndex) noexcept {
     return host::heightOfFont(fontIndex);
 }
 
-int32_t mdlDialog_stringWidth(const char* text, int32_t fontIndex) {
+int32_t mdlDialog_stringWidth(const char* text, int32_t fontIndex) noexcept {
     return text ? host::widthOfText(text, fontIndex) : 0;
 }
 
-void mdlDialog_setFontIndex(MdlDialog* handle, int32_t fontIndex) {
+void mdlDialog_setFontIndex(MdlDialog* handle, int32_t fontIndex) noexcept {
     if (const auto dialog = host::dialogOf(handle)) dialog->setFont(fontIndex);
 }
 
-int32_t mdlDialog_getFontIndex(const MdlDialog* handle) {
+int32_t mdlDialog_getFontIndex(const MdlDialog* handle) noexcept {
     const auto dialog = host::dialogOf(handle);
     return dialog ? dialog->font() : static_cast<int32_t>(host::FONT_DIALOG);
 }
 
-int mdlDialog_textDrawCD(MdlDialog* handle, int32_t x, int32_t y, const char* text) {
+int mdlDialog_textDrawCD(MdlDialog* handle, int32_t x, int32_t y, const char* text) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!text) return MDL_ERROR;
         const int32_t font = dialog.font();
@@ -86,7 +86,7 @@ int mdlDialog_textDrawCD(MdlDialog* handle, int32_t x, int32_t y, const char* te
     });
 }
 
-int mdlWindow_polylineDraw(MdlDialog* handle, const int32_t* points, int32_t count, int32_t color) {
+int mdlWindow_polylineDraw(MdlDialog* handle, const int32_t* points, int32_t count, int32_t color) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!points || count < 2) return MDL_ERROR;
         DialogRect rect{points[0], points[1], points[0], points[1]};
@@ -100,19 +100,19 @@ int mdlWindow_polylineDraw(MdlDialog* handle, const int32_t* points, int32_t cou
     });
 }
 
-int mdlWindow_clear(MdlDialog* handle) {
+int mdlWindow_clear(MdlDialog* handle) noexcept {
     return host::onDialog(handle, [](Dialog& dialog) -> int {
         dialog.clear();
         return MDL_SUCCESS;
     });
 }
 
-int32_t mdlWindow_fixedColorIndexGet(const MdlDialog* handle, int32_t fixedColor) {
+int32_t mdlWindow_fixedColorIndexGet(const MdlDialog* handle, int32_t fixedColor) noexcept {
     const bool known = fixedColor >= 0 && fixedColor < host::fixedColors;
     return known && host::dialogOf(handle) ? host::firstFixedColor + fixedColor : int32_t{MDL_ERROR};
 }
 
-int mdlWindow_lineStyleSet(MdlDialog* handle, int32_t style, int32_t colorIndex, int32_t mode, int32_t width) {
+int mdlWindow_lineStyleSet(MdlDialog* handle, int32_t style, int32_t colorIndex, int32_t mode, int32_t width) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         const bool knownColor = colorIndex >= 0 && colorIndex < host::firstFixedColor + host::fixedColors;
         if (style < 0 || style > 7 || !knownColor || mode != 0 || width < 1) return MDL_ERROR;
@@ -121,7 +121,7 @@ int mdlWindow_lineStyleSet(MdlDialog* handle, int32_t style, int32_t colorIndex,
     });
 }
 
-int mdlWindow_lineDraw(MdlDialog* handle, int32_t x0, int32_t y0, int32_t x1, int32_t y1) {
+int mdlWindow_lineDraw(MdlDialog* handle, int32_t x0, int32_t y0, int32_t x1, int32_t y1) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         const DialogRect rect{std::min(x0, x1), std::min(y0, y1), std::max(x0, x1), std::max(y0, y1)};
         dialog.add({.kind = DrawCall::Kind::line,
@@ -133,7 +133,7 @@ int mdlWindow_lineDraw(MdlDialog* handle, int32_t x0, int32_t y0, int32_t x1, in
     });
 }
 
-int mdlDialog_rectDrawBeveled(MdlDialog* handle, const DialogRect* rect, int32_t sunken, int32_t filled) {
+int mdlDialog_rectDrawBeveled(MdlDialog* handle, const DialogRect* rect, int32_t sunken, int32_t filled) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!rect) return MDL_ERROR;
         dialog.add({.kind = DrawCall::Kind::bevel, .rect = *rect, .sunken = sunken != 0, .filled = filled != 0});
@@ -141,7 +141,7 @@ int mdlDialog_rectDrawBeveled(MdlDialog* handle, const DialogRect* rect, int32_t
     });
 }
 
-int mdlDialog_rectFill(MdlDialog* handle, const DialogRect* rect, int32_t fixedColor) {
+int mdlDialog_rectFill(MdlDialog* handle, const DialogRect* rect, int32_t fixedColor) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!rect || fixedColor < 0 || fixedColor >= host::fixedColors) return MDL_ERROR;
         dialog.add({.kind = DrawCall::Kind::fill, .rect = *rect, .color = fixedColor});
@@ -149,7 +149,7 @@ int mdlDialog_rectFill(MdlDialog* handle, const DialogRect* rect, int32_t fixedC
     });
 }
 
-int mdlDialog_rectDrawEdge(MdlDialog* handle, const DialogRect* rect, int32_t sunken) {
+int mdlDialog_rectDrawEdge(MdlDialog* handle, const DialogRect* rect, int32_t sunken) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!rect) return MDL_ERROR;
         dialog.add({.kind = DrawCall::Kind::edge, .rect = *rect, .sunken = sunken != 0});
@@ -157,11 +157,12 @@ int mdlDialog_rectDrawEdge(MdlDialog* handle, const DialogRect* rect, int32_t su
     });
 }
 
-void mdlDialog_rectInset(DialogRect* rect, int32_t dx, int32_t dy) {
+void mdlDialog_rectInset(DialogRect* rect, int32_t dx, int32_t dy) noexcept {
     if (rect) *rect = {rect->left + dx, rect->top + dy, rect->right - dx, rect->bottom - dy};
 }
 
-int mdlWindow_iconDraw(MdlDialog* handle, RscHandle rscFile, int32_t iconId, int32_t x, int32_t y, int32_t colorIndex) {
+int mdlWindow_iconDraw(MdlDialog* handle, RscHandle rscFile, int32_t iconId, int32_t x, int32_t y,
+                       int32_t colorIndex) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         auto icon = host::findIcon(rscFile, iconId);
         if (!icon) return MDL_ERROR;

@@ -409,27 +409,27 @@ StringList* editList(FileDialogResult& result, Request request, bool several) {
 using namespace host;
 
 int mdlDialog_fileOpen(char* result, RscHandle, int32_t, const char* suggestedName, const char* filter,
-                       const char* directory, const char* title) {
+                       const char* directory, const char* title) noexcept {
     return askForFile(Kind::open, result, suggestedName, filter, directory, title);
 }
 
 int mdlDialog_fileCreate(char* result, RscHandle, int32_t, const char* suggestedName, const char* filter,
-                         const char* directory, const char* title) {
+                         const char* directory, const char* title) noexcept {
     return askForFile(Kind::create, result, suggestedName, filter, directory, title);
 }
 
 int mdlDialog_defFileOpen(char* result, RscHandle, int32_t, const char* suggestedName, const char* filter,
-                          const char* directory, const char* title, int32_t id, RscHandle handle) {
+                          const char* directory, const char* title, int32_t id, RscHandle handle) noexcept {
     return askForRememberedFile(Kind::open, result, suggestedName, filter, directory, title, id, handle);
 }
 
 int mdlDialog_defFileCreate(char* result, RscHandle, int32_t, const char* suggestedName, const char* filter,
-                            const char* directory, const char* title, int32_t id, RscHandle handle) {
+                            const char* directory, const char* title, int32_t id, RscHandle handle) noexcept {
     return askForRememberedFile(Kind::create, result, suggestedName, filter, directory, title, id, handle);
 }
 
 StringList* mdlFileList_edit(FileDialogResult* result, const StringList* list, int32_t options, const char* title,
-                             const char* listTitle, const char* filter, const char* directory) {
+                             const char* listTitle, const char* filter, const char* directory) noexcept {
     FileDialogResult own = {};
     FileDialogResult& reply = result ? *result : own;
     reply.reply = MDL_FILES_CANCEL;

@@ -34,104 +34,104 @@ int onItem(const MdlItem* handle, int32_t kind, Body body) {
 
 using host::ItemRef;
 
-MdlItem* mdlDialog_itemGetByIndex(MdlDialog* handle, int32_t index) {
+MdlItem* mdlDialog_itemGetByIndex(MdlDialog* handle, int32_t index) noexcept {
     const auto dialog = host::dialogOf(handle);
     return dialog && index >= 0 ? dialog->itemHandle(static_cast<size_t>(index)) : nullptr;
 }
 
-int32_t mdlDialog_itemCount(const MdlDialog* handle) {
+int32_t mdlDialog_itemCount(const MdlDialog* handle) noexcept {
     const auto dialog = host::dialogOf(handle);
     return dialog ? static_cast<int32_t>(dialog->items().size()) : 0;
 }
 
-int32_t mdlDialog_itemIndex(const MdlItem* handle) {
+int32_t mdlDialog_itemIndex(const MdlItem* handle) noexcept {
     const ItemRef item = host::itemOf(handle);
     return item ? static_cast<int32_t>(item.index) : -1;
 }
 
-MdlItem* mdlDialog_itemNeighbour(const MdlItem* handle, int32_t steps) {
+MdlItem* mdlDialog_itemNeighbour(const MdlItem* handle, int32_t steps) noexcept {
     const ItemRef item = host::itemOf(handle);
     if (!item) return nullptr;
     const int64_t index = static_cast<int64_t>(item.index) + steps;
     return index < 0 ? nullptr : item.dialog->itemHandle(static_cast<size_t>(index));
 }
 
-MdlItem* mdlDialog_itemGetByTypeAndId(MdlDialog* handle, int32_t type, int32_t id) {
+MdlItem* mdlDialog_itemGetByTypeAndId(MdlDialog* handle, int32_t type, int32_t id) noexcept {
     const auto dialog = host::dialogOf(handle);
     return dialog ? mdlDialog_itemGetByIndex(handle, dialog->indexOf(type, id)) : nullptr;
 }
 
-int32_t mdlDialog_itemType(const MdlItem* handle) {
+int32_t mdlDialog_itemType(const MdlItem* handle) noexcept {
     const ItemRef item = host::itemOf(handle);
     return item ? item->kind : 0;
 }
 
-int32_t mdlDialog_itemId(const MdlItem* handle) {
+int32_t mdlDialog_itemId(const MdlItem* handle) noexcept {
     const ItemRef item = host::itemOf(handle);
     return item ? item->id : 0;
 }
 
-void mdlDialog_itemRect(DialogRect* rect, const MdlItem* handle) {
+void mdlDialog_itemRect(DialogRect* rect, const MdlItem* handle) noexcept {
     const ItemRef item = host::itemOf(handle);
     if (rect) *rect = item ? item->rect : DialogRect{};
 }
 
-void mdlDialog_itemMove(MdlItem* handle, int32_t left, int32_t top) {
+void mdlDialog_itemMove(MdlItem* handle, int32_t left, int32_t top) noexcept {
     host::onItem(handle, 0, [&](const ItemRef& item) -> int {
         item.dialog->moveItem(item.index, std::abs(left), std::abs(top));
         return MDL_SUCCESS;
     });
 }
 
-void mdlDialog_itemSetExtent(MdlItem* handle, int32_t width, int32_t height) {
+void mdlDialog_itemSetExtent(MdlItem* handle, int32_t width, int32_t height) noexcept {
     host::onItem(handle, 0, [&](const ItemRef& item) -> int {
         item.dialog->setItemExtent(item.index, width, height);
         return MDL_SUCCESS;
     });
 }
 
-void mdlDialog_itemSetLabel(MdlItem* handle, const char* label) {
+void mdlDialog_itemSetLabel(MdlItem* handle, const char* label) noexcept {
     host::onItem(handle, 0, [&](const ItemRef& item) -> int {
         if (label) item.dialog->setLabel(item.index, label);
         return MDL_SUCCESS;
     });
 }
 
-const char* mdlDialog_itemGetLabel(const MdlItem* handle) {
+const char* mdlDialog_itemGetLabel(const MdlItem* handle) noexcept {
     const ItemRef item = host::itemOf(handle);
     return item ? item->label.c_str() : nullptr;
 }
 
-void mdlDialog_itemShow(MdlItem* handle, int32_t show) {
+void mdlDialog_itemShow(MdlItem* handle, int32_t show) noexcept {
     host::onItem(handle, 0, [&](const ItemRef& item) -> int {
         item.dialog->showItem(item.index, show != 0);
         return MDL_SUCCESS;
     });
 }
 
-int mdlDialog_itemIsShown(const MdlItem* handle) {
+int mdlDialog_itemIsShown(const MdlItem* handle) noexcept {
     const ItemRef item = host::itemOf(handle);
     return item && item.dialog->isVisible(*item);
 }
 
-int mdlDialog_itemIsEnabled(const MdlItem* handle) {
+int mdlDialog_itemIsEnabled(const MdlItem* handle) noexcept {
     const ItemRef item = host::itemOf(handle);
     return item && item->enabled;
 }
 
-void mdlDialog_itemEnable(MdlItem* handle, int32_t enable) {
+void mdlDialog_itemEnable(MdlItem* handle, int32_t enable) noexcept {
     host::onItem(handle, 0, [&](const ItemRef& item) -> int {
         item.dialog->enableItem(item.index, enable != 0);
         return MDL_SUCCESS;
     });
 }
 
-int mdlDialog_itemSynch(MdlItem* handle) {
+int mdlDialog_itemSynch(MdlItem* handle) noexcept {
     return host::onItem(
         handle, 0, [](const ItemRef& item) -> int { return item.dialog->synch(item.index) ? MDL_SUCCESS : MDL_ERROR; });
 }
 
-int mdlDialog_itemsSynch(MdlDialog* handle) {
+int mdlDialog_itemsSynch(MdlDialog* handle) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         const auto dialog = host::dialogOf(handle);
         if (!dialog) return MDL_ERROR;
@@ -142,32 +142,32 @@ int mdlDialog_itemsSynch(MdlDialog* handle) {
     });
 }
 
-const char* mdlDialog_itemGetValue(const MdlItem* handle) {
+const char* mdlDialog_itemGetValue(const MdlItem* handle) noexcept {
     const ItemRef item = host::itemOf(handle);
     return item ? item->value.c_str() : nullptr;
 }
 
-int mdlDialog_itemSetValue(MdlItem* handle, const char* value) {
+int mdlDialog_itemSetValue(MdlItem* handle, const char* value) noexcept {
     return host::onItem(handle, 0, [&](const ItemRef& item) -> int {
         return value && item.dialog->change(item.index, value) ? MDL_SUCCESS : MDL_ERROR;
     });
 }
 
-void mdlDialog_itemDraw(MdlItem* handle) {
+void mdlDialog_itemDraw(MdlItem* handle) noexcept {
     host::onItem(handle, 0, [](const ItemRef& item) -> int {
         item.dialog->draw(item.index);
         return MDL_SUCCESS;
     });
 }
 
-int mdlDialog_itemSignal(MdlItem* handle, int32_t signal, int32_t value) {
+int mdlDialog_itemSignal(MdlItem* handle, int32_t signal, int32_t value) noexcept {
     return host::onItem(handle, 0, [&](const ItemRef& item) -> int {
         item.dialog->signal(item.index, signal, value);
         return MDL_SUCCESS;
     });
 }
 
-int mdlDialog_setFocus(MdlDialog* handle, MdlItem* itemHandle) {
+int mdlDialog_setFocus(MdlDialog* handle, MdlItem* itemHandle) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         const auto dialog = host::dialogOf(handle);
         const ItemRef item = host::itemOf(itemHandle);
@@ -178,7 +178,7 @@ int mdlDialog_setFocus(MdlDialog* handle, MdlItem* itemHandle) {
 
 // ---- texts ----
 
-int mdlDialog_textGetInfo(char* format, const MdlItem* handle) {
+int mdlDialog_textGetInfo(char* format, const MdlItem* handle) noexcept {
     return host::onItem(handle, ITEM_TEXT, [&](const ItemRef& item) -> int {
         if (!format) return MDL_ERROR;
         const size_t length = std::min(item->format.size(), host::formatSize - 1);
@@ -188,7 +188,7 @@ int mdlDialog_textGetInfo(char* format, const MdlItem* handle) {
     });
 }
 
-int mdlDialog_textSetInfo(MdlItem* handle, const char* format) {
+int mdlDialog_textSetInfo(MdlItem* handle, const char* format) noexcept {
     return host::onItem(handle, ITEM_TEXT, [&](const ItemRef& item) -> int {
         const std::string next = format ? format : "";
         if (next.size() >= host::formatSize || (!next.empty() && !host::isValueFormat(next))) return MDL_ERROR;
@@ -231,48 +231,48 @@ int32_t selectedRow(const MdlItem* handle, int32_t kind) {
 
 }  // namespace host
 
-int mdlDialog_listBoxSetStrListP(MdlItem* item, StringList* list, int32_t columns) {
+int mdlDialog_listBoxSetStrListP(MdlItem* item, StringList* list, int32_t columns) noexcept {
     return host::setList(item, ITEM_LIST_BOX, list, columns);
 }
 
-StringList* mdlDialog_listBoxGetStrListP(const MdlItem* item) {
+StringList* mdlDialog_listBoxGetStrListP(const MdlItem* item) noexcept {
     return host::listOf(item, ITEM_LIST_BOX);
 }
 
-int mdlDialog_listBoxSelectRow(MdlItem* item, int32_t row) {
+int mdlDialog_listBoxSelectRow(MdlItem* item, int32_t row) noexcept {
     return host::selectRow(item, ITEM_LIST_BOX, row);
 }
 
-int32_t mdlDialog_listBoxGetSelectedRow(const MdlItem* item) {
+int32_t mdlDialog_listBoxGetSelectedRow(const MdlItem* item) noexcept {
     return host::selectedRow(item, ITEM_LIST_BOX);
 }
 
-int mdlDialog_comboBoxSetStrListP(MdlItem* item, StringList* list, int32_t stringsPerRow) {
+int mdlDialog_comboBoxSetStrListP(MdlItem* item, StringList* list, int32_t stringsPerRow) noexcept {
     return host::setList(item, ITEM_COMBO_BOX, list, stringsPerRow);
 }
 
-StringList* mdlDialog_comboBoxGetStrListP(const MdlItem* item) {
+StringList* mdlDialog_comboBoxGetStrListP(const MdlItem* item) noexcept {
     return host::listOf(item, ITEM_COMBO_BOX);
 }
 
-int mdlDialog_comboBoxSelectRow(MdlItem* item, int32_t row) {
+int mdlDialog_comboBoxSelectRow(MdlItem* item, int32_t row) noexcept {
     return host::selectRow(item, ITEM_COMBO_BOX, row);
 }
 
-int32_t mdlDialog_comboBoxGetSelectedRow(const MdlItem* item) {
+int32_t mdlDialog_comboBoxGetSelectedRow(const MdlItem* item) noexcept {
     return host::selectedRow(item, ITEM_COMBO_BOX);
 }
 
 // ---- option buttons ----
 
-int mdlDialog_optionButtonDeleteAll(MdlItem* handle) {
+int mdlDialog_optionButtonDeleteAll(MdlItem* handle) noexcept {
     return host::onItem(handle, ITEM_OPTION_BUTTON, [](const ItemRef& item) -> int {
         item.dialog->clearRows(item.index);
         return MDL_SUCCESS;
     });
 }
 
-int mdlDialog_optionButtonInsert(MdlItem* handle, const char* label, int32_t value) {
+int mdlDialog_optionButtonInsert(MdlItem* handle, const char* label, int32_t value) noexcept {
     return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
         if (!label) return MDL_ERROR;
         item.dialog->addRow(item.index, label, value);
@@ -280,12 +280,12 @@ int mdlDialog_optionButtonInsert(MdlItem* handle, const char* label, int32_t val
     });
 }
 
-int32_t mdlDialog_optionButtonCount(const MdlItem* handle) {
+int32_t mdlDialog_optionButtonCount(const MdlItem* handle) noexcept {
     const ItemRef item = host::itemOfKind(handle, ITEM_OPTION_BUTTON);
     return item ? static_cast<int32_t>(item->rows.size()) : 0;
 }
 
-int mdlDialog_optionButtonGet(const MdlItem* handle, int32_t row, const char** labelP, int32_t* valueP) {
+int mdlDialog_optionButtonGet(const MdlItem* handle, int32_t row, const char** labelP, int32_t* valueP) noexcept {
     return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
         if (row < 0 || static_cast<size_t>(row) >= item->rows.size()) return MDL_ERROR;
         const host::OptionRow& found = item->rows[static_cast<size_t>(row)];
@@ -295,7 +295,7 @@ int mdlDialog_optionButtonGet(const MdlItem* handle, int32_t row, const char** l
     });
 }
 
-int mdlDialog_optionButtonEnableRow(MdlItem* handle, int32_t row, int32_t enable) {
+int mdlDialog_optionButtonEnableRow(MdlItem* handle, int32_t row, int32_t enable) noexcept {
     return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
         if (row < 0 || static_cast<size_t>(row) >= item->rows.size()) return MDL_ERROR;
         item.dialog->enableRow(item.index, static_cast<size_t>(row), enable != 0);
@@ -303,7 +303,7 @@ int mdlDialog_optionButtonEnableRow(MdlItem* handle, int32_t row, int32_t enable
     });
 }
 
-int mdlDialog_optionButtonRowIsEnabled(const MdlItem* handle, int32_t row) {
+int mdlDialog_optionButtonRowIsEnabled(const MdlItem* handle, int32_t row) noexcept {
     const ItemRef item = host::itemOfKind(handle, ITEM_OPTION_BUTTON);
     return item && row >= 0 && static_cast<size_t>(row) < item->rows.size() &&
            item->rows[static_cast<size_t>(row)].enabled;

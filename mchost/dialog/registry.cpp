@@ -140,7 +140,7 @@ DialogHookFunction findHook(int32_t hookId, MdlDesc* owner) {
 
 }  // namespace host
 
-int mdlDialog_hookPublish(int32_t count, const DialogHook* hooks) {
+int mdlDialog_hookPublish(int32_t count, const DialogHook* hooks) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (count < 0 || (count > 0 && !hooks)) return MDL_ERROR;
         MdlDesc* const owner = mdlSystem_getCurrMdlDesc();

@@ -9,7 +9,7 @@
 namespace host {
 
 // Null for a handle whose dialog has ended.
-HOST_EXPORT std::shared_ptr<Dialog> dialogOf(const MdlDialog* handle);
+std::shared_ptr<Dialog> dialogOf(const MdlDialog* handle);
 
 // An item and the dialog that it lives in, which stays alive with this.
 struct ItemRef {

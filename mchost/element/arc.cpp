@@ -64,13 +64,14 @@ Point3d unit(const Point3d& v) {
 }  // namespace
 
 int mdlArc_create(MSElementBuffer* out, const MSElementBuffer* templateP, const Point3d* center, double axis1,
-                  double axis2, const RotMatrix* rotation, double startAngle, double sweepAngle) {
+                  double axis2, const RotMatrix* rotation, double startAngle, double sweepAngle) noexcept {
     if (!out || !center || !(axis1 > 0 && axis2 > 0)) return MDL_ERROR;
     return finishArc(out, templateP, {makeEllipse(*center, axis1, axis2, rotation), startAngle, sweepAngle});
 }
 
 int mdlArc_createByCenter(MSElementBuffer* out, const MSElementBuffer* templateP, const Point3d* start,
-                          const Point3d* center, const Point3d* end, int32_t clockwise, const Point3d* normal) {
+                          const Point3d* center, const Point3d* end, int32_t clockwise,
+                          const Point3d* normal) noexcept {
     if (!out || !start || !center || !end) return MDL_ERROR;
     const Point3d axis = unit(normal ? *normal : Point3d{0, 0, 1});
     const Point3d radius = *start - *center, toEnd = *end - *center;
@@ -86,7 +87,7 @@ int mdlArc_createByCenter(MSElementBuffer* out, const MSElementBuffer* templateP
 }
 
 int mdlEllipse_create(MSElementBuffer* out, const MSElementBuffer* templateP, const Point3d* center, double axis1,
-                      double axis2, const RotMatrix* rotation, int32_t fillMode) {
+                      double axis2, const RotMatrix* rotation, int32_t fillMode) noexcept {
     if (!out || !center || !(axis1 > 0 && axis2 > 0)) return MDL_ERROR;
     const EllipseBody ellipse = makeEllipse(*center, axis1, axis2, rotation);
     if (!isUsable(ellipse)) return MDL_ERROR;
@@ -96,7 +97,7 @@ int mdlEllipse_create(MSElementBuffer* out, const MSElementBuffer* templateP, co
 }
 
 int mdlArc_extract(Point3d* center, double* axis1, double* axis2, RotMatrix* rotation, double* startAngle,
-                   double* sweepAngle, const MSElementBuffer* element) {
+                   double* sweepAngle, const MSElementBuffer* element) noexcept {
     auto arc = element ? arcOf(element) : std::nullopt;
     if (!arc) return MDL_ERROR;
     const Transform& fromWorld = currentFromWorld();

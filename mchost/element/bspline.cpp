@@ -58,7 +58,7 @@ void giveArrays(BsplineCurve& curve, const Spline& spline) {
 
 using namespace host;
 
-int mdlBspline_evaluateCurvePoint(Point3d* point, const BsplineCurve* curve, double parameter) {
+int mdlBspline_evaluateCurvePoint(Point3d* point, const BsplineCurve* curve, double parameter) noexcept {
     if (!point || !curve || !(parameter >= 0 && parameter <= 1)) return MDL_ERROR;
     return guarded<int>(MDL_ERROR, [&]() -> int {
         Spline s;
@@ -68,7 +68,7 @@ int mdlBspline_evaluateCurvePoint(Point3d* point, const BsplineCurve* curve, dou
     });
 }
 
-int mdlBspline_createCurve(MSElementBuffer* out, const MSElementBuffer* templateP, const BsplineCurve* curve) {
+int mdlBspline_createCurve(MSElementBuffer* out, const MSElementBuffer* templateP, const BsplineCurve* curve) noexcept {
     if (!out || !curve) return MDL_ERROR;
     return guarded<int>(MDL_ERROR, [&]() -> int {
         Spline s;
@@ -89,7 +89,7 @@ int mdlBspline_createCurve(MSElementBuffer* out, const MSElementBuffer* template
     });
 }
 
-int mdlBspline_extractCurve(BsplineCurve* curve, const MSElementBuffer* element) {
+int mdlBspline_extractCurve(BsplineCurve* curve, const MSElementBuffer* element) noexcept {
     if (!curve || !element) return MDL_ERROR;
     return guarded<int>(MDL_ERROR, [&]() -> int {
         const auto view = curveOf(element);
@@ -107,7 +107,7 @@ int mdlBspline_extractCurve(BsplineCurve* curve, const MSElementBuffer* element)
     });
 }
 
-void mdlBspline_freeCurve(BsplineCurve* curve) {
+void mdlBspline_freeCurve(BsplineCurve* curve) noexcept {
     if (!curve) return;
     for (void* block :
          {static_cast<void*>(curve->poles), static_cast<void*>(curve->knots), static_cast<void*>(curve->weights)})

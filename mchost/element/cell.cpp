@@ -157,11 +157,11 @@ bool host::convertCellHeader(MSElementBuffer* out, const MSElementBuffer* in, bo
     return true;
 }
 
-int mdlCell_setRange(ElementDescr* ed, ModelRef*) {
+int mdlCell_setRange(ElementDescr* ed, ModelRef*) noexcept {
     return ed ? setRanges(ed) : int{MDL_ERROR};
 }
 
-int mdlCell_create(MSElementBuffer* out, const wchar_t* name, const Point3d* origin, int32_t is3d) {
+int mdlCell_create(MSElementBuffer* out, const wchar_t* name, const Point3d* origin, int32_t is3d) noexcept {
     if (!out || !name || std::wcslen(name) > mostCharacters) return MDL_ERROR;
     const Point3d at = applyToPoint(currentToWorld(), origin ? *origin : Point3d{});
     if (!isFinite(at)) return MDL_ERROR;
@@ -170,7 +170,7 @@ int mdlCell_create(MSElementBuffer* out, const wchar_t* name, const Point3d* ori
     return status == MDL_SUCCESS ? mdlCell_setName(out, name) : status;
 }
 
-int mdlCell_extract(Point3d* origin, RotMatrix* matrix, const MSElementBuffer* element) {
+int mdlCell_extract(Point3d* origin, RotMatrix* matrix, const MSElementBuffer* element) noexcept {
     const auto body = bodyOf(element);
     if (!body) return MDL_ERROR;
     if (origin) *origin = applyToPoint(currentFromWorld(), body->origin);
@@ -178,18 +178,18 @@ int mdlCell_extract(Point3d* origin, RotMatrix* matrix, const MSElementBuffer* e
     return MDL_SUCCESS;
 }
 
-int mdlCell_extractName(wchar_t* name, int32_t size, const MSElementBuffer* element) {
+int mdlCell_extractName(wchar_t* name, int32_t size, const MSElementBuffer* element) noexcept {
     return getText(name, size, element, linkageCellName);
 }
 
-int mdlCell_setName(MSElementBuffer* element, const wchar_t* name) {
+int mdlCell_setName(MSElementBuffer* element, const wchar_t* name) noexcept {
     return setText(element, linkageCellName, name);
 }
 
-int mdlCell_extractDescription(wchar_t* description, int32_t size, const MSElementBuffer* element) {
+int mdlCell_extractDescription(wchar_t* description, int32_t size, const MSElementBuffer* element) noexcept {
     return getText(description, size, element, linkageCellDescription);
 }
 
-int mdlCell_setDescription(MSElementBuffer* element, const wchar_t* description) {
+int mdlCell_setDescription(MSElementBuffer* element, const wchar_t* description) noexcept {
     return setText(element, linkageCellDescription, description);
 }

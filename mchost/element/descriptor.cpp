@@ -167,32 +167,32 @@ void unlinkNode(ElementDescr* node) {
 
 using namespace host;
 
-int mdlElmdscr_new(ElementDescr** edPP, ModelRef* model, const MSElementBuffer* element) {
+int mdlElmdscr_new(ElementDescr** edPP, ModelRef* model, const MSElementBuffer* element) noexcept {
     if (!edPP) return MDL_ERROR;
     *edPP = makeNode(model ? model : drawing().getActive(), element);
     return *edPP ? MDL_SUCCESS : MDL_ERROR;
 }
 
-int mdlElmdscr_appendElement(ElementDescr* ed, const MSElementBuffer* element) {
+int mdlElmdscr_appendElement(ElementDescr* ed, const MSElementBuffer* element) noexcept {
     ElementDescr* part = ed ? makeNode(ed->model, element) : nullptr;
     if (!part) return MDL_ERROR;
     append(ed, part);
     return MDL_SUCCESS;
 }
 
-int mdlElmdscr_appendDscr(ElementDescr* ed, ElementDescr* part) {
+int mdlElmdscr_appendDscr(ElementDescr* ed, ElementDescr* part) noexcept {
     if (!ed || !part || part->parent || part->previous || topOf(ed) == part) return MDL_ERROR;
     append(ed, part);
     return MDL_SUCCESS;
 }
 
-int mdlElmdscr_duplicate(ElementDescr** edPP, const ElementDescr* ed) {
+int mdlElmdscr_duplicate(ElementDescr** edPP, const ElementDescr* ed) noexcept {
     if (!edPP || !ed) return MDL_ERROR;
     *edPP = copyChain(ed);
     return *edPP ? MDL_SUCCESS : MDL_ERROR;
 }
 
-void mdlElmdscr_freeAll(ElementDescr** edPP) {
+void mdlElmdscr_freeAll(ElementDescr** edPP) noexcept {
     if (!edPP || !*edPP) return;
     ElementDescr* ed = *edPP;
     *edPP = nullptr;

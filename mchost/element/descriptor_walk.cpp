@@ -121,17 +121,17 @@ bool strokeNode(std::vector<Point3d>& points, const ElementDescr* node, double t
 
 using namespace host;
 
-int mdlElmdscr_operation(ElementDescr* ed, MdlDescrFunction f, void* userArg, int32_t order) {
+int mdlElmdscr_operation(ElementDescr* ed, MdlDescrFunction f, void* userArg, int32_t order) noexcept {
     return f ? visitChain({f, userArg, order}, ed, 0) : MDL_ERROR;
 }
 
-int mdlElmdscr_validate(ElementDescr* ed, ModelRef*) {
+int mdlElmdscr_validate(ElementDescr* ed, ModelRef*) noexcept {
     if (!ed) return MDL_ERROR;
     validateChain(ed);
     return MDL_SUCCESS;
 }
 
-int mdlElmdscr_computeRange(Point3d* low, Point3d* high, const ElementDescr* ed, const Transform* transform) {
+int mdlElmdscr_computeRange(Point3d* low, Point3d* high, const ElementDescr* ed, const Transform* transform) noexcept {
     RangeBuilder all;
     addRange(all, ed, transform);
     if (!all.any()) return MDL_ERROR;
@@ -140,13 +140,13 @@ int mdlElmdscr_computeRange(Point3d* low, Point3d* high, const ElementDescr* ed,
     return MDL_SUCCESS;
 }
 
-int mdlElmdscr_transform(ElementDescr* ed, const Transform* transform) {
+int mdlElmdscr_transform(ElementDescr* ed, const Transform* transform) noexcept {
     if (!ed || !transform || !canTransformChain(ed, *transform)) return MDL_ERROR;
     transformChain(ed, *transform);
     return MDL_SUCCESS;
 }
 
-int mdlElmdscr_stroke(Point3d** pointsP, int32_t* countP, const ElementDescr* ed, double tolerance) {
+int mdlElmdscr_stroke(Point3d** pointsP, int32_t* countP, const ElementDescr* ed, double tolerance) noexcept {
     if (!pointsP || !countP || !ed) return MDL_ERROR;
     return guarded<int>(MDL_ERROR, [&]() -> int {
         std::vector<Point3d> points;

@@ -37,33 +37,33 @@ void dropLineStyleModifiers(MSElementBuffer* element) {
 
 MSElementBuffer* dgnBufP = &sharedBuffer;
 
-int mdlElement_getType(const MSElementBuffer* element) {
+int mdlElement_getType(const MSElementBuffer* element) noexcept {
     return element ? headOf(element).type : 0;
 }
 
-uint32_t mdlElement_bytes(const MSElementBuffer* element) {
+uint32_t mdlElement_bytes(const MSElementBuffer* element) noexcept {
     return static_cast<uint32_t>(soundBytes(element));
 }
 
-int mdlElement_memcpy(MSElementBuffer* out, const MSElementBuffer* in) {
+int mdlElement_memcpy(MSElementBuffer* out, const MSElementBuffer* in) noexcept {
     const size_t bytes = soundBytes(in);
     if (!out || !bytes) return MDL_ERROR;
     std::memmove(out->bytes, in->bytes, bytes);
     return MDL_SUCCESS;
 }
 
-int mdlElement_transform(MSElementBuffer* out, const MSElementBuffer* in, const Transform* transform) {
+int mdlElement_transform(MSElementBuffer* out, const MSElementBuffer* in, const Transform* transform) noexcept {
     if (!out || !transform || !soundBytes(in) || !canTransform(in, *transform)) return MDL_ERROR;
     mdlElement_memcpy(out, in);
     transformElement(out, *transform);
     return MDL_SUCCESS;
 }
 
-int mdlElement_isFilled(const MSElementBuffer* element) {
+int mdlElement_isFilled(const MSElementBuffer* element) noexcept {
     return element && headOf(element).properties & MDL_PROP_FILLED ? 1 : 0;
 }
 
-int mdlElement_stripAttributes(MSElementBuffer* out, const MSElementBuffer* in) {
+int mdlElement_stripAttributes(MSElementBuffer* out, const MSElementBuffer* in) noexcept {
     if (!out || !soundBytes(in)) return MDL_ERROR;
     ElementHead head = headOf(in);
     std::memmove(out->bytes, in->bytes, size_t{head.attributeOffset} * 2);
@@ -72,7 +72,8 @@ int mdlElement_stripAttributes(MSElementBuffer* out, const MSElementBuffer* in) 
     return MDL_SUCCESS;
 }
 
-int mdlElement_getSymbology(uint32_t* color, uint32_t* weight, int32_t* style, const MSElementBuffer* element) {
+int mdlElement_getSymbology(uint32_t* color, uint32_t* weight, int32_t* style,
+                            const MSElementBuffer* element) noexcept {
     if (!element) return MDL_ERROR;
     const ElementHead head = headOf(element);
     if (color) *color = static_cast<uint32_t>(head.color);
@@ -82,7 +83,7 @@ int mdlElement_getSymbology(uint32_t* color, uint32_t* weight, int32_t* style, c
 }
 
 int mdlElement_setSymbology(MSElementBuffer* element, const uint32_t* color, const uint32_t* weight,
-                            const int32_t* style) {
+                            const int32_t* style) noexcept {
     if (!element) return MDL_ERROR;
     if (weight && *weight != weightByLevel && *weight > uint32_t{std::numeric_limits<int16_t>::max()}) return MDL_ERROR;
     ElementHead head = headOf(element);
@@ -99,7 +100,7 @@ int mdlElement_setSymbology(MSElementBuffer* element, const uint32_t* color, con
 
 int mdlElement_getProperties(uint32_t* level, uint32_t* graphicGroup, int32_t* elementClass, int32_t* locked,
                              int32_t* isNew, int32_t* modified, int32_t* viewIndependent, int32_t* hole,
-                             const MSElementBuffer* element) {
+                             const MSElementBuffer* element) noexcept {
     if (!element) return MDL_ERROR;
     const ElementHead head = headOf(element);
     if (level) *level = head.level;
@@ -115,7 +116,7 @@ int mdlElement_getProperties(uint32_t* level, uint32_t* graphicGroup, int32_t* e
 
 int mdlElement_setProperties(MSElementBuffer* element, const uint32_t* level, const uint32_t* graphicGroup,
                              const int32_t* elementClass, const int32_t* locked, const int32_t* isNew,
-                             const int32_t* modified, const int32_t* viewIndependent, const int32_t* hole) {
+                             const int32_t* modified, const int32_t* viewIndependent, const int32_t* hole) noexcept {
     if (!element || (elementClass && (*elementClass & ~MDL_PROP_CLASS))) return MDL_ERROR;
     ElementHead head = headOf(element);
     if (level) head.level = *level;
@@ -130,7 +131,7 @@ int mdlElement_setProperties(MSElementBuffer* element, const uint32_t* level, co
     return MDL_SUCCESS;
 }
 
-int mdlElement_setLineStyle(MSElementBuffer* element, const char* name, const LineStyleParams* params) {
+int mdlElement_setLineStyle(MSElementBuffer* element, const char* name, const LineStyleParams* params) noexcept {
     int32_t number = 0;
     if (!soundBytes(element) || !name) return MDL_ERROR;
     if (drawing().lineStyleFromName(&number, name, nullptr) != MDL_SUCCESS) return MDL_ERROR;
@@ -149,7 +150,7 @@ int mdlElement_setLineStyle(MSElementBuffer* element, const char* name, const Li
     return mdlLinkage_appendToElement(element, &style.header, &style.modifiers, 0, 0);
 }
 
-int mdlElement_getLineStyleParams(LineStyleParams* params, const MSElementBuffer* element) {
+int mdlElement_getLineStyleParams(LineStyleParams* params, const MSElementBuffer* element) noexcept {
     LineStyleLinkage style;
     if (!params || !element || !readLineStyleLinkage(element, style)) return MDL_ERROR;
     *params = {style.modifiers, style.scale, style.startWidth, style.endWidth};

@@ -156,7 +156,7 @@ constexpr size_t mostFitPoints = 1'000'000;
 using namespace host;
 
 int mdlBspline_leastSquaresToCurve(BsplineCurve* curve, double* meanError, double* maxError, const Point3d* points,
-                                   const double* params, int32_t count) {
+                                   const double* params, int32_t count) noexcept {
     if (!curve) return MDL_ERROR;
     curve->poles = nullptr;
     curve->knots = curve->weights = nullptr;

@@ -46,20 +46,21 @@ Point3d nearestOnSegment(const Point3d& p, const Point3d& a, const Point3d& b) {
 
 }  // namespace
 
-int mdlLine_create(MSElementBuffer* out, const MSElementBuffer* templateP, const Point3d* points) {
+int mdlLine_create(MSElementBuffer* out, const MSElementBuffer* templateP, const Point3d* points) noexcept {
     if (!out || !points || !allFinite(points, 2)) return MDL_ERROR;
     const Transform& toWorld = currentToWorld();
     const LineBody line{{applyToPoint(toWorld, points[0]), applyToPoint(toWorld, points[1])}};
     return finish(NewElement(out, templateP, MDL_LINE), line);
 }
 
-int mdlLineString_create(MSElementBuffer* out, const MSElementBuffer* templateP, const Point3d* points, int32_t count) {
+int mdlLineString_create(MSElementBuffer* out, const MSElementBuffer* templateP, const Point3d* points,
+                         int32_t count) noexcept {
     if (!out || !points || count < 2 || count > MDL_MAX_POINTS || !allFinite(points, count)) return MDL_ERROR;
     return finishVertices(NewElement(out, templateP, MDL_LINE_STRING), points, count, count);
 }
 
 int mdlShape_create(MSElementBuffer* out, const MSElementBuffer* templateP, const Point3d* points, int32_t count,
-                    int32_t fillMode) {
+                    int32_t fillMode) noexcept {
     if (!out || !points || count < 3 || count > MDL_MAX_POINTS || !allFinite(points, count)) return MDL_ERROR;
     const int32_t stored = points[0] == points[count - 1] ? count : count + 1;
     if (stored < 4 || stored > MDL_MAX_POINTS) return MDL_ERROR;
@@ -68,7 +69,7 @@ int mdlShape_create(MSElementBuffer* out, const MSElementBuffer* templateP, cons
     return finishVertices(std::move(made), points, count, stored);
 }
 
-int mdlLinear_extract(Point3d* points, int32_t* countP, const MSElementBuffer* element, int32_t size) {
+int mdlLinear_extract(Point3d* points, int32_t* countP, const MSElementBuffer* element, int32_t size) noexcept {
     const auto vertices = element ? verticesOf(element) : std::nullopt;
     if (!vertices) return MDL_ERROR;
     const Transform& fromWorld = currentFromWorld();
@@ -79,7 +80,7 @@ int mdlLinear_extract(Point3d* points, int32_t* countP, const MSElementBuffer* e
 }
 
 int mdlLinear_getClosestSegment(Point3d* pointP, Point3d* segment, int32_t* segmentIndexP,
-                                const MSElementBuffer* element) {
+                                const MSElementBuffer* element) noexcept {
     const auto vertices = pointP && element ? verticesOf(element) : std::nullopt;
     if (!vertices || vertices->size() < 2 || !isFinite(*pointP)) return MDL_ERROR;
     const Transform& fromWorld = currentFromWorld();

@@ -75,17 +75,17 @@ bool readLineStyleLinkage(const MSElementBuffer* element, LineStyleLinkage& styl
 
 using namespace host;
 
-void mdlLinkage_setWords(LinkageHeader* header, uint32_t words) {
+void mdlLinkage_setWords(LinkageHeader* header, uint32_t words) noexcept {
     const uint32_t length = isLength(words) ? words / unitWords : 0;
     header->header = static_cast<uint16_t>((header->header & ~lengthMask) | length);
 }
 
-uint32_t mdlLinkage_getWords(const LinkageHeader* header) {
+uint32_t mdlLinkage_getWords(const LinkageHeader* header) noexcept {
     return (header->header & lengthMask) * unitWords;
 }
 
 int mdlLinkage_appendToElement(MSElementBuffer* element, const LinkageHeader* header, const void* data, int32_t,
-                               int32_t) {
+                               int32_t) noexcept {
     if (!element || !header || !data) return MDL_ERROR;
     ElementHead head = headOf(element);
     const size_t end = size_t{head.size} * 2;
@@ -99,7 +99,7 @@ int mdlLinkage_appendToElement(MSElementBuffer* element, const LinkageHeader* he
 }
 
 int mdlLinkage_extractFromElement(void* linkage, const MSElementBuffer* element, uint16_t primaryId, void*, void*,
-                                  uint32_t* wordsP, uint32_t* offsetP) {
+                                  uint32_t* wordsP, uint32_t* offsetP) noexcept {
     if (!element) return MDL_ERROR;
     Found found;
     LinkageWalk walk(element);
@@ -110,7 +110,8 @@ int mdlLinkage_extractFromElement(void* linkage, const MSElementBuffer* element,
     return MDL_SUCCESS;
 }
 
-int mdlLinkage_deleteFromElement(MSElementBuffer* element, uint16_t primaryId, void*, void*, void*, int32_t* countP) {
+int mdlLinkage_deleteFromElement(MSElementBuffer* element, uint16_t primaryId, void*, void*, void*,
+                                 int32_t* countP) noexcept {
     if (!element || !elementIsSound(element, size_t{headOf(element).size} * 2)) return MDL_ERROR;
     int32_t count = 0;
     for (Found found; LinkageWalk(element).nextUser(found, primaryId); ++count) removeBytes(element, found);

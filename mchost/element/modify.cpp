@@ -85,7 +85,7 @@ ElementDescr* modifyChain(Modification& run, ElementDescr* first) {
 using namespace host;
 
 int mdlModify_elementDescr2(ElementDescr** edPP, ModelRef* model, int32_t request, MdlModifyFunction f, void* userArg,
-                            int32_t) {
+                            int32_t) noexcept {
     if (!edPP || !*edPP || !f || request != MDL_MODIFY_NO_HEADERS) return 0;
     return guarded<int>(0, [&] {
         Modification run{model, f, userArg};

@@ -87,7 +87,7 @@ int givePoints(Point3d** pointsP, int32_t* countP, std::span<const Point3d> poin
 
 using namespace host;
 
-int mdlElement_stroke(Point3d** pointsP, int32_t* countP, const MSElementBuffer* element, double tolerance) {
+int mdlElement_stroke(Point3d** pointsP, int32_t* countP, const MSElementBuffer* element, double tolerance) noexcept {
     if (!pointsP || !countP || !element) return MDL_ERROR;
     // A page has many elements with few points each: the room for them is kept from call to call.
     static thread_local std::vector<Point3d> points;

@@ -198,7 +198,7 @@ using namespace host;
 
 int mdlText_createWide(MSElementBuffer* out, const MSElementBuffer* templateP, const wchar_t* text,
                        const Point3d* origin, const RotMatrix* rotation, const TextSize* size, const TextParams* params,
-                       int32_t) {
+                       int32_t) noexcept {
     const size_t count = text ? std::wcslen(text) : 0;
     if (!out || count > maxTextCharacters) return MDL_ERROR;
     const auto body = newTextBody(origin, rotation, size, params);
@@ -208,7 +208,7 @@ int mdlText_createWide(MSElementBuffer* out, const MSElementBuffer* templateP, c
 }
 
 int mdlText_create(MSElementBuffer* out, const MSElementBuffer* templateP, const char* text, const Point3d* origin,
-                   const RotMatrix* rotation, const TextSize* size, const TextParams* params, int32_t) {
+                   const RotMatrix* rotation, const TextSize* size, const TextParams* params, int32_t) noexcept {
     const size_t count = text ? strnlen(text, maxTextCharacters + 1) : 0;
     if (!out || count > maxTextCharacters) return MDL_ERROR;
     uint16_t units[maxTextCharacters];
@@ -236,7 +236,7 @@ int mdlText_create(MSElementBuffer* out, const MSElementBuffer* templateP, const
 
 int mdlText_extract(Point3d* lowerLeft, Point3d* origin, double* width, double* height, char* text, RotMatrix* rotation,
                     TextParams* params, int32_t* just, double* textHeight, double* charWidth,
-                    const MSElementBuffer* element) {
+                    const MSElementBuffer* element) noexcept {
     const auto found = currentText(element);
     if (!found) return MDL_ERROR;
     const TextBody& body = found->body;
@@ -255,7 +255,7 @@ int mdlText_extract(Point3d* lowerLeft, Point3d* origin, double* width, double* 
     return MDL_SUCCESS;
 }
 
-int mdlText_extractShape(Point3d* shape, Point3d* origin, const MSElementBuffer* element, int32_t, int32_t) {
+int mdlText_extractShape(Point3d* shape, Point3d* origin, const MSElementBuffer* element, int32_t, int32_t) noexcept {
     const auto found = currentText(element);
     if (!found) return MDL_ERROR;
     const auto [lowerLeft, along, up] = textBox(*found);
@@ -269,7 +269,7 @@ int mdlText_extractShape(Point3d* shape, Point3d* origin, const MSElementBuffer*
     return MDL_SUCCESS;
 }
 
-int mdlText_extractString(char* text, const MSElementBuffer* element) {
+int mdlText_extractString(char* text, const MSElementBuffer* element) noexcept {
     const auto found = element ? textOf(element) : std::nullopt;
     if (!found) return MDL_ERROR;
     for (uint32_t i = 0; text && i < found->body.count; ++i) text[i] = static_cast<char>(textCharacter(*found, i));
@@ -278,7 +278,7 @@ int mdlText_extractString(char* text, const MSElementBuffer* element) {
 }
 
 int mdlText_extractWide(wchar_t* text, Point3d* origin, RotMatrix* rotation, TextSize* size, TextParams* params,
-                        const MSElementBuffer* element) {
+                        const MSElementBuffer* element) noexcept {
     const auto found = currentText(element);
     if (!found) return MDL_ERROR;
     const TextBody& body = found->body;

@@ -35,15 +35,15 @@ int convert(const From* from, int length, To* to, int size, To (*character)(From
 
 }  // namespace
 
-int mdlCnv_convertMultibyteToUnicode(const char* text, int length, wchar_t* wide, int size) {
+int mdlCnv_convertMultibyteToUnicode(const char* text, int length, wchar_t* wide, int size) noexcept {
     return convert(text, length, wide, size, wideOf);
 }
 
-int mdlCnv_convertUnicodeToMultibyte(const wchar_t* wide, int length, char* text, int size) {
+int mdlCnv_convertUnicodeToMultibyte(const wchar_t* wide, int length, char* text, int size) noexcept {
     return convert(wide, length, text, size, narrowOf);
 }
 
-int mdlText_compressString(char* out, const char* text, int32_t size, int32_t) {
+int mdlText_compressString(char* out, const char* text, int32_t size, int32_t) noexcept {
     return convert(
         text, -1, out, size, +[](char c) { return c; });
 }

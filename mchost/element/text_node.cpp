@@ -65,13 +65,13 @@ using namespace host;
 
 int mdlTextNode_createWide(MSElementBuffer* out, const MSElementBuffer* templateP, const wchar_t* text,
                            const Point3d* origin, const RotMatrix* rotation, const TextSize* size,
-                           const TextParams* params) {
+                           const TextParams* params) noexcept {
     if (!out || text) return MDL_ERROR;
     const auto lines = newTextBody(origin, rotation, size, params);
     return lines ? finish(NewElement(out, templateP, MDL_TEXT_NODE), TextNodeBody{{}, *lines}) : int{MDL_ERROR};
 }
 
-int mdlText_addStringsToNodeDscr(ElementDescr* node, const char* text) {
+int mdlText_addStringsToNodeDscr(ElementDescr* node, const char* text) noexcept {
     const auto made = node && text ? textNodeOf(node->element) : std::nullopt;
     if (!made) return MDL_ERROR;
     return guarded<int>(MDL_ERROR, [&]() -> int {

@@ -163,7 +163,7 @@ int inSession(Body body) {
 
 using namespace host;
 
-int mchost_begin(const McHostSettings* settings) {
+int mchost_begin(const McHostSettings* settings) noexcept {
     try {
         begin(settingsFrom(settings));
         return MDL_SUCCESS;
@@ -175,17 +175,17 @@ int mchost_begin(const McHostSettings* settings) {
     return MDL_ERROR;
 }
 
-int mchost_end(void) {
+int mchost_end(void) noexcept {
     return inSession([](Session&) { return end(); });
 }
 
-int mchost_define(const char* name, const char* value, int level) {
+int mchost_define(const char* name, const char* value, int level) noexcept {
     return inSession([&](Session&) -> int {
         return name && defineVariable(name, value ? value : "", level) ? MDL_SUCCESS : MDL_ERROR;
     });
 }
 
-int mchost_configure(const char* file, int level) {
+int mchost_configure(const char* file, int level) noexcept {
     return inSession([&](Session&) -> int {
         const auto fault = readConfiguration(file ? file : "", level);
         if (fault) tell(*fault);
@@ -193,11 +193,11 @@ int mchost_configure(const char* file, int level) {
     });
 }
 
-int mchost_openDesignFile(const char* file) {
+int mchost_openDesignFile(const char* file) noexcept {
     return inSession([&](Session&) { return mdlSystem_newDesignFile(hostName(file ? file : "").c_str(), 0); });
 }
 
-int mchost_newDesignFile(const char* file, int is3d) {
+int mchost_newDesignFile(const char* file, int is3d) noexcept {
     return inSession([&](Session&) -> int {
         const int status = mdlSystem_createDesignFile(hostName(file ? file : "").c_str(), is3d);
         return status == MDL_SUCCESS ? mchost_openDesignFile(file) : status;
@@ -205,7 +205,7 @@ int mchost_newDesignFile(const char* file, int is3d) {
 }
 
 int mchost_start(const char* taskName, int (*start)(int, char**), const char* listName, int count,
-                 const char* const* arguments) {
+                 const char* const* arguments) noexcept {
     return inSession([&](Session& session) -> int {
         if (!taskName || !start) return MDL_ERROR;
         session.startApplication(hostName(taskName), start, listName ? listName : usualList,
@@ -214,13 +214,13 @@ int mchost_start(const char* taskName, int (*start)(int, char**), const char* li
     });
 }
 
-int mchost_load(const char* application, const char* listName, int count, const char* const* arguments) {
+int mchost_load(const char* application, const char* listName, int count, const char* const* arguments) noexcept {
     return inSession([&](Session&) {
         return load(application ? application : "", listName ? listName : usualList, textsFrom(count, arguments));
     });
 }
 
-int mchost_loadListed(const char* variable) {
+int mchost_loadListed(const char* variable) noexcept {
     int loaded = 0;
     const int status = inSession([&](Session&) -> int {
         for (const std::string& name : entriesOf(variable ? variable : "")) {
@@ -232,7 +232,7 @@ int mchost_loadListed(const char* variable) {
     return status == MDL_SUCCESS ? loaded : -1;
 }
 
-int mchost_listApplications(void (*found)(void*, const char*, const char*), void* data) {
+int mchost_listApplications(void (*found)(void*, const char*, const char*), void* data) noexcept {
     return inSession([&](Session&) -> int {
         if (!found) return MDL_ERROR;
         for (const auto& [name, description] : describedApplications()) found(data, name.c_str(), description.c_str());
@@ -240,22 +240,22 @@ int mchost_listApplications(void (*found)(void*, const char*, const char*), void
     });
 }
 
-int mchost_serve(void) {
+int mchost_serve(void) noexcept {
     return inSession([](Session&) -> int { return serve() ? MDL_SUCCESS : MDL_ERROR; });
 }
 
-const char* mchost_lastError(void) {
+const char* mchost_lastError(void) noexcept {
     return guarded<const char*>("", [] { return lastError().c_str(); });
 }
 
-void mchost_tell(const char* line) {
+void mchost_tell(const char* line) noexcept {
     guarded([&] { tell(line ? line : ""); });
 }
 
-void mchost_startProgram(void) {
+void mchost_startProgram(void) noexcept {
     startProgram();
 }
 
-void mchost_tellThrown(const char* program) {
+void mchost_tellThrown(const char* program) noexcept {
     tellThrown(program);
 }

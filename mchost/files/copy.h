@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 
-#include "mchost/base/export.h"
 #include "mchost/base/unfinished.h"
 
 namespace host {
@@ -32,6 +31,6 @@ class TemporaryFile {
 };
 
 // Copies a file on paths of the system, as mdlFile_copy does for names of files.
-HOST_EXPORT int copyFile(const std::filesystem::path& destination, const std::filesystem::path& source);
+int copyFile(const std::filesystem::path& destination, const std::filesystem::path& source);
 
 }  // namespace host

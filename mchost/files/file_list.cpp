@@ -60,7 +60,7 @@ std::optional<std::vector<std::string>> entriesMatching(std::string path, bool f
 
 StringList* listOf(const std::vector<std::string>& names) {
     StringList* list = mdlStringList_create(static_cast<int32_t>(names.size()), 1);
-    if (list == nullptr) return nullptr;
+    if (!list) return nullptr;
     for (size_t i = 0; i < names.size(); ++i) {
         if (mdlStringList_setMember(list, static_cast<int32_t>(i), hostName(names[i]).c_str(), nullptr) ==
             MDL_SUCCESS) {
@@ -98,15 +98,15 @@ bool matchesPattern(std::string_view pattern, std::string_view name) {
 
 }  // namespace host
 
-int mdlFileList_get(StringList** listP, const char* pattern, int attributes) {
+int mdlFileList_get(StringList** listP, const char* pattern, int attributes) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
-        if (listP == nullptr) return MDL_ERROR;
+        if (!listP) return MDL_ERROR;
         *listP = nullptr;
-        if (pattern == nullptr || pattern[0] == '\0') return MDL_ERROR;
+        if (!pattern || pattern[0] == '\0') return MDL_ERROR;
         const auto names =
             host::entriesMatching(host::systemPath(pattern), (attributes & MDL_ATTRIBUTE_DIRECTORY) != 0);
         if (!names) return MDL_ERROR;
         *listP = host::listOf(*names);
-        return *listP != nullptr ? MDL_SUCCESS : MDL_ERROR;
+        return *listP ? MDL_SUCCESS : MDL_ERROR;
     });
 }

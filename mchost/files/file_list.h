@@ -3,12 +3,10 @@
 
 #include <string_view>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 // Whether a file name matches a pattern with * and ?, letter case aside. "*.*" matches names without an extension too;
 // a name that begins with a dot is matched only by a pattern that does so.
-HOST_EXPORT bool matchesPattern(std::string_view pattern, std::string_view name);
+bool matchesPattern(std::string_view pattern, std::string_view name);
 
 }  // namespace host

@@ -96,9 +96,9 @@ std::string mountTable() {
 
 using namespace host;
 
-uint32_t WNetGetUniversalNameA(const char* path, uint32_t infoLevel, void* buffer, uint32_t* sizeP) {
+uint32_t WNetGetUniversalNameA(const char* path, uint32_t infoLevel, void* buffer, uint32_t* sizeP) noexcept {
     return guarded<uint32_t>(WIN32_BAD_PARAMETER, [&]() -> uint32_t {
-        if (path == nullptr || infoLevel != 1 || sizeP == nullptr) return WIN32_BAD_PARAMETER;
+        if (!path || infoLevel != 1 || !sizeP) return WIN32_BAD_PARAMETER;
         const std::string name = universalName(systemPath(path), mountTable());
         if (name.empty()) return WIN32_NOT_CONNECTED;
         PackedTexts<Win32UniversalName> packed(1);

@@ -22,9 +22,9 @@ bool isFolder(FILE* stream) {
 }  // namespace
 
 FILE* openStream(const char* name, const char* mode) {
-    if (name == nullptr || mode == nullptr) return nullptr;
+    if (!name || !mode) return nullptr;
     FILE* stream = std::fopen(systemPath(name).c_str(), mode);
-    if (stream == nullptr || !isFolder(stream)) return stream;
+    if (!stream || !isFolder(stream)) return stream;
     std::fclose(stream);
     errno = EISDIR;
     return nullptr;
@@ -39,10 +39,10 @@ int closeStream(FILE* stream) {
 
 }  // namespace host
 
-FILE* dlmSystem_mdlFopen(const char* name, const char* mode) {
+FILE* dlmSystem_mdlFopen(const char* name, const char* mode) noexcept {
     return host::guarded<FILE*>(nullptr, [&] { return host::openStream(name, mode); });
 }
 
-int dlmSystem_mdlFclose(FILE* stream) {
-    return stream == nullptr || host::closeStream(stream) != 0 ? EOF : 0;
+int dlmSystem_mdlFclose(FILE* stream) noexcept {
+    return !stream || host::closeStream(stream) != 0 ? EOF : 0;
 }

@@ -109,7 +109,7 @@ Ahead lookAhead(MdlTextFile& file, size_t space) {
     require(file, space + 2);
     const std::string_view text = rest(file).substr(0, space + 2);
     const auto* feed = static_cast<const char*>(std::memchr(text.data(), '\n', text.size()));
-    if (feed == nullptr) {
+    if (!feed) {
         const bool all = file.drained && text.size() == file.end - file.begin;
         return {text.size(), 0, all};
     }
@@ -174,43 +174,43 @@ int closeAndFree(MdlTextFile* file) {
 
 using namespace host;
 
-MdlTextFile* mdlTextFile_open(const char* name, int mode) {
+MdlTextFile* mdlTextFile_open(const char* name, int mode) noexcept {
     return guarded<MdlTextFile*>(nullptr, [&]() -> MdlTextFile* {
         if (mode < MDL_TEXT_READ || mode > MDL_TEXT_APPEND) return nullptr;
         auto file = std::make_unique<MdlTextFile>();
         file->stream = openStream(name, mode == MDL_TEXT_READ ? "rb" : mode == MDL_TEXT_WRITE ? "wb" : "ab");
-        if (file->stream == nullptr) return nullptr;
+        if (!file->stream) return nullptr;
         if (mode == MDL_TEXT_READ) std::setvbuf(file->stream, nullptr, _IONBF, 0);
         identify(*file);
         return file.release();
     });
 }
 
-int mdlTextFile_close(MdlTextFile* file) {
-    return guarded<int>(MDL_ERROR, [&] { return file == nullptr ? int{MDL_ERROR} : closeAndFree(file); });
+int mdlTextFile_close(MdlTextFile* file) noexcept {
+    return guarded<int>(MDL_ERROR, [&] { return !file ? int{MDL_ERROR} : closeAndFree(file); });
 }
 
-char* mdlTextFile_getString(char* buffer, int size, MdlTextFile* file, int keepNewline) {
+char* mdlTextFile_getString(char* buffer, int size, MdlTextFile* file, int keepNewline) noexcept {
     return guarded<char*>(nullptr, [&]() -> char* {
-        if (buffer == nullptr || size < 2 || file == nullptr) return nullptr;
+        if (!buffer || size < 2 || !file) return nullptr;
         return nextPiece(*file, buffer, static_cast<size_t>(size) - 1, keepNewline != 0);
     });
 }
 
-int mdlTextFile_lastLength(const MdlTextFile* file) {
-    return file == nullptr ? 0 : file->lastLength;
+int mdlTextFile_lastLength(const MdlTextFile* file) noexcept {
+    return !file ? 0 : file->lastLength;
 }
 
-int mdlTextFile_putString(const char* text, MdlTextFile* file, int addNewline) {
-    if (text == nullptr || file == nullptr) return MDL_ERROR;
+int mdlTextFile_putString(const char* text, MdlTextFile* file, int addNewline) noexcept {
+    if (!text || !file) return MDL_ERROR;
     errno = 0;
     const bool good = std::fputs(text, file->stream) >= 0 && (addNewline == 0 || std::fputc('\n', file->stream) != EOF);
     if (!good && file->writeError == 0) file->writeError = errno == 0 ? EIO : errno;
     return good ? MDL_SUCCESS : MDL_ERROR;
 }
 
-void mdlTextFile_rewind(MdlTextFile* file) {
-    if (file == nullptr) return;
+void mdlTextFile_rewind(MdlTextFile* file) noexcept {
+    if (!file) return;
     std::rewind(file->stream);
     *file = MdlTextFile{.stream = file->stream,
                         .device = file->device,
@@ -220,15 +220,15 @@ void mdlTextFile_rewind(MdlTextFile* file) {
                         .writeError = file->writeError};
 }
 
-int mdlTextFile_isSame(const MdlTextFile* file, const MdlTextFile* other) {
-    if (file == nullptr || other == nullptr) return 0;
+int mdlTextFile_isSame(const MdlTextFile* file, const MdlTextFile* other) noexcept {
+    if (!file || !other) return 0;
     return file->device == other->device && file->number == other->number ? 1 : 0;
 }
 
-int mdlTextFile_eof(const MdlTextFile* file) {
+int mdlTextFile_eof(const MdlTextFile* file) noexcept {
     return file != nullptr && file->atEnd ? 1 : 0;
 }
 
-int mdlTextFile_error(const MdlTextFile* file) {
-    return file == nullptr ? 0 : file->readError;
+int mdlTextFile_error(const MdlTextFile* file) noexcept {
+    return !file ? 0 : file->readError;
 }

@@ -94,11 +94,11 @@ struct MdlWorkFolder {
     std::string name;
 };
 
-int mdlWorkFolder_make(MdlWorkFolder** folderP, const char* beside) {
+int mdlWorkFolder_make(MdlWorkFolder** folderP, const char* beside) noexcept {
     return host::guarded<int>(ENOMEM, [&]() -> int {
-        if (folderP == nullptr) return EINVAL;
+        if (!folderP) return EINVAL;
         *folderP = nullptr;
-        const host::fs::path place = host::systemPath(beside != nullptr ? beside : "");
+        const host::fs::path place = host::systemPath(beside ? beside : "");
         auto made = std::unique_ptr<MdlWorkFolder>(new MdlWorkFolder{host::WorkFolder(place.parent_path()), {}});
         if (made->folder.error() != 0) return made->folder.error();
         made->name = host::hostName(made->folder.path());
@@ -107,10 +107,10 @@ int mdlWorkFolder_make(MdlWorkFolder** folderP, const char* beside) {
     });
 }
 
-const char* mdlWorkFolder_name(const MdlWorkFolder* folder) {
-    return folder != nullptr ? folder->name.c_str() : "";
+const char* mdlWorkFolder_name(const MdlWorkFolder* folder) noexcept {
+    return folder ? folder->name.c_str() : "";
 }
 
-void mdlWorkFolder_remove(MdlWorkFolder* folder) {
+void mdlWorkFolder_remove(MdlWorkFolder* folder) noexcept {
     delete folder;
 }

@@ -5,14 +5,13 @@
 #include <optional>
 #include <string>
 
-#include "mchost/base/export.h"
 #include "mchost/base/unfinished.h"
 
 namespace host {
 
 // Only its owner may enter it, and it goes with the files in it when this does or when a signal ends the process. A
 // killed process leaves one behind; the next one that is made in the same folder clears it away.
-class HOST_EXPORT WorkFolder {
+class WorkFolder {
   public:
     // In `folder`, empty for the current one.
     explicit WorkFolder(const std::filesystem::path& folder);

@@ -7,7 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include "mchost/base/export.h"
 #include "mchost/dialog/dialog.h"
 #include "mchost/front/line_editor.h"
 
@@ -34,6 +33,6 @@ size_t endingButtons(const Dialog& dialog);
 // What can be answered, line by line, each ended.
 std::string helpOn(const Dialog& dialog);
 // The labels and words that begin as was typed (UTF-8).
-HOST_EXPORT Completion completeAnswer(const Dialog& dialog, std::string_view typed);
+Completion completeAnswer(const Dialog& dialog, std::string_view typed);
 
 }  // namespace host

@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "mchost/base/export.h"
 #include "mchost/front/line_editor.h"
 #include "mchost/session/front_end.h"
 
@@ -16,6 +15,6 @@ std::string promptOf(const FileQuestion& question);
 
 // The names in the directory that begin like the last part of what was typed: folders, and files of the filter; all
 // files when the filter has none of them.
-HOST_EXPORT Completion completeFileName(const FileQuestion& question, std::string_view typed);
+Completion completeFileName(const FileQuestion& question, std::string_view typed);
 
 }  // namespace host

@@ -9,8 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 // What can stand for the text before the cursor.
@@ -20,7 +18,7 @@ struct Completion {
 };
 
 // What comes from files and drawings can't steer the terminal: a blank for each control character but those in `keep`.
-HOST_EXPORT std::string printable(std::string text, std::string_view keep = "\n\t");
+std::string printable(std::string text, std::string_view keep = "\n\t");
 
 // Whole characters that all texts begin with; there must be one.
 std::string commonBeginning(const std::vector<std::string>& texts);
@@ -33,7 +31,7 @@ struct LineHelp {
 // The line as keys change it; it needs no terminal. Keys: arrows, Home, End, Delete, Backspace, Tab, Enter, and Ctrl
 // with A, B, E, F, K, N, P, U, W; Ctrl-D gives up in an empty line, Ctrl-C interrupts, and Ctrl-Z
 // suspends.
-class HOST_EXPORT LineEdit {
+class LineEdit {
   public:
     explicit LineEdit(const LineHelp& help) : help_(help) {}
 

@@ -8,13 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "mchost/base/export.h"
 #include "mchost/dialog/dialog.h"
 #include "mchost/session/front_end.h"
 
 namespace host {
 
-class HOST_EXPORT DialogScript {
+class DialogScript {
   public:
     // Steps; each gives the script again. Texts are Windows-1252.
     DialogScript& press(int32_t buttonId);
@@ -47,7 +46,7 @@ class HOST_EXPORT DialogScript {
 };
 
 // Answers for file dialogs, in order; what was asked is kept. Texts are UTF-8.
-class HOST_EXPORT FileScript {
+class FileScript {
   public:
     FileScript& answer(std::string text);
     FileScript& cancel();

@@ -25,7 +25,6 @@
 #include <optional>
 #include <string>
 
-#include "mchost/base/export.h"
 #include "mchost/session/front_end.h"
 
 namespace host {
@@ -44,6 +43,6 @@ struct TerminalOptions {
 };
 
 // Throws std::runtime_error, with a line that tells it, when the file of answers can't be read.
-HOST_EXPORT std::unique_ptr<FrontEnd> makeTerminalFrontEnd(TerminalOptions options);
+std::unique_ptr<FrontEnd> makeTerminalFrontEnd(TerminalOptions options);
 
 }  // namespace host

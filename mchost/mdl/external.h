@@ -18,21 +18,21 @@ typedef struct MdlExternalProgram {
 
 /* Starts a program and doesn't wait for it. `arguments` is one line (null: none), divided into words at blanks and tabs;
  * what stands between double quotes is kept together, and the quotes go; two of them in it are one. Null when it can't be started. */
-MDL_EXPORT MdlExternalProgram *mdlExternal_startProgram(const char *program, const char *arguments);
+MDL_EXPORT MdlExternalProgram *mdlExternal_startProgram(const char *program, const char *arguments) MDL_NOEXCEPT;
 /* Waits for the end of the program and gives the handle back. Its exit status in statusP: 0 to 255, or 128 and the
  * signal's number for a program that a signal ended. 0, or MDL_ERROR when there is nothing to wait for: the status is
  * then -1. */
-MDL_EXPORT int mdlExternal_wait(int *statusP, MdlExternalProgram *program);
+MDL_EXPORT int mdlExternal_wait(int *statusP, MdlExternalProgram *program) MDL_NOEXCEPT;
 /* Gives the handle back, and ends its program (SIGTERM) when it still runs. 0, or MDL_ERROR for what is no handle. */
-MDL_EXPORT int mdlExternal_terminateProgram(MdlExternalProgram *program);
+MDL_EXPORT int mdlExternal_terminateProgram(MdlExternalProgram *program) MDL_NOEXCEPT;
 
 /* Starts a program with arguments that are words already, and doesn't wait for it. 0, or MDL_ERROR when it can't be
  * started. */
-MDL_EXPORT int mdlExternal_extStartProgram(const char *program, int argumentCount, const char *const *arguments);
+MDL_EXPORT int mdlExternal_extStartProgram(const char *program, int argumentCount, const char *const *arguments) MDL_NOEXCEPT;
 
 /* Runs a line of the system's shell and waits for its end. What begins like a path on a drive, at the beginning of the
  * line, behind a blank or behind a quote, is given as the system's path. What `system` of the C library gives: the
  * status as the system tells it, or -1; -1 too for null. */
-MDL_EXPORT int mdlExternal_runShellLine(const char *line);
+MDL_EXPORT int mdlExternal_runShellLine(const char *line) MDL_NOEXCEPT;
 
 #endif

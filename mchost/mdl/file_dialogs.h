@@ -34,11 +34,11 @@ typedef struct UserFileRecord {
 /* Reads the record `id` of a resource file; `handle` 0 means the one that was saved with 0 in this session, for the
  * current application. MDL_ERROR, with the record as it was, when there is none. A stored record that is cut short is
  * read as far as it holds; counts of a record with the right marker and version lie within 0 and 10. */
-MDL_EXPORT int mdlUserPrefs_getFileName(UserFileRecord *record, RscHandle handle, int32_t id);
+MDL_EXPORT int mdlUserPrefs_getFileName(UserFileRecord *record, RscHandle handle, int32_t id) MDL_NOEXCEPT;
 /* Stores the record, new or in place of an old one; a status of resource.h. A file that was opened for reading gets
  * MDL_RSC_READ_ONLY and no line in the message centre. `handle` 0 keeps it for the session, as the state
  * that the dialog of that id starts from. */
-MDL_EXPORT int mdlUserPrefs_saveFileName(const UserFileRecord *record, RscHandle handle, int32_t id);
+MDL_EXPORT int mdlUserPrefs_saveFileName(const UserFileRecord *record, RscHandle handle, int32_t id) MDL_NOEXCEPT;
 
 /* ---- one file ---- */
 
@@ -48,19 +48,19 @@ enum { MDL_DIALOG_CANCELLED = 1 }; /* the user gave no file */
  * failure. `rscFile` and `dialogId` are 0: the host's own dialog. `suggestedName`, `filter`, `directory` and
  * `title` may be null. 0, MDL_DIALOG_CANCELLED (also when nobody answers), or MDL_ERROR without a session. */
 MDL_EXPORT int mdlDialog_fileOpen(char *result, RscHandle rscFile, int32_t dialogId, const char *suggestedName,
-                                  const char *filter, const char *directory, const char *title);
+                                  const char *filter, const char *directory, const char *title) MDL_NOEXCEPT;
 MDL_EXPORT int mdlDialog_fileCreate(char *result, RscHandle rscFile, int32_t dialogId, const char *suggestedName,
-                                    const char *filter, const char *directory, const char *title);
+                                    const char *filter, const char *directory, const char *title) MDL_NOEXCEPT;
 
 /* The same with a record of remembered files, `id` of the resource file `handle` (0: of this session): its directory and
  * filter are used in place of those given, its files are offered, and what the user chose is stored in it. A record that
  * can't be stored changes nothing in the result. */
 MDL_EXPORT int mdlDialog_defFileOpen(char *result, RscHandle rscFile, int32_t dialogId, const char *suggestedName,
                                      const char *filter, const char *directory, const char *title, int32_t id,
-                                     RscHandle handle);
+                                     RscHandle handle) MDL_NOEXCEPT;
 MDL_EXPORT int mdlDialog_defFileCreate(char *result, RscHandle rscFile, int32_t dialogId, const char *suggestedName,
                                        const char *filter, const char *directory, const char *title, int32_t id,
-                                       RscHandle handle);
+                                       RscHandle handle) MDL_NOEXCEPT;
 
 /* ---- lists of files ---- */
 
@@ -84,6 +84,6 @@ enum {
  * filter that were in use; when its filter isn't empty, it goes before `filter`. `listTitle` stands above the list. */
 MDL_EXPORT StringList *mdlFileList_edit(FileDialogResult *result, const StringList *list, int32_t options,
                                         const char *title, const char *listTitle, const char *filter,
-                                        const char *directory);
+                                        const char *directory) MDL_NOEXCEPT;
 
 #endif

@@ -25,12 +25,12 @@ typedef int (*MdlModifyFunction)(MSElementBuffer *element, void *userArg, ModelR
  * function; `reserved` is 0. A header stays when all of its components are removed; *edPP is null when nothing is left.
  * The number of changes; 0 too when nothing could be asked. */
 MDL_EXPORT int mdlModify_elementDescr2(ElementDescr **edPP, ModelRef *model, int32_t request, MdlModifyFunction f,
-                                       void *userArg, int32_t reserved);
+                                       void *userArg, int32_t reserved) MDL_NOEXCEPT;
 /* Asks for the element at `position` of the model (null: the active one), or for its components when it is a header,
  * and writes what came of it to the model. The element keeps its position; what a replacement has more than one
  * element is added behind; when nothing is left the element is deleted. The number of changes; 0, with the model as it
  * was, when there is no element, the model can't be written, or memory is out. Both `reserved` are 0. */
 MDL_EXPORT int mdlModify_elementSingle(ModelRef *model, FilePos position, int32_t request, int32_t reserved1,
-                                       MdlModifyFunction f, void *userArg, int32_t reserved2);
+                                       MdlModifyFunction f, void *userArg, int32_t reserved2) MDL_NOEXCEPT;
 
 #endif

@@ -31,39 +31,39 @@ enum { MDL_PLOT_TEXT_BYTES = 256 }; /* least size of the buffers below, which ge
 
 /* A description with the active settings and the plotter of a plot driver file; null, with a line in the message
  * centre, when the file can't be read. */
-MDL_EXPORT MdlPlotDesc *mdlPlotDesc_createFromTCBAndPltFile(const char *pltFile);
-MDL_EXPORT void mdlPlotDesc_destroy(MdlPlotDesc *descr); /* null does nothing */
+MDL_EXPORT MdlPlotDesc *mdlPlotDesc_createFromTCBAndPltFile(const char *pltFile) MDL_NOEXCEPT;
+MDL_EXPORT void mdlPlotDesc_destroy(MdlPlotDesc *descr) MDL_NOEXCEPT; /* null does nothing */
 
 /* The paper by its name in the driver file, in any letter case; MDL_ERROR, with the paper as it was, when the plotter
  * hasn't got it. */
-MDL_EXPORT int mdlPlotDesc_setPaperSize(MdlPlotDesc *descr, const char *name);
+MDL_EXPORT int mdlPlotDesc_setPaperSize(MdlPlotDesc *descr, const char *name) MDL_NOEXCEPT;
 /* The name of the paper. */
-MDL_EXPORT int mdlPlotDesc_getPaperSize(char *buffer, const MdlPlotDesc *descr);
+MDL_EXPORT int mdlPlotDesc_getPaperSize(char *buffer, const MdlPlotDesc *descr) MDL_NOEXCEPT;
 /* The unit of lengths on paper: 4 millimetres, the only one here; MDL_ERROR for another. */
-MDL_EXPORT int mdlPlotDesc_setUnits(MdlPlotDesc *descr, int32_t units);
+MDL_EXPORT int mdlPlotDesc_setUnits(MdlPlotDesc *descr, int32_t units) MDL_NOEXCEPT;
 /* What the view adds to the drawing; all zero is nothing. Taken and not used: plots show elements alone. */
-MDL_EXPORT int mdlPlotDesc_setViewFlags(MdlPlotDesc *descr, const ViewFlags *flags);
+MDL_EXPORT int mdlPlotDesc_setViewFlags(MdlPlotDesc *descr, const ViewFlags *flags) MDL_NOEXCEPT;
 /* Takes the fence (fence.h) as the area to plot; `use` 0 lets go of the area. MDL_ERROR without a fence, and for one
  * without extent in its view. */
-MDL_EXPORT int mdlPlotDesc_setFenceFromTCB(MdlPlotDesc *descr, int32_t use);
+MDL_EXPORT int mdlPlotDesc_setFenceFromTCB(MdlPlotDesc *descr, int32_t use) MDL_NOEXCEPT;
 /* Copies that a system printer makes; MDL_ERROR below 1. A file is written once. */
-MDL_EXPORT int mdlPlotDesc_setNumCopies(MdlPlotDesc *descr, int32_t copies);
+MDL_EXPORT int mdlPlotDesc_setNumCopies(MdlPlotDesc *descr, int32_t copies) MDL_NOEXCEPT;
 /* Makes the plot as large as the paper takes, upright or turned, whichever is larger; it stands in the middle. A
  * description that wasn't maximised plots in this way too. MDL_ERROR without an area. */
-MDL_EXPORT int mdlPlotDesc_maximize(MdlPlotDesc *descr);
+MDL_EXPORT int mdlPlotDesc_maximize(MdlPlotDesc *descr) MDL_NOEXCEPT;
 /* Plots the area of the active model: into the file `fileName`, whatever its suffix, or with null to the system printer
  * of the plotter (as PDF), or without one to the file of its output name. A file is there complete or as it was before.
  * 0, or MDL_ERROR with a line in the message centre: no area, a folder that isn't there, a full disk, a printer that
  * refuses. */
-MDL_EXPORT int mdlPlotDesc_plot(MdlPlotDesc *descr, const char *fileName);
+MDL_EXPORT int mdlPlotDesc_plot(MdlPlotDesc *descr, const char *fileName) MDL_NOEXCEPT;
 
 /* The name of the system printer; MDL_ERROR, with an empty text, when the plotter has none. */
-MDL_EXPORT int mdlPlotDesc_getSysPrinter(char *buffer, const MdlPlotDesc *descr);
+MDL_EXPORT int mdlPlotDesc_getSysPrinter(char *buffer, const MdlPlotDesc *descr) MDL_NOEXCEPT;
 
 /* The plotter of the description, and the description's own as long as it lives; a plotter that is set is copied. A
  * paper that the new plotter hasn't got becomes its default one. */
-MDL_EXPORT MdlPlotter *mdlPlotDesc_getPlotter(MdlPlotDesc *descr);
-MDL_EXPORT int mdlPlotDesc_setPlotter(MdlPlotDesc *descr, const MdlPlotter *plotter);
+MDL_EXPORT MdlPlotter *mdlPlotDesc_getPlotter(MdlPlotDesc *descr) MDL_NOEXCEPT;
+MDL_EXPORT int mdlPlotDesc_setPlotter(MdlPlotDesc *descr, const MdlPlotter *plotter) MDL_NOEXCEPT;
 
 /* ---- the plotter ---- */
 
@@ -74,12 +74,12 @@ enum {
     MDL_PLOTTER_EXTENSION = 0x700B        /* text: as in the driver file */
 };
 /* MDL_ERROR, with the value untouched, for another number. */
-MDL_EXPORT int mdlPlotter_getInt(int32_t *value, const MdlPlotter *plotter, int32_t which);
+MDL_EXPORT int mdlPlotter_getInt(int32_t *value, const MdlPlotter *plotter, int32_t which) MDL_NOEXCEPT;
 /* The length of the text; 0 for an empty one, -1 for another number. */
-MDL_EXPORT int mdlPlotter_getString(char *buffer, const MdlPlotter *plotter, int32_t which);
+MDL_EXPORT int mdlPlotter_getString(char *buffer, const MdlPlotter *plotter, int32_t which) MDL_NOEXCEPT;
 /* Lets the user choose the system printer of the plotter, in the host's own dialog: `answer` becomes 2 when one was
  * chosen and 1 when not. MDL_ERROR when the system has no printer or nobody can answer. `mode` and `owner` are taken
  * and not used. */
-MDL_EXPORT int mdlPlotter_showSystemPrintdlg(int32_t *answer, MdlPlotter *plotter, int32_t mode, int32_t owner);
+MDL_EXPORT int mdlPlotter_showSystemPrintdlg(int32_t *answer, MdlPlotter *plotter, int32_t mode, int32_t owner) MDL_NOEXCEPT;
 
 #endif

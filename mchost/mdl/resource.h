@@ -30,7 +30,7 @@ enum { MDL_RSC_READ_ONLY = -906 /* the file was opened for reading, or it or its
  * one that another process makes at the same time: it does for both. A file that is no resource file, is damaged, of a
  * newer make or write-protected is left as it is. `title` (may be null) says what the file holds. `mode` is
  * MDL_RSC_WRITE. A name without an extension is taken as it is. */
-MDL_EXPORT int mdlResource_createFile(const char *name, const char *title, int mode);
+MDL_EXPORT int mdlResource_createFile(const char *name, const char *title, int mode) MDL_NOEXCEPT;
 /* Opens a resource file of the current application. A null name means the application's own: the .rsc file of the same
  * name beside its module, or, when it has none, the file that the configuration variable MS_APPRSC names. That one is
  * also looked in for what an own file lacks.
@@ -38,11 +38,11 @@ MDL_EXPORT int mdlResource_createFile(const char *name, const char *title, int m
  * 0, or MDL_ERROR with the handle 0; a file that isn't a resource file, or is damaged, also gets a line in the message
  * centre (one, however often the application tries), and stays as it is; one that isn't there, or can't be written to,
  * gets none. What an application leaves open is closed when it ends. */
-MDL_EXPORT int mdlResource_openFile(RscHandle *handleP, const char *name, int mode);
+MDL_EXPORT int mdlResource_openFile(RscHandle *handleP, const char *name, int mode) MDL_NOEXCEPT;
 /* Closes; blocks that were loaded from the file stay valid, but can't be written any more. MDL_ERROR for one that isn't
  * open or, with a line in the message centre, whose last changes stay in the log beside it (NAME-wal): nothing is lost
  * while the two are kept together. */
-MDL_EXPORT int mdlResource_closeFile(RscHandle handle);
+MDL_EXPORT int mdlResource_closeFile(RscHandle handle) MDL_NOEXCEPT;
 
 /* ---- what a file holds ---- */
 
@@ -60,44 +60,44 @@ typedef struct MdlResourceEntry {
 typedef int (*MdlResourceVisit)(void *userArg, const MdlResourceEntry *entry);
 /* Calls `visit` for each resource of an open file, in order of kind, type and id. 0 or the visit's result; MDL_ERROR, with a
  * line in the message centre, when the file isn't open or can't be read. */
-MDL_EXPORT int mdlResource_list(RscHandle rscFile, MdlResourceVisit visit, void *userArg);
+MDL_EXPORT int mdlResource_list(RscHandle rscFile, MdlResourceVisit visit, void *userArg) MDL_NOEXCEPT;
 /* The title that the file was made with, at most size - 1 characters and a NUL; empty when it has none. MDL_ERROR as
  * above, or when it was cut. */
-MDL_EXPORT int mdlResource_getTitle(char *title, int32_t size, RscHandle rscFile);
+MDL_EXPORT int mdlResource_getTitle(char *title, int32_t size, RscHandle rscFile) MDL_NOEXCEPT;
 
 /* ---- typed blocks ---- */
 
 /* The block as it is stored at this moment; null when there is none, or when it is damaged, which gets a line. The caller
  * gives it back with mdlResource_free, and may change its bytes but not its size. `rscFile` 0 looks in the files of the
  * current application, the last opened first, then in all open ones. */
-MDL_EXPORT void *mdlResource_load(RscHandle rscFile, int32_t type, int32_t id);
+MDL_EXPORT void *mdlResource_load(RscHandle rscFile, int32_t type, int32_t id) MDL_NOEXCEPT;
 /* Size in bytes of a block that was loaded; 0 for null and for anything else. */
-MDL_EXPORT int32_t mdlResource_size(const void *block);
+MDL_EXPORT int32_t mdlResource_size(const void *block) MDL_NOEXCEPT;
 /* Replaces the stored block by the loaded one, which stays loaded. */
-MDL_EXPORT int mdlResource_write(const void *block);
+MDL_EXPORT int mdlResource_write(const void *block) MDL_NOEXCEPT;
 /* Adds a block of `size` bytes (0 to 1,000,000,000). `attributes` and `name` (may be null) are kept with it and mean
  * nothing to the host. A block that is there already isn't replaced: MDL_ERROR. */
 MDL_EXPORT int mdlResource_add(RscHandle rscFile, int32_t type, int32_t id, const void *data, int32_t size,
-                               int32_t attributes, const char *name);
+                               int32_t attributes, const char *name) MDL_NOEXCEPT;
 /* The same, and a block that is stored there already is replaced, whatever its size. */
-MDL_EXPORT int mdlResource_put(RscHandle rscFile, int32_t type, int32_t id, const void *data, int32_t size);
+MDL_EXPORT int mdlResource_put(RscHandle rscFile, int32_t type, int32_t id, const void *data, int32_t size) MDL_NOEXCEPT;
 /* Gives back a block that was loaded. MDL_ERROR for anything else; 0 for null. */
-MDL_EXPORT int mdlResource_free(void *block);
+MDL_EXPORT int mdlResource_free(void *block) MDL_NOEXCEPT;
 
 /* ---- string lists that applications keep (lists.h), with their info fields ---- */
 
 /* A new list, which the caller destroys; null when there is none under that id. A list that lacks members is read up to
  * the first one missing, with a line. */
-MDL_EXPORT StringList *mdlStringList_loadResource(RscHandle rscFile, int32_t id);
+MDL_EXPORT StringList *mdlStringList_loadResource(RscHandle rscFile, int32_t id) MDL_NOEXCEPT;
 /* Adds a list; MDL_ERROR when one is there already. */
-MDL_EXPORT int mdlStringList_addResource(RscHandle rscFile, int32_t id, const StringList *list, const char *name);
+MDL_EXPORT int mdlStringList_addResource(RscHandle rscFile, int32_t id, const StringList *list, const char *name) MDL_NOEXCEPT;
 /* Replaces a list; MDL_ERROR when none is there. */
-MDL_EXPORT int mdlStringList_writeResource(const StringList *list, RscHandle rscFile, int32_t id, const char *name);
+MDL_EXPORT int mdlStringList_writeResource(const StringList *list, RscHandle rscFile, int32_t id, const char *name) MDL_NOEXCEPT;
 
 /* ---- message strings that mcrsc made ---- */
 
 /* The string `messageId` of list `listId` into `buffer` (512 bytes, cut there). `rscFile` 0 looks in the files of the
  * current application, the last opened first, then in all open ones. 0, or MDL_ERROR with the buffer untouched. */
-MDL_EXPORT int mdlResource_loadFromStringList(char *buffer, RscHandle rscFile, int32_t listId, int32_t messageId);
+MDL_EXPORT int mdlResource_loadFromStringList(char *buffer, RscHandle rscFile, int32_t listId, int32_t messageId) MDL_NOEXCEPT;
 
 #endif

@@ -29,16 +29,16 @@ typedef void (*MdlStateFunction)(void); /* any of them, cast */
  * be null. `command` and `prompt` are numbers of messages: they are taken and not used, prompts come by
  * mdlOutput_prompt. */
 MDL_EXPORT int mdlState_startPrimitive(MdlDataPointFunction dataPoint, MdlResetFunction restart, int32_t command,
-                                       int32_t prompt);
+                                       int32_t prompt) MDL_NOEXCEPT;
 /* Sets or, with null, takes away a function of the command that runs. A reset without a function for it ends the
  * command. MDL_ERROR for another number, and when no command runs. */
-MDL_EXPORT int mdlState_setFunction(int32_t state, MdlStateFunction function);
+MDL_EXPORT int mdlState_setFunction(int32_t state, MdlStateFunction function) MDL_NOEXCEPT;
 /* Starts the command that runs anew, by its restart function; the default command when it has none. */
-MDL_EXPORT int mdlState_restartCurrentCommand(void);
+MDL_EXPORT int mdlState_restartCurrentCommand(void) MDL_NOEXCEPT;
 /* Ends the command that runs: what its dynamics showed is gone, and the prompt empty. */
-MDL_EXPORT int mdlState_startDefaultCommand(void);
+MDL_EXPORT int mdlState_startDefaultCommand(void) MDL_NOEXCEPT;
 
 /* The prompt: what the command that runs asks for. */
-MDL_EXPORT int mdlOutput_prompt(const char *text);
+MDL_EXPORT int mdlOutput_prompt(const char *text) MDL_NOEXCEPT;
 
 #endif

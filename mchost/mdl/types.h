@@ -12,10 +12,13 @@
 #include <stdio.h>
 #include <wchar.h>
 
+/* No call lets anything out that was thrown inside. */
 #ifdef __cplusplus
 #define MDL_EXPORT extern "C" __attribute__((visibility("default")))
+#define MDL_NOEXCEPT noexcept
 #else
 #define MDL_EXPORT extern __attribute__((visibility("default")))
+#define MDL_NOEXCEPT
 #endif
 
 /* A result that mustn't be left unread. The library and the applications are built with MDL_CHECK_RESULTS. */

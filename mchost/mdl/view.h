@@ -5,7 +5,7 @@
 #include "types.h"
 
 /* The matrix of a standard view: 1 top, 2 bottom, 3 left, 4 right, 5 front, 6 back. */
-MDL_EXPORT int mdlView_getStandard(RotMatrix *matrix, int32_t view);
+MDL_EXPORT int mdlView_getStandard(RotMatrix *matrix, int32_t view) MDL_NOEXCEPT;
 
 typedef struct ViewFlags { uint32_t words[3]; } ViewFlags;
 /* Draws the descriptor into the rectangle of a dialog's window: `origin` is the lower left corner of the volume shown,
@@ -14,7 +14,7 @@ typedef struct ViewFlags { uint32_t words[3]; } ViewFlags;
  * `flags`, `is3d` and `lastArg` are taken and not used. */
 MDL_EXPORT int mdlElmdscr_displayToWindow(MdlDialog *window, const DialogRect *rect, const ViewFlags *flags,
                                           ElementDescr *ed, const RotMatrix *matrix, const Point3d *origin,
-                                          const Point3d *extent, int32_t is3d, int32_t lastArg);
+                                          const Point3d *extent, int32_t is3d, int32_t lastArg) MDL_NOEXCEPT;
 
 /* What an element is drawn with in a window. */
 typedef struct MdlElementLook {
@@ -32,7 +32,7 @@ typedef struct MdlPaper {
     void *userArg;
 } MdlPaper;
 /* Counts for what is drawn into the window from now on; null ends it. */
-MDL_EXPORT int mdlWindow_setPaper(MdlDialog *window, const MdlPaper *paper);
+MDL_EXPORT int mdlWindow_setPaper(MdlDialog *window, const MdlPaper *paper) MDL_NOEXCEPT;
 
 /* The picture of a descriptor, or of the whole active model when ed is null, as a file: the kind follows the suffix,
  * ".png" or ".svg" or ".pdf". `range` (UOR) null is the whole extent and a small margin. widthMm is the picture's width
@@ -41,6 +41,6 @@ MDL_EXPORT int mdlWindow_setPaper(MdlDialog *window, const MdlPaper *paper);
  * repeat. 0, or MDL_ERROR, with a line in the message centre, when it can't be written or there is nothing to show; a
  * file of that name is then as it was. */
 MDL_EXPORT int mdlPicture_write(const char *fileName, const ElementDescr *ed, const Range3d *range, double widthMm,
-                                double dpi);
+                                double dpi) MDL_NOEXCEPT;
 
 #endif

@@ -22,14 +22,14 @@
 /* ---- files and modules ---- */
 
 /* Deletes a file; 1, or 0 when it can't be deleted. */
-MDL_EXPORT int DeleteFileA(const char *name);
+MDL_EXPORT int DeleteFileA(const char *name) MDL_NOEXCEPT;
 /* The short form of a path; here the path itself, with host path rules applied. The length without its NUL, or 0 when
  * there is no such file, or the size needed when `size` is too small. */
-MDL_EXPORT uint32_t GetShortPathNameA(const char *path, char *buffer, uint32_t size);
+MDL_EXPORT uint32_t GetShortPathNameA(const char *path, char *buffer, uint32_t size) MDL_NOEXCEPT;
 /* The loaded module of that file name ("MCLib.dll" finds libmclib.so), or null. */
-MDL_EXPORT void *GetModuleHandleA(const char *name);
+MDL_EXPORT void *GetModuleHandleA(const char *name) MDL_NOEXCEPT;
 /* Full path of a loaded module into `buffer`, cut at size - 1 characters; the length, 0 on failure. */
-MDL_EXPORT uint32_t GetModuleFileNameA(void *module, char *buffer, uint32_t size);
+MDL_EXPORT uint32_t GetModuleFileNameA(void *module, char *buffer, uint32_t size) MDL_NOEXCEPT;
 
 /* Results of the calls below that give a status. */
 enum {
@@ -58,19 +58,19 @@ typedef struct Win32ProcessInfo {
     uint32_t processId, threadId;
 } Win32ProcessInfo;
 
-MDL_EXPORT void GetStartupInfoA(Win32StartupInfo *info);
+MDL_EXPORT void GetStartupInfoA(Win32StartupInfo *info) MDL_NOEXCEPT;
 /* Starts the program that the first word of `commandLine` names (or `application`, when it isn't null). 1, or 0 when it
  * can't be started. Process and thread attributes, inheritance and environment aren't used; `directory` is the folder
  * that it starts in, null for the current one. */
 MDL_EXPORT int CreateProcessA(const char *application, char *commandLine, void *processAttributes,
                               void *threadAttributes, int inheritHandles, uint32_t creationFlags, void *environment,
-                              const char *directory, const Win32StartupInfo *startupInfo, Win32ProcessInfo *processInfo);
+                              const char *directory, const Win32StartupInfo *startupInfo, Win32ProcessInfo *processInfo) MDL_NOEXCEPT;
 #define WIN32_INFINITE 0xFFFFFFFFu
 /* Waits for the end of a process, at most so many milliseconds. 0 when it has ended, 258 when the time is over first,
  * 0xFFFFFFFF on failure. */
-MDL_EXPORT uint32_t WaitForSingleObject(void *handle, uint32_t milliseconds);
+MDL_EXPORT uint32_t WaitForSingleObject(void *handle, uint32_t milliseconds) MDL_NOEXCEPT;
 /* Gives a process handle back; a process that still runs goes on. 1, or 0 for what is no handle; null is granted. */
-MDL_EXPORT int CloseHandle(void *handle);
+MDL_EXPORT int CloseHandle(void *handle) MDL_NOEXCEPT;
 
 /* ---- settings, in place of a registry: two text files, of the user and of the machine ----
  *
@@ -94,13 +94,13 @@ MDL_EXPORT int CloseHandle(void *handle);
 enum { WIN32_VALUE_TEXT = 1, WIN32_VALUE_BYTES = 3, WIN32_VALUE_NUMBER = 4 };
 
 /* Opens a key of one of the two roots for reading. */
-MDL_EXPORT int32_t RegOpenKeyExA(void *root, const char *key, uint32_t options, uint32_t access, void **handleP);
+MDL_EXPORT int32_t RegOpenKeyExA(void *root, const char *key, uint32_t options, uint32_t access, void **handleP) MDL_NOEXCEPT;
 /* Kind and bytes of a value; a text has its NUL. `sizeP` holds the size of `data` on entry and that of the value
  * afterwards. Type, data and size may be null; without data the size is told. With a buffer that is too small nothing is
  * copied. `reserved` isn't used. */
 MDL_EXPORT int32_t RegQueryValueExA(void *handle, const char *name, uint32_t *reserved, uint32_t *typeP, void *data,
-                                    uint32_t *sizeP);
-MDL_EXPORT int32_t RegCloseKey(void *handle);
+                                    uint32_t *sizeP) MDL_NOEXCEPT;
+MDL_EXPORT int32_t RegCloseKey(void *handle) MDL_NOEXCEPT;
 
 /* ---- network names ---- */
 
@@ -111,7 +111,7 @@ typedef struct Win32UniversalName {
  * table of mounts: /proc/mounts, or the file that the configuration variable MC_MOUNTS names. `infoLevel` is 1. The
  * buffer gets a Win32UniversalName and the text. `sizeP` holds the buffer's size; the size needed goes there with
  * WIN32_MORE_DATA. */
-MDL_EXPORT uint32_t WNetGetUniversalNameA(const char *path, uint32_t infoLevel, void *buffer, uint32_t *sizeP);
+MDL_EXPORT uint32_t WNetGetUniversalNameA(const char *path, uint32_t infoLevel, void *buffer, uint32_t *sizeP) MDL_NOEXCEPT;
 
 /* ---- printers ---- */
 
@@ -128,6 +128,6 @@ enum { WIN32_PRINTERS_LOCAL_AND_CONNECTED = 6 };
  * null, `level` 2. The buffer gets a Win32PrinterInfo for each, and their texts behind. 1, or 0 when the buffer is too
  * small or an argument is another one. The size needed is always told; it is 0 when there is no printer. */
 MDL_EXPORT int EnumPrintersA(uint32_t flags, const char *name, uint32_t level, void *buffer, uint32_t size,
-                             uint32_t *neededP, uint32_t *countP);
+                             uint32_t *neededP, uint32_t *countP) MDL_NOEXCEPT;
 
 #endif

@@ -8,7 +8,6 @@
 #include <unordered_set>
 #include <vector>
 
-#include "mchost/base/export.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/types.h"
 
@@ -17,7 +16,7 @@ namespace host {
 struct Model;
 
 // What a library file holds, in memory. The case of letters doesn't count in names of cells.
-class HOST_EXPORT CellLibrary {
+class CellLibrary {
   public:
     struct Cell {
         FilePos position;
@@ -47,7 +46,7 @@ class HOST_EXPORT CellLibrary {
 };
 
 // A library in the making.
-class HOST_EXPORT CellLibraryDraft {
+class CellLibraryDraft {
   public:
     explicit CellLibraryDraft(double uorPerMaster);
     ~CellLibraryDraft();

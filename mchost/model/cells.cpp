@@ -67,7 +67,7 @@ int copyText(wchar_t* to, int32_t size, const std::wstring& text) {
 
 using namespace host;
 
-int mdlCell_attachLibraryEx(char* fullName, const char* name, int32_t, int32_t, int32_t) {
+int mdlCell_attachLibraryEx(char* fullName, const char* name, int32_t, int32_t, int32_t) noexcept {
     const char* given = name ? name : "";
     return withFile("attach the cell library", given, [&] {
         attach(load(given));
@@ -75,7 +75,7 @@ int mdlCell_attachLibraryEx(char* fullName, const char* name, int32_t, int32_t, 
     });
 }
 
-int mdlCell_detachLibrary(void) {
+int mdlCell_detachLibrary(void) noexcept {
     return guarded<int>(MDL_ERROR, []() -> int {
         if (!attached().library) return MDL_ERROR;
         attach(nullptr);
@@ -84,7 +84,7 @@ int mdlCell_detachLibrary(void) {
 }
 
 int mdlCell_getElmDscr(ElementDescr** edPP, const void*, const void*, const void*, const void*, const void*,
-                       const void*, const void*, const void*, int32_t, const wchar_t* name, const void*) {
+                       const void*, const void*, const void*, int32_t, const wchar_t* name, const void*) noexcept {
     if (!edPP) return MDL_ERROR;
     *edPP = nullptr;
     return guarded(int{MDL_ERROR}, [&]() -> int {
@@ -96,7 +96,7 @@ int mdlCell_getElmDscr(ElementDescr** edPP, const void*, const void*, const void
     });
 }
 
-int mdlCell_getLibraryObject(MdlCellLibrary** libraryPP, const char* fileName) {
+int mdlCell_getLibraryObject(MdlCellLibrary** libraryPP, const char* fileName) noexcept {
     if (!libraryPP) return MDL_ERROR;
     *libraryPP = nullptr;
     return guarded<int>(MDL_ERROR, [&]() -> int {
@@ -107,16 +107,16 @@ int mdlCell_getLibraryObject(MdlCellLibrary** libraryPP, const char* fileName) {
     });
 }
 
-MdlModelIterator* mdlModelIterator_create(MdlCellLibrary* library) {
+MdlModelIterator* mdlModelIterator_create(MdlCellLibrary* library) noexcept {
     if (!library) return nullptr;
     return guarded<MdlModelIterator*>(nullptr, [&] { return new MdlModelIterator{library->library}; });
 }
 
-int mdlModelIterator_setAcceptCellsOnly(MdlModelIterator* iterator, int32_t) {
+int mdlModelIterator_setAcceptCellsOnly(MdlModelIterator* iterator, int32_t) noexcept {
     return iterator ? int{MDL_SUCCESS} : int{MDL_ERROR};
 }
 
-MdlModelItem* mdlModelIterator_getNext(MdlModelIterator* iterator) {
+MdlModelItem* mdlModelIterator_getNext(MdlModelIterator* iterator) noexcept {
     if (!iterator || !iterator->library) return nullptr;
     const auto& cells = iterator->library->cells();
     if (iterator->next >= cells.size()) return nullptr;
@@ -127,14 +127,14 @@ MdlModelItem* mdlModelIterator_getNext(MdlModelIterator* iterator) {
     });
 }
 
-void mdlModelIterator_free(MdlModelIterator* iterator) {
+void mdlModelIterator_free(MdlModelIterator* iterator) noexcept {
     delete iterator;
 }
 
-int mdlModelItem_getName(wchar_t* name, int32_t size, const MdlModelItem* item) {
+int mdlModelItem_getName(wchar_t* name, int32_t size, const MdlModelItem* item) noexcept {
     return item ? copyText(name, size, item->cell.name) : int{MDL_ERROR};
 }
 
-int mdlModelItem_getDescription(wchar_t* description, int32_t size, const MdlModelItem* item) {
+int mdlModelItem_getDescription(wchar_t* description, int32_t size, const MdlModelItem* item) noexcept {
     return item ? copyText(description, size, item->cell.description) : int{MDL_ERROR};
 }

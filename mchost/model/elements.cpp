@@ -145,7 +145,7 @@ using namespace host;
 
 // ---- elements ----
 
-uint32_t mdlElement_read(MSElementBuffer* out, ModelRef* model, FilePos position) {
+uint32_t mdlElement_read(MSElementBuffer* out, ModelRef* model, FilePos position) noexcept {
     const Model* found = openModel(model);
     const MSElementBuffer* element = found ? found->elements.element(position) : nullptr;
     if (!element || !out) return 0;
@@ -153,7 +153,7 @@ uint32_t mdlElement_read(MSElementBuffer* out, ModelRef* model, FilePos position
     return elementBytes(element);
 }
 
-FilePos mdlElement_add(const MSElementBuffer* element) {
+FilePos mdlElement_add(const MSElementBuffer* element) noexcept {
     return guarded<FilePos>(0, [&]() -> FilePos {
         Model* model = writableModel(nullptr);
         const StoredNode unit[] = {{0, element}};
@@ -161,7 +161,7 @@ FilePos mdlElement_add(const MSElementBuffer* element) {
     });
 }
 
-FilePos mdlElement_rewrite(const MSElementBuffer* element, FilePos position) {
+FilePos mdlElement_rewrite(const MSElementBuffer* element, FilePos position) noexcept {
     return guarded<FilePos>(0, [&]() -> FilePos {
         Model* model = writableModel(nullptr);
         if (!model || !model->elements.isLive(position)) return 0;
@@ -171,7 +171,7 @@ FilePos mdlElement_rewrite(const MSElementBuffer* element, FilePos position) {
     });
 }
 
-int mdlElement_undoableDelete(const MSElementBuffer*, FilePos position, int32_t) {
+int mdlElement_undoableDelete(const MSElementBuffer*, FilePos position, int32_t) noexcept {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         Model* model = writableModel(nullptr);
         if (!model || !model->elements.isLive(position)) return MDL_ERROR;
@@ -182,7 +182,7 @@ int mdlElement_undoableDelete(const MSElementBuffer*, FilePos position, int32_t)
 
 // ---- descriptors ----
 
-uint32_t mdlElmdscr_read(ElementDescr** edPP, FilePos position, ModelRef* model) {
+uint32_t mdlElmdscr_read(ElementDescr** edPP, FilePos position, ModelRef* model) noexcept {
     if (!edPP) return 0;
     *edPP = nullptr;
     return guarded<uint32_t>(0, [&]() -> uint32_t {
@@ -194,7 +194,7 @@ uint32_t mdlElmdscr_read(ElementDescr** edPP, FilePos position, ModelRef* model)
     });
 }
 
-uint32_t mdlElmdscr_readToMaster(ElementDescr** edPP, FilePos position, ModelRef* model) {
+uint32_t mdlElmdscr_readToMaster(ElementDescr** edPP, FilePos position, ModelRef* model) noexcept {
     const uint32_t count = mdlElmdscr_read(edPP, position, model);
     const ModelRef* place = openPlace(model);
     if (count == 0 || !place->parent) return count;
@@ -204,7 +204,7 @@ uint32_t mdlElmdscr_readToMaster(ElementDescr** edPP, FilePos position, ModelRef
     return 0;
 }
 
-FilePos mdlElmdscr_add(ElementDescr* ed) {
+FilePos mdlElmdscr_add(ElementDescr* ed) noexcept {
     return guarded<FilePos>(0, [&]() -> FilePos {
         Model* model = ed ? writableModel(ed->model) : nullptr;
         if (!model) return 0;
@@ -217,7 +217,7 @@ FilePos mdlElmdscr_add(ElementDescr* ed) {
     });
 }
 
-FilePos mdlElmdscr_rewrite(ElementDescr* ed, FilePos position) {
+FilePos mdlElmdscr_rewrite(ElementDescr* ed, FilePos position) noexcept {
     return guarded<FilePos>(0, [&]() -> FilePos {
         Model* model = ed ? writableModel(ed->model) : nullptr;
         if (!model || !model->elements.isLive(position)) return 0;
@@ -232,7 +232,7 @@ FilePos mdlElmdscr_rewrite(ElementDescr* ed, FilePos position) {
 // ---- modify ----
 
 int mdlModify_elementSingle(ModelRef* model, FilePos position, int32_t request, int32_t, MdlModifyFunction f,
-                            void* userArg, int32_t) {
+                            void* userArg, int32_t) noexcept {
     return guarded(0, [&] {
         ModelRef* found = openPlace(model);
         ElementDescr* ed = nullptr;

@@ -40,41 +40,41 @@ int openWork(ModelRef** modelP, const char* what, const char* name, FileKind kin
 
 using namespace host;
 
-int mdlSystem_createDesignFile(const char* name, int is3d) {
+int mdlSystem_createDesignFile(const char* name, int is3d) noexcept {
     return withNamedFile("make the design file", name,
                          [&](const std::string& path) { createContainer(path, is3d != 0); });
 }
 
-int mdlSystem_newDesignFile(const char* name, int readOnly) {
+int mdlSystem_newDesignFile(const char* name, int readOnly) noexcept {
     return withNamedFile("open the design file", name,
                          [&](const std::string& path) { openFiles().switchActive(path, readOnly != 0); });
 }
 
-int mdlSystem_saveDesignFile(void) {
+int mdlSystem_saveDesignFile(void) noexcept {
     DesignFile* active = openFile(nullptr);
     if (!active) return MDL_SUCCESS;
     return withFile("store the design file", active->name(), [&] { active->save(); });
 }
 
-int mdlSystem_closeDesignFile(void) {
+int mdlSystem_closeDesignFile(void) noexcept {
     DesignFile* active = openFile(nullptr);
     if (!active) return MDL_ERROR;
     return withFile("close the design file", active->name(), [] { openFiles().closeActive(); });
 }
 
-int mdlWorkDgn_openFile(ModelRef** modelP, const char* name) {
+int mdlWorkDgn_openFile(ModelRef** modelP, const char* name) noexcept {
     return openWork(modelP, "open the design file", name, FileKind::designFile, DesignFile::Use::look);
 }
 
-int mdlWorkDgn_openFileToWrite(ModelRef** modelP, const char* name) {
+int mdlWorkDgn_openFileToWrite(ModelRef** modelP, const char* name) noexcept {
     return openWork(modelP, "open the design file", name, FileKind::designFile, DesignFile::Use::write);
 }
 
-int mdlWorkDgn_openCellLibrary(ModelRef** modelP, const char* name) {
+int mdlWorkDgn_openCellLibrary(ModelRef** modelP, const char* name) noexcept {
     return openWork(modelP, "open the cell library", name, FileKind::cellLibrary, DesignFile::Use::look);
 }
 
-int mdlWorkDgn_closeFile(ModelRef* model) {
+int mdlWorkDgn_closeFile(ModelRef* model) noexcept {
     ModelRef* place = model ? openPlace(model) : nullptr;
     if (!place || place->parent) return MDL_ERROR;
     DesignFile* file = place->file;
@@ -83,7 +83,7 @@ int mdlWorkDgn_closeFile(ModelRef* model) {
     return withFile("close the design file", file->name(), [&] { openFiles().closeWork(*file); });
 }
 
-ModelRef* mdlLevelLibrary_getModelRef(void) {
+ModelRef* mdlLevelLibrary_getModelRef(void) noexcept {
     const std::unique_ptr<char, void (*)(void*)> name(mdlSystem_getExpandedCfgVar("MS_LEVELLIB"), dlmSystem_mdlFree);
     if (!name || *name == '\0') return nullptr;
     ModelRef* library = nullptr;
@@ -94,31 +94,31 @@ ModelRef* mdlLevelLibrary_getModelRef(void) {
 
 // ---- models ----
 
-ModelRef* mdlModelRef_getActive(void) {
+ModelRef* mdlModelRef_getActive(void) noexcept {
     return openPlace(nullptr);
 }
 
-int mdlModelRef_isReadOnly(ModelRef* model) {
+int mdlModelRef_isReadOnly(ModelRef* model) noexcept {
     const DesignFile* file = openFile(model);
     return !file || file->isReadOnly();
 }
 
-int mdlModelRef_is3D(ModelRef* model) {
+int mdlModelRef_is3D(ModelRef* model) noexcept {
     const Model* found = openModel(model);
     return found && found->is3d;
 }
 
-double mdlModelRef_getUorPerMaster(ModelRef* model) {
+double mdlModelRef_getUorPerMaster(ModelRef* model) noexcept {
     const Model* found = openModel(model);
     return found ? found->uorPerMaster : 1;
 }
 
-uint32_t mdlModelRef_getElementCount(ModelRef* model) {
+uint32_t mdlModelRef_getElementCount(ModelRef* model) noexcept {
     const Model* found = openModel(model);
     return found ? found->elements.liveCount() : 0;
 }
 
-int mdlModelRef_getRange(ModelRef* model, Range3d* range) {
+int mdlModelRef_getRange(ModelRef* model, Range3d* range) noexcept {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         Model* found = openModel(model);
         if (!found || !range) return MDL_ERROR;

@@ -129,18 +129,18 @@ void storeLevel(Model& model, LevelId id) {
 
 using namespace host;
 
-int mdlLevel_isValidByName(ModelRef* model, const wchar_t* name) {
+int mdlLevel_isValidByName(ModelRef* model, const wchar_t* name) noexcept {
     return levelByName(levelModel(model), name) != nullptr;
 }
 
-int mdlLevel_getIdFromName(LevelId* idP, ModelRef* model, LevelId, const wchar_t* name) {
+int mdlLevel_getIdFromName(LevelId* idP, ModelRef* model, LevelId, const wchar_t* name) noexcept {
     const Level* level = levelByName(levelModel(model), name);
     if (!level) return MDL_ERROR;
     if (idP) *idP = level->id;
     return MDL_SUCCESS;
 }
 
-int mdlLevel_getIdFromCode(LevelId* idP, ModelRef* model, int32_t code) {
+int mdlLevel_getIdFromCode(LevelId* idP, ModelRef* model, int32_t code) noexcept {
     const Model* found = levelModel(model);
     if (!found) return MDL_ERROR;
     const auto level = std::ranges::find(found->levels, code, &Level::code);
@@ -149,7 +149,7 @@ int mdlLevel_getIdFromCode(LevelId* idP, ModelRef* model, int32_t code) {
     return MDL_SUCCESS;
 }
 
-int mdlLevel_getName(wchar_t* name, int32_t size, ModelRef* model, LevelId id) {
+int mdlLevel_getName(wchar_t* name, int32_t size, ModelRef* model, LevelId id) noexcept {
     const Model* found = levelModel(model);
     const Level* level = found ? findLevel(*found, id) : nullptr;
     if (!level || !name || size <= 0) return MDL_ERROR;
@@ -159,7 +159,7 @@ int mdlLevel_getName(wchar_t* name, int32_t size, ModelRef* model, LevelId id) {
     return copied == level->name.size() ? int{MDL_SUCCESS} : int{MDL_ERROR};
 }
 
-int mdlLevel_getCode(int32_t* codeP, ModelRef* model, LevelId id) {
+int mdlLevel_getCode(int32_t* codeP, ModelRef* model, LevelId id) noexcept {
     const Model* found = levelModel(model);
     const Level* level = found ? findLevel(*found, id) : nullptr;
     if (!level) return MDL_ERROR;
@@ -167,7 +167,7 @@ int mdlLevel_getCode(int32_t* codeP, ModelRef* model, LevelId id) {
     return MDL_SUCCESS;
 }
 
-int mdlLevel_getNextId(LevelId* idP, ModelRef* model) {
+int mdlLevel_getNextId(LevelId* idP, ModelRef* model) noexcept {
     const Model* found = levelModel(model);
     if (!found || !idP) return MDL_ERROR;
     const auto next = std::ranges::upper_bound(found->levels, *idP, {}, &Level::id);
@@ -176,11 +176,11 @@ int mdlLevel_getNextId(LevelId* idP, ModelRef* model) {
     return MDL_SUCCESS;
 }
 
-int mdlLevel_create(LevelId* idP, ModelRef* model, const wchar_t* name) {
+int mdlLevel_create(LevelId* idP, ModelRef* model, const wchar_t* name) noexcept {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         if (!name || !isTableName(name)) return MDL_ERROR;
         Model* found = writableLevelModel(model);
-        if (!found || levelByName(found, name) != nullptr) return MDL_ERROR;
+        if (!found || levelByName(found, name)) return MDL_ERROR;
         const Level& level = addLevel(*found, name);
         if (idP) *idP = level.id;
         return MDL_SUCCESS;
@@ -188,7 +188,7 @@ int mdlLevel_create(LevelId* idP, ModelRef* model, const wchar_t* name) {
 }
 
 int mdlLevel_setElementSymbology(ModelRef* model, LevelId id, const uint32_t* color, const int32_t* style,
-                                 const void* styleParams, const uint32_t* weight, const uint32_t* fillColor) {
+                                 const void* styleParams, const uint32_t* weight, const uint32_t* fillColor) noexcept {
     const auto* params = static_cast<const LineStyleParams*>(styleParams);
     if (params && !isFinite(*params)) return MDL_ERROR;
     return changeLevel(model, id, [&](Level& level) {
@@ -200,11 +200,12 @@ int mdlLevel_setElementSymbology(ModelRef* model, LevelId id, const uint32_t* co
     });
 }
 
-int mdlLevel_setSymbology(ModelRef* model, LevelId id, uint32_t color, int32_t style, uint32_t weight) {
+int mdlLevel_setSymbology(ModelRef* model, LevelId id, uint32_t color, int32_t style, uint32_t weight) noexcept {
     return changeLevel(model, id, [&](Level& level) { level.override = {color, style, weight}; });
 }
 
-int mdlLevel_getElementSymbology(uint32_t* color, int32_t* style, uint32_t* weight, ModelRef* model, LevelId id) {
+int mdlLevel_getElementSymbology(uint32_t* color, int32_t* style, uint32_t* weight, ModelRef* model,
+                                 LevelId id) noexcept {
     const Model* found = levelModel(model);
     const Level* level = found ? findLevel(*found, id) : nullptr;
     if (!level) return MDL_ERROR;
@@ -214,7 +215,7 @@ int mdlLevel_getElementSymbology(uint32_t* color, int32_t* style, uint32_t* weig
     return MDL_SUCCESS;
 }
 
-int mdlLevelTable_rewrite(ModelRef* model) {
+int mdlLevelTable_rewrite(ModelRef* model) noexcept {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         Model* found = writableLevelModel(model);
         if (!found) return MDL_ERROR;
@@ -226,7 +227,7 @@ int mdlLevelTable_rewrite(ModelRef* model) {
 }
 
 int mdlElement_getEffectiveSymbology(int32_t* color, int32_t* weight, int32_t* style, double* styleScale,
-                                     double* styleWidth, const MSElementBuffer* element, ModelRef* model) {
+                                     double* styleWidth, const MSElementBuffer* element, ModelRef* model) noexcept {
     if (!element) return MDL_ERROR;
     const ElementHead& head = element->head;
     const Model* found = levelModel(model);

@@ -103,7 +103,7 @@ using namespace host;
 // ---- attaching ----
 
 int mdlRefFile_attach(ModelRef** placeP, ModelRef* parent, const char* fileName, const Transform* toParent,
-                      const Point3d* clip, int32_t clipCount) {
+                      const Point3d* clip, int32_t clipCount) noexcept {
     const char* given = fileName ? fileName : "";
     return withFile("attach the design file", given, [&] {
         ModelRef* to = openPlace(parent);
@@ -116,7 +116,7 @@ int mdlRefFile_attach(ModelRef** placeP, ModelRef* parent, const char* fileName,
     });
 }
 
-int mdlRefFile_detach(int32_t number) {
+int mdlRefFile_detach(int32_t number) noexcept {
     DesignFile* active = openFile(nullptr);
     const auto isIts = [&](const Attachment& attachment) { return attachment.number == static_cast<uint32_t>(number); };
     if (!active || (number != -1 && std::ranges::none_of(active->model.attachments, isIts))) return MDL_ERROR;
@@ -124,7 +124,7 @@ int mdlRefFile_detach(int32_t number) {
                     [&] { detach(keeperOf(active->place), number < 0 ? 0 : static_cast<uint32_t>(number)); });
 }
 
-int mdlRefFile_detachModel(ModelRef* model) {
+int mdlRefFile_detachModel(ModelRef* model) noexcept {
     const Attachment* attachment = openAttachment(model);
     if (!attachment) return MDL_ERROR;
     return withFile("detach the design file", attachment->file,
@@ -133,21 +133,21 @@ int mdlRefFile_detachModel(ModelRef* model) {
 
 // ---- what is told of attachments ----
 
-int mdlModelRef_isReference(ModelRef* model) {
+int mdlModelRef_isReference(ModelRef* model) noexcept {
     return openAttachment(model) ? 1 : 0;
 }
 
-ModelRef* mdlModelRef_getParent(ModelRef* model) {
+ModelRef* mdlModelRef_getParent(ModelRef* model) noexcept {
     const ModelRef* place = openPlace(model);
     return place ? place->parent : nullptr;
 }
 
-int mdlRefFile_getNumber(ModelRef* model) {
+int mdlRefFile_getNumber(ModelRef* model) noexcept {
     const Attachment* attachment = openAttachment(model);
     return attachment ? static_cast<int>(attachment->number) : 0;
 }
 
-int mdlRefFile_getFileName(char* name, int32_t size, ModelRef* model) {
+int mdlRefFile_getFileName(char* name, int32_t size, ModelRef* model) noexcept {
     const Attachment* attachment = openAttachment(model);
     if (!attachment || !name || size < 1) return MDL_ERROR;
     return guarded<int>(MDL_ERROR, [&]() -> int {
@@ -159,14 +159,14 @@ int mdlRefFile_getFileName(char* name, int32_t size, ModelRef* model) {
     });
 }
 
-int mdlRefFile_getTransform(Transform* toParent, ModelRef* model) {
+int mdlRefFile_getTransform(Transform* toParent, ModelRef* model) noexcept {
     const Attachment* attachment = openAttachment(model);
     if (!attachment || !toParent) return MDL_ERROR;
     *toParent = attachment->toParent;
     return MDL_SUCCESS;
 }
 
-int mdlRefFile_getClip(Point3d* corners, int32_t* countP, ModelRef* model) {
+int mdlRefFile_getClip(Point3d* corners, int32_t* countP, ModelRef* model) noexcept {
     const Attachment* attachment = openAttachment(model);
     if (!attachment) return MDL_ERROR;
     if (countP) *countP = static_cast<int32_t>(attachment->clip.size());
@@ -175,7 +175,7 @@ int mdlRefFile_getClip(Point3d* corners, int32_t* countP, ModelRef* model) {
     return MDL_SUCCESS;
 }
 
-int mdlRefFile_getParameters(void* valueP, int32_t parameter, ModelRef* model) {
+int mdlRefFile_getParameters(void* valueP, int32_t parameter, ModelRef* model) noexcept {
     const Attachment* attachment = openAttachment(model);
     if (!attachment || !valueP) return MDL_ERROR;
     if (parameter == MDL_REFERENCE_SCALE) {
@@ -190,7 +190,7 @@ int mdlRefFile_getParameters(void* valueP, int32_t parameter, ModelRef* model) {
     return MDL_SUCCESS;
 }
 
-int mdlRefFile_setParameters(const void* valueP, int32_t parameter, ModelRef* model) {
+int mdlRefFile_setParameters(const void* valueP, int32_t parameter, ModelRef* model) noexcept {
     const Attachment* attachment = openAttachment(model);
     Attachment none;
     if (!attachment || !valueP || !switchOf(none, parameter)) return MDL_ERROR;
@@ -205,7 +205,7 @@ int mdlRefFile_setParameters(const void* valueP, int32_t parameter, ModelRef* mo
 
 // ---- walks ----
 
-int mdlModelRefIterator_create(ModelRefIterator** iteratorP, ModelRef* root, int32_t flags, int32_t depth) {
+int mdlModelRefIterator_create(ModelRefIterator** iteratorP, ModelRef* root, int32_t flags, int32_t depth) noexcept {
     if (!iteratorP) return MDL_ERROR;
     *iteratorP = nullptr;
     ModelRef* place = openPlace(root);
@@ -218,20 +218,20 @@ int mdlModelRefIterator_create(ModelRefIterator** iteratorP, ModelRef* root, int
     });
 }
 
-ModelRef* mdlModelRefIterator_getFirst(ModelRefIterator* iterator) {
+ModelRef* mdlModelRefIterator_getFirst(ModelRefIterator* iterator) noexcept {
     if (!iterator) return nullptr;
     iterator->next = 0;
     return mdlModelRefIterator_getNext(iterator);
 }
 
-ModelRef* mdlModelRefIterator_getNext(ModelRefIterator* iterator) {
+ModelRef* mdlModelRefIterator_getNext(ModelRefIterator* iterator) noexcept {
     while (iterator && iterator->next < iterator->places.size()) {
         if (ModelRef* place = openPlace(iterator->places[iterator->next++])) return place;
     }
     return nullptr;
 }
 
-void mdlModelRefIterator_free(ModelRefIterator** iteratorP) {
+void mdlModelRefIterator_free(ModelRefIterator** iteratorP) noexcept {
     if (!iteratorP) return;
     delete *iteratorP;
     *iteratorP = nullptr;

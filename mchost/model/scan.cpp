@@ -223,17 +223,17 @@ int change(ScanCriteria* criteria, Change apply) {
 
 using namespace host;
 
-ScanCriteria* mdlScanCriteria_create(void) {
+ScanCriteria* mdlScanCriteria_create(void) noexcept {
     return guarded<ScanCriteria*>(nullptr, [] { return new ScanCriteria; });
 }
 
-void mdlScanCriteria_free(ScanCriteria** criteriaP) {
+void mdlScanCriteria_free(ScanCriteria** criteriaP) noexcept {
     if (!criteriaP) return;
     delete *criteriaP;
     *criteriaP = nullptr;
 }
 
-int mdlScanCriteria_setModel(ScanCriteria* criteria, ModelRef* model) {
+int mdlScanCriteria_setModel(ScanCriteria* criteria, ModelRef* model) noexcept {
     return change(criteria, [&](ScanCriteria& c) -> int {
         if (!openModel(model)) return MDL_ERROR;
         c.model = model;
@@ -241,7 +241,7 @@ int mdlScanCriteria_setModel(ScanCriteria* criteria, ModelRef* model) {
     });
 }
 
-int mdlScanCriteria_addSingleElementTypeTest(ScanCriteria* criteria, int32_t type) {
+int mdlScanCriteria_addSingleElementTypeTest(ScanCriteria* criteria, int32_t type) noexcept {
     return change(criteria, [&](ScanCriteria& c) -> int {
         if (type <= 0 || type > UINT16_MAX) return MDL_ERROR;
         c.types.push_back(static_cast<uint16_t>(type));
@@ -249,35 +249,35 @@ int mdlScanCriteria_addSingleElementTypeTest(ScanCriteria* criteria, int32_t typ
     });
 }
 
-int mdlScanCriteria_addSingleLevelTest(ScanCriteria* criteria, LevelId level) {
+int mdlScanCriteria_addSingleLevelTest(ScanCriteria* criteria, LevelId level) noexcept {
     return change(criteria, [&](ScanCriteria& c) -> int {
         c.levels.push_back(level);
         return MDL_SUCCESS;
     });
 }
 
-int mdlScanCriteria_setLevelTest(ScanCriteria* criteria, const MdlBitMask* levels, int32_t, int32_t) {
+int mdlScanCriteria_setLevelTest(ScanCriteria* criteria, const MdlBitMask* levels, int32_t, int32_t) noexcept {
     return change(criteria, [&](ScanCriteria& c) -> int {
         c.levelMask = levels ? std::optional(*levels) : std::nullopt;
         return MDL_SUCCESS;
     });
 }
 
-int mdlScanCriteria_setClassTest(ScanCriteria* criteria, uint32_t classMask) {
+int mdlScanCriteria_setClassTest(ScanCriteria* criteria, uint32_t classMask) noexcept {
     return change(criteria, [&](ScanCriteria& c) -> int {
         c.classMask = classMask;
         return MDL_SUCCESS;
     });
 }
 
-int mdlScanCriteria_setRangeTest(ScanCriteria* criteria, const Range3d* range) {
+int mdlScanCriteria_setRangeTest(ScanCriteria* criteria, const Range3d* range) noexcept {
     return change(criteria, [&](ScanCriteria& c) -> int {
         c.window = range ? std::optional(*range) : std::nullopt;
         return MDL_SUCCESS;
     });
 }
 
-int mdlScanCriteria_setReturnType(ScanCriteria* criteria, int32_t type, int32_t oneElement, int32_t nested) {
+int mdlScanCriteria_setReturnType(ScanCriteria* criteria, int32_t type, int32_t oneElement, int32_t nested) noexcept {
     return change(criteria, [&](ScanCriteria& c) -> int {
         if (type != MDL_SCAN_POSITIONS && type != MDL_SCAN_DESCRIPTORS) return MDL_ERROR;
         c.returnType = type;
@@ -287,7 +287,7 @@ int mdlScanCriteria_setReturnType(ScanCriteria* criteria, int32_t type, int32_t 
     });
 }
 
-int mdlScanCriteria_setElmDscrCallback(ScanCriteria* criteria, MdlScanDescrFunction f, void* userArg) {
+int mdlScanCriteria_setElmDscrCallback(ScanCriteria* criteria, MdlScanDescrFunction f, void* userArg) noexcept {
     return change(criteria, [&](ScanCriteria& c) -> int {
         c.function = f;
         c.userArg = userArg;
@@ -295,7 +295,7 @@ int mdlScanCriteria_setElmDscrCallback(ScanCriteria* criteria, MdlScanDescrFunct
     });
 }
 
-int mdlScanCriteria_scan(ScanCriteria* criteria, FilePos* buffer, int32_t* sizeP, FilePos* startP) {
+int mdlScanCriteria_scan(ScanCriteria* criteria, FilePos* buffer, int32_t* sizeP, FilePos* startP) noexcept {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         if (criteria && criteria->returnType == MDL_SCAN_DESCRIPTORS) return scanDescriptors(*criteria);
         if (!criteria || !buffer || !sizeP || *sizeP < 0) return MDL_ERROR;

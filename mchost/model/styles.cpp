@@ -45,7 +45,8 @@ using namespace host;
 
 // ---- line styles ----
 
-int mdlLineStyle_define(int32_t* numberP, ModelRef* model, const char* name, const double* pattern, int32_t count) {
+int mdlLineStyle_define(int32_t* numberP, ModelRef* model, const char* name, const double* pattern,
+                        int32_t count) noexcept {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         if (!name || !isLineStyleName({name, strnlen(name, lineStyleNameBytes)})) return MDL_ERROR;
         if (count < 0 || (!pattern && count != 0)) return MDL_ERROR;
@@ -66,14 +67,14 @@ int mdlLineStyle_define(int32_t* numberP, ModelRef* model, const char* name, con
     });
 }
 
-int mdlLineStyle_numberFromName(int32_t* numberP, const char* name, ModelRef* model) {
+int mdlLineStyle_numberFromName(int32_t* numberP, const char* name, ModelRef* model) noexcept {
     const Model* found = openModel(model);
     const LineStyle* style = found && name ? lineStyleByName(*found, name) : nullptr;
     if (numberP) *numberP = style ? style->number : 0;
     return style ? int{MDL_SUCCESS} : int{MDL_ERROR};
 }
 
-int mdlLineStyle_nameFromNumber(char* name, int32_t number, ModelRef* model) {
+int mdlLineStyle_nameFromNumber(char* name, int32_t number, ModelRef* model) noexcept {
     const Model* found = openModel(model);
     const LineStyle* style = found ? findLineStyle(*found, number) : nullptr;
     if (!style || !name) return MDL_ERROR;
@@ -81,7 +82,7 @@ int mdlLineStyle_nameFromNumber(char* name, int32_t number, ModelRef* model) {
     return MDL_SUCCESS;
 }
 
-int mdlLineStyle_getPattern(double* pattern, int32_t* countP, int32_t number, ModelRef* model) {
+int mdlLineStyle_getPattern(double* pattern, int32_t* countP, int32_t number, ModelRef* model) noexcept {
     const Model* found = openModel(model);
     const LineStyle* style = found ? findLineStyle(*found, number) : nullptr;
     if (!style) return MDL_ERROR;
@@ -90,7 +91,7 @@ int mdlLineStyle_getPattern(double* pattern, int32_t* countP, int32_t number, Mo
     return MDL_SUCCESS;
 }
 
-int mdlLevelList_getStyleListModel(ListModel* list, ModelRef* model) {
+int mdlLevelList_getStyleListModel(ListModel* list, ModelRef* model) noexcept {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         const Model* found = openModel(model);
         if (!found || !list) return MDL_ERROR;
@@ -106,7 +107,7 @@ int mdlLevelList_getStyleListModel(ListModel* list, ModelRef* model) {
 
 // ---- text styles ----
 
-MdlTextStyle* mdlTextStyle_getByName(const wchar_t* name, ModelRef* model) {
+MdlTextStyle* mdlTextStyle_getByName(const wchar_t* name, ModelRef* model) noexcept {
     return guarded<MdlTextStyle*>(nullptr, [&]() -> MdlTextStyle* {
         const Model* found = openModel(model);
         if (!found || !name) return nullptr;
@@ -115,18 +116,18 @@ MdlTextStyle* mdlTextStyle_getByName(const wchar_t* name, ModelRef* model) {
     });
 }
 
-void mdlTextStyle_free(MdlTextStyle* style) {
+void mdlTextStyle_free(MdlTextStyle* style) noexcept {
     delete style;
 }
 
-int mdlTextStyle_getTextParamWideFromStyle(TextParams* params, TextSize* size, const MdlTextStyle* style) {
+int mdlTextStyle_getTextParamWideFromStyle(TextParams* params, TextSize* size, const MdlTextStyle* style) noexcept {
     if (!style) return MDL_ERROR;
     if (params) *params = style->style.params;
     if (size) *size = style->style.size;
     return MDL_SUCCESS;
 }
 
-int mdlTextStyle_define(ModelRef* model, const wchar_t* name, const TextParams* params, const TextSize* size) {
+int mdlTextStyle_define(ModelRef* model, const wchar_t* name, const TextParams* params, const TextSize* size) noexcept {
     return guarded(int{MDL_ERROR}, [&]() -> int {
         const TextStyle style = {params ? *params : openParams, size ? *size : openSize};
         if (!name || !isTableName(name) || !isFinite(style)) return MDL_ERROR;

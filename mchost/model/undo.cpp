@@ -49,37 +49,37 @@ FilePos undoLast(bool deletionsAlone) {
 
 using namespace host;
 
-int mdlUndo_mark(const char* name) {
+int mdlUndo_mark(const char* name) noexcept {
     return guarded<int>(MDL_ERROR, [&] {
         openFiles().journal.beginStep(name ? name : "");
         return MDL_SUCCESS;
     });
 }
 
-int mdlUndo_undo(void) {
+int mdlUndo_undo(void) noexcept {
     return guarded<int>(MDL_ERROR, [] {
         return move(openFiles().journal.lastDone(), "take back what was done in the design file", &Journal::undo);
     });
 }
 
-int mdlUndo_redo(void) {
+int mdlUndo_redo(void) noexcept {
     return guarded<int>(MDL_ERROR, [] {
         return move(openFiles().journal.lastUndone(), "do again what was done in the design file", &Journal::redo);
     });
 }
 
-int mdlUndo_getUndoName(char* name, int32_t size) {
+int mdlUndo_getUndoName(char* name, int32_t size) noexcept {
     return nameOf(&Journal::lastDone, name, size);
 }
 
-int mdlUndo_getRedoName(char* name, int32_t size) {
+int mdlUndo_getRedoName(char* name, int32_t size) noexcept {
     return nameOf(&Journal::lastUndone, name, size);
 }
 
-FilePos mdlUndo_lastDelete(void) {
+FilePos mdlUndo_lastDelete(void) noexcept {
     return undoLast(true);
 }
 
-FilePos mdlUndo_lastChange(void) {
+FilePos mdlUndo_lastChange(void) noexcept {
     return undoLast(false);
 }

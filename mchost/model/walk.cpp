@@ -111,7 +111,7 @@ void walkDescriptor(const ElementDescr* ed, const MdlPen& pen, const Transform& 
 
 }  // namespace host
 
-int mdlElmdscr_walk(const ElementDescr* ed, const MdlPen* pen) {
+int mdlElmdscr_walk(const ElementDescr* ed, const MdlPen* pen) noexcept {
     if (!pen || !(pen->tolerance > 0)) return MDL_ERROR;
     return host::guarded<int>(MDL_ERROR, [&] {
         const Transform current = host::currentFromWorld();  // the pen may open others meanwhile

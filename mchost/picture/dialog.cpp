@@ -358,7 +358,7 @@ bool writeDialogPicture(Dialog& dialog, const std::string& path) {
 
 }  // namespace host
 
-int mdlWindow_savePicture(MdlDialog* handle, const char* fileName) {
+int mdlWindow_savePicture(MdlDialog* handle, const char* fileName) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         const auto dialog = host::dialogOf(handle);
         if (!dialog || !fileName || !std::string_view(fileName).ends_with(".png")) return MDL_ERROR;

@@ -3,12 +3,11 @@
 
 #include <string>
 
-#include "mchost/base/export.h"
 #include "mchost/dialog/dialog.h"
 
 namespace host {
 
 // Writes a PNG of two dots a pixel, with the title above the content area. False when it can't be written.
-HOST_EXPORT bool writeDialogPicture(Dialog& dialog, const std::string& path);
+bool writeDialogPicture(Dialog& dialog, const std::string& path);
 
 }  // namespace host

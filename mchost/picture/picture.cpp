@@ -82,7 +82,8 @@ int writePicture(const std::string& path, const ElementDescr* ed, const Range3d*
 }  // namespace
 }  // namespace host
 
-int mdlPicture_write(const char* fileName, const ElementDescr* ed, const Range3d* range, double widthMm, double dpi) {
+int mdlPicture_write(const char* fileName, const ElementDescr* ed, const Range3d* range, double widthMm,
+                     double dpi) noexcept {
     if (!fileName) return MDL_ERROR;
     return host::guarded<int>(MDL_ERROR,
                               [&] { return host::writePicture(host::systemPath(fileName), ed, range, widthMm, dpi); });

@@ -135,13 +135,13 @@ class WindowPen {
 
 }  // namespace
 
-int mdlView_getStandard(RotMatrix* matrix, int32_t view) {
+int mdlView_getStandard(RotMatrix* matrix, int32_t view) noexcept {
     if (!matrix || view < 1 || view > static_cast<int32_t>(standardViews.size())) return MDL_ERROR;
     *matrix = standardViews[static_cast<size_t>(view) - 1];
     return MDL_SUCCESS;
 }
 
-int mdlWindow_setPaper(MdlDialog* window, const MdlPaper* paper) {
+int mdlWindow_setPaper(MdlDialog* window, const MdlPaper* paper) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         const auto dialog = dialogOf(window);
         if (!dialog) return MDL_ERROR;
@@ -152,7 +152,7 @@ int mdlWindow_setPaper(MdlDialog* window, const MdlPaper* paper) {
 
 int mdlElmdscr_displayToWindow(MdlDialog* window, const DialogRect* rect, const ViewFlags*, ElementDescr* ed,
                                const RotMatrix* matrix, const Point3d* origin, const Point3d* extent, int32_t,
-                               int32_t) {
+                               int32_t) noexcept {
     if (!window || !rect || !ed || !matrix || !origin || !extent) return MDL_ERROR;
     if (rect->right <= rect->left || rect->bottom <= rect->top) return MDL_ERROR;
     return guarded<int>(MDL_ERROR, [&]() -> int {

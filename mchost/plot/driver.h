@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "mchost/base/export.h"
 #include "mchost/picture/sheet.h"
 
 namespace host {
@@ -31,6 +30,6 @@ struct PlotDriver {
 size_t findPaper(const PlotDriver& driver, std::string_view name);
 
 // std::runtime_error, with a line that tells the file, the line in it and what to do, when it can't be used.
-HOST_EXPORT PlotDriver readPlotDriver(const std::filesystem::path& path);
+PlotDriver readPlotDriver(const std::filesystem::path& path);
 
 }  // namespace host

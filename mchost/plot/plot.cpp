@@ -38,7 +38,7 @@ bool hasExtent(const Fence& area) {
 
 using namespace host;
 
-MdlPlotDesc* mdlPlotDesc_createFromTCBAndPltFile(const char* pltFile) {
+MdlPlotDesc* mdlPlotDesc_createFromTCBAndPltFile(const char* pltFile) noexcept {
     return guarded<MdlPlotDesc*>(nullptr, [&]() -> MdlPlotDesc* {
         if (!pltFile || *pltFile == '\0') {
             throw std::runtime_error("There is no plot: no plot driver file (.plt) is chosen.");
@@ -49,11 +49,11 @@ MdlPlotDesc* mdlPlotDesc_createFromTCBAndPltFile(const char* pltFile) {
     });
 }
 
-void mdlPlotDesc_destroy(MdlPlotDesc* descr) {
+void mdlPlotDesc_destroy(MdlPlotDesc* descr) noexcept {
     delete descr;
 }
 
-int mdlPlotDesc_setPaperSize(MdlPlotDesc* descr, const char* name) {
+int mdlPlotDesc_setPaperSize(MdlPlotDesc* descr, const char* name) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         const size_t paper = descr && name ? findPaper(descr->plotter.driver, utf8FromNarrow(name)) : size_t{SIZE_MAX};
         if (paper == SIZE_MAX) return MDL_ERROR;
@@ -62,7 +62,7 @@ int mdlPlotDesc_setPaperSize(MdlPlotDesc* descr, const char* name) {
     });
 }
 
-int mdlPlotDesc_getPaperSize(char* buffer, const MdlPlotDesc* descr) {
+int mdlPlotDesc_getPaperSize(char* buffer, const MdlPlotDesc* descr) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (!descr) return MDL_ERROR;
         give(buffer, descr->plotter.driver.papers[descr->paper].name);
@@ -70,15 +70,15 @@ int mdlPlotDesc_getPaperSize(char* buffer, const MdlPlotDesc* descr) {
     });
 }
 
-int mdlPlotDesc_setUnits(MdlPlotDesc* descr, int32_t units) {
+int mdlPlotDesc_setUnits(MdlPlotDesc* descr, int32_t units) noexcept {
     return descr && units == UNITS_MILLIMETRES ? int{MDL_SUCCESS} : int{MDL_ERROR};
 }
 
-int mdlPlotDesc_setViewFlags(MdlPlotDesc* descr, const ViewFlags* flags) {
+int mdlPlotDesc_setViewFlags(MdlPlotDesc* descr, const ViewFlags* flags) noexcept {
     return descr && flags ? int{MDL_SUCCESS} : int{MDL_ERROR};
 }
 
-int mdlPlotDesc_setFenceFromTCB(MdlPlotDesc* descr, int32_t use) {
+int mdlPlotDesc_setFenceFromTCB(MdlPlotDesc* descr, int32_t use) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (!descr) return MDL_ERROR;
         const Fence* fence = activeFence();
@@ -88,17 +88,17 @@ int mdlPlotDesc_setFenceFromTCB(MdlPlotDesc* descr, int32_t use) {
     });
 }
 
-int mdlPlotDesc_setNumCopies(MdlPlotDesc* descr, int32_t copies) {
+int mdlPlotDesc_setNumCopies(MdlPlotDesc* descr, int32_t copies) noexcept {
     if (!descr || copies < 1) return MDL_ERROR;
     descr->copies = copies;
     return MDL_SUCCESS;
 }
 
-int mdlPlotDesc_maximize(MdlPlotDesc* descr) {
+int mdlPlotDesc_maximize(MdlPlotDesc* descr) noexcept {
     return descr && descr->area ? int{MDL_SUCCESS} : int{MDL_ERROR};
 }
 
-int mdlPlotDesc_plot(MdlPlotDesc* descr, const char* fileName) {
+int mdlPlotDesc_plot(MdlPlotDesc* descr, const char* fileName) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (!descr) return MDL_ERROR;
         const auto failure = plot(*descr, !fileName ? std::string() : systemPath(fileName));
@@ -108,18 +108,18 @@ int mdlPlotDesc_plot(MdlPlotDesc* descr, const char* fileName) {
     });
 }
 
-int mdlPlotDesc_getSysPrinter(char* buffer, const MdlPlotDesc* descr) {
+int mdlPlotDesc_getSysPrinter(char* buffer, const MdlPlotDesc* descr) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         const std::string printer = !descr ? std::string() : descr->plotter.driver.printer;
         return give(buffer, printer) > 0 ? MDL_SUCCESS : MDL_ERROR;
     });
 }
 
-MdlPlotter* mdlPlotDesc_getPlotter(MdlPlotDesc* descr) {
+MdlPlotter* mdlPlotDesc_getPlotter(MdlPlotDesc* descr) noexcept {
     return !descr ? nullptr : &descr->plotter;
 }
 
-int mdlPlotDesc_setPlotter(MdlPlotDesc* descr, const MdlPlotter* plotter) {
+int mdlPlotDesc_setPlotter(MdlPlotDesc* descr, const MdlPlotter* plotter) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (!descr || !plotter) return MDL_ERROR;
         PlotDriver driver = plotter->driver;
@@ -130,7 +130,7 @@ int mdlPlotDesc_setPlotter(MdlPlotDesc* descr, const MdlPlotter* plotter) {
     });
 }
 
-int mdlPlotter_getInt(int32_t* value, const MdlPlotter* plotter, int32_t which) {
+int mdlPlotter_getInt(int32_t* value, const MdlPlotter* plotter, int32_t which) noexcept {
     if (!plotter) return MDL_ERROR;
     bool is = false;
     switch (which) {
@@ -142,7 +142,7 @@ int mdlPlotter_getInt(int32_t* value, const MdlPlotter* plotter, int32_t which) 
     return MDL_SUCCESS;
 }
 
-int mdlPlotter_getString(char* buffer, const MdlPlotter* plotter, int32_t which) {
+int mdlPlotter_getString(char* buffer, const MdlPlotter* plotter, int32_t which) noexcept {
     return guarded<int>(-1, [&]() -> int {
         if (!plotter) return -1;
         switch (which) {
@@ -153,7 +153,7 @@ int mdlPlotter_getString(char* buffer, const MdlPlotter* plotter, int32_t which)
     });
 }
 
-int mdlPlotter_showSystemPrintdlg(int32_t* answer, MdlPlotter* plotter, int32_t, int32_t) {
+int mdlPlotter_showSystemPrintdlg(int32_t* answer, MdlPlotter* plotter, int32_t, int32_t) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (!plotter) return MDL_ERROR;
         const auto choice = choosePrinter(plotter->driver.printer);

@@ -21,9 +21,9 @@ int copyTo(std::string_view destination, std::string_view source) {
 
 }  // namespace host
 
-int mdlFile_copy(const char* destination, const char* source) {
+int mdlFile_copy(const char* destination, const char* source) noexcept {
     return host::guarded<int>(EIO, [&]() -> int {
-        if (destination == nullptr || source == nullptr || destination[0] == '\0') return EINVAL;
+        if (!destination || !source || destination[0] == '\0') return EINVAL;
         return host::copyTo(destination, source);
     });
 }

@@ -10,11 +10,11 @@
 using namespace host;
 
 int EnumPrintersA(uint32_t flags, const char* name, uint32_t level, void* buffer, uint32_t size, uint32_t* neededP,
-                  uint32_t* countP) {
-    if (neededP != nullptr) *neededP = 0;
-    if (countP != nullptr) *countP = 0;
+                  uint32_t* countP) noexcept {
+    if (neededP) *neededP = 0;
+    if (countP) *countP = 0;
     return guarded<int>(0, [&] {
-        const bool all = flags == WIN32_PRINTERS_LOCAL_AND_CONNECTED && (name == nullptr || name[0] == '\0');
+        const bool all = flags == WIN32_PRINTERS_LOCAL_AND_CONNECTED && (!name || name[0] == '\0');
         if (!all || level != 2) return 0;
         const std::vector<Printer> found = printers();
         PackedTexts<Win32PrinterInfo> packed(found.size());
@@ -27,7 +27,7 @@ int EnumPrintersA(uint32_t flags, const char* name, uint32_t level, void* buffer
             packed.add(i, &Win32PrinterInfo::portName, hostName(printer.port));
         }
         if (!packed.give(buffer, size, neededP)) return 0;
-        if (countP != nullptr) *countP = static_cast<uint32_t>(found.size());
+        if (countP) *countP = static_cast<uint32_t>(found.size());
         return 1;
     });
 }

@@ -157,7 +157,7 @@ std::optional<std::string> queueOf(const PrintTarget& target) {
 int sendToQueue(const std::string& path, const std::string& queue) {
     const std::string file = fs::absolute(path);
     Process* lp = startProcess("lp", {"-s", "-d", queue, "--", file}, {.output = Output::discarded}, true);
-    if (lp == nullptr) return ENXIO;
+    if (!lp) return ENXIO;
     const int status = *waitFor(*lp);
     release(*lp);
     return status == 0 ? 0 : EIO;

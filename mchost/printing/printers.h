@@ -6,8 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 // A place that a print file can be copied to.
@@ -17,11 +15,11 @@ struct PrintTarget {
 };
 
 // The port or network printer that a destination names; nothing for the name of a file.
-HOST_EXPORT std::optional<PrintTarget> printTargetOf(std::string_view destination);
+std::optional<PrintTarget> printTargetOf(std::string_view destination);
 
 // Hands the file (a path of the system) over as a print job. 0, or the system's error number: ENXIO when there is no
 // such printer, EIO when the print system refuses the job.
-HOST_EXPORT int printFile(const std::string& path, const PrintTarget& target);
+int printFile(const std::string& path, const PrintTarget& target);
 
 // Texts are UTF-8; those that aren't known are empty.
 struct Printer {
@@ -32,6 +30,6 @@ struct Printer {
 std::vector<Printer> printers();
 
 // The queues that `lpstat -v` tells ("device for sheet: ipp://server/printers/sheet").
-HOST_EXPORT std::vector<Printer> queuesIn(std::string_view deviceLines);
+std::vector<Printer> queuesIn(std::string_view deviceLines);
 
 }  // namespace host

@@ -80,45 +80,45 @@ int endOf(Process* process) {
 
 using namespace host;
 
-MdlExternalProgram* mdlExternal_startProgram(const char* program, const char* arguments) {
+MdlExternalProgram* mdlExternal_startProgram(const char* program, const char* arguments) noexcept {
     return guarded<MdlExternalProgram*>(nullptr, [&]() -> MdlExternalProgram* {
-        if (program == nullptr) return nullptr;
-        return handleOf(startProcess(program, argumentsFor(program, arguments == nullptr ? "" : arguments), {}, true));
+        if (!program) return nullptr;
+        return handleOf(startProcess(program, argumentsFor(program, !arguments ? "" : arguments), {}, true));
     });
 }
 
-int mdlExternal_wait(int* statusP, MdlExternalProgram* program) {
-    if (statusP != nullptr) *statusP = -1;
+int mdlExternal_wait(int* statusP, MdlExternalProgram* program) noexcept {
+    if (statusP) *statusP = -1;
     return guarded<int>(MDL_ERROR, [&]() -> int {
         Process* process = keptProcess(program);
-        if (process == nullptr) return MDL_ERROR;
+        if (!process) return MDL_ERROR;
         const int status = endOf(process);
-        if (statusP != nullptr) *statusP = status;
+        if (statusP) *statusP = status;
         return MDL_SUCCESS;
     });
 }
 
-int mdlExternal_terminateProgram(MdlExternalProgram* program) {
+int mdlExternal_terminateProgram(MdlExternalProgram* program) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         Process* process = keptProcess(program);
-        if (process == nullptr) return MDL_ERROR;
+        if (!process) return MDL_ERROR;
         if (!waitFor(*process, 0)) kill(process->id, SIGTERM);
         release(*process);
         return MDL_SUCCESS;
     });
 }
 
-int mdlExternal_extStartProgram(const char* program, int argumentCount, const char* const* arguments) {
+int mdlExternal_extStartProgram(const char* program, int argumentCount, const char* const* arguments) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (program == nullptr || argumentCount < 0 || (argumentCount > 0 && arguments == nullptr)) return MDL_ERROR;
+        if (!program || argumentCount < 0 || (argumentCount > 0 && !arguments)) return MDL_ERROR;
         const std::vector<std::string> words(arguments, arguments + argumentCount);
         return startProcess(program, words, {}, false) != nullptr ? MDL_SUCCESS : MDL_ERROR;
     });
 }
 
-int mdlExternal_runShellLine(const char* line) {
+int mdlExternal_runShellLine(const char* line) noexcept {
     return guarded<int>(-1, [&] {
-        if (line == nullptr) return -1;
+        if (!line) return -1;
         std::fflush(stdout);  // what the host printed so far stands before what the line prints
         return std::system(shellLine(line).c_str());
     });

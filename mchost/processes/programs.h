@@ -9,17 +9,15 @@
 #include <string_view>
 #include <vector>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 // A program's path: a host path, or a name in a folder of PATH. Letter case doesn't count where no file has the name as
 // it stands; quotes around it are dropped.
-HOST_EXPORT std::optional<std::string> findProgram(std::string_view name);
+std::optional<std::string> findProgram(std::string_view name);
 
 // The words of a line, divided at blanks and tabs. What stands between double quotes is kept together without them, and
 // two quotes in it are one of the word's; a quote that isn't closed reaches to the end of the line.
-HOST_EXPORT std::vector<std::string> wordsOf(std::string_view line);
+std::vector<std::string> wordsOf(std::string_view line);
 
 // Whether the word begins like a path on a drive: "c:\\" or "c:/".
 bool beginsWithDrive(std::string_view word);
@@ -44,13 +42,13 @@ struct Process {
 
 // Starts a program with its arguments (texts of the host); null when it isn't found or can't be started. A kept process
 // stays until `release`.
-HOST_EXPORT Process* startProcess(std::string_view program, const std::vector<std::string>& arguments,
-                                  const StartOptions& options, bool kept);
+Process* startProcess(std::string_view program, const std::vector<std::string>& arguments, const StartOptions& options,
+                      bool kept);
 // The process with that handle, or null for what is none.
 Process* keptProcess(const void* handle);
 // Waits at most so many milliseconds, without limit when negative; the exit status when it has ended.
-HOST_EXPORT std::optional<int> waitFor(Process& process, int64_t milliseconds = -1);
-HOST_EXPORT void release(Process& process);
+std::optional<int> waitFor(Process& process, int64_t milliseconds = -1);
+void release(Process& process);
 
 // What a program wrote in English, its errors aside, with its exit status; nothing when it can't be started.
 struct Answer {

@@ -22,39 +22,39 @@ Win32ProcessInfo infoOf(Process& process) {
 
 using namespace host;
 
-void GetStartupInfoA(Win32StartupInfo* info) {
-    if (info != nullptr) *info = {.size = sizeof(Win32StartupInfo), .flags = 0, .showWindow = 0};
+void GetStartupInfoA(Win32StartupInfo* info) noexcept {
+    if (info) *info = {.size = sizeof(Win32StartupInfo), .flags = 0, .showWindow = 0};
 }
 
 int CreateProcessA(const char* application, char* commandLine, void*, void*, int, uint32_t creationFlags, void*,
-                   const char* directory, const Win32StartupInfo*, Win32ProcessInfo* processInfo) {
+                   const char* directory, const Win32StartupInfo*, Win32ProcessInfo* processInfo) noexcept {
     return guarded<int>(0, [&] {
-        std::vector<std::string> words = wordsOf(commandLine == nullptr ? "" : commandLine);
-        if (application == nullptr && words.empty()) return 0;
-        const std::string program = application != nullptr ? application : words.front();
+        std::vector<std::string> words = wordsOf(!commandLine ? "" : commandLine);
+        if (!application && words.empty()) return 0;
+        const std::string program = application ? application : words.front();
         if (!words.empty()) words.erase(words.begin());
-        const StartOptions options = {.folder = directory == nullptr ? "" : directory,
+        const StartOptions options = {.folder = !directory ? "" : directory,
                                       .idle = (creationFlags & WIN32_IDLE_PRIORITY) != 0,
                                       .output = Output::ofHost};
         Process* process = startProcess(program, words, options, processInfo != nullptr);
-        if (process != nullptr && processInfo != nullptr) *processInfo = infoOf(*process);
-        return process != nullptr ? 1 : 0;
+        if (process && processInfo) *processInfo = infoOf(*process);
+        return process ? 1 : 0;
     });
 }
 
-uint32_t WaitForSingleObject(void* handle, uint32_t milliseconds) {
+uint32_t WaitForSingleObject(void* handle, uint32_t milliseconds) noexcept {
     return guarded<uint32_t>(waitFailed, [&]() -> uint32_t {
         Process* process = keptProcess(handle);
-        if (process == nullptr) return waitFailed;
+        if (!process) return waitFailed;
         const bool ended = waitFor(*process, milliseconds == WIN32_INFINITE ? -1 : int64_t{milliseconds}).has_value();
         return ended ? 0 : waitTimeout;
     });
 }
 
-int CloseHandle(void* handle) {
+int CloseHandle(void* handle) noexcept {
     return guarded<int>(0, [&] {
         Process* process = keptProcess(handle);
-        if (process != nullptr) release(*process);
-        return process != nullptr || handle == nullptr ? 1 : 0;
+        if (process) release(*process);
+        return process != nullptr || !handle ? 1 : 0;
     });
 }

@@ -18,8 +18,6 @@
 #include <tuple>
 #include <vector>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 constexpr int32_t containerKind = 0x4d435246;  // "MCRF"
@@ -28,7 +26,7 @@ constexpr std::string_view fallbackLanguage = "en";
 constexpr size_t longestString = 511;  // what fits the 512 bytes that a string is loaded into
 
 // A text in each language that it is written in; Windows-1252.
-class HOST_EXPORT Texts {
+class Texts {
   public:
     void set(std::string_view language, std::string text) { byLanguage_[std::string(language)] = std::move(text); }
     bool has(std::string_view language) const { return byLanguage_.contains(language); }
@@ -95,8 +93,8 @@ void openResourceDatabase(Database& database, const std::string& path);
 // Writes into an empty file that nobody else knows. Throws SqliteFailure.
 void fillContainer(const std::string& path, const ResourceContents& contents);
 
-HOST_EXPORT ResourceContents readContainer(const std::string& path);
+ResourceContents readContainer(const std::string& path);
 // Writes a new file in place of any at `path`, whole or not at all.
-HOST_EXPORT void writeContainer(const std::string& path, const ResourceContents& contents);
+void writeContainer(const std::string& path, const ResourceContents& contents);
 
 }  // namespace host

@@ -85,7 +85,7 @@ int32_t kindOf(const std::string& path) {
 
 using namespace host;
 
-int mdlResource_list(RscHandle rscFile, MdlResourceVisit visit, void* userArg) {
+int mdlResource_list(RscHandle rscFile, MdlResourceVisit visit, void* userArg) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         ResourceStore* const store = openStore(rscFile);
         if (!store || !visit) return MDL_ERROR;
@@ -97,7 +97,7 @@ int mdlResource_list(RscHandle rscFile, MdlResourceVisit visit, void* userArg) {
     });
 }
 
-int mdlResource_getTitle(char* title, int32_t size, RscHandle rscFile) {
+int mdlResource_getTitle(char* title, int32_t size, RscHandle rscFile) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         ResourceStore* const store = openStore(rscFile);
         if (!store || !title || size < 1) return MDL_ERROR;
@@ -109,7 +109,7 @@ int mdlResource_getTitle(char* title, int32_t size, RscHandle rscFile) {
     });
 }
 
-int mdlFile_getKind(int32_t* kindP, const char* name) {
+int mdlFile_getKind(int32_t* kindP, const char* name) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         const std::string given = name ? name : "";
         try {

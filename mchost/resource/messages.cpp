@@ -12,7 +12,7 @@ constexpr size_t stringSize = 512;  // of a string of a string list
 
 }  // namespace
 
-int mdlOutput_rscPrintf(int field, RscHandle rscFile, int32_t listId, int32_t messageId, ...) {
+int mdlOutput_rscPrintf(int field, RscHandle rscFile, int32_t listId, int32_t messageId, ...) noexcept {
     char format[stringSize];
     if (mdlResource_loadFromStringList(format, rscFile, listId, messageId) != MDL_SUCCESS) return MDL_ERROR;
     va_list arguments;
@@ -22,7 +22,7 @@ int mdlOutput_rscPrintf(int field, RscHandle rscFile, int32_t listId, int32_t me
     return status;
 }
 
-int mdlOutput_rscsPrintf(char* buffer, RscHandle rscFile, int32_t listId, int32_t messageId, ...) {
+int mdlOutput_rscsPrintf(char* buffer, RscHandle rscFile, int32_t listId, int32_t messageId, ...) noexcept {
     char format[stringSize];
     if (!buffer || mdlResource_loadFromStringList(format, rscFile, listId, messageId) != MDL_SUCCESS) return MDL_ERROR;
     va_list arguments;

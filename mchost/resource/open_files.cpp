@@ -223,7 +223,7 @@ std::vector<OpenStore> openStores(RscHandle handle) {
 
 }  // namespace host
 
-int mdlResource_openFile(RscHandle* handleP, const char* name, int mode) {
+int mdlResource_openFile(RscHandle* handleP, const char* name, int mode) noexcept {
     if (handleP) *handleP = 0;
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (mode != MDL_RSC_READ && mode != MDL_RSC_WRITE) return MDL_ERROR;
@@ -233,13 +233,13 @@ int mdlResource_openFile(RscHandle* handleP, const char* name, int mode) {
     });
 }
 
-int mdlResource_closeFile(RscHandle handle) {
+int mdlResource_closeFile(RscHandle handle) noexcept {
     const auto isIt = [handle](const host::OpenFile& file) { return file.handle == handle; };
     if (std::ranges::none_of(host::openFiles().files, isIt)) return MDL_ERROR;
     return host::closeFiles(isIt);
 }
 
-int mdlResource_loadFromStringList(char* buffer, RscHandle rscFile, int32_t listId, int32_t messageId) {
+int mdlResource_loadFromStringList(char* buffer, RscHandle rscFile, int32_t listId, int32_t messageId) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         const auto texts = host::find(rscFile, &host::ResourceContents::strings, std::pair(listId, messageId));
         const std::string* text = texts ? texts->in(host::currentLanguage()) : nullptr;

@@ -30,7 +30,7 @@ void makeFile(const fs::path& path) {
 
 }  // namespace host
 
-int mdlDialog_userPrefFileOpen(RscHandle* handleP, int mode) {
+int mdlDialog_userPrefFileOpen(RscHandle* handleP, int mode) noexcept {
     if (handleP) *handleP = 0;
     return host::guarded<int>(MDL_ERROR, [&] {
         const host::fs::path path = host::preferenceFile();

@@ -95,7 +95,7 @@ int sessionRecord(UserFileRecord& record, int32_t id) {
 
 using namespace host;
 
-int mdlUserPrefs_getFileName(UserFileRecord* record, RscHandle handle, int32_t id) {
+int mdlUserPrefs_getFileName(UserFileRecord* record, RscHandle handle, int32_t id) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (!record) return MDL_ERROR;
         if (handle == 0) return sessionRecord(*record, id);
@@ -106,7 +106,7 @@ int mdlUserPrefs_getFileName(UserFileRecord* record, RscHandle handle, int32_t i
     });
 }
 
-int mdlUserPrefs_saveFileName(const UserFileRecord* record, RscHandle handle, int32_t id) {
+int mdlUserPrefs_saveFileName(const UserFileRecord* record, RscHandle handle, int32_t id) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         if (!record) return MDL_ERROR;
         if (handle == 0) return keepForSession(*record, id);

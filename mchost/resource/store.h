@@ -22,8 +22,6 @@
 #include <string_view>
 #include <vector>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 class Database;
@@ -59,7 +57,7 @@ struct FilePlace {
     bool operator==(const FilePlace&) const = default;
 };
 
-class HOST_EXPORT ResourceStore {
+class ResourceStore {
   public:
     explicit ResourceStore(std::string path);  // of a resource file that was read; it is opened when it is needed
     ~ResourceStore();                          // as close
@@ -106,9 +104,9 @@ class HOST_EXPORT ResourceStore {
 
 // Makes a resource file without content. Whatever bears the name already stays, with what is in it: another process may
 // have made it at the same time. Throws StoreFailure.
-HOST_EXPORT void makeResourceFile(const std::string& path, std::string_view title);
+void makeResourceFile(const std::string& path, std::string_view title);
 // Makes a resource file without content under a name that is free, or empties the resource file of that name. Any other
 // file is left as it is. Throws StoreFailure or ResourceError.
-HOST_EXPORT void createResourceFile(const std::string& path, std::string_view title);
+void createResourceFile(const std::string& path, std::string_view title);
 
 }  // namespace host

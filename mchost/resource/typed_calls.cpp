@@ -128,7 +128,7 @@ int putBlock(RscHandle file, Put how, int32_t type, int32_t id, const void* data
 
 using namespace host;
 
-int mdlResource_createFile(const char* name, const char* title, int mode) {
+int mdlResource_createFile(const char* name, const char* title, int mode) noexcept {
     return status([&] {
         if (!name || *name == '\0' || mode != MDL_RSC_WRITE)
             throw StoreFailure("A resource file without a name can't be made", false);
@@ -136,7 +136,7 @@ int mdlResource_createFile(const char* name, const char* title, int mode) {
     });
 }
 
-void* mdlResource_load(RscHandle rscFile, int32_t type, int32_t id) {
+void* mdlResource_load(RscHandle rscFile, int32_t type, int32_t id) noexcept {
     return guarded<void*>(nullptr, [&]() -> void* {
         for (const OpenStore& open : openStores(rscFile))
             if (const auto bytes = open.store->block(type, id)) return keep(open.file, type, id, *bytes);
@@ -144,12 +144,12 @@ void* mdlResource_load(RscHandle rscFile, int32_t type, int32_t id) {
     });
 }
 
-int32_t mdlResource_size(const void* block) {
+int32_t mdlResource_size(const void* block) noexcept {
     const LoadedBlock* known = loaded(block);
     return known ? known->size : 0;
 }
 
-int mdlResource_write(const void* block) {
+int mdlResource_write(const void* block) noexcept {
     const LoadedBlock* known = loaded(block);
     if (!known) return MDL_ERROR;
     return writeTo(known->file, [&](ResourceStore& store) {
@@ -158,19 +158,19 @@ int mdlResource_write(const void* block) {
 }
 
 int mdlResource_add(RscHandle rscFile, int32_t type, int32_t id, const void* data, int32_t size, int32_t attributes,
-                    const char* name) {
+                    const char* name) noexcept {
     return putBlock(rscFile, Put::add, type, id, data, size, attributes, textOf(name));
 }
 
-int mdlResource_put(RscHandle rscFile, int32_t type, int32_t id, const void* data, int32_t size) {
+int mdlResource_put(RscHandle rscFile, int32_t type, int32_t id, const void* data, int32_t size) noexcept {
     return putBlock(rscFile, Put::either, type, id, data, size, 0, {});
 }
 
-int mdlResource_free(void* block) {
+int mdlResource_free(void* block) noexcept {
     return !block || loadedBlocks().erase(block) ? MDL_SUCCESS : MDL_ERROR;
 }
 
-StringList* mdlStringList_loadResource(RscHandle rscFile, int32_t id) {
+StringList* mdlStringList_loadResource(RscHandle rscFile, int32_t id) noexcept {
     return guarded<StringList*>(nullptr, [&]() -> StringList* {
         for (const OpenStore& open : openStores(rscFile))
             if (StringList* list = loadList(*open.store, id)) return list;
@@ -178,12 +178,12 @@ StringList* mdlStringList_loadResource(RscHandle rscFile, int32_t id) {
     });
 }
 
-int mdlStringList_addResource(RscHandle rscFile, int32_t id, const StringList* list, const char* name) {
+int mdlStringList_addResource(RscHandle rscFile, int32_t id, const StringList* list, const char* name) noexcept {
     if (!list) return MDL_ERROR;
     return writeTo(rscFile, [&](ResourceStore& store) { store.put(Put::add, id, storedForm(*list), textOf(name)); });
 }
 
-int mdlStringList_writeResource(const StringList* list, RscHandle rscFile, int32_t id, const char* name) {
+int mdlStringList_writeResource(const StringList* list, RscHandle rscFile, int32_t id, const char* name) noexcept {
     if (!list) return MDL_ERROR;
     return writeTo(rscFile,
                    [&](ResourceStore& store) { store.put(Put::replace, id, storedForm(*list), textOf(name)); });

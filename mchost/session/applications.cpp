@@ -55,9 +55,9 @@ Session::MainFunction mainOf(void* module) {
     void* function = dlsym(module, "main");
     void* ownHandle = nullptr;
     Dl_info info{};
-    if (function == nullptr || dladdr(function, &info) == 0) return nullptr;
+    if (!function || dladdr(function, &info) == 0) return nullptr;
     ownHandle = dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD);
-    if (ownHandle != nullptr) dlclose(ownHandle);
+    if (ownHandle) dlclose(ownHandle);
     return ownHandle == module ? reinterpret_cast<Session::MainFunction>(function) : nullptr;
 }
 
@@ -68,14 +68,14 @@ void finishApplication(MdlDesc& application) noexcept {
     ++activeState->depth;
     ++application.depth;  // hooks that are called now don't end it a second time
     MdlDesc* const before = std::exchange(currentApplication, &application);
-    if (application.atEnd != nullptr) dlmSystem_callMdlFunction("", &application, application.atEnd);
+    if (application.atEnd) dlmSystem_callMdlFunction("", &application, application.atEnd);
     application.states.end();
     std::erase_if(activeState->timers, [&](const Timer& timer) { return timer.application == &application; });
     currentApplication = before;
     application.ended = true;
     --application.depth;
     --activeState->depth;
-    if (application.module != nullptr && application.unload) dlclose(application.module);
+    if (application.module && application.unload) dlclose(application.module);
 }
 
 MdlDesc* Session::startApplication(std::string_view taskName, MainFunction main, std::string_view listName,
@@ -87,13 +87,13 @@ MdlDesc* Session::loadApplication(const std::string& path, std::string_view task
                                   const std::vector<std::string>& arguments) {
     const std::string fullPath = std::filesystem::absolute(systemPath(path)).lexically_normal();
     void* module = dlopen(fullPath.c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (module == nullptr) {
+    if (!module) {
         return refuse("Can't load the application " + path,
                       narrowFromUtf8(dlerror()).text +
                           ". It must be a shared object for this machine, linked with all libraries that it needs.");
     }
     const MainFunction main = mainOf(module);
-    if (main == nullptr) {
+    if (!main) {
         dlclose(module);
         return refuse("Can't load the application " + path,
                       "it has no function \"main\" that the host can see. Give it one, "
@@ -106,7 +106,7 @@ MdlDesc* Session::loadApplication(const std::string& path, std::string_view task
 }
 
 void Session::endApplication(MdlDesc* desc) {
-    if (desc == nullptr || desc->ended) return;
+    if (!desc || desc->ended) return;
     desc->ending = true;
     if (desc->depth == 0) finishApplication(*desc);
 }
@@ -116,14 +116,14 @@ StateOwner& applicationOwner(MdlDesc* application) noexcept {
 }
 
 std::string modulePath(MdlDesc* desc) {
-    return desc == nullptr ? std::string() : desc->modulePath;
+    return !desc ? std::string() : desc->modulePath;
 }
 
 void fireNewDesignFile(const char* name, int state) {
-    if (activeState == nullptr) return;
+    if (!activeState) return;
     for (size_t i = 0; i < activeState->applications.size(); ++i) {
         MdlDesc* desc = activeState->applications[i].get();
-        if (desc->ended || desc->newDesignFile == nullptr) continue;
+        if (desc->ended || !desc->newDesignFile) continue;
         std::string copy = name;
         dlmSystem_callMdlFunction("PI", desc, desc->newDesignFile, copy.data(), state);
     }
@@ -132,7 +132,7 @@ void fireNewDesignFile(const char* name, int state) {
 namespace {
 
 MdlDesc* applicationOf(int32_t processNumber) {
-    if (activeState == nullptr || processNumber < 1) return nullptr;
+    if (!activeState || processNumber < 1) return nullptr;
     const auto index = static_cast<size_t>(processNumber) - 1;
     if (index >= activeState->applications.size()) return nullptr;
     MdlDesc* desc = activeState->applications[index].get();
@@ -152,57 +152,57 @@ bool findProgram(char (&path)[256], const std::string& program) {
 
 using namespace host;
 
-int32_t mdlSystem_getSessionNumber(void) {
-    return activeState == nullptr ? 0 : activeState->number;
+int32_t mdlSystem_getSessionNumber(void) noexcept {
+    return !activeState ? 0 : activeState->number;
 }
 
-MdlDesc* mdlSystem_getCurrMdlDesc(void) {
+MdlDesc* mdlSystem_getCurrMdlDesc(void) noexcept {
     return currentApplication;
 }
 
-int32_t mdlSystem_getProcessNumberFromMdlDesc(MdlDesc* desc) {
-    return desc == nullptr ? 0 : desc->number;
+int32_t mdlSystem_getProcessNumberFromMdlDesc(MdlDesc* desc) noexcept {
+    return !desc ? 0 : desc->number;
 }
 
-MdlDesc* mdlSystem_getMdlDescFromProcessNumber(int32_t processNumber) {
+MdlDesc* mdlSystem_getMdlDescFromProcessNumber(int32_t processNumber) noexcept {
     return applicationOf(processNumber);
 }
 
-MdlDesc* mdlSystem_findMdlDesc(const char* taskName) {
-    if (activeState == nullptr || taskName == nullptr) return nullptr;
+MdlDesc* mdlSystem_findMdlDesc(const char* taskName) noexcept {
+    if (!activeState || !taskName) return nullptr;
     for (const auto& desc : activeState->applications) {
         if (!desc->ended && sameName(desc->taskName, taskName)) return desc.get();
     }
     return nullptr;
 }
 
-int mdlSystem_loadMdlProgram(const char* program, const char* taskName, const char* argument) {
+int mdlSystem_loadMdlProgram(const char* program, const char* taskName, const char* argument) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
         char path[256];
-        if (activeState == nullptr || program == nullptr || !findProgram(path, program)) return MDL_ERROR;
-        const MdlDesc* loaded = Session::current()->loadApplication(path, taskName == nullptr ? program : taskName,
-                                                                    argument == nullptr ? "USER" : argument);
-        return loaded != nullptr ? MDL_SUCCESS : MDL_ERROR;
+        if (!activeState || !program || !findProgram(path, program)) return MDL_ERROR;
+        const MdlDesc* loaded =
+            Session::current()->loadApplication(path, !taskName ? program : taskName, !argument ? "USER" : argument);
+        return loaded ? MDL_SUCCESS : MDL_ERROR;
     });
 }
 
-void mdlSystem_exit(int errorCode, int unload) {
-    if (activeState == nullptr || currentApplication == nullptr) return;
+void mdlSystem_exit(int errorCode, int unload) noexcept {
+    if (!activeState || !currentApplication) return;
     leaveStatus(*activeState, errorCode);
     currentApplication->unload = unload != 0;
     currentApplication->ending = true;
 }
 
-void mdlSystem_noteFailure(void) {
-    if (activeState != nullptr && !activeState->frontEnd->attended()) activeState->failureNoted = true;
+void mdlSystem_noteFailure(void) noexcept {
+    if (activeState && !activeState->frontEnd->attended()) activeState->failureNoted = true;
 }
 
-int mdlSystem_failureNoted(void) {
+int mdlSystem_failureNoted(void) noexcept {
     return activeState != nullptr && activeState->failureNoted;
 }
 
-int mdlSystem_setFunction(int kind, void* function) {
-    if (currentApplication == nullptr) return MDL_ERROR;
+int mdlSystem_setFunction(int kind, void* function) noexcept {
+    if (!currentApplication) return MDL_ERROR;
     switch (kind) {
         case MDL_FUNCTION_NEW_DESIGN_FILE: currentApplication->newDesignFile = function; return MDL_SUCCESS;
         case MDL_FUNCTION_END: currentApplication->atEnd = function; return MDL_SUCCESS;

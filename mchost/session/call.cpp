@@ -35,7 +35,7 @@ struct CallDescription {
         if (signature.size() > mostArguments) return;
         for (size_t i = 0; i < signature.size(); ++i) {
             types[i] = typeOf(signature[i]);
-            if (types[i] == nullptr) return;
+            if (!types[i]) return;
         }
         valid = ffi_prep_cif(&cif, FFI_DEFAULT_ABI, static_cast<unsigned>(signature.size()), &ffi_type_sint32,
                              types.data()) == FFI_OK;
@@ -61,7 +61,7 @@ const CallDescription* describe(const char* signature) {
     static const CallDescription* last = nullptr;
     const uint64_t key = keyOf(signature);
     if (key == 0 && signature[0] != '\0') return nullptr;
-    if (last != nullptr && key == lastKey) return last;
+    if (last && key == lastKey) return last;
     auto& description = known[key];
     if (!description) description = std::make_unique<CallDescription>(signature);
     if (!description->valid) return nullptr;
@@ -76,9 +76,9 @@ union Argument {
 };
 
 int32_t call(const char* signature, MdlDesc* desc, void* function, va_list list) {
-    if (signature == nullptr || function == nullptr || (desc != nullptr && desc->ended)) return MDL_ERROR;
+    if (!signature || !function || (desc != nullptr && desc->ended)) return MDL_ERROR;
     const CallDescription* description = describe(signature);
-    if (description == nullptr) return MDL_ERROR;
+    if (!description) return MDL_ERROR;
     std::array<Argument, mostArguments> arguments;
     std::array<void*, mostArguments> places;
     for (size_t i = 0; signature[i] != '\0'; ++i) {
@@ -102,7 +102,7 @@ int32_t guardedCall(const char* signature, MdlDesc* desc, void* function, va_lis
 }  // namespace
 }  // namespace host
 
-int32_t dlmSystem_callAnyFunction(const char* signature, MdlDesc* desc, void* function, ...) {
+int32_t dlmSystem_callAnyFunction(const char* signature, MdlDesc* desc, void* function, ...) noexcept {
     va_list list;
     va_start(list, function);
     const int32_t result = host::guardedCall(signature, desc, function, list);
@@ -110,7 +110,7 @@ int32_t dlmSystem_callAnyFunction(const char* signature, MdlDesc* desc, void* fu
     return result;
 }
 
-int32_t dlmSystem_callMdlFunction(const char* signature, MdlDesc* desc, void* function, ...) {
+int32_t dlmSystem_callMdlFunction(const char* signature, MdlDesc* desc, void* function, ...) noexcept {
     va_list list;
     va_start(list, function);
     const int32_t result = host::guardedCall(signature, desc, function, list);

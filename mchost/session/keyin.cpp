@@ -20,12 +20,12 @@ std::vector<KeyIn>& keyInQueue() {
 
 }  // namespace host
 
-int mdlInput_sendKeyin(const char* text, int literal, int position, const char* task) {
+int mdlInput_sendKeyin(const char* text, int literal, int position, const char* task) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
-        if (text == nullptr || position < -1) return MDL_ERROR;
+        if (!text || position < -1) return MDL_ERROR;
         auto& queue = host::keyInQueue();
         const bool atEnd = position == -1 || static_cast<size_t>(position) > queue.size();
-        queue.insert(atEnd ? queue.end() : queue.begin() + position, {text, literal != 0, task == nullptr ? "" : task});
+        queue.insert(atEnd ? queue.end() : queue.begin() + position, {text, literal != 0, !task ? "" : task});
         return MDL_SUCCESS;
     });
 }

@@ -4,8 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 struct KeyIn {
@@ -15,6 +13,6 @@ struct KeyIn {
 };
 
 // The input queue, in the order in which the key-ins are to be taken. Whoever takes one removes it.
-HOST_EXPORT std::vector<KeyIn>& keyInQueue();
+std::vector<KeyIn>& keyInQueue();
 
 }  // namespace host

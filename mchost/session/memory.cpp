@@ -37,10 +37,10 @@ bool failsNow() {
 // The place in the code that a return address lies in: function, file and offset, as addr2line takes them.
 std::string placeOf(void* caller) {
     Dl_info info{};
-    if (dladdr(caller, &info) == 0 || info.dli_fname == nullptr) return "an unknown place";
+    if (dladdr(caller, &info) == 0 || !info.dli_fname) return "an unknown place";
     char place[512];
-    std::snprintf(place, sizeof place, "%s (%s+0x%zx)", info.dli_sname == nullptr ? "?" : info.dli_sname,
-                  info.dli_fname, static_cast<size_t>(static_cast<char*>(caller) - static_cast<char*>(info.dli_fbase)));
+    std::snprintf(place, sizeof place, "%s (%s+0x%zx)", !info.dli_sname ? "?" : info.dli_sname, info.dli_fname,
+                  static_cast<size_t>(static_cast<char*>(caller) - static_cast<char*>(info.dli_fbase)));
     return place;
 }
 
@@ -49,7 +49,7 @@ std::string placeOf(void* caller) {
 class Trace {
   public:
     static Trace* active() {
-        static Trace* const trace = std::getenv("MCHOST_TRACE_MEMORY") == nullptr ? nullptr : start();
+        static Trace* const trace = !std::getenv("MCHOST_TRACE_MEMORY") ? nullptr : start();
         return trace;
     }
     void add(void* block, void* caller) {
@@ -103,27 +103,27 @@ void failMemoryFrom(int call) {
 
 using namespace host;
 
-void* dlmSystem_mdlMalloc(size_t size) {
+void* dlmSystem_mdlMalloc(size_t size) noexcept {
     void* block = failsNow() || isImpossible(size) ? nullptr : std::malloc(size == 0 ? 1 : size);
-    if (block != nullptr)
+    if (block)
         count(block, __builtin_return_address(0));
     else
         noteMemoryRanOut();
     return block;
 }
 
-void* dlmSystem_mdlRealloc(void* block, size_t size) {
+void* dlmSystem_mdlRealloc(void* block, size_t size) noexcept {
     if (failsNow() || isImpossible(size)) return noteMemoryRanOut(), nullptr;
-    const size_t before = block == nullptr ? 0 : malloc_usable_size(block);
-    if (block != nullptr && Trace::active() != nullptr) Trace::active()->remove(block);
+    const size_t before = !block ? 0 : malloc_usable_size(block);
+    if (block && Trace::active()) Trace::active()->remove(block);
     void* grown = std::realloc(block, size == 0 ? 1 : size);
     void* const caller = __builtin_return_address(0);
-    if (grown == nullptr) {
-        if (block != nullptr && Trace::active() != nullptr) Trace::active()->add(block, caller);
+    if (!grown) {
+        if (block && Trace::active()) Trace::active()->add(block, caller);
         noteMemoryRanOut();
         return nullptr;
     }
-    if (block != nullptr) {
+    if (block) {
         blocksInUse.fetch_sub(1, std::memory_order_relaxed);
         bytesInUse.fetch_sub(before, std::memory_order_relaxed);
     }
@@ -131,8 +131,8 @@ void* dlmSystem_mdlRealloc(void* block, size_t size) {
     return grown;
 }
 
-void dlmSystem_mdlFree(void* block) {
-    if (block == nullptr) return;
+void dlmSystem_mdlFree(void* block) noexcept {
+    if (!block) return;
     uncount(block);
     std::free(block);
 }

@@ -6,17 +6,15 @@
 
 #include <cstddef>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 struct MemoryUse {
     size_t blocks;
     size_t bytes;  // as granted by the system, which may be more than was asked for
 };
-HOST_EXPORT MemoryUse memoryUse();
+MemoryUse memoryUse();
 
 // Has calls that take memory fail from the `call`th from now on (1 is the next); 0 ends the failing.
-HOST_EXPORT void failMemoryFrom(int call);
+void failMemoryFrom(int call);
 
 }  // namespace host

@@ -41,7 +41,7 @@ std::optional<std::string> formatted(const char* format, va_list arguments) {
 
 void toConsole(std::string_view narrow) {
     const std::string utf8 = utf8FromNarrow(narrow);
-    if (activeState != nullptr) {
+    if (activeState) {
         activeState->frontEnd->console(utf8);
     } else {
         std::fwrite(utf8.data(), 1, utf8.size(), stderr);
@@ -49,12 +49,12 @@ void toConsole(std::string_view narrow) {
 }
 
 std::string utf8Of(const char* narrow) {
-    return narrow == nullptr ? std::string() : utf8FromNarrow(narrow);
+    return !narrow ? std::string() : utf8FromNarrow(narrow);
 }
 
 void toMessageCenter(int priority, const std::string& brief, const std::string& details, bool alert = false) {
     if (priority == errorPriority) lastError() = brief + (details.empty() ? "" : ": ") + details;
-    if (activeState != nullptr) {
+    if (activeState) {
         activeState->frontEnd->message({priority, brief, details, alert});
     } else {
         std::fprintf(stderr, "%s%s%s\n", brief.c_str(), details.empty() ? "" : ": ", details.c_str());
@@ -91,7 +91,7 @@ int printToField(int field, const char* format, va_list arguments) {
 
 using namespace host;
 
-int toolSubsystem_printf(const char* format, ...) {
+int toolSubsystem_printf(const char* format, ...) noexcept {
     va_list arguments;
     va_start(arguments, format);
     const int length = guarded<int>(-1, [&] {
@@ -104,8 +104,8 @@ int toolSubsystem_printf(const char* format, ...) {
     return length;
 }
 
-int toolSubsystem_fprintf(FILE* stream, const char* format, ...) {
-    if (stream == nullptr) return -1;
+int toolSubsystem_fprintf(FILE* stream, const char* format, ...) noexcept {
+    if (!stream) return -1;
     va_list arguments;
     va_start(arguments, format);
     const int length = guarded<int>(-1, [&] {
@@ -117,7 +117,7 @@ int toolSubsystem_fprintf(FILE* stream, const char* format, ...) {
     return length;
 }
 
-int mdlOutput_printf(int field, const char* format, ...) {
+int mdlOutput_printf(int field, const char* format, ...) noexcept {
     va_list arguments;
     va_start(arguments, format);
     const int status = printToField(field, format, arguments);
@@ -125,7 +125,7 @@ int mdlOutput_printf(int field, const char* format, ...) {
     return status;
 }
 
-int mdlOutput_messageCenter(int priority, const char* brief, const char* details, int openAlert) {
+int mdlOutput_messageCenter(int priority, const char* brief, const char* details, int openAlert) noexcept {
     return guarded<int>(MDL_ERROR, [&] {
         toMessageCenter(priority, utf8Of(brief), utf8Of(details), openAlert != 0);
         if (openAlert != 0) answerTo<Noted>(Note{});
@@ -133,4 +133,4 @@ int mdlOutput_messageCenter(int priority, const char* brief, const char* details
     });
 }
 
-void mdlSystem_enterGraphics(void) {}
+void mdlSystem_enterGraphics(void) noexcept {}

@@ -13,7 +13,7 @@
 namespace host {
 
 // The session's owner for null and for an application that has ended.
-HOST_EXPORT StateOwner& applicationOwner(MdlDesc* application) noexcept;
+StateOwner& applicationOwner(MdlDesc* application) noexcept;
 
 // The T of the application; one that can be made from an MdlDesc* is told whose it is, null outside any application.
 template <class T>

@@ -106,8 +106,8 @@ using namespace host;
 
 MdlTcb* tcbP = &controlBlock;
 
-int mdlParams_getActive(void* valueP, int parameter) {
-    if (valueP == nullptr) return MDL_ERROR;
+int mdlParams_getActive(void* valueP, int parameter) noexcept {
+    if (!valueP) return MDL_ERROR;
     if (parameter == MDL_PARAM_LINE_STYLE_NAME) {
         std::strcpy(static_cast<char*>(valueP), active().styleName);
         return MDL_SUCCESS;
@@ -115,8 +115,8 @@ int mdlParams_getActive(void* valueP, int parameter) {
     return get(valueP, placeOf(parameter));
 }
 
-int mdlParams_setActive(const void* valueP, int parameter) {
-    if (valueP == nullptr) return MDL_ERROR;
+int mdlParams_setActive(const void* valueP, int parameter) noexcept {
+    if (!valueP) return MDL_ERROR;
     if (parameter == MDL_PARAM_LINE_STYLE_NAME) {
         return guarded<int>(MDL_ERROR, [&] { return setStyleByName(static_cast<const char*>(valueP)); });
     }
@@ -125,10 +125,10 @@ int mdlParams_setActive(const void* valueP, int parameter) {
     return status;
 }
 
-int mdlSystem_getWorkmode(void) {
+int mdlSystem_getWorkmode(void) noexcept {
     return guarded<int>(0, [] { return controlBlock.workmode = workmode(); });
 }
 
-void mdlSystem_updateGraphicGroup(void) {
+void mdlSystem_updateGraphicGroup(void) noexcept {
     ++active().graphicGroup;
 }

@@ -3,16 +3,14 @@
 
 #include <utility>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 // Tells what a program threw in one line, which begins with its name. Inside a catch.
-HOST_EXPORT void tellThrown(const char* program) noexcept;
+void tellThrown(const char* program) noexcept;
 
 // For a program's start: see tidyUpAtSignals(); and what escapes every other catch ends the process with a line and
 // status 1.
-HOST_EXPORT void startProgram() noexcept;
+void startProgram() noexcept;
 
 // A program has one as a static object, which is made before all others: theirs may throw too.
 struct ProgramStart {

@@ -60,7 +60,7 @@ const DrawingCalls& drawing() {
 }
 
 Session::Session(SessionOptions options) : state_(std::make_unique<State>()) {
-    if (activeSession != nullptr) throw std::logic_error("a session is running already in this process");
+    if (activeSession) throw std::logic_error("a session is running already in this process");
     static int32_t lastNumber = 0;
     state_->number = ++lastNumber;
     sessionOwner().end();
@@ -115,22 +115,22 @@ void tellReturn() {
 }
 
 ApplicationScope::ApplicationScope(MdlDesc* desc) : before_(currentApplication), entered_(desc) {
-    if (activeState != nullptr) ++activeState->depth;
-    if (desc == nullptr) return;
+    if (activeState) ++activeState->depth;
+    if (!desc) return;
     ++desc->depth;
     currentApplication = desc;
 }
 
 ApplicationScope::~ApplicationScope() {
     currentApplication = before_;
-    if (activeState == nullptr) return;
-    if (entered_ != nullptr && --entered_->depth == 0 && entered_->ending) finishApplication(*entered_);
+    if (!activeState) return;
+    if (entered_ && --entered_->depth == 0 && entered_->ending) finishApplication(*entered_);
     if (activeState->depth == 1) guarded([] { finishCommand(*activeState); });
     --activeState->depth;
 }
 
 }  // namespace host
 
-int mdlSystem_memoryFailures(void) {
-    return host::activeState == nullptr ? 0 : host::activeState->memoryFailures;
+int mdlSystem_memoryFailures(void) noexcept {
+    return !host::activeState ? 0 : host::activeState->memoryFailures;
 }

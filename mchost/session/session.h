@@ -13,7 +13,6 @@
 #include <utility>
 #include <vector>
 
-#include "mchost/base/export.h"
 #include "mchost/mdl/types.h"
 #include "mchost/session/front_end.h"
 #include "mchost/session/keyin.h"
@@ -32,7 +31,7 @@ struct SessionOptions {
 using FrontEndMaker = std::unique_ptr<FrontEnd> (*)();
 void setDefaultFrontEnd(FrontEndMaker make);
 
-class HOST_EXPORT Session {
+class Session {
   public:
     using MainFunction = int (*)(int argc, char** argv);
 
@@ -81,7 +80,7 @@ class HOST_EXPORT Session {
 // A call of the host into an application: makes it the current one for as long as this stands; null keeps the one that
 // is current. With the end of the outermost call the command is finished: applications that asked for it are ended, and
 // what was changed in the design file is stored.
-class HOST_EXPORT ApplicationScope {
+class ApplicationScope {
   public:
     explicit ApplicationScope(MdlDesc* desc);
     ~ApplicationScope();
@@ -94,18 +93,18 @@ class HOST_EXPORT ApplicationScope {
 };
 
 // Full path of the module that the application was loaded from; empty for one that lies in this process, and for null.
-HOST_EXPORT std::string modulePath(MdlDesc* desc);
+std::string modulePath(MdlDesc* desc);
 
 // Something that the session was to keep isn't kept, or not where it should be: its exit status is a failure.
 void markFailed();
 // Has `observer` called each time that control is back in the host, before the finished command is stored, for as long
 // as the session lasts.
-HOST_EXPORT void observeReturn(void (*observer)());
+void observeReturn(void (*observer)());
 // Tells those observers; for the loop, which has control while an application waits in it.
 void tellReturn();
 
 // Calls the new-design-file functions of all applications: state 0 before the open file is closed, 1 when the new one
 // is open.
-HOST_EXPORT void fireNewDesignFile(const char* name, int state);
+void fireNewDesignFile(const char* name, int state);
 
 }  // namespace host

@@ -86,24 +86,24 @@ std::optional<std::chrono::milliseconds> Session::timeToNextTimer() const {
 
 using namespace host;
 
-int32_t mdlSystem_getTicks(void) {
+int32_t mdlSystem_getTicks(void) noexcept {
     return now();
 }
 
-int mdlSystem_setTimerFunction(int32_t* idP, int32_t ticks, void* function) {
+int mdlSystem_setTimerFunction(int32_t* idP, int32_t ticks, void* function) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (activeState == nullptr || currentApplication == nullptr || function == nullptr) return MDL_ERROR;
+        if (!activeState || !currentApplication || !function) return MDL_ERROR;
         // At least one tick: a timer that sets itself again comes back to its caller.
         const int32_t due = later(now(), std::max(ticks, 1));
         const int32_t id = ++activeState->lastTimerId;
         activeState->timers.push_back({due, id, currentApplication, reinterpret_cast<void (*)(int32_t)>(function)});
-        if (idP != nullptr) *idP = id;
+        if (idP) *idP = id;
         return MDL_SUCCESS;
     });
 }
 
-int mdlSystem_cancelTimer(int32_t id) {
-    if (activeState == nullptr) return MDL_ERROR;
+int mdlSystem_cancelTimer(int32_t id) noexcept {
+    if (!activeState) return MDL_ERROR;
     const bool found = std::erase_if(activeState->timers, [&](const Timer& timer) { return timer.id == id; }) > 0;
     return found ? MDL_SUCCESS : MDL_ERROR;
 }

@@ -15,7 +15,7 @@ namespace {
 
 char* newBlock(std::string_view text) {
     auto* block = static_cast<char*>(dlmSystem_mdlMalloc(text.size() + 1));
-    if (block != nullptr) copyCut(block, text.size() + 1, text);
+    if (block) copyCut(block, text.size() + 1, text);
     return block;
 }
 
@@ -32,36 +32,34 @@ int give(char* buffer, int size, const std::optional<std::string>& value) {
 
 using namespace host;
 
-int mdlSystem_getenv(char* buffer, const char* name, int size) {
+int mdlSystem_getenv(char* buffer, const char* name, int size) noexcept {
+    return guarded<int>(MDL_ERROR, [&] { return !name ? MDL_ERROR : give(buffer, size, variables().value(name)); });
+}
+
+int mdlSystem_getCfgVar(char* buffer, const char* name, int size) noexcept {
     return guarded<int>(MDL_ERROR,
-                        [&] { return name == nullptr ? MDL_ERROR : give(buffer, size, variables().value(name)); });
+                        [&] { return !name ? MDL_ERROR : give(buffer, size, variables().expandedValue(name)); });
 }
 
-int mdlSystem_getCfgVar(char* buffer, const char* name, int size) {
-    return guarded<int>(
-        MDL_ERROR, [&] { return name == nullptr ? MDL_ERROR : give(buffer, size, variables().expandedValue(name)); });
-}
-
-int mdlSystem_defineCfgVar(const char* name, const char* value, int level) {
+int mdlSystem_defineCfgVar(const char* name, const char* value, int level) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (name == nullptr) return MDL_ERROR;
-        return variables().define(name, value == nullptr ? "" : value, level) ? MDL_SUCCESS : MDL_ERROR;
+        if (!name) return MDL_ERROR;
+        return variables().define(name, !value ? "" : value, level) ? MDL_SUCCESS : MDL_ERROR;
     });
 }
 
-int mdlSystem_deleteCfgVar(const char* name) {
+int mdlSystem_deleteCfgVar(const char* name) noexcept {
     return guarded<int>(MDL_ERROR,
                         [&]() -> int { return name != nullptr && variables().remove(name) ? MDL_SUCCESS : MDL_ERROR; });
 }
 
-char* mdlSystem_expandCfgVar(const char* text) {
-    return guarded<char*>(nullptr,
-                          [&]() -> char* { return text == nullptr ? nullptr : newBlock(variables().expand(text)); });
+char* mdlSystem_expandCfgVar(const char* text) noexcept {
+    return guarded<char*>(nullptr, [&]() -> char* { return !text ? nullptr : newBlock(variables().expand(text)); });
 }
 
-char* mdlSystem_getExpandedCfgVar(const char* name) {
+char* mdlSystem_getExpandedCfgVar(const char* name) noexcept {
     return guarded<char*>(nullptr, [&]() -> char* {
-        const std::optional<std::string> value = name == nullptr ? std::nullopt : variables().expandedValue(name);
+        const std::optional<std::string> value = !name ? std::nullopt : variables().expandedValue(name);
         return value ? newBlock(*value) : nullptr;
     });
 }

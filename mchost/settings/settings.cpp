@@ -138,13 +138,12 @@ SettingsText settingsOf(std::string_view text, std::string_view key) {
 
 using namespace host;
 
-int32_t RegOpenKeyExA(void* root, const char* key, uint32_t, uint32_t, void** handleP) {
+int32_t RegOpenKeyExA(void* root, const char* key, uint32_t, uint32_t, void** handleP) noexcept {
     return guarded<int32_t>(WIN32_BAD_PARAMETER, [&]() -> int32_t {
-        if (handleP == nullptr) return WIN32_BAD_PARAMETER;
+        if (!handleP) return WIN32_BAD_PARAMETER;
         *handleP = nullptr;
         if (root != WIN32_CURRENT_USER && root != WIN32_LOCAL_MACHINE) return WIN32_INVALID_HANDLE;
-        SettingsText found =
-            settingsInFile(root == WIN32_CURRENT_USER ? userFile() : machineFile(), key == nullptr ? "" : key);
+        SettingsText found = settingsInFile(root == WIN32_CURRENT_USER ? userFile() : machineFile(), !key ? "" : key);
         if (!found.hasKey) return WIN32_FILE_NOT_FOUND;
         openKeys().push_back(std::make_unique<Settings>(std::move(found.settings)));
         *handleP = openKeys().back().get();
@@ -152,23 +151,24 @@ int32_t RegOpenKeyExA(void* root, const char* key, uint32_t, uint32_t, void** ha
     });
 }
 
-int32_t RegQueryValueExA(void* handle, const char* name, uint32_t*, uint32_t* typeP, void* data, uint32_t* sizeP) {
+int32_t RegQueryValueExA(void* handle, const char* name, uint32_t*, uint32_t* typeP, void* data,
+                         uint32_t* sizeP) noexcept {
     return guarded<int32_t>(WIN32_BAD_PARAMETER, [&]() -> int32_t {
         const Settings* key = openKey(handle);
-        if (key == nullptr) return WIN32_INVALID_HANDLE;
-        if (data != nullptr && sizeP == nullptr) return WIN32_BAD_PARAMETER;
-        const auto found = key->find(lowerCase(name == nullptr ? "" : name));
+        if (!key) return WIN32_INVALID_HANDLE;
+        if (data && !sizeP) return WIN32_BAD_PARAMETER;
+        const auto found = key->find(lowerCase(!name ? "" : name));
         if (found == key->end()) return WIN32_FILE_NOT_FOUND;
         const auto& [kind, bytes] = found->second;
-        const bool fits = data == nullptr || bytes.size() <= *sizeP;
-        if (typeP != nullptr) *typeP = kind;
-        if (data != nullptr && fits) std::memcpy(data, bytes.data(), bytes.size());
-        if (sizeP != nullptr) *sizeP = static_cast<uint32_t>(bytes.size());
+        const bool fits = !data || bytes.size() <= *sizeP;
+        if (typeP) *typeP = kind;
+        if (data && fits) std::memcpy(data, bytes.data(), bytes.size());
+        if (sizeP) *sizeP = static_cast<uint32_t>(bytes.size());
         return fits ? WIN32_SUCCESS : WIN32_MORE_DATA;
     });
 }
 
-int32_t RegCloseKey(void* handle) {
+int32_t RegCloseKey(void* handle) noexcept {
     return std::erase_if(openKeys(), [&](const auto& key) { return key.get() == handle; }) > 0 ? WIN32_SUCCESS
-                                                                                             : WIN32_INVALID_HANDLE;
+                                                                                               : WIN32_INVALID_HANDLE;
 }

@@ -7,8 +7,6 @@
 #include <string_view>
 #include <vector>
 
-#include "mchost/base/export.h"
-
 namespace host {
 
 struct Setting {
@@ -26,6 +24,6 @@ struct SettingsText {
 };
 
 // What a text holds under a key.
-HOST_EXPORT SettingsText settingsOf(std::string_view text, std::string_view key);
+SettingsText settingsOf(std::string_view text, std::string_view key);
 
 }  // namespace host

@@ -27,14 +27,14 @@ template <class Visit>
 void visitModules(Visit visit) {
     dl_iterate_phdr(
         [](dl_phdr_info* info, size_t, void* data) {
-            if (info->dlpi_name == nullptr || info->dlpi_name[0] == '\0') return 0;
+            if (!info->dlpi_name || info->dlpi_name[0] == '\0') return 0;
             return (*static_cast<Visit*>(data))(*info) ? 1 : 0;
         },
         &visit);
 }
 
 std::string pathOfModule(void* module) {
-    std::string path = module == nullptr ? "/proc/self/exe" : "";
+    std::string path = !module ? "/proc/self/exe" : "";
     visitModules([&](const dl_phdr_info& info) {
         const bool found = module != nullptr && reinterpret_cast<void*>(info.dlpi_addr) == module;
         if (found) path = info.dlpi_name;
@@ -50,26 +50,26 @@ std::string pathOfModule(void* module) {
 
 using namespace host;
 
-int DeleteFileA(const char* name) {
+int DeleteFileA(const char* name) noexcept {
     return guarded<int>(0, [&] { return name != nullptr && unlink(systemPath(name).c_str()) == 0 ? 1 : 0; });
 }
 
-uint32_t GetShortPathNameA(const char* path, char* buffer, uint32_t size) {
+uint32_t GetShortPathNameA(const char* path, char* buffer, uint32_t size) noexcept {
     return guarded<uint32_t>(0, [&]() -> uint32_t {
-        if (path == nullptr || path[0] == '\0') return 0;
+        if (!path || path[0] == '\0') return 0;
         const std::string systemName = systemPath(path);
         std::error_code error;
         if (!std::filesystem::exists(systemName, error)) return 0;
         const std::string name = hostName(systemName);
-        if (buffer == nullptr || size <= name.size()) return static_cast<uint32_t>(name.size()) + 1;
+        if (!buffer || size <= name.size()) return static_cast<uint32_t>(name.size()) + 1;
         return static_cast<uint32_t>(copyCut(buffer, size, name));
     });
 }
 
-void* GetModuleHandleA(const char* name) {
+void* GetModuleHandleA(const char* name) noexcept {
     return guarded<void*>(nullptr, [&] {
         void* module = nullptr;
-        if (name == nullptr) return module;
+        if (!name) return module;
         const std::string stem = moduleStem(name);
         visitModules([&](const dl_phdr_info& info) {
             const bool found = moduleStem(info.dlpi_name) == stem;
@@ -80,7 +80,7 @@ void* GetModuleHandleA(const char* name) {
     });
 }
 
-uint32_t GetModuleFileNameA(void* module, char* buffer, uint32_t size) {
+uint32_t GetModuleFileNameA(void* module, char* buffer, uint32_t size) noexcept {
     return guarded<uint32_t>(
         0, [&]() -> uint32_t { return static_cast<uint32_t>(copyCut(buffer, size, hostName(pathOfModule(module)))); });
 }

@@ -118,7 +118,7 @@ const Transform& currentFromWorld() {
 
 using namespace host;
 
-int mdlCurrTrans_begin(void) {
+int mdlCurrTrans_begin(void) noexcept {
     return guarded<int>(MDL_ERROR, [] {
         System inside = innermost();
         inside.owner = mdlSystem_getCurrMdlDesc();
@@ -128,35 +128,35 @@ int mdlCurrTrans_begin(void) {
     });
 }
 
-int mdlCurrTrans_end(void) {
+int mdlCurrTrans_end(void) noexcept {
     if (openSystems().empty()) return MDL_ERROR;
     openSystems().pop_back();
     return MDL_SUCCESS;
 }
 
-int mdlCurrTrans_identity(void) {
+int mdlCurrTrans_identity(void) noexcept {
     return setInnermost(identityTransform);
 }
 
-int mdlCurrTrans_translateOrigin(const Point3d* origin) {
+int mdlCurrTrans_translateOrigin(const Point3d* origin) noexcept {
     if (!origin) return MDL_ERROR;
     return setInnermost(withOrigin(currentToWorld(), applyToPoint(currentToWorld(), *origin)));
 }
 
-int mdlCurrTrans_translateOriginWorld(const Point3d* origin) {
+int mdlCurrTrans_translateOriginWorld(const Point3d* origin) noexcept {
     if (!origin) return MDL_ERROR;
     return setInnermost(withOrigin(currentToWorld(), applyToPoint(currentToWorld(), {}) + *origin));
 }
 
-int mdlCurrTrans_scale(double sx, double sy, double sz) {
+int mdlCurrTrans_scale(double sx, double sy, double sz) noexcept {
     return setInnermost(withAxes(currentToWorld(), {{{sx, 0, 0}, {0, sy, 0}, {0, 0, sz}}}));
 }
 
-int mdlCurrTrans_rotateByAngles(double ax, double ay, double az) {
+int mdlCurrTrans_rotateByAngles(double ax, double ay, double az) noexcept {
     return setInnermost(withAxes(currentToWorld(), turnAboutXThenYThenZ(ax, ay, az)));
 }
 
-void mdlTMatrix_rotateByAngles(Transform* out, const Transform* in, double ax, double ay, double az) {
+void mdlTMatrix_rotateByAngles(Transform* out, const Transform* in, double ax, double ay, double az) noexcept {
     const Transform before = in ? *in : identityTransform;
     const RotMatrix turn = turnAboutXThenYThenZ(ax, ay, az);
     for (int i = 0; i < 4; ++i) {
@@ -165,36 +165,36 @@ void mdlTMatrix_rotateByAngles(Transform* out, const Transform* in, double ax, d
     }
 }
 
-int mdlCurrTrans_rotateByView(int32_t view) {
+int mdlCurrTrans_rotateByView(int32_t view) noexcept {
     return isView(view) ? setInnermost(withAxes(currentToWorld(), transposed(viewRotation(view)))) : int{MDL_ERROR};
 }
 
-int mdlCurrTrans_masterUnitsIdentity(void) {
+int mdlCurrTrans_masterUnitsIdentity(void) noexcept {
     const double uor = drawing().getUorPerMaster(nullptr);
     return setInnermost({{{uor, 0, 0, 0}, {0, uor, 0, 0}, {0, 0, uor, 0}}});
 }
 
-int mdlCurrTrans_transformPointArray(Point3d* out, const Point3d* in, int32_t count) {
+int mdlCurrTrans_transformPointArray(Point3d* out, const Point3d* in, int32_t count) noexcept {
     return applyToPoints(out, in, count, currentToWorld());
 }
 
-int mdlCurrTrans_invtransPointArray(Point3d* out, const Point3d* in, int32_t count) {
+int mdlCurrTrans_invtransPointArray(Point3d* out, const Point3d* in, int32_t count) noexcept {
     return applyToPoints(out, in, count, currentFromWorld());
 }
 
-int mdlCurrTrans_getAddresses(const Transform** toWorld, const Transform** fromWorld) {
+int mdlCurrTrans_getAddresses(const Transform** toWorld, const Transform** fromWorld) noexcept {
     if (toWorld) *toWorld = &currentToWorld();
     if (fromWorld) *fromWorld = &currentFromWorld();
     return MDL_SUCCESS;
 }
 
-double mdlCnv_masterToUOR(double* resultP, double master, ModelRef* model) {
+double mdlCnv_masterToUOR(double* resultP, double master, ModelRef* model) noexcept {
     const double uor = master * drawing().getUorPerMaster(model);
     if (resultP) *resultP = uor;
     return uor;
 }
 
-double mdlCnv_UORToMaster(double* resultP, double uor, ModelRef* model) {
+double mdlCnv_UORToMaster(double* resultP, double uor, ModelRef* model) noexcept {
     const double master = uor / drawing().getUorPerMaster(model);
     if (resultP) *resultP = master;
     return master;

@@ -23,43 +23,43 @@ const double *const fc_piover180P = &perDegree, *const fc_180overpiP = &perRadia
 const double *const fc_epsilonP = &epsilon, *const fc_zeroP = &zero;
 const double *const fc_rmaxi4P = &maxInt32, *const fc_rmaxui4P = &maxUint32;
 
-double mdlVec_distance(const Point3d* a, const Point3d* b) {
+double mdlVec_distance(const Point3d* a, const Point3d* b) noexcept {
     return distance(*a, *b);
 }
 
-double mdlVec_computeNormal(Point3d* out, const Point3d* a, const Point3d* b) {
+double mdlVec_computeNormal(Point3d* out, const Point3d* a, const Point3d* b) noexcept {
     const Point3d span = *b - *a;
     const double d = length(span);
     *out = d > 0 ? Point3d{span.x / d, span.y / d, span.z / d} : Point3d{};
     return d;
 }
 
-void mdlRMatrix_getIdentity(RotMatrix* matrix) {
+void mdlRMatrix_getIdentity(RotMatrix* matrix) noexcept {
     *matrix = identityMatrix;
 }
 
-void mdlRMatrix_fromAngle(RotMatrix* matrix, double angle) {
+void mdlRMatrix_fromAngle(RotMatrix* matrix, double angle) noexcept {
     const double c = std::cos(angle), s = std::sin(angle);
     *matrix = {{{c, -s, 0}, {s, c, 0}, {0, 0, 1}}};
 }
 
-void mdlRMatrix_rotatePoint(Point3d* point, const RotMatrix* matrix) {
+void mdlRMatrix_rotatePoint(Point3d* point, const RotMatrix* matrix) noexcept {
     *point = rotate(*matrix, *point);
 }
 
-void mdlRMatrix_unrotatePoint(Point3d* point, const RotMatrix* matrix) {
+void mdlRMatrix_unrotatePoint(Point3d* point, const RotMatrix* matrix) noexcept {
     *point = unrotate(*matrix, *point);
 }
 
-void mdlRMatrix_rotatePointArray(Point3d* points, const RotMatrix* matrix, int32_t count) {
+void mdlRMatrix_rotatePointArray(Point3d* points, const RotMatrix* matrix, int32_t count) noexcept {
     for (int32_t i = 0; i < count; ++i) points[i] = rotate(*matrix, points[i]);
 }
 
-void mdlRMatrix_unrotatePointArray(Point3d* points, const RotMatrix* matrix, int32_t count) {
+void mdlRMatrix_unrotatePointArray(Point3d* points, const RotMatrix* matrix, int32_t count) noexcept {
     for (int32_t i = 0; i < count; ++i) points[i] = unrotate(*matrix, points[i]);
 }
 
-int mdlRMatrix_getInverse(RotMatrix* out, const RotMatrix* matrix) {
+int mdlRMatrix_getInverse(RotMatrix* out, const RotMatrix* matrix) noexcept {
     if (!out || !matrix) return MDL_ERROR;
     Transform transform, inverse;
     mdlTMatrix_fromRMatrix(&transform, matrix);
@@ -68,12 +68,12 @@ int mdlRMatrix_getInverse(RotMatrix* out, const RotMatrix* matrix) {
     return MDL_SUCCESS;
 }
 
-void mdlTMatrix_fromRMatrix(Transform* out, const RotMatrix* matrix) {
+void mdlTMatrix_fromRMatrix(Transform* out, const RotMatrix* matrix) noexcept {
     *out = {};
     for (int row = 0; row < 3; ++row) std::copy_n(matrix->form[row], 3, out->form[row]);
 }
 
-void mdlRMatrix_multiplyRange(Point3d* low, Point3d* high, const RotMatrix* matrix) {
+void mdlRMatrix_multiplyRange(Point3d* low, Point3d* high, const RotMatrix* matrix) noexcept {
     RangeBuilder turned;
     for (int corner = 0; corner < 8; ++corner)
         turned.add(rotate(
@@ -83,12 +83,12 @@ void mdlRMatrix_multiplyRange(Point3d* low, Point3d* high, const RotMatrix* matr
     *high = turned.range().high;
 }
 
-void mdlCnv_doubleToFileFormat(void* bytes, double value) {
+void mdlCnv_doubleToFileFormat(void* bytes, double value) noexcept {
     static_assert(std::endian::native == std::endian::little && sizeof value == 8);
     std::memcpy(bytes, &value, sizeof value);
 }
 
-double mdlCnv_doubleFromFileFormat(const void* bytes) {
+double mdlCnv_doubleFromFileFormat(const void* bytes) noexcept {
     double value;
     std::memcpy(&value, bytes, sizeof value);
     return value;

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 
-#include "mchost/base/export.h"
 #include "mchost/mdl/types.h"
 
 namespace host {
@@ -14,7 +13,7 @@ constexpr bool isView(int32_t view) {
 }
 
 // From the axes of the model to those of the view; the rows are the view's axes.
-HOST_EXPORT const RotMatrix& viewRotation(int32_t view);
-HOST_EXPORT void setViewRotation(int32_t view, const RotMatrix& rotation);
+const RotMatrix& viewRotation(int32_t view);
+void setViewRotation(int32_t view, const RotMatrix& rotation);
 
 }  // namespace host

@@ -15,6 +15,8 @@
 #include "mclib/frame/main.h"
 #include "mclib/frame/util.h"
 
+namespace mc {
+
 namespace {
 
 bool uses(const ElmAttrData& data, uint32_t flag) {
@@ -155,6 +157,10 @@ mdl::HostPtr<wchar_t> toWide(const char* text) {
 
 }  // namespace
 
+}  // namespace mc
+
+using namespace mc;
+
 int mclibElmAttr_setSymbologyAndProperties(MSElementBuffer* element, int id, ElmAttrData* data) {
     const ElmAttrRecord* record = recordOfCurrentApplication(id);
     if (!record || !element) return MCLIB_ERROR;
@@ -179,6 +185,8 @@ int mclibElmAttr_createText(MSElementBuffer* out, const MSElementBuffer* templat
     return mclibElmAttr_setSymbologyAndProperties(out, id, data);
 }
 
+namespace mc {
+
 void elmattr::bringStyleNumbersInStep() {
     GlobalData* gd = mclibMain_getGlobalDataP();
     ModelRef* model = mdlModelRef_getActive();
@@ -193,3 +201,5 @@ void elmattr::bringStyleNumbersInStep() {
         }
     }
 }
+
+}  // namespace mc

@@ -11,7 +11,7 @@
 #include "mclib/elmattr/attributes.h"
 #include "mclib/frame/stored_layout.h"
 
-namespace elmattr {
+namespace mc::elmattr {
 
 enum class RecordLayout { current, older, oldest };
 
@@ -184,4 +184,4 @@ void unpackData(ElmAttrData& data, RecordLayout layout, std::span<const uint8_t>
     }
 }
 
-}  // namespace elmattr
+}  // namespace mc::elmattr

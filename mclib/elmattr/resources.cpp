@@ -13,6 +13,8 @@
 #include "mclib/frame/main.h"
 #include "mclib/frame/resource_files.h"
 
+namespace mc {
+
 namespace {
 
 // A resource file that is closed when it goes.
@@ -200,6 +202,10 @@ int withHandle(McHandle* file, Work work) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibElmAttr_writeResource(const char* fileName) {
     return withFile(fileName, MDL_RSC_WRITE, [](McHandle& file, const GlobalData& gd) {

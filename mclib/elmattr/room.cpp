@@ -9,7 +9,7 @@
 #include "mclib/elmattr/table.h"
 #include "mclib/frame/room.h"
 
-namespace elmattr {
+namespace mc::elmattr {
 
 namespace {
 
@@ -64,7 +64,9 @@ void release(GlobalData& data) {
 
 }  // namespace
 
-}  // namespace elmattr
+}  // namespace mc::elmattr
+
+namespace mc {
 
 const Room elmattrRoom = {.name = "elmattr",
                           .hooks = {},
@@ -75,3 +77,5 @@ const Room elmattrRoom = {.name = "elmattr",
                           .applicationEnds = nullptr,
                           .release = elmattr::release,
                           .end = nullptr};
+
+}  // namespace mc

@@ -16,6 +16,8 @@
 #include "mclib/frame/main.h"
 #include "mclib/frame/util.h"
 
+namespace mc {
+
 namespace {
 
 constexpr mdl::ItemId attributeList = {ITEM_LIST_BOX, 20001};  // of the attribute dialog
@@ -191,7 +193,9 @@ int rowOf(const StringList* list, int id) {
 
 }  // namespace
 
-namespace elmattr {
+}  // namespace mc
+
+namespace mc::elmattr {
 
 void setRow(StringList* list, int row, const ElmAttrRecord& record) {
     for (const Cell cell : {cellLevel, cellWeight, cellStyle, cellClass, cellColor, cellValues}) {
@@ -223,7 +227,9 @@ void refreshDialog(GlobalData& gd, int id) {
     mdlDialog_itemDraw(listBox);
 }
 
-}  // namespace elmattr
+}  // namespace mc::elmattr
+
+using namespace mc;
 
 void mclibElmAttr_insertOptionButton(MdlDialog* dialog, MdlItem* item, int group, int* selectedId) {
     const GlobalData* gd = mclibMain_getGlobalDataP();

@@ -12,6 +12,8 @@
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/main.h"
 
+namespace mc {
+
 // Records are copied as a whole, and come from a zero-filled block.
 static_assert(std::is_trivially_copyable_v<ElmAttrRecord> && std::is_trivial_v<ElmAttrGroup>);
 static_assert(std::is_standard_layout_v<ElmAttrData> && sizeof(ElmAttrData::levelName) == 512 * sizeof(wchar_t));
@@ -73,7 +75,7 @@ void replaceGroups(int count, bool withChangedFunction, va_list& arguments) {
 
 // ---- records ----
 
-using elmattr::createRecord, elmattr::freeRecord, elmattr::hasIcons, elmattr::hasOptionLabels;
+using mc::elmattr::createRecord, elmattr::freeRecord, elmattr::hasIcons, elmattr::hasOptionLabels;
 
 void freeOptionLabels(ElmAttrRecord& record) {
     if (!record.optionLabels) return;
@@ -212,7 +214,9 @@ GroupEnds endsOfGroup(const GlobalData& gd, int group) {
 
 }  // namespace
 
-namespace elmattr {
+}  // namespace mc
+
+namespace mc::elmattr {
 
 ElmAttrRecord* createRecord(std::string_view label) {
     auto* record = allocate<ElmAttrRecord>();
@@ -271,7 +275,9 @@ int moveDown(GlobalData& gd, int id) {
     return MCLIB_SUCCESS;
 }
 
-}  // namespace elmattr
+}  // namespace mc::elmattr
+
+using namespace mc;
 
 void mclibElmAttr_setGroupeNames(int count, ...) {
     va_list arguments;

@@ -6,6 +6,8 @@
 #include "mclib/elmattr/attributes.h"
 #include "mclib/frame/room.h"
 
+namespace mc {
+
 constexpr int maxAttributeLabel = 79;  // characters; stored labels have 80 bytes
 constexpr int attributeRowCells = 7;   // members of the list box's string list for each attribute
 
@@ -40,7 +42,9 @@ struct ElmAttrEditBlock {
     uint32_t lockMask;
 };
 
-namespace elmattr {
+}  // namespace mc
+
+namespace mc::elmattr {
 
 constexpr int32_t dialogId = 20013;  // of an application that has the attribute dialog
 
@@ -84,6 +88,10 @@ void refreshDialog(GlobalData& gd, int id);
 // application.
 void bringStyleNumbersInStep();
 
-}  // namespace elmattr
+}  // namespace mc::elmattr
+
+namespace mc {
 
 extern const Room elmattrRoom;
+
+}  // namespace mc

@@ -18,7 +18,7 @@
 #include "mclib/geometry/elmdscr.h"
 #include "mclib/print/shared.h"
 
-namespace forms {
+namespace mc::forms {
 namespace {
 
 // A run over the texts of a page or a model.
@@ -164,9 +164,10 @@ int fillPage(const FormPage& page) {
 
 const PageSink descriptorSink = {fillPage, nullptr};
 
-}  // namespace forms
+}  // namespace mc::forms
 
-using namespace forms;
+using namespace mc;
+using namespace mc::forms;
 
 int mclibMatList_generatePageElementDescr(const char* cellName, const char* library, ElementDescr** page,
                                           FormData* form, int cellOption) {

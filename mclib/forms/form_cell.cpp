@@ -12,7 +12,7 @@
 #include "mclib/frame/util.h"
 #include "mclib/geometry/cells.h"
 
-namespace forms {
+namespace mc::forms {
 
 namespace {
 
@@ -48,4 +48,4 @@ int getFormCell(ElementDescr** out, const char* cellName, const char* library, i
     return MCLIB_FORM_NO_CELL;
 }
 
-}  // namespace forms
+}  // namespace mc::forms

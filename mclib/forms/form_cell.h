@@ -3,7 +3,7 @@
 
 #include "mclib/frame/export.h"
 
-namespace forms {
+namespace mc::forms {
 
 // A new descriptor of a cell of a library, which is loaded when it isn't the attached one. 0, MCLIB_FORM_NO_LIBRARY or
 // MCLIB_FORM_NO_CELL, and *out is null then. The user is told of a cell that the library hasn't, of each once.
@@ -11,4 +11,4 @@ int getFormCell(ElementDescr** out, const char* cellName, const char* library, i
 // A new job or preview begins, which tells of all of them again.
 void tellMissingCellsAnew();
 
-}  // namespace forms
+}  // namespace mc::forms

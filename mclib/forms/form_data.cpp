@@ -12,6 +12,8 @@
 #include "mclib/forms/logo.h"
 #include "mclib/frame/errors.h"
 
+namespace mc {
+
 namespace {
 
 enum Result { STORED = 0, NO_FORM = 1, BAD_ROW = 2, NOT_STORED = 3 };
@@ -165,6 +167,10 @@ void freeTexts(FormData* field, int32_t rowCount) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 FormData* mclibMatList_createFormDataArray(int nameLength, int rowCount) {
     if (nameLength < 1 || nameLength == INT_MAX || rowCount < 0) {

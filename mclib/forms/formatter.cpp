@@ -9,7 +9,7 @@
 #include "mclib/frame/named_messages.hpp"
 #include "resources/ids.h"
 
-namespace forms {
+namespace mc::forms {
 namespace {
 
 constexpr bool isLetter(char c) {
@@ -156,7 +156,9 @@ int generateText(std::span<char> buffer, const FormatRequest& request) {
     return result;
 }
 
-}  // namespace forms
+}  // namespace mc::forms
+
+using namespace mc;
 
 int mclibMatList_generateFormatedText(const char* format, FormData* form, char* out, ElementDescr** newDescr,
                                       double textWidth, double textHeight, int useRows) {

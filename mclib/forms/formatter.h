@@ -7,7 +7,7 @@
 
 #include "mclib/forms/forms.h"
 
-namespace forms {
+namespace mc::forms {
 
 constexpr size_t pageTextSize = 512;    // what a text may take on a page, its NUL included
 constexpr size_t exportTextSize = 256;  // and in a spreadsheet
@@ -60,4 +60,4 @@ struct FormatRequest {
 // As mclibMatList_generateFormatedText, with a buffer of a known size (1 or more): what doesn't fit is cut.
 int generateText(std::span<char> out, const FormatRequest& request);
 
-}  // namespace forms
+}  // namespace mc::forms

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-namespace forms {
+namespace mc::forms {
 
 namespace {
 
@@ -53,4 +53,4 @@ bool JobFile::publish() {
     return !error;
 }
 
-}  // namespace forms
+}  // namespace mc::forms

@@ -6,7 +6,7 @@
 
 #include "mchost/mdl/files.h"
 
-namespace forms {
+namespace mc::forms {
 
 class JobFile {
   public:
@@ -32,4 +32,4 @@ class JobFile {
     bool isNew_ = false;  // nothing has the name until it is whole
 };
 
-}  // namespace forms
+}  // namespace mc::forms

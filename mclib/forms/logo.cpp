@@ -3,7 +3,7 @@
 #include "mclib/forms/form_cell.h"
 #include "mclib/forms/state.h"
 
-namespace forms {
+namespace mc::forms {
 
 void setLogo(const char* cellName, const char* library) {
     constexpr size_t longest = 255;
@@ -16,4 +16,4 @@ int makeLogo(int, char*, ElementDescr** newDescr, int, double, double) {
     return getFormCell(newDescr, formsState->logoCell.c_str(), formsState->logoLibrary.c_str(), cellOption);
 }
 
-}  // namespace forms
+}  // namespace mc::forms

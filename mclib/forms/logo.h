@@ -3,7 +3,7 @@
 
 #include "mclib/frame/export.h"
 
-namespace forms {
+namespace mc::forms {
 
 constexpr const char* logoCell = "LOGO";
 constexpr const char* logoLibrary = "logo.cel";
@@ -13,4 +13,4 @@ void setLogo(const char* cellName, const char* library);
 // A FormCallback that gives the logo's cell as a new descriptor; null when it can't be had.
 int makeLogo(int row, char* name, ElementDescr** newDescr, int userArg, double textWidth, double textHeight);
 
-}  // namespace forms
+}  // namespace mc::forms

@@ -11,7 +11,7 @@
 #include "mclib/project/store.h"
 #include "resources/ids.h"
 
-namespace forms {
+namespace mc::forms {
 
 namespace {
 
@@ -187,4 +187,4 @@ KeepEditedBlocks::~KeepEditedBlocks() {
     if (page_) *mclibsd = *page_;
 }
 
-}  // namespace forms
+}  // namespace mc::forms

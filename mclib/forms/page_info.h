@@ -7,7 +7,7 @@
 #include "mclib/frame/global_data.h"
 #include "mclib/project/blocks.h"
 
-namespace forms {
+namespace mc::forms {
 
 void openPageInfo();
 // The page of that number is on show from now on: reads what its title block says. An open page information dialog goes
@@ -31,4 +31,4 @@ class KeepEditedBlocks {
     std::optional<mclibSideData> page_;
 };
 
-}  // namespace forms
+}  // namespace mc::forms

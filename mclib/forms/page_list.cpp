@@ -12,7 +12,7 @@
 #include "mclib/project/store.h"
 #include "resources/ids.h"
 
-namespace forms {
+namespace mc::forms {
 
 namespace {
 
@@ -111,4 +111,4 @@ PageSpan pagesToPrint(const GlobalData& data) {
     }
 }
 
-}  // namespace forms
+}  // namespace mc::forms

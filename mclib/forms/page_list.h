@@ -3,7 +3,7 @@
 
 #include "mclib/frame/global_data.h"
 
-namespace forms {
+namespace mc::forms {
 
 int32_t pageCount(const GlobalData& data);
 // The name of a page; empty for a number outside the list.
@@ -21,4 +21,4 @@ struct PageSpan {
 };
 PageSpan pagesToPrint(const GlobalData& data);
 
-}  // namespace forms
+}  // namespace mc::forms

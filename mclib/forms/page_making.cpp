@@ -7,7 +7,7 @@
 #include "mclib/forms/state.h"
 #include "mclib/frame/text_buffer.h"
 
-namespace forms {
+namespace mc::forms {
 
 void setFunctions(McPageFunction page, McPageListFunction pageList) {
     formsState->pageFunction = page;
@@ -31,4 +31,4 @@ void makePage(GlobalData& data, int32_t page, bool inDrawing, ElementDescr** res
     if (mdlSystem_memoryFailures() != failures) mdlElmdscr_freeAll(result);  // something is missing in it
 }
 
-}  // namespace forms
+}  // namespace mc::forms

@@ -5,7 +5,7 @@
 #include "mclib/forms/preview.h"
 #include "mclib/frame/global_data.h"
 
-namespace forms {
+namespace mc::forms {
 
 using Page = mdl::Descr;  // null for no page
 
@@ -17,4 +17,4 @@ void setFunctions(McPageFunction page, McPageListFunction pageList);
 void makePage(GlobalData& data, int32_t page, bool inDrawing, ElementDescr** result);
 bool canMakePages();
 
-}  // namespace forms
+}  // namespace mc::forms

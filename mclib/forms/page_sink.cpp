@@ -4,7 +4,7 @@
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/main.h"
 
-namespace forms {
+namespace mc::forms {
 
 namespace {
 
@@ -29,7 +29,9 @@ const PageSink& currentSink() {
     return sinkOf(mclibMain_getGlobalDataP());
 }
 
-}  // namespace forms
+}  // namespace mc::forms
+
+using namespace mc;
 
 void mclibMatList_setExportToExcel(int flag) {
     GlobalData* data = mclibMain_getGlobalDataP();

@@ -4,7 +4,7 @@
 
 #include "mclib/forms/forms.h"
 
-namespace forms {
+namespace mc::forms {
 
 // The arguments of mclibMatList_generatePageElementDescr.
 struct FormPage {
@@ -23,4 +23,4 @@ extern const PageSink descriptorSink, sheetSink;
 // That of the current application.
 const PageSink& currentSink();
 
-}  // namespace forms
+}  // namespace mc::forms

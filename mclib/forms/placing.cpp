@@ -19,7 +19,7 @@
 #include "mclib/print/shared.h"
 #include "resources/ids.h"
 
-namespace forms {
+namespace mc::forms {
 
 namespace {
 
@@ -211,4 +211,4 @@ void startPlacing(GlobalData& data, bool forPlot) {
     mdlOutput_prompt(mc::languageText(ids::texts::giveCorner));
 }
 
-}  // namespace forms
+}  // namespace mc::forms

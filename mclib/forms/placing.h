@@ -5,7 +5,7 @@
 
 #include "mclib/forms/page_making.h"
 
-namespace forms {
+namespace mc::forms {
 
 // A rectangle's corners: lower left, upper left, upper right, lower right, and the first again.
 struct Corners {
@@ -45,4 +45,4 @@ bool hasDrawing();
 // for the plot that plotPages prepared.
 void startPlacing(GlobalData& data, bool forPlot);
 
-}  // namespace forms
+}  // namespace mc::forms

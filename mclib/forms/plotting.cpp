@@ -22,6 +22,8 @@
 #include "mclib/print/shared.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 // A page of a plot, while it lies in the design file.
 struct PlotPage {
     Point3d low, high;  // the page's printable area in the design file: lower left and upper right corner
@@ -30,11 +32,13 @@ struct PlotPage {
     char name[256];
 };
 
-namespace forms {
+}  // namespace mc
+
+namespace mc::forms {
 
 namespace {
 
-using print::plotOf;
+using mc::print::plotOf;
 
 enum { UNITS_MILLIMETRES = 4 };
 constexpr int pointBox = MSGBOX_KIND_4 | MSGBOX_FIRST_64;
@@ -231,4 +235,4 @@ void plotPages(GlobalData& data) {
     startPlacing(data, true);
 }
 
-}  // namespace forms
+}  // namespace mc::forms

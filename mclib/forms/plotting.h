@@ -3,7 +3,7 @@
 
 #include "mclib/frame/global_data.h"
 
-namespace forms {
+namespace mc::forms {
 
 // Plots the pages of printRange: asks in the print dialog, and starts the placing.
 void plotPages(GlobalData& data);
@@ -12,4 +12,4 @@ void plotAt(GlobalData& data, const Point3d& point, int32_t view);
 // Lets go of the description of a plot that hasn't run.
 void dropPlot(GlobalData& data);
 
-}  // namespace forms
+}  // namespace mc::forms

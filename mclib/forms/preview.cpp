@@ -24,7 +24,7 @@
 #include "mclib/project/shared.h"
 #include "resources/ids.h"
 
-namespace forms {
+namespace mc::forms {
 
 namespace {
 
@@ -218,7 +218,9 @@ void showPage(GlobalData& data) {
         mdlDialog_itemDraw(mdl::itemOf(dialog, ids::preview::pageArea));
 }
 
-}  // namespace forms
+}  // namespace mc::forms
+
+using namespace mc;
 
 MdlDialog* mclibPreview_dialogOpen(int pageCount, char* const* pageNames, McPageFunction pageFunction,
                                    McPageListFunction pageListFunction) {

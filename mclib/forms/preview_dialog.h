@@ -5,7 +5,7 @@
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/room.h"
 
-namespace forms {
+namespace mc::forms {
 
 // Makes the page on show anew, and draws it where the dialog is open.
 void showPage(GlobalData& data);
@@ -16,6 +16,10 @@ void fillWithPageNames(const GlobalData& data, MdlItem* optionButton);
 
 extern const DialogHook previewHooks[];
 
-}  // namespace forms
+}  // namespace mc::forms
+
+namespace mc {
 
 extern const Room formsRoom;
+
+}  // namespace mc

@@ -3,12 +3,16 @@
 
 #include "mclib/frame/stored_layout.h"
 
+namespace mc {
+
 // The preview's extent in pixels.
 struct PreviewExtent {
     int32_t width, height;
 };
 
-namespace forms {
+}  // namespace mc
+
+namespace mc::forms {
 
 constexpr int32_t extentType = 0x466F4461, extentId = 20001;
 constexpr size_t storedExtentSize = 8;
@@ -20,4 +24,4 @@ void extentFields(Fields fields, Extent& extent) {
     fields.number(4, extent.height);
 }
 
-}  // namespace forms
+}  // namespace mc::forms

@@ -20,7 +20,7 @@
 #include "mclib/print/shared.h"
 #include "resources/ids.h"
 
-namespace forms {
+namespace mc::forms {
 
 namespace {
 
@@ -200,4 +200,4 @@ void drawPreview(const GlobalData& data, MdlDialog* dialog) {
         mdlDialog_itemDraw(mdlDialog_itemGetByIndex(dialog, i));
 }
 
-}  // namespace forms
+}  // namespace mc::forms

@@ -3,7 +3,7 @@
 
 #include "mclib/frame/global_data.h"
 
-namespace forms {
+namespace mc::forms {
 
 // Gives the window the size that its user left it in.
 void restoreExtent(GlobalData& data, MdlDialog* dialog);
@@ -14,4 +14,4 @@ void layOutPreview(MdlDialog* dialog);
 // Title, sheet and page.
 void drawPreview(const GlobalData& data, MdlDialog* dialog);
 
-}  // namespace forms
+}  // namespace mc::forms

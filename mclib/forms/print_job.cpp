@@ -27,7 +27,7 @@
 #include "mclib/print/shared.h"
 #include "resources/ids.h"
 
-namespace forms {
+namespace mc::forms {
 
 namespace {
 
@@ -191,7 +191,9 @@ void printPages(GlobalData& data) {
     tell(ids::questions::nothing);
 }
 
-}  // namespace forms
+}  // namespace mc::forms
+
+using namespace mc;
 
 int mclibPreview_printPages(int pageCount, char* const* pageNames, McPageFunction pageFunction, const char* fileName,
                             int device, int first, int last) {

@@ -3,9 +3,9 @@
 
 #include "mclib/frame/global_data.h"
 
-namespace forms {
+namespace mc::forms {
 
 // Asks how, prints the pages, and sends them to the printer. Does nothing more once the user has cancelled.
 void printPages(GlobalData& data);
 
-}  // namespace forms
+}  // namespace mc::forms

@@ -10,7 +10,7 @@
 #include "mclib/forms/state.h"
 #include "mclib/project/shared.h"
 
-namespace forms {
+namespace mc::forms {
 
 constinit RoomState<State> formsState;
 
@@ -34,7 +34,9 @@ void end() {
 
 }  // namespace
 
-}  // namespace forms
+}  // namespace mc::forms
+
+namespace mc {
 
 const Room formsRoom = {.name = "forms",
                         .hooks = {forms::previewHooks, forms::pageInfoHooks},
@@ -45,3 +47,5 @@ const Room formsRoom = {.name = "forms",
                         .applicationEnds = nullptr,
                         .release = forms::release,
                         .end = forms::end};
+
+}  // namespace mc

@@ -4,7 +4,7 @@
 
 #include "mclib/geometry/elmdscr.h"
 
-namespace forms {
+namespace mc::forms {
 
 PrintableArea printableArea() {
     const mclibPrinterSetupData& p = *mclibpsd;
@@ -23,4 +23,4 @@ bool isTurned(const ElementDescr* page) {
     return pageAspect == 1;  // a page without extent has none
 }
 
-}  // namespace forms
+}  // namespace mc::forms

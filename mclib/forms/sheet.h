@@ -3,7 +3,7 @@
 
 #include "mclib/print/shared.h"
 
-namespace forms {
+namespace mc::forms {
 
 // mclibPrinterSetupData::orientation
 enum Orientation { orientationTurned = 0, orientationUpright = 1, orientationByShape = 2 };
@@ -18,4 +18,4 @@ PrintableArea printableArea();
 // Whether a page has to be turned by a quarter to fit the sheet better; a null page isn't.
 bool isTurned(const ElementDescr* page);
 
-}  // namespace forms
+}  // namespace mc::forms

@@ -7,7 +7,7 @@
 #include "mclib/forms/preview.h"
 #include "mclib/frame/room.h"
 
-namespace forms {
+namespace mc::forms {
 
 struct State {
     // Of the preview that was opened last; they stay until the next one opens.
@@ -20,4 +20,4 @@ struct State {
 };
 extern RoomState<State> formsState;
 
-}  // namespace forms
+}  // namespace mc::forms

@@ -8,6 +8,8 @@
 #include "mclib/frame/text_buffer.h"
 #include "mclib/frame/util.h"
 
+namespace mc {
+
 namespace {
 
 void insertText(FormData* form, const char* name, int row, const char* text) {
@@ -64,6 +66,10 @@ void insertTime(FormData* form, const Moment& now) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 void mclibMatList_insertFileName(const char* path, const char* name, FormData* form) {
     if (!form || !path || !name) return;

@@ -7,6 +7,8 @@
 #include "mclib/project/shared.h"
 #include "mclib/project/store.h"
 
+namespace mc {
+
 namespace {
 
 void insertText(FormData* form, const char* key, int row, const char* text) {
@@ -63,6 +65,10 @@ void insertPage(FormData* form, const mclibSideData& page) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 void mclibProject_insertProjectData(FormData* form) {
     const GlobalData* data = mclibMain_getGlobalDataP();

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cmath>
 
-namespace forms {
+namespace mc::forms {
 namespace {
 
 constexpr char letters[] = {'\0', 'f', 'd', 's', 'c'};  // by the type of the field
@@ -130,4 +130,4 @@ void putValue(BoundedText& to, std::string_view prefix, const FormData& field, i
     to.put(work.view());
 }
 
-}  // namespace forms
+}  // namespace mc::forms

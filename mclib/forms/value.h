@@ -7,7 +7,7 @@
 
 #include "mclib/forms/forms.h"
 
-namespace forms {
+namespace mc::forms {
 
 // Text in a buffer of at least one byte: always ended, and cut at the buffer's end.
 class BoundedText {
@@ -46,4 +46,4 @@ constexpr size_t longestValue = 511;  // characters of one formatted value
 // others) is passed over. Prefix and value are cut at the lengths above.
 void putValue(BoundedText& to, std::string_view prefix, const FormData& field, int32_t row);
 
-}  // namespace forms
+}  // namespace mc::forms

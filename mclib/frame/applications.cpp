@@ -8,6 +8,8 @@
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/main.h"
 
+namespace mc {
+
 GlobalData* mgdP = nullptr;
 
 namespace {
@@ -124,6 +126,10 @@ void notifyScaleChange(double oldScale, double newScale, int includeCurrent) {
             dlmSystem_callAnyFunction("DD", slot.mdlDesc, reinterpret_cast<void*>(function), oldScale, newScale);
     }
 }
+
+}  // namespace mc
+
+using namespace mc;
 
 GlobalData* mclibMain_getGlobalDataP(void) {
     GlobalData* data = findGlobalData();

@@ -4,6 +4,8 @@
 #include "mclib/frame/export.h"
 #include "mclib/frame/room.h"
 
+namespace mc {
+
 // The block that the library's dialogs reach as mgdP: that of the application whose dialog is about to open.
 extern GlobalData* mgdP;
 
@@ -32,3 +34,5 @@ extern const Room frameRoom;
 
 // Calls the scale function of every running application, with includeCurrent 0 of all but the current one.
 void notifyScaleChange(double oldScale, double newScale, int includeCurrent);
+
+}  // namespace mc

@@ -5,6 +5,8 @@
 
 #include "mchost/mdl/transform.h"
 
+namespace mc {
+
 // A length in UOR as the builders, extractors and strokes of the current transform count it, along its x axis.
 inline double inCurrentUnits(double uor) {
     const Transform* fromWorld = nullptr;
@@ -12,3 +14,5 @@ inline double inCurrentUnits(double uor) {
     const auto& form = fromWorld->form;
     return uor * std::hypot(form[0][0], form[1][0], form[2][0]);
 }
+
+}  // namespace mc

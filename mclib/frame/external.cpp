@@ -11,6 +11,8 @@
 #include "mclib/frame/letters.h"
 #include "mclib/frame/util.h"
 
+namespace mc {
+
 namespace {
 
 constexpr std::string_view shellWords[] = {"CD", "CHDIR", "CHDSK", "COPY",  "DEL",    "DIR", "MKDIR",
@@ -38,6 +40,10 @@ int waitOrRelease(MdlExternalProgram* program, int* status) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibExternal_executeCommandLine(const char* commandLine, int* status) {
     std::string_view line = textOf(commandLine);

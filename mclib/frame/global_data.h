@@ -7,11 +7,13 @@
 #include "mclib/frame/resource_files.h"
 
 // What rooms hang in the block; only the room that writes the field knows what is in them.
+namespace mc {
 struct ElmAttrEditBlock;
 struct ElmAttrGroup;
 struct ElmAttrRecord;
 struct PlotPage;
 struct PreviewExtent;
+}  // namespace mc
 
 // FileDialogBlock::printRange
 enum PrintRange { printCurrentPage = 0, printAllPages = 1, printPagesFromTo = 2 };
@@ -36,60 +38,60 @@ constexpr int messageTitleSize = 513;
 
 // Behind each field the room that writes it; "to come" is for dialogs that aren't there yet.
 struct GlobalData {
-    uint8_t upfIsOpen;                        // frame
-    uint8_t upfIsReadOnly;                    // frame
-    char** pageNames;                         // forms: ended by a null pointer
-    char* dialogTitle;                        // to come: selection dialogs
-    char* dialogLabel;                        // to come: selection dialogs
-    char currentPageName[81];                 // forms: the page that is being made
-    char applicationName[336];                // startup
-    char introText[14][257];                  // to come: intro and about boxes
-    char messageTitles[4][messageTitleSize];  // frame: of the kinds 4, 8, 1, 2
-    void* pdmMenu;                            // to come: selection dialogs
-    double pageAngle;                         // forms: degrees
-    double convertedValue;                    // frame: result of the last unit conversion
-    double pageScale;                         // forms
-    FileDialogResult fileListResult;          // to come: lists of design files
-    ElmAttrGroup* groups;                     // elmattr
-    int32_t hourGlassTicks;                   // frame
-    int32_t selectedAttributeId;              // elmattr
-    int32_t attributeCount;                   // elmattr
-    int32_t groupCount;                       // elmattr
-    int32_t placeForPlot;                     // forms
-    int32_t previewPage;                      // forms
-    int32_t printerRow;                       // print
-    int32_t layoutState;                      // to come: attribute dialog
-    int32_t exportToExcel;                    // forms
-    int32_t fileListFirstUse;                 // to come: lists of design files
-    int32_t isInitApp;                        // startup; frame, once the first design file is open
-    int32_t pageInfoPage;                     // forms
-    int32_t pageNameCount;                    // forms
-    int32_t listBoxColumns, listBoxRows;      // to come: selection dialogs
-    int32_t nextAttributeId;                  // elmattr
-    int32_t initAppCount;                     // frame
-    int32_t selectionCount;                   // to come: selection dialogs
-    int32_t hourGlassIndex;                   // frame
-    int32_t introSeconds;                     // to come: intro and about boxes
-    int32_t selectedRow;                      // to come: selection dialogs
-    int32_t printPageCode;                    // print
-    int32_t pageInfoSaved;                    // forms
-    int32_t printDevice;                      // print
-    int32_t layoutHeight;                     // to come: attribute dialog
-    ElementDescr* previewDescr;               // forms
-    wchar_t* levelNameVariables[11];          // elmattr
-    RscHandle appRscHandle;                   // startup
-    void* selectionRows;                      // to come: selection dialogs
-    void* plotDescr;                          // forms; print shows where it goes
-    StringList* selectedFiles;                // to come: lists of design files
-    StringList* selectList;                   // to come: selection dialogs
-    ElmAttrEditBlock* attributeEditBlock;     // elmattr
-    ElmAttrRecord* activeRecord;              // elmattr
-    ElmAttrRecord* attributeList;             // elmattr
-    PreviewExtent* previewExtent;             // forms
-    PlotPage* plotList;                       // forms
-    IdentityBlock* identityBlockP;            // frame
-    McHandle upfHandle;                       // frame
-    FileDialogBlock* fileDialogP;             // frame makes it; forms and print write the choices of pages
-    void (*initApps[maxInitApps])(void);      // frame
+    uint8_t upfIsOpen;                         // frame
+    uint8_t upfIsReadOnly;                     // frame
+    char** pageNames;                          // forms: ended by a null pointer
+    char* dialogTitle;                         // to come: selection dialogs
+    char* dialogLabel;                         // to come: selection dialogs
+    char currentPageName[81];                  // forms: the page that is being made
+    char applicationName[336];                 // startup
+    char introText[14][257];                   // to come: intro and about boxes
+    char messageTitles[4][messageTitleSize];   // frame: of the kinds 4, 8, 1, 2
+    void* pdmMenu;                             // to come: selection dialogs
+    double pageAngle;                          // forms: degrees
+    double convertedValue;                     // frame: result of the last unit conversion
+    double pageScale;                          // forms
+    FileDialogResult fileListResult;           // to come: lists of design files
+    mc::ElmAttrGroup* groups;                  // elmattr
+    int32_t hourGlassTicks;                    // frame
+    int32_t selectedAttributeId;               // elmattr
+    int32_t attributeCount;                    // elmattr
+    int32_t groupCount;                        // elmattr
+    int32_t placeForPlot;                      // forms
+    int32_t previewPage;                       // forms
+    int32_t printerRow;                        // print
+    int32_t layoutState;                       // to come: attribute dialog
+    int32_t exportToExcel;                     // forms
+    int32_t fileListFirstUse;                  // to come: lists of design files
+    int32_t isInitApp;                         // startup; frame, once the first design file is open
+    int32_t pageInfoPage;                      // forms
+    int32_t pageNameCount;                     // forms
+    int32_t listBoxColumns, listBoxRows;       // to come: selection dialogs
+    int32_t nextAttributeId;                   // elmattr
+    int32_t initAppCount;                      // frame
+    int32_t selectionCount;                    // to come: selection dialogs
+    int32_t hourGlassIndex;                    // frame
+    int32_t introSeconds;                      // to come: intro and about boxes
+    int32_t selectedRow;                       // to come: selection dialogs
+    int32_t printPageCode;                     // print
+    int32_t pageInfoSaved;                     // forms
+    int32_t printDevice;                       // print
+    int32_t layoutHeight;                      // to come: attribute dialog
+    ElementDescr* previewDescr;                // forms
+    wchar_t* levelNameVariables[11];           // elmattr
+    RscHandle appRscHandle;                    // startup
+    void* selectionRows;                       // to come: selection dialogs
+    void* plotDescr;                           // forms; print shows where it goes
+    StringList* selectedFiles;                 // to come: lists of design files
+    StringList* selectList;                    // to come: selection dialogs
+    mc::ElmAttrEditBlock* attributeEditBlock;  // elmattr
+    mc::ElmAttrRecord* activeRecord;           // elmattr
+    mc::ElmAttrRecord* attributeList;          // elmattr
+    mc::PreviewExtent* previewExtent;          // forms
+    mc::PlotPage* plotList;                    // forms
+    IdentityBlock* identityBlockP;             // frame
+    McHandle upfHandle;                        // frame
+    FileDialogBlock* fileDialogP;              // frame makes it; forms and print write the choices of pages
+    void (*initApps[maxInitApps])(void);       // frame
     void (*scaleFunction)(double oldScale, double newScale);  // frame
 };

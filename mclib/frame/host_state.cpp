@@ -10,6 +10,8 @@
 #include "mclib/frame/util.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 namespace {
 
 constexpr const char* workmodes[] = {"DGN", "DWG", "V7"};
@@ -46,6 +48,10 @@ int setSymbologyOf(ModelRef* model, LevelId id, const LevelSymbology& symbology)
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibUtil_runningPowerDraft(void) {
     if (!isDefined("_MSDRAFT")) return 0;

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+namespace mc {
+
 namespace letters {
 
 struct Case {
@@ -65,3 +67,5 @@ inline std::string uppered(std::string_view text) {
 inline bool equalIgnoringCase(std::string_view a, std::string_view b) {
     return std::ranges::equal(a, b, {}, upper, upper);
 }
+
+}  // namespace mc

@@ -15,6 +15,8 @@
 #include "mclib/frame/room.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 namespace {
 
 using mdl::itemOf;
@@ -235,3 +237,5 @@ const DialogHook messageDialogHooks[] = {
     {ids::hooks::messageBox, messageBox},
     endOfHooks,
 };
+
+}  // namespace mc

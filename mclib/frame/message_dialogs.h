@@ -4,4 +4,8 @@
 
 #include "mchost/mdl/dialog.h"
 
+namespace mc {
+
 extern const DialogHook messageDialogHooks[];
+
+}  // namespace mc

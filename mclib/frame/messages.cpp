@@ -16,6 +16,8 @@
 #include "mclib/frame/text_buffer.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 constinit RoomState<MessageState> messageState;
 
 namespace {
@@ -174,6 +176,10 @@ char* messageTitle(int kind) {
         if (kinds[i] == kind) return data->messageTitles[i];
     return nullptr;
 }
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibError_msgBoxPrintf(int flags, const char* format, ...) {
     char text[messageTextSize];

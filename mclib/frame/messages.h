@@ -5,6 +5,8 @@
 #include "mclib/frame/export.h"
 #include "mclib/frame/room.h"
 
+namespace mc {
+
 enum { MSGBOX_NO_SECOND = 20000 };  // msgBoxSecondButton: there is no second button
 constexpr int maxMessageLines = 24;
 
@@ -30,3 +32,5 @@ void forgetMessages();
 // The current application's title for boxes of a kind (1, 2, 4 or 8), 513 bytes; null for another kind or without a
 // registered application.
 char* messageTitle(int kind);
+
+}  // namespace mc

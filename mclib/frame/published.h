@@ -4,6 +4,8 @@
 #include "mclib/frame/global_data.h"
 #include "mclib/frame/struct_fields.h"
 
+namespace mc {
+
 inline constexpr StructField fileDialogFields[] = {
     MCLIB_FIELD(FileDialogBlock, pageInfoChoice), MCLIB_FIELD(FileDialogBlock, pageChoice),
     MCLIB_FIELD(FileDialogBlock, printRange),     MCLIB_FIELD(FileDialogBlock, firstPage),
@@ -30,3 +32,5 @@ inline constexpr StructField globalDataFields[] = {
     MCLIB_POINTER_FIELD(GlobalData, fileDialogP, "FileDialogBlock"),
     endOfFields,
 };
+
+}  // namespace mc

@@ -12,6 +12,8 @@
 #include "mclib/frame/text_buffer.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 namespace {
 
 constexpr const char* createdTitle = "Attributes";
@@ -48,6 +50,10 @@ void tellSmall(const McHandle& h, int32_t type, int32_t id, int32_t stored, int 
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibResource_openFile(McHandle* h, const char* name, int mode) {
     if (!h || !name) return MCLIB_ERROR;

@@ -17,6 +17,8 @@
 #include "mclib/frame/text_buffer.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 namespace {
 
 // ---- titles ----
@@ -112,3 +114,5 @@ const Room frameRoom = {.name = "frame",
                         .applicationEnds = nullptr,
                         .release = release,
                         .end = end};
+
+}  // namespace mc

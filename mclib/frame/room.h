@@ -11,6 +11,8 @@
 #include "mclib/frame/errors.h"
 #include "mclib/frame/global_data.h"
 
+namespace mc {
+
 // A structure that dialogs reach by name.
 struct PublishedBlock {
     const char* structName;
@@ -82,3 +84,5 @@ void freeSharedBlock(Block*& block) {
     std::free(block);
     block = nullptr;
 }
+
+}  // namespace mc

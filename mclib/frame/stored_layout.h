@@ -23,6 +23,8 @@
 #include <string_view>
 #include <type_traits>
 
+namespace mc {
+
 template <size_t Size>
 using BitsOf =
     std::conditional_t<Size == 1, uint8_t,
@@ -139,3 +141,5 @@ class LoadFields {
     bool holds(size_t offset, size_t size) const { return offset <= block_.size() && size <= block_.size() - offset; }
     std::span<const uint8_t> block_;
 };
+
+}  // namespace mc

@@ -6,6 +6,8 @@
 
 #include "mchost/mdl/dialog.h"
 
+namespace mc {
+
 template <class Member>
 constexpr StructField fieldOf(const char* name, size_t offset) {
     const auto at = static_cast<uint32_t>(offset);
@@ -20,6 +22,8 @@ constexpr StructField fieldOf(const char* name, size_t offset) {
         return {name, FIELD_INT32, at, sizeof(int32_t), 1, nullptr};
     }
 }
+
+}  // namespace mc
 
 #define MCLIB_FIELD(Struct, member) fieldOf<decltype(Struct::member)>(#member, offsetof(Struct, member))
 #define MCLIB_POINTER_FIELD(Struct, member, structName)                                \

@@ -9,6 +9,8 @@
 #include "mchost/mdl/system.h"
 #include "mclib/frame/export.h"
 
+namespace mc {
+
 // The finished text of a message and the longest format, with their NUL.
 constexpr size_t messageTextSize = 1024;
 constexpr size_t messageFormatSize = 512;
@@ -33,3 +35,5 @@ __attribute__((format(printf, 2, 3))) void formatText(char (&to)[Size], const ch
     formatTextV(to, Size, format, values);
     va_end(values);
 }
+
+}  // namespace mc

@@ -7,6 +7,8 @@
 #include "mclib/frame/errors.h"
 #include "mclib/frame/util.h"
 
+namespace mc {
+
 namespace {
 
 constexpr int convertedTextSize = 512;
@@ -49,6 +51,10 @@ size_t lineBreakLength(const char* text) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 char** mclibString_tokenize(int* count, char* text, const char* delimiters) {
     if (!count) return nullptr;

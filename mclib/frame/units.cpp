@@ -16,6 +16,8 @@
 #include "mclib/frame/util.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 namespace {
 
 constexpr const char* hourGlassFrames[] = {"|", "/", "-", "\\"};
@@ -46,6 +48,10 @@ int32_t digitOf(char c) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibUtil_angleIn2Or3Quadrant(double angle) {
     constexpr double tolerance = 0.0001;

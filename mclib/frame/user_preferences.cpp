@@ -12,6 +12,8 @@
 #include "mclib/frame/resource_files.h"
 #include "mclib/frame/text_buffer.h"
 
+namespace mc {
+
 namespace {
 
 // ---- the file ----
@@ -90,6 +92,10 @@ void setCurrent(UserFileRecord& record, const char* fileName) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibUpf_initialize(GlobalData* data) {
     if (data) data->upfHandle = {};

@@ -7,11 +7,17 @@
 #include "mclib/frame/text_buffer.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 namespace {
 
 constexpr const char* libraryVersion = "6.14";
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 char* mclibMain_getMclibVersion(void) {
     static char version[messageFormatSize];

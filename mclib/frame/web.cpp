@@ -10,6 +10,8 @@
 #include "mclib/frame/util.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 namespace {
 
 constexpr const char* browser = "WEBBROWS";
@@ -46,6 +48,10 @@ std::string findManual(const char* between, const char* ending) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibWeb_openFile(const char* path) {
     return browse("file", path);

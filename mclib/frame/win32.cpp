@@ -6,6 +6,8 @@
 #include "mchost/mdl/external.h"
 #include "mchost/mdl/win32.h"
 
+namespace mc {
+
 namespace {
 
 constexpr uint16_t windowHidden = 0, windowShown = 5;
@@ -26,6 +28,10 @@ uint32_t valueBelow(void* root, const char* key, const char* value, uint32_t* ty
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibWin32_execCommand(const char* command, const char* arguments) {
     return mdlExternal_runShellLine(commandLineOf(command, arguments).c_str());

@@ -9,6 +9,8 @@
 #include "mclib/elmattr/attributes.h"
 #include "mclib/geometry/userdata.h"
 
+namespace mc {
+
 namespace {
 
 int dressAndAppend(MSElementBuffer* element, int attrId, ElementDescr* ed) {
@@ -50,6 +52,10 @@ int createText(const Point3d* origin, const char* text, double scale, int attrId
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibElement_createLine(const Point3d* points, int attrId, ElementDescr* ed) {
     mdlLine_create(dgnBufP, nullptr, points);

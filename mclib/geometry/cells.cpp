@@ -18,6 +18,8 @@
 #include "mclib/frame/util.h"
 #include "mclib/geometry/elmdscr.h"
 
+namespace mc {
+
 namespace {
 
 constexpr const char* searchVariable = "MC_CELL";
@@ -131,6 +133,10 @@ void undoRotation(MSElementBuffer* header) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibCell_getMcCellPath(char* pathP, int size) {
     if (mdlSystem_getenv(pathP, searchVariable, size) != MDL_SUCCESS) copyCut(pathP, size, folder());

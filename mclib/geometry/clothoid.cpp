@@ -6,6 +6,8 @@
 #include "mclib/frame/errors.h"
 #include "mclib/geometry/plane.h"
 
+namespace mc {
+
 namespace {
 
 struct Lengths {
@@ -119,6 +121,10 @@ int fitCurve(BsplineCurve& curve, int nPoints, int order, double x0, double y0, 
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 // ---- lengths and the series ----
 

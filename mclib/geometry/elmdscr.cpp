@@ -9,6 +9,8 @@
 #include "mchost/mdl/transform.h"
 #include "mchost/mdl/view.h"
 
+namespace mc {
+
 namespace {
 
 constexpr double leastExtent = 0.001;  // below this an extent counts as nothing ...
@@ -23,6 +25,10 @@ double extentOf(double low, double high) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibElemDscr_getRange(Point3d* range, const ElementDescr* ed) {
     return mdlElmdscr_computeRange(&range[0], &range[1], ed, nullptr);

@@ -7,6 +7,8 @@
 #include "mclib/geometry/clothoid.h"
 #include "mclib/geometry/plane.h"
 
+namespace mc {
+
 namespace {
 
 int checkRange(double g, double g1, double g2) {
@@ -31,6 +33,10 @@ std::optional<double> halfChord(double R, double distance, double slack) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 // ---- elements ----
 

@@ -7,6 +7,8 @@
 #include "mclib/frame/util.h"
 #include "mclib/geometry/plane.h"
 
+namespace mc {
+
 namespace {
 
 constexpr double strokeTolerance = 0.01;  // master units
@@ -59,6 +61,10 @@ int searchComponent(MSElementBuffer* element, void* argument, int32_t, int32_t, 
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 double* mclibGeo_getNearestPointP(Point3d* pointP, ElementDescr* edP, uint32_t classMask) {
     const double tolerance = inCurrentUnits(*mclibUtil_masterToUORP(strokeTolerance));

@@ -10,6 +10,8 @@
 
 #include "mclib/geometry/lines.h"
 
+namespace mc {
+
 constexpr double pi = std::numbers::pi;
 
 struct Point2d {
@@ -53,3 +55,5 @@ inline std::optional<double> stationWithin(double s, double first, double last, 
     if (!(s >= 0 && s >= first - slack && s <= last + slack)) return {};
     return std::clamp(s, first, last);
 }
+
+}  // namespace mc

@@ -11,6 +11,8 @@
 #include "mclib/frame/errors.h"
 #include "mclib/geometry/userdata.h"
 
+namespace mc {
+
 namespace {
 
 using PlotFenceFunction = int (*)(MSElementBuffer*, FilePos, ModelRef*, void*);
@@ -76,6 +78,10 @@ bool searchModel(const PlotFenceSearch& search, ModelRef* model) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibUtil_findAllPlotFence(PlotFenceFunction callback, void* userArg) {
     const PlotFenceSearch search = {mdlSystem_getCurrMdlDesc(), callback, userArg};

@@ -11,6 +11,8 @@
 #include "mclib/frame/util.h"
 #include "mclib/geometry/builders.h"
 
+namespace mc {
+
 namespace {
 
 constexpr size_t maxText = 512;
@@ -44,6 +46,10 @@ Extent measureLine(std::string_view line, double scale, int attrId) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 void mclibUtil_extractTextSize(const char* text, double scale, int attrId, double lineSpacing, double* widthP,
                                double* lineHeightP, double* totalHeightP, void* justP) {

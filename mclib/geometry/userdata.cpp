@@ -8,6 +8,8 @@
 #include "mchost/mdl/element.h"
 #include "mchost/mdl/system.h"
 
+namespace mc {
+
 static_assert(std::endian::native == std::endian::little, "the linkage is stored as it lies in memory");
 
 namespace {
@@ -27,6 +29,10 @@ struct Keys {
 };
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibAttrib_appendElementUserData(short key1, short key2, MSElementBuffer* element, const void* data,
                                       unsigned size) {

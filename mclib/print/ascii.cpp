@@ -12,6 +12,8 @@
 #include "mclib/print/job.h"
 #include "mclib/print/output.h"
 
+namespace mc {
+
 namespace {
 
 constexpr double lineHeight = 2.0;  // mm
@@ -171,6 +173,10 @@ void AsciiJob::drawText(const Point3d& place, std::string_view text, double angl
 
 }  // namespace
 
+}  // namespace mc
+
+using namespace mc;
+
 // ---- the exported calls ----
 
 int mclibAscii_fopen(const char* fileName) {
@@ -191,6 +197,8 @@ void mclibAscii_drawText(const Point3d* shape, const char* text, double, double,
     auto* job = static_cast<AsciiJob*>(print::currentJob(PRINT_ASCII).state());
     if (job && shape && text) job->drawText(shape[0], text, angle);
 }
+
+namespace mc {
 
 // ---- the device ----
 
@@ -213,3 +221,5 @@ extern constexpr PrintDriver asciiDriver = {
     .stroke = nullptr,
     .label = onJob<&AsciiJob::label>,
 };
+
+}  // namespace mc

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <cstring>
 
-namespace raster {
+namespace mc::raster {
 
 // Bit numbers and pixels need more than 32 bits, their products more than 64.
 __extension__ using Wide = __int128;
@@ -154,4 +154,4 @@ class Outline {
     const int64_t left, top;
 };
 
-}  // namespace raster
+}  // namespace mc::raster

@@ -13,6 +13,8 @@
 #include "mchost/mdl/win32.h"
 #include "mclib/frame/external.h"
 
+namespace mc {
+
 namespace {
 
 // ---- copies ----
@@ -181,6 +183,10 @@ bool addPrinter(StringList* list, const Win32PrinterInfo& printer, const std::st
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibPrint_sendFileToPrinter(const char* fileName, const char* printer, int copies) {
     if (!fileName || !printer) return MCLIB_ERROR;

@@ -6,6 +6,8 @@
 
 #include "mchost/mdl/system.h"
 
+namespace mc {
+
 // Each stands at the end of its device's file.
 extern const PrintDriver psDriver, hpglDriver, pclDriver, asciiDriver;
 
@@ -47,6 +49,10 @@ bool hasMoreLetters(const PrintDriver& driver) {
     mdlSystem_getCfgVar(value, driver.device.lettersVariable, sizeof value);
     return std::string_view(value) == driver.device.lettersValue;
 }
+
+}  // namespace mc
+
+using namespace mc;
 
 const McPrintDevice* mclibPrint_getDeviceP(int row) {
     return 0 <= row && row < static_cast<int>(devices.size()) ? &devices[static_cast<size_t>(row)]->device : nullptr;

@@ -3,7 +3,7 @@
 
 #include "mclib/print/driver.h"
 
-namespace print {
+namespace mc::print {
 
 // Numbers of devices are below this. One in between that no device has takes whole jobs and makes nothing of them.
 constexpr int mostDevices = 7;
@@ -14,4 +14,4 @@ constexpr bool isDevice(int number) {
 // Null for a number that no device has.
 const PrintDriver* driverOf(int number);
 
-}  // namespace print
+}  // namespace mc::print

@@ -9,6 +9,8 @@
 #include "mclib/print/letters.h"
 #include "mclib/print/print.h"
 
+namespace mc {
+
 struct LineStyle;  // mclib/print/styles.h
 
 // A polyline. gray from 0 (black) to 1 (white) asks for the closed outline to be filled; any other value for a line.
@@ -71,3 +73,5 @@ inline constexpr auto onJob = OnJob<Function>::call;
 
 // Whether its files, opened now, show what device.lettersVariable brings.
 bool hasMoreLetters(const PrintDriver& driver);
+
+}  // namespace mc

@@ -7,7 +7,7 @@
 #include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/system.h"
 
-namespace print {
+namespace mc::print {
 
 // The expanded value of a variable; empty for one that isn't defined.
 inline std::string valueOf(const char* variable) {
@@ -22,4 +22,4 @@ inline std::string withSeparator(std::string folder) {
     return folder;
 }
 
-}  // namespace print
+}  // namespace mc::print

@@ -8,6 +8,8 @@
 #include "mclib/print/job.h"
 #include "mclib/print/output.h"
 
+namespace mc {
+
 namespace {
 
 // Plotter units in a millimetre, and the place on the paper that is their origin.
@@ -126,6 +128,10 @@ HpglJob* currentHpglJob() {
 
 }  // namespace
 
+}  // namespace mc
+
+using namespace mc;
+
 // ---- the exported calls ----
 
 int mclibHpgl_fopen(const char* fileName) {
@@ -160,6 +166,8 @@ void mclibHpgl_drawArc(double, double, double, double, double, double) {}
 
 void mclibHpgl_fillCirc(double, double, double, double, double, double) {}
 
+namespace mc {
+
 // ---- the device ----
 
 extern constexpr PrintDriver hpglDriver = {
@@ -181,3 +189,5 @@ extern constexpr PrintDriver hpglDriver = {
     .stroke = onJob<&HpglJob::stroke>,
     .label = onJob<&HpglJob::label>,
 };
+
+}  // namespace mc

@@ -8,7 +8,7 @@
 #include "mclib/frame/main.h"
 #include "mclib/print/devices.h"
 
-namespace print {
+namespace mc::print {
 
 bool PrintJob::open(const PrintDriver* driver, const char* fileName, int pageCode) {
     close();
@@ -93,4 +93,4 @@ void closeJobOfApplication() {
     if (current.owner && current.owner == mclibMain_getGlobalDataP()) closeJobs();
 }
 
-}  // namespace print
+}  // namespace mc::print

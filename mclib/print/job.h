@@ -5,7 +5,7 @@
 #include "mclib/print/driver.h"
 #include "mclib/print/walker.h"
 
-namespace print {
+namespace mc::print {
 
 // One output of one device, from open() to close(). Any number of jobs can be open at a time.
 class PrintJob {
@@ -56,4 +56,4 @@ PrintJob* applicationJob();
 // Closes the job that the current application, which ends, has left open.
 void closeJobOfApplication();
 
-}  // namespace print
+}  // namespace mc::print

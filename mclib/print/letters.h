@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string_view>
 
+namespace mc {
+
 using ShownLetters = std::array<bool, 256>;
 
 // All of ASCII, and the characters above it that are told by their codes.
@@ -14,3 +16,5 @@ constexpr ShownLetters asciiAnd(std::string_view above) {
     for (const char c : above) shown[static_cast<unsigned char>(c)] = true;
     return shown;
 }
+
+}  // namespace mc

@@ -8,10 +8,14 @@
 #include <cstring>
 #include <limits>
 
+namespace mc {
+
 // The most characters that one of these numbers takes: sign, 309 digits, point, two decimals.
 constexpr size_t numberRoom = 320;
 
-namespace numbers {
+}  // namespace mc
+
+namespace mc::numbers {
 
 constexpr auto digitPairs = [] {
     std::array<char, 200> pairs{};
@@ -74,7 +78,9 @@ inline char* putFixed(char* p, double v) {
     return p;
 }
 
-}  // namespace numbers
+}  // namespace mc::numbers
+
+namespace mc {
 
 // Writes v with two decimals: the exact binary value rounded, halves to the even digit, "-0.00" for what is below 0 and
 // rounds to it, nan and inf by name. Needs numberRoom characters at p; gives the end of what it wrote.
@@ -101,3 +107,5 @@ constexpr int32_t truncated(double v) {
     if (!(v > least)) return v <= least ? least : 0;
     return v < most ? static_cast<int32_t>(v) : most;
 }
+
+}  // namespace mc

@@ -8,6 +8,8 @@
 #include "mchost/mdl/system.h"
 #include "mclib/frame/export.h"
 
+namespace mc {
+
 bool PrintOutput::open(const char* driverName, const char* name) {
     driver = driverName;
     if (!name) name = "";
@@ -73,3 +75,5 @@ void PrintOutput::writeBytes(std::string_view bytes) {
         bytes.remove_prefix(std::max<size_t>(text.size(), 1));
     }
 }
+
+}  // namespace mc

@@ -9,6 +9,8 @@
 #include "mclib/print/letters.h"
 #include "mclib/print/numbers.h"
 
+namespace mc {
+
 inline char* put(char* p, std::string_view text) {
     return p + text.copy(p, text.size());
 }
@@ -66,3 +68,5 @@ class PrintOutput {
     char* end;  // of what waits in the block
     char block[size_t{1} << 16];
 };
+
+}  // namespace mc

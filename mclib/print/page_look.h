@@ -7,7 +7,7 @@
 #include "mchost/mdl/element.h"
 #include "mchost/mdl/level.h"
 
-namespace print {
+namespace mc::print {
 
 // The level with this code lies under everything else on the page, and the colours of its shapes are greys.
 constexpr int32_t backgroundLevel = 63;
@@ -43,4 +43,4 @@ inline double fillOf(const MSElementBuffer* element, int32_t levelCode, int32_t 
     return mdlElement_isFilled(element) ? 0.0 : noFill;
 }
 
-}  // namespace print
+}  // namespace mc::print

@@ -10,6 +10,8 @@
 #include "mclib/print/output.h"
 #include "mclib/print/styles.h"
 
+namespace mc {
+
 namespace {
 
 constexpr double unitsPerMm = 40;
@@ -173,6 +175,10 @@ PclJob* currentPclJob() {
 
 }  // namespace
 
+}  // namespace mc
+
+using namespace mc;
+
 // ---- the exported calls ----
 
 int mclibPcl_fopen(const char* fileName, int pageCode) {
@@ -213,6 +219,8 @@ void mclibPcl_drawArc(double, double, double, double, double, double) {}
 
 void mclibPcl_fillCirc(double, double, double, double, double, double) {}
 
+namespace mc {
+
 // ---- the device ----
 
 extern constexpr PrintDriver pclDriver = {
@@ -234,3 +242,5 @@ extern constexpr PrintDriver pclDriver = {
     .stroke = onJob<&PclJob::stroke>,
     .label = onJob<&PclJob::label>,
 };
+
+}  // namespace mc

@@ -3,7 +3,7 @@
 #include "mchost/mdl/files.h"
 #include "mclib/print/folder.h"
 
-namespace print {
+namespace mc::print {
 
 namespace {
 
@@ -48,4 +48,4 @@ std::string plotFileName(std::string_view pageName, std::string_view extension) 
     return path.append(".").append(extension.empty() ? "000" : extension);
 }
 
-}  // namespace print
+}  // namespace mc::print

@@ -7,7 +7,7 @@
 #include "mchost/mdl/plot.h"
 #include "mclib/frame/global_data.h"
 
-namespace print {
+namespace mc::print {
 
 // The description of the application's plot; null while there is none.
 inline MdlPlotDesc* plotOf(const GlobalData& data) {
@@ -26,4 +26,4 @@ std::string plotterFile(const MdlPlotter* plotter);
 // for an empty one. Separators and colons in the page's name become "_".
 std::string plotFileName(std::string_view pageName, std::string_view extension);
 
-}  // namespace print
+}  // namespace mc::print

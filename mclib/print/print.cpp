@@ -10,7 +10,10 @@
 #include "mclib/print/devices.h"
 #include "mclib/print/job.h"
 
-using namespace print;
+using namespace mc;
+using namespace mc::print;
+
+namespace mc {
 
 namespace {
 
@@ -39,6 +42,8 @@ constexpr auto pageSizes = std::to_array<PageSize>({
 static_assert(std::ranges::all_of(pageSizes, [](const PageSize& p) { return &p - pageSizes.data() + 1 == p.code; }));
 
 }  // namespace
+
+}  // namespace mc
 
 int mclibPrint_fopen(const char* fileName, int device) {
     GlobalData* gd = mclibMain_getGlobalDataP();

@@ -16,7 +16,7 @@
 #include "mclib/print/shared.h"
 #include "resources/ids.h"
 
-namespace print {
+namespace mc::print {
 
 namespace {
 
@@ -218,4 +218,4 @@ int32_t fillWithPages(const GlobalData& data, MdlItem* optionButton) {
     return page;
 }
 
-}  // namespace print
+}  // namespace mc::print

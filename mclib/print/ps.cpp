@@ -16,6 +16,8 @@
 #include "mclib/print/ps_prolog.h"
 #include "mclib/print/styles.h"
 
+namespace mc {
+
 extern const PrintDriver psDriver;  // the end of this file
 
 namespace {
@@ -201,6 +203,10 @@ void PsJob::drawText(double x, double y, const char* text, double height, double
     output.taken(put(putNumber(putLength(p, height), angle), textProcedure(just)));
 }
 
+}  // namespace mc
+
+using namespace mc;
+
 // ---- the exported calls ----
 
 int mclibPs_fopen(const char* fileName) {
@@ -278,6 +284,8 @@ int mclibPs_includeEPSFile(const char* fileName, double scaleX, double scaleY, d
     return std::ferror(eps.get()) ? cannotLoad(fileName) : 1;
 }
 
+namespace mc {
+
 // ---- the device ----
 
 constexpr PrintDriver psDriver = {
@@ -299,3 +307,5 @@ constexpr PrintDriver psDriver = {
     .stroke = onJob<&PsJob::stroke>,
     .label = onJob<&PsJob::label>,
 };
+
+}  // namespace mc

@@ -4,6 +4,8 @@
 
 #include "mclib/print/letters.h"
 
+namespace mc {
+
 // The codes that the head maps, and those that Adobe's standard encoding, which it leaves as it is, has in common with
 // Windows-1252. The quotes ' and ` of ASCII are there as curly ones, as they have always been printed.
 constexpr ShownLetters headLetters = asciiAnd(
@@ -46,3 +48,5 @@ constexpr std::string_view psWindowsLetters =
     "8#377/ydieresis\n"
     "] ReEncodeSmall\n";
 // clang-format on
+
+}  // namespace mc

@@ -5,6 +5,8 @@
 
 #include <string_view>
 
+namespace mc {
+
 // clang-format off
 constexpr std::string_view psProlog =
     "%!PS-Adobe\n"
@@ -115,3 +117,5 @@ constexpr std::string_view psProlog =
     "  0 x sub 0 y sub translate\n"
     "} bind def\n";
 // clang-format on
+
+}  // namespace mc

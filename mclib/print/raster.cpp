@@ -8,7 +8,10 @@
 #include "mchost/mdl/system.h"
 #include "mclib/print/bitmap.h"
 
-using namespace raster;
+using namespace mc;
+using namespace mc::raster;
+
+namespace mc {
 
 namespace {
 
@@ -145,6 +148,8 @@ bool inRange(const Bitmap& bitmap, Pixel a, Pixel b) {
 }
 
 }  // namespace
+
+}  // namespace mc
 
 int mclibRaster_drawPoints(const int* points, const int* origin, int count, int byteCount, const int* size,
                            unsigned char* bitmap, int mode) {

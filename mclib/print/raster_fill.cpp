@@ -8,7 +8,10 @@
 #include "mclib/print/bitmap.h"
 #include "mclib/print/raster.h"
 
-using namespace raster;
+using namespace mc;
+using namespace mc::raster;
+
+namespace mc {
 
 namespace {
 
@@ -181,6 +184,8 @@ bool isNear(const Outline& outline, size_t count) {
 }
 
 }  // namespace
+
+}  // namespace mc
 
 void mclibRaster_fillShape(const int* points, int count, const int* origin, int byteCount, const int* size,
                            unsigned char* bitmap, int mode) {

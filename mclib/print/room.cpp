@@ -5,7 +5,7 @@
 #include "mclib/print/setup_store.h"
 #include "mclib/print/shared.h"
 
-namespace print {
+namespace mc::print {
 
 namespace {
 
@@ -39,7 +39,9 @@ constexpr PublishedBlock published[] = {
 
 }  // namespace
 
-}  // namespace print
+}  // namespace mc::print
+
+namespace mc {
 
 const Room printRoom = {.name = "print",
                         .hooks = {print::setupHooks, print::printDialogHooks},
@@ -50,3 +52,5 @@ const Room printRoom = {.name = "print",
                         .applicationEnds = print::closeJobOfApplication,
                         .release = nullptr,
                         .end = print::end};
+
+}  // namespace mc

@@ -6,8 +6,12 @@
 #include "mchost/mdl/system.h"
 #include "mclib/print/shared.h"
 
+using namespace mc;
+
 mclibPrinterSetupData* mclibpsd = nullptr;
 mclibPlotScale* mcScaleP = nullptr;
+
+namespace mc {
 
 namespace {
 
@@ -50,3 +54,5 @@ bool loadPlotScales() {
         if (!addScale(mcScaleP->scaleList, scale)) return false;
     return true;
 }
+
+}  // namespace mc

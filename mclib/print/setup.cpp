@@ -22,7 +22,7 @@
 #include "mclib/print/shared.h"
 #include "resources/ids.h"
 
-namespace print {
+namespace mc::print {
 
 namespace {
 
@@ -130,4 +130,4 @@ bool printerIsChosen() {
     return !isNobodysPrinter(mclibpsd->printerName) || isListed(mclibpsd->printerName);
 }
 
-}  // namespace print
+}  // namespace mc::print

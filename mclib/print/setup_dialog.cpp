@@ -16,7 +16,7 @@
 #include "mclib/print/shared.h"
 #include "resources/ids.h"
 
-namespace print {
+namespace mc::print {
 
 namespace {
 
@@ -199,7 +199,9 @@ void applyFileOnly(MdlDialog* dialog) {
     mdlDialog_itemEnable(itemOf(dialog, items::file), fileOnly);
 }
 
-}  // namespace print
+}  // namespace mc::print
+
+using namespace mc;
 
 int mclibPrintSet_dialogOpen(void) {
     int32_t reply = MDL_REPLY_SECOND;

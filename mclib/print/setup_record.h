@@ -4,7 +4,7 @@
 #include "mclib/frame/stored_layout.h"
 #include "mclib/print/setup.h"
 
-namespace print {
+namespace mc::print {
 
 // Resources of the preference file. The older form, which ends with fileOnly, is read but not written any more.
 enum { SETUP_TYPE = 0x50745365, SETUP_ID = 20002, OLDER_TYPE = 0x50725344, OLDER_ID = 20001 };
@@ -29,4 +29,4 @@ void setupLayout(Fields fields, Setup& setup) {
     fields.text(584, sizeof setup.plotterFile, setup.plotterFile);
 }
 
-}  // namespace print
+}  // namespace mc::print

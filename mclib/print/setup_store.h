@@ -6,7 +6,7 @@
 #include "mchost/mdl/dialog.h"
 #include "mclib/frame/global_data.h"
 
-namespace print {
+namespace mc::print {
 
 // Reads the set-up into mclibpsd; takes the defaults when none is stored, or when the file can't be opened, which the
 // user is told.
@@ -38,4 +38,4 @@ bool printerIsChosen();
 
 extern const DialogHook setupHooks[], printDialogHooks[];
 
-}  // namespace print
+}  // namespace mc::print

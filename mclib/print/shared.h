@@ -10,11 +10,13 @@
 extern mclibPrinterSetupData* mclibpsd;
 extern mclibPlotScale* mcScaleP;
 
-namespace print {
+namespace mc::print {
 // Whether one of PRINT_DEVICE_... holds for the device of the set-up. A number that no device has counts as one whose
 // files go to printers.
 bool setupDeviceIs(uint32_t trait);
-}  // namespace print
+}  // namespace mc::print
+
+namespace mc {
 
 // Fills the scale list at start-up: the default scales, the first one active. False when out of memory.
 bool loadPlotScales();
@@ -49,3 +51,5 @@ inline constexpr StructField plotScaleFields[] = {
 };
 
 extern const Room printRoom;
+
+}  // namespace mc

@@ -7,6 +7,8 @@
 
 #include "mchost/mdl/paper.hpp"
 
+namespace mc {
+
 // A line style of the host on each device that knows dashes.
 struct LineStyle {
     const char* psDash;  // between the brackets of setdash, in points
@@ -32,3 +34,5 @@ static_assert(lineStyles.size() == mdl::styleDashes.size());
 constexpr const LineStyle& lineStyleOf(int32_t style) {
     return lineStyles[0 <= style && style < 8 ? static_cast<size_t>(style) : 0];
 }
+
+}  // namespace mc

@@ -14,6 +14,8 @@
 #include "mclib/print/page_look.h"
 #include "mclib/print/styles.h"
 
+namespace mc {
+
 namespace {
 
 constexpr double pi = std::numbers::pi;
@@ -178,3 +180,5 @@ void print::walkPage(const PrintDriver& driver, void* job, const PaperPage& page
         mdlElmdscr_walk(page.descr, &pen);  // what memory doesn't suffice for shows in the job's status
     }
 }
+
+}  // namespace mc

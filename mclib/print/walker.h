@@ -4,12 +4,16 @@
 #include "mchost/mdl/elmdscr.h"
 #include "mclib/print/driver.h"
 
+namespace mc {
+
 // A box on the paper, in millimetres.
 struct PaperBox {
     double x, y, width, height;
 };
 
-namespace print {
+}  // namespace mc
+
+namespace mc::print {
 
 // A page and its place: scaled evenly to fit the box, in the middle of it, the level with code 63 first.
 struct PaperPage {
@@ -21,4 +25,4 @@ struct PaperPage {
 
 void walkPage(const PrintDriver& driver, void* job, const PaperPage& page);
 
-}  // namespace print
+}  // namespace mc::print

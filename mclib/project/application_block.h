@@ -8,7 +8,7 @@
 #include "mclib/frame/stored_layout.h"
 #include "mclib/project/application_data.h"
 
-namespace application_data {
+namespace mc::application_data {
 
 constexpr uint16_t elementType = 66;
 constexpr uint32_t elementLevel = 20;
@@ -69,4 +69,4 @@ inline std::optional<Block> readElement(std::span<const uint8_t> element) {
     return Block{values.applicationId, values.subId, element.subspan(payloadOffset, bytes - payloadOffset)};
 }
 
-}  // namespace application_data
+}  // namespace mc::application_data

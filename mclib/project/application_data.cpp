@@ -7,10 +7,12 @@
 #include "mclib/project/application_block.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 namespace {
 
-using application_data::Block;
-using application_data::ElementBytes;
+using mc::application_data::Block;
+using mc::application_data::ElementBytes;
 
 constexpr int dwgWorkmode = 1;
 constexpr const char* dwgKeepsDataVariable = "MS_DWGSAVEAPPLICATIONDATA";
@@ -81,6 +83,10 @@ int runSearch(Search& search) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclib66Elem_saveData(MSElementBuffer* element, int applicationId, int subId, const void* data, int length) {
     if (!element || !canBeStored(data, length)) return MCLIB_ERROR;

@@ -17,10 +17,12 @@
 #include "mclib/project/store.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 namespace {
 
-using project::projectId;
-using project::projectType;
+using mc::project::projectId;
+using mc::project::projectType;
 
 enum {
     NO_PROJECT_FLAGS = MSGBOX_KIND_2 | MSGBOX_FIRST_64,
@@ -131,6 +133,10 @@ const DialogHook projectHooks[] = {
 void setProjectWritten(void (*function)()) {
     projectWritten = function;
 }
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibProject_dialogOpen(void) {
     return mdlDialog_open(0, ids::project::id) ? MCLIB_SUCCESS : MCLIB_ERROR;

@@ -11,7 +11,7 @@
 #include "mclib/frame/stored_layout.h"
 #include "mclib/project/blocks.h"
 
-namespace project {
+namespace mc::project {
 
 constexpr int32_t currentForm = 3;  // the sub id of records that are written
 
@@ -139,4 +139,4 @@ bool unpackRecord(Block& block, int32_t subId, std::span<const uint8_t> payload)
     return true;
 }
 
-}  // namespace project
+}  // namespace mc::project

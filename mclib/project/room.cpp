@@ -5,8 +5,12 @@
 #include "mclib/project/store.h"
 #include "resources/ids.h"
 
+using namespace mc;
+
 mclibProsjektData* mclibpd = nullptr;
 mclibSideData* mclibsd = nullptr;
+
+namespace mc {
 
 namespace {
 
@@ -41,3 +45,5 @@ const Room projectRoom = {.name = "project",
                           .applicationEnds = nullptr,
                           .release = nullptr,
                           .end = end};
+
+}  // namespace mc

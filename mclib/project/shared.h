@@ -9,6 +9,8 @@
 extern mclibProsjektData* mclibpd;
 extern mclibSideData* mclibsd;
 
+namespace mc {
+
 extern const DialogHook projectHooks[];
 // A function that is called when the dialog has written the project to the design file; one for the whole library.
 void setProjectWritten(void (*function)());
@@ -36,3 +38,5 @@ inline constexpr StructField pageFields[] = {
 };
 
 extern const Room projectRoom;
+
+}  // namespace mc

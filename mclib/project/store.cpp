@@ -12,6 +12,8 @@
 #include "mclib/project/records.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 namespace {
 
 // A record that a scan shows.
@@ -73,6 +75,10 @@ bool isToGo(const char* name, const char* pageName, const char* const* keepNames
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibProject_readProjectInfoFromDesignFile(mclibProsjektData* project) {
     if (!project) return 0;

@@ -6,6 +6,8 @@
 #include "mclib/frame/stored_layout.h"
 #include "mclib/project/application_data.h"
 
+namespace mc {
+
 namespace {
 
 constexpr int unknownValue = 1;
@@ -65,6 +67,10 @@ int moveBehind(int* offset, size_t size) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclib66Elem_convertToFileFormat(void* buffer, int* offset, int code, ...) {
     va_list arguments;

@@ -16,6 +16,8 @@
 #include "mclib/print/shared.h"
 #include "mclib/project/shared.h"
 
+namespace mc {
+
 namespace {
 
 constexpr const Room* rooms[] = {&frameRoom, &printRoom, &formsRoom, &projectRoom, &elmattrRoom};
@@ -104,6 +106,10 @@ void noticeSession() {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 int mclibMain_initMcLib(const char* applicationName, int argc, char** argv) {
     return mclibMain_initMcLibExtended(applicationName, argc, argv, MDL_RSC_READ);

@@ -3,6 +3,8 @@
 
 #include <string_view>
 
+namespace mc {
+
 class CharSet {
   public:
     constexpr explicit CharSet(std::string_view characters) {
@@ -20,3 +22,5 @@ class CharSet {
   private:
     bool member[256] = {};
 };
+
+}  // namespace mc

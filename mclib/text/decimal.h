@@ -13,7 +13,7 @@
 
 #include "mclib/text/char_set.h"
 
-namespace decimal {
+namespace mc::decimal {
 
 constexpr CharSet blanks(" \t\n\v\f\r");
 
@@ -148,4 +148,4 @@ inline std::optional<double> number(std::string_view token) {
     return std::copysign(0.0, token.find('-') < token.find_first_of("0123456789.") ? -1.0 : 1.0);
 }
 
-}  // namespace decimal
+}  // namespace mc::decimal

@@ -14,6 +14,8 @@
 #include "mclib/text/char_set.h"
 #include "mclib/text/decimal.h"
 
+namespace mc {
+
 namespace {
 
 constexpr int defaultFileBufferSize = 512;
@@ -152,6 +154,10 @@ void storeUnlessNull(T* out, T value) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 // ---- the reader ----
 

@@ -15,6 +15,8 @@
 #include "mclib/frame/util.h"
 #include "resources/ids.h"
 
+namespace mc {
+
 namespace {
 
 // Messages of the error list.
@@ -321,6 +323,10 @@ int readLogicalLine(std::span<char> dest, McFile* f, TrailingComment&& comment) 
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 McFile* mclibFile_open(const char* name, const char* mode) {
     return mclibFile_openExtended(name, mode, "\\", "#", defaultBufferSize);

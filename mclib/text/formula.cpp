@@ -17,6 +17,8 @@
 #include "mclib/frame/letters.h"
 #include "mclib/text/decimal.h"
 
+namespace mc {
+
 namespace {
 
 // ---- characters and names ----
@@ -502,6 +504,10 @@ double* evaluate(const char* formula, int count, char* names, const double* valu
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 double* mclibParse_parseFormulaP(const char* formula, int* errorP, int parameterCount, char* parameterNames,
                                  const double* parameterValues) {

@@ -15,6 +15,8 @@
 #include "mclib/frame/errors.h"
 #include "mclib/frame/letters.h"
 
+namespace mc {
+
 namespace {
 
 // Written in a string where a double quote is meant.
@@ -415,6 +417,10 @@ mdl::HostPtr<char> newText(View text) {
 }
 
 }  // namespace
+
+}  // namespace mc
+
+using namespace mc;
 
 char* mclibParse_tagString(const char* expression, TagEntry* tags, int tagCount) {
     const View whole(expression ? expression : "");

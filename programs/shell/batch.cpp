@@ -282,7 +282,7 @@ std::string findBatchFile(std::string_view word) {
     if (name.empty() || !name.has_filename()) return "";
     if (std::string found = batchFileAt(name); !found.empty() || name.has_parent_path()) return found;
     const char* path = std::getenv("PATH");
-    for (std::string_view left = path == nullptr ? "" : path; !left.empty();) {
+    for (std::string_view left = !path ? "" : path; !left.empty();) {
         const std::string_view folder = left.substr(0, left.find(':'));
         left.remove_prefix(std::min(left.size(), folder.size() + 1));
         if (std::string found = batchFileAt(fs::path(folder) / name); !found.empty()) return found;

@@ -412,7 +412,7 @@ int copyTree(const CommandLine& line) {
 int path(const CommandLine& line) {
     if (line.names.empty()) {
         const char* value = std::getenv("PATH");
-        std::printf("PATH=%s\n", value == nullptr ? "" : value);
+        std::printf("PATH=%s\n", !value ? "" : value);
         return done;
     }
     std::string folders;

@@ -47,7 +47,7 @@ int runProgram(const std::vector<std::string>& words, const std::string& place) 
     if (!findProgram(words[0]))
         return tell(place, words[0] + ": no command of mcshell, no batch file, and no program along PATH", notFound);
     Process* program = startProcess(words[0], {words.begin() + 1, words.end()}, {}, true);
-    if (program == nullptr) return tell(place, words[0] + ": the program can't be started", failed);
+    if (!program) return tell(place, words[0] + ": the program can't be started", failed);
     const int status = *waitFor(*program);
     release(*program);
     return status;

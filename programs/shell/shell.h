@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "mchost/base/export.h"
-
 namespace host::shell {
 
 enum Status { done = 0, failed = 1, wrongUse = 2, notFound = 127 };
@@ -15,6 +13,6 @@ enum Status { done = 0, failed = 1, wrongUse = 2, notFound = 127 };
 // process's standard output, errors in one line each to standard error. The exit status: 0 when it was done, 1 when it
 // failed, 2 when it isn't written as it should be, 127 when there is no such command or program; or what a program
 // ended with.
-HOST_EXPORT int run(const std::vector<std::string>& words);
+int run(const std::vector<std::string>& words);
 
 }  // namespace host::shell

@@ -24,6 +24,8 @@
 #include "tests/support/cell_file.h"
 #include "tests/support/library_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 using testing::AllOf;

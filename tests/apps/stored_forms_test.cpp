@@ -16,6 +16,8 @@
 #include "tests/support/application_test.h"
 #include "tests/support/library_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 // Bytes from an offset on, as hexadecimal digits.

@@ -5,6 +5,8 @@
 
 #include "bytes.h"
 
+using namespace mc;
+
 namespace {
 
 int drawNothing(int, char*, ElementDescr**, int, double, double) {

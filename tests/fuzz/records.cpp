@@ -13,6 +13,8 @@
 #include "mclib/project/application_block.h"
 #include "mclib/project/records.h"
 
+using namespace mc;
+
 namespace {
 
 // A copy in a block of its own, so that nobody reads behind its end unseen.

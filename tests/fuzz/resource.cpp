@@ -18,6 +18,8 @@
 #include "mclib/print/setup_record.h"
 #include "session.h"
 
+using namespace mc;
+
 namespace {
 
 using host::Put;

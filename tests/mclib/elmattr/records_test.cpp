@@ -8,10 +8,12 @@
 
 #include "mclib/elmattr/records.h"
 
+using namespace mc;
+
 namespace {
 
-using elmattr::RecordHead;
-using elmattr::RecordLayout;
+using mc::elmattr::RecordHead;
+using mc::elmattr::RecordLayout;
 
 // A record that is built from a table of offsets.
 class Bytes {

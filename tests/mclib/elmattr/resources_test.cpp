@@ -15,6 +15,8 @@
 #include "mclib/frame/resource_files.h"
 #include "tests/support/library_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 using testing::ElementsAre;

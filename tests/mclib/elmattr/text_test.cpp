@@ -18,6 +18,8 @@
 #include "mclib/frame/global_data.h"
 #include "tests/support/library_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 using testing::ElementsAre;

@@ -11,6 +11,8 @@
 
 #include "mclib/forms/value.h"
 
+using namespace mc;
+
 namespace {
 
 struct DestroyForm {

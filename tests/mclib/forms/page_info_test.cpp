@@ -6,6 +6,8 @@
 #include "mclib/project/dialog.h"
 #include "tests/mclib/forms/preview_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 const TestPage one{"one", 180000, 277000}, two{"two", 277000, 180000};

@@ -14,6 +14,8 @@
 #include "mclib/frame/global_data.h"
 #include "tests/mclib/forms/preview_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 namespace fs = std::filesystem;

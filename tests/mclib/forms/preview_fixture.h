@@ -22,6 +22,8 @@
 #include "mclib/project/store.h"
 #include "tests/support/library_fixture.h"
 
+using namespace mc;
+
 // A page as the test's application makes it: a frame of that size in UOR with the page's name in its lower left corner.
 // Without a size no page is made.
 struct TestPage {

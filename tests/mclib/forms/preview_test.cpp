@@ -7,6 +7,8 @@
 #include "mclib/frame/global_data.h"
 #include "tests/mclib/forms/preview_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 using host::DrawCall;

@@ -9,6 +9,8 @@
 #include "mclib/print/print.h"
 #include "tests/mclib/forms/preview_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 using testing::ElementsAre;

@@ -14,6 +14,8 @@
 #include "mclib/frame/main.h"
 #include "tests/support/session_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 constexpr int mostApplications = 49;

@@ -16,8 +16,9 @@
 #include "mclib/text/file.h"
 #include "tests/support/session_fixture.h"
 
-namespace {
+using namespace mc;
 
+namespace {
 
 // What a modal dialog showed before it was answered.
 struct Shown {

@@ -134,12 +134,7 @@ TEST(Readout, AccuracyComesFromTheFormatBytes) {
         int fallback, accuracy;
     };
     constexpr Case cases[] = {
-        {0, 0, 9, 4},
-        {7, 0xFB, 9, 6},
-        {0xF8, 0, 9, 4},
-        {7, 4, 0, 0},
-        {7, 4, -1, 5},
-        {31 << 3 & 0xFF, 4, -1, 10},
+        {0, 0, 9, 4},        {7, 0xFB, 9, 6}, {0xF8, 0, 9, 4}, {7, 4, 0, 0}, {7, 4, -1, 5}, {31 << 3 & 0xFF, 4, -1, 10},
         {2 << 3, 4, -7, -7},
     };
     const MdlTcb before = *tcbP;

@@ -8,6 +8,8 @@
 #include "mclib/print/ps_prolog.h"
 #include "tests/mclib/print/page_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 constexpr double pi = std::numbers::pi;

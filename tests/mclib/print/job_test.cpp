@@ -7,6 +7,8 @@
 #include "tests/mclib/print/page_fixture.h"
 #include "tests/mclib/print/stroke_list.h"
 
+using namespace mc;
+
 namespace {
 
 constexpr PaperBox sheet = {0, 0, 200, 100};

@@ -10,6 +10,8 @@
 #include <random>
 #include <string>
 
+using namespace mc;
+
 namespace {
 
 using Room = char[numberRoom];

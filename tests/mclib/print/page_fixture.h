@@ -17,6 +17,8 @@
 #include "mclib/print/walker.h"
 #include "tests/support/session_fixture.h"
 
+using namespace mc;
+
 inline int registerPrintTest(int argc, char** argv) {
     return mclibMain_initMcLib("print test", argc, argv);
 }

@@ -14,6 +14,8 @@
 #include "mclib/print/setup.h"
 #include "tests/support/library_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 using host::Dialog;

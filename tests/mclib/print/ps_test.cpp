@@ -9,6 +9,8 @@
 #include "mclib/print/ps_prolog.h"
 #include "tests/mclib/print/file_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 class PostScript : public PrintFileTest {

@@ -6,6 +6,8 @@
 #include "mclib/print/output.h"
 #include "mclib/print/styles.h"
 
+using namespace mc;
+
 namespace {
 
 struct StrokeListJob {

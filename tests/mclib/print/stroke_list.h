@@ -3,4 +3,6 @@
 
 #include "mclib/print/driver.h"
 
+using namespace mc;
+
 extern const PrintDriver strokeListDriver;

@@ -9,6 +9,8 @@
 #include "tests/mclib/print/page_fixture.h"
 #include "tests/support/cell_file.h"
 
+using namespace mc;
+
 namespace {
 
 constexpr double pi = std::numbers::pi;

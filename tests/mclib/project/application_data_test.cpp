@@ -13,6 +13,8 @@
 #include "mclib/project/application_data.h"
 #include "tests/support/library_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 using testing::ElementsAre;

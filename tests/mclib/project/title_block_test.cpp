@@ -11,6 +11,8 @@
 #include "mclib/project/store.h"
 #include "tests/support/library_fixture.h"
 
+using namespace mc;
+
 namespace {
 
 class TitleBlock : public LibraryTest {
