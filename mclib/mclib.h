@@ -2,8 +2,8 @@
  *
  * This is the chief header: it includes the families. Each family header tells its own conventions; these hold for all:
  * plain C; 0 (MCLIB_SUCCESS) is success and 0x8000 (MCLIB_ERROR) failure for calls that return a status; narrow text is
- * Windows-1252; a result of a function whose name ends in P points into the library's storage, and its comment says what
- * overwrites it; blocks come from and go back to dlmSystem_mdlMalloc and dlmSystem_mdlFree; one thread. */
+ * Windows-1252; a result of a function whose name ends in P points into the library's storage, and its comment says
+ * what overwrites it; blocks come from and go back to dlmSystem_mdlMalloc and dlmSystem_mdlFree; one thread. */
 #ifndef MCLIB_H
 #define MCLIB_H
 

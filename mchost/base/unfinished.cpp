@@ -59,7 +59,7 @@ void endBySignal(int signal) {
 bool fill(std::span<char> row, const char* path) {
     size_t length = 0;
     if (path[0] != '/') {
-        if (getcwd(row.data(), row.size()) == nullptr) return false;
+        if (!getcwd(row.data(), row.size())) return false;
         length = std::strlen(row.data());
         if (length + 1 < row.size()) row[length++] = '/';
     }

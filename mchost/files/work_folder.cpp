@@ -68,7 +68,7 @@ WorkFolder::WorkFolder(const fs::path& folder) {
 bool WorkFolder::make(const std::string& pattern) {
     path_ = pattern;
     const SignalsHeld held;
-    if (mkdtemp(path_.data()) == nullptr) {
+    if (!mkdtemp(path_.data())) {
         error_ = errno;
         path_.clear();
         return true;

@@ -1,4 +1,5 @@
-/* Cell libraries: files of cells (.cel), containers of the same kind as design files. One library is attached at a time.
+/* Cell libraries: files of cells (.cel), containers of the same kind as design files. One library is attached at a
+ * time.
  *
  * A cell has a name, which no other cell of its library has in any case of its letters, a description and elements; its
  * origin is (0, 0, 0). Cells are read when the library is attached: what becomes of its file later changes nothing
@@ -20,10 +21,11 @@ MDL_EXPORT int mdlCell_detachLibrary(void) MDL_NOEXCEPT;
 
 /* A new descriptor of a cell of the attached library: its header (type 2) with name, description and range, its
  * elements as components. It is in UOR of the active model: a master unit of the library is a master unit there. Levels
- * go by their names; one that the active model hasn't is made with the symbology that it has in the library, and belongs
- * into the design file once an element on it is stored. The header is of the active model's kind, 2D or 3D, as are the
- * headers in it. With no design file open UOR and kind are the library's, and levels those of the session (level.h). `option` makes no difference in this
- * host; all `reserved` are null. MDL_ERROR, with *edPP null, when no library is attached or it has no such cell. */
+ * go by their names; one that the active model hasn't is made with the symbology that it has in the library, and
+ * belongs into the design file once an element on it is stored. The header is of the active model's kind, 2D or 3D, as
+ * are the headers in it. With no design file open UOR and kind are the library's, and levels those of the session
+ * (level.h). `option` makes no difference in this host; all `reserved` are null. MDL_ERROR, with *edPP null, when no
+ * library is attached or it has no such cell. */
 MDL_EXPORT int mdlCell_getElmDscr(ElementDescr **edPP, const void *reserved1, const void *reserved2,
                                   const void *reserved3, const void *reserved4, const void *reserved5,
                                   const void *reserved6, const void *reserved7, const void *reserved8, int32_t option,

@@ -1,17 +1,17 @@
 /* Dialogs: boxes made from layouts of a resource file, their items, the messages that hooks get, and drawing.
  *
- * A layout gives a dialog its id, title, size and hook, and each item its kind, id, label, size, access string and hook.
- * An access string such as "mgdP->printDevice" names a value of a published structure; the manager moves values between
- * it and the item. The manager calls hooks in the context of the application that opened the dialog; a hook gets one
- * DialogMessage, sets `handled` to 1 when it takes it and else to 0.
- * Opening sends DIALOG_CREATE (the items can be found already), ITEM_CREATE to each item, takes the items' values from
- * their access strings (each item gets ITEM_FILL just before), and sends DIALOG_INIT; items are drawn when the dialog
- * is shown, and again when they were moved or the window's extent changed. Pressing a button sends one ITEM_BUTTON with state 1 and ITEM_ACTIVATED; a release
- * isn't sent. A change by the user sends ITEM_STATE_CHANGED, a double click or Enter ITEM_ACTIVATED. A window that its
- * user has drawn to another size sends DIALOG_RESIZE. Closing sends ITEM_DESTROY to each item and DIALOG_DESTROY. The
- * dialogs of an application that ends are closed in this way.
- * A handle of a dialog or item that is gone is harmless: calls on it fail, or give 0 or null.
- * Drawing calls of hooks are kept as the window's display list, which a front end shows. */
+ * A layout gives a dialog its id, title, size and hook, and each item its kind, id, label, size, access string and
+ * hook. An access string such as "mgdP->printDevice" names a value of a published structure; the manager moves values
+ * between it and the item. The manager calls hooks in the context of the application that opened the dialog; a hook
+ * gets one DialogMessage, sets `handled` to 1 when it takes it and else to 0. Opening sends DIALOG_CREATE (the items
+ * can be found already), ITEM_CREATE to each item, takes the items' values from their access strings (each item gets
+ * ITEM_FILL just before), and sends DIALOG_INIT; items are drawn when the dialog is shown, and again when they were
+ * moved or the window's extent changed. Pressing a button sends one ITEM_BUTTON with state 1 and ITEM_ACTIVATED; a
+ * release isn't sent. A change by the user sends ITEM_STATE_CHANGED, a double click or Enter ITEM_ACTIVATED. A window
+ * that its user has drawn to another size sends DIALOG_RESIZE. Closing sends ITEM_DESTROY to each item and
+ * DIALOG_DESTROY. The dialogs of an application that ends are closed in this way. A handle of a dialog or item that is
+ * gone is harmless: calls on it fail, or give 0 or null. Drawing calls of hooks are kept as the window's display list,
+ * which a front end shows. */
 #ifndef HOST_MDL_DIALOG_H
 #define HOST_MDL_DIALOG_H
 
@@ -102,10 +102,12 @@ typedef struct StructField {
     const char *structName; /* FIELD_STRUCT and FIELD_POINTER: the structure it is or points to */
 } StructField;
 /* Tells the fields of a structure. The table must stay; a structure that is told again takes the new table. */
-MDL_EXPORT int mdlDialog_publishStructure(SymbolSet *set, const char *structName, const StructField *fields) MDL_NOEXCEPT;
+MDL_EXPORT int mdlDialog_publishStructure(SymbolSet *set, const char *structName,
+                                          const StructField *fields) MDL_NOEXCEPT;
 /* Publishes the pointer variable at `address` to a structure as `name`: "name->field" then reads what the pointer holds
  * at that moment. */
-MDL_EXPORT int mdlDialog_publishComplexPtr(SymbolSet *set, const char *structName, const char *name, void *address) MDL_NOEXCEPT;
+MDL_EXPORT int mdlDialog_publishComplexPtr(SymbolSet *set, const char *structName, const char *name,
+                                           void *address) MDL_NOEXCEPT;
 
 /* The value of an access string as text (512 bytes), and back. MDL_ERROR for an unknown name or a null pointer. */
 MDL_EXPORT int mdlDialog_getAccessValue(char *text, int32_t size, const char *accessString) MDL_NOEXCEPT;
@@ -113,8 +115,8 @@ MDL_EXPORT int mdlDialog_setAccessValue(const char *accessString, const char *te
 
 /* ---- dialogs ---- */
 
-/* Opens a dialog from its layout in `rscFile` (0: any open one), for the current application; null when there is no such
- * layout. A dialog that the application has open already is brought to the front. */
+/* Opens a dialog from its layout in `rscFile` (0: any open one), for the current application; null when there is no
+ * such layout. A dialog that the application has open already is brought to the front. */
 MDL_EXPORT MdlDialog *mdlDialog_open(RscHandle rscFile, int32_t dialogId) MDL_NOEXCEPT;
 /* Opens it, runs it until one of the two buttons or a close ends it, and closes it. The reply of the button goes to
  * replyP; MDL_REPLY_SECOND also when the dialog was closed without one. With that reply: MDL_ERROR when nobody answers,
@@ -159,7 +161,8 @@ MDL_EXPORT void mdlDialog_itemSetLabel(MdlItem *item, const char *label) MDL_NOE
 MDL_EXPORT const char *mdlDialog_itemGetLabel(const MdlItem *item) MDL_NOEXCEPT;
 /* A group box shows and hides its members with it; one that is hidden by itself stays so. */
 MDL_EXPORT void mdlDialog_itemShow(MdlItem *item, int32_t show) MDL_NOEXCEPT;
-MDL_EXPORT int mdlDialog_itemIsShown(const MdlItem *item) MDL_NOEXCEPT; /* 1 or 0: neither it nor its group box is hidden */
+/* 1 or 0: neither it nor its group box is hidden */
+MDL_EXPORT int mdlDialog_itemIsShown(const MdlItem *item) MDL_NOEXCEPT;
 /* An item that isn't enabled shows its value, and its user can't change it. */
 MDL_EXPORT void mdlDialog_itemEnable(MdlItem *item, int32_t enable) MDL_NOEXCEPT;
 MDL_EXPORT int mdlDialog_itemIsEnabled(const MdlItem *item) MDL_NOEXCEPT; /* 1 or 0 */
@@ -174,23 +177,26 @@ MDL_EXPORT void mdlDialog_itemDraw(MdlItem *item) MDL_NOEXCEPT;
 /* Sends the item's hook ITEM_SIGNAL with two numbers that the two agree on. */
 MDL_EXPORT int mdlDialog_itemSignal(MdlItem *item, int32_t signal, int32_t value) MDL_NOEXCEPT;
 
-/* Format of a text item that shows a number, such as "%8.3f": 32 bytes, empty when it has none. MDL_ERROR for another kind
- * of item, and for a format to be set that is longer or hasn't exactly one conversion; an empty one takes it away. */
+/* Format of a text item that shows a number, such as "%8.3f": 32 bytes, empty when it has none. MDL_ERROR for another
+ * kind of item, and for a format to be set that is longer or hasn't exactly one conversion; an empty one takes it
+ * away. */
 MDL_EXPORT int mdlDialog_textGetInfo(char *format, const MdlItem *item) MDL_NOEXCEPT;
 MDL_EXPORT int mdlDialog_textSetInfo(MdlItem *item, const char *format) MDL_NOEXCEPT;
 
-/* The string list of a list box, shown in `columns` columns (member row * columns + column); the list stays its owner's. */
+/* The string list of a list box, shown in `columns` columns (member row * columns + column); the list stays its
+ * owner's. */
 MDL_EXPORT int mdlDialog_listBoxSetStrListP(MdlItem *item, StringList *list, int32_t columns) MDL_NOEXCEPT;
 MDL_EXPORT StringList *mdlDialog_listBoxGetStrListP(const MdlItem *item) MDL_NOEXCEPT;
 MDL_EXPORT int mdlDialog_listBoxSelectRow(MdlItem *item, int32_t row) MDL_NOEXCEPT; /* -1: none */
 MDL_EXPORT int32_t mdlDialog_listBoxGetSelectedRow(const MdlItem *item) MDL_NOEXCEPT;
 
-/* Combo boxes: rows of `stringsPerRow` members of a string list (member row * stringsPerRow + column), of which the first
- * is on show when the box is closed; the list stays its owner's. The item's value is the number of the chosen row, -1 for
- * none, also where an access string keeps it. */
+/* Combo boxes: rows of `stringsPerRow` members of a string list (member row * stringsPerRow + column), of which the
+ * first is on show when the box is closed; the list stays its owner's. The item's value is the number of the chosen
+ * row, -1 for none, also where an access string keeps it. */
 MDL_EXPORT int mdlDialog_comboBoxSetStrListP(MdlItem *item, StringList *list, int32_t stringsPerRow) MDL_NOEXCEPT;
 MDL_EXPORT StringList *mdlDialog_comboBoxGetStrListP(const MdlItem *item) MDL_NOEXCEPT;
-MDL_EXPORT int mdlDialog_comboBoxSelectRow(MdlItem *item, int32_t row) MDL_NOEXCEPT; /* -1: none; the access string keeps it too */
+/* -1: none; the access string keeps it too */
+MDL_EXPORT int mdlDialog_comboBoxSelectRow(MdlItem *item, int32_t row) MDL_NOEXCEPT;
 MDL_EXPORT int32_t mdlDialog_comboBoxGetSelectedRow(const MdlItem *item) MDL_NOEXCEPT;
 
 /* Option buttons: rows of a label and a value; the item's value is that of the chosen row. A row that isn't enabled
@@ -198,7 +204,8 @@ MDL_EXPORT int32_t mdlDialog_comboBoxGetSelectedRow(const MdlItem *item) MDL_NOE
 MDL_EXPORT int mdlDialog_optionButtonDeleteAll(MdlItem *item) MDL_NOEXCEPT;
 MDL_EXPORT int mdlDialog_optionButtonInsert(MdlItem *item, const char *label, int32_t value) MDL_NOEXCEPT;
 MDL_EXPORT int32_t mdlDialog_optionButtonCount(const MdlItem *item) MDL_NOEXCEPT;
-MDL_EXPORT int mdlDialog_optionButtonGet(const MdlItem *item, int32_t row, const char **labelP, int32_t *valueP) MDL_NOEXCEPT;
+MDL_EXPORT int mdlDialog_optionButtonGet(const MdlItem *item, int32_t row, const char **labelP,
+                                         int32_t *valueP) MDL_NOEXCEPT;
 MDL_EXPORT int mdlDialog_optionButtonEnableRow(MdlItem *item, int32_t row, int32_t enable) MDL_NOEXCEPT;
 MDL_EXPORT int mdlDialog_optionButtonRowIsEnabled(const MdlItem *item, int32_t row) MDL_NOEXCEPT; /* 1 or 0 */
 
@@ -212,21 +219,23 @@ MDL_EXPORT void mdlDialog_setFontIndex(MdlDialog *dialog, int32_t fontIndex) MDL
 MDL_EXPORT int32_t mdlDialog_getFontIndex(const MdlDialog *dialog) MDL_NOEXCEPT;
 MDL_EXPORT int mdlDialog_textDrawCD(MdlDialog *dialog, int32_t x, int32_t y, const char *text) MDL_NOEXCEPT;
 /* A line through `count` points (2 or more), x and y of each in turn; `color` is an element's colour index. */
-MDL_EXPORT int mdlWindow_polylineDraw(MdlDialog *dialog, const int32_t *points, int32_t count, int32_t color) MDL_NOEXCEPT;
+MDL_EXPORT int mdlWindow_polylineDraw(MdlDialog *dialog, const int32_t *points, int32_t count,
+                                      int32_t color) MDL_NOEXCEPT;
 /* Takes all that was drawn out of the display list, of the dialog and of its items. */
 MDL_EXPORT int mdlWindow_clear(MdlDialog *dialog) MDL_NOEXCEPT;
-/* Fixed colours are numbers from 0, the ground that drawings stand on, to 15; 7 is for lines on the ground. The colour's
- * index for this window's calls; MDL_ERROR for another number. */
+/* Fixed colours are numbers from 0, the ground that drawings stand on, to 15; 7 is for lines on the ground. The
+ * colour's index for this window's calls; MDL_ERROR for another number. */
 MDL_EXPORT int32_t mdlWindow_fixedColorIndexGet(const MdlDialog *dialog, int32_t fixedColor) MDL_NOEXCEPT;
-/* How mdlWindow_lineDraw draws from now on: line style 0 to 7, a colour's index, mode (0; others aren't known) and width
- * in pixels (1 or more). A new window has style 0, colour 7 and width 1. MDL_ERROR, with nothing changed, for other
- * values. */
+/* How mdlWindow_lineDraw draws from now on: line style 0 to 7, a colour's index, mode (0; others aren't known) and
+ * width in pixels (1 or more). A new window has style 0, colour 7 and width 1. MDL_ERROR, with nothing changed, for
+ * other values. */
 MDL_EXPORT int mdlWindow_lineStyleSet(MdlDialog *dialog, int32_t style, int32_t colorIndex, int32_t mode,
                                       int32_t width) MDL_NOEXCEPT;
 MDL_EXPORT int mdlWindow_lineDraw(MdlDialog *dialog, int32_t x0, int32_t y0, int32_t x1, int32_t y1) MDL_NOEXCEPT;
 /* A rectangle with the frame of a button, raised or sunken; `filled` also covers what lies inside with the face of a
  * dialog. */
-MDL_EXPORT int mdlDialog_rectDrawBeveled(MdlDialog *dialog, const DialogRect *rect, int32_t sunken, int32_t filled) MDL_NOEXCEPT;
+MDL_EXPORT int mdlDialog_rectDrawBeveled(MdlDialog *dialog, const DialogRect *rect, int32_t sunken,
+                                         int32_t filled) MDL_NOEXCEPT;
 /* Covers the rectangle with a fixed colour; its right and bottom edges are outside. */
 MDL_EXPORT int mdlDialog_rectFill(MdlDialog *dialog, const DialogRect *rect, int32_t fixedColor) MDL_NOEXCEPT;
 MDL_EXPORT int mdlDialog_rectDrawEdge(MdlDialog *dialog, const DialogRect *rect, int32_t sunken) MDL_NOEXCEPT;

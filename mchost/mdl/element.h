@@ -74,34 +74,40 @@ MDL_EXPORT int mdlElement_memcpy(MSElementBuffer *out, const MSElementBuffer *in
 MDL_EXPORT int mdlElement_isFilled(const MSElementBuffer *element) MDL_NOEXCEPT; /* 1 or 0 */
 /* Transforms the element in UOR, whatever the current transform; `out` may be `in`. MDL_ERROR, with `out` as it was,
  * when a coordinate would leave the finite numbers. */
-MDL_EXPORT MDL_CHECKED int mdlElement_transform(MSElementBuffer *out, const MSElementBuffer *in, const Transform *transform) MDL_NOEXCEPT;
+MDL_EXPORT MDL_CHECKED int mdlElement_transform(MSElementBuffer *out, const MSElementBuffer *in,
+                                                const Transform *transform) MDL_NOEXCEPT;
 /* Copies the element without any linkage. */
 MDL_EXPORT int mdlElement_stripAttributes(MSElementBuffer *out, const MSElementBuffer *in) MDL_NOEXCEPT;
 
 /* Colour, weight and style; null pointers are left alone, on the element as in the result. Another style loses the
  * modifiers of the one before. MDL_ERROR for a weight above 32767 that isn't by level. */
-MDL_EXPORT int mdlElement_getSymbology(uint32_t *color, uint32_t *weight, int32_t *style, const MSElementBuffer *element) MDL_NOEXCEPT;
+MDL_EXPORT int mdlElement_getSymbology(uint32_t *color, uint32_t *weight, int32_t *style,
+                                       const MSElementBuffer *element) MDL_NOEXCEPT;
 MDL_EXPORT int mdlElement_setSymbology(MSElementBuffer *element, const uint32_t *color, const uint32_t *weight,
                                        const int32_t *style) MDL_NOEXCEPT;
 /* What the element is drawn with: by-level values are taken from its level in the model. A named style counts as its
  * number. The two pointers in the middle get the style's scale and width, 1 and 0 without a modifier. */
 MDL_EXPORT int mdlElement_getEffectiveSymbology(int32_t *color, int32_t *weight, int32_t *style, double *styleScale,
-                                                double *styleWidth, const MSElementBuffer *element, ModelRef *model) MDL_NOEXCEPT;
+                                                double *styleWidth, const MSElementBuffer *element,
+                                                ModelRef *model) MDL_NOEXCEPT;
 MDL_EXPORT int mdlElement_getProperties(uint32_t *level, uint32_t *graphicGroup, int32_t *elementClass, int32_t *locked,
                                         int32_t *isNew, int32_t *modified, int32_t *viewIndependent, int32_t *hole,
                                         const MSElementBuffer *element) MDL_NOEXCEPT;
 MDL_EXPORT int mdlElement_setProperties(MSElementBuffer *element, const uint32_t *level, const uint32_t *graphicGroup,
                                         const int32_t *elementClass, const int32_t *locked, const int32_t *isNew,
-                                        const int32_t *modified, const int32_t *viewIndependent, const int32_t *hole) MDL_NOEXCEPT;
+                                        const int32_t *modified, const int32_t *viewIndependent,
+                                        const int32_t *hole) MDL_NOEXCEPT;
 
 /* Points along the element within `tolerance` of it (units of the current transform), in a new array that the caller
  * frees with dlmSystem_mdlFree. A closed element gives its first point again as the last. 0, or MDL_ERROR for an
  * element without points of its own (texts, headers, application data). */
-MDL_EXPORT int mdlElement_stroke(Point3d **pointsP, int32_t *countP, const MSElementBuffer *element, double tolerance) MDL_NOEXCEPT;
+MDL_EXPORT int mdlElement_stroke(Point3d **pointsP, int32_t *countP, const MSElementBuffer *element,
+                                 double tolerance) MDL_NOEXCEPT;
 
 /* ---- builders ---- */
 
-MDL_EXPORT int mdlLine_create(MSElementBuffer *out, const MSElementBuffer *templateP, const Point3d *points) MDL_NOEXCEPT;
+MDL_EXPORT int mdlLine_create(MSElementBuffer *out, const MSElementBuffer *templateP,
+                              const Point3d *points) MDL_NOEXCEPT;
 MDL_EXPORT int mdlLineString_create(MSElementBuffer *out, const MSElementBuffer *templateP, const Point3d *points,
                                     int32_t count) MDL_NOEXCEPT;
 /* `fillMode` 0 none, other values filled. The last point needn't repeat the first; it is then added, and counts. */
@@ -109,18 +115,21 @@ MDL_EXPORT int mdlShape_create(MSElementBuffer *out, const MSElementBuffer *temp
                                int32_t count, int32_t fillMode) MDL_NOEXCEPT;
 /* Axes above 0; the sweep is at most a full turn either way, and not 0. */
 MDL_EXPORT int mdlArc_create(MSElementBuffer *out, const MSElementBuffer *templateP, const Point3d *center,
-                             double axis1, double axis2, const RotMatrix *rotation, double startAngle, double sweepAngle) MDL_NOEXCEPT;
+                             double axis1, double axis2, const RotMatrix *rotation, double startAngle,
+                             double sweepAngle) MDL_NOEXCEPT;
 /* The circular arc about `center` from `start` to the bearing of `end`: counter-clockwise, or clockwise when
  * `clockwise` isn't 0. `normal` (null: the z axis) is the axis that it turns about. */
 MDL_EXPORT int mdlArc_createByCenter(MSElementBuffer *out, const MSElementBuffer *templateP, const Point3d *start,
-                                     const Point3d *center, const Point3d *end, int32_t clockwise, const Point3d *normal) MDL_NOEXCEPT;
+                                     const Point3d *center, const Point3d *end, int32_t clockwise,
+                                     const Point3d *normal) MDL_NOEXCEPT;
 MDL_EXPORT int mdlEllipse_create(MSElementBuffer *out, const MSElementBuffer *templateP, const Point3d *center,
                                  double axis1, double axis2, const RotMatrix *rotation, int32_t fillMode) MDL_NOEXCEPT;
 
 /* ---- extractors ---- */
 
 /* The points of a line, line string or shape: at most `size` of them; the number that the element has in countP. */
-MDL_EXPORT int mdlLinear_extract(Point3d *points, int32_t *countP, const MSElementBuffer *element, int32_t size) MDL_NOEXCEPT;
+MDL_EXPORT int mdlLinear_extract(Point3d *points, int32_t *countP, const MSElementBuffer *element,
+                                 int32_t size) MDL_NOEXCEPT;
 /* Of an arc or ellipse (start 0, sweep 2 pi). What is a circle in one system may be an ellipse in another: the axes
  * are then those of the ellipse. An arc parallel to the xy plane is told as seen from above: the rotation is about the
  * z axis, and a clockwise arc has a negative sweep. */
@@ -134,7 +143,8 @@ MDL_EXPORT int mdlLinear_getClosestSegment(Point3d *pointP, Point3d *segment, in
 /* ---- cell headers ---- */
 
 /* A cell header, at most 511 characters of name. The cell's elements are appended to its descriptor. */
-MDL_EXPORT int mdlCell_create(MSElementBuffer *out, const wchar_t *name, const Point3d *origin, int32_t is3d) MDL_NOEXCEPT;
+MDL_EXPORT int mdlCell_create(MSElementBuffer *out, const wchar_t *name, const Point3d *origin,
+                              int32_t is3d) MDL_NOEXCEPT;
 /* Origin in the current transform, and the matrix of the cell's own axes (their rotation and scale) in UOR. MDL_ERROR
  * when the element isn't a cell header. */
 MDL_EXPORT int mdlCell_extract(Point3d *origin, RotMatrix *matrix, const MSElementBuffer *element) MDL_NOEXCEPT;
@@ -142,7 +152,8 @@ MDL_EXPORT int mdlCell_extract(Point3d *origin, RotMatrix *matrix, const MSEleme
  * no description. */
 MDL_EXPORT int mdlCell_extractName(wchar_t *name, int32_t size, const MSElementBuffer *element) MDL_NOEXCEPT;
 MDL_EXPORT int mdlCell_setName(MSElementBuffer *element, const wchar_t *name) MDL_NOEXCEPT;
-MDL_EXPORT int mdlCell_extractDescription(wchar_t *description, int32_t size, const MSElementBuffer *element) MDL_NOEXCEPT;
+MDL_EXPORT int mdlCell_extractDescription(wchar_t *description, int32_t size,
+                                          const MSElementBuffer *element) MDL_NOEXCEPT;
 MDL_EXPORT int mdlCell_setDescription(MSElementBuffer *element, const wchar_t *description) MDL_NOEXCEPT;
 
 /* ---- linkages ---- */
@@ -167,7 +178,8 @@ MDL_EXPORT int mdlLinkage_appendToElement(MSElementBuffer *element, const Linkag
  * The pointers: skip function and its argument, words found, offset found; the library gives 0. MDL_ERROR when there is
  * none. */
 MDL_EXPORT int mdlLinkage_extractFromElement(void *linkage, const MSElementBuffer *element, uint16_t primaryId,
-                                             void *reserved1, void *reserved2, uint32_t *wordsP, uint32_t *offsetP) MDL_NOEXCEPT;
+                                             void *reserved1, void *reserved2, uint32_t *wordsP,
+                                             uint32_t *offsetP) MDL_NOEXCEPT;
 /* Deletes all user linkages with that primary id; the number deleted goes to countP. MDL_SUCCESS also for none. */
 MDL_EXPORT int mdlLinkage_deleteFromElement(MSElementBuffer *element, uint16_t primaryId, void *reserved1,
                                             void *reserved2, void *reserved3, int32_t *countP) MDL_NOEXCEPT;
@@ -183,7 +195,8 @@ enum { LINE_STYLE_SCALE = 0x01, LINE_STYLE_START_WIDTH = 0x08, LINE_STYLE_END_WI
 
 /* Gives the element a named line style, with its modifiers kept in a linkage. MDL_ERROR for a name that the active
  * model hasn't. */
-MDL_EXPORT int mdlElement_setLineStyle(MSElementBuffer *element, const char *name, const LineStyleParams *params) MDL_NOEXCEPT;
+MDL_EXPORT int mdlElement_setLineStyle(MSElementBuffer *element, const char *name,
+                                       const LineStyleParams *params) MDL_NOEXCEPT;
 /* MDL_ERROR, with nothing stored, when the element has none. */
 MDL_EXPORT int mdlElement_getLineStyleParams(LineStyleParams *params, const MSElementBuffer *element) MDL_NOEXCEPT;
 
@@ -216,7 +229,8 @@ MDL_EXPORT int mdlBspline_leastSquaresToCurve(BsplineCurve *curve, double *meanE
 /* The point at parameter 0 to 1. */
 MDL_EXPORT int mdlBspline_evaluateCurvePoint(Point3d *point, const BsplineCurve *curve, double parameter) MDL_NOEXCEPT;
 /* An element of type 27 from the curve, with the active settings or the template's. */
-MDL_EXPORT int mdlBspline_createCurve(MSElementBuffer *out, const MSElementBuffer *templateP, const BsplineCurve *curve) MDL_NOEXCEPT;
+MDL_EXPORT int mdlBspline_createCurve(MSElementBuffer *out, const MSElementBuffer *templateP,
+                                      const BsplineCurve *curve) MDL_NOEXCEPT;
 /* The curve of an element of type 27; to be freed. */
 MDL_EXPORT int mdlBspline_extractCurve(BsplineCurve *curve, const MSElementBuffer *element) MDL_NOEXCEPT;
 /* Frees the arrays and clears the pointers. */

@@ -15,14 +15,16 @@ struct ElementDescr {
 };
 
 /* A new descriptor with a copy of the element in edPP. `model` null is the active one. */
-MDL_EXPORT MDL_CHECKED int mdlElmdscr_new(ElementDescr **edPP, ModelRef *model, const MSElementBuffer *element) MDL_NOEXCEPT;
+MDL_EXPORT MDL_CHECKED int mdlElmdscr_new(ElementDescr **edPP, ModelRef *model,
+                                          const MSElementBuffer *element) MDL_NOEXCEPT;
 /* Appends a copy of the element: as the last component when ed is a header that takes components (cell, text node,
  * complex shape), else at the end of ed's chain. */
 MDL_EXPORT MDL_CHECKED int mdlElmdscr_appendElement(ElementDescr *ed, const MSElementBuffer *element) MDL_NOEXCEPT;
-/* Appends a descriptor, which then belongs to ed, in the same way. MDL_ERROR, with both as they were, when it stands in a
- * chain or header already, or ed is a part of it. */
+/* Appends a descriptor, which then belongs to ed, in the same way. MDL_ERROR, with both as they were, when it stands in
+ * a chain or header already, or ed is a part of it. */
 MDL_EXPORT MDL_CHECKED int mdlElmdscr_appendDscr(ElementDescr *ed, ElementDescr *part) MDL_NOEXCEPT;
-MDL_EXPORT MDL_CHECKED int mdlElmdscr_duplicate(ElementDescr **edPP, const ElementDescr *ed) MDL_NOEXCEPT; /* with chain and children */
+/* With chain and children */
+MDL_EXPORT MDL_CHECKED int mdlElmdscr_duplicate(ElementDescr **edPP, const ElementDescr *ed) MDL_NOEXCEPT;
 MDL_EXPORT void mdlElmdscr_freeAll(ElementDescr **edPP) MDL_NOEXCEPT; /* frees chain and children; *edPP becomes null */
 
 /* Reads the element at a position, its components with it. The number of elements read; 0 when it can't be read. */
@@ -44,17 +46,19 @@ MDL_EXPORT int mdlCell_setRange(ElementDescr *ed, ModelRef *model) MDL_NOEXCEPT;
 MDL_EXPORT int mdlElmdscr_validate(ElementDescr *ed, ModelRef *model) MDL_NOEXCEPT;
 /* The range of chain and children in UOR, whatever the current transform; transformed first when `transform` isn't
  * null. MDL_ERROR, with low and high untouched, when nothing in it has an extent of its own. */
-MDL_EXPORT int mdlElmdscr_computeRange(Point3d *low, Point3d *high, const ElementDescr *ed, const Transform *transform) MDL_NOEXCEPT;
+MDL_EXPORT int mdlElmdscr_computeRange(Point3d *low, Point3d *high, const ElementDescr *ed,
+                                       const Transform *transform) MDL_NOEXCEPT;
 /* Transforms every element, in UOR. MDL_ERROR, with all as it was, when a coordinate would leave the finite numbers. */
 MDL_EXPORT MDL_CHECKED int mdlElmdscr_transform(ElementDescr *ed, const Transform *transform) MDL_NOEXCEPT;
 /* As mdlElement_stroke for a whole descriptor: the components of a complex shape, which follow each other, in one run
  * that ends on its first point. Chain members behind ed
  * aren't looked at. */
-MDL_EXPORT int mdlElmdscr_stroke(Point3d **pointsP, int32_t *countP, const ElementDescr *ed, double tolerance) MDL_NOEXCEPT;
+MDL_EXPORT int mdlElmdscr_stroke(Point3d **pointsP, int32_t *countP, const ElementDescr *ed,
+                                 double tolerance) MDL_NOEXCEPT;
 
 /* Calls f for each element of the chain and its children: headers before their components. Stops at a non-zero result,
- * which is the call's result. `order` says for which, as a sum of MDL_DESCR_...; f gets the one that it is called for, and how many headers it lies in as
- * `offset`. */
+ * which is the call's result. `order` says for which, as a sum of MDL_DESCR_...; f gets the one that it is called for,
+ * and how many headers it lies in as `offset`. */
 enum {
     MDL_DESCR_ELEMENTS = 1,       /* elements that aren't headers */
     MDL_DESCR_HEADERS = 2,        /* headers in the chain itself */
@@ -79,6 +83,7 @@ enum { MDL_DRAW = 0, MDL_ERASE = 1, MDL_HIGHLIGHT = 2, MDL_DYNAMICS = 4 };
 MDL_EXPORT int mdlElement_display(const MSElementBuffer *element, int32_t drawMode) MDL_NOEXCEPT;
 /* Deletes what lies at the position in the active model, components included; undo.h brings it back. `element` and
  * `display` have no effect. */
-MDL_EXPORT int mdlElement_undoableDelete(const MSElementBuffer *element, FilePos position, int32_t display) MDL_NOEXCEPT;
+MDL_EXPORT int mdlElement_undoableDelete(const MSElementBuffer *element, FilePos position,
+                                         int32_t display) MDL_NOEXCEPT;
 
 #endif

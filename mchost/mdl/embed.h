@@ -63,7 +63,8 @@ MDL_EXPORT int mchost_start(const char *taskName, int (*start)(int argc, char **
                             const char *const *arguments) MDL_NOEXCEPT;
 /* Loads an application, by the path of its module or by its name along MS_MDL and in the folders lib of the
  * installation, and starts its main function. MDL_ERROR when there is none that can be loaded, which has been told. */
-MDL_EXPORT int mchost_load(const char *application, const char *listName, int count, const char *const *arguments) MDL_NOEXCEPT;
+MDL_EXPORT int mchost_load(const char *application, const char *listName, int count,
+                           const char *const *arguments) MDL_NOEXCEPT;
 /* Loads the applications that a configuration variable lists (MS_INITAPPS, MS_DGNAPPS), with its name as the list name.
  * The number of them, or -1 when one can't be loaded. */
 MDL_EXPORT int mchost_loadListed(const char *variable) MDL_NOEXCEPT;

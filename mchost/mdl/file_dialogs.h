@@ -52,9 +52,9 @@ MDL_EXPORT int mdlDialog_fileOpen(char *result, RscHandle rscFile, int32_t dialo
 MDL_EXPORT int mdlDialog_fileCreate(char *result, RscHandle rscFile, int32_t dialogId, const char *suggestedName,
                                     const char *filter, const char *directory, const char *title) MDL_NOEXCEPT;
 
-/* The same with a record of remembered files, `id` of the resource file `handle` (0: of this session): its directory and
- * filter are used in place of those given, its files are offered, and what the user chose is stored in it. A record that
- * can't be stored changes nothing in the result. */
+/* The same with a record of remembered files, `id` of the resource file `handle` (0: of this session): its directory
+ * and filter are used in place of those given, its files are offered, and what the user chose is stored in it. A record
+ * that can't be stored changes nothing in the result. */
 MDL_EXPORT int mdlDialog_defFileOpen(char *result, RscHandle rscFile, int32_t dialogId, const char *suggestedName,
                                      const char *filter, const char *directory, const char *title, int32_t id,
                                      RscHandle handle) MDL_NOEXCEPT;
@@ -79,9 +79,10 @@ enum {
     MDL_FILE_LIST_SEVERAL = 0x100   /* the list may hold more than one file */
 };
 
-/* Has the user edit a list of files: adding, removing, none at all. Gives the edited list, which the caller owns, or null
- * when the dialog was cancelled; `list` (may be null) stays as it was. `result` gets the reply, and the directory and
- * filter that were in use; when its filter isn't empty, it goes before `filter`. `listTitle` stands above the list. */
+/* Has the user edit a list of files: adding, removing, none at all. Gives the edited list, which the caller owns, or
+ * null when the dialog was cancelled; `list` (may be null) stays as it was. `result` gets the reply, and the directory
+ * and filter that were in use; when its filter isn't empty, it goes before `filter`. `listTitle` stands above the
+ * list. */
 MDL_EXPORT StringList *mdlFileList_edit(FileDialogResult *result, const StringList *list, int32_t options,
                                         const char *title, const char *listTitle, const char *filter,
                                         const char *directory) MDL_NOEXCEPT;

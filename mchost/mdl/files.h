@@ -15,7 +15,8 @@ MDL_EXPORT int dlmSystem_mdlFclose(FILE *stream) MDL_NOEXCEPT;
 /* ---- text files ---- */
 typedef struct MdlTextFile MdlTextFile;
 enum { MDL_TEXT_READ = 0, MDL_TEXT_WRITE = 1, MDL_TEXT_APPEND = 2 };
-/* Opens a text file; null when it can't be opened. A folder can't be. A UTF-8 byte order mark at its start isn't read. */
+/* Opens a text file; null when it can't be opened. A folder can't be. A UTF-8 byte order mark at its start isn't
+ * read. */
 MDL_EXPORT MdlTextFile *mdlTextFile_open(const char *name, int mode) MDL_NOEXCEPT;
 /* Closes and frees. 0, or the system's error number when what was written couldn't be stored. */
 MDL_EXPORT int mdlTextFile_close(MdlTextFile *file) MDL_NOEXCEPT;
@@ -32,7 +33,8 @@ MDL_EXPORT void mdlTextFile_rewind(MdlTextFile *file) MDL_NOEXCEPT;
 /* 1 when both are open on the same file of the system, whatever its name was. */
 MDL_EXPORT int mdlTextFile_isSame(const MdlTextFile *file, const MdlTextFile *other) MDL_NOEXCEPT;
 MDL_EXPORT int mdlTextFile_eof(const MdlTextFile *file) MDL_NOEXCEPT;   /* 1 when a read has met the end */
-MDL_EXPORT int mdlTextFile_error(const MdlTextFile *file) MDL_NOEXCEPT; /* the system's error number of a failed read, else 0 */
+/* The system's error number of a failed read, else 0 */
+MDL_EXPORT int mdlTextFile_error(const MdlTextFile *file) MDL_NOEXCEPT;
 
 /* ---- names ---- */
 /* Finds a file in the folders of the configuration variable `searchVariable` (divided by `;`), then in the current one;
@@ -40,10 +42,12 @@ MDL_EXPORT int mdlTextFile_error(const MdlTextFile *file) MDL_NOEXCEPT; /* the s
  * when the name has none. Both may be null. Letter case doesn't count where no file has the name as it stands. A null
  * name is the first of what the variable names that is a file itself. The full name of a file that was found goes to
  * `result` (256 bytes, may be null). 0 for a file found. */
-MDL_EXPORT int mdlFile_find(char *result, const char *name, const char *searchVariable, const char *defaultExtension) MDL_NOEXCEPT;
+MDL_EXPORT int mdlFile_find(char *result, const char *name, const char *searchVariable,
+                            const char *defaultExtension) MDL_NOEXCEPT;
 /* Takes a name apart: device ("c:" or empty), directory (with its last separator), name, extension (without its dot).
  * Each part may be null; each buffer holds 256 bytes. */
-MDL_EXPORT int mdlFile_parseName(const char *path, char *device, char *directory, char *name, char *extension) MDL_NOEXCEPT;
+MDL_EXPORT int mdlFile_parseName(const char *path, char *device, char *directory, char *name,
+                                 char *extension) MDL_NOEXCEPT;
 /* Puts a name together from the four parts; null or empty parts are left out. `path` holds 256 bytes; MDL_ERROR and an
  * empty path when the result is longer. */
 MDL_EXPORT int mdlFile_buildName(char *path, const char *device, const char *directory, const char *name,
@@ -95,8 +99,8 @@ MDL_EXPORT void mdlWorkFolder_remove(MdlWorkFolder *folder) MDL_NOEXCEPT; /* nul
 MDL_EXPORT int mdlFile_copy(const char *destination, const char *source) MDL_NOEXCEPT;
 
 /* ---- work files: a design file opened beside the active one ---- */
-/* Opens a design file to look at it: as it is now in this session when that is writing to it, else as it was stored. The
- * model in modelP. 0 or MDL_ERROR. Each opening is closed by itself. */
+/* Opens a design file to look at it: as it is now in this session when that is writing to it, else as it was stored.
+ * The model in modelP. 0 or MDL_ERROR. Each opening is closed by itself. */
 MDL_EXPORT int mdlWorkDgn_openFile(ModelRef **modelP, const char *name) MDL_NOEXCEPT;
 /* The same to change it too: what is added to its model or rewritten there (mdlElmdscr_add, mdlElmdscr_rewrite of its
  * descriptors) is stored when the running command is finished, and when the file is closed. MDL_ERROR, with a line in
@@ -111,8 +115,8 @@ MDL_EXPORT int mdlWorkDgn_openCellLibrary(ModelRef **modelP, const char *name) M
 
 /* ---- kinds of files ---- */
 enum { MDL_FILE_OTHER = 0, MDL_FILE_DESIGN = 1, MDL_FILE_CELL_LIBRARY = 2, MDL_FILE_RESOURCE = 3 };
-/* What kind of file it is, by its first bytes and not by its suffix; a damaged file, or one of a newer make, has its kind
- * too. 0; MDL_ERROR, with a line in the message centre, when there is no file of that name or it can't be read. */
+/* What kind of file it is, by its first bytes and not by its suffix; a damaged file, or one of a newer make, has its
+ * kind too. 0; MDL_ERROR, with a line in the message centre, when there is no file of that name or it can't be read. */
 MDL_EXPORT int mdlFile_getKind(int32_t *kindP, const char *name) MDL_NOEXCEPT;
 
 /* The user's preference file of the host, which MS_USERPREF names (when it isn't defined: user.rsc in the user's folder

@@ -19,9 +19,9 @@ MDL_EXPORT int mdlLevel_getName(wchar_t *name, int32_t size, ModelRef *model, Le
 MDL_EXPORT int mdlLevel_getCode(int32_t *codeP, ModelRef *model, LevelId id) MDL_NOEXCEPT;
 /* From the id in *idP to the next one that the model has; from 0 to the first. MDL_ERROR behind the last one. */
 MDL_EXPORT int mdlLevel_getNextId(LevelId *idP, ModelRef *model) MDL_NOEXCEPT;
-/* Creates a level; MDL_ERROR for a name that is empty, too long (511 characters) or there already, or a model that can't
- * be written. The level lasts until the session ends, and is stored by mdlLevelTable_rewrite or with the first element
- * that is on it. */
+/* Creates a level; MDL_ERROR for a name that is empty, too long (511 characters) or there already, or a model that
+ * can't be written. The level lasts until the session ends, and is stored by mdlLevelTable_rewrite or with the first
+ * element that is on it. */
 MDL_EXPORT int mdlLevel_create(LevelId *idP, ModelRef *model, const wchar_t *name) MDL_NOEXCEPT;
 /* What elements on the level take by level: colour, style, modifiers of a named style (LineStyleParams), weight, fill
  * colour. Null pointers leave alone. */
@@ -29,7 +29,8 @@ MDL_EXPORT int mdlLevel_setElementSymbology(ModelRef *model, LevelId id, const u
                                             const void *styleParams, const uint32_t *weight,
                                             const uint32_t *fillColor) MDL_NOEXCEPT;
 /* What the level overrides while it is on; zeros are none. */
-MDL_EXPORT int mdlLevel_setSymbology(ModelRef *model, LevelId id, uint32_t color, int32_t style, uint32_t weight) MDL_NOEXCEPT;
+MDL_EXPORT int mdlLevel_setSymbology(ModelRef *model, LevelId id, uint32_t color, int32_t style,
+                                     uint32_t weight) MDL_NOEXCEPT;
 MDL_EXPORT int mdlLevel_getElementSymbology(uint32_t *color, int32_t *style, uint32_t *weight, ModelRef *model,
                                             LevelId id) MDL_NOEXCEPT;
 /* Stores the levels of the model in its file; those that came with cells alone are stored with the first element. */
@@ -53,8 +54,8 @@ MDL_EXPORT int mdlLineStyle_getPattern(double *pattern, int32_t *countP, int32_t
 
 /* Value of a row that is a named style in the list below. */
 enum { MDL_STYLE_NAMED = 0x7FFFFF00 };
-/* Fills a list model of one column with the model's styles: value the number 0 to 7, or MDL_STYLE_NAMED with the name as
- * its text. MDL_ERROR without a model. */
+/* Fills a list model of one column with the model's styles: value the number 0 to 7, or MDL_STYLE_NAMED with the name
+ * as its text. MDL_ERROR without a model. */
 MDL_EXPORT int mdlLevelList_getStyleListModel(ListModel *list, ModelRef *model) MDL_NOEXCEPT;
 
 #endif

@@ -15,11 +15,15 @@ MDL_EXPORT int32_t mdlStringList_size(const StringList *list) MDL_NOEXCEPT; /* 0
 MDL_EXPORT int mdlStringList_insertMember(int32_t *indexP, StringList *list, int32_t index, int32_t count) MDL_NOEXCEPT;
 MDL_EXPORT int mdlStringList_deleteMember(StringList *list, int32_t index, int32_t count) MDL_NOEXCEPT;
 /* Sets text (null: leave) and info fields (null: leave) of a member. */
-MDL_EXPORT int mdlStringList_setMember(StringList *list, int32_t index, const char *text, const int32_t *info) MDL_NOEXCEPT;
-/* The text in *textP (the list's own, valid until it changes) and all info fields copied to info. Either may be null. */
-MDL_EXPORT int mdlStringList_getMember(const char **textP, int32_t *info, const StringList *list, int32_t index) MDL_NOEXCEPT;
+MDL_EXPORT int mdlStringList_setMember(StringList *list, int32_t index, const char *text,
+                                       const int32_t *info) MDL_NOEXCEPT;
+/* The text in *textP (the list's own, valid until it changes) and all info fields copied to info. Either may be
+ * null. */
+MDL_EXPORT int mdlStringList_getMember(const char **textP, int32_t *info, const StringList *list,
+                                       int32_t index) MDL_NOEXCEPT;
 MDL_EXPORT int mdlStringList_setInfoField(StringList *list, int32_t index, int32_t field, int32_t value) MDL_NOEXCEPT;
-MDL_EXPORT int mdlStringList_getInfoField(int32_t *valueP, const StringList *list, int32_t index, int32_t field) MDL_NOEXCEPT;
+MDL_EXPORT int mdlStringList_getInfoField(int32_t *valueP, const StringList *list, int32_t index,
+                                          int32_t field) MDL_NOEXCEPT;
 /* The most members that the list may hold. */
 MDL_EXPORT void mdlStringList_setLimit(StringList *list, int32_t limit) MDL_NOEXCEPT;
 
@@ -38,6 +42,7 @@ MDL_EXPORT const char *mdlListModel_getText(const ListModel *model, int32_t row,
 MDL_EXPORT int mdlListModel_setValue(ListModel *model, int32_t row, int32_t column, int32_t value) MDL_NOEXCEPT;
 MDL_EXPORT int mdlListModel_getValue(int32_t *valueP, const ListModel *model, int32_t row, int32_t column) MDL_NOEXCEPT;
 /* Gives the cell an editor of that item type and id (0x64547874 is a text item). */
-MDL_EXPORT int mdlListModel_setEditor(ListModel *model, int32_t row, int32_t column, uint32_t itemType, int32_t itemId) MDL_NOEXCEPT;
+MDL_EXPORT int mdlListModel_setEditor(ListModel *model, int32_t row, int32_t column, uint32_t itemType,
+                                      int32_t itemId) MDL_NOEXCEPT;
 
 #endif

@@ -2,8 +2,8 @@
  *
  * One design file is active at a time, with its model; others may be open beside it (files.h) or be shown in it
  * (reference.h). What is added, changed or deleted is in memory at once and in the file when the running command is
- * finished: when an application's main function or a call from the host into it is over, when the file is closed, or with
- * mdlSystem_saveDesignFile. */
+ * finished: when an application's main function or a call from the host into it is over, when the file is closed, or
+ * with mdlSystem_saveDesignFile. */
 #ifndef HOST_MDL_MODEL_H
 #define HOST_MDL_MODEL_H
 
@@ -13,9 +13,9 @@
  * there or it can't be made. */
 MDL_EXPORT int mdlSystem_createDesignFile(const char *name, int is3d) MDL_NOEXCEPT;
 /* Closes the open design file (what it holds is stored first), opens this one and calls the new-design-file functions.
- * MDL_ERROR, with a line in the message centre and the file before still open, when it isn't there, isn't a design file,
- * is damaged, or another session has it open to write. A file that can't be written, or lies in a folder that can't, is
- * opened read-only. Any number of sessions may read; they see what was stored when they opened it. */
+ * MDL_ERROR, with a line in the message centre and the file before still open, when it isn't there, isn't a design
+ * file, is damaged, or another session has it open to write. A file that can't be written, or lies in a folder that
+ * can't, is opened read-only. Any number of sessions may read; they see what was stored when they opened it. */
 MDL_EXPORT int mdlSystem_newDesignFile(const char *name, int readOnly) MDL_NOEXCEPT;
 /* Stores what was changed since the last time. MDL_ERROR, with a line in the message centre, when it can't be stored;
  * the file then holds what it held before. */

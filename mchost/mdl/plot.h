@@ -80,6 +80,7 @@ MDL_EXPORT int mdlPlotter_getString(char *buffer, const MdlPlotter *plotter, int
 /* Lets the user choose the system printer of the plotter, in the host's own dialog: `answer` becomes 2 when one was
  * chosen and 1 when not. MDL_ERROR when the system has no printer or nobody can answer. `mode` and `owner` are taken
  * and not used. */
-MDL_EXPORT int mdlPlotter_showSystemPrintdlg(int32_t *answer, MdlPlotter *plotter, int32_t mode, int32_t owner) MDL_NOEXCEPT;
+MDL_EXPORT int mdlPlotter_showSystemPrintdlg(int32_t *answer, MdlPlotter *plotter, int32_t mode,
+                                             int32_t owner) MDL_NOEXCEPT;
 
 #endif

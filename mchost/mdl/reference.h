@@ -27,14 +27,16 @@ MDL_EXPORT int mdlRefFile_detachModel(ModelRef *model) MDL_NOEXCEPT; /* the same
 
 MDL_EXPORT int mdlModelRef_isReference(ModelRef *model) MDL_NOEXCEPT;        /* 1 for an attached one */
 MDL_EXPORT ModelRef *mdlModelRef_getParent(ModelRef *model) MDL_NOEXCEPT;    /* null for one that isn't attached */
-MDL_EXPORT int mdlRefFile_getNumber(ModelRef *model) MDL_NOEXCEPT;           /* from 1, by its parent; 0: not a reference */
+/* From 1, by its parent; 0: not a reference */
+MDL_EXPORT int mdlRefFile_getNumber(ModelRef *model) MDL_NOEXCEPT;
 /* The name of the file; as it was attached when it isn't found. Also MDL_ERROR for a name that was cut. */
 MDL_EXPORT int mdlRefFile_getFileName(char *name, int32_t size, ModelRef *model) MDL_NOEXCEPT;
 MDL_EXPORT int mdlRefFile_getTransform(Transform *toParent, ModelRef *model) MDL_NOEXCEPT;
 /* The corners of the clip, and their number; either may be null. */
 MDL_EXPORT int mdlRefFile_getClip(Point3d *corners, int32_t *countP, ModelRef *model) MDL_NOEXCEPT;
 
-/* Parameters of a reference: 32-bit 0 or 1, and the scale as a double: master units of the parent for one of its own. */
+/* Parameters of a reference: 32-bit 0 or 1, and the scale as a double: master units of the parent for one of its
+ * own. */
 enum { MDL_REFERENCE_SHOWN = 1, MDL_REFERENCE_FOUND = 4, MDL_REFERENCE_HIDDEN = 6, MDL_REFERENCE_SCALE = 10 };
 MDL_EXPORT int mdlRefFile_getParameters(void *valueP, int32_t parameter, ModelRef *model) MDL_NOEXCEPT;
 /* Sets SHOWN or HIDDEN. MDL_ERROR for another one or, with a line, when the parent isn't open to be written. */
@@ -44,10 +46,11 @@ MDL_EXPORT int mdlRefFile_setParameters(const void *valueP, int32_t parameter, M
 
 typedef struct ModelRefIterator ModelRefIterator;
 enum { MDL_ITERATE_ACTIVE = 1, MDL_ITERATE_REFERENCES = 2 };
-/* An iterator over the model `root` (flag 1; null: the active one), what is attached to it (flag 2), or both: each place
- * before those in it, files that aren't found too. `depth` 1 is what is attached to the root, 2 also what is attached to
- * that, and so on; 0 and below all of it. */
-MDL_EXPORT int mdlModelRefIterator_create(ModelRefIterator **iteratorP, ModelRef *root, int32_t flags, int32_t depth) MDL_NOEXCEPT;
+/* An iterator over the model `root` (flag 1; null: the active one), what is attached to it (flag 2), or both: each
+ * place before those in it, files that aren't found too. `depth` 1 is what is attached to the root, 2 also what is
+ * attached to that, and so on; 0 and below all of it. */
+MDL_EXPORT int mdlModelRefIterator_create(ModelRefIterator **iteratorP, ModelRef *root, int32_t flags,
+                                          int32_t depth) MDL_NOEXCEPT;
 MDL_EXPORT ModelRef *mdlModelRefIterator_getFirst(ModelRefIterator *iterator) MDL_NOEXCEPT;
 MDL_EXPORT ModelRef *mdlModelRefIterator_getNext(ModelRefIterator *iterator) MDL_NOEXCEPT; /* null at the end */
 MDL_EXPORT void mdlModelRefIterator_free(ModelRefIterator **iteratorP) MDL_NOEXCEPT;

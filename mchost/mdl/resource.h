@@ -1,5 +1,5 @@
-/* Resource files (.rsc): string lists and dialog layouts that mcrsc makes from text sources, and typed blocks and string
- * lists that applications keep.
+/* Resource files (.rsc): string lists and dialog layouts that mcrsc makes from text sources, and typed blocks and
+ * string lists that applications keep.
  *
  * What mcrsc made is read in the language of the configuration variable MS_LANGUAGE ("en" when it isn't defined); a
  * string that the file lacks in that language comes in English.
@@ -23,8 +23,8 @@ enum { MDL_RSC_READ_ONLY = -906 /* the file was opened for reading, or it or its
                (uint32_t)(unsigned char)(c) << 8 | (uint32_t)(unsigned char)(d)))
 
 /* ---- files ----
- * A file that was removed or replaced since it was opened takes no more: calls that write give MDL_ERROR, with a line in
- * the message centre. */
+ * A file that was removed or replaced since it was opened takes no more: calls that write give MDL_ERROR, with a line
+ * in the message centre. */
 
 /* Makes a resource file without content, which then has to be opened. A resource file of that name is emptied, except
  * one that another process makes at the same time: it does for both. A file that is no resource file, is damaged, of a
@@ -58,8 +58,8 @@ typedef struct MdlResourceEntry {
 } MdlResourceEntry;
 /* A result other than 0 ends the listing. */
 typedef int (*MdlResourceVisit)(void *userArg, const MdlResourceEntry *entry);
-/* Calls `visit` for each resource of an open file, in order of kind, type and id. 0 or the visit's result; MDL_ERROR, with a
- * line in the message centre, when the file isn't open or can't be read. */
+/* Calls `visit` for each resource of an open file, in order of kind, type and id. 0 or the visit's result; MDL_ERROR,
+ * with a line in the message centre, when the file isn't open or can't be read. */
 MDL_EXPORT int mdlResource_list(RscHandle rscFile, MdlResourceVisit visit, void *userArg) MDL_NOEXCEPT;
 /* The title that the file was made with, at most size - 1 characters and a NUL; empty when it has none. MDL_ERROR as
  * above, or when it was cut. */
@@ -67,9 +67,9 @@ MDL_EXPORT int mdlResource_getTitle(char *title, int32_t size, RscHandle rscFile
 
 /* ---- typed blocks ---- */
 
-/* The block as it is stored at this moment; null when there is none, or when it is damaged, which gets a line. The caller
- * gives it back with mdlResource_free, and may change its bytes but not its size. `rscFile` 0 looks in the files of the
- * current application, the last opened first, then in all open ones. */
+/* The block as it is stored at this moment; null when there is none, or when it is damaged, which gets a line. The
+ * caller gives it back with mdlResource_free, and may change its bytes but not its size. `rscFile` 0 looks in the files
+ * of the current application, the last opened first, then in all open ones. */
 MDL_EXPORT void *mdlResource_load(RscHandle rscFile, int32_t type, int32_t id) MDL_NOEXCEPT;
 /* Size in bytes of a block that was loaded; 0 for null and for anything else. */
 MDL_EXPORT int32_t mdlResource_size(const void *block) MDL_NOEXCEPT;
@@ -80,7 +80,8 @@ MDL_EXPORT int mdlResource_write(const void *block) MDL_NOEXCEPT;
 MDL_EXPORT int mdlResource_add(RscHandle rscFile, int32_t type, int32_t id, const void *data, int32_t size,
                                int32_t attributes, const char *name) MDL_NOEXCEPT;
 /* The same, and a block that is stored there already is replaced, whatever its size. */
-MDL_EXPORT int mdlResource_put(RscHandle rscFile, int32_t type, int32_t id, const void *data, int32_t size) MDL_NOEXCEPT;
+MDL_EXPORT int mdlResource_put(RscHandle rscFile, int32_t type, int32_t id, const void *data,
+                               int32_t size) MDL_NOEXCEPT;
 /* Gives back a block that was loaded. MDL_ERROR for anything else; 0 for null. */
 MDL_EXPORT int mdlResource_free(void *block) MDL_NOEXCEPT;
 
@@ -90,14 +91,17 @@ MDL_EXPORT int mdlResource_free(void *block) MDL_NOEXCEPT;
  * the first one missing, with a line. */
 MDL_EXPORT StringList *mdlStringList_loadResource(RscHandle rscFile, int32_t id) MDL_NOEXCEPT;
 /* Adds a list; MDL_ERROR when one is there already. */
-MDL_EXPORT int mdlStringList_addResource(RscHandle rscFile, int32_t id, const StringList *list, const char *name) MDL_NOEXCEPT;
+MDL_EXPORT int mdlStringList_addResource(RscHandle rscFile, int32_t id, const StringList *list,
+                                         const char *name) MDL_NOEXCEPT;
 /* Replaces a list; MDL_ERROR when none is there. */
-MDL_EXPORT int mdlStringList_writeResource(const StringList *list, RscHandle rscFile, int32_t id, const char *name) MDL_NOEXCEPT;
+MDL_EXPORT int mdlStringList_writeResource(const StringList *list, RscHandle rscFile, int32_t id,
+                                           const char *name) MDL_NOEXCEPT;
 
 /* ---- message strings that mcrsc made ---- */
 
 /* The string `messageId` of list `listId` into `buffer` (512 bytes, cut there). `rscFile` 0 looks in the files of the
  * current application, the last opened first, then in all open ones. 0, or MDL_ERROR with the buffer untouched. */
-MDL_EXPORT int mdlResource_loadFromStringList(char *buffer, RscHandle rscFile, int32_t listId, int32_t messageId) MDL_NOEXCEPT;
+MDL_EXPORT int mdlResource_loadFromStringList(char *buffer, RscHandle rscFile, int32_t listId,
+                                              int32_t messageId) MDL_NOEXCEPT;
 
 #endif

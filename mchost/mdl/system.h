@@ -3,8 +3,8 @@
  *
  * All of it works without a session too (a process that only loads the library): there is then no application, memory
  * is plain memory, configuration variables are the process environment and what was defined, and console lines go to
- * standard error. What such calls leave behind (variables, parameters, open resource files) lasts until a session begins
- * or the process ends; a session begins with nothing of it, nor of the session before. */
+ * standard error. What such calls leave behind (variables, parameters, open resource files) lasts until a session
+ * begins or the process ends; a session begins with nothing of it, nor of the session before. */
 #ifndef HOST_MDL_SYSTEM_H
 #define HOST_MDL_SYSTEM_H
 
@@ -49,16 +49,16 @@ MDL_EXPORT int mdlSystem_failureNoted(void) MDL_NOEXCEPT;
 /* Calls `function` in the context of the application `desc`: desc is the current application during the call, and the
  * one before is current again afterwards. `signature` has a letter for each argument that follows: P pointer, I 32-bit
  * integer, D double; empty for none, at most 16. Gives the function's 32-bit result, which means nothing for a function
- * without one, or MDL_ERROR for a bad signature, a null function or an application that has ended. A null desc keeps the
- * current application. */
+ * without one, or MDL_ERROR for a bad signature, a null function or an application that has ended. A null desc keeps
+ * the current application. */
 MDL_EXPORT int32_t dlmSystem_callAnyFunction(const char *signature, MdlDesc *desc, void *function, ...) MDL_NOEXCEPT;
 /* The same, for a function that is known to lie in the application itself. */
 MDL_EXPORT int32_t dlmSystem_callMdlFunction(const char *signature, MdlDesc *desc, void *function, ...) MDL_NOEXCEPT;
 
 /* Registers a function of the current application for a kind of event; null takes it back. One function for each
  * application and kind. Kind 1: new design file, void f(char *fileName, int state), called with state 0 before the
- * open file is closed and with state 1 when the new one is open. Kind 2: the application ends, void f(void), while it is
- * still the current one. */
+ * open file is closed and with state 1 when the new one is open. Kind 2: the application ends, void f(void), while it
+ * is still the current one. */
 enum { MDL_FUNCTION_NEW_DESIGN_FILE = 1, MDL_FUNCTION_END = 2 };
 MDL_EXPORT int mdlSystem_setFunction(int kind, void *function) MDL_NOEXCEPT;
 /* Calls `function` (void f(int32_t id)) in the context of the current application once, after `ticks` ticks.
@@ -102,7 +102,8 @@ MDL_EXPORT int mdlOutput_formatText(char *to, size_t size, const char *format, v
 /* A text on the host's console. */
 MDL_EXPORT int toolSubsystem_printf(const char *format, ...) MDL_NOEXCEPT __attribute__((format(printf, 1, 2)));
 /* A text on a stream that dlmSystem_mdlFopen gave; the number of bytes written, negative on failure. */
-MDL_EXPORT int toolSubsystem_fprintf(FILE *stream, const char *format, ...) MDL_NOEXCEPT __attribute__((format(printf, 2, 3)));
+MDL_EXPORT int toolSubsystem_fprintf(FILE *stream, const char *format, ...) MDL_NOEXCEPT __attribute__((format(printf,
+                                     2, 3)));
 /* Message fields. */
 enum {
     MDL_FIELD_MESSAGE = 0,
@@ -120,10 +121,12 @@ MDL_EXPORT int mdlOutput_rscPrintf(int field, RscHandle rscFile, int32_t listId,
 enum { MDL_PRIORITY_ERROR = 10, MDL_PRIORITY_WARNING = 11, MDL_PRIORITY_INFORMATION = 12 };
 /* A message for the message centre. `openAlert` non-zero also waits until the user has taken note of it, where somebody
  * is there. */
-MDL_EXPORT int mdlOutput_messageCenter(int priority, const char *brief, const char *details, int openAlert) MDL_NOEXCEPT;
+MDL_EXPORT int mdlOutput_messageCenter(int priority, const char *brief, const char *details,
+                                       int openAlert) MDL_NOEXCEPT;
 /* Formats the string `messageId` of the string list `listId` in `rscFile` (0: any open resource file) with the further
  * values into `buffer` (512 bytes). 0, or MDL_ERROR with the buffer untouched when there is no such string. */
-MDL_EXPORT int mdlOutput_rscsPrintf(char *buffer, RscHandle rscFile, int32_t listId, int32_t messageId, ...) MDL_NOEXCEPT;
+MDL_EXPORT int mdlOutput_rscsPrintf(char *buffer, RscHandle rscFile, int32_t listId, int32_t messageId,
+                                    ...) MDL_NOEXCEPT;
 /* A text typed in on the user's behalf. `position` -1 puts it at the end of the input queue; `task` null sends it to
  * the host. */
 MDL_EXPORT int mdlInput_sendKeyin(const char *text, int literal, int position, const char *task) MDL_NOEXCEPT;
@@ -154,7 +157,8 @@ MDL_EXPORT int mdlParams_setActive(const void *valueP, int parameter) MDL_NOEXCE
 /* The active settings and the name of the open design file. */
 typedef struct MdlTcb {
     char designFileName[256];    /* full name of the open design file; empty when none is open */
-    unsigned char readoutFormat; /* low three bits: decimals + 1 of a decimal readout; bits 3 to 7: fraction or long forms */
+    unsigned char readoutFormat; /* low three bits: decimals + 1 of a decimal readout; bits 3 to 7: fraction or long
+                                  * forms */
     unsigned char readoutFlags;  /* bit 2: the long forms are in use */
     double activeSlant;          /* degrees */
     int32_t workmode;            /* as mdlSystem_getWorkmode */

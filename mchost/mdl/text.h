@@ -42,8 +42,8 @@ MDL_EXPORT int mdlText_createWide(MSElementBuffer *out, const MSElementBuffer *t
 MDL_EXPORT int mdlText_extract(Point3d *lowerLeft, Point3d *origin, double *width, double *height, char *text,
                                RotMatrix *rotation, TextParams *params, int32_t *just, double *textHeight,
                                double *charWidth, const MSElementBuffer *element) MDL_NOEXCEPT;
-/* A text element. With a text element as template, null arguments stand for what the template has, and its linkages stay:
- * with nothing but a text it is the template with other words. Else as mdlText_createWide, with narrow text. */
+/* A text element. With a text element as template, null arguments stand for what the template has, and its linkages
+ * stay: with nothing but a text it is the template with other words. Else as mdlText_createWide, with narrow text. */
 MDL_EXPORT int mdlText_create(MSElementBuffer *out, const MSElementBuffer *templateP, const char *text,
                               const Point3d *origin, const RotMatrix *rotation, const TextSize *size,
                               const TextParams *params, int32_t reserved) MDL_NOEXCEPT;
@@ -78,12 +78,14 @@ typedef struct MdlTextStyle MdlTextStyle;
 MDL_EXPORT MdlTextStyle *mdlTextStyle_getByName(const wchar_t *name, ModelRef *model) MDL_NOEXCEPT;
 MDL_EXPORT void mdlTextStyle_free(MdlTextStyle *style) MDL_NOEXCEPT;
 /* Text parameters and size of a style; width and height in UOR, 0 when the style leaves them open. */
-MDL_EXPORT int mdlTextStyle_getTextParamWideFromStyle(TextParams *params, TextSize *size, const MdlTextStyle *style) MDL_NOEXCEPT;
+MDL_EXPORT int mdlTextStyle_getTextParamWideFromStyle(TextParams *params, TextSize *size,
+                                                      const MdlTextStyle *style) MDL_NOEXCEPT;
 /* Adds or replaces a text style in the model. */
-MDL_EXPORT int mdlTextStyle_define(ModelRef *model, const wchar_t *name, const TextParams *params, const TextSize *size) MDL_NOEXCEPT;
+MDL_EXPORT int mdlTextStyle_define(ModelRef *model, const wchar_t *name, const TextParams *params,
+                                   const TextSize *size) MDL_NOEXCEPT;
 
-/* The text as text elements hold it: Windows-1252, one byte a character, at most size - 1 characters and a NUL. `limit` is
- * the most bytes that one character may take. 0, or MDL_ERROR when the text was cut. */
+/* The text as text elements hold it: Windows-1252, one byte a character, at most size - 1 characters and a NUL. `limit`
+ * is the most bytes that one character may take. 0, or MDL_ERROR when the text was cut. */
 MDL_EXPORT int mdlText_compressString(char *out, const char *text, int32_t size, int32_t limit) MDL_NOEXCEPT;
 
 /* Windows-1252 to wide text and back, at most size - 1 characters and a NUL. A wide character without a code becomes

@@ -21,7 +21,8 @@ MDL_EXPORT double mdlVec_computeNormal(Point3d *out, const Point3d *a, const Poi
 MDL_EXPORT void mdlRMatrix_getIdentity(RotMatrix *matrix) MDL_NOEXCEPT;
 MDL_EXPORT void mdlRMatrix_fromAngle(RotMatrix *matrix, double angle) MDL_NOEXCEPT; /* about the z axis */
 MDL_EXPORT void mdlRMatrix_rotatePoint(Point3d *point, const RotMatrix *matrix) MDL_NOEXCEPT;
-MDL_EXPORT void mdlRMatrix_unrotatePoint(Point3d *point, const RotMatrix *matrix) MDL_NOEXCEPT; /* by the transposed matrix */
+/* By the transposed matrix */
+MDL_EXPORT void mdlRMatrix_unrotatePoint(Point3d *point, const RotMatrix *matrix) MDL_NOEXCEPT;
 MDL_EXPORT void mdlRMatrix_rotatePointArray(Point3d *points, const RotMatrix *matrix, int32_t count) MDL_NOEXCEPT;
 MDL_EXPORT void mdlRMatrix_unrotatePointArray(Point3d *points, const RotMatrix *matrix, int32_t count) MDL_NOEXCEPT;
 /* MDL_ERROR, with `out` as it was, for a matrix that has no inverse. `out` may be `matrix`. */
@@ -30,15 +31,17 @@ MDL_EXPORT int mdlRMatrix_getInverse(RotMatrix *out, const RotMatrix *matrix) MD
 MDL_EXPORT void mdlRMatrix_multiplyRange(Point3d *low, Point3d *high, const RotMatrix *matrix) MDL_NOEXCEPT;
 
 /* ---- transforms ---- */
-MDL_EXPORT void mdlTMatrix_fromRMatrix(Transform *out, const RotMatrix *matrix) MDL_NOEXCEPT; /* without a translation */
+/* Without a translation */
+MDL_EXPORT void mdlTMatrix_fromRMatrix(Transform *out, const RotMatrix *matrix) MDL_NOEXCEPT;
 /* `in` (null: the identity) with a turn about the x, then the y, then the z axis behind it. `out` may be `in`. */
-MDL_EXPORT void mdlTMatrix_rotateByAngles(Transform *out, const Transform *in, double ax, double ay, double az) MDL_NOEXCEPT;
+MDL_EXPORT void mdlTMatrix_rotateByAngles(Transform *out, const Transform *in, double ax, double ay,
+                                          double az) MDL_NOEXCEPT;
 
 /* ---- the current transform ----
  * A stack. Inside begin and end, builders take and extractors give coordinates in the current system, and lengths
  * (radii, text sizes, stroke tolerances) in its unit. begin copies the system around it; identity makes it UOR. Calls
- * that change the system give MDL_ERROR and leave it when none is open, for values that aren't finite, and when it would
- * have no way back. What an application leaves open is closed when it ends. */
+ * that change the system give MDL_ERROR and leave it when none is open, for values that aren't finite, and when it
+ * would have no way back. What an application leaves open is closed when it ends. */
 MDL_EXPORT int mdlCurrTrans_begin(void) MDL_NOEXCEPT;
 MDL_EXPORT int mdlCurrTrans_end(void) MDL_NOEXCEPT; /* MDL_ERROR when none is open */
 MDL_EXPORT int mdlCurrTrans_identity(void) MDL_NOEXCEPT;
@@ -60,7 +63,8 @@ MDL_EXPORT int mdlCurrTrans_invtransPointArray(Point3d *out, const Point3d *in, 
 MDL_EXPORT int mdlCurrTrans_getAddresses(const Transform **toWorld, const Transform **fromWorld) MDL_NOEXCEPT;
 
 /* ---- units: 1 master unit is mdlModelRef_getUorPerMaster UOR ---- */
-MDL_EXPORT double mdlCnv_masterToUOR(double *resultP, double master, ModelRef *model) MDL_NOEXCEPT; /* also stored when not null */
+/* Also stored when not null */
+MDL_EXPORT double mdlCnv_masterToUOR(double *resultP, double master, ModelRef *model) MDL_NOEXCEPT;
 MDL_EXPORT double mdlCnv_UORToMaster(double *resultP, double uor, ModelRef *model) MDL_NOEXCEPT;
 
 /* ---- doubles as design files hold them: 8 bytes, IEEE 754, little-endian, at any address ---- */

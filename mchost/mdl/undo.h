@@ -16,8 +16,8 @@ enum { MDL_UNDO_NONE = 1 }; /* there is no such step */
  * without a mark. A step in which nothing is changed isn't kept. */
 MDL_EXPORT int mdlUndo_mark(const char *name) MDL_NOEXCEPT;
 
-/* Takes back the last step. MDL_UNDO_NONE when there is none; MDL_ERROR, with a line in the message centre and all as it
- * was, when one of its files can't be written any more. */
+/* Takes back the last step. MDL_UNDO_NONE when there is none; MDL_ERROR, with a line in the message centre and all as
+ * it was, when one of its files can't be written any more. */
 MDL_EXPORT int mdlUndo_undo(void) MDL_NOEXCEPT;
 /* Does the step that was taken back last again, with the same results. It is gone when something else was changed. */
 MDL_EXPORT int mdlUndo_redo(void) MDL_NOEXCEPT;

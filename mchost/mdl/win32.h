@@ -64,7 +64,8 @@ MDL_EXPORT void GetStartupInfoA(Win32StartupInfo *info) MDL_NOEXCEPT;
  * that it starts in, null for the current one. */
 MDL_EXPORT int CreateProcessA(const char *application, char *commandLine, void *processAttributes,
                               void *threadAttributes, int inheritHandles, uint32_t creationFlags, void *environment,
-                              const char *directory, const Win32StartupInfo *startupInfo, Win32ProcessInfo *processInfo) MDL_NOEXCEPT;
+                              const char *directory, const Win32StartupInfo *startupInfo,
+                              Win32ProcessInfo *processInfo) MDL_NOEXCEPT;
 #define WIN32_INFINITE 0xFFFFFFFFu
 /* Waits for the end of a process, at most so many milliseconds. 0 when it has ended, 258 when the time is over first,
  * 0xFFFFFFFF on failure. */
@@ -94,10 +95,11 @@ MDL_EXPORT int CloseHandle(void *handle) MDL_NOEXCEPT;
 enum { WIN32_VALUE_TEXT = 1, WIN32_VALUE_BYTES = 3, WIN32_VALUE_NUMBER = 4 };
 
 /* Opens a key of one of the two roots for reading. */
-MDL_EXPORT int32_t RegOpenKeyExA(void *root, const char *key, uint32_t options, uint32_t access, void **handleP) MDL_NOEXCEPT;
+MDL_EXPORT int32_t RegOpenKeyExA(void *root, const char *key, uint32_t options, uint32_t access,
+                                 void **handleP) MDL_NOEXCEPT;
 /* Kind and bytes of a value; a text has its NUL. `sizeP` holds the size of `data` on entry and that of the value
- * afterwards. Type, data and size may be null; without data the size is told. With a buffer that is too small nothing is
- * copied. `reserved` isn't used. */
+ * afterwards. Type, data and size may be null; without data the size is told. With a buffer that is too small nothing
+ * is copied. `reserved` isn't used. */
 MDL_EXPORT int32_t RegQueryValueExA(void *handle, const char *name, uint32_t *reserved, uint32_t *typeP, void *data,
                                     uint32_t *sizeP) MDL_NOEXCEPT;
 MDL_EXPORT int32_t RegCloseKey(void *handle) MDL_NOEXCEPT;
@@ -111,7 +113,8 @@ typedef struct Win32UniversalName {
  * table of mounts: /proc/mounts, or the file that the configuration variable MC_MOUNTS names. `infoLevel` is 1. The
  * buffer gets a Win32UniversalName and the text. `sizeP` holds the buffer's size; the size needed goes there with
  * WIN32_MORE_DATA. */
-MDL_EXPORT uint32_t WNetGetUniversalNameA(const char *path, uint32_t infoLevel, void *buffer, uint32_t *sizeP) MDL_NOEXCEPT;
+MDL_EXPORT uint32_t WNetGetUniversalNameA(const char *path, uint32_t infoLevel, void *buffer,
+                                          uint32_t *sizeP) MDL_NOEXCEPT;
 
 /* ---- printers ---- */
 

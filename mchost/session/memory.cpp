@@ -113,7 +113,10 @@ void* dlmSystem_mdlMalloc(size_t size) noexcept {
 }
 
 void* dlmSystem_mdlRealloc(void* block, size_t size) noexcept {
-    if (failsNow() || isImpossible(size)) return noteMemoryRanOut(), nullptr;
+    if (failsNow() || isImpossible(size)) {
+        noteMemoryRanOut();
+        return nullptr;
+    }
     const size_t before = !block ? 0 : malloc_usable_size(block);
     if (block && Trace::active()) Trace::active()->remove(block);
     void* grown = std::realloc(block, size == 0 ? 1 : size);

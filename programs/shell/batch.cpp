@@ -112,7 +112,7 @@ int BatchFile::runLine(std::string_view line) {
     const std::vector<Word> words = wordsOfLine(line);
     const int status = runWords(words, place());
     // A batch file that isn't called takes over.
-    ended_ |= findCommand(upperCase(words[0].text)) == nullptr && !findBatchFile(words[0].text).empty();
+    ended_ |= !findCommand(upperCase(words[0].text)) && !findBatchFile(words[0].text).empty();
     return status;
 }
 

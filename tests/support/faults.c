@@ -163,7 +163,9 @@ EXPORT int posix_memalign(void **block, size_t alignment, size_t size)
 
 #define FAIL(what, error) if (fails(what)) { errno = (error); return -1; }
 
-static mode_t modeOf(int flags, va_list arguments) { return flags & (O_CREAT | O_TMPFILE) ? va_arg(arguments, mode_t) : 0; }
+static mode_t modeOf(int flags, va_list arguments) {
+    return flags & (O_CREAT | O_TMPFILE) ? va_arg(arguments, mode_t) : 0;
+}
 #define OPENING(name) \
     EXPORT int name(const char *path, int flags, ...) \
     { \
@@ -189,7 +191,8 @@ EXPORT FILE *fopen64(const char *path, const char *how)
     return NULL;
 }
 EXPORT int mkostemp(char *name, int flags) { FAIL(OPEN, ENOSPC) return REAL(mkostemp)(name, flags); }
-EXPORT int mkostemps(char *name, int length, int flags) { FAIL(OPEN, ENOSPC) return REAL(mkostemps)(name, length, flags); }
+EXPORT int mkostemps(char *name, int length, int flags) { FAIL(OPEN, ENOSPC) return REAL(mkostemps)(name, length,
+                     flags); }
 EXPORT char *mkdtemp(char *name)
 {
     if (!fails(FOLDER)) return REAL(mkdtemp)(name);
@@ -203,7 +206,8 @@ EXPORT ssize_t read(int fd, void *to, size_t size)
     FAIL(READ, EIO)
     return REAL(read)(fd, to, fails(SHORT) && size > 1 ? size / 2 : size);
 }
-EXPORT ssize_t pread(int fd, void *to, size_t size, off_t from) { FAIL(READ, EIO) return REAL(pread)(fd, to, size, from); }
+EXPORT ssize_t pread(int fd, void *to, size_t size, off_t from) { FAIL(READ, EIO) return REAL(pread)(fd, to, size,
+                     from); }
 EXPORT ssize_t pread64(int fd, void *to, size_t size, off64_t from)
 {
     FAIL(READ, EIO)
