@@ -357,7 +357,10 @@ class TerminalFrontEnd : public FrontEnd {
     // Words that are for this front end and not for a dialog.
     bool followWord(Dialog& dialog, std::string_view answer) {
         constexpr std::string_view turn = "window ";
-        if (answer == "show") return showWhole(dialog), true;
+        if (answer == "show") {
+            showWhole(dialog);
+            return true;
+        }
         if (!answer.starts_with(turn) || dialog.modal()) return false;
         const auto open = openDialogs();
         const auto number = numberIn<size_t>(trimmed(answer.substr(turn.size())));

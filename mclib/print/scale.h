@@ -7,7 +7,7 @@
 typedef struct mclibPlotScale {
     int32_t activeIndex;  /* row of the active scale */
     double activeScale;   /* the number behind "1:" */
-    ListModel* scaleList; /* column 0 the name, such as "1:500"; column 1 the value, such as "500.000000" */
+    ListModel *scaleList; /* column 0 the name, such as "1:500"; column 1 the value, such as "500.000000" */
 } mclibPlotScale;
 
 #endif
