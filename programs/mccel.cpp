@@ -20,6 +20,7 @@
 #include "mchost/mdl/view.h"
 #include "mchost/model/cell_library.h"
 #include "mchost/session/program.h"
+#include "programs/compiler_call.h"
 #include "programs/mccel_values.h"
 
 namespace {
@@ -574,33 +575,20 @@ bool Compiler::writePictures(const std::string& folder) {
 }
 
 int runWith(int argc, char** argv) {
-    CLI::App app("Compiles descriptions of cells (TOML) into a cell library.", "mccel");
-    std::string output, pictures;
-    std::vector<std::string> sources;
-    app.add_option("-o,--output", output, "The cell library to make")->type_name("FILE.cel");
-    app.add_option("-p,--pictures", pictures, "Also make a PNG picture of each cell here")->type_name("FOLDER");
-    app.add_option("sources", sources, "Descriptions of cells, pens and letterings")->type_name("FILE.toml");
-    app.set_version_flag("--version", "mccel " MCHOST_VERSION);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : 2;
-    }
-    // Told by hand, so that an option that isn't known is named first.
-    if (output.empty() || sources.empty()) {
-        std::fprintf(stderr, "mccel: %s; give --output FILE and the sources. --help tells more.\n",
-                     output.empty() ? "the cell library to make isn't named" : "there are no sources");
-        return 2;
-    }
+    CompilerCall call("mccel", "Compiles descriptions of cells (TOML) into a cell library.", "cell library", "FILE.cel",
+                      "Descriptions of cells, pens and letterings");
+    std::string pictures;
+    call.app.add_option("-p,--pictures", pictures, "Also make a PNG picture of each cell here")->type_name("FOLDER");
+    if (const int ended = call.parse(argc, argv); ended >= 0) return ended;
 
     Compiler compiler;
-    for (const std::string& source : sources) compiler.compile(source);
+    for (const std::string& source : call.sources) compiler.compile(source);
     if (compiler.faults() > 0) return 1;
     if (compiler.cellCount() == 0) {
         std::fprintf(stderr, "mccel: there is no [[cell]] in the sources\n");
         return 1;
     }
-    const bool good = compiler.write(output) && (pictures.empty() || compiler.writePictures(pictures));
+    const bool good = compiler.write(call.output) && (pictures.empty() || compiler.writePictures(pictures));
     return good ? 0 : 1;
 }
 

@@ -18,6 +18,7 @@
 #include "mchost/mdl/dialog.h"
 #include "mchost/resource/container.h"
 #include "mchost/session/program.h"
+#include "programs/compiler_call.h"
 #include "programs/resource_names.h"
 
 namespace {
@@ -387,31 +388,18 @@ void Compiler::requireEnglish() {
 }
 
 int runWith(int argc, char** argv) {
-    CLI::App app("Compiles resource sources (TOML) into one resource file.", "mcrsc");
-    std::string output, names;
-    std::vector<std::string> sources;
-    app.add_option("-o,--output", output, "The resource file to make")->type_name("FILE.rsc");
-    app.add_option("-n,--names", names, "Also write a C++ header of the numbers by name")->type_name("FILE.h");
-    app.add_option("sources", sources, "Sources of string lists, dialogs and icons")->type_name("FILE.toml");
-    app.set_version_flag("--version", "mcrsc " MCHOST_VERSION);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : 2;
-    }
-    // Told by hand, so that an option that isn't known is named first.
-    if (output.empty() || sources.empty()) {
-        std::fprintf(stderr, "mcrsc: %s; give --output FILE and the sources. --help tells more.\n",
-                     output.empty() ? "the resource file to make isn't named" : "there are no sources");
-        return 2;
-    }
+    CompilerCall call("mcrsc", "Compiles resource sources (TOML) into one resource file.", "resource file", "FILE.rsc",
+                      "Sources of string lists, dialogs and icons");
+    std::string names;
+    call.app.add_option("-n,--names", names, "Also write a C++ header of the numbers by name")->type_name("FILE.h");
+    if (const int ended = call.parse(argc, argv); ended >= 0) return ended;
 
     Compiler compiler;
-    compiler.compile(sources);
+    compiler.compile(call.sources);
     compiler.requireEnglish();
     if (compiler.faults() > 0) return 1;
     try {
-        host::writeContainer(output, compiler.contents());
+        host::writeContainer(call.output, compiler.contents());
     } catch (const host::ResourceError& error) {
         std::fprintf(stderr, "mcrsc: %s\n", error.what());
         return 1;

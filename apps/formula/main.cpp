@@ -183,9 +183,5 @@ MDL_DESCRIPTION("a calculator, and a checker of formulas and tag strings");
 
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace formula;
-    if (mclibMain_initMcLib("FORMULA", argc, argv) != MCLIB_SUCCESS) return failed;
-    const std::vector<std::string> arguments = mcapp::argumentsOf(argc, argv);
-    if (mcapp::helped(arguments, usage)) return done;
-    const std::optional<Options> options = optionsFrom(arguments);
-    return options ? work(*options) : wrongCall;
+    return mcapp::runApplication("FORMULA", argc, argv, usage, optionsFrom, work);
 }

@@ -223,9 +223,5 @@ MDL_DESCRIPTION("material lists on the forms of an office");
 
 extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
     using namespace materials;
-    if (mclibMain_initMcLib("MATERIALS", argc, argv) != MCLIB_SUCCESS) return failed;
-    const std::vector<std::string> arguments = mcapp::argumentsOf(argc, argv);
-    if (mcapp::helped(arguments, usage)) return done;
-    const std::optional<Options> options = optionsFrom(arguments);
-    return options ? work(*options) : badCall;
+    return mcapp::runApplication("MATERIALS", argc, argv, usage, optionsFrom, work);
 }

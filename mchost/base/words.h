@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -58,6 +59,14 @@ inline size_t copyCut(char* buffer, size_t size, std::string_view text) {
 template <size_t size>
 void copyCut(char (&to)[size], std::string_view text) {
     copyCut(to, size, text);
+}
+
+// What a new process takes as its arguments or its environment: null behind the last.
+inline std::vector<char*> pointersTo(std::vector<std::string>& texts) {
+    std::vector<char*> pointers;
+    for (std::string& text : texts) pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
 }
 
 }  // namespace host

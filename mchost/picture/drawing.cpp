@@ -1,4 +1,5 @@
 #include "mchost/picture/drawing.h"
+
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/owned.hpp"
 

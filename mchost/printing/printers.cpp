@@ -1,6 +1,4 @@
 #include "mchost/printing/printers.h"
-#include "mchost/base/existing_path.h"
-#include "mchost/base/variables.h"
 
 #include <strings.h>
 #include <unistd.h>
@@ -11,7 +9,9 @@
 #include <charconv>
 #include <filesystem>
 
+#include "mchost/base/existing_path.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/variables.h"
 #include "mchost/base/words.h"
 #include "mchost/files/copy.h"
 #include "mchost/processes/programs.h"

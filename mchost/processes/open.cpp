@@ -1,11 +1,11 @@
 #include "mchost/processes/open.h"
-#include "mchost/base/existing_path.h"
-#include "mchost/base/variables.h"
 
 #include <string>
 #include <vector>
 
+#include "mchost/base/existing_path.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/variables.h"
 #include "mchost/processes/programs.h"
 #include "mchost/session/state.h"
 

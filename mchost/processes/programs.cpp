@@ -1,5 +1,4 @@
 #include "mchost/processes/programs.h"
-#include "mchost/base/variables.h"
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -21,6 +20,7 @@
 
 #include "mchost/base/existing_path.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/variables.h"
 #include "mchost/base/words.h"
 #include "mchost/session/state.h"
 
@@ -72,13 +72,6 @@ std::vector<std::string> environmentWith(const Values& further) {
     std::vector<std::string> entries;
     for (const auto& [name, value] : values) entries.push_back(name + "=" + value);
     return entries;
-}
-
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    for (std::string& text : texts) pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    return pointers;
 }
 
 // What is set up in the new process before the program runs.

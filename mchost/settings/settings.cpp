@@ -1,5 +1,4 @@
 #include "mchost/settings/settings.h"
-#include "mchost/base/variables.h"
 
 #include <algorithm>
 #include <charconv>
@@ -12,6 +11,7 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/variables.h"
 #include "mchost/base/words.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/win32.h"

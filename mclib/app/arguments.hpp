@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <mchost/mdl/system.h>
+#include <mclib/mclib.h>
 
 #include <mclib/app/numbers.hpp>
 #include <mclib/app/tell.hpp>
@@ -25,6 +26,18 @@ inline bool helped(const std::vector<std::string>& arguments, const char* usage)
     if (std::ranges::find(arguments, "--help") == arguments.end()) return false;
     toolSubsystem_printf("%s", usage);
     return true;
+}
+
+// What every main function does: registers, answers --help, reads the options and works. `read` takes the arguments and
+// gives the options, or nothing when the call is wrong, which it has told; `work` takes them and gives the status.
+template <class Read, class Work>
+int runApplication(const char* name, int argc, char** argv, const char* usage, Read read, Work work) {
+    constexpr int done = 0, failed = 1, wrongCall = 2;
+    if (mclibMain_initMcLib(name, argc, argv) != MCLIB_SUCCESS) return failed;
+    const std::vector<std::string> arguments = argumentsOf(argc, argv);
+    if (helped(arguments, usage)) return done;
+    const auto options = read(arguments);
+    return options ? work(*options) : wrongCall;
 }
 
 // A wrong call, which ends with status 2: what is wrong, and the usage. Always false.

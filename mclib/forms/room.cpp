@@ -1,5 +1,6 @@
 // The room's part of an application's start and end.
 #include "mclib/frame/room.h"
+
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/system.h"
 #include "mclib/forms/page_info.h"

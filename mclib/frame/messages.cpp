@@ -140,6 +140,22 @@ bool formatMessage(char (&text)[messageTextSize], int listId, int messageId, va_
     return true;
 }
 
+// How a finished text is told: in a box or in the list.
+using Tell = int (*)(int how, char* text);
+
+int tellText(Tell tell, int how, const char* format, va_list values) {
+    char text[messageTextSize];
+    formatTextV(text, sizeof text, format, values);
+    return tell(how, text);
+}
+
+int tellMessage(Tell tell, int how, int listId, int messageId, va_list values) {
+    char text[messageTextSize];
+    if (formatMessage(text, listId, messageId, values)) return tell(how, text);
+    tellMissing(listId, messageId);
+    return MCLIB_NOT_SHOWN;
+}
+
 // Asks whether to go on without the memory; the second button ends the application. What is asked can't be had before
 // an application has its messages.
 void reportNoMemory(int listId, int messageId, va_list values) {
@@ -182,41 +198,35 @@ char* messageTitle(int kind) {
 using namespace mc;
 
 int mclibError_msgBoxPrintf(int flags, const char* format, ...) {
-    char text[messageTextSize];
     va_list values;
     va_start(values, format);
-    formatTextV(text, sizeof text, format, values);
+    const int result = tellText(showBox, flags, format, values);
     va_end(values);
-    return showBox(flags, text);
+    return result;
 }
 
 int mclibError_rscMsgBoxPrintf(int flags, int listId, int messageId, ...) {
-    char text[messageTextSize];
     va_list values;
     va_start(values, messageId);
-    const bool found = formatMessage(text, listId, messageId, values);
+    const int result = tellMessage(showBox, flags, listId, messageId, values);
     va_end(values);
-    if (!found) tellMissing(listId, messageId);
-    return found ? showBox(flags, text) : MCLIB_NOT_SHOWN;
+    return result;
 }
 
 int mclibError_listPrintf(int mode, const char* format, ...) {
-    char text[messageTextSize];
     va_list values;
     va_start(values, format);
-    formatTextV(text, sizeof text, format, values);
+    const int result = tellText(listText, mode, format, values);
     va_end(values);
-    return listText(mode, text);
+    return result;
 }
 
 int mclibError_rscListPrintf(int mode, int listId, int messageId, ...) {
-    char text[messageTextSize];
     va_list values;
     va_start(values, messageId);
-    const bool found = formatMessage(text, listId, messageId, values);
+    const int result = tellMessage(listText, mode, listId, messageId, values);
     va_end(values);
-    if (!found) tellMissing(listId, messageId);
-    return found ? listText(mode, text) : MCLIB_NOT_SHOWN;
+    return result;
 }
 
 void mclibError_setTitle(int kind, const char* format, ...) {

@@ -213,13 +213,7 @@ extern constexpr PrintDriver asciiDriver = {
                .lettersValue = nullptr},
     .letters = nullptr,
     .moreLetters = nullptr,
-    .jobSize = sizeof(AsciiJob),
-    .open = onJob<&AsciiJob::open>,
-    .newPage = onJob<&AsciiJob::newPage>,
-    .close = onJob<&AsciiJob::close>,
-    .status = onJob<&AsciiJob::status>,
-    .stroke = nullptr,
-    .label = onJob<&AsciiJob::label>,
+    .job = callsOf<AsciiJob>(),
 };
 
 }  // namespace mc

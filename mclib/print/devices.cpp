@@ -24,13 +24,7 @@ constexpr PrintDriver hostPlotter = {
                .lettersValue = nullptr},
     .letters = nullptr,
     .moreLetters = nullptr,
-    .jobSize = 0,
-    .open = nullptr,
-    .newPage = nullptr,
-    .close = nullptr,
-    .status = nullptr,
-    .stroke = nullptr,
-    .label = nullptr,
+    .job = noCalls,
 };
 
 // In the order in which they are offered, the usual one first.

@@ -37,39 +37,49 @@ struct Label {
     double pageAngle;      // direction of reading of the page
 };
 
-// What a print device is and does. Lengths are millimetres on the paper, x right, y up, origin at the sheet's lower
-// left corner; angles are degrees, counter-clockwise. All that a device knows of a job lies in the job's state, a block
-// of `jobSize` bytes that is zero-filled at first and goes after `close`; many jobs may be open at a time. `open` comes
-// first, once; it tells of a failure on the console, and only `status` is asked then. A null member: the device has no
-// such operation; one without `open` takes whole jobs and makes nothing of them.
+// What is done with a job. Lengths are millimetres on the paper, x right, y up, origin at the sheet's lower left
+// corner; angles are degrees, counter-clockwise. All that a device knows of a job lies in the job's state, a block of
+// `size` bytes that is zero-filled at first and goes after `close`; many jobs may be open at a time. `open` comes
+// first, once; it tells of a failure on the console, and only `status` is asked then.
+struct JobCalls {
+    size_t size;
+    bool (*open)(void* job, const char* fileName,
+                 int pageCode);  // null: the device takes whole jobs, and makes nothing
+    void (*newPage)(void* job);
+    void (*close)(void* job);                         // ends the last page
+    int32_t (*status)(void* job);                     // MCLIB_SUCCESS or MCLIB_ERROR: was all written so far?
+    void (*stroke)(void* job, const Stroke& stroke);  // null: lines aren't shown
+    void (*label)(void* job, const Label& label);
+};
+constexpr JobCalls noCalls{};
+
+// The calls of a structure that is a device's job state: its member functions of these names.
+template <class Job>
+constexpr JobCalls callsOf() {
+    static_assert(std::is_trivially_default_constructible_v<Job> && std::is_trivially_destructible_v<Job>);
+    JobCalls calls = {
+        .size = sizeof(Job),
+        .open = [](void* job, const char* fileName, int page) { return static_cast<Job*>(job)->open(fileName, page); },
+        .newPage = [](void* job) { static_cast<Job*>(job)->newPage(); },
+        .close = [](void* job) { static_cast<Job*>(job)->close(); },
+        .status = [](void* job) { return static_cast<Job*>(job)->status(); },
+        .stroke = nullptr,
+        .label = [](void* job, const Label& label) { static_cast<Job*>(job)->label(label); },
+    };
+    if constexpr (requires { &Job::stroke; })
+        calls.stroke = [](void* job, const Stroke& stroke) { static_cast<Job*>(job)->stroke(stroke); };
+    return calls;
+}
+
+// What a print device is and does.
 struct PrintDriver {
     McPrintDevice device;             // what users and applications know of it
     const ShownLetters* letters;      // that its files show; null: all of Windows-1252
     const ShownLetters* moreLetters;  // and those that they show when device.lettersVariable has its value
-
-    size_t jobSize;
-    bool (*open)(void* job, const char* fileName, int pageCode);
-    void (*newPage)(void* job);
-    void (*close)(void* job);      // ends the last page
-    int32_t (*status)(void* job);  // MCLIB_SUCCESS or MCLIB_ERROR: was all written so far?
-    void (*stroke)(void* job, const Stroke& stroke);
-    void (*label)(void* job, const Label& label);
+    JobCalls job;
 
     bool is(uint32_t trait) const { return (device.traits & trait) != 0; }
 };
-
-// A member function of the structure that is a device's job state, as the row wants it: onJob<&PsJob::newPage>.
-template <auto Function>
-struct OnJob;
-template <class Job, class Result, class... Arguments, Result (Job::*Function)(Arguments...)>
-struct OnJob<Function> {
-    static Result call(void* job, Arguments... arguments) {
-        static_assert(std::is_trivially_default_constructible_v<Job> && std::is_trivially_destructible_v<Job>);
-        return (static_cast<Job*>(job)->*Function)(arguments...);
-    }
-};
-template <auto Function>
-inline constexpr auto onJob = OnJob<Function>::call;
 
 // Whether its files, opened now, show what device.lettersVariable brings.
 bool hasMoreLetters(const PrintDriver& driver);

@@ -181,13 +181,7 @@ extern constexpr PrintDriver hpglDriver = {
                .lettersValue = nullptr},
     .letters = &shownLetters,
     .moreLetters = nullptr,
-    .jobSize = sizeof(HpglJob),
-    .open = onJob<&HpglJob::open>,
-    .newPage = onJob<&HpglJob::newPage>,
-    .close = onJob<&HpglJob::close>,
-    .status = onJob<&HpglJob::status>,
-    .stroke = onJob<&HpglJob::stroke>,
-    .label = onJob<&HpglJob::label>,
+    .job = callsOf<HpglJob>(),
 };
 
 }  // namespace mc

@@ -15,11 +15,11 @@ bool PrintJob::open(const PrintDriver* driver, const char* fileName, int pageCod
     lackedMemory_ = false;
     failuresAtOpen_ = mdlSystem_memoryFailures();
     fileStatus_ = MCLIB_SUCCESS;
-    open_ = !driver || !driver->open;
+    open_ = !driver || !driver->job.open;
     if (open_) return true;
     fileStatus_ = MCLIB_ERROR;
-    state_.reset(mclibMem_mallocRscErrorPrintf(driver->jobSize, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY));
-    open_ = state_ && driver->open(state_.get(), fileName, pageCode);
+    state_.reset(mclibMem_mallocRscErrorPrintf(driver->job.size, MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY));
+    open_ = state_ && driver->job.open(state_.get(), fileName, pageCode);
     if (open_)
         driver_ = driver;
     else
@@ -28,14 +28,14 @@ bool PrintJob::open(const PrintDriver* driver, const char* fileName, int pageCod
 }
 
 void PrintJob::newPage() {
-    if (driver_ && driver_->newPage) driver_->newPage(state_.get());
+    if (driver_ && driver_->job.newPage) driver_->job.newPage(state_.get());
 }
 
 void PrintJob::close() {
     if (!open_) return;
     if (driver_) {
-        driver_->close(state_.get());
-        fileStatus_ = driver_->status(state_.get());
+        driver_->job.close(state_.get());
+        fileStatus_ = driver_->job.status(state_.get());
     }
     lackedMemory_ = mdlSystem_memoryFailures() != failuresAtOpen_;
     state_.reset();
@@ -44,7 +44,7 @@ void PrintJob::close() {
 }
 
 int32_t PrintJob::fileStatus() const {
-    return driver_ ? driver_->status(state_.get()) : fileStatus_;
+    return driver_ ? driver_->job.status(state_.get()) : fileStatus_;
 }
 
 void PrintJob::printPage(const PaperPage& page) {

@@ -234,13 +234,7 @@ extern constexpr PrintDriver pclDriver = {
                .lettersValue = nullptr},
     .letters = &shownLetters,
     .moreLetters = nullptr,
-    .jobSize = sizeof(PclJob),
-    .open = onJob<&PclJob::open>,
-    .newPage = onJob<&PclJob::newPage>,
-    .close = onJob<&PclJob::close>,
-    .status = onJob<&PclJob::status>,
-    .stroke = onJob<&PclJob::stroke>,
-    .label = onJob<&PclJob::label>,
+    .job = callsOf<PclJob>(),
 };
 
 }  // namespace mc

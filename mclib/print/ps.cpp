@@ -299,13 +299,7 @@ constexpr PrintDriver psDriver = {
                .lettersValue = "1252"},
     .letters = &headLetters,
     .moreLetters = &windowsLetters,
-    .jobSize = sizeof(PsJob),
-    .open = onJob<&PsJob::open>,
-    .newPage = onJob<&PsJob::newPage>,
-    .close = onJob<&PsJob::close>,
-    .status = onJob<&PsJob::status>,
-    .stroke = onJob<&PsJob::stroke>,
-    .label = onJob<&PsJob::label>,
+    .job = callsOf<PsJob>(),
 };
 
 }  // namespace mc

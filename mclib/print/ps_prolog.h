@@ -8,6 +8,24 @@
 namespace mc {
 
 // clang-format off
+// What the procedures for texts begin and end with; between them the text is moved to where it is justified.
+#define MC_PS_TEXT_BEGIN                                     \
+    "{ %def\n"                                               \
+    "  /angle exch def\n"                                    \
+    "  /height exch def\n"                                   \
+    "  /s exch def\n"                                        \
+    "  /y exch def\n"                                        \
+    "  /x exch def\n"                                        \
+    "  /Helvetica-Norsk findfont height scalefont setfont\n" \
+    "  x y translate\n"                                      \
+    "  angle rotate\n"                                       \
+    "  0 0 moveto\n"
+#define MC_PS_TEXT_END              \
+    "  s show\n"                    \
+    "  0 angle sub rotate\n"        \
+    "  0 x sub 0 y sub translate\n" \
+    "} bind def\n"
+
 constexpr std::string_view psProlog =
     "%!PS-Adobe\n"
     "/reencsmalldict 12 dict def\n"
@@ -68,54 +86,20 @@ constexpr std::string_view psProlog =
     "  stroke\n"
     "} bind def\n"
     "/_dtfl\n"
-    "{ %def\n"
-    "  /angle exch def\n"
-    "  /height exch def\n"
-    "  /s exch def\n"
-    "  /y exch def\n"
-    "  /x exch def\n"
-    "  /Helvetica-Norsk findfont height scalefont setfont\n"
-    "  x y translate\n"
-    "  angle rotate\n"
-    "  0 0 moveto\n"
-    "  s show\n"
-    "  0 angle sub rotate\n"
-    "  0 x sub 0 y sub translate\n"
-    "} bind def\n"
+    MC_PS_TEXT_BEGIN
+    MC_PS_TEXT_END
     "/_dtfr\n"
-    "{ %def\n"
-    "  /angle exch def\n"
-    "  /height exch def\n"
-    "  /s exch def\n"
-    "  /y exch def\n"
-    "  /x exch def\n"
-    "  /Helvetica-Norsk findfont height scalefont setfont\n"
-    "  x y translate\n"
-    "  angle rotate\n"
-    "  0 0 moveto\n"
+    MC_PS_TEXT_BEGIN
     "  s stringwidth\n"
     "  exch neg exch rmoveto\n"
-    "  s show\n"
-    "  0 angle sub rotate\n"
-    "  0 x sub 0 y sub translate\n"
-    "} bind def\n"
+    MC_PS_TEXT_END
     "/_dtfc\n"
-    "{ %def\n"
-    "  /angle exch def\n"
-    "  /height exch def\n"
-    "  /s exch def\n"
-    "  /y exch def\n"
-    "  /x exch def\n"
-    "  /Helvetica-Norsk findfont height scalefont setfont\n"
-    "  x y translate\n"
-    "  angle rotate\n"
-    "  0 0 moveto\n"
+    MC_PS_TEXT_BEGIN
     "  s stringwidth\n"
     "  exch neg 2 div exch rmoveto\n"
-    "  s show\n"
-    "  0 angle sub rotate\n"
-    "  0 x sub 0 y sub translate\n"
-    "} bind def\n";
+    MC_PS_TEXT_END;
+#undef MC_PS_TEXT_BEGIN
+#undef MC_PS_TEXT_END
 // clang-format on
 
 }  // namespace mc

@@ -1,5 +1,6 @@
 // The room's part of an application's start: the blocks that all applications share, and the printer set-up.
 #include "mclib/frame/room.h"
+
 #include "mchost/mdl/lists.h"
 #include "mclib/print/job.h"
 #include "mclib/print/setup_store.h"

@@ -84,11 +84,11 @@ void printLine(void* pass, const MSElementBuffer* element, const MdlLook* look, 
     Pass& p = *static_cast<Pass*>(pass);
     const bool closed = print::isClosedShape(element);
     const double gray = closed ? print::fillOf(element, p.levelCodeOf(element), look->color) : print::noFill;
-    p.driver.stroke(p.job, {.points = points,
-                            .count = count,
-                            .width = mdl::penWidthOf(look->weight),
-                            .style = &lineStyleOf(look->style),
-                            .gray = gray});
+    p.driver.job.stroke(p.job, {.points = points,
+                                .count = count,
+                                .width = mdl::penWidthOf(look->weight),
+                                .style = &lineStyleOf(look->style),
+                                .gray = gray});
 }
 
 // ---- texts ----
@@ -143,15 +143,15 @@ void printText(void* pass, const MSElementBuffer* element, const MdlLook*) {
     const double down = anchor.halves * height * 0.5;
     mdlRMatrix_unrotatePointArray(box, &rotation, static_cast<int32_t>(std::size(box)));
     const Pass& p = *static_cast<Pass*>(pass);
-    p.driver.label(p.job, {.x = origin.x + std::sin(angle) * down,
-                           .y = origin.y - std::cos(angle) * down,
-                           .text = text,
-                           .height = height * heightOfBox,
-                           .angle = angle * 180 / pi,
-                           .just = anchor.just,
-                           .shape = box,
-                           .size = size,
-                           .pageAngle = p.pageAngle});
+    p.driver.job.label(p.job, {.x = origin.x + std::sin(angle) * down,
+                               .y = origin.y - std::cos(angle) * down,
+                               .text = text,
+                               .height = height * heightOfBox,
+                               .angle = angle * 180 / pi,
+                               .just = anchor.just,
+                               .shape = box,
+                               .size = size,
+                               .pageAngle = p.pageAngle});
 }
 
 }  // namespace
@@ -175,8 +175,8 @@ void print::walkPage(const PrintDriver& driver, void* job, const PaperPage& page
                             .transform = turn,
                             .range = nullptr,
                             .skip = isOfOtherPass,
-                            .line = driver.stroke ? printLine : nullptr,
-                            .text = driver.label ? printText : nullptr};
+                            .line = driver.job.stroke ? printLine : nullptr,
+                            .text = driver.job.label ? printText : nullptr};
         mdlElmdscr_walk(page.descr, &pen);  // what memory doesn't suffice for shows in the job's status
     }
 }

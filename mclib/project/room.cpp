@@ -1,5 +1,6 @@
 // The room's part of an application's start and of a new design file: the blocks that all applications share.
 #include "mclib/frame/room.h"
+
 #include "mchost/mdl/dialog.h"
 #include "mclib/project/shared.h"
 #include "mclib/project/store.h"

@@ -13,6 +13,8 @@
 #include <thread>
 #include <vector>
 
+#include "mchost/base/words.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -38,13 +40,6 @@ std::vector<std::string> environmentFor(const Place& place, const fs::path& fold
     entries.push_back("MCFAULT_MODE=" + fault.mode);
     entries.push_back("MCFAULT_AT=" + std::to_string(fault.at));
     return entries;
-}
-
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    for (std::string& text : texts) pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    return pointers;
 }
 
 [[noreturn]] void become(const fs::path& folder, char* const* words, char* const* environment) {
@@ -75,7 +70,7 @@ int waitFor(pid_t child) {
 Result start(const std::string& command, const Place& place, const fs::path& folder, const Fault& fault, bool counts) {
     std::vector<std::string> words = wordsOf(command), environment = environmentFor(place, folder, fault, counts);
     words[0] = (place.build / "bin" / words[0]).string();
-    const std::vector<char*> arguments = pointersTo(words), values = pointersTo(environment);
+    const std::vector<char*> arguments = host::pointersTo(words), values = host::pointersTo(environment);
     const pid_t child = fork();
     if (child == 0) become(folder, arguments.data(), values.data());
     Result result{.status = waitFor(child), .messages = {}};

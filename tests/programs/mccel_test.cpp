@@ -1,45 +1,23 @@
 // The compiler of cell libraries, run as a program.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "mchost/mdl/text.h"
 #include "mchost/model/cell_library.h"
+#include "tests/support/compiler_fixture.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-struct Outcome {
-    int status;
-    std::string output;  // both streams
-};
-
-class Mccel : public testing::Test {
+class Mccel : public CompilerTest {
   protected:
-    Mccel() {
-        std::string pattern = (fs::temp_directory_path() / "mccel-XXXXXX").string();
-        folder = mkdtemp(pattern.data());
-    }
-    ~Mccel() override {
-        mdlElmdscr_freeAll(&cell);
-        fs::remove_all(folder);
-    }
-
-    void source(const char* name, const std::string& text) const { std::ofstream(folder / name) << text; }
-
-    Outcome run(const std::string& arguments) const {
-        const std::string command = "cd " + folder.string() + " && " BUILD_DIR "/bin/mccel " + arguments + " 2>&1";
-        std::FILE* pipe = popen(command.c_str(), "r");
-        std::string output;
-        for (int c; (c = std::fgetc(pipe)) != EOF;) output.push_back(static_cast<char>(c));
-        return {WEXITSTATUS(pclose(pipe)), output};
-    }
+    Mccel() : CompilerTest("mccel") {}
+    ~Mccel() override { mdlElmdscr_freeAll(&cell); }
 
     // Compiles a cell "C" of these elements, and reads it back in `cell`.
     void compile(const std::string& elements, const std::string& before = "") {
@@ -82,7 +60,6 @@ class Mccel : public testing::Test {
         return t;
     }
 
-    fs::path folder;
     ElementDescr* cell = nullptr;
 };
 

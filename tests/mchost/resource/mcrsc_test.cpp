@@ -1,44 +1,22 @@
 // The compiler of resource files, run as a program.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
 #include "mchost/mdl/dialog.h"
 #include "mchost/resource/container.h"
+#include "tests/support/compiler_fixture.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-struct Outcome {
-    int status;
-    std::string output;  // both streams
-};
-
-class Mcrsc : public testing::Test {
+class Mcrsc : public CompilerTest {
   protected:
-    Mcrsc() {
-        std::string pattern = (fs::temp_directory_path() / "mcrsc-XXXXXX").string();
-        folder = mkdtemp(pattern.data());
-    }
-    ~Mcrsc() override { fs::remove_all(folder); }
-
-    void source(const char* name, const std::string& text) const { std::ofstream(folder / name) << text; }
-
-    Outcome run(const std::string& arguments) const {
-        const std::string command = "cd " + folder.string() + " && " BUILD_DIR "/bin/mcrsc " + arguments + " 2>&1";
-        std::FILE* pipe = popen(command.c_str(), "r");
-        std::string output;
-        for (int c; (c = std::fgetc(pipe)) != EOF;) output.push_back(static_cast<char>(c));
-        return {WEXITSTATUS(pclose(pipe)), output};
-    }
-
-    fs::path folder;
+    Mcrsc() : CompilerTest("mcrsc") {}
 };
 
 TEST_F(Mcrsc, CompilesListsOfTwoLanguagesAndADialog) {

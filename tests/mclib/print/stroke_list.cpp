@@ -50,11 +50,5 @@ constexpr PrintDriver strokeListDriver = {
                .lettersValue = nullptr},
     .letters = nullptr,
     .moreLetters = nullptr,
-    .jobSize = sizeof(StrokeListJob),
-    .open = onJob<&StrokeListJob::open>,
-    .newPage = onJob<&StrokeListJob::newPage>,
-    .close = onJob<&StrokeListJob::close>,
-    .status = onJob<&StrokeListJob::status>,
-    .stroke = onJob<&StrokeListJob::stroke>,
-    .label = onJob<&StrokeListJob::label>,
+    .job = callsOf<StrokeListJob>(),
 };
