@@ -121,9 +121,11 @@ TEST_F(ResourceFile, AnApplicationsOwnFileLiesBeforeTheSharedOne) {
     shared.strings[{list, 2}].set("en", "shared alone");
     mdlSystem_defineCfgVar("MS_APPRSC", make("shared.rsc", shared).c_str(), 1);
     make("mine.rsc", withText(1, "mine"));
-    std::filesystem::copy(BUILD_DIR "/tests/c_register.so", path("mine.so"));
-    ASSERT_NE(session().loadApplication(path("mine.so"), "mine"), nullptr);  // it opens its own file
+    std::filesystem::copy(BUILD_DIR "/lib/tests/probe.so", path("mine.so"));
+    ASSERT_NE(session().loadApplication(path("mine.so"), "mine"), nullptr);
     asApplication("mine", [&] {
+        RscHandle own = 0;
+        EXPECT_EQ(mdlResource_openFile(&own, nullptr, MDL_RSC_READ), MDL_SUCCESS);
         EXPECT_EQ(load(0, 1), "mine");
         EXPECT_EQ(load(0, 2), "shared alone");
     });
