@@ -15,10 +15,6 @@ namespace host {
 
 namespace {
 
-enum { FLAG_FOCUS = 1, FLAG_DEFAULT = 2 };       // DialogMessage::itemFlags
-enum { BUTTON_FIRST = -3, BUTTON_SECOND = -4 };  // ids of the buttons that end a dialog
-enum { ACTION_FIRST = 3, ACTION_SECOND = 4, ACTION_NONE = 0 };
-
 int32_t asNumber(const std::string& value) {
     const std::optional<double> number = numberOf(value);
     return number && *number >= INT32_MIN && *number <= INT32_MAX ? static_cast<int32_t>(*number) : 0;
@@ -35,7 +31,7 @@ DialogItem itemFrom(const ItemLayout& layout, const std::string& language) {
     item.format = isValueFormat(layout.format) ? layout.format : std::string();
     item.group = layout.group;
     item.takesFocus = layout.kind != ITEM_LABEL && layout.kind != ITEM_GROUP_BOX;
-    item.isDefault = layout.kind == ITEM_PUSH_BUTTON && layout.id == BUTTON_FIRST;
+    item.isDefault = layout.kind == ITEM_PUSH_BUTTON && layout.id == MDL_BUTTON_FIRST;
     for (const RowLayout& row : layout.rows) item.rows.push_back({row.label.textIn(language), row.value, true});
     if (item.kind == ITEM_TOGGLE) item.value = "0";
     if (item.kind == ITEM_OPTION_BUTTON && !item.rows.empty()) item.value = std::to_string(item.rows[0].value);
@@ -80,7 +76,7 @@ bool sameOrigin(const DrawCall& a, const DrawCall& b) {
 void tellBadAccess(int32_t dialogId, const DialogItem& item, const std::string& fault) {
     const std::string text = "Dialog " + std::to_string(dialogId) + ", item " + std::to_string(item.id) +
                              ": the access string \"" + item.access + "\" can't be used: " + fault;
-    mdlOutput_messageCenter(11, text.c_str(), "", 0);
+    mdlOutput_messageCenter(MDL_PRIORITY_WARNING, text.c_str(), "", 0);
 }
 
 }  // namespace
@@ -91,7 +87,7 @@ Dialog::Dialog(const DialogLayout& layout, MdlDesc* owner, bool modal, const std
       hook_(layout.hook),
       width_(layout.width),
       height_(layout.height),
-      font_(FONT_DIALOG),
+      font_(MDL_FONT_DIALOG),
       modal_(modal),
       owner_(owner),
       title_(layout.title.textIn(language)) {
@@ -128,7 +124,7 @@ DialogMessage Dialog::messageTo(size_t index, int32_t type) const {
     message.dialog = handle();
     message.item = itemHandle(index);
     message.hookId = item.hook;
-    message.itemFlags = (item.takesFocus ? FLAG_FOCUS : 0) | (item.isDefault ? FLAG_DEFAULT : 0);
+    message.itemFlags = (item.takesFocus ? ITEM_TAKES_FOCUS : 0) | (item.isDefault ? ITEM_IS_DEFAULT : 0);
     message.state = asNumber(item.value);
     return message;
 }
@@ -169,8 +165,8 @@ bool Dialog::open() {
 void Dialog::createItems() {
     for (size_t i = 0; i < items_.size() && life_ == Life::opening; ++i) {
         const DialogMessage message = sendToItem(i, ITEM_CREATE);
-        items_[i].takesFocus = message.itemFlags & FLAG_FOCUS;
-        items_[i].isDefault = message.itemFlags & FLAG_DEFAULT;
+        items_[i].takesFocus = message.itemFlags & ITEM_TAKES_FOCUS;
+        items_[i].isDefault = message.itemFlags & ITEM_IS_DEFAULT;
     }
 }
 
@@ -188,7 +184,7 @@ void Dialog::end(int32_t reply) {
     if (ending()) return;
     const auto self = shared_from_this();
     const EventScope scope;
-    if (reply == ACTION_FIRST) setFocus(noItem);
+    if (reply == MDL_REPLY_FIRST) setFocus(noItem);
     if (ending()) return;
     life_ = Life::closing;
     reply_ = reply;
@@ -213,8 +209,8 @@ bool Dialog::press(size_t index) {
     sendToItem(index, ITEM_BUTTON, 1);
     if (life_ == Life::open) sendToItem(index, ITEM_ACTIVATED);
     if (items_[index].kind != ITEM_PUSH_BUTTON) return true;
-    if (items_[index].id == BUTTON_FIRST) end(ACTION_FIRST);
-    if (items_[index].id == BUTTON_SECOND) end(ACTION_SECOND);
+    if (items_[index].id == MDL_BUTTON_FIRST) end(MDL_REPLY_FIRST);
+    if (items_[index].id == MDL_BUTTON_SECOND) end(MDL_REPLY_SECOND);
     return true;
 }
 

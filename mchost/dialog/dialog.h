@@ -221,7 +221,6 @@ bool runModal(Dialog& dialog);
 void closeQueuedDialogs();
 
 // ---- fonts ----
-enum { FONT_DIALOG = 2, FONT_FIXED = 4 };
 int32_t widthOfText(std::string_view narrow, int32_t font);
 
 }  // namespace host

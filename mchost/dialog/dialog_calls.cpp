@@ -19,7 +19,7 @@ std::shared_ptr<Dialog> makeDialog(RscHandle file, int32_t dialogId, bool modal)
     if (!layout) {
         const std::string text = "Dialog " + std::to_string(dialogId) +
                                  " can't be shown: no open resource file has its layout. Check MS_APPRSC.";
-        mdlOutput_messageCenter(10, text.c_str(), "", 0);
+        mdlOutput_messageCenter(MDL_PRIORITY_ERROR, text.c_str(), "", 0);
         return nullptr;
     }
     auto dialog = std::make_shared<Dialog>(*layout, mdlSystem_getCurrMdlDesc(), modal, currentLanguage());

@@ -34,7 +34,7 @@ int32_t advanceOf(char c) {
 }
 
 int32_t heightOfFont(int32_t font) {
-    return font == FONT_FIXED ? fixedFontHeight : dialogFontHeight;
+    return font == MDL_FONT_FIXED ? fixedFontHeight : dialogFontHeight;
 }
 
 template <class Body>
@@ -48,7 +48,7 @@ int onDialog(const MdlDialog* handle, Body body) {
 }  // namespace
 
 int32_t widthOfText(std::string_view narrow, int32_t font) {
-    if (font == FONT_FIXED) return static_cast<int32_t>(narrow.size()) * fixedAdvance;
+    if (font == MDL_FONT_FIXED) return static_cast<int32_t>(narrow.size()) * fixedAdvance;
     int32_t width = 0;
     for (const char c : narrow) width += advanceOf(c);
     return width;
@@ -73,7 +73,7 @@ void mdlDialog_setFontIndex(MdlDialog* handle, int32_t fontIndex) noexcept {
 
 int32_t mdlDialog_getFontIndex(const MdlDialog* handle) noexcept {
     const auto dialog = host::dialogOf(handle);
-    return dialog ? dialog->font() : static_cast<int32_t>(host::FONT_DIALOG);
+    return dialog ? dialog->font() : static_cast<int32_t>(MDL_FONT_DIALOG);
 }
 
 int mdlDialog_textDrawCD(MdlDialog* handle, int32_t x, int32_t y, const char* text) noexcept {

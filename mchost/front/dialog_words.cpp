@@ -11,7 +11,6 @@ namespace host {
 
 namespace {
 
-enum { BUTTON_FIRST = -3, BUTTON_SECOND = -4 };
 constexpr size_t mostPixels = 8000;  // a window's side
 
 struct Word {
@@ -242,7 +241,8 @@ std::string complaintOf(const DialogEvent& event) {
 std::optional<size_t> firstButton(const Dialog& dialog) {
     const std::vector<size_t> buttons = usable(dialog, true);
     if (buttons.empty()) return std::nullopt;
-    const auto first = std::ranges::find_if(buttons, [&](size_t i) { return dialog.items()[i].id == BUTTON_FIRST; });
+    const auto first =
+        std::ranges::find_if(buttons, [&](size_t i) { return dialog.items()[i].id == MDL_BUTTON_FIRST; });
     return first == buttons.end() ? buttons[0] : *first;
 }
 
@@ -250,7 +250,7 @@ size_t endingButtons(const Dialog& dialog) {
     const std::vector<size_t> buttons = usable(dialog, true);
     return static_cast<size_t>(std::ranges::count_if(buttons, [&](size_t i) {
         const int32_t id = dialog.items()[i].id;
-        return id == BUTTON_FIRST || id == BUTTON_SECOND;
+        return id == MDL_BUTTON_FIRST || id == MDL_BUTTON_SECOND;
     }));
 }
 

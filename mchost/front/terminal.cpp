@@ -26,7 +26,6 @@ namespace host {
 
 namespace {
 
-enum { MESSAGE_FIELD = 0, STATUS_FIELD = 1, ERROR_FIELD = 3 };
 constexpr std::string_view pointHelp =
     "Give x,y or x,y,z in master units, and a view from 2 to 8 behind it unless it is view 1; an empty line resets, "
     "and "
@@ -88,8 +87,8 @@ class TerminalFrontEnd : public FrontEnd {
     }
 
     void messageField(int field, std::string_view text) override {
-        if (field == ERROR_FIELD && !text.empty()) tell(std::string(text) + "\n");
-        if ((field != MESSAGE_FIELD && field != STATUS_FIELD) || !showsProgress_) return;
+        if (field == MDL_FIELD_ERROR && !text.empty()) tell(std::string(text) + "\n");
+        if ((field != MDL_FIELD_MESSAGE && field != MDL_FIELD_STATUS) || !showsProgress_) return;
         std::fprintf(options_.errors, "\r%s\x1b[K", printable(std::string(text), " ").c_str());
         std::fflush(options_.errors);
         progressShown_ = !text.empty();

@@ -5,7 +5,7 @@
 namespace host {
 
 int fileProblem(std::string_view line) {
-    mdlOutput_messageCenter(10, std::string(line).c_str(), "", 0);
+    mdlOutput_messageCenter(MDL_PRIORITY_ERROR, std::string(line).c_str(), "", 0);
     return MDL_ERROR;
 }
 

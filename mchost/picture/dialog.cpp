@@ -105,7 +105,7 @@ class DialogPen {
     }
 
     // Width of the text as it is drawn.
-    double widthOf(std::string_view narrow, int32_t font = FONT_DIALOG) {
+    double widthOf(std::string_view narrow, int32_t font = MDL_FONT_DIALOG) {
         setFont(font);
         cairo_text_extents_t extents;
         cairo_text_extents(pen(), utf8FromNarrow(narrow).c_str(), &extents);
@@ -114,7 +114,7 @@ class DialogPen {
 
     // The text in a line whose top is y; cut at `right` when that is above x.
     void text(double x, double y, std::string_view narrow, const PaperColor& color, double right = 0,
-              int32_t font = FONT_DIALOG) {
+              int32_t font = MDL_FONT_DIALOG) {
         setFont(font);
         use(color);
         cairo_save(pen());
@@ -122,7 +122,7 @@ class DialogPen {
             cairo_rectangle(pen(), x - 1, y - 4, right - x + 1, rowHeight + 8);
             cairo_clip(pen());
         }
-        cairo_move_to(pen(), x, y + (font == FONT_FIXED ? 11 : 12.5));
+        cairo_move_to(pen(), x, y + (font == MDL_FONT_FIXED ? 11 : 12.5));
         cairo_show_text(pen(), utf8FromNarrow(narrow).c_str());
         cairo_restore(pen());
     }
@@ -165,7 +165,7 @@ class DialogPen {
     void use(const PaperColor& c) { cairo_set_source_rgb(pen(), c.red, c.green, c.blue); }
 
     void setFont(int32_t font) {
-        const bool fixed = font == FONT_FIXED;
+        const bool fixed = font == MDL_FONT_FIXED;
         cairo_select_font_face(pen(), fixed ? "monospace" : "sans-serif", CAIRO_FONT_SLANT_NORMAL,
                                CAIRO_FONT_WEIGHT_NORMAL);
         cairo_set_font_size(pen(), 12);

@@ -136,7 +136,7 @@ void tellMissingFile(const std::string& shared) {
     if (shared.empty() || stampOf(shared)) return;
     const std::string text = "The resource file \"" + shared + "\" isn't there, so messages can't be shown. " +
                              "Check the configuration variable MS_APPRSC.";
-    mdlOutput_messageCenter(11, hostName(text).c_str(), "", 0);
+    mdlOutput_messageCenter(MDL_PRIORITY_WARNING, hostName(text).c_str(), "", 0);
 }
 
 // The shared file lies behind an application's own: what the own one lacks is found there.

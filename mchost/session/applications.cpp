@@ -46,7 +46,7 @@ MdlDesc* runMain(Session::State& state, MdlDesc* desc, Session::MainFunction mai
 }
 
 MdlDesc* refuse(const std::string& brief, const std::string& details) {
-    mdlOutput_messageCenter(10, brief.c_str(), details.c_str(), 0);
+    mdlOutput_messageCenter(MDL_PRIORITY_ERROR, brief.c_str(), details.c_str(), 0);
     return nullptr;
 }
 

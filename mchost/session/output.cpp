@@ -15,8 +15,6 @@ namespace host {
 
 namespace {
 
-constexpr int errorPriority = 10;
-
 struct LastError {
     std::string text;
 };
@@ -53,7 +51,7 @@ std::string utf8Of(const char* narrow) {
 }
 
 void toMessageCenter(int priority, const std::string& brief, const std::string& details, bool alert = false) {
-    if (priority == errorPriority) lastError() = brief + (details.empty() ? "" : ": ") + details;
+    if (priority == MDL_PRIORITY_ERROR) lastError() = brief + (details.empty() ? "" : ": ") + details;
     if (activeState) {
         activeState->frontEnd->message({priority, brief, details, alert});
     } else {
@@ -68,7 +66,7 @@ void noteMemoryFailure() {
 }
 
 [[maybe_unused]] const bool hears =
-    (setFailureHearers({.error = [](const char* what) { toMessageCenter(errorPriority, utf8Of(what), {}); },
+    (setFailureHearers({.error = [](const char* what) { toMessageCenter(MDL_PRIORITY_ERROR, utf8Of(what), {}); },
                         .memoryRanOut = noteMemoryFailure}),
      true);
 

@@ -100,7 +100,7 @@ SettingsText settingsInFile(const fs::path& path, std::string_view key) {
     for (const int line : found.badLines) {
         const std::string what = hostName(path.string()) + ":" + std::to_string(line) +
                                  ": no setting; write NAME = VALUE, NAME = number:12, NAME = bytes:0a 1f or [KEY]";
-        mdlOutput_messageCenter(11, what.c_str(), "", 0);
+        mdlOutput_messageCenter(MDL_PRIORITY_WARNING, what.c_str(), "", 0);
     }
     return found;
 }

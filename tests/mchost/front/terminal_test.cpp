@@ -270,7 +270,7 @@ TEST_F(Terminal, WhatComesFromDataCannotSteerTheTerminal) {
     inSession([] {
         toolSubsystem_printf("a\x1b[31m\tb\n");
         mdlOutput_printf(0, "%s", "page\x1b[2J\r");
-        mdlOutput_messageCenter(10, "x\x1b]0;y\a", "\x7f", 0);
+        mdlOutput_messageCenter(MDL_PRIORITY_ERROR, "x\x1b]0;y\a", "\x7f", 0);
     });
     EXPECT_EQ(contentsOf("output"), "a [31m\tb\n");
     EXPECT_EQ(shown, "\rpage [2J \x1b[K\nx ]0;y :  \n");
@@ -283,7 +283,7 @@ TEST_F(Terminal, AnAlertWaitsUntilSomebodyHasTakenNote) {
     for (const bool attended : {true, false}) {
         typed("\n");
         options.asks = attended;
-        inSession([] { mdlOutput_messageCenter(10, "disk", "nearly full", 1); });
+        inSession([] { mdlOutput_messageCenter(MDL_PRIORITY_ERROR, "disk", "nearly full", 1); });
         EXPECT_EQ(shown, attended ? "disk: nearly full\nPress Enter to go on > " : "disk: nearly full\n");
     }
 }
@@ -333,7 +333,7 @@ TEST_F(Terminal, ProgressKeepsToOneLineAndEndsBeforeAnythingElse) {
     inSession([] {
         mdlOutput_printf(1, "%s", "10 %");
         mdlOutput_printf(1, "%s", "20 %");
-        mdlOutput_messageCenter(10, "bl\xe5.mcd", "not found", 0);
+        mdlOutput_messageCenter(MDL_PRIORITY_ERROR, "bl\xe5.mcd", "not found", 0);
         mdlOutput_printf(1, "%s", "30 %");
     });
     EXPECT_EQ(shown, "\r10 %\x1b[K\r20 %\x1b[K\nbl\xc3\xa5.mcd: not found\n\r30 %\x1b[K\n");

@@ -23,7 +23,7 @@ TEST_F(Console, NarrowTextComesOutAsUtf8) {
     mdlOutput_printf(2, "velg p\xe5 %d", 5);
     EXPECT_EQ(front().field(2), "velg på 5");
     EXPECT_EQ(mdlOutput_printf(5, "none"), MDL_ERROR);
-    mdlOutput_messageCenter(11, "\xe6", nullptr, 0);
+    mdlOutput_messageCenter(MDL_PRIORITY_WARNING, "\xe6", nullptr, 0);
     ASSERT_EQ(front().messages.size(), 1u);
     EXPECT_EQ(front().messages[0].brief, "æ");
     EXPECT_EQ(front().messages[0].details, "");
