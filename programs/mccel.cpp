@@ -139,7 +139,7 @@ class Compiler {
     };
     static const std::array<ElementKind, 8> elementKinds;
 
-    SourceValues in_;
+    SourceValues in_{"mccel"};
     ElementDescr* cell_ = nullptr;  // the one that is being made ...
     int32_t elements_ = 0;          // ... and how many elements were appended to it
     host::CellLibraryDraft draft_;
@@ -483,7 +483,7 @@ void Compiler::compileCell(const toml::table& source) {
     if (!source.get("name")) return in_.fault(source, "a cell needs a name");
     const auto name = in_.text(source, "name", longestName);
     if (!name) return;
-    in_.setCell(host::utf8FromNarrow(*name));
+    in_.setSubject("cell " + inQuotes(host::utf8FromNarrow(*name)));
     static MSElementBuffer header;  // too large for a small stack
     ElementDescr* made = nullptr;
     mdlCell_create(&header, wideOf(*name).c_str(), nullptr, 0);
@@ -506,30 +506,19 @@ void Compiler::compileCell(const toml::table& source) {
 }
 
 void Compiler::compile(const std::string& path) {
-    in_.begin(path);
-    try {
-        const toml::table source = toml::parse_file(path);
-        in_.requireKeys(source, {"level", "pen", "lettering", "cell"});
-        compileLevels(source);
-        compileDefinitions(source, "pen", pens_, {"level", "color", "weight", "style"},
-                           [&](const toml::table& table, Pen& pen) { takePen(table, pen, true); });
-        compileDefinitions(source, "lettering", letterings_,
-                           {"level", "color", "weight", "font", "height", "width", "align"},
-                           [&](const toml::table& table, Lettering& lettering) { takeLettering(table, lettering); });
-        const toml::node* cells = source.get("cell");
-        if (cells && !cells->is_array()) in_.fault(*cells, "a cell begins with [[cell]]");
-        for (size_t i = 0; cells && cells->is_array() && i < cells->as_array()->size(); ++i) {
-            in_.setCell({});
-            const toml::node& node = (*cells->as_array())[i];
-            if (const toml::table* cell = node.as_table())
-                compileCell(*cell);
-            else
-                in_.fault(node, "a cell begins with [[cell]]");
-        }
-        in_.setCell({});
-    } catch (const toml::parse_error& error) {
-        in_.parseFault(error);
-    }
+    const std::optional<toml::table> source = in_.read(path);
+    if (!source) return;
+    in_.requireKeys(*source, {"level", "pen", "lettering", "cell"});
+    compileLevels(*source);
+    compileDefinitions(*source, "pen", pens_, {"level", "color", "weight", "style"},
+                       [&](const toml::table& table, Pen& pen) { takePen(table, pen, true); });
+    compileDefinitions(*source, "lettering", letterings_,
+                       {"level", "color", "weight", "font", "height", "width", "align"},
+                       [&](const toml::table& table, Lettering& lettering) { takeLettering(table, lettering); });
+    in_.eachTable(*source, "cell", [&](const toml::table& cell) {
+        compileCell(cell);
+        in_.setSubject({});
+    });
 }
 
 // ---- results ----

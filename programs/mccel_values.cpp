@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
-#include "mchost/base/charset.h"
 #include "mchost/mdl/element.h"
 
 namespace {
@@ -12,25 +10,6 @@ namespace {
 constexpr double mostLength = 1e6;
 
 }  // namespace
-
-void SourceValues::fault(const toml::node& where, const std::string& what) {
-    const std::string cell = cell_.empty() ? "" : "cell " + inQuotes(cell_) + ": ";
-    std::fprintf(stderr, "mccel: %s:%u: %s%s\n", path_.c_str(), static_cast<unsigned>(where.source().begin.line),
-                 cell.c_str(), what.c_str());
-    ++faults_;
-}
-
-void SourceValues::parseFault(const toml::parse_error& error) {
-    const auto line = error.source().begin.line;  // 0: the file couldn't be read at all
-    const std::string place = line == 0 ? path_ : path_ + ":" + std::to_string(line);
-    std::fprintf(stderr, "mccel: %s: %s\n", place.c_str(), std::string(error.description()).c_str());
-    ++faults_;
-}
-
-void SourceValues::requireKeys(const toml::table& table, std::initializer_list<std::string_view> known) {
-    for (const auto& [key, node] : table)
-        if (std::ranges::find(known, key.str()) == known.end()) fault(node, "unknown key " + inQuotes(key.str()));
-}
 
 std::optional<double> SourceValues::number(const toml::node& node, const std::string& what) {
     const std::optional<double> value = node.is_number() ? node.value<double>() : std::nullopt;
@@ -105,22 +84,10 @@ std::optional<Box> SourceValues::box(const toml::table& table, std::string_view 
 
 std::optional<std::string> SourceValues::text(const toml::table& table, std::string_view key, size_t longest) {
     const toml::node& node = *table.get(key);
-    const auto utf8 = node.value_exact<std::string_view>();
-    if (!utf8) {
-        fault(node, inQuotes(key) + " must be a text in quotes");
-        return std::nullopt;
-    }
-    const host::NarrowText narrow = host::narrowFromUtf8(*utf8);
-    if (narrow.badPosition) {
-        size_t end = *narrow.badPosition;
-        host::nextUtf8(*utf8, end);
-        const auto letter = utf8->substr(*narrow.badPosition, end - *narrow.badPosition);
-        fault(node, inQuotes(key) + ": the character " + inQuotes(letter) +
-                        " has no code in Windows-1252; write it otherwise");
-        return std::nullopt;
-    }
-    const bool printable = std::ranges::all_of(narrow.text, [](unsigned char c) { return c >= ' '; });
-    if (printable && !narrow.text.empty() && narrow.text.size() <= longest) return narrow.text;
+    std::optional<std::string> text = narrow(node, inQuotes(key));
+    if (!text) return std::nullopt;
+    const bool printable = std::ranges::all_of(*text, [](unsigned char c) { return c >= ' '; });
+    if (printable && !text->empty() && text->size() <= longest) return text;
     fault(node, inQuotes(key) + " must have 1 to " + std::to_string(longest) + " characters, in one line");
     return std::nullopt;
 }

@@ -1,5 +1,4 @@
 // mcrsc: compiles resource sources into one resource file. docs/sources.md tells what a source may have.
-#include <toml++/toml.h>
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
@@ -13,13 +12,13 @@
 #include <string_view>
 #include <vector>
 
-#include "mchost/base/charset.h"
 #include "mchost/base/number_format.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/resource/container.h"
 #include "mchost/session/program.h"
 #include "programs/compiler_call.h"
 #include "programs/resource_names.h"
+#include "programs/toml_source.h"
 
 namespace {
 
@@ -69,7 +68,7 @@ class Compiler {
   public:
     void compile(const std::vector<std::string>& paths);
     void requireEnglish();
-    int faults() const { return faults_; }
+    int faults() const { return in_.faults(); }
     const ResourceContents& contents() const { return contents_; }
     const ResourceNames& names() const { return names_; }
 
@@ -78,7 +77,6 @@ class Compiler {
         std::string path;
         toml::table table;
     };
-    std::optional<toml::table> parse(const std::string& path);
     void readHooks(const Source& source);
     void compile(const Source& source);
     void compileList(const toml::table& list);
@@ -87,12 +85,6 @@ class Compiler {
     ItemLayout compileItem(const toml::table& source, const std::string& dialog, const std::string& scope);
     void compileIcon(const toml::table& source);
 
-    void fault(const toml::node& where, const std::string& what) {
-        const auto line = where.source().begin.line;
-        std::fprintf(stderr, "mcrsc: %s:%u: %s\n", path_.c_str(), static_cast<unsigned>(line), what.c_str());
-        ++faults_;
-    }
-    void requireKeys(const toml::table& table, std::initializer_list<std::string_view> known);
     void addName(const toml::node& where, const std::string& scope, const NamedNumber& number);
     std::string nameOf(const toml::table& table);
     std::string addScope(const toml::table& table, int32_t id);
@@ -101,42 +93,18 @@ class Compiler {
     std::string narrow(const toml::node& node, const std::string& what);
     std::string plainText(const toml::table& table, std::string_view key, const std::string& what);
     Texts texts(const toml::table& table, std::string_view key, const std::string& what);
-    template <class Work>
-    void eachTable(const toml::table& table, std::string_view key, Work work);
 
-    std::string path_;
+    TomlSource in_{"mcrsc"};
     std::string language_;
     ResourceContents contents_;
     ResourceNames names_;
     std::map<std::string, int32_t, std::less<>> hooks_;
-    int faults_ = 0;
 };
-
-template <class Work>
-void Compiler::eachTable(const toml::table& table, std::string_view key, Work work) {
-    const toml::node* node = table.get(key);
-    if (!node) return;
-    const toml::array* array = node->as_array();
-    if (!array) return fault(*node, "\"" + std::string(key) + "\" must be an array of tables");
-    for (const toml::node& element : *array) {
-        if (const toml::table* inner = element.as_table())
-            work(*inner);
-        else
-            fault(element, "\"" + std::string(key) + "\" must hold tables");
-    }
-}
-
-// A misspelt key would otherwise be lost without a word.
-void Compiler::requireKeys(const toml::table& table, std::initializer_list<std::string_view> known) {
-    for (const auto& [key, node] : table)
-        if (std::find(known.begin(), known.end(), key.str()) == known.end())
-            fault(node, "unknown key \"" + std::string(key.str()) + "\"");
-}
 
 // ---- names ----
 
 void Compiler::addName(const toml::node& where, const std::string& scope, const NamedNumber& number) {
-    if (const std::string what = names_.add(scope, number); !what.empty()) fault(where, what);
+    if (const std::string what = names_.add(scope, number); !what.empty()) in_.fault(where, what);
 }
 
 // The name that stands beside a number; empty for none.
@@ -153,7 +121,7 @@ std::string Compiler::addScope(const toml::table& table, int32_t id) {
 }
 
 void Compiler::readHooks(const Source& source) {
-    path_ = source.path;
+    in_.begin(source.path);
     const toml::table* hooks = source.table["hooks"].as_table();
     if (!hooks) return;
     for (const auto& [key, node] : *hooks) {
@@ -172,43 +140,32 @@ int32_t Compiler::hook(const toml::table& table) {
     if (!name) return number(table, "hook", 0);
     const auto found = hooks_.find(*name);
     if (found != hooks_.end()) return found->second;
-    fault(*node, "there is no hook \"" + std::string(*name) + "\" in [hooks] of any source");
+    in_.fault(*node, "there is no hook \"" + std::string(*name) + "\" in [hooks] of any source");
     return 0;
 }
 
 int32_t Compiler::number(const toml::table& table, std::string_view key, std::optional<int32_t> fallback) {
     const toml::node* node = table.get(key);
     if (!node) {
-        if (!fallback) fault(table, "\"" + std::string(key) + "\" is missing");
+        if (!fallback) in_.fault(table, "\"" + std::string(key) + "\" is missing");
         return fallback.value_or(0);
     }
     const std::optional<int64_t> value = node->value_exact<int64_t>();
     if (!value || *value < std::numeric_limits<int32_t>::min() || *value > std::numeric_limits<int32_t>::max()) {
-        fault(*node, "\"" + std::string(key) + "\" must be a whole number of 32 bits");
+        in_.fault(*node, "\"" + std::string(key) + "\" must be a whole number of 32 bits");
         return 0;
     }
     return static_cast<int32_t>(*value);
 }
 
+// A text that can be stored; what can't be is told of `what`.
 std::string Compiler::narrow(const toml::node& node, const std::string& what) {
-    const std::optional<std::string_view> text = node.value_exact<std::string_view>();
-    if (!text) {
-        fault(node, what + ": must be a text in quotes");
-        return {};
-    }
-    host::NarrowText result = host::narrowFromUtf8(*text);
-    if (result.badPosition) {
-        size_t end = *result.badPosition;
-        host::nextUtf8(*text, end);
-        fault(node, what + ": the character \"" +
-                        std::string(text->substr(*result.badPosition, end - *result.badPosition)) +
-                        "\" has no code in Windows-1252; write it otherwise");
-    }
-    if (result.text.size() > host::longestString)
-        fault(node, what + ": has " + std::to_string(result.text.size()) + " characters; " +
-                        std::to_string(host::longestString) + " is the most");
-    if (result.text.find('\0') != std::string::npos) fault(node, what + ": holds a NUL character");
-    return result.text;
+    const std::string text = in_.narrow(node, what).value_or(std::string());
+    if (text.size() > host::longestString)
+        in_.fault(node, what + ": has " + std::to_string(text.size()) + " characters; " +
+                            std::to_string(host::longestString) + " is the most");
+    if (text.find('\0') != std::string::npos) in_.fault(node, what + ": holds a NUL character");
+    return text;
 }
 
 std::string Compiler::plainText(const toml::table& table, std::string_view key, const std::string& what) {
@@ -228,7 +185,7 @@ Texts Compiler::texts(const toml::table& table, std::string_view key, const std:
     }
     for (const auto& [language, text] : *languages)
         result.set(language.str(), narrow(text, place + ", language " + std::string(language.str())));
-    if (!result.has(host::fallbackLanguage)) fault(*node, place + ": has no English text");
+    if (!result.has(host::fallbackLanguage)) in_.fault(*node, place + ": has no English text");
     return result;
 }
 
@@ -239,38 +196,39 @@ void Compiler::compileString(int32_t list, const std::string& scope, const toml:
     const std::string& language = language_;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), messageId);
     if (error != std::errc() || end != digits.data() + digits.size())
-        return fault(node, what + ": a message goes under a whole number");
+        return in_.fault(node, what + ": a message goes under a whole number");
     Texts& known = contents_.strings[{list, messageId}];
-    if (known.has(language)) return fault(node, what + ": has a text in " + language + " already");
+    if (known.has(language)) return in_.fault(node, what + ": has a text in " + language + " already");
     const toml::table* named = node.as_table();
     if (!named) return known.set(language, narrow(node, what));
-    requireKeys(*named, {"name", "text"});
+    in_.requireKeys(*named, {"name", "text"});
     const std::string text = plainText(*named, "text", what);
     const std::string type = "mdl::Message<" + std::to_string(list) + valueTypesOf(text) + ">";
-    if (type.find('?') != type.npos) return fault(node, what + ": takes a value of a kind that no C++ type stands for");
+    if (type.find('?') != type.npos)
+        return in_.fault(node, what + ": takes a value of a kind that no C++ type stands for");
     addName(node, scope, {nameOf(*named), type, digits});
     known.set(language, text);
 }
 
 void Compiler::compileList(const toml::table& list) {
-    requireKeys(list, {"id", "name", "text"});
+    in_.requireKeys(list, {"id", "name", "text"});
     const int32_t id = number(list, "id");
     const std::string scope = addScope(list, id);
-    if (language_.empty()) return fault(list, "\"language\" is missing at the head of the file");
+    if (language_.empty()) return in_.fault(list, "\"language\" is missing at the head of the file");
     const toml::table* texts = list["text"].as_table();
-    if (!texts) return fault(list, "list " + std::to_string(id) + ": has no [list.text]");
+    if (!texts) return in_.fault(list, "list " + std::to_string(id) + ": has no [list.text]");
     for (const auto& [key, node] : *texts) compileString(id, scope, key, node);
 }
 
 ItemLayout Compiler::compileItem(const toml::table& source, const std::string& dialog, const std::string& scope) {
-    requireKeys(source, {"kind", "id", "name", "x", "y", "width", "height", "hook", "access", "format", "label", "rows",
-                         "group"});
+    in_.requireKeys(source, {"kind", "id", "name", "x", "y", "width", "height", "hook", "access", "format", "label",
+                             "rows", "group"});
     ItemLayout item;
     const std::string name = source["kind"].value_or(std::string());
     const auto kind =
         std::find_if(kindNames.begin(), kindNames.end(), [&](const KindName& k) { return k.name == name; });
     if (kind == kindNames.end())
-        fault(source, dialog + ": unknown item kind \"" + name + "\"");
+        in_.fault(source, dialog + ": unknown item kind \"" + name + "\"");
     else
         item.kind = kind->kind;
     item.id = number(source, "id");
@@ -286,18 +244,19 @@ ItemLayout Compiler::compileItem(const toml::table& source, const std::string& d
     item.access = plainText(source, "access", what);
     item.format = plainText(source, "format", what);
     if (!item.format.empty() && !host::isValueFormat(item.format))
-        fault(source, what + ": the format \"" + item.format + "\" must have one conversion, such as %8.3f");
+        in_.fault(source, what + ": the format \"" + item.format + "\" must have one conversion, such as %8.3f");
     item.label = texts(source, "label", what);
-    eachTable(source, "rows", [&](const toml::table& row) {
-        requireKeys(row, {"value", "label"});
+    in_.eachTable(source, "rows", [&](const toml::table& row) {
+        in_.requireKeys(row, {"value", "label"});
         item.rows.push_back({number(row, "value"), texts(row, "label", what + ", row")});
     });
-    if (!item.rows.empty() && item.kind != ITEM_OPTION_BUTTON) fault(source, what + ": only option buttons have rows");
+    if (!item.rows.empty() && item.kind != ITEM_OPTION_BUTTON)
+        in_.fault(source, what + ": only option buttons have rows");
     return item;
 }
 
 void Compiler::compileDialog(const toml::table& source) {
-    requireKeys(source, {"id", "name", "title", "width", "height", "hook", "item"});
+    in_.requireKeys(source, {"id", "name", "title", "width", "height", "hook", "item"});
     DialogLayout dialog;
     dialog.id = number(source, "id");
     dialog.width = number(source, "width");
@@ -307,21 +266,21 @@ void Compiler::compileDialog(const toml::table& source) {
     const std::string what = "dialog " + std::to_string(dialog.id);
     dialog.title = texts(source, "title", what);
     std::set<std::pair<int32_t, int32_t>> seen;  // kinds and ids
-    eachTable(source, "item", [&](const toml::table& item) {
+    in_.eachTable(source, "item", [&](const toml::table& item) {
         dialog.items.push_back(compileItem(item, what, scope));
         const ItemLayout& last = dialog.items.back();
         if (!seen.emplace(last.kind, last.id).second)
-            fault(item, what + ": has an item of this kind and id " + std::to_string(last.id) + " already");
+            in_.fault(item, what + ": has an item of this kind and id " + std::to_string(last.id) + " already");
     });
     for (const ItemLayout& item : dialog.items)
         if (item.group != 0 && !seen.contains({ITEM_GROUP_BOX, item.group}))
-            fault(source,
-                  what + ", item " + std::to_string(item.id) + ": there is no group box " + std::to_string(item.group));
-    if (!contents_.dialogs.emplace(dialog.id, std::move(dialog)).second) fault(source, what + ": comes twice");
+            in_.fault(source, what + ", item " + std::to_string(item.id) + ": there is no group box " +
+                                  std::to_string(item.group));
+    if (!contents_.dialogs.emplace(dialog.id, std::move(dialog)).second) in_.fault(source, what + ": comes twice");
 }
 
 void Compiler::compileIcon(const toml::table& source) {
-    requireKeys(source, {"id", "name", "sign", "rows"});
+    in_.requireKeys(source, {"id", "name", "sign", "rows"});
     Icon icon;
     icon.id = number(source, "id");
     if (const std::string name = nameOf(source); !name.empty())
@@ -329,50 +288,37 @@ void Compiler::compileIcon(const toml::table& source) {
     const std::string what = "icon " + std::to_string(icon.id);
     icon.sign = plainText(source, "sign", what);
     const toml::array* rows = source["rows"].as_array();
-    if (!rows || rows->empty()) return fault(source, what + ": has no rows");
+    if (!rows || rows->empty()) return in_.fault(source, what + ": has no rows");
     icon.size = static_cast<int32_t>(rows->size());
     for (const toml::node& node : *rows) {
         const std::string row = narrow(node, what);
-        if (row.size() != rows->size()) return fault(node, what + ": must have as many columns as rows");
+        if (row.size() != rows->size()) return in_.fault(node, what + ": must have as many columns as rows");
         for (const char pixel : row) icon.pixels.push_back(pixel == '#');
     }
-    if (!contents_.icons.emplace(icon.id, std::move(icon)).second) fault(source, what + ": comes twice");
-}
-
-std::optional<toml::table> Compiler::parse(const std::string& path) {
-    try {
-        return toml::parse_file(path);
-    } catch (const toml::parse_error& error) {
-        const auto line = error.source().begin.line;  // 0: the file couldn't be read at all
-        const std::string place = line == 0 ? path : path + ":" + std::to_string(line);
-        std::fprintf(stderr, "mcrsc: %s: %s\n", place.c_str(), std::string(error.description()).c_str());
-        ++faults_;
-        return std::nullopt;
-    }
+    if (!contents_.icons.emplace(icon.id, std::move(icon)).second) in_.fault(source, what + ": comes twice");
 }
 
 void Compiler::compile(const Source& source) {
-    path_ = source.path;
-    requireKeys(source.table, {"language", "hooks", "list", "dialog", "icon"});
+    in_.begin(source.path);
+    in_.requireKeys(source.table, {"language", "hooks", "list", "dialog", "icon"});
     language_ = source.table["language"].value_or(std::string());
-    eachTable(source.table, "list", [&](const toml::table& list) { compileList(list); });
-    eachTable(source.table, "dialog", [&](const toml::table& dialog) { compileDialog(dialog); });
-    eachTable(source.table, "icon", [&](const toml::table& icon) { compileIcon(icon); });
+    in_.eachTable(source.table, "list", [&](const toml::table& list) { compileList(list); });
+    in_.eachTable(source.table, "dialog", [&](const toml::table& dialog) { compileDialog(dialog); });
+    in_.eachTable(source.table, "icon", [&](const toml::table& icon) { compileIcon(icon); });
 }
 
 // A dialog may name a hook of any source.
 void Compiler::compile(const std::vector<std::string>& paths) {
     std::vector<Source> sources;
     for (const std::string& path : paths)
-        if (std::optional<toml::table> table = parse(path)) sources.push_back({path, std::move(*table)});
+        if (std::optional<toml::table> table = in_.read(path)) sources.push_back({path, std::move(*table)});
     for (const Source& source : sources) readHooks(source);
     for (const Source& source : sources) compile(source);
 }
 
 void Compiler::requireEnglish() {
     const auto faultOf = [&](const std::pair<int32_t, int32_t>& key, const std::string& what) {
-        std::fprintf(stderr, "mcrsc: list %d, number %d: %s\n", key.first, key.second, what.c_str());
-        ++faults_;
+        in_.fault("list " + std::to_string(key.first) + ", number " + std::to_string(key.second) + ": " + what);
     };
     for (const auto& [key, texts] : contents_.strings) {
         if (!texts.has(host::fallbackLanguage)) {

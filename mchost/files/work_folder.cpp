@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
@@ -55,6 +56,28 @@ void clearStale(const fs::path& folder) {
     }
 }
 
+// What had the name of a target, for as long as the files behind it may fail.
+fs::path keptFor(const fs::path& draft) {
+    return draft.string() + ".kept";
+}
+
+// 0, or the error number. `isNew`: nothing had the name.
+int putInPlace(const fs::path& draft, const fs::path& target, bool& isNew) {
+    std::error_code error;
+    const fs::file_status before = fs::symlink_status(target, error);
+    isNew = before.type() == fs::file_type::not_found;
+    if (before.type() == fs::file_type::regular) fs::permissions(draft, before.permissions(), error);
+    fs::create_hard_link(target, keptFor(draft), error);
+    fs::rename(draft, target, error);
+    return error.value();
+}
+
+void takeBack(const fs::path& draft, const fs::path& target, bool isNew) {
+    std::error_code error;
+    fs::rename(keptFor(draft), target, error);
+    if (isNew) fs::remove(target, error);
+}
+
 }  // namespace
 
 WorkFolder::WorkFolder(const fs::path& folder) {
@@ -85,6 +108,19 @@ WorkFolder::~WorkFolder() {
     if (lock_ >= 0) close(lock_);
 }
 
+WorkFolder::Placed WorkFolder::place(std::span<const fs::path> targets) const {
+    std::vector<char> wasNew;
+    for (size_t i = 0; i < targets.size(); ++i) {
+        bool isNew = false;
+        const int error = putInPlace(draftOf(targets[i]), targets[i], isNew);
+        wasNew.push_back(isNew);
+        if (error == 0) continue;
+        for (size_t placed = i; placed-- > 0;) takeBack(draftOf(targets[placed]), targets[placed], wasNew[placed]);
+        return {error, i};
+    }
+    return {};
+}
+
 }  // namespace host
 
 // ---- for applications ----
@@ -109,6 +145,17 @@ int mdlWorkFolder_make(MdlWorkFolder** folderP, const char* beside) noexcept {
 
 const char* mdlWorkFolder_name(const MdlWorkFolder* folder) noexcept {
     return folder ? folder->name.c_str() : "";
+}
+
+int mdlWorkFolder_place(MdlWorkFolder* folder, const char* const* names, int32_t count, int32_t* failedP) noexcept {
+    return host::guarded<int>(ENOMEM, [&]() -> int {
+        if (!folder || !names) return EINVAL;
+        std::vector<host::fs::path> targets;
+        for (int32_t i = 0; i < count; ++i) targets.emplace_back(host::systemPath(names[i]));
+        const host::WorkFolder::Placed placed = folder->folder.place(targets);
+        if (placed.error != 0 && failedP) *failedP = static_cast<int32_t>(placed.at);
+        return placed.error;
+    });
 }
 
 void mdlWorkFolder_remove(MdlWorkFolder* folder) noexcept {

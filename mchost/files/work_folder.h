@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "mchost/base/unfinished.h"
@@ -22,6 +23,15 @@ class WorkFolder {
     // 0, or the system's error number when there is none.
     int error() const { return error_; }
     const std::string& path() const { return path_; }
+    // Where a file is made that is to be `target`.
+    std::filesystem::path draftOf(const std::filesystem::path& target) const { return path_ / target.filename(); }
+
+    struct Placed {
+        int error = 0;  // the system's error number
+        size_t at = 0;  // of the target that it is about
+    };
+    // Gives the files that were made for these targets their places, as mdlWorkFolder_place.
+    Placed place(std::span<const std::filesystem::path> targets) const;
 
   private:
     bool make(const std::string& pattern);

@@ -72,14 +72,19 @@ MDL_EXPORT int mdlFile_getFileAttributes(int32_t *attributesP, const char *name)
 MDL_EXPORT int mdlFileList_get(StringList **listP, const char *pattern, int attributes) MDL_NOEXCEPT;
 
 /* ---- files that aren't whole yet ---- */
-/* A folder of this process alone, for files on their way to a place beside it: its files are given their own names
- * with rename() when they are whole. What is left in it goes with it, also when a signal ends the process; what a
- * killed process left is cleared away when the next one is made in the same place. */
+/* A folder of this process alone, for files on their way to a place beside it, which they get when they are whole. What
+ * is left in it goes with it, also when a signal ends the process; what a killed process left is cleared away when the
+ * next one is made in the same place. */
 typedef struct MdlWorkFolder MdlWorkFolder;
 /* Makes one in the folder where the file `beside` is to be. 0, or the system's error number. The caller removes it. */
 MDL_EXPORT int mdlWorkFolder_make(MdlWorkFolder **folderP, const char *beside) MDL_NOEXCEPT;
 /* Its name, valid as long as the folder. */
 MDL_EXPORT const char *mdlWorkFolder_name(const MdlWorkFolder *folder) MDL_NOEXCEPT;
+/* Gives the files of `names` their places: each is the file of the folder with its last part, and takes the place and
+ * the permissions of what has the name. 0 when all of them are in place; else the system's error number, with the index
+ * of the one that can't be in *failedP and none of them in place (on a file system without links, those before it). */
+MDL_EXPORT int mdlWorkFolder_place(MdlWorkFolder *folder, const char *const *names, int32_t count,
+                                   int32_t *failedP) MDL_NOEXCEPT;
 MDL_EXPORT void mdlWorkFolder_remove(MdlWorkFolder *folder) MDL_NOEXCEPT; /* null does nothing */
 
 /* ---- copies ---- */

@@ -44,28 +44,28 @@ void noteStored(Model& model, FilePos position, std::span<const StoredNode> unit
 
 FilePos addUnit(Model& model, std::span<const StoredNode> unit) {
     Journal& journal = openFiles().journal;
-    journal.makeRoom(model);
+    Journal::Part& part = journal.makeRoom(model);
     const FilePos position = model.elements.add(unit);
-    journal.noteAdded(model, position);
+    journal.noteAdded(part, position);
     noteStored(model, position, unit);
     return position;
 }
 
 FilePos replaceUnit(Model& model, FilePos position, std::span<const StoredNode> unit) {
     Journal& journal = openFiles().journal;
-    journal.makeRoom(model);
+    Journal::Part& part = journal.makeRoom(model);
     const RecordHead* before = model.elements.record(position);
     model.elements.replace(position, unit);
-    journal.noteRewritten(model, position, before);
+    journal.noteRewritten(part, position, before);
     noteStored(model, position, unit);
     return position;
 }
 
 void removeUnit(Model& model, FilePos position) {
     Journal& journal = openFiles().journal;
-    journal.makeRoom(model);
+    Journal::Part& part = journal.makeRoom(model);
     model.elements.remove(position);
-    journal.noteDeleted(model, position);
+    journal.noteDeleted(part, position);
     updateRange(model, position);
 }
 

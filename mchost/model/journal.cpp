@@ -1,7 +1,6 @@
 #include "mchost/model/journal.h"
 
 #include <algorithm>
-#include <ranges>
 #include <span>
 #include <utility>
 
@@ -39,14 +38,22 @@ void makeMemory(Model& model, std::span<const Change> changes) {
     model.elements.makeMemory(bytes);
 }
 
+enum class Order { asDone, lastFirst };
+
+void exchangeAll(Journal::Part& part, Order order) {
+    const size_t count = part.changes.size();
+    for (size_t i = 0; i < count; ++i) {
+        exchange(*part.model, part.changes[order == Order::asDone ? i : count - 1 - i]);
+    }
+}
+
 // Moves the last step of one list to the end of the other, with all its changes exchanged.
-template <class Order>
-void moveStep(std::vector<Journal::Step>& from, std::vector<Journal::Step>& to, Order inOrder) {
+void moveStep(std::vector<Journal::Step>& from, std::vector<Journal::Step>& to, Order order) {
     Journal::Step& step = from.back();
     to.reserve(to.size() + 1);
     for (Journal::Part& part : step.parts) makeMemory(*part.model, part.changes);
     for (Journal::Part& part : step.parts) {
-        for (Change& change : inOrder(part.changes)) exchange(*part.model, change);
+        exchangeAll(part, order);
         if (!part.attachments) continue;
         part.model->attachments.swap(*part.attachments);
         noteAttachmentsChanged(*part.model);
@@ -83,25 +90,21 @@ void Journal::beginStep(std::string name) {
     open_ = false;
 }
 
-Journal::Part* Journal::partOf(const Model& model) noexcept {
-    if (!open_) return nullptr;
-    const auto part = std::ranges::find(done_.back().parts, &model, &Part::model);
-    return part != done_.back().parts.end() ? &*part : nullptr;
-}
-
-void Journal::makeRoom(Model& model) {
+Journal::Part& Journal::makeRoom(Model& model) {
     if (!open_) {
         done_.push_back({nextName_, {}});
         open_ = true;
     }
-    Part* part = partOf(model);
-    if (!part) part = &done_.back().parts.emplace_back(Part{&model, {}});
-    if (part->changes.size() == part->changes.capacity()) part->changes.reserve(2 * part->changes.size() + 1);
+    std::vector<Part>& parts = done_.back().parts;
+    const auto found = std::ranges::find(parts, &model, &Part::model);
+    Part& part = found != parts.end() ? *found : parts.emplace_back(Part{&model, {}});
+    if (part.changes.size() == part.changes.capacity()) part.changes.reserve(2 * part.changes.size() + 1);
+    return part;
 }
 
-void Journal::note(Model& model, const Change& change) noexcept {
+void Journal::note(Part& part, const Change& change) noexcept {
     undone_.clear();
-    std::vector<Change>& changes = partOf(model)->changes;
+    std::vector<Change>& changes = part.changes;
     if (!changes.empty() && continues(changes.back(), change)) {
         ++changes.back().count;
     } else {
@@ -110,8 +113,7 @@ void Journal::note(Model& model, const Change& change) noexcept {
 }
 
 void Journal::keepAttachments(Model& model) {
-    makeRoom(model);
-    std::optional<std::vector<Attachment>>& kept = partOf(model)->attachments;
+    std::optional<std::vector<Attachment>>& kept = makeRoom(model).attachments;
     if (!kept) kept = model.attachments;
     undone_.clear();
 }
@@ -130,12 +132,12 @@ const Journal::Step* Journal::lastUndone() {
 
 void Journal::undo() {
     open_ = false;
-    moveStep(done_, undone_, [](std::vector<Change>& changes) { return std::views::reverse(changes); });
+    moveStep(done_, undone_, Order::lastFirst);
 }
 
 void Journal::redo() {
     open_ = false;
-    moveStep(undone_, done_, [](std::vector<Change>& changes) { return std::views::all(changes); });
+    moveStep(undone_, done_, Order::asDone);
 }
 
 // Takes the last position of a run out of its step, as a step that can be done again.
@@ -152,12 +154,12 @@ FilePos Journal::takeOut(const std::string& name, Part& part, size_t at) {
 }
 
 FilePos Journal::undoLast(Model& model, bool deletionsAlone) {
-    for (Step& step : std::views::reverse(done_)) {
-        for (Part& part : step.parts) {
+    for (auto step = done_.rbegin(); step != done_.rend(); ++step) {
+        for (Part& part : step->parts) {
             for (size_t at = part.model == &model ? part.changes.size() : 0; at-- > 0;) {
                 const uint32_t kind = part.changes[at].kind;
                 if (kind == Change::deleted || (kind == Change::rewritten && !deletionsAlone)) {
-                    return takeOut(step.name, part, at);
+                    return takeOut(step->name, part, at);
                 }
             }
         }

@@ -35,12 +35,12 @@ class Journal {
     // What is changed from now on belongs to another step, of that name.
     void beginStep(std::string name);
 
-    // Makes room to note one more change of the model, so that noting it can't fail.
-    void makeRoom(Model& model);
-    void noteAdded(Model& model, FilePos position) noexcept { note(model, {position, 1, Change::added, nullptr}); }
-    void noteDeleted(Model& model, FilePos position) noexcept { note(model, {position, 1, Change::deleted, nullptr}); }
-    void noteRewritten(Model& model, FilePos position, const RecordHead* before) noexcept {
-        note(model, {position, 1, Change::rewritten, before});
+    // Where the next change of the model is noted, with room for it: noting it can't fail.
+    Part& makeRoom(Model& model);
+    void noteAdded(Part& part, FilePos position) noexcept { note(part, {position, 1, Change::added, nullptr}); }
+    void noteDeleted(Part& part, FilePos position) noexcept { note(part, {position, 1, Change::deleted, nullptr}); }
+    void noteRewritten(Part& part, FilePos position, const RecordHead* before) noexcept {
+        note(part, {position, 1, Change::rewritten, before});
     }
 
     // The model's attachments are to be changed.
@@ -61,8 +61,7 @@ class Journal {
 
   private:
     FilePos takeOut(const std::string& name, Part& part, size_t at);
-    Part* partOf(const Model& model) noexcept;
-    void note(Model& model, const Change& change) noexcept;
+    void note(Part& part, const Change& change) noexcept;
 
     std::vector<Step> done_, undone_;  // the last one last
     std::string nextName_;

@@ -13,18 +13,14 @@ namespace host {
 class Draft {
   public:
     explicit Draft(const std::filesystem::path& target)
-        : target_(target), folder_(target.parent_path()), path_(folder_.path() / target.filename()) {}
+        : target_(target), folder_(target.parent_path()), path_(folder_.draftOf(target)) {}
     // Why no file can be made there; empty when it can.
     std::string problem() const {
         if (folder_.error() == 0) return {};
         return std::string("its folder can't be written (") + std::strerror(folder_.error()) + "); give another one";
     }
     const std::string& path() const { return path_.native(); }
-    bool place() const {
-        std::error_code failed;
-        std::filesystem::rename(path_, target_, failed);
-        return !failed;
-    }
+    bool place() const { return folder_.place({&target_, 1}).error == 0; }
 
   private:
     std::filesystem::path target_;

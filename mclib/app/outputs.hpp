@@ -2,7 +2,6 @@
 // whole, so a failure on the way leaves what was there as it was.
 #pragma once
 
-#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -35,20 +34,13 @@ class Outputs {
     const std::vector<std::filesystem::path>& names() const { return names_; }
 
   private:
-    std::filesystem::path inFolder(const std::string& suffix) const;
-    bool put(size_t i);
-    void takeBack(size_t i);
-
     std::string base_;
     std::vector<std::string> suffixes_;
     std::vector<std::filesystem::path> names_;
-    std::vector<bool> isNew_;  // those that are in place: whether nothing had the name
     std::unique_ptr<MdlWorkFolder, decltype(&mdlWorkFolder_remove)> folder_;
 };
 
 namespace detail {
-
-inline constexpr const char* kept = ".kept";  // behind the suffix: what a file of the same name was
 
 inline std::string lastPart(const std::string& name) {
     return name.substr(name.find_last_of("/\\:") + 1);
@@ -95,34 +87,16 @@ inline std::string Outputs::temporary(const char* suffix) const {
     return std::string(mdlWorkFolder_name(folder_.get())) + "/" + detail::lastPart(base_) + suffix;
 }
 
-inline fs::path Outputs::inFolder(const std::string& suffix) const {
-    return systemPath(temporary(suffix.c_str()));
-}
-
-// What had the name is detail::kept for as long as another file may fail; a file system without links keeps nothing.
-inline bool Outputs::put(size_t i) {
-    const fs::path name = systemPath(names_[i]);
-    std::error_code error;
-    isNew_.push_back(!fs::exists(fs::symlink_status(name, error)));
-    fs::create_hard_link(name, inFolder(suffixes_[i] + detail::kept), error);
-    fs::rename(inFolder(suffixes_[i]), name, error);
-    return !error || fail(names_[i].string() + ": the file can't be put in place: " + error.message());
-}
-
-inline void Outputs::takeBack(size_t i) {
-    const fs::path name = systemPath(names_[i]);
-    std::error_code error;
-    fs::rename(inFolder(suffixes_[i] + detail::kept), name, error);
-    if (isNew_[i]) fs::remove(name, error);
-}
-
 inline bool Outputs::finish() {
     if (mdlSystem_memoryFailures() != 0) return fail("memory has run out on the way, so no file is made");
     if (mdlSystem_failureNoted()) return fail("something is missing, as told above, so no file is made");
-    for (size_t i = 0; i < names_.size(); ++i) {
-        if (put(i)) continue;
-        while (i-- > 0) takeBack(i);
-        return false;
+    std::vector<std::string> names(names_.begin(), names_.end());
+    std::vector<const char*> places;
+    for (const std::string& name : names) places.push_back(name.c_str());
+    int32_t failed = 0;
+    const int error = mdlWorkFolder_place(folder_.get(), places.data(), static_cast<int32_t>(places.size()), &failed);
+    if (error != 0) {
+        return fail(names[static_cast<size_t>(failed)] + ": the file can't be put in place: " + std::strerror(error));
     }
     folder_.reset();
     return true;

@@ -46,11 +46,8 @@ JobFile::~JobFile() {
 bool JobFile::publish() {
     isNew_ = false;
     if (!folder_) return true;
-    const fs::path from = systemPath(temporary_), to = systemPath(name_);
-    std::error_code error;
-    if (const fs::perms before = fs::status(to, error).permissions(); !error) fs::permissions(from, before, error);
-    fs::rename(from, to, error);
-    return !error;
+    const char* const name = name_.c_str();
+    return mdlWorkFolder_place(folder_.get(), &name, 1, nullptr) == 0;
 }
 
 }  // namespace mc::forms

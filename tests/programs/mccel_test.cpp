@@ -152,7 +152,7 @@ TEST_F(Mccel, EachFaultIsOneLineAndTheOldFileStays) {
         {"[[cell]]\ndraw = []\n", "bad.toml:1: a cell needs a name"},
         {"[[cell]]\nname = \"C\"\n", "bad.toml:1: cell \"C\": there is nothing in it"},
         {"[[cell]]\nname = \"\"\ndraw = []\n", "\"name\" must have 1 to 511 characters"},
-        {"[cell]\nname = \"C\"\n", "a cell begins with [[cell]]"},
+        {"[cell]\nname = \"C\"\n", "\"cell\" must be a list of tables, such as [[cell]]"},
         {cellOf("{ line = [[0, 0], [1, 1]] }") + cellOf("{ line = [[0, 0], [1, 1]] }"),
          "bad.toml:6: cell \"C\": there is a cell of that name"},
         {cellOf("{ line = [[0, 0]] }"), "bad.toml:4: cell \"C\": \"line\" must be points such as [10, 20], at least 2"},
