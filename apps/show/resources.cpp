@@ -20,7 +20,9 @@ using Entries = std::vector<Entry>;
 // False after a message.
 bool collect(RscHandle file, Entries& entries) {
     const auto take = [](void* userArg, const MdlResourceEntry* entry) {
-        Entry& kept = static_cast<Entries*>(userArg)->emplace_back(*entry, entry->name);
+        auto& all = *static_cast<Entries*>(userArg);
+        all.push_back({*entry, entry->name});
+        Entry& kept = all.back();
         kept.head.name = nullptr;
         return 0;
     };
