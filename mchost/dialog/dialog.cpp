@@ -69,8 +69,21 @@ bool hasList(const DialogItem& item) {
     return item.kind == ITEM_LIST_BOX || item.kind == ITEM_COMBO_BOX;
 }
 
+// What a call covers that takes the place of an earlier one of its kind; null for lines and elements.
+const DialogRect* placeOf(const DrawCall& call) {
+    return std::visit(
+        [](const auto& drawn) -> const DialogRect* {
+            if constexpr (requires { drawn.rect; })
+                return &drawn.rect;
+            else
+                return nullptr;
+        },
+        call);
+}
+
 bool sameOrigin(const DrawCall& a, const DrawCall& b) {
-    return a.kind == b.kind && a.rect.left == b.rect.left && a.rect.top == b.rect.top;
+    const DialogRect *first = placeOf(a), *second = placeOf(b);
+    return a.index() == b.index() && first && first->left == second->left && first->top == second->top;
 }
 
 void tellBadAccess(int32_t dialogId, const DialogItem& item, const std::string& fault) {
@@ -474,14 +487,13 @@ void Dialog::draw(size_t index) {
 }
 
 // What an item's hook draws is dropped before the hook draws again. Elsewhere a call takes the place of the earlier one
-// of its kind at the same origin, so that the list doesn't grow as drawing repeats; lines and texts of whole
-// drawings are too many to be compared, and stay until the window's extent is set.
+// of its kind at the same origin, so that the list doesn't grow as drawing repeats; lines and elements are too many to
+// be compared, and stay until the window's extent is set.
 void Dialog::add(DrawCall call) {
     if (drawingItem_ >= 0) return items_[static_cast<size_t>(drawingItem_)].drawing.push_back(std::move(call));
     const auto same =
-        call.kind == DrawCall::Kind::line || call.box
-            ? drawing_.end()
-            : std::ranges::find_if(drawing_, [&](const DrawCall& known) { return sameOrigin(known, call); });
+        !placeOf(call) ? drawing_.end()
+                       : std::ranges::find_if(drawing_, [&](const DrawCall& known) { return sameOrigin(known, call); });
     if (same == drawing_.end())
         drawing_.push_back(std::move(call));
     else

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "mchost/mdl/dialog.h"
@@ -28,35 +29,51 @@ struct LineLook {
     int32_t width = 1;  // pixels
 };
 
-// A text's box in a drawing: its lower left corner, its base line and its height; pixels, y downwards.
-struct DrawnTextBox {
-    double x, y, alongX, alongY, upX, upY;
+// What hooks draw; pixels of the content area.
+struct DrawnText {
+    DialogRect rect;
+    std::string text;
+    int32_t font;
 };
-
-// How a line of an element lies on paper. Lengths are pixels.
-struct PaperLine {
+struct DrawnEdge {
+    DialogRect rect;
+    bool sunken;
+};
+struct DrawnBevel {
+    DialogRect rect;
+    bool sunken, filled;
+};
+struct DrawnFill {
+    DialogRect rect;
+    int32_t color;  // from 0: a fixed one
+};
+struct DrawnIcon {
+    DialogRect rect;
+    std::shared_ptr<const Icon> icon;
+    int32_t color;  // from 0: a fixed one
+};
+struct DrawnLine {
+    std::vector<int32_t> points;  // x and y in turn
+    int32_t color;                // below firstFixedColor an element's
+    LineLook look = {};
+};
+// Elements of a drawing that the window shows, as they lie on its paper.
+struct ElementLine {
     std::vector<double> points;  // x and y in turn
+    int32_t color;
+    bool filled;
     double width;
     std::vector<double> dashes;  // and gaps in turn; none: solid
     double gray;                 // of the fill, 0 black to 1 white, and there is no line then; else below 0
 };
-
-// One drawing call of a hook; pixels of the content area.
-struct DrawCall {
-    enum class Kind { text, edge, icon, line, bevel, fill };
-    Kind kind;
-    DialogRect rect = {};  // of a text, an icon and a line: what it covers
-    std::string text = {};
-    int32_t font = 0;
-    bool sunken = false;
-    std::shared_ptr<const Icon> icon = {};
-    int32_t color = 0;                     // a fixed colour; of a line: below firstFixedColor an element's colour
-    std::vector<int32_t> points = {};      // of a line: x and y in turn
-    LineLook look = {};                    // of a line
-    bool filled = false;                   // of a bevel, and of a line
-    std::optional<PaperLine> paper = {};   // of an element's line, whose points and look count no more then
-    std::optional<DrawnTextBox> box = {};  // of a text of a drawing, which fills it; `color` is an element's then
+// It fills its box: from the lower left corner along its base line, and up. y goes downwards.
+struct ElementText {
+    std::string text;
+    int32_t color;
+    double x, y, alongX, alongY, upX, upY;
 };
+using DrawCall =
+    std::variant<DrawnText, DrawnEdge, DrawnBevel, DrawnFill, DrawnIcon, DrawnLine, ElementLine, ElementText>;
 
 struct OptionRow {
     std::string label;

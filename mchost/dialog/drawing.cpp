@@ -57,7 +57,6 @@ int32_t widthOfText(std::string_view narrow, int32_t font) {
 }  // namespace host
 
 using host::Dialog;
-using host::DrawCall;
 
 int32_t mdlDialog_fontHeight(int32_t fontIndex) noexcept {
     return host::heightOfFont(fontIndex);
@@ -81,7 +80,7 @@ int mdlDialog_textDrawCD(MdlDialog* handle, int32_t x, int32_t y, const char* te
         if (!text) return MDL_ERROR;
         const int32_t font = dialog.font();
         const DialogRect rect{x, y, x + host::widthOfText(text, font), y + host::heightOfFont(font)};
-        dialog.add({.kind = DrawCall::Kind::text, .rect = rect, .text = text, .font = font});
+        dialog.add(host::DrawnText{rect, text, font});
         return MDL_SUCCESS;
     });
 }
@@ -89,13 +88,7 @@ int mdlDialog_textDrawCD(MdlDialog* handle, int32_t x, int32_t y, const char* te
 int mdlWindow_polylineDraw(MdlDialog* handle, const int32_t* points, int32_t count, int32_t color) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!points || count < 2) return MDL_ERROR;
-        DialogRect rect{points[0], points[1], points[0], points[1]};
-        for (int32_t i = 0; i < count; ++i) {
-            const int32_t x = points[2 * i], y = points[2 * i + 1];
-            rect = {std::min(rect.left, x), std::min(rect.top, y), std::max(rect.right, x), std::max(rect.bottom, y)};
-        }
-        dialog.add(
-            {.kind = DrawCall::Kind::line, .rect = rect, .color = color, .points = {points, points + 2 * count}});
+        dialog.add(host::DrawnLine{.points = {points, points + 2 * count}, .color = color});
         return MDL_SUCCESS;
     });
 }
@@ -123,12 +116,7 @@ int mdlWindow_lineStyleSet(MdlDialog* handle, int32_t style, int32_t colorIndex,
 
 int mdlWindow_lineDraw(MdlDialog* handle, int32_t x0, int32_t y0, int32_t x1, int32_t y1) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
-        const DialogRect rect{std::min(x0, x1), std::min(y0, y1), std::max(x0, x1), std::max(y0, y1)};
-        dialog.add({.kind = DrawCall::Kind::line,
-                    .rect = rect,
-                    .color = dialog.lineColor(),
-                    .points = {x0, y0, x1, y1},
-                    .look = dialog.lineLook()});
+        dialog.add(host::DrawnLine{{x0, y0, x1, y1}, dialog.lineColor(), dialog.lineLook()});
         return MDL_SUCCESS;
     });
 }
@@ -136,7 +124,7 @@ int mdlWindow_lineDraw(MdlDialog* handle, int32_t x0, int32_t y0, int32_t x1, in
 int mdlDialog_rectDrawBeveled(MdlDialog* handle, const DialogRect* rect, int32_t sunken, int32_t filled) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!rect) return MDL_ERROR;
-        dialog.add({.kind = DrawCall::Kind::bevel, .rect = *rect, .sunken = sunken != 0, .filled = filled != 0});
+        dialog.add(host::DrawnBevel{*rect, sunken != 0, filled != 0});
         return MDL_SUCCESS;
     });
 }
@@ -144,7 +132,7 @@ int mdlDialog_rectDrawBeveled(MdlDialog* handle, const DialogRect* rect, int32_t
 int mdlDialog_rectFill(MdlDialog* handle, const DialogRect* rect, int32_t fixedColor) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!rect || fixedColor < 0 || fixedColor >= host::fixedColors) return MDL_ERROR;
-        dialog.add({.kind = DrawCall::Kind::fill, .rect = *rect, .color = fixedColor});
+        dialog.add(host::DrawnFill{*rect, fixedColor});
         return MDL_SUCCESS;
     });
 }
@@ -152,7 +140,7 @@ int mdlDialog_rectFill(MdlDialog* handle, const DialogRect* rect, int32_t fixedC
 int mdlDialog_rectDrawEdge(MdlDialog* handle, const DialogRect* rect, int32_t sunken) noexcept {
     return host::onDialog(handle, [&](Dialog& dialog) -> int {
         if (!rect) return MDL_ERROR;
-        dialog.add({.kind = DrawCall::Kind::edge, .rect = *rect, .sunken = sunken != 0});
+        dialog.add(host::DrawnEdge{*rect, sunken != 0});
         return MDL_SUCCESS;
     });
 }
@@ -167,7 +155,7 @@ int mdlWindow_iconDraw(MdlDialog* handle, RscHandle rscFile, int32_t iconId, int
         auto icon = host::findIcon(rscFile, iconId);
         if (!icon) return MDL_ERROR;
         const DialogRect rect{x, y, x + icon->size, y + icon->size};
-        dialog.add({.kind = DrawCall::Kind::icon, .rect = rect, .icon = std::move(icon), .color = colorIndex});
+        dialog.add(host::DrawnIcon{rect, std::move(icon), colorIndex});
         return MDL_SUCCESS;
     });
 }

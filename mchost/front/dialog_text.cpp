@@ -1,6 +1,7 @@
 #include "mchost/front/dialog_text.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "mchost/base/charset.h"
 
@@ -22,26 +23,44 @@ bool isInput(const DialogItem& item) {
     }
 }
 
+struct ShownText {
+    double top, left;
+    std::string text;
+};
+
+// The texts among what was drawn, in reading order.
+std::vector<ShownText> textsIn(const std::vector<DrawCall>& calls) {
+    std::vector<ShownText> texts;
+    for (const DrawCall& call : calls) {
+        if (const auto* drawn = std::get_if<DrawnText>(&call)) {
+            texts.push_back({double(drawn->rect.top), double(drawn->rect.left), drawn->text});
+        } else if (const auto* text = std::get_if<ElementText>(&call)) {
+            const bool blank = text->text.find_first_not_of(' ') == std::string::npos;
+            if (!blank) texts.push_back({std::round(text->y + text->upY), text->x, text->text});
+        }
+    }
+    std::ranges::stable_sort(texts, [](const ShownText& a, const ShownText& b) {
+        return std::pair(a.top, a.left) < std::pair(b.top, b.left);
+    });
+    return texts;
+}
+
 // What hooks drew: an icon's sign in front of its first line, the others indented by as much.
 std::string drawnText(const Dialog& dialog) {
-    std::vector<DrawCall> calls = dialog.drawing();
-    const auto icon = std::ranges::find(calls, DrawCall::Kind::icon, &DrawCall::kind);
-    std::string prefix = icon == calls.end() ? std::string() : "(" + utf8FromNarrow(icon->icon->sign) + ") ";
+    const std::vector<DrawCall> calls = dialog.drawing();
+    const auto icon =
+        std::ranges::find_if(calls, [](const DrawCall& c) { return std::holds_alternative<DrawnIcon>(c); });
+    std::string prefix =
+        icon == calls.end() ? std::string() : "(" + utf8FromNarrow(std::get<DrawnIcon>(*icon).icon->sign) + ") ";
     const std::string following(prefix.empty() ? 0 : indent.size(), ' ');
 
-    std::erase_if(calls, [](const DrawCall& call) {
-        const bool blank = call.box && call.text.find_first_not_of(' ') == std::string::npos;
-        return call.kind != DrawCall::Kind::text || blank;
-    });
-    std::ranges::stable_sort(calls, [](const DrawCall& a, const DrawCall& b) {
-        return std::pair(a.rect.top, a.rect.left) < std::pair(b.rect.top, b.rect.left);
-    });
+    const std::vector<ShownText> texts = textsIn(calls);
     std::string text;
-    for (size_t i = 0; i < calls.size(); ++i) {
-        const bool sameLine = i > 0 && calls[i].rect.top == calls[i - 1].rect.top;
+    for (size_t i = 0; i < texts.size(); ++i) {
+        const bool sameLine = i > 0 && texts[i].top == texts[i - 1].top;
         if (i > 0) text += sameLine ? "  " : "\n";
         if (!sameLine) text += i == 0 ? prefix : following;
-        text += utf8FromNarrow(calls[i].text);
+        text += utf8FromNarrow(texts[i].text);
     }
     return text.empty() ? text : text + "\n";
 }

@@ -127,19 +127,70 @@ class DialogPen {
         cairo_restore(pen());
     }
 
-    void show(const DrawCall& call) {
-        const DialogRect& r = call.rect;
-        switch (call.kind) {
-            case DrawCall::Kind::text:
-                return call.box ? boxedText(call) : text(r.left, r.top, call.text, ink, 0, call.font);
-            case DrawCall::Kind::edge: return edge(r, call.sunken);
-            case DrawCall::Kind::bevel:
-                if (call.filled) fill(r, face);
-                return edge(r, call.sunken);
-            case DrawCall::Kind::fill: return fill(r, colorOf(firstFixedColor + call.color));
-            case DrawCall::Kind::line: return polyline(call);
-            case DrawCall::Kind::icon: return icon(call);
+    void operator()(const DrawnText& drawn) { text(drawn.rect.left, drawn.rect.top, drawn.text, ink, 0, drawn.font); }
+    void operator()(const DrawnEdge& drawn) { edge(drawn.rect, drawn.sunken); }
+    void operator()(const DrawnBevel& drawn) {
+        if (drawn.filled) fill(drawn.rect, face);
+        edge(drawn.rect, drawn.sunken);
+    }
+    void operator()(const DrawnFill& drawn) { fill(drawn.rect, colorOf(firstFixedColor + drawn.color)); }
+
+    void operator()(const DrawnIcon& drawn) {
+        const int32_t size = drawn.icon->size;
+        for (int32_t at = 0; at < size * size; ++at) {
+            if (!drawn.icon->pixels[static_cast<size_t>(at)]) continue;
+            const int32_t x = drawn.rect.left + at % size, y = drawn.rect.top + at / size;
+            fill({x, y, x + 1, y + 1}, colorOf(firstFixedColor + drawn.color));
         }
+    }
+
+    void operator()(const DrawnLine& line) {
+        use(colorOf(line.color));
+        cairo_set_line_width(pen(), line.look.width);
+        for (size_t i = 0; i + 1 < line.points.size(); i += 2)
+            cairo_line_to(pen(), line.points[i] + 0.5, line.points[i + 1] + 0.5);
+        cairo_stroke(pen());
+        cairo_set_line_width(pen(), 1);
+    }
+
+    void operator()(const ElementLine& line) {
+        constexpr double thinnest = 1 / dotsPerPixel;
+        cairo_save(pen());
+        use(line.gray < 0 ? colorOf(line.color) : PaperColor{line.gray, line.gray, line.gray});
+        const std::vector<double>& p = line.points;
+        for (size_t i = 0; i + 1 < p.size(); i += 2) cairo_line_to(pen(), p[i], p[i + 1]);
+        if (p.front() == p[p.size() - 2] && p[1] == p.back()) cairo_close_path(pen());
+        if (line.filled || line.gray >= 0) cairo_fill_preserve(pen());
+        cairo_set_line_width(pen(), std::max(line.width, thinnest));
+        cairo_set_dash(pen(), line.dashes.data(), static_cast<int>(line.dashes.size()), 0);
+        cairo_set_line_join(pen(), CAIRO_LINE_JOIN_ROUND);
+        cairo_set_line_cap(pen(), line.dashes.empty() ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
+        if (line.gray < 0)
+            cairo_stroke(pen());
+        else
+            cairo_new_path(pen());
+        cairo_restore(pen());
+    }
+
+    // The characters are stretched so that they fill the box.
+    void operator()(const ElementText& t) {
+        cairo_save(pen());
+        cairo_select_font_face(pen(), "Helvetica", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+        cairo_set_font_options(pen(), unhinted_.get());
+        cairo_set_font_size(pen(), 1);
+        const std::string utf8 = utf8FromNarrow(t.text);
+        cairo_text_extents_t extents;
+        cairo_text_extents(pen(), utf8.c_str(), &extents);
+        if (extents.x_advance > 0 && std::fabs(t.alongX * t.upY - t.alongY * t.upX) > 1e-6) {
+            const double wide = 1 / extents.x_advance, high = fontSizePerHeight;
+            const cairo_matrix_t face{t.alongX * wide, t.alongY * wide, -t.upX * high, -t.upY * high, 0, 0};
+            use(colorOf(t.color));
+            cairo_set_font_matrix(pen(), &face);
+            cairo_move_to(pen(), t.x, t.y);
+            cairo_show_text(pen(), utf8.c_str());
+            cairo_new_path(pen());
+        }
+        cairo_restore(pen());
     }
 
     void triangle(double x, double y, const PaperColor& color) {
@@ -169,67 +220,6 @@ class DialogPen {
         cairo_select_font_face(pen(), fixed ? "monospace" : "sans-serif", CAIRO_FONT_SLANT_NORMAL,
                                CAIRO_FONT_WEIGHT_NORMAL);
         cairo_set_font_size(pen(), 12);
-    }
-
-    void paperLine(const PaperLine& line, const DrawCall& call) {
-        constexpr double thinnest = 1 / dotsPerPixel;
-        cairo_save(pen());
-        use(line.gray < 0 ? colorOf(call.color) : PaperColor{line.gray, line.gray, line.gray});
-        const std::vector<double>& p = line.points;
-        for (size_t i = 0; i + 1 < p.size(); i += 2) cairo_line_to(pen(), p[i], p[i + 1]);
-        if (p.front() == p[p.size() - 2] && p[1] == p.back()) cairo_close_path(pen());
-        if (call.filled || line.gray >= 0) cairo_fill_preserve(pen());
-        cairo_set_line_width(pen(), std::max(line.width, thinnest));
-        cairo_set_dash(pen(), line.dashes.data(), static_cast<int>(line.dashes.size()), 0);
-        cairo_set_line_join(pen(), CAIRO_LINE_JOIN_ROUND);
-        cairo_set_line_cap(pen(), line.dashes.empty() ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
-        if (line.gray < 0)
-            cairo_stroke(pen());
-        else
-            cairo_new_path(pen());
-        cairo_restore(pen());
-    }
-
-    void polyline(const DrawCall& call) {
-        if (call.paper) return paperLine(*call.paper, call);
-        use(colorOf(call.color));
-        cairo_set_line_width(pen(), call.look.width);
-        for (size_t i = 0; i + 1 < call.points.size(); i += 2)
-            cairo_line_to(pen(), call.points[i] + 0.5, call.points[i + 1] + 0.5);
-        if (call.filled) cairo_fill_preserve(pen());
-        cairo_stroke(pen());
-        cairo_set_line_width(pen(), 1);
-    }
-
-    // The characters are stretched so that they fill the box.
-    void boxedText(const DrawCall& call) {
-        const DrawnTextBox& b = *call.box;
-        cairo_save(pen());
-        cairo_select_font_face(pen(), "Helvetica", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
-        cairo_set_font_options(pen(), unhinted_.get());
-        cairo_set_font_size(pen(), 1);
-        const std::string utf8 = utf8FromNarrow(call.text);
-        cairo_text_extents_t extents;
-        cairo_text_extents(pen(), utf8.c_str(), &extents);
-        if (extents.x_advance > 0 && std::fabs(b.alongX * b.upY - b.alongY * b.upX) > 1e-6) {
-            const double wide = 1 / extents.x_advance, high = fontSizePerHeight;
-            const cairo_matrix_t face{b.alongX * wide, b.alongY * wide, -b.upX * high, -b.upY * high, 0, 0};
-            use(colorOf(call.color));
-            cairo_set_font_matrix(pen(), &face);
-            cairo_move_to(pen(), b.x, b.y);
-            cairo_show_text(pen(), utf8.c_str());
-            cairo_new_path(pen());
-        }
-        cairo_restore(pen());
-    }
-
-    void icon(const DrawCall& call) {
-        const int32_t size = call.icon->size;
-        for (int32_t at = 0; at < size * size; ++at) {
-            if (!call.icon->pixels[static_cast<size_t>(at)]) continue;
-            const int32_t x = call.rect.left + at % size, y = call.rect.top + at / size;
-            fill({x, y, x + 1, y + 1}, colorOf(firstFixedColor + call.color));
-        }
     }
 
     std::unique_ptr<cairo_surface_t, CloseSurface> surface_;
@@ -352,7 +342,7 @@ bool writeDialogPicture(Dialog& dialog, const std::string& path) {
             const DialogItem& item = dialog.items()[i];
             if (dialog.isVisible(item) && (item.kind == ITEM_GROUP_BOX) == frames) drawItem(pen, dialog, i);
         }
-    for (const DrawCall& call : dialog.drawing()) pen.show(call);
+    for (const DrawCall& call : dialog.drawing()) std::visit(pen, call);
     return pen.save(path);
 }
 

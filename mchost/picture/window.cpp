@@ -58,10 +58,6 @@ double nearby(double value) {
     return std::clamp(value, -farOff, farOff);
 }
 
-int32_t pixel(double value) {
-    return static_cast<int32_t>(std::lround(nearby(value)));
-}
-
 constexpr double screenPixelsPerMm = 96 / mmPerInch;
 
 // Draws into the display list of a dialog.
@@ -75,17 +71,19 @@ class WindowPen {
     void drawLine(const MSElementBuffer* element, const MdlLook& look, std::span<const Point3d> points) {
         const std::optional<MdlElementLook> shown = shownLook(element, look);
         if (!shown) return;
-        DrawCall call{.kind = DrawCall::Kind::line, .color = shown->color, .filled = look.filled != 0};
         const double mmPerMaster = mdlModelRef_getUorPerMaster(look.model) * map_.scale() / pixelsPerMm_;
-        PaperLine paper{{}, penWidth(look, mmPerMaster) * pixelsPerMm_, dashesOf(look, mmPerMaster), shown->gray};
-        for (double& length : paper.dashes) length *= pixelsPerMm_;
+        ElementLine line{.points = {},
+                         .color = shown->color,
+                         .filled = look.filled != 0,
+                         .width = penWidth(look, mmPerMaster) * pixelsPerMm_,
+                         .dashes = dashesOf(look, mmPerMaster),
+                         .gray = shown->gray};
+        for (double& length : line.dashes) length *= pixelsPerMm_;
         for (const Point3d& p : points) {
             const Point3d at = map_.at(p);
-            paper.points.insert(paper.points.end(), {nearby(at.x), nearby(at.y)});
-            call.points.insert(call.points.end(), {pixel(at.x), pixel(at.y)});
+            line.points.insert(line.points.end(), {nearby(at.x), nearby(at.y)});
         }
-        call.paper = std::move(paper);
-        dialog_.add(std::move(call));
+        dialog_.add(std::move(line));
     }
 
     void drawText(const MSElementBuffer* element, const MdlLook& look) {
@@ -95,11 +93,9 @@ class WindowPen {
         const TextBox box = textBox(text);
         const Point3d at = map_.at(box.lowerLeft);
         const Point3d along = map_.at(box.lowerLeft + box.along) - at, up = map_.at(box.lowerLeft + box.up) - at;
-        DrawCall call{.kind = DrawCall::Kind::text, .font = dialog_.font(), .color = shown->color};
-        call.rect = {pixel(at.x + up.x), pixel(at.y + up.y), pixel(at.x + along.x), pixel(at.y + along.y)};
-        call.box = DrawnTextBox{at.x, at.y, along.x, along.y, up.x, up.y};
-        for (uint32_t i = 0; i < text.body.count; ++i) call.text.push_back(static_cast<char>(textCharacter(text, i)));
-        dialog_.add(std::move(call));
+        ElementText drawn{{}, shown->color, at.x, at.y, along.x, along.y, up.x, up.y};
+        for (uint32_t i = 0; i < text.body.count; ++i) drawn.text.push_back(static_cast<char>(textCharacter(text, i)));
+        dialog_.add(std::move(drawn));
     }
 
     MdlPen pen() {

@@ -392,7 +392,7 @@ TEST_F(Dialogs, AnItemIsDrawnAnewWhenItMovedAndReplacesItsOldDrawing) {
     });
     const auto placeOfText = [](Dialog& d) {
         EXPECT_EQ(d.drawing().size(), 1u);
-        return d.drawing().at(0).rect.left;
+        return std::get<host::DrawnText>(d.drawing().at(0)).rect.left;
     };
     script.check([&](Dialog& d) {
         EXPECT_EQ(placeOfText(d), 10);

@@ -10,11 +10,13 @@
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/view.h"
 #include "mchost/resource/container.h"
+#include "tests/support/drawn.h"
 #include "tests/support/session_fixture.h"
 
 namespace {
 
-using host::DrawCall;
+using host::ElementLine;
+using host::ElementText;
 
 class WindowTest : public SessionTest {
   protected:
@@ -46,7 +48,10 @@ class WindowTest : public SessionTest {
         mdlView_getStandard(&top, 1);
         return mdlElmdscr_displayToWindow(window, &rect, nullptr, ed, &top, &origin, &extent, 0, -1);
     }
-    std::vector<DrawCall> drawn() { return host::dialogOf(window)->drawing(); }
+    template <class Drawn>
+    std::vector<Drawn> drawn() {
+        return drawnIn<Drawn>(*host::dialogOf(window));
+    }
 
     MdlDialog* window = nullptr;
     ElementDescr* ed = nullptr;
@@ -56,10 +61,9 @@ class WindowTest : public SessionTest {
 TEST_F(WindowTest, DrawingFillsTheRectangleAndIsCentred) {
     ASSERT_NE(window, nullptr);
     ASSERT_EQ(display(), MDL_SUCCESS);
-    const auto calls = drawn();
-    ASSERT_EQ(calls.size(), 1u);
-    EXPECT_EQ(calls[0].kind, DrawCall::Kind::line);
-    EXPECT_EQ(calls[0].points, (std::vector<int32_t>{10, 70, 110, 70}));
+    const auto lines = drawn<ElementLine>();
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_EQ(lines[0].points, (std::vector<double>{10, 70, 110, 70}));
 }
 
 TEST_F(WindowTest, LinesAreAsWideAndDashedAsOnThePaperThatTheWindowShows) {
@@ -79,17 +83,17 @@ TEST_F(WindowTest, LinesAreAsWideAndDashedAsOnThePaperThatTheWindowShows) {
     ASSERT_EQ(display(), MDL_SUCCESS);
     EXPECT_EQ(asked, 2);
     ASSERT_EQ(mdlWindow_setPaper(window, nullptr), MDL_SUCCESS);
-    const auto calls = drawn();
-    ASSERT_EQ(calls.size(), 2u) << "the text was left out";
-    ASSERT_TRUE(calls[0].paper && calls[1].paper);
-    EXPECT_NEAR(calls[0].paper->width, 96 / 25.4, 1e-9) << "1 mm on a screen";
-    EXPECT_LT(calls[0].paper->gray, 0);
-    EXPECT_EQ(calls[1].paper->width, 2);
+    const auto lines = drawn<ElementLine>();
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_TRUE(drawn<ElementText>().empty()) << "the text was left out";
+    EXPECT_NEAR(lines[0].width, 96 / 25.4, 1e-9) << "1 mm on a screen";
+    EXPECT_LT(lines[0].gray, 0);
+    EXPECT_EQ(lines[1].width, 2);
     constexpr double pixelsPerPoint = 2.0 * 25.4 / 72;
-    EXPECT_THAT(calls[1].paper->dashes,
+    EXPECT_THAT(lines[1].dashes,
                 testing::Pointwise(testing::DoubleNear(1e-9), {11.28 * pixelsPerPoint, 5.76 * pixelsPerPoint}));
-    EXPECT_EQ(calls[1].paper->gray, 0.25);
-    EXPECT_EQ(calls[1].paper->points, (std::vector<double>{10, 70, 110, 70}));
+    EXPECT_EQ(lines[1].gray, 0.25);
+    EXPECT_EQ(lines[1].points, (std::vector<double>{10, 70, 110, 70}));
     EXPECT_EQ(mdlWindow_setPaper(nullptr, nullptr), MDL_ERROR);
 }
 
@@ -97,17 +101,15 @@ TEST_F(WindowTest, TextsOfAnySizeFillTheirBoxes) {
     addText(40);
     addText(4);
     ASSERT_EQ(display(), MDL_SUCCESS);
-    const auto calls = drawn();
-    ASSERT_EQ(calls.size(), 3u);
-    EXPECT_EQ(calls[1].kind, DrawCall::Kind::text);
-    EXPECT_EQ(calls[1].text, "A1");
-    EXPECT_EQ(calls[1].rect.left, 10);
-    EXPECT_EQ(calls[1].rect.top, 50);
-    ASSERT_TRUE(calls[1].box && calls[2].box);
-    EXPECT_EQ(calls[1].box->upY, -20);
-    EXPECT_EQ(calls[2].text, "A1");
-    EXPECT_EQ(calls[2].box->y, 70);
-    EXPECT_EQ(calls[2].box->upY, -2);
+    const auto texts = drawn<ElementText>();
+    ASSERT_EQ(texts.size(), 2u);
+    EXPECT_EQ(texts[0].text, "A1");
+    EXPECT_EQ(texts[0].x, 10);
+    EXPECT_EQ(texts[0].y, 70);
+    EXPECT_EQ(texts[0].upY, -20);
+    EXPECT_EQ(texts[1].text, "A1");
+    EXPECT_EQ(texts[1].y, 70);
+    EXPECT_EQ(texts[1].upY, -2);
 }
 
 TEST_F(WindowTest, DepthOfTheVolumeDoesNotCountAndEmptyOnesAreDrawn) {

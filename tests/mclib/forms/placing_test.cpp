@@ -13,6 +13,7 @@
 #include "mclib/forms/preview.h"
 #include "mclib/frame/global_data.h"
 #include "tests/mclib/forms/preview_fixture.h"
+#include "tests/support/drawn.h"
 
 using namespace mc;
 
@@ -301,9 +302,7 @@ TEST_F(PlottingTest, APlotThatFailsOnOnePageGoesOnOrEndsAndLeavesNothing) {
     for (const bool goesOn : {true, false}) {
         std::string told;
         startPlot(1);
-        answers.check([&](host::Dialog& box) {
-            for (const host::DrawCall& call : box.drawing()) told += call.text;
-        });
+        answers.check([&](host::Dialog& box) { told += textDrawnIn(box); });
         answers.press(goesOn ? -3 : -4);
         host::giveDataPoint({0, 0, 0}, 0);
         EXPECT_THAT(told, HasSubstr("Two"));

@@ -20,6 +20,7 @@
 #include "mclib/frame/main.h"
 #include "mclib/print/setup.h"
 #include "mclib/project/store.h"
+#include "tests/support/drawn.h"
 #include "tests/support/library_fixture.h"
 
 using namespace mc;
@@ -126,11 +127,7 @@ class PreviewTest : public LibraryTest {
 
     // The next modal dialog is a box with one button; its text goes to `told`.
     void answerBox(int button = -3) {
-        answers
-            .check([this](host::Dialog& box) {
-                for (const host::DrawCall& call : box.drawing()) told += call.text + "\n";
-            })
-            .press(button);
+        answers.check([this](host::Dialog& box) { told += textDrawnIn(box); }).press(button);
     }
 
     host::DialogScript answers;  // of the modal dialogs

@@ -11,7 +11,8 @@ using namespace mc;
 
 namespace {
 
-using host::DrawCall;
+using host::DrawnFill;
+using host::ElementLine;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -22,33 +23,28 @@ const TestPage none{"none", 0, 0};
 
 class PreviewWindow : public PreviewTest {
   protected:
-    std::vector<DialogRect> drawn(DrawCall::Kind kind) {
+    template <class Drawn>
+    std::vector<Drawn> drawn() {
         dialog().refresh();
-        std::vector<DialogRect> rects;
-        for (const DrawCall& call : dialog().drawing()) {
-            if (call.kind != kind) continue;
-            DialogRect rect = call.rect;
-            for (size_t i = 0; i + 1 < call.points.size(); i += 2) {
-                if (i == 0) rect = {call.points[0], call.points[1], call.points[0], call.points[1]};
-                rect.left = std::min(rect.left, call.points[i]);
-                rect.right = std::max(rect.right, call.points[i]);
-                rect.top = std::min(rect.top, call.points[i + 1]);
-                rect.bottom = std::max(rect.bottom, call.points[i + 1]);
-            }
-            rects.push_back(rect);
-        }
-        return rects;
+        return drawnIn<Drawn>(dialog());
     }
     // The one sheet that is on show; empty when there is none.
     DialogRect paper() {
-        const auto fills = drawn(DrawCall::Kind::fill);
+        const auto fills = drawn<DrawnFill>();
         EXPECT_LE(fills.size(), 1u);
-        return fills.empty() ? DialogRect{} : fills[0];
+        return fills.empty() ? DialogRect{} : fills[0].rect;
     }
     // The frame of the page on show; empty when there is none.
     DialogRect frame() {
-        const auto lines = drawn(DrawCall::Kind::line);
-        return lines.empty() ? DialogRect{} : lines[0];
+        const auto lines = drawn<ElementLine>();
+        if (lines.empty()) return {};
+        DialogRect rect{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+        for (size_t i = 0; i + 1 < lines[0].points.size(); i += 2) {
+            const auto x = static_cast<int32_t>(std::lround(lines[0].points[i]));
+            const auto y = static_cast<int32_t>(std::lround(lines[0].points[i + 1]));
+            rect = {std::min(rect.left, x), std::min(rect.top, y), std::max(rect.right, x), std::max(rect.bottom, y)};
+        }
+        return rect;
     }
     bool showsTurnedSheet() {
         const DialogRect sheet = paper();
@@ -115,12 +111,12 @@ TEST_F(PreviewWindow, TurnsPagesThatTheSheetsShapeOrTheSetUpAsksFor) {
 TEST_F(PreviewWindow, AnEmptySheetStandsForAPageThatCannotBeMade) {
     openPreview({none, upright});
     EXPECT_GT(paper().bottom, 0);
-    EXPECT_THAT(drawn(DrawCall::Kind::line), IsEmpty());
+    EXPECT_THAT(drawn<ElementLine>(), IsEmpty());
     openPreview({});
     EXPECT_GT(paper().bottom, 0);
     set("mclibpsd->pageWidth", "0");
     openPreview({upright});
-    EXPECT_THAT(drawn(DrawCall::Kind::fill), IsEmpty());
+    EXPECT_THAT(drawn<DrawnFill>(), IsEmpty());
 }
 
 TEST_F(PreviewWindow, ALargerWindowHasALargerSheetAndItsButtonsOnTheRight) {
@@ -133,7 +129,7 @@ TEST_F(PreviewWindow, ALargerWindowHasALargerSheetAndItsButtonsOnTheRight) {
     EXPECT_EQ(1000 - moved.right, 600 - button.right);
     EXPECT_EQ(moved.top, button.top);
     ASSERT_TRUE(dialog().resize(120, 20));  // no room for a sheet
-    EXPECT_THAT(drawn(DrawCall::Kind::fill), IsEmpty());
+    EXPECT_THAT(drawn<DrawnFill>(), IsEmpty());
 }
 
 TEST_F(PreviewWindow, KeepsItsSizeForTheNextTime) {
@@ -269,9 +265,7 @@ TEST_F(PreviewWindow, ShowsAPageAsItPrints) {
     };
     openPreview({upright});
     const DialogRect sheet = paper();
-    std::vector<host::PaperLine> lines;
-    for (const DrawCall& call : dialog().drawing())
-        if (call.paper) lines.push_back(*call.paper);
+    const auto lines = drawn<ElementLine>();
     ASSERT_EQ(lines.size(), 3u);
     EXPECT_NEAR(lines[0].gray, 0.85, 1e-9) << "the background lies under everything else";
     EXPECT_LT(lines[1].gray, 0);

@@ -9,13 +9,16 @@
 #include "mchost/front/scripted.h"
 #include "mclib/frame/errors.h"
 #include "mclib/frame/main.h"
+#include "tests/support/drawn.h"
 #include "tests/support/session_fixture.h"
 
 namespace {
 
 using host::Dialog;
 using host::DialogItem;
-using host::DrawCall;
+using host::DrawnEdge;
+using host::DrawnIcon;
+using host::DrawnText;
 
 constexpr int32_t f = 16;  // height of the dialog font
 constexpr int32_t fixedFont = 14;
@@ -28,15 +31,9 @@ const DialogItem& buttonOf(const Dialog& dialog, int32_t id) {
     return *itemOf(dialog, ITEM_PUSH_BUTTON, id);
 }
 
-std::vector<DrawCall> callsOf(const Dialog& dialog, DrawCall::Kind kind) {
-    std::vector<DrawCall> calls = dialog.drawing();
-    std::erase_if(calls, [=](const DrawCall& call) { return call.kind != kind; });
-    return calls;
-}
-
 std::vector<std::string> linesOf(const Dialog& dialog) {
     std::vector<std::string> lines;
-    for (const DrawCall& call : callsOf(dialog, DrawCall::Kind::text)) lines.push_back(call.text);
+    for (const DrawnText& call : drawnIn<DrawnText>(dialog)) lines.push_back(call.text);
     return lines;
 }
 
@@ -127,7 +124,7 @@ TEST_F(MessageDialogs, FlagsChooseLabelsTitleAndIcon) {
             if (c.second) {
                 EXPECT_EQ(buttonOf(d, -4).label, c.second);
             }
-            const auto icons = callsOf(d, DrawCall::Kind::icon);
+            const auto icons = drawnIn<DrawnIcon>(d);
             ASSERT_EQ(icons.size(), 1u);
             EXPECT_EQ(icons[0].icon->sign, c.sign);
             EXPECT_EQ(icons[0].color, c.color);
@@ -142,13 +139,13 @@ TEST_F(MessageDialogs, LinesStandBesideTheIconOneFontHeightApart) {
         EXPECT_EQ(text.left, 15);
         EXPECT_EQ(text.right, d.width() - 15);
         EXPECT_EQ(text.bottom, buttonOf(d, -3).rect.top - 15);
-        const auto lines = callsOf(d, DrawCall::Kind::text);
+        const auto lines = drawnIn<DrawnText>(d);
         ASSERT_EQ(lines.size(), 2u);
         EXPECT_EQ(lines[0].rect.left, text.left + 65);
         EXPECT_EQ(lines[0].rect.top, text.top);
         EXPECT_EQ(lines[1].rect.top, text.top + f);
         EXPECT_EQ(lines[1].text, "b");
-        EXPECT_EQ(callsOf(d, DrawCall::Kind::icon)[0].rect.top, (text.top + text.bottom) / 2 - 25);
+        EXPECT_EQ(drawnIn<DrawnIcon>(d)[0].rect.top, (text.top + text.bottom) / 2 - 25);
         EXPECT_FALSE(itemOf(d, ITEM_GENERIC, 20004)->takesFocus);
     });
 }
@@ -170,7 +167,7 @@ TEST_F(MessageDialogs, TheListShowsWhatWasCollectedUnderItsHead) {
         ASSERT_EQ(Dialog::rowCount(lines), 2);
         EXPECT_EQ(Dialog::cellText(lines, 1, 0), "two.mcd: locked");
         EXPECT_EQ(linesOf(d), (std::vector<std::string>{"2 of 5 files failed"}));
-        EXPECT_EQ(callsOf(d, DrawCall::Kind::text)[0].font, 2);
+        EXPECT_EQ(drawnIn<DrawnText>(d)[0].font, 2);
         EXPECT_EQ(d.font(), 4);
     });
     script.press(-3);
@@ -193,10 +190,10 @@ TEST_F(MessageDialogs, TheListDialogGrowsWithItsHeadAndItsPartsStandApart) {
             EXPECT_GT(frame.top, 0);
             EXPECT_GT(rows.top, frame.bottom);
             EXPECT_GT(buttonOf(d, -3).rect.top, rows.bottom);
-            EXPECT_EQ(callsOf(d, DrawCall::Kind::edge)[0].rect.top, frame.top);
-            EXPECT_EQ(callsOf(d, DrawCall::Kind::text)[0].rect.top, frame.top + 15);
+            EXPECT_EQ(drawnIn<DrawnEdge>(d)[0].rect.top, frame.top);
+            EXPECT_EQ(drawnIn<DrawnText>(d)[0].rect.top, frame.top + 15);
             const int32_t middle = (frame.top + frame.bottom) / 2;
-            EXPECT_EQ(callsOf(d, DrawCall::Kind::icon)[0].rect.top, middle - 24);
+            EXPECT_EQ(drawnIn<DrawnIcon>(d)[0].rect.top, middle - 24);
         });
         script.press(-3);
         EXPECT_EQ(list(LIST_SHOW, head), MSGBOX_FIRST);

@@ -14,6 +14,7 @@
 #include "mclib/frame/main.h"
 #include "mclib/frame/messages.h"
 #include "mclib/text/file.h"
+#include "tests/support/drawn.h"
 #include "tests/support/session_fixture.h"
 
 using namespace mc;
@@ -32,8 +33,7 @@ struct Shown {
 Shown lookAt(host::Dialog& dialog) {
     dialog.refresh();
     Shown shown{.id = dialog.id(), .title = dialog.title()};
-    for (const host::DrawCall& call : dialog.drawing())
-        if (call.kind == host::DrawCall::Kind::text) shown.lines.push_back(call.text);
+    for (const host::DrawnText& line : drawnIn<host::DrawnText>(dialog)) shown.lines.push_back(line.text);
     for (const host::DialogItem& item : dialog.items()) {
         if (item.kind == ITEM_PUSH_BUTTON && item.shown) shown.buttons.push_back(item.label);
         if (item.kind != ITEM_LIST_BOX) continue;

@@ -14,6 +14,7 @@
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mclib/frame/resource_files.h"
+#include "tests/support/drawn.h"
 #include "tests/support/library_fixture.h"
 
 namespace {
@@ -29,8 +30,7 @@ class ResourceFiles : public LibraryTest {
         front().answer = [this](host::Dialog& dialog) {
             dialog.refresh();
             std::string text;
-            for (const host::DrawCall& call : dialog.drawing())
-                if (call.kind == host::DrawCall::Kind::text) text += call.text + "|";
+            for (const host::DrawnText& line : drawnIn<host::DrawnText>(dialog)) text += line.text + "|";
             boxes.push_back(text);
             dialog.close();
             return true;

@@ -18,11 +18,10 @@
 #include "mchost/mdl/transform.h"
 #include "mchost/resource/container.h"
 #include "tests/support/cell_file.h"
+#include "tests/support/drawn.h"
 #include "tests/support/library_fixture.h"
 
 namespace {
-
-using host::DrawCall;
 
 void define(const char* name, const std::string& value) {
     ASSERT_EQ(mdlSystem_defineCfgVar(name, value.c_str(), 4), MDL_SUCCESS);
@@ -158,16 +157,17 @@ TEST_F(CellLibraries, CellIsDrawnInItsItemWithACross) {
         ASSERT_NE(window, nullptr);
         const MdlItem* drawn = mdlDialog_itemGetByIndex(window, 0);
         ASSERT_EQ(mclibCell_drawCell("C", window, drawn, c.inset, c.crossMode), MCLIB_SUCCESS);
-        std::vector<DrawCall> calls = host::dialogOf(window)->drawing();
+        const auto calls = host::dialogOf(window)->drawing();
         ASSERT_EQ(calls.size(), 4 + c.cross.size());
-        EXPECT_EQ(calls[0].kind, DrawCall::Kind::bevel);
-        EXPECT_EQ(calls[0].rect.right, 110);
-        EXPECT_EQ(calls[1].kind, DrawCall::Kind::fill);
-        EXPECT_EQ(calls[1].rect.left, 12) << "the fill isn't inset further";
+        EXPECT_EQ(std::get<host::DrawnBevel>(calls[0]).rect.right, 110);
+        EXPECT_EQ(std::get<host::DrawnFill>(calls[1]).rect.left, 12) << "the fill isn't inset further";
         const int32_t left = 12 + std::max(c.inset, 0), right = 108 - std::max(c.inset, 0);
-        EXPECT_EQ(calls[2].points.front(), left);
-        EXPECT_EQ(calls[2].points[2], right);
-        for (size_t i = 0; i < c.cross.size(); ++i) EXPECT_EQ(calls[4 + i].points, c.cross[i]);
+        const auto outline = std::get<host::ElementLine>(calls[2]).points;
+        EXPECT_EQ(outline[0], left);
+        EXPECT_EQ(outline[2], right);
+        const auto cross = drawnIn<host::DrawnLine>(*host::dialogOf(window));
+        ASSERT_EQ(cross.size(), c.cross.size());
+        for (size_t i = 0; i < cross.size(); ++i) EXPECT_EQ(cross[i].points, c.cross[i]);
         mdlWindow_close(window, 0, 1);
     }
 
@@ -175,7 +175,7 @@ TEST_F(CellLibraries, CellIsDrawnInItsItemWithACross) {
     EXPECT_EQ(mclibCell_drawCell("NONE", window, mdlDialog_itemGetByIndex(window, 0), 0, 3), MCLIB_ERROR);
     const auto calls = host::dialogOf(window)->drawing();
     ASSERT_EQ(calls.size(), 1u);
-    EXPECT_EQ(calls[0].kind, DrawCall::Kind::bevel);
+    EXPECT_TRUE(std::holds_alternative<host::DrawnBevel>(calls[0]));
 }
 
 // ---- joining ----

@@ -15,6 +15,7 @@
 #include "mclib/frame/util.h"
 #include "mclib/print/print.h"
 #include "mclib/print/setup.h"
+#include "tests/support/drawn.h"
 #include "tests/support/library_fixture.h"
 
 namespace {
@@ -249,9 +250,7 @@ TEST_F(PrinterSetup, APreferenceFileThatCannotBeUsedIsToldAndGivesTheUsualValues
     define("MS_USERPREF", path("text.rsc"));
     writeFile("text.rsc", "no resource file");
     std::string told;
-    const auto notice = [&](Dialog& dialog) {
-        for (const host::DrawCall& call : dialog.drawing()) told += call.text + "\n";
-    };
+    const auto notice = [&](Dialog& dialog) { told += textDrawnIn(dialog); };
     script.check(notice).press(-3).setValue(ITEM_TEXT, 20005, "33").press(-3).check(notice).press(-3);
     EXPECT_EQ(mclibPrintSet_dialogOpen(), 3) << script.fault();
     EXPECT_TRUE(script.finished());

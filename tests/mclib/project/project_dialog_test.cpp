@@ -11,6 +11,7 @@
 #include "mchost/mdl/resource.h"
 #include "mclib/project/dialog.h"
 #include "mclib/project/store.h"
+#include "tests/support/drawn.h"
 #include "tests/support/library_fixture.h"
 
 namespace {
@@ -49,11 +50,7 @@ class ProjectDialog : public LibraryTest {
     }
     // The next message box is answered so, and its text kept.
     void answerBox(int button) {
-        answers
-            .check([this](host::Dialog& box) {
-                for (const host::DrawCall& call : box.drawing()) told += call.text + "\n";
-            })
-            .press(button);
+        answers.check([this](host::Dialog& box) { told += textDrawnIn(box); }).press(button);
     }
     // A resource file with a block of that size as its project.
     void writeProject(const std::string& name, std::string bytes) {

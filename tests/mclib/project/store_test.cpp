@@ -13,6 +13,7 @@
 #include "mclib/project/application_data.h"
 #include "mclib/project/records.h"
 #include "mclib/project/store.h"
+#include "tests/support/drawn.h"
 #include "tests/support/library_fixture.h"
 
 using namespace mc;
@@ -141,10 +142,7 @@ class ProjectStore : public LibraryTest {
         openDesignFile();
         front().answer = [this](host::Dialog& dialog) {
             dialog.refresh();
-            std::string text;
-            for (const host::DrawCall& call : dialog.drawing())
-                if (call.kind == host::DrawCall::Kind::text) text += call.text + "\n";
-            boxes.push_back(text);
+            boxes.push_back(textDrawnIn(dialog));
             return false;
         };
     }
