@@ -1,90 +1,103 @@
-// Commands: which one runs, and what the host calls in it.
+// Commands: which one runs, and what starts and ends one.
 #include "mchost/mdl/state.h"
 
 #include "mchost/base/guard.h"
 #include "mchost/command/command.h"
-#include "mchost/element/range.h"
+#include "mchost/command/locate.h"
+#include "mchost/command/overlay.h"
+#include "mchost/command/running.h"
+#include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mchost/model/model_ref.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/session/session.h"
-#include "mchost/space/vector.h"
-#include "mchost/space/view.h"
 
 namespace host {
 namespace {
 
-struct Command {
-    uint64_t serial = 0;  // 0: the default command
-    MdlDesc* owner = nullptr;
-    uint64_t model = 0;  // serial of the model that it works in; 0 none
-    MdlDataPointFunction dataPoint = nullptr;
-    MdlResetFunction reset = nullptr, restart = nullptr;
-    MdlDynamicsFunction dynamics = nullptr;
-    std::string prompt = {};
-};
-
-// Published by its address, so it stands as long as the process; what it holds goes with the session.
-MdlStateData data;
-
 struct CommandState {
     Command running;
     uint64_t lastSerial = 0;
-    bool inDynamics = false;
-    std::vector<mdl::DescrPtr> drawn;
-
-    ~CommandState() { data = {}; }
+    uint64_t run = 0;  // how often commands began so far, restarts counted too
 };
 
 CommandState& state() {
     return sessionState<CommandState>();
 }
 
-void showPrompt(const char* text) {
+void showPrompt(const std::string& text) {
     state().running.prompt = text;
-    mdlOutput_printf(2, "%s", text);
+    mdlOutput_printf(MDL_FIELD_PROMPT, "%s", text.c_str());
 }
 
-void startDefault() {
-    state().drawn.clear();
-    const bool prompted = !state().running.prompt.empty();
-    state().running = {};
-    if (prompted) showPrompt("");
+// A member of a string list of the current application; empty for 0 and for one that isn't there.
+std::string message(int32_t list, int32_t number) {
+    constexpr size_t longest = 512;
+    char text[longest] = "";
+    if (number != 0) mdlResource_loadFromStringList(text, 0, list, number);
+    return text;
+}
+
+void showMessages() {
+    const Command& running = state().running;
+    if (!running.name.empty()) mdlOutput_printf(MDL_FIELD_COMMAND, "%s", running.name.c_str());
+    if (!running.given.empty()) showPrompt(running.given);
+}
+
+// Nothing of the run so far is seen or located any more.
+void beginRun() {
+    ++state().run;
+    clearOverlay();
+    forgetLocated();
 }
 
 void endCommandOf(MdlDesc* application) {
     if (state().running.owner == application) startDefault();
 }
 
-// Calls a function of the command that runs, as its application. The command may be another one afterwards.
-template <class Function, class... Arguments>
-void call(Function function, Arguments... arguments) {
-    const ApplicationScope scope(state().running.owner);
-    function(arguments...);
-}
-
-void keep(const ElementDescr* ed) {
-    ElementDescr* copy = nullptr;
-    if (mdlElmdscr_duplicate(&copy, ed) == MDL_SUCCESS) state().drawn.emplace_back(copy);
-}
-
-void tellDisplayed(const ElementDescr& shown, int32_t drawMode) {
-    if (Session* const session = Session::current()) session->frontEnd().displayed(shown, drawMode);
-}
-
-// Stands for an element that is in no descriptor.
-ElementDescr elementAlone(const MSElementBuffer* element) {
-    ElementDescr alone{};
-    alone.element = const_cast<MSElementBuffer*>(element);
-    return alone;
-}
-
-bool canDisplay(const MSElementBuffer* element, int32_t drawMode) {
-    const bool known = (drawMode >= MDL_DRAW && drawMode <= MDL_HIGHLIGHT) || drawMode == MDL_DYNAMICS;
-    return known && element && elementIsSound(element, MDL_ELEMENT_BYTES);
+void start(Command command, int32_t commandMessage, int32_t promptMessage) {
+    startDefault();
+    command.serial = ++state().lastSerial;
+    command.owner = mdlSystem_getCurrMdlDesc();
+    command.model = activeModelSerial();
+    command.name = message(MDL_COMMAND_MESSAGES, commandMessage);
+    command.given = message(MDL_PROMPT_MESSAGES, promptMessage);
+    state().running = std::move(command);
+    letGoAtEnd<endCommandOf>(state().running.owner);
+    showMessages();
 }
 
 }  // namespace
+
+Command& runningCommand() {
+    return state().running;
+}
+
+RunId currentRun() {
+    return {commandSerial(), state().run};
+}
+
+bool isStill(const RunId& run) {
+    return currentRun() == run;
+}
+
+void locateAgain() {
+    beginRun();
+    Command& running = state().running;
+    running.stage = Command::Stage::locating;
+    running.dataPoint = running.modify.accept;
+    running.reset = running.modify.reset;
+    running.dynamics = running.modify.dynamics;
+    showMessages();
+}
+
+void startDefault() {
+    beginRun();
+    forgetLocateRules();
+    const Command before = std::exchange(state().running, {});
+    if (!before.name.empty()) mdlOutput_printf(MDL_FIELD_COMMAND, "%s", "");
+    if (!before.prompt.empty()) showPrompt("");
+}
 
 bool commandRuns() {
     if (state().running.serial != 0 && state().running.model != activeModelSerial()) startDefault();
@@ -99,77 +112,61 @@ uint64_t commandSerial() {
     return commandRuns() ? state().running.serial : 0;
 }
 
-bool moveCursor(const Point3d& point, int32_t view) {
-    if (!commandRuns() || !isView(view) || !isFinite(point)) return false;
-    data = {point, view};
-    state().drawn.clear();
-    if (!state().running.dynamics) return true;
-    Point3d given = point;
-    state().inDynamics = true;
-    call(state().running.dynamics, &given, view, int32_t{MDL_DYNAMICS});
-    state().inDynamics = false;
-    return true;
-}
-
-bool giveDataPoint(const Point3d& point, int32_t view) {
-    if (!moveCursor(point, view) || !commandRuns()) return false;
-    state().drawn.clear();
-    Point3d given = point;
-    if (state().running.dataPoint) call(state().running.dataPoint, &given, view);
-    return true;
-}
-
-bool giveReset() {
-    if (!commandRuns()) return false;
-    state().drawn.clear();
-    if (state().running.reset)
-        call(state().running.reset);
-    else
-        startDefault();
-    return true;
-}
-
-const std::vector<mdl::DescrPtr>& dynamicElements() {
-    return state().drawn;
-}
-
 }  // namespace host
 
 using namespace host;
 
-MdlStateData* statedataP = &data;
-
-int mdlState_startPrimitive(MdlDataPointFunction dataPoint, MdlResetFunction restart, int32_t, int32_t) noexcept {
+int mdlState_startPrimitive(MdlDataPointFunction dataPoint, MdlResetFunction restart, int32_t commandMessage,
+                            int32_t promptMessage) noexcept {
     return guarded<int>(MDL_ERROR, [&] {
-        MdlDesc* const owner = mdlSystem_getCurrMdlDesc();
-        startDefault();
-        state().running = {.serial = ++state().lastSerial,
-                           .owner = owner,
-                           .model = activeModelSerial(),
-                           .dataPoint = dataPoint,
-                           .restart = restart};
-        letGoAtEnd<endCommandOf>(owner);
+        Command command;
+        command.dataPoint = dataPoint;
+        command.restart = restart;
+        start(std::move(command), commandMessage, promptMessage);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlState_startModifyCommand(MdlResetFunction reset, MdlDataPointFunction accept, MdlDynamicsFunction dynamics,
+                                MdlStateFunction show, MdlStateFunction clean, int32_t commandMessage,
+                                int32_t promptMessage, int32_t, int32_t) noexcept {
+    return guarded<int>(MDL_ERROR, [&] {
+        Command command;
+        command.stage = Command::Stage::locating;
+        command.dataPoint = accept;
+        command.reset = reset;
+        command.dynamics = dynamics;
+        command.modify = {reset, accept, dynamics, show, clean};
+        start(std::move(command), commandMessage, promptMessage);
         return MDL_SUCCESS;
     });
 }
 
 int mdlState_setFunction(int32_t number, MdlStateFunction function) noexcept {
-    if (!commandRuns()) return MDL_ERROR;
-    Command& running = state().running;
-    switch (number) {
-        case MDL_STATE_DATA_POINT: running.dataPoint = reinterpret_cast<MdlDataPointFunction>(function); break;
-        case MDL_STATE_RESET: running.reset = function; break;
-        case MDL_STATE_DYNAMICS: running.dynamics = reinterpret_cast<MdlDynamicsFunction>(function); break;
-        default: return MDL_ERROR;
-    }
-    return MDL_SUCCESS;
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        if (!commandRuns()) return MDL_ERROR;
+        Command& running = state().running;
+        switch (number) {
+            case MDL_STATE_DATA_POINT: running.dataPoint = reinterpret_cast<MdlDataPointFunction>(function); break;
+            case MDL_STATE_RESET: running.reset = function; break;
+            case MDL_STATE_DYNAMICS: running.dynamics = reinterpret_cast<MdlDynamicsFunction>(function); break;
+            default: return MDL_ERROR;
+        }
+        return MDL_SUCCESS;
+    });
 }
 
 int mdlState_restartCurrentCommand(void) noexcept {
     return guarded<int>(MDL_ERROR, []() -> int {
-        if (!commandRuns() || !state().running.restart) return mdlState_startDefaultCommand();
-        state().drawn.clear();
-        call(state().running.restart);
+        if (commandRuns() && runningCommand().stage != Command::Stage::points) {
+            locateAgain();
+            return MDL_SUCCESS;
+        }
+        const MdlResetFunction restart = runningCommand().restart;
+        if (!commandRuns() || !restart) return mdlState_startDefaultCommand();
+        clearOverlay();
+        const ApplicationScope scope(runningCommand().owner);
+        restart();
         return MDL_SUCCESS;
     });
 }
@@ -184,26 +181,6 @@ int mdlState_startDefaultCommand(void) noexcept {
 int mdlOutput_prompt(const char* text) noexcept {
     return guarded<int>(MDL_ERROR, [&] {
         showPrompt(!text ? "" : text);
-        return MDL_SUCCESS;
-    });
-}
-
-int mdlElement_display(const MSElementBuffer* element, int32_t drawMode) noexcept {
-    return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (!canDisplay(element, drawMode)) return MDL_ERROR;
-        ElementDescr* shown = nullptr;
-        const bool seen = drawMode == MDL_DYNAMICS && state().inDynamics;
-        tellDisplayed(elementAlone(element), drawMode);
-        if (seen && mdlElmdscr_new(&shown, nullptr, element) == MDL_SUCCESS) state().drawn.emplace_back(shown);
-        return MDL_SUCCESS;
-    });
-}
-
-int mdlElmdscr_display(ElementDescr* ed, ModelRef*, int32_t drawMode) noexcept {
-    return guarded<int>(MDL_ERROR, [&]() -> int {
-        if (!ed || !canDisplay(ed->element, drawMode)) return MDL_ERROR;
-        if (drawMode == MDL_DYNAMICS && state().inDynamics) keep(ed);
-        tellDisplayed(*ed, drawMode);
         return MDL_SUCCESS;
     });
 }

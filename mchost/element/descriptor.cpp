@@ -206,3 +206,10 @@ void mdlElmdscr_freeAll(ElementDescr** edPP) noexcept {
     }
     freeChain(ed);
 }
+
+int mdlElmdscr_removeElement(ElementDescr* node) noexcept {
+    if (!node) return MDL_ERROR;
+    unlinkNode(node);
+    freeChain(node);
+    return MDL_SUCCESS;
+}

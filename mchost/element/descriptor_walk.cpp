@@ -52,6 +52,14 @@ void transformChain(ElementDescr* ed, const Transform& t) {
     }
 }
 
+void setPropertiesOf(ElementDescr* ed, const LevelId* level, const uint32_t* graphicGroup) {
+    for (; ed; ed = ed->next) {
+        mdlElement_setProperties(ed->element, level, graphicGroup, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                 nullptr);
+        setPropertiesOf(ed->firstChild, level, graphicGroup);
+    }
+}
+
 size_t childCount(const ElementDescr* header) {
     size_t count = 0;
     for (const ElementDescr* child = header->firstChild; child; child = child->next) ++count;
@@ -143,6 +151,12 @@ int mdlElmdscr_computeRange(Point3d* low, Point3d* high, const ElementDescr* ed,
 int mdlElmdscr_transform(ElementDescr* ed, const Transform* transform) noexcept {
     if (!ed || !transform || !canTransformChain(ed, *transform)) return MDL_ERROR;
     transformChain(ed, *transform);
+    return MDL_SUCCESS;
+}
+
+int mdlElmdscr_setProperties(ElementDescr* ed, const LevelId* level, const uint32_t* graphicGroup) noexcept {
+    if (!ed) return MDL_ERROR;
+    setPropertiesOf(ed, level, graphicGroup);
     return MDL_SUCCESS;
 }
 

@@ -34,16 +34,6 @@ int finishVertices(NewElement&& made, const Point3d* points, int32_t count, int3
     return MDL_SUCCESS;
 }
 
-Point3d nearestOnSegment(const Point3d& p, const Point3d& a, const Point3d& b) {
-    const Point3d along = b - a;
-    const double squared = dot(along, along);
-    if (!(squared > 0)) return a;
-    const double t = dot(p - a, along) / squared;
-    if (t <= 0) return a;
-    if (t >= 1) return b;
-    return a + along * t;
-}
-
 }  // namespace
 
 int mdlLine_create(MSElementBuffer* out, const MSElementBuffer* templateP, const Point3d* points) noexcept {

@@ -6,6 +6,7 @@
 #include "mchost/base/guard.h"
 #include "mchost/element/descriptor.h"
 #include "mchost/element/layout.h"
+#include "mchost/mdl/locate.h"
 
 namespace host {
 namespace {
@@ -15,8 +16,16 @@ struct Modification {
     ModelRef* model;
     MdlModifyFunction function;
     void* userArg;
+    bool headersToo;
+    uint32_t only;  // the one component that is asked for; 0 all
     std::unique_ptr<MSElementBuffer> scratch = std::make_unique<MSElementBuffer>();
     int changes = 0;
+    uint32_t number = 0;  // of the node that comes next: 0 the first, and then in depth-first order
+
+    bool asksFor(const ElementDescr* node) {
+        const uint32_t its = number++;
+        return only != 0 ? its == only : headersToo || !isHeaderType(headOf(node->element).type);
+    }
 };
 
 ElementDescr* lastOf(ElementDescr* ed) {
@@ -69,11 +78,8 @@ ElementDescr* modifyNode(Modification& run, ElementDescr* node) {
 ElementDescr* modifyChain(Modification& run, ElementDescr* first) {
     for (ElementDescr *ed = first, *next; ed; ed = next) {
         next = ed->next;
-        if (isHeaderType(headOf(ed->element).type)) {
-            modifyChain(run, ed->firstChild);
-            continue;
-        }
-        ElementDescr* now = modifyNode(run, ed);
+        ElementDescr* const now = run.asksFor(ed) ? modifyNode(run, ed) : ed;
+        if (now == ed) modifyChain(run, ed->firstChild);
         if (ed == first) first = now ? now : next;
     }
     return first;
@@ -85,10 +91,13 @@ ElementDescr* modifyChain(Modification& run, ElementDescr* first) {
 using namespace host;
 
 int mdlModify_elementDescr2(ElementDescr** edPP, ModelRef* model, int32_t request, MdlModifyFunction f, void* userArg,
-                            int32_t) noexcept {
-    if (!edPP || !*edPP || !f || request != MDL_MODIFY_NO_HEADERS) return 0;
+                            int32_t componentOffset) noexcept {
+    const bool known = request == MDL_MODIFY_NO_HEADERS || request == MDL_MODIFY_ALL;
+    const bool one = componentOffset > MDL_COMPONENT_OFFSET;
+    if (!edPP || !*edPP || !f || !known || (componentOffset != 0 && !one)) return 0;
     return guarded<int>(0, [&] {
-        Modification run{model, f, userArg};
+        const uint32_t only = one ? static_cast<uint32_t>(componentOffset - MDL_COMPONENT_OFFSET) : 0;
+        Modification run{model, f, userArg, request == MDL_MODIFY_ALL, only};
         *edPP = modifyChain(run, *edPP);
         return run.changes;
     });

@@ -26,6 +26,13 @@ MDL_EXPORT MDL_CHECKED int mdlElmdscr_appendDscr(ElementDescr *ed, ElementDescr 
 /* With chain and children */
 MDL_EXPORT MDL_CHECKED int mdlElmdscr_duplicate(ElementDescr **edPP, const ElementDescr *ed) MDL_NOEXCEPT;
 MDL_EXPORT void mdlElmdscr_freeAll(ElementDescr **edPP) MDL_NOEXCEPT; /* frees chain and children; *edPP becomes null */
+/* Takes a node out of the header or chain that it stands in and frees it with its components. Whoever holds a chain by
+ * its first node and has that removed goes on with what was behind it. MDL_ERROR for null. */
+MDL_EXPORT int mdlElmdscr_removeElement(ElementDescr *node) MDL_NOEXCEPT;
+/* Sets level and graphic group of every element of chain and children; null leaves the one or the other. MDL_ERROR for
+ * a null descriptor. */
+MDL_EXPORT int mdlElmdscr_setProperties(ElementDescr *ed, const LevelId *level,
+                                        const uint32_t *graphicGroup) MDL_NOEXCEPT;
 
 /* Reads the element at a position, its components with it. The number of elements read; 0 when it can't be read. */
 MDL_EXPORT uint32_t mdlElmdscr_read(ElementDescr **edPP, FilePos position, ModelRef *model) MDL_NOEXCEPT;
@@ -71,14 +78,18 @@ MDL_EXPORT int mdlElmdscr_operation(ElementDescr *ed, MdlDescrFunction f, void *
 
 /* ---- elements in the active design file ---- */
 
-/* Reads an element without its components. The number of bytes; 0 when there is none. */
+/* Reads an element without its components, or a component by the position that it has while its element is the located
+ * one (locate.h). The number of bytes; 0 when there is none. */
 MDL_EXPORT uint32_t mdlElement_read(MSElementBuffer *out, ModelRef *model, FilePos position) MDL_NOEXCEPT;
 /* Adds an element to the active model; its position, 0 on failure. */
 MDL_EXPORT MDL_CHECKED FilePos mdlElement_add(const MSElementBuffer *element) MDL_NOEXCEPT;
 /* Writes the element over the one at `position`, whose components stay; the position, 0 on failure. */
 MDL_EXPORT FilePos mdlElement_rewrite(const MSElementBuffer *element, FilePos position) MDL_NOEXCEPT;
-/* A host without a screen of its own shows nothing but what a command's dynamics (state.h) draw in their mode, and that
- * to those who look at the command. MDL_ERROR for a damaged element or an unknown mode. */
+/* Shows an element in all views, over what is stored, and never in the design file: until the active model is changed
+ * or the command that runs begins anew or ends. MDL_DRAW (seen while a command runs) and MDL_HIGHLIGHT draw it;
+ * MDL_ERASE takes away what was drawn just so, and that component of the located element (locate.h) which has the same
+ * bytes; a descriptor that was read from a position is erased there. What a command's dynamics (state.h) display in
+ * MDL_DYNAMICS is seen until the cursor moves again. MDL_ERROR for a damaged element or an unknown mode. */
 enum { MDL_DRAW = 0, MDL_ERASE = 1, MDL_HIGHLIGHT = 2, MDL_DYNAMICS = 4 };
 MDL_EXPORT int mdlElement_display(const MSElementBuffer *element, int32_t drawMode) MDL_NOEXCEPT;
 /* Deletes what lies at the position in the active model, components included; undo.h brings it back. `element` and

@@ -13,7 +13,10 @@ enum {
     MDL_MODIFY_REPLACE_DESCR = 16    /* the new descriptor *newDescrPP, which goes to the host, takes its place */
 };
 /* Which elements the function is asked for. */
-enum { MDL_MODIFY_NO_HEADERS = 1 }; /* all but headers; the components of a header are asked for one by one */
+enum {
+    MDL_MODIFY_NO_HEADERS = 1, /* all but headers; the components of a header are asked for one by one */
+    MDL_MODIFY_ALL = 2         /* headers too, each before its components unless it was removed or replaced */
+};
 
 /* `element` is a copy of the node's element with room for MDL_ELEMENT_BYTES. `node` is what it was copied from: its
  * parent is the header that the element lies in. *newDescrPP is null on entry; a descriptor that is left in it with
@@ -22,10 +25,12 @@ typedef int (*MdlModifyFunction)(MSElementBuffer *element, void *userArg, ModelR
                                  ElementDescr **newDescrPP);
 
 /* Asks for the elements of the chain and their components. Works in memory; *edPP may change. `model` goes to the
- * function; `reserved` is 0. A header stays when all of its components are removed; *edPP is null when nothing is left.
- * The number of changes; 0 too when nothing could be asked. */
+ * function. `componentOffset` 0 asks for all that `request` tells; the position of a component less that of its element
+ * (locate.h), for a descriptor as it was read, asks for that component alone, header or not. A header stays when all of
+ * its components are removed; *edPP is null when nothing is left. The number of changes; 0 too when nothing could be
+ * asked. */
 MDL_EXPORT int mdlModify_elementDescr2(ElementDescr **edPP, ModelRef *model, int32_t request, MdlModifyFunction f,
-                                       void *userArg, int32_t reserved) MDL_NOEXCEPT;
+                                       void *userArg, int32_t componentOffset) MDL_NOEXCEPT;
 /* Asks for the element at `position` of the model (null: the active one), or for its components when it is a header,
  * and writes what came of it to the model. The element keeps its position; what a replacement has more than one
  * element is added behind; when nothing is left the element is deleted. The number of changes; 0, with the model as it

@@ -31,6 +31,9 @@ MDL_EXPORT int mdlRMatrix_getInverse(RotMatrix *out, const RotMatrix *matrix) MD
 MDL_EXPORT void mdlRMatrix_multiplyRange(Point3d *low, Point3d *high, const RotMatrix *matrix) MDL_NOEXCEPT;
 
 /* ---- transforms ---- */
+MDL_EXPORT void mdlTMatrix_getIdentity(Transform *out) MDL_NOEXCEPT;
+/* `in` (null: the identity) with a move behind it. `out` may be `in`. */
+MDL_EXPORT void mdlTMatrix_translate(Transform *out, const Transform *in, double x, double y, double z) MDL_NOEXCEPT;
 /* Without a translation */
 MDL_EXPORT void mdlTMatrix_fromRMatrix(Transform *out, const RotMatrix *matrix) MDL_NOEXCEPT;
 /* `in` (null: the identity) with a turn about the x, then the y, then the z axis behind it. `out` may be `in`. */

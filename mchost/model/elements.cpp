@@ -4,8 +4,10 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/element/range.h"
+#include "mchost/mdl/locate.h"
 #include "mchost/mdl/modify.h"
 #include "mchost/model/open_files.h"
+#include "mchost/model/parts.h"
 
 namespace host {
 namespace {
@@ -27,7 +29,7 @@ bool canBeStored(const Model& model, std::span<const StoredNode> unit) {
         fileProblem("An element isn't stored: it is larger than 256 MB with its components. Divide it.");
     } else if (std::ranges::max(unit, {}, &StoredNode::depth).depth > ElementStore::maxDepth) {
         fileProblem("An element isn't stored: cells in it are nested deeper than 500 times. Take some of them apart.");
-    } else if (model.elements.nextPosition() == UINT32_MAX) {
+    } else if (model.elements.nextPosition() >= MDL_COMPONENT_OFFSET) {
         fileProblem("An element isn't stored: the file has had all the elements that it can number. Copy it.");
     } else {
         return true;
@@ -146,11 +148,13 @@ using namespace host;
 // ---- elements ----
 
 uint32_t mdlElement_read(MSElementBuffer* out, ModelRef* model, FilePos position) noexcept {
-    const Model* found = openModel(model);
-    const MSElementBuffer* element = found ? found->elements.element(position) : nullptr;
-    if (!element || !out) return 0;
-    std::memcpy(out, element, elementBytes(element));
-    return elementBytes(element);
+    return guarded<uint32_t>(0, [&]() -> uint32_t {
+        const Model* found = openModel(model);
+        const MSElementBuffer* element = found ? partAt(*found, position) : nullptr;
+        if (!element || !out) return 0;
+        std::memcpy(out, element, elementBytes(element));
+        return elementBytes(element);
+    });
 }
 
 FilePos mdlElement_add(const MSElementBuffer* element) noexcept {

@@ -71,6 +71,16 @@ const DesignFile& OpenFiles::fileOf(const Model& model) const {
     return *std::ranges::find(all_, &model, [](const Opened& opened) { return &opened.file->model; })->file;
 }
 
+Model* OpenFiles::modelOf(uint64_t serial) const {
+    const auto found = std::ranges::find_if(all_, [&](const Opened& o) { return o.file->model.serial == serial; });
+    return found != all_.end() ? &found->file->model : nullptr;
+}
+
+ModelRef* OpenFiles::placeOf(const Model& model) const {
+    const auto found = std::ranges::find_if(all_, [&](const Opened& o) { return &o.file->model == &model; });
+    return found != all_.end() ? &found->file->place : nullptr;
+}
+
 // Closing may fail, and the file stays open then, with what can be taken back in it where that still lies.
 void OpenFiles::close(DesignFile& file) {
     if (file.shrinksAtClosing()) journal.forget(file.model);

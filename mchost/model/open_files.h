@@ -34,6 +34,9 @@ class OpenFiles {
 
     // The file that holds the model, which is open.
     const DesignFile& fileOf(const Model& model) const;
+    // The model of that serial, and where one is shown by itself; null when it isn't open.
+    Model* modelOf(uint64_t serial) const;
+    ModelRef* placeOf(const Model& model) const;
 
     // Opens the file in place of the active one, which stays open when that fails: FileProblem. Applications hear of
     // it.

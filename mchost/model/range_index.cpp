@@ -121,6 +121,7 @@ void RangeIndex::pack(std::vector<Entry> entries) {
     while (!boxes_.empty() && boxes_.back().size() > 1) {
         boxes_.push_back(boxesOver(boxes_.back(), [](const Range3d& box) { return box; }));
     }
+    bounds_ = boxes_.empty() ? Range3d{} : boxes_.back().front();
     inTree_.assign(packed_.empty() ? 0 : last + 1, false);
     for (const FilePos position : run_) inTree_[position] = true;
     stale_.assign(inTree_.size(), false);
@@ -129,6 +130,8 @@ void RangeIndex::pack(std::vector<Entry> entries) {
 
 void RangeIndex::put(FilePos position, const Range3d& box) {
     drop(position);
+    if (packed_.empty() && waiting_.empty()) bounds_ = box;
+    extend(bounds_, box);
     waitingAt_[position] = waiting_.size();
     waiting_.push_back({box, position});
 }

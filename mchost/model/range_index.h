@@ -25,6 +25,8 @@ class RangeIndex {
     void put(FilePos position, const Range3d& box);  // adds, or replaces the box of a position
     void drop(FilePos position);                     // takes a position out
 
+    // A box that holds all of them; may be larger than what is needed.
+    const Range3d& bounds() const { return bounds_; }
     // Appends the positions whose boxes meet the window, edges included, in no order.
     void search(const Range3d& window, std::vector<FilePos>& found);
     // Calls visit(position, box) for each entry.
@@ -44,6 +46,7 @@ class RangeIndex {
     void takeRun(size_t first, size_t last, std::vector<FilePos>& found) const;
     void dropWaiting(FilePos position);
 
+    Range3d bounds_ = {};
     std::vector<Entry> packed_;                // in order of the curve
     std::vector<FilePos> run_;                 // the positions of packed_, close together
     std::vector<std::vector<Range3d>> boxes_;  // boxes_[0] over 16 entries each, boxes_[1] over 16 of those

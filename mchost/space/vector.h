@@ -37,6 +37,17 @@ inline double distance(const Point3d& a, const Point3d& b) {
     return length(b - a);
 }
 
+// The point between a and b that lies nearest to p.
+constexpr Point3d nearestOnSegment(const Point3d& p, const Point3d& a, const Point3d& b) {
+    const Point3d along = b - a;
+    const double squared = dot(along, along);
+    if (!(squared > 0)) return a;
+    const double t = dot(p - a, along) / squared;
+    if (t <= 0) return a;
+    if (t >= 1) return b;
+    return a + along * t;
+}
+
 // 0 for finite values, else not a number: sums of it tell of many values at once.
 constexpr double taint(const Point3d& p) {
     return p.x * 0 + p.y * 0 + p.z * 0;

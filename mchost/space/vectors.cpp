@@ -68,6 +68,17 @@ int mdlRMatrix_getInverse(RotMatrix* out, const RotMatrix* matrix) noexcept {
     return MDL_SUCCESS;
 }
 
+void mdlTMatrix_getIdentity(Transform* out) noexcept {
+    *out = identityTransform;
+}
+
+void mdlTMatrix_translate(Transform* out, const Transform* in, double x, double y, double z) noexcept {
+    *out = in ? *in : identityTransform;
+    out->form[0][3] += x;
+    out->form[1][3] += y;
+    out->form[2][3] += z;
+}
+
 void mdlTMatrix_fromRMatrix(Transform* out, const RotMatrix* matrix) noexcept {
     *out = {};
     for (int row = 0; row < 3; ++row) std::copy_n(matrix->form[row], 3, out->form[row]);

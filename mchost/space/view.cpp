@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "mchost/session/drawing.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/session/session.h"
 #include "mchost/space/vector.h"
@@ -29,6 +30,11 @@ void setViewRotation(int32_t view, const RotMatrix& rotation) {
     if (!isView(view)) return;
     rotationOf(view) = rotation;
     if (Session* const session = Session::current()) session->frontEnd().viewChanged(view);
+}
+
+double viewPixelSize(int32_t) {
+    constexpr double masterUnits = 0.01;
+    return masterUnits * drawing().getUorPerMaster(nullptr);
 }
 
 }  // namespace host

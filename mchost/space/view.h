@@ -16,4 +16,7 @@ constexpr bool isView(int32_t view) {
 const RotMatrix& viewRotation(int32_t view);
 void setViewRotation(int32_t view, const RotMatrix& rotation);
 
+// How many UOR a pixel of the view is wide.
+double viewPixelSize(int32_t view);
+
 }  // namespace host

@@ -1,6 +1,7 @@
 #include <string>
 
 #include "mchost/element/range.h"
+#include "mchost/mdl/locate.h"
 #include "mchost/mdl/modify.h"
 #include "tests/mchost/element/fixture.h"
 
@@ -218,6 +219,53 @@ TEST_F(Descriptors, ModifyChangesRemovesAndReplaces) {
     mdlElmdscr_appendElement(tree.ed, line(9));
     EXPECT_EQ(run(), 2);
     EXPECT_EQ(tree.ed, nullptr);
+}
+
+// Notes the colours that it is asked about and removes the cell of colour 4.
+int noteAll(MSElementBuffer* e, void* seen, ModelRef*, ElementDescr*, ElementDescr**) {
+    *static_cast<std::string*>(seen) += std::to_string(e->head.color);
+    return e->head.color == 4 ? MDL_MODIFY_REMOVE : MDL_MODIFY_NONE;
+}
+
+TEST_F(Descriptors, ModifyAsksForHeadersOrForOneComponent) {
+    makeTree();
+    std::string seen;
+    const auto asked = [&](int32_t request, int32_t offset) {
+        seen.clear();
+        const int changes = mdlModify_elementDescr2(&tree.ed, nullptr, request, noteAll, &seen, offset);
+        return seen + "/" + std::to_string(changes);
+    };
+    EXPECT_EQ(asked(MDL_MODIFY_NO_HEADERS, MDL_COMPONENT_OFFSET + 2), "3/0");
+    EXPECT_EQ(asked(MDL_MODIFY_ALL, MDL_COMPONENT_OFFSET + 4), "5/0");
+    EXPECT_EQ(asked(MDL_MODIFY_ALL, MDL_COMPONENT_OFFSET + 9), "/0");
+    EXPECT_EQ(asked(MDL_MODIFY_ALL, 3), "/0") << "no component has that offset";
+    EXPECT_EQ(asked(3, 0), "/0");
+    EXPECT_EQ(asked(MDL_MODIFY_ALL, 0), "12346/1") << "what is removed isn't looked into";
+    EXPECT_EQ(colors(tree.ed), "1236");
+    expectWhole(tree.ed);
+}
+
+TEST_F(Descriptors, ARemovedNodeLeavesTheRestWhole) {
+    makeTree();
+    const uint32_t group = 7;
+    const LevelId level = 3;
+    EXPECT_EQ(mdlElmdscr_setProperties(tree.ed, &level, nullptr), MDL_SUCCESS);
+    EXPECT_EQ(mdlElmdscr_setProperties(tree.ed->next, nullptr, &group), MDL_SUCCESS);
+    EXPECT_EQ(tree.ed->next->lastChild->firstChild->element->head.level, 3u);
+    EXPECT_EQ(tree.ed->next->lastChild->firstChild->element->head.graphicGroup, 7u);
+    EXPECT_EQ(tree.ed->element->head.graphicGroup, 0u);
+    EXPECT_EQ(mdlElmdscr_removeElement(tree.ed->next->firstChild), MDL_SUCCESS);
+    EXPECT_EQ(mdlElmdscr_removeElement(tree.ed->next->next), MDL_SUCCESS);
+    EXPECT_EQ(colors(tree.ed), "1245");
+    expectWhole(tree.ed);
+    ElementDescr* const second = tree.ed->next;
+    EXPECT_EQ(mdlElmdscr_removeElement(tree.ed), MDL_SUCCESS);
+    tree.ed = second;
+    ASSERT_EQ(mdlElmdscr_appendElement(tree.ed->firstChild, line(8)), MDL_SUCCESS);
+    EXPECT_EQ(colors(tree.ed), "2458");
+    expectWhole(tree.ed);
+    EXPECT_EQ(mdlElmdscr_removeElement(nullptr), MDL_ERROR);
+    EXPECT_EQ(mdlElmdscr_setProperties(nullptr, &level, nullptr), MDL_ERROR);
 }
 
 }  // namespace

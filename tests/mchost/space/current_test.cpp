@@ -4,6 +4,7 @@
 
 #include "mchost/mdl/transform.h"
 #include "mchost/session/session.h"
+#include "mchost/space/vector.h"
 
 namespace {
 
@@ -53,6 +54,20 @@ TEST(CurrentTransform, AnglesTurnAboutXThenYThenZ) {
     // y goes to z by the first turn, to x by the second and to y by the third.
     expectPoint(toWorld({0, 1, 0}), 0, 1, 0);
     expectPoint(toWorld({1, 0, 0}), 0, 0, -1);
+}
+
+TEST(Transforms, AMoveAndATurnFollowEachOther) {
+    Transform t;
+    mdlTMatrix_getIdentity(&t);
+    mdlTMatrix_translate(&t, &t, -3, 0, 1);
+    mdlTMatrix_rotateByAngles(&t, &t, 0, 0, *fc_piover2P);
+    mdlTMatrix_translate(&t, &t, 100, 0, 0);
+    const Point3d moved = host::applyToPoint(t, {5, 0, 0});
+    EXPECT_NEAR(moved.x, 100, 1e-12);
+    EXPECT_NEAR(moved.y, 2, 1e-12) << "turned behind the move";
+    EXPECT_NEAR(moved.z, 1, 1e-12);
+    mdlTMatrix_translate(&t, nullptr, 1, 2, 3);
+    EXPECT_EQ(host::applyToPoint(t, {}).z, 3);
 }
 
 TEST(CurrentTransform, WorldOriginIsAddedInUor) {
