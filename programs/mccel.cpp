@@ -111,6 +111,8 @@ class Compiler {
     void takeLook(const toml::table& table, Symbology& look, bool withStyle);
     void takePen(const toml::table& table, Pen& pen, bool withStyle);
     void takeLettering(const toml::table& table, Lettering& lettering);
+    template <class Kind>
+    Kind defined(const toml::table& element, const char* key, const std::map<std::string, Kind>& known);
     Pen penOf(const toml::table& element);
     Lettering letteringOf(const toml::table& element);
 
@@ -199,28 +201,26 @@ void Compiler::takeLettering(const toml::table& table, Lettering& lettering) {
     lettering.just = *just;
 }
 
+// What the element names under `key`, as it was defined; the usual one when it names none.
+template <class Kind>
+Kind Compiler::defined(const toml::table& element, const char* key, const std::map<std::string, Kind>& known) {
+    const toml::node* node = element.get(key);
+    if (!node) return {};
+    const auto found = known.find(node->value_or(std::string()));
+    if (found != known.end()) return found->second;
+    const std::string kind = key;
+    in_.fault(*node, "there is no " + kind + " of that name; [" + kind + ".NAME] defines one");
+    return {};
+}
+
 Pen Compiler::penOf(const toml::table& element) {
-    Pen pen;
-    if (const toml::node* node = element.get("pen")) {
-        const auto found = pens_.find(node->value_or(std::string()));
-        if (found == pens_.end())
-            in_.fault(*node, "there is no pen of that name; [pen.NAME] defines one");
-        else
-            pen = found->second;
-    }
+    Pen pen = defined(element, "pen", pens_);
     takePen(element, pen, true);
     return pen;
 }
 
 Lettering Compiler::letteringOf(const toml::table& element) {
-    Lettering lettering;
-    if (const toml::node* node = element.get("lettering")) {
-        const auto found = letterings_.find(node->value_or(std::string()));
-        if (found == letterings_.end())
-            in_.fault(*node, "there is no lettering of that name; [lettering.NAME] defines one");
-        else
-            lettering = found->second;
-    }
+    Lettering lettering = defined(element, "lettering", letterings_);
     takeLettering(element, lettering);
     return lettering;
 }

@@ -55,11 +55,15 @@ const char* takeExtension(Draft& draft, std::string_view value) {
     return nullptr;
 }
 
-const char* takeResolution(Draft& draft, std::string_view value) {
-    const auto number = numberBetween(value, 10, 2400);
-    if (!number) return "the resolution is a number from 10 to 2400";
-    draft.driver.resolution = *number;
+const char* takeNumber(double& taken, std::string_view value, double low, double high, const char* wanted) {
+    const auto number = numberBetween(value, low, high);
+    if (!number) return wanted;
+    taken = *number;
     return nullptr;
+}
+
+const char* takeResolution(Draft& draft, std::string_view value) {
+    return takeNumber(draft.driver.resolution, value, 10, 2400, "the resolution is a number from 10 to 2400");
 }
 
 const char* takeName(Draft& draft, std::string_view value) {
@@ -89,10 +93,7 @@ const char* takeDefault(Draft& draft, std::string_view value) {
 }
 
 const char* takeMargin(Draft& draft, std::string_view value) {
-    const auto number = numberBetween(value, 0, 1000);
-    if (!number) return "the margin is a number of millimetres from 0 to 1000";
-    draft.driver.marginMm = *number;
-    return nullptr;
+    return takeNumber(draft.driver.marginMm, value, 0, 1000, "the margin is a number of millimetres from 0 to 1000");
 }
 
 struct Entry {

@@ -290,26 +290,32 @@ void ResourceStore::put(Put how, int32_t id, const StoredList& list, std::string
     });
 }
 
-std::vector<BlockHead> ResourceStore::blocks() {
+// What `select` gives of each row of a table, if the file has it.
+template <class Head, class Make>
+std::vector<Head> ResourceStore::heads(const char* table, const char* select, Make make) {
     return attempt([&] {
-        std::vector<BlockHead> all;
-        if (!hasTable("block")) return all;
-        Statement rows(reading(), "SELECT type, id, length(data), attributes, name FROM block ORDER BY type, id");
+        std::vector<Head> all;
+        if (!hasTable(table)) return all;
+        Statement rows(reading(), select);
         const auto number = [&](int column) { return static_cast<int32_t>(rows.integer(column)); };
-        while (rows.step()) all.push_back({number(0), number(1), number(2), number(3), std::string(rows.text(4))});
+        const auto text = [&](int column) { return std::string(rows.text(column)); };
+        while (rows.step()) all.push_back(make(number, text));
         return all;
     });
 }
 
+std::vector<BlockHead> ResourceStore::blocks() {
+    return heads<BlockHead>("block", "SELECT type, id, length(data), attributes, name FROM block ORDER BY type, id",
+                            [](const auto& number, const auto& text) {
+                                return BlockHead{number(0), number(1), number(2), number(3), text(4)};
+                            });
+}
+
 std::vector<ListHead> ResourceStore::lists() {
-    return attempt([&] {
-        std::vector<ListHead> all;
-        if (!hasTable("list")) return all;
-        Statement rows(reading(), "SELECT id, members, name FROM list ORDER BY id");
-        const auto number = [&](int column) { return static_cast<int32_t>(rows.integer(column)); };
-        while (rows.step()) all.push_back({number(0), number(1), std::string(rows.text(2))});
-        return all;
-    });
+    return heads<ListHead>("list", "SELECT id, members, name FROM list ORDER BY id",
+                           [](const auto& number, const auto& text) {
+                               return ListHead{number(0), number(1), text(2)};
+                           });
 }
 
 std::string ResourceStore::title() {

@@ -91,6 +91,8 @@ class ResourceStore {
     Database& writing();
     void requireInPlace() const;
     bool hasTable(const char* name);
+    template <class Head, class Make>
+    std::vector<Head> heads(const char* table, const char* select, Make make);
     [[noreturn]] void fail(const std::string& why, bool readOnly = false) const;
     template <class Body>
     auto attempt(Body body);
