@@ -7,6 +7,7 @@
 #ifndef MCLIB_H
 #define MCLIB_H
 
+#include "mclib/arrows/arrows.h"
 #include "mclib/elmattr/attributes.h"
 #include "mclib/elmattr/resources.h"
 #include "mclib/forms/forms.h"

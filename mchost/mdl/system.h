@@ -145,6 +145,7 @@ enum {
     MDL_PARAM_STYLE = 3,          /* int32_t: line style */
     MDL_PARAM_FONT = 7,           /* int32_t: font number */
     MDL_PARAM_TEXT_SIZE = 11,     /* double: text height and width in UOR */
+    MDL_PARAM_TEXT_HEIGHT = 17,   /* double: text height in UOR, the same value as 11 */
     MDL_PARAM_LEVEL = 20,         /* int32_t: level id */
     MDL_PARAM_COLOR = 21,         /* int32_t: colour index */
     MDL_PARAM_WEIGHT = 22,        /* int32_t: line weight */

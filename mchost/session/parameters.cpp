@@ -54,7 +54,8 @@ Place placeOf(int parameter) {
     switch (parameter) {
         case MDL_PARAM_STYLE: return &active().style;
         case MDL_PARAM_FONT: return &active().font;
-        case MDL_PARAM_TEXT_SIZE: return &active().textSize;
+        case MDL_PARAM_TEXT_SIZE:
+        case MDL_PARAM_TEXT_HEIGHT: return &active().textSize;
         case MDL_PARAM_LEVEL: return &active().level;
         case MDL_PARAM_COLOR: return &active().color;
         case MDL_PARAM_WEIGHT: return &active().weight;

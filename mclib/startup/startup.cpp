@@ -7,6 +7,7 @@
 
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
+#include "mclib/arrows/state.h"
 #include "mclib/elmattr/table.h"
 #include "mclib/forms/preview_dialog.h"
 #include "mclib/frame/applications.h"
@@ -20,7 +21,7 @@ namespace mc {
 
 namespace {
 
-constexpr const Room* rooms[] = {&frameRoom, &printRoom, &formsRoom, &projectRoom, &elmattrRoom};
+constexpr const Room* rooms[] = {&frameRoom, &printRoom, &formsRoom, &projectRoom, &arrowsRoom, &elmattrRoom};
 
 // Calls a function of each room that has it.
 template <class Function, class... Arguments>
