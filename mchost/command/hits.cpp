@@ -11,7 +11,8 @@
 #include "mchost/mdl/transform.h"
 #include "mchost/model/design_file.h"
 #include "mchost/space/current.h"
-#include "mchost/space/view.h"
+#include "mchost/view/area.h"
+#include "mchost/view/seen.h"
 
 namespace host {
 namespace {
@@ -19,7 +20,7 @@ namespace {
 // Looks at the elements of a model one by one.
 class Look {
   public:
-    Look(ModelRef& place, const Aim& aim) : model_(place.file->model), reach_(aim.reach) {
+    Look(ModelRef& place, const Aim& aim) : model_(place.file->model), seen_(aim.view, model_), reach_(aim.reach) {
         mdlTMatrix_fromRMatrix(&toSeen_, &viewRotation(aim.view));
         at_ = flat(applyToPoint(toSeen_, aim.point));
         toSeen_ = toSeen_ * toMaster(place);
@@ -63,7 +64,7 @@ class Look {
         uint32_t number = 0;
         forEachNode(model_.elements.record(position), [&](const StoredNode& node) {
             const uint32_t its = number++;
-            if (!meets(node.element, window)) return;
+            if (!seen_(node.element->head) || !meets(node.element, window)) return;
             const std::optional<double> distance = distanceTo(node.element);
             if (distance && *distance <= reach_) hits_.push_back({position, its, *distance});
         });
@@ -111,6 +112,7 @@ class Look {
     }
 
     Model& model_;
+    Seen seen_;
     double reach_;
     Transform toSeen_;  // from the model to the axes of the view
     Point3d at_;        // seen, without depth

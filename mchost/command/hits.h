@@ -23,8 +23,8 @@ struct Hit {
     uint32_t number;
     double distance;  // in the view
 };
-// Those of a model where it is shown, the nearest first, and of those that are equally near the first in the file.
-// Components stand for their headers.
+// Those that the view shows of a model where it is shown, the nearest first, and of those that are equally near the
+// first in the file. Components stand for their headers.
 std::vector<Hit> hitsAt(ModelRef& place, const Aim& aim);
 
 }  // namespace host

@@ -74,8 +74,16 @@ bool follow(const CommandInput& input) {
     return false;
 }
 
-// One that a command takes, else it waits for the end of what runs.
+bool isForHost(const KeyIn& keyIn) {
+    return hostWordOf(keyIn.text);
+}
+
+// One of the host is carried out, one that a command takes goes to it, any other waits for the end of what runs.
 bool take(const KeyIn& keyIn) {
+    if (isForHost(keyIn)) {
+        const ApplicationScope control(nullptr);
+        return carryOutHostWord(keyIn.text);
+    }
     if (!isForCommand(keyIn) || !commandRuns()) {
         const ApplicationScope control(nullptr);
         keyInQueue().push_back(keyIn);
@@ -102,8 +110,9 @@ struct CarryOut {
 };
 
 Event nextOfAny() {
-    if (!commandRuns()) return nextEvent(AnyEvent{});
-    return nextEvent(AnyEvent{utf8FromNarrow(commandPrompt()), commandSerial()}, isForCommand);
+    if (!commandRuns()) return nextEvent(AnyEvent{}, isForHost);
+    return nextEvent(AnyEvent{utf8FromNarrow(commandPrompt()), commandSerial()},
+                     [](const KeyIn& keyIn) { return isForCommand(keyIn) || isForHost(keyIn); });
 }
 
 // Serves for as long as `isToGoOn`; false when nobody answers.

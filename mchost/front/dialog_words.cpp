@@ -6,6 +6,7 @@
 #include "mchost/base/charset.h"
 #include "mchost/base/words.h"
 #include "mchost/front/dialog_text.h"
+#include "mchost/session/keyin.h"
 
 namespace host {
 
@@ -194,7 +195,7 @@ std::optional<Followed> followWord(Dialog& dialog, std::string_view answer) {
     const size_t blank = std::min(answer.find(' '), answer.size());
     const std::string_view word = answer.substr(0, blank), rest = trimmed(answer.substr(blank));
     if (word == "close" && rest.empty()) return done(eventOn(dialog, Dialog::noItem, DialogEvent::Kind::close));
-    if (word == "picture" && !rest.empty()) return savePicture(dialog, std::string(rest));
+    if (word == "picture" && !rest.empty() && !hostWordOf(answer)) return savePicture(dialog, std::string(rest));
     if (word == "size" && !rest.empty()) return resizeTo(dialog, rest);
     return std::nullopt;
 }

@@ -31,6 +31,12 @@ constexpr std::string_view pointHelp =
     "and "
     "\"end\" ends the command.\n";
 
+std::string helpOnHostWords() {
+    std::string help;
+    for (const HostWord& word : hostWords()) help += word.help;
+    return help;
+}
+
 bool isCallForHelp(std::string_view answer) {
     return trimmed(answer) == "help" || trimmed(answer) == "?";
 }
@@ -148,6 +154,7 @@ class TerminalFrontEnd : public FrontEnd {
             if (!isCallForHelp(*answer)) return meantForCommand(*answer);
             show(std::string(pointHelp) + (openDialogs().empty() ? "" : "Any other answer goes to the open window:\n"));
             if (const auto dialog = turnedTo()) show(helpOn(*dialog));
+            show(helpOnHostWords());
         }
         if (options_.yes && std::exchange(pointedAt_, any.command) != any.command) {
             show("> 0,0\n");
@@ -165,6 +172,7 @@ class TerminalFrontEnd : public FrontEnd {
             used_ = dialog;
             if (meant) return *meant;
             used_.reset();
+            if (hostWordOf(answer)) return keyInOf(answer);
             refuse("\"" + answer + "\" isn't a point. " + std::string(pointHelp));
             return Nothing{};
         }
@@ -338,6 +346,7 @@ class TerminalFrontEnd : public FrontEnd {
 
     Event meantBy(Dialog& dialog, std::string_view answer) {
         if (const auto meant = meaningOf(dialog, answer)) return *meant;
+        if (!dialog.modal() && hostWordOf(answer)) return keyInOf(answer);
         refuse("This can't be done here: \"" + std::string(trimmed(answer)) + "\". \"help\" lists what can be done.\n");
         return Event{};
     }
@@ -351,6 +360,10 @@ class TerminalFrontEnd : public FrontEnd {
         if (!followed) return followWord(dialog, narrow.text) ? std::optional(Event{}) : std::nullopt;
         if (!followed->complaint.empty()) refuse(followed->complaint + "\n");
         return followed->event ? Event{*std::move(followed->event)} : Event{};
+    }
+
+    static KeyIn keyInOf(std::string_view answer) {
+        return {.text = narrowFromUtf8(answer).text, .literal = false, .task = {}};
     }
 
     // Words that are for this front end and not for a dialog.
@@ -374,7 +387,8 @@ class TerminalFrontEnd : public FrontEnd {
 
     static std::string helpOf(const Dialog& dialog) {
         return "You can answer:\n" + helpOn(dialog) + "  show: shows all of this window again\n" +
-               (dialog.modal() ? "" : "  window NUMBER: turns to another open window\n") + "  help: this list\n";
+               (dialog.modal() ? "" : "  window NUMBER: turns to another open window\n" + helpOnHostWords()) +
+               "  help: this list\n";
     }
 
     // Tells what wasn't done, which a run that nobody attends has to end with.

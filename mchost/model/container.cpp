@@ -73,6 +73,10 @@ std::string_view numberBytes(const Numbers& numbers) {
     return {reinterpret_cast<const char*>(std::data(numbers)), std::size(numbers) * sizeof *std::data(numbers)};
 }
 
+std::string_view bytesOfPoint(const Point3d& p) {
+    return {reinterpret_cast<const char*>(&p), sizeof p};
+}
+
 // Calls row(values...) with the columns of each table's rows behind their first one, the model's number.
 template <class Row>
 void forEachLevelRow(const Model& model, Row row) {
@@ -99,7 +103,25 @@ void forEachAttachmentRow(const Model& model, Row row) {
         row(a.number, a.file, numberBytes(a.toParent.form), numberBytes(a.clip), a.shown, a.hidden);
 }
 
-int64_t modelDigest(const Model& model, int64_t nextPosition, int64_t chunkCount) {
+// Views are counted from 1 in files.
+template <class Row>
+void forEachViewRow(const Model& model, Row row) {
+    for (int32_t view = 0; view < viewCount; ++view) {
+        const View& v = model.views.views[static_cast<size_t>(view)];
+        row(view + 1, v.isOpen, numberBytes(v.rotation.form), bytesOfPoint(v.origin), bytesOfPoint(v.extent),
+            v.controls);
+    }
+}
+
+template <class Row>
+void forEachViewLevelRow(const Model& model, Row row) {
+    for (int32_t view = 0; view < viewCount; ++view) {
+        for (const std::wstring& name : model.views.views[static_cast<size_t>(view)].levelsOff)
+            row(view + 1, toUtf8(name));
+    }
+}
+
+int64_t modelDigest(const Model& model, int64_t nextPosition, int64_t chunkCount, uint32_t format) {
     Description all;
     const auto row = [&](const auto&... values) { all.row(values...); };
     all.row(model.is3d, model.uorPerMaster, nextPosition, model.nextLevel, chunkCount);
@@ -107,6 +129,10 @@ int64_t modelDigest(const Model& model, int64_t nextPosition, int64_t chunkCount
     for (const LineStyle& style : model.lineStyles) all.row(style.number, style.name, numberBytes(style.pattern));
     forEachTextStyleRow(model, row);
     forEachAttachmentRow(model, row);
+    if (format >= viewsSince) {
+        forEachViewRow(model, row);
+        forEachViewLevelRow(model, row);
+    }
     return all.digest();
 }
 
@@ -118,8 +144,20 @@ void storeAttachments(Database& database, const Model& model) {
     }
 }
 
+void storeViews(Database& database, const Model& model) {
+    Statement row(database, "INSERT INTO view VALUES(?,?,?,?,?,?,?)");
+    forEachViewRow(model, [&](int32_t number, bool open, std::string_view rotation, std::string_view origin,
+                              std::string_view extent, uint32_t controls) {
+        row.execute(onlyModel, number, int32_t{open}, bytesOf(rotation), bytesOf(origin), bytesOf(extent), controls);
+    });
+    Statement level(database, "INSERT INTO view_level VALUES(?,?,?)");
+    forEachViewLevelRow(model, [&](const auto&... values) { level.execute(onlyModel, values...); });
+}
+
 void storeTables(Database& database, const Model& model) {
-    database.run("DELETE FROM level; DELETE FROM line_style; DELETE FROM text_style; DELETE FROM attachment");
+    database.run(
+        "DELETE FROM level; DELETE FROM line_style; DELETE FROM text_style; DELETE FROM attachment;"
+        "DELETE FROM view; DELETE FROM view_level");
     Statement level(database, "INSERT INTO level VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
     forEachLevelRow(model, [&](const auto&... values) { level.execute(onlyModel, values...); });
     Statement lineStyle(database, "INSERT INTO line_style VALUES(?,?,?,?)");
@@ -129,12 +167,13 @@ void storeTables(Database& database, const Model& model) {
     Statement textStyle(database, "INSERT INTO text_style VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?)");
     forEachTextStyleRow(model, [&](const auto&... values) { textStyle.execute(onlyModel, values...); });
     storeAttachments(database, model);
+    storeViews(database, model);
 }
 
 void storeModelRow(Database& database, const Model& model, int64_t chunkCount) {
     Statement row(database, "INSERT OR REPLACE INTO model VALUES(?,?,?,?,?,?,?)");
     row.execute(onlyModel, int32_t{model.is3d}, model.uorPerMaster, model.elements.nextPosition(), model.nextLevel,
-                chunkCount, modelDigest(model, model.elements.nextPosition(), chunkCount));
+                chunkCount, modelDigest(model, model.elements.nextPosition(), chunkCount, newestFormat));
 }
 
 void loadLevels(Database& database, Model& model) {
@@ -180,7 +219,7 @@ bool readNumbers(std::span<const std::byte> from, void* to, size_t bytes) {
 }
 
 void loadAttachments(Database& database, Model& model) {
-    if (formatOf(database) < 2) return;
+    if (formatOf(database) < attachmentsSince) return;
     Statement s(database, "SELECT * FROM attachment WHERE model=1 ORDER BY number");
     while (s.step()) {
         Attachment a = {.number = static_cast<uint32_t>(s.integer(1)),
@@ -192,6 +231,30 @@ void loadAttachments(Database& database, Model& model) {
         if (!readNumbers(s.blob(4), a.clip.data(), a.clip.size() * sizeof(ClipPoint))) throw FileProblem(damaged);
         model.attachments.push_back(std::move(a));
     }
+}
+
+void loadViewLevels(Database& database, Model& model) {
+    Statement s(database, "SELECT * FROM view_level WHERE model=1");
+    while (s.step()) {
+        const auto view = static_cast<int32_t>(s.integer(1) - 1);
+        if (!isView(view)) throw FileProblem(damaged);
+        model.views.views[static_cast<size_t>(view)].levelsOff.insert(fromUtf8(s.text(2)));
+    }
+}
+
+void loadViews(Database& database, Model& model) {
+    if (formatOf(database) < viewsSince) return;
+    Statement s(database, "SELECT * FROM view WHERE model=1 ORDER BY number");
+    for (View& view : model.views.views) {
+        if (!s.step()) throw FileProblem(damaged);
+        view.isOpen = s.integer(2) != 0;
+        view.controls = static_cast<uint32_t>(s.integer(6));
+        if (!readNumbers(s.blob(3), &view.rotation, sizeof view.rotation)) throw FileProblem(damaged);
+        if (!readNumbers(s.blob(4), &view.origin, sizeof view.origin)) throw FileProblem(damaged);
+        if (!readNumbers(s.blob(5), &view.extent, sizeof view.extent)) throw FileProblem(damaged);
+    }
+    if (s.step()) throw FileProblem(damaged);
+    loadViewLevels(database, model);
 }
 
 // ---- reading a file ----
@@ -301,7 +364,9 @@ void loadModel(Database& database, Model& model) {
     loadLineStyles(database, model);
     loadTextStyles(database, model);
     loadAttachments(database, model);
-    if (modelDigest(model, nextPosition, chunkCount) != sum || !tablesAreSound(model)) throw FileProblem(damaged);
+    loadViews(database, model);
+    if (modelDigest(model, nextPosition, chunkCount, formatOf(database)) != sum || !tablesAreSound(model))
+        throw FileProblem(damaged);
     model.elements.reservePositions(static_cast<uint32_t>(nextPosition));
     loadChunks(database, model, chunkCount);
 }
@@ -435,16 +500,17 @@ void ContainerWriter::save(Model& model) {
     try {
         open();
         Transaction transaction(database_);
+        const bool lacksTables = formatOf(database_) != newestFormat;
         bringUpToDate(database_);
         storeChunks(database_, model);
-        if (model.tablesChanged) storeTables(database_, model);
+        if (lacksTables || model.tablesChanged || model.views.differ) storeTables(database_, model);
         storeModelRow(database_, model, static_cast<int64_t>(model.elements.chunks().size()));
         transaction.commit();
     } catch (const SqliteFailure& failure) {
         throw FileProblem(sqliteReason(failure));
     }
     for (ElementStore::Chunk& chunk : model.elements.chunks()) chunk.changed = false;
-    model.tablesChanged = false;
+    model.tablesChanged = model.views.differ = model.views.changed = false;
 }
 
 void ContainerWriter::takeInLog() noexcept {

@@ -1,8 +1,8 @@
 // A design file or cell library on disk: an SQLite database whose application_id tells the kind and whose user_version
 // tells the format. A cell library is one model whose elements are its cells.
 //
-// Tables: `model`, one row a model, with a digest of that row and of the model's rows in `level`, `line_style` and
-// `text_style`; `chunk`, the chunks of ElementStore in order, each with its digest. While changes are stored the
+// Tables: `model`, one row a model, with a digest of that row and of the model's rows in all other tables but
+// `chunk`; `chunk`, the chunks of ElementStore in order, each with its digest. While changes are stored the
 // database is in WAL mode, so a killed process leaves the last state that was stored whole; a file at rest is one plain
 // file. A file that is only read isn't touched.
 #pragma once

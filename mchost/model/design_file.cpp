@@ -66,6 +66,11 @@ void DesignFile::save() {
     if (takesChanges()) writer_.save(model);
 }
 
+void DesignFile::saveWithViews() {
+    if (model.views.changed) model.tablesChanged = true;
+    save();
+}
+
 bool DesignFile::canBeStored() const {
     return takesChanges() && fileAndFolderCanBeWritten(path_);
 }
@@ -78,7 +83,7 @@ bool DesignFile::shrinksAtClosing() const {
 void DesignFile::close() {
     const bool shrinks = shrinksAtClosing();
     if (shrinks) model.elements.compact();
-    save();
+    saveWithViews();
     if (shrinks) writer_.shrink();
     if (takesChanges()) writer_.close();
 }

@@ -44,7 +44,8 @@ class DesignFile {
     bool is(const std::string& path) const;  // whether that path leads to this file
 
     bool canBeStored() const;  // takes changes, and the file can still be written
-    void save();               // FileProblem when the changes can't be stored
+    void save();               // what commands have changed. FileProblem when it can't be stored
+    void saveWithViews();      // also when nothing but views was changed
     // Stores all in the one file, and gives back what deleted elements took, when that is much. FileProblem when that
     // can't be; the file is still open then, and can be stored and closed again.
     void close();

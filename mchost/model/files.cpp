@@ -28,9 +28,15 @@ int openWork(ModelRef** modelP, const char* what, const char* name, FileKind kin
     return withNamedFile(what, name, [&](const std::string& path) { *modelP = openFiles().openWork(path, kind, use); });
 }
 
+ViewTable* viewsOfActive() {
+    Model* const active = openModel(nullptr);
+    return active ? &active->views : nullptr;
+}
+
 [[maybe_unused]] const bool known = (setDrawingCalls({.getActive = mdlModelRef_getActive,
                                                       .getUorPerMaster = mdlModelRef_getUorPerMaster,
                                                       .lineStyleFromName = mdlLineStyle_numberFromName,
+                                                      .getViews = viewsOfActive,
                                                       .finishCommand = [] { openFiles().finishCommand(); },
                                                       .closeDesignFile = mdlSystem_closeDesignFile}),
                                      true);
@@ -53,7 +59,7 @@ int mdlSystem_newDesignFile(const char* name, int readOnly) noexcept {
 int mdlSystem_saveDesignFile(void) noexcept {
     DesignFile* active = openFile(nullptr);
     if (!active) return MDL_SUCCESS;
-    return withFile("store the design file", active->name(), [&] { active->save(); });
+    return withFile("store the design file", active->name(), [&] { active->saveWithViews(); });
 }
 
 int mdlSystem_closeDesignFile(void) noexcept {

@@ -28,9 +28,14 @@ constexpr Table tables[] = {
      "flags INTEGER,slant REAL,line_spacing REAL,mode INTEGER,width REAL,height REAL,aspect REAL,"
      "PRIMARY KEY(model,name))WITHOUT ROWID"},
     {1, "CREATE TABLE chunk(model INTEGER,number INTEGER,digest INTEGER,bytes BLOB,PRIMARY KEY(model,number))"},
-    {2,
+    {attachmentsSince,
      "CREATE TABLE attachment(model INTEGER,number INTEGER,file TEXT,transform BLOB,clip BLOB,shown INTEGER,"
      "hidden INTEGER,PRIMARY KEY(model,number))WITHOUT ROWID"},
+    {viewsSince,
+     "CREATE TABLE view(model INTEGER,number INTEGER,open INTEGER,rotation BLOB,origin BLOB,extent BLOB,"
+     "controls INTEGER,PRIMARY KEY(model,number))WITHOUT ROWID"},
+    {viewsSince,
+     "CREATE TABLE view_level(model INTEGER,view INTEGER,name TEXT,PRIMARY KEY(model,view,name))WITHOUT ROWID"},
 };
 static_assert(std::ranges::is_sorted(tables, {}, &Table::since) && std::end(tables)[-1].since == newestFormat);
 

@@ -11,6 +11,7 @@
 #include "mchost/mdl/text.h"
 #include "mchost/model/element_store.h"
 #include "mchost/model/range_index.h"
+#include "mchost/space/view.h"
 
 namespace host {
 
@@ -75,6 +76,7 @@ struct Model {
     std::map<std::wstring, TextStyle> textStyles = {};
     std::vector<Attachment> attachments = {};  // in order of number
     uint64_t attachmentChanges = 0;            // how often they were changed so far
+    ViewTable views = {};
     bool tablesChanged = false;                // levels, styles or attachments, since they were last stored
     uint32_t unstoredLevels = 0;               // levels that aren't to be stored so far
 

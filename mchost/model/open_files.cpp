@@ -9,6 +9,7 @@
 #include "mchost/mdl/system.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/session/session.h"
+#include "mchost/space/view.h"
 
 namespace {
 
@@ -149,6 +150,7 @@ void OpenFiles::switchActive(const std::string& path, bool readOnly) {
     active_ = again ? open(path, use, FileKind::designFile) : next;
     publishActive();
     fireNewDesignFile(name.c_str(), 1);
+    tellViewsChanged();
 }
 
 void OpenFiles::closeActive() {

@@ -45,7 +45,31 @@ bool attachmentsAreSound(const Model& model) {
     });
 }
 
+bool viewIsSound(const View& view) {
+    const bool known = (view.controls & ~knownControls) == 0;
+    const bool unseen = view.extent == Point3d{};
+    return known && nearestRotation(view.rotation) && (unseen || isViewArea(view.origin, view.extent)) &&
+           std::ranges::all_of(view.levelsOff, isTableName);
+}
+
 }  // namespace
+
+std::optional<RotMatrix> nearestRotation(const RotMatrix& m) {
+    constexpr double tolerance = 1e-6;
+    const Point3d x = column(m, 0), y = column(m, 1), z = column(m, 2);
+    if (!(std::fabs(length(x) - 1) < tolerance && std::fabs(length(y) - 1) < tolerance &&
+          std::fabs(dot(x, y)) < tolerance && distance(cross(x, y), z) < tolerance))
+        return std::nullopt;
+    const Point3d first = x * (1 / length(x)), across = y - first * dot(first, y);
+    const Point3d second = across * (1 / length(across));
+    return fromColumns(first, second, cross(first, second));
+}
+
+bool isViewArea(const Point3d& origin, const Point3d& extent) {
+    const auto [low, high] = std::minmax(extent.x, extent.y);
+    return host::isFinite(origin) && host::isFinite(extent) && low >= leastViewSide && high <= greatestViewSide &&
+           extent.z >= 0 && length(origin) <= farthestViewOrigin;
+}
 
 bool isTableName(std::wstring_view name) {
     const bool hasNul = name.find(L'\0') != std::wstring_view::npos;
@@ -81,7 +105,8 @@ bool isSound(const Attachment& attachment) {
 
 bool tablesAreSound(const Model& model) {
     return std::isfinite(model.uorPerMaster) && model.uorPerMaster > 0 && levelsAreSound(model) &&
-           lineStylesAreSound(model) && textStylesAreSound(model) && attachmentsAreSound(model);
+           lineStylesAreSound(model) && textStylesAreSound(model) && attachmentsAreSound(model) &&
+           std::ranges::all_of(model.views.views, viewIsSound);
 }
 
 }  // namespace host

@@ -13,6 +13,7 @@
 #include "mchost/picture/draft.h"
 #include "mchost/picture/drawing.h"
 #include "mchost/picture/sheet.h"
+#include "mchost/view/area.h"
 
 namespace host {
 namespace {
@@ -32,16 +33,6 @@ bool wholeRange(const ElementDescr* ed, Range3d& range) {
     if (ed) return mdlElmdscr_computeRange(&range.low, &range.high, ed, nullptr) == MDL_SUCCESS;
     ModelRef* model = mdlModelRef_getActive();
     return model && mdlModelRef_getRange(model, &range) == MDL_SUCCESS;
-}
-
-// Room around the drawing for its pens, and a second dimension for a drawing that has only one.
-Range3d withMargin(Range3d range) {
-    const Point3d span = range.high - range.low;
-    const double longer = std::max({span.x, span.y, 1.0}), margin = 0.02 * longer;
-    const double x = margin + std::max(0.0, 0.01 * longer - span.x), y = margin + std::max(0.0, 0.01 * longer - span.y);
-    range.low = range.low - Point3d{x, y, 0};
-    range.high = range.high + Point3d{x, y, 0};
-    return range;
 }
 
 bool isUsable(const Range3d& r) {

@@ -1,6 +1,5 @@
 // Standard views, and descriptors in the windows of dialogs.
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <span>
 #include <string>
@@ -12,45 +11,11 @@
 #include "mchost/mdl/view.h"
 #include "mchost/model/walk.h"
 #include "mchost/picture/sheet.h"
+#include "mchost/space/view_map.h"
 
 using namespace host;
 
 namespace {
-
-// clang-format off
-constexpr auto standardViews = std::to_array<RotMatrix>({
-    {{{ 1,  0, 0}, { 0,  1, 0}, { 0,  0,  1}}},  // top
-    {{{ 1,  0, 0}, { 0, -1, 0}, { 0,  0, -1}}},  // bottom
-    {{{ 0, -1, 0}, { 0,  0, 1}, {-1,  0,  0}}},  // left
-    {{{ 0,  1, 0}, { 0,  0, 1}, { 1,  0,  0}}},  // right
-    {{{ 1,  0, 0}, { 0,  0, 1}, { 0, -1,  0}}},  // front
-    {{{-1,  0, 0}, { 0,  0, 1}, { 0,  1,  0}}},  // back
-});
-// clang-format on
-
-// From UOR to pixels: the largest even scale at which the volume fits the rectangle, y downwards.
-class WindowMap {
-  public:
-    WindowMap(const DialogRect& rect, const RotMatrix& matrix, const Point3d& origin, const Point3d& extent)
-        : matrix_(matrix), origin_(origin) {
-        const double width = rect.right - rect.left, height = rect.bottom - rect.top;
-        const double x = std::max(extent.x, 0.0), y = std::max(extent.y, 0.0);
-        if (x > 0 || y > 0) scale_ = std::min(x > 0 ? width / x : HUGE_VAL, y > 0 ? height / y : HUGE_VAL);
-        left_ = rect.left + (width - x * scale_) / 2;
-        bottom_ = rect.bottom - (height - y * scale_) / 2;
-    }
-    double scale() const { return scale_; }
-    bool isUsable() const { return std::isfinite(left_) && std::isfinite(bottom_) && scale_ > 0; }
-    Point3d at(const Point3d& p) const {
-        const Point3d seen = rotate(matrix_, p - origin_);
-        return {left_ + seen.x * scale_, bottom_ - seen.y * scale_, 0};
-    }
-
-  private:
-    RotMatrix matrix_;
-    Point3d origin_;
-    double scale_ = 1, left_, bottom_;
-};
 
 // What lies far off the window is brought nearer: cairo counts in fixed numbers that would overflow.
 double nearby(double value) {
@@ -63,7 +28,7 @@ constexpr double screenPixelsPerMm = 96 / mmPerInch;
 // Draws into the display list of a dialog.
 class WindowPen {
   public:
-    WindowPen(Dialog& dialog, const WindowMap& map)
+    WindowPen(Dialog& dialog, const ViewMap& map)
         : dialog_(dialog),
           map_(map),
           pixelsPerMm_(dialog.paper().pixelsPerMm > 0 ? dialog.paper().pixelsPerMm : screenPixelsPerMm) {}
@@ -125,17 +90,11 @@ class WindowPen {
 
     static constexpr double noGray = -1;
     Dialog& dialog_;
-    const WindowMap& map_;
+    const ViewMap& map_;
     double pixelsPerMm_;
 };
 
 }  // namespace
-
-int mdlView_getStandard(RotMatrix* matrix, int32_t view) noexcept {
-    if (!matrix || view < 1 || view > static_cast<int32_t>(standardViews.size())) return MDL_ERROR;
-    *matrix = standardViews[static_cast<size_t>(view) - 1];
-    return MDL_SUCCESS;
-}
 
 int mdlWindow_setPaper(MdlDialog* window, const MdlPaper* paper) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
@@ -153,7 +112,7 @@ int mdlElmdscr_displayToWindow(MdlDialog* window, const DialogRect* rect, const 
     if (rect->right <= rect->left || rect->bottom <= rect->top) return MDL_ERROR;
     return guarded<int>(MDL_ERROR, [&]() -> int {
         const auto dialog = dialogOf(window);
-        const WindowMap map(*rect, *matrix, *origin, *extent);
+        const ViewMap map(*rect, *matrix, *origin, *extent);
         if (!dialog || !map.isUsable()) return MDL_ERROR;
         WindowPen pen(*dialog, map);
         walkDescriptor(ed, pen.pen());

@@ -6,11 +6,14 @@
 
 namespace host {
 
+struct ViewTable;  // mchost/space/view.h
+
 struct DrawingCalls {
     ModelRef* (*getActive)();
     double (*getUorPerMaster)(ModelRef* model);
     int (*lineStyleFromName)(int32_t* numberP, const char* name, ModelRef* model);
-    void (*finishCommand)();  // stores what was changed in any file
+    ViewTable* (*getViews)();  // of the active model; null while no design file is open
+    void (*finishCommand)();   // stores what was changed in any file
     int (*closeDesignFile)();
 };
 void setDrawingCalls(const DrawingCalls& calls);

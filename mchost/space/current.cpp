@@ -69,16 +69,12 @@ Transform withOrigin(Transform t, const Point3d& origin) {
     return t;
 }
 
-RotMatrix product(const RotMatrix& a, const RotMatrix& b) {
-    return fromColumns(rotate(a, column(b, 0)), rotate(a, column(b, 1)), rotate(a, column(b, 2)));
-}
-
 RotMatrix turnAboutXThenYThenZ(double ax, double ay, double az) {
     const double cx = std::cos(ax), sx = std::sin(ax), cy = std::cos(ay), sy = std::sin(ay);
     RotMatrix z;
     mdlRMatrix_fromAngle(&z, az);
     const RotMatrix x{{{1, 0, 0}, {0, cx, -sx}, {0, sx, cx}}}, y{{{cy, 0, sy}, {0, 1, 0}, {-sy, 0, cy}}};
-    return product(z, product(y, x));
+    return z * (y * x);
 }
 
 int applyToPoints(Point3d* out, const Point3d* in, int32_t count, const Transform& transform) {

@@ -99,6 +99,10 @@ constexpr RotMatrix transposed(const RotMatrix& m) {
     return fromColumns({m.form[0][0], m.form[0][1], m.form[0][2]}, {m.form[1][0], m.form[1][1], m.form[1][2]},
                        {m.form[2][0], m.form[2][1], m.form[2][2]});
 }
+// b, and a behind it.
+constexpr RotMatrix operator*(const RotMatrix& a, const RotMatrix& b) {
+    return fromColumns(rotate(a, column(b, 0)), rotate(a, column(b, 1)), rotate(a, column(b, 2)));
+}
 
 // The range of points added one by one. A point that isn't finite spoils it.
 class RangeBuilder {

@@ -1,40 +1,50 @@
 #include "mchost/space/view.h"
 
-#include <array>
-
 #include "mchost/session/drawing.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/session/session.h"
-#include "mchost/space/vector.h"
 
 namespace host {
 namespace {
 
-struct Views {
-    std::array<RotMatrix, viewCount> rotations;
-
-    Views() { rotations.fill(identityMatrix); }  // all from above
+struct ViewSizes {
+    std::array<ViewSize, viewCount> all = {};
 };
-
-RotMatrix& rotationOf(int32_t view) {
-    return sessionState<Views>().rotations[static_cast<size_t>(view)];
-}
 
 }  // namespace
 
-const RotMatrix& viewRotation(int32_t view) {
-    return isView(view) ? rotationOf(view) : identityMatrix;
+ViewTable& viewTable() {
+    ViewTable* const ofFile = drawing().getViews();
+    return ofFile ? *ofFile : sessionState<ViewTable>();
 }
 
-void setViewRotation(int32_t view, const RotMatrix& rotation) {
-    if (!isView(view)) return;
-    rotationOf(view) = rotation;
+View& viewToChange(int32_t view) {
+    ViewTable& table = viewTable();
+    table.differ = true;
+    return table.views[static_cast<size_t>(view)];
+}
+
+void noteViewChanged(int32_t view) {
+    viewTable().changed = true;
+    tellViewChanged(view);
+}
+
+void tellViewChanged(int32_t view) {
     if (Session* const session = Session::current()) session->frontEnd().viewChanged(view);
 }
 
-double viewPixelSize(int32_t) {
-    constexpr double masterUnits = 0.01;
-    return masterUnits * drawing().getUorPerMaster(nullptr);
+void tellViewsChanged() {
+    for (int32_t view = 0; view < viewCount; ++view) {
+        if (viewAt(view).isOpen) tellViewChanged(view);
+    }
+}
+
+const RotMatrix& viewRotation(int32_t view) {
+    return isView(view) ? viewAt(view).rotation : identityMatrix;
+}
+
+ViewSize& viewSize(int32_t view) {
+    return sessionState<ViewSizes>().all[static_cast<size_t>(view)];
 }
 
 }  // namespace host

@@ -66,7 +66,9 @@ inline void setModelDigests(sqlite3* database) {
           "SELECT number,name,pattern FROM line_style ORDER BY number DESC",
           "SELECT name,font,just,style,fields,flags,slant,line_spacing,mode,width,height,aspect FROM text_style "
           "ORDER BY name",
-          "SELECT number,file,transform,clip,shown,hidden FROM attachment ORDER BY number"})
+          "SELECT number,file,transform,clip,shown,hidden FROM attachment ORDER BY number",
+          "SELECT number,open,rotation,origin,extent,controls FROM view ORDER BY number",
+          "SELECT view,name FROM view_level ORDER BY view,name"})
         each(selection, [&](sqlite3_stmt* row) { rows.add(row); });
     updates += "UPDATE model SET digest=" + std::to_string(rows.value());
     sqlite3_exec(database, updates.c_str(), nullptr, nullptr, nullptr);

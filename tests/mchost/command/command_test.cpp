@@ -8,8 +8,8 @@
 #include "mchost/mdl/state.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
+#include "mchost/mdl/view.h"
 #include "mchost/session/keyin.h"
-#include "mchost/space/view.h"
 #include "tests/support/session_fixture.h"
 
 namespace {
@@ -241,7 +241,7 @@ TEST_F(FenceTest, ThereIsOneInAnOpenDesignFileAndItGoesWithIt) {
 TEST_F(CommandTest, ASystemTurnedToAViewHasItsAxes) {
     RotMatrix quarter;
     mdlRMatrix_fromAngle(&quarter, *fc_piover2P);
-    host::setViewRotation(2, quarter);
+    ASSERT_EQ(mdlView_setRotation(2, &quarter), MDL_SUCCESS);
     mdlCurrTrans_begin();
     EXPECT_EQ(mdlCurrTrans_rotateByView(2), MDL_SUCCESS);
     Point3d right{1, 0, 0};

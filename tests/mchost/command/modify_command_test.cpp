@@ -16,7 +16,6 @@
 #include "mchost/mdl/undo.h"
 #include "mchost/mdl/view.h"
 #include "mchost/model/parts.h"
-#include "mchost/space/view.h"
 #include "tests/mchost/model/model_fixture.h"
 
 namespace {
@@ -102,7 +101,13 @@ class ModifyCommand : public OpenModelTest {
     FilePos locatedElement() { return mdlElement_getFilePos(MDL_FILE_POS_ELEMENT, nullptr); }
     std::string told() { return front().field(MDL_FIELD_ERROR); }
 
-    const double reach = host::aimAt({}, 0).reach;
+    // The same in all views.
+    static double reachOfViews() {
+        const Point3d origin{}, extent{800 * 100, 600 * 100, 0};
+        for (int32_t view = 0; view < 8; ++view) EXPECT_EQ(mdlView_setArea(view, &origin, &extent), MDL_SUCCESS);
+        return host::aimAt({}, 0).reach;
+    }
+    const double reach = reachOfViews();
 };
 
 TEST_F(ModifyCommand, APointLocatesTheNextOneAcceptsAndAResetLetsGo) {
@@ -330,8 +335,7 @@ TEST_F(ModifyCommand, AComponentIsModifiedByItsPosition) {
         return MDL_MODIFY_NONE;
     };
     std::vector<ElementDescr*> found;
-    mdlModify_elementDescr2(ed.out(), nullptr, MDL_MODIFY_ALL, take, &found,
-                            static_cast<int32_t>(component - cell));
+    mdlModify_elementDescr2(ed.out(), nullptr, MDL_MODIFY_ALL, take, &found, static_cast<int32_t>(component - cell));
     EXPECT_THAT(found, ElementsAre(ed.get()->firstChild->next));
 }
 
@@ -357,7 +361,7 @@ TEST_F(ModifyCommand, TextsAreHitInTheirBoxAndCurvesOnTheirLine) {
 TEST_F(ModifyCommand, WhatAViewShowsBesideEachOtherIsHitThere) {
     RotMatrix front;
     ASSERT_EQ(mdlView_getStandard(&front, 5), MDL_SUCCESS);
-    host::setViewRotation(3, front);
+    ASSERT_EQ(mdlView_setRotation(3, &front), MDL_SUCCESS);
     const Point3d ends[] = {{0, 500 * reach, 7 * reach}, {10 * reach, 500 * reach, 7 * reach}};
     mdlLine_create(dgnBufP, nullptr, ends);
     const FilePos line = mdlElement_add(dgnBufP);

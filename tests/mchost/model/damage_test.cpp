@@ -9,6 +9,7 @@
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/reference.h"
 #include "mchost/mdl/text.h"
+#include "mchost/mdl/view.h"
 #include "tests/mchost/model/model_fixture.h"
 #include "tests/support/model_digests.h"
 
@@ -28,6 +29,7 @@ class DamagedFile : public DesignFileTest {
         mdlTextStyle_define(nullptr, L"Large", nullptr, nullptr);
         const Point3d clip[] = {{0, 0, 0}, {9, 0, 0}, {9, 9, 0}};
         EXPECT_EQ(mdlRefFile_attach(nullptr, nullptr, file.c_str(), nullptr, clip, 3), MDL_SUCCESS);
+        mdlView_setLevelOn(2, nullptr, level, 0);
         for (uint32_t i = 1; i <= 200; ++i) mdlElement_add(numbered(i, level));
         close();
         whole_ = readFile("a.mcd");
@@ -118,7 +120,7 @@ TEST_F(DamagedFile, ForeignFilesAreRefused) {
 
 TEST_F(DamagedFile, NewerVersionIsRefused) {
     makeWhole();
-    expectRefused(after("PRAGMA user_version=3"), "newer version");
+    expectRefused(after("PRAGMA user_version=4"), "newer version");
 }
 
 TEST_F(DamagedFile, ChangedTablesAreRefused) {
@@ -127,9 +129,9 @@ TEST_F(DamagedFile, ChangedTablesAreRefused) {
          {"DELETE FROM chunk", "DELETE FROM model", "UPDATE chunk SET number=1", "UPDATE chunk SET digest=digest+1",
           "UPDATE chunk SET bytes=substr(bytes,1,length(bytes)-8)", "UPDATE level SET name='Curb' WHERE name='Kerb'",
           "DELETE FROM level WHERE id=1", "UPDATE line_style SET pattern=zeroblob(8)", "DROP TABLE text_style",
-          "PRAGMA user_version=1", "UPDATE attachment SET hidden=1", "UPDATE model SET next_position=5",
-          "UPDATE model SET next_position=4000000000", "CREATE TABLE more(x)", "INSERT INTO chunk VALUES(1,1,0,x'')",
-          "ALTER TABLE level RENAME COLUMN code TO cod"}) {
+          "PRAGMA user_version=2", "UPDATE view SET open=1", "DELETE FROM view_level", "UPDATE attachment SET hidden=1",
+          "UPDATE model SET next_position=5", "UPDATE model SET next_position=4000000000", "CREATE TABLE more(x)",
+          "INSERT INTO chunk VALUES(1,1,0,x'')", "ALTER TABLE level RENAME COLUMN code TO cod"}) {
         SCOPED_TRACE(sql);
         expectRefused(after(sql), "damaged");
     }
@@ -160,6 +162,14 @@ TEST_F(DamagedFile, TablesThatNoCallWouldMakeAreRefused) {
                             "UPDATE attachment SET clip=zeroblob(50)",
                             "UPDATE attachment SET transform=zeroblob(96)",
                             "UPDATE attachment SET transform=zeroblob(80)",
+                            "DELETE FROM view WHERE number=8",
+                            "UPDATE view SET number=9 WHERE number=8",
+                            "UPDATE view SET controls=1",
+                            "UPDATE view SET rotation=zeroblob(72)",
+                            "UPDATE view SET extent=x'000000000000F03F'",
+                            "UPDATE view SET extent=x'000000000000F03F000000000000F07F0000000000000000'",
+                            "UPDATE view_level SET view=9",
+                            "UPDATE view_level SET name=''",
                             "UPDATE chunk SET number=0.5"}) {
         SCOPED_TRACE(sql);
         expectRefused(after(sql, true), "damaged");

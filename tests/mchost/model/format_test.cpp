@@ -1,20 +1,24 @@
-// Files of the first version, and files that another process writes to while they are read.
+// Files of older versions, and files that another process writes to while they are read.
 #include "mchost/mdl/cell.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/owned.hpp"
+#include "mchost/mdl/reference.h"
 #include "mchost/mdl/text.h"
+#include "mchost/mdl/view.h"
 #include "tests/mchost/model/model_fixture.h"
 #include "tests/support/child.h"
 
 namespace {
 
 // The golden file holds the cells KERB (with INNER in it) at 1 and POST, which was rewritten, at 2; a line at 3 is
-// deleted. "Kerb" and "Vei æøå" are levels, "fence" a line style and "Large" a text style.
-class FirstVersion : public DesignFileTest {
+// deleted. "Kerb" and "Vei æøå" are levels, "fence" a line style and "Large" a text style. That of version 2 has the
+// file of version 1 attached to it, twice as large, with a clip.
+class OlderVersion : public DesignFileTest {
   protected:
-    FirstVersion() {
-        std::filesystem::copy_file(TEST_SOURCE_DIR "/golden/v1.mcd", file);
+    void bring(const char* golden) {
+        std::filesystem::copy_file(std::string(TEST_SOURCE_DIR "/golden/") + golden, file,
+                                   std::filesystem::copy_options::overwrite_existing);
         std::filesystem::permissions(file, std::filesystem::perms(0644));
     }
 
@@ -65,24 +69,40 @@ class FirstVersion : public DesignFileTest {
         "7/0/0/0 4/3/4/2 7/0/0/0 2/3000";
 };
 
-TEST_F(FirstVersion, StaysWhatItIsUntilItIsChangedAndLosesNothingThen) {
-    const std::string before = readFile("a.mcd");
-    for (const bool readOnly : {true, false}) {
-        open(readOnly);
-        EXPECT_EQ(contents(nullptr), golden);
+TEST_F(OlderVersion, StaysWhatItIsUntilItIsChangedAndLosesNothingThen) {
+    std::filesystem::copy_file(TEST_SOURCE_DIR "/golden/v1.mcd", path("v1.mcd"));
+    for (const char* name : {"v1.mcd", "v2.mcd"}) {
+        SCOPED_TRACE(name);
         close();
-        EXPECT_TRUE(readFile("a.mcd") == before);
+        bring(name);
+        const std::string before = readFile("a.mcd");
+        for (const bool readOnly : {true, false}) {
+            open(readOnly);
+            EXPECT_EQ(contents(nullptr), golden);
+            EXPECT_GT(mdlView_getPixelSize(0), 0) << "a look alone";
+            close();
+            EXPECT_TRUE(readFile("a.mcd") == before);
+        }
+        open();
+        EXPECT_EQ(mdlElement_add(numbered(7)), 4u) << "positions go on behind the deleted one";
+        close();
+        EXPECT_EQ(version(), 3);
+        open();
+        mdlElement_undoableDelete(nullptr, 4, 0);
+        EXPECT_EQ(contents(nullptr), golden);
     }
-    open();
-    EXPECT_EQ(mdlElement_add(numbered(7)), 4u) << "positions go on behind the deleted one";
-    close();
-    EXPECT_EQ(version(), 2);
-    open();
-    mdlElement_undoableDelete(nullptr, 4, 0);
-    EXPECT_EQ(contents(nullptr), golden);
+    ModelRefIterator* places = nullptr;
+    ASSERT_EQ(mdlModelRefIterator_create(&places, nullptr, MDL_ITERATE_REFERENCES, 1), MDL_SUCCESS);
+    Point3d clip[4] = {};
+    ModelRef* const attached = mdlModelRefIterator_getNext(places);
+    EXPECT_EQ(mdlRefFile_getClip(clip, nullptr, attached), MDL_SUCCESS);
+    EXPECT_EQ(clip[2].y, 8000);
+    EXPECT_EQ(allPositions(attached).size(), 2u);
+    mdlModelRefIterator_free(&places);
 }
 
-TEST_F(FirstVersion, IsNewerWithTheLogOfAKilledSession) {
+TEST_F(OlderVersion, IsNewerWithTheLogOfAKilledSession) {
+    bring("v1.mcd");
     EXPECT_EQ(inChild([&] {
                   mdlSystem_newDesignFile(file.c_str(), 0);
                   mdlElement_add(numbered(7));
@@ -96,10 +116,11 @@ TEST_F(FirstVersion, IsNewerWithTheLogOfAKilledSession) {
     EXPECT_EQ(mdlWorkDgn_closeFile(model), MDL_SUCCESS);
     open();
     close();
-    EXPECT_EQ(version(), 2);
+    EXPECT_EQ(version(), 3);
 }
 
-TEST_F(FirstVersion, CellLibraryIsRead) {
+TEST_F(OlderVersion, CellLibraryIsRead) {
+    bring("v1.mcd");
     std::string bytes = readFile("a.mcd");
     bytes.replace(68, 4, "MCC1");
     const std::string name = writeFile("v1.cel", bytes);

@@ -1,4 +1,5 @@
 #include "mchost/mdl/plot.h"
+#include "mchost/mdl/view.h"
 
 #include <cairo.h>
 #include <gmock/gmock.h>
@@ -15,7 +16,6 @@
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
-#include "mchost/space/view.h"
 #include "tests/support/child.h"
 #include "tests/support/session_fixture.h"
 
@@ -115,7 +115,7 @@ TEST_F(PlotTest, WhatATurnedViewShowsStandsUprightOnPaper) {
     openFile();
     RotMatrix quarter;
     mdlRMatrix_fromAngle(&quarter, *fc_piover2P);
-    host::setViewRotation(1, quarter);
+    ASSERT_EQ(mdlView_setRotation(1, &quarter), MDL_SUCCESS);
     addSquare(0, 0, 1000, 3);
     mdlFence_setView(1);
     fence(0, 0, 4000, 2000);  // 2000 wide and 4000 high in the view

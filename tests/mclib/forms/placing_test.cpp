@@ -9,7 +9,7 @@
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/scan.h"
 #include "mchost/mdl/transform.h"
-#include "mchost/space/view.h"
+#include "mchost/mdl/view.h"
 #include "mclib/forms/preview.h"
 #include "mclib/frame/global_data.h"
 #include "tests/mclib/forms/preview_fixture.h"
@@ -171,7 +171,7 @@ TEST_F(PlacingTest, ATurnedSheetLiesAside) {
 TEST_F(PlacingTest, ATurnedViewTurnsTheSheet) {
     RotMatrix quarter;
     mdlRMatrix_fromAngle(&quarter, *fc_piover2P);
-    host::setViewRotation(4, quarter);
+    ASSERT_EQ(mdlView_setRotation(4, &quarter), MDL_SUCCESS);
     openPreview({{"One", 100000, 150000}});
     startPlacing(0, 1);
     host::giveDataPoint({0, 0, 0}, 4);
