@@ -2,48 +2,56 @@
 
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/owned.hpp"
+#include "mchost/model/model_ref.h"
+#include "mchost/space/current.h"
 
 namespace host {
 namespace {
 
-constexpr double farOff = 1e300;
-
-Transform transformOf(const RotMatrix& m) {
-    Transform t = identityTransform;
-    for (int row = 0; row < 3; ++row)
-        for (int i = 0; i < 3; ++i) t.form[row][i] = m.form[row][i];
-    return t;
-}
-
-bool isTurned(const RotMatrix& view) {
-    return !(column(view, 0) == column(identityMatrix, 0) && column(view, 1) == column(identityMatrix, 1));
-}
-
-// The part of the model that the view shows in the range, however deep it lies.
-Range3d columnBehind(const Range3d& r, const RotMatrix& view) {
-    if (!isTurned(view)) return {{r.low.x, r.low.y, -farOff}, {r.high.x, r.high.y, farOff}};
-    RangeBuilder column;
-    for (const double x : {r.low.x, r.high.x})
-        for (const double y : {r.low.y, r.high.y})
-            for (const double z : {-farOff, farOff}) column.add(unrotate(view, {x, y, z}));
-    return column.range();
+// The part of the model that is seen in the range, however deep it lies.
+std::optional<Range3d> columnBehind(const Range3d& range, const Transform& intoView, Model& model) {
+    Transform intoModel;
+    if (!invert(intoView, intoModel)) return std::nullopt;
+    const Range3d seen = rangeThrough(intoView, rangesOf(model).bounds());
+    return rangeThrough(intoModel, {{range.low.x, range.low.y, seen.low.z}, {range.high.x, range.high.y, seen.high.z}});
 }
 
 }  // namespace
 
+Transform transformOf(const RotMatrix& rotation) {
+    Transform transform;
+    mdlTMatrix_fromRMatrix(&transform, &rotation);
+    return transform;
+}
+
+const Transform* unlessIdentity(const Transform& t) {
+    bool same = true;
+    for (int row = 0; row < 3; ++row) same = same && std::ranges::equal(t.form[row], identityTransform.form[row]);
+    return same ? nullptr : &t;
+}
+
+bool forEachInView(ModelRef* place, const Transform& intoView, const Range3d& range,
+                   const std::function<void(FilePos)>& visit) {
+    Model* const model = openModel(place);
+    const mdl::Scan scan(openPlace(place));
+    if (!model || !scan) return false;
+    const std::optional<Range3d> column = columnBehind(range, intoView, *model);
+    if (!column) return true;
+    if (mdlScanCriteria_setRangeTest(scan.criteria(), &*column) != MDL_SUCCESS) return false;
+    mdlScanCriteria_setReturnType(scan.criteria(), MDL_SCAN_POSITIONS, 0, 0);
+    auto position = scan.begin();
+    for (; position != scan.end(); ++position) visit(*position);
+    return position.isWhole();
+}
+
 bool drawModel(const Range3d& range, const RotMatrix& view, MdlPen pen) {
     ModelRef* const model = mdlModelRef_getActive();
-    const mdl::Scan scan(model);
-    if (!scan) return false;
-    const Range3d column = columnBehind(range, view);
-    mdlScanCriteria_setRangeTest(scan.criteria(), &column);
-    mdlScanCriteria_setReturnType(scan.criteria(), MDL_SCAN_POSITIONS, 0, 0);
     const Transform intoView = transformOf(view);
-    pen.transform = isTurned(view) ? &intoView : nullptr;
+    pen.transform = unlessIdentity(intoView);
     pen.range = &range;
-    auto position = scan.begin();
-    for (; position != scan.end(); ++position) walkDescriptor(mdl::readDescr(*position, model).get(), pen);
-    return position.isWhole();
+    return model && forEachInView(model, intoView, range, [&](FilePos position) {
+               walkDescriptor(mdl::readDescr(position, model).get(), pen);
+           });
 }
 
 }  // namespace host

@@ -1,5 +1,6 @@
 // Pictures of descriptors and models as files.
-#include <cstdio>
+#include "mchost/picture/picture.h"
+
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -12,7 +13,6 @@
 #include "mchost/mdl/view.h"
 #include "mchost/picture/draft.h"
 #include "mchost/picture/drawing.h"
-#include "mchost/picture/sheet.h"
 #include "mchost/view/area.h"
 
 namespace host {
@@ -39,43 +39,57 @@ bool isUsable(const Range3d& r) {
     return isFinite(r.low) && isFinite(r.high) && r.low.x < r.high.x && r.low.y < r.high.y;
 }
 
-int writePicture(const std::string& path, const ElementDescr* ed, const Range3d* given, double widthMm, double dpi) {
-    const auto kind = kindOf(path);
-    if (!kind) return fail(path, "the name must end in .png, .svg or .pdf");
-    if (!(widthMm > 0 && widthMm <= longestSideMm)) return fail(path, "the width must be above 0 and at most 10000 mm");
-    if (*kind == PictureKind::png && !(dpi > 0)) return fail(path, "the resolution must be above 0");
-    Range3d range;
-    if (given)
-        range = *given;
-    else if (wholeRange(ed, range))
-        range = withMargin(range);
-    else
-        return fail(path, "there is nothing to show");
-    if (!isUsable(range)) return fail(path, "the range to show is empty");
+const char* whyNot(const std::optional<PictureKind>& kind, const PictureFrame& frame) {
+    const auto& [range, widthMm, dpi] = frame;
+    if (!kind) return "the name must end in .png, .svg or .pdf";
+    if (!(widthMm > 0 && widthMm <= longestSideMm)) return "the width must be above 0 and at most 10000 mm";
+    if (*kind == PictureKind::png && !(dpi > 0)) return "the resolution must be above 0";
+    if (!isUsable(range)) return "the range to show is empty";
     const double heightMm = widthMm * ((range.high.y - range.low.y) / (range.high.x - range.low.x));
     const bool tooLarge = *kind == PictureKind::png && std::max(widthMm, heightMm) / mmPerInch * dpi > mostPixels;
-    if (!(heightMm > 0 && heightMm <= longestSideMm) || tooLarge)
-        return fail(path, "it would be too large; take a smaller width or resolution");
+    const bool usable = heightMm > 0 && heightMm <= longestSideMm && !tooLarge;
+    return usable ? nullptr : "it would be too large; take a smaller width or resolution";
+}
 
-    const Draft draft(path);
-    if (const std::string problem = draft.problem(); !problem.empty()) return fail(path, problem.c_str());
-    Sheet sheet(*kind, draft.path(), range, widthMm, dpi);
+const char* drawDescriptor(const ElementDescr* ed, const Range3d& range, Sheet& sheet) {
     MdlPen pen = sheet.pen();
     pen.range = &range;
     if (ed)
         walkDescriptor(ed, pen);
     else if (!drawModel(range, identityMatrix, pen))
-        return fail(path, "the model can't be read");
+        return "the model can't be read";
+    return nullptr;
+}
+
+}  // namespace
+
+int writePicture(const std::string& path, const PictureFrame& frame, const DrawPicture& draw) {
+    const auto kind = kindOf(path);
+    if (const char* why = whyNot(kind, frame)) return fail(path, why);
+    const Draft draft(path);
+    if (const std::string problem = draft.problem(); !problem.empty()) return fail(path, problem.c_str());
+    Sheet sheet(*kind, draft.path(), frame.range, frame.widthMm, frame.dpi);
+    if (const char* why = draw(sheet)) return fail(path, why);
     if (const char* why = sheet.finish()) return fail(path, why);
     return draft.place() ? MDL_SUCCESS : fail(path, "no file of that name can be put there");
 }
 
-}  // namespace
 }  // namespace host
+
+using namespace host;
 
 int mdlPicture_write(const char* fileName, const ElementDescr* ed, const Range3d* range, double widthMm,
                      double dpi) noexcept {
     if (!fileName) return MDL_ERROR;
-    return host::guarded<int>(MDL_ERROR,
-                              [&] { return host::writePicture(host::systemPath(fileName), ed, range, widthMm, dpi); });
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const std::string path = systemPath(fileName);
+        PictureFrame frame = {.range = {}, .widthMm = widthMm, .dpi = dpi};
+        if (range)
+            frame.range = *range;
+        else if (wholeRange(ed, frame.range))
+            frame.range = withMargin(frame.range);
+        else
+            return fail(path, "there is nothing to show");
+        return writePicture(path, frame, [&](Sheet& sheet) { return drawDescriptor(ed, frame.range, sheet); });
+    });
 }

@@ -201,6 +201,24 @@ Point3d Sheet::onPaper(const Point3d& p) const {
             std::clamp((range_.high.y - p.y) * scale_, -farOff, farOff), 0};
 }
 
+void Sheet::takeColor(const MdlLook& look) {
+    const PaperColor color = ink_ ? ink_->color : paperColor(look.color);
+    cairo_set_source_rgb(pen_.get(), color.red, color.green, color.blue);
+}
+
+void Sheet::beginClip(std::span<const Point3d> outline) {
+    cairo_save(pen_.get());
+    for (const Point3d& p : outline) {
+        const Point3d at = onPaper(p);
+        cairo_line_to(pen_.get(), at.x, at.y);
+    }
+    cairo_clip(pen_.get());
+}
+
+void Sheet::endClip() {
+    cairo_restore(pen_.get());
+}
+
 void Sheet::setDashes(const MdlLook& look, double mmPerMaster) {
     const std::vector<double> dashes = dashesOf(look, mmPerMaster);
     cairo_set_dash(pen_.get(), dashes.data(), static_cast<int>(dashes.size()), 0);
@@ -209,8 +227,7 @@ void Sheet::setDashes(const MdlLook& look, double mmPerMaster) {
 
 void Sheet::drawLine(std::span<const Point3d> points, const MdlLook& look) {
     cairo_t* pen = pen_.get();
-    const PaperColor color = paperColor(look.color);
-    cairo_set_source_rgb(pen, color.red, color.green, color.blue);
+    takeColor(look);
     for (const Point3d& p : points) {
         const Point3d at = onPaper(p);
         cairo_line_to(pen, at.x, at.y);
@@ -219,7 +236,8 @@ void Sheet::drawLine(std::span<const Point3d> points, const MdlLook& look) {
     if (look.filled) cairo_fill_preserve(pen);
     const double mmPerMaster = mdlModelRef_getUorPerMaster(look.model) * scale_;
     setDashes(look, mmPerMaster);
-    cairo_set_line_width(pen, penWidth(look, mmPerMaster));
+    const double width = penWidth(look, mmPerMaster);
+    cairo_set_line_width(pen, ink_ ? std::max(width, mdl::penWidthOf(ink_->leastWeight)) : width);
     cairo_stroke(pen);
 }
 
@@ -240,8 +258,7 @@ void Sheet::drawText(const TextView& view, const MdlLook& look) {
     const double upright = length(up) / length(along);
     const Point3d leaning = up + along * (lean * upright);
     const cairo_matrix_t face{along.x * wide, -along.y * wide, -leaning.x * high, leaning.y * high, 0, 0};
-    const PaperColor color = paperColor(look.color);
-    cairo_set_source_rgb(pen, color.red, color.green, color.blue);
+    takeColor(look);
     cairo_set_font_matrix(pen, &face);
     cairo_move_to(pen, at.x, at.y);
     cairo_show_text(pen, utf8.c_str());

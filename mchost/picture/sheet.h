@@ -52,6 +52,15 @@ class Sheet {
           const Page& page);
 
     MdlPen pen();
+    // All in one colour from now on, and no thinner than that weight; null: as it looks.
+    struct Ink {
+        PaperColor color;
+        int32_t leastWeight;
+    };
+    void use(const Ink* ink) { ink_ = ink; }
+    // What is drawn until the end of the clip is cut off outside of the outline (UOR). Clips may lie in each other.
+    void beginClip(std::span<const Point3d> outline);
+    void endClip();
     // Writes what was drawn, down to the disk; a text that tells what failed, or null.
     const char* finish();
 
@@ -62,12 +71,14 @@ class Sheet {
     void drawText(const TextView& text, const MdlLook& look);
     void setDashes(const MdlLook& look, double mmPerMaster);
     Point3d onPaper(const Point3d& p) const;
+    void takeColor(const MdlLook& look);
 
     PictureKind kind_;
     std::unique_ptr<std::FILE, decltype(&std::fclose)> file_;  // null: it couldn't be opened
     Range3d range_;
     double scale_;      // mm for a UOR
     double precision_;  // mm
+    const Ink* ink_ = nullptr;
     std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface_;
     std::unique_ptr<cairo_t, decltype(&cairo_destroy)> pen_;
 };

@@ -104,6 +104,17 @@ constexpr RotMatrix operator*(const RotMatrix& a, const RotMatrix& b) {
     return fromColumns(rotate(a, column(b, 0)), rotate(a, column(b, 1)), rotate(a, column(b, 2)));
 }
 
+// The range of the transformed box.
+inline Range3d rangeThrough(const Transform& t, const Range3d& box) {
+    const Point3d middle = applyToPoint(t, (box.low + box.high) * 0.5), half = (box.high - box.low) * 0.5;
+    const auto reach = [&](int row) {
+        const auto& f = t.form[row];
+        return std::fabs(f[0]) * half.x + std::fabs(f[1]) * half.y + std::fabs(f[2]) * half.z;
+    };
+    const Point3d reached{reach(0), reach(1), reach(2)};
+    return {middle - reached, middle + reached};
+}
+
 // The range of points added one by one. A point that isn't finite spoils it.
 class RangeBuilder {
   public:

@@ -11,17 +11,6 @@ namespace {
 
 constexpr Point3d areaOfNothing{100, 75, 0};  // master units
 
-// The range of the transformed box.
-Range3d rangeThrough(const Transform& t, const Range3d& box) {
-    const Point3d middle = applyToPoint(t, (box.low + box.high) * 0.5), half = (box.high - box.low) * 0.5;
-    const auto reach = [&](int row) {
-        const auto& f = t.form[row];
-        return std::fabs(f[0]) * half.x + std::fabs(f[1]) * half.y + std::fabs(f[2]) * half.z;
-    };
-    const Point3d reached{reach(0), reach(1), reach(2)};
-    return {middle - reached, middle + reached};
-}
-
 // Around all that the clips leave, in master UOR; however high or low it lies.
 std::optional<Range3d> rangeOfClips(const ShownPlace& shown) {
     std::optional<Range3d> left;

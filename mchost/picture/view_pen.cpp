@@ -1,0 +1,113 @@
+#include "mchost/picture/view_pen.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "mchost/element/text.h"
+#include "mchost/picture/drawing.h"
+#include "mchost/space/current.h"
+
+namespace host {
+namespace {
+
+// What a level overrides; zeros override nothing.
+void applyOverride(MdlLook& look, const LevelOverride& level) {
+    if (level.color != 0) look.color = static_cast<int32_t>(level.color);
+    if (level.weight != 0) look.weight = static_cast<int32_t>(level.weight);
+    if (level.style != 0) look.style = level.style;
+}
+
+}  // namespace
+
+ViewPen::ViewPen(int32_t view, const ShownPlace& shown, const Range3d& range, Sheet& sheet)
+    : view_(view),
+      range_(range),
+      sheet_(sheet),
+      seen_(view, *openModel(shown.place)),
+      intoView_(transformOf(viewRotation(view)) * toMaster(*shown.place)),
+      scale_(length(applyToVector(intoView_, {1, 0, 0}))),
+      sheetPen_(sheet.pen()) {
+    for (const ShownClip& clip : shown.clips) clipTo(clip);
+}
+
+ViewPen::~ViewPen() {
+    for (; outlines_ > 0; --outlines_) sheet_.endClip();
+}
+
+// Seen along its own z axis a clip is an outline on the sheet.
+void ViewPen::clipTo(const ShownClip& clip) {
+    const Transform intoView = transformOf(viewRotation(view_)) * toMaster(*clip.parent);
+    const Point3d up = applyToVector(intoView, {0, 0, 1});
+    Prism prism{{}, clip.outline};
+    if (std::hypot(up.x, up.y) > 1e-9 * length(up)) {
+        if (invert(intoView, prism.intoModel)) prisms_.push_back(prism);
+        return;
+    }
+    std::vector<Point3d> outline;
+    for (const ClipPoint& p : *clip.outline) outline.push_back(applyToPoint(intoView, {p.x, p.y, 0}));
+    sheet_.beginClip(outline);
+    ++outlines_;
+}
+
+bool ViewPen::isLeftOut(const ElementDescr& node) const {
+    return !seen_(node.element->head) || (without_ && without_->contains(&node));
+}
+
+MdlLook ViewPen::shownLook(const MSElementBuffer* element, MdlLook look) const {
+    const View& view = viewAt(view_);
+    const Model* const model = view.shows(MDL_VIEW_LEVEL_SYMBOLOGY) ? openModel(look.model) : nullptr;
+    const Level* const level = model ? findLevel(*model, element->head.level) : nullptr;
+    if (level) applyOverride(look, level->override);
+    look.styleScale *= scale_;
+    look.styleWidth *= scale_;
+    if (!view.shows(MDL_VIEW_WEIGHTS)) {
+        look.weight = 0;
+        look.styleWidth = 0;
+    }
+    if (!view.shows(MDL_VIEW_STYLES)) look.style = 0;
+    if (!view.shows(MDL_VIEW_FILLS)) look.filled = 0;
+    return look;
+}
+
+// What is left of it behind the first `clip` prisms.
+void ViewPen::drawLine(const MSElementBuffer* element, const MdlLook& look, std::span<const Point3d> points,
+                       size_t clip) {
+    if (clip == prisms_.size()) {
+        sheetPen_.line(sheetPen_.userArg, element, &look, points.data(), static_cast<int32_t>(points.size()));
+        return;
+    }
+    const std::vector<std::vector<Point3d>> pieces = piecesInside(prisms_[clip], points);
+    MdlLook left = look;
+    if (pieces.size() != 1 || pieces.front().size() != points.size()) left.filled = 0;
+    for (const std::vector<Point3d>& piece : pieces) drawLine(element, left, piece, clip + 1);
+}
+
+void ViewPen::drawText(const MSElementBuffer* element, const MdlLook& look) {
+    const Point3d at = textBox(*textOf(element)).lowerLeft;
+    const auto holds = [&](const Prism& prism) { return isInside(prism, at); };
+    if (std::ranges::all_of(prisms_, holds)) sheetPen_.text(sheetPen_.userArg, element, &look);
+}
+
+void ViewPen::draw(const ElementDescr& ed, const std::unordered_set<const ElementDescr*>* without) {
+    without_ = without;
+    const MdlPen pen = {
+        .userArg = this,
+        .tolerance = sheetPen_.tolerance,
+        .transform = unlessIdentity(intoView_),
+        .range = &range_,
+        .skip = [](void* self, const ElementDescr* node) { return int{static_cast<ViewPen*>(self)->isLeftOut(*node)}; },
+        .line =
+            [](void* self, const MSElementBuffer* element, const MdlLook* look, const Point3d* points, int32_t count) {
+                auto& pen = *static_cast<ViewPen*>(self);
+                pen.drawLine(element, pen.shownLook(element, *look), {points, static_cast<size_t>(count)}, 0);
+            },
+        .text =
+            [](void* self, const MSElementBuffer* element, const MdlLook* look) {
+                auto& pen = *static_cast<ViewPen*>(self);
+                pen.drawText(element, pen.shownLook(element, *look));
+            },
+    };
+    walkDescriptor(&ed, pen);
+}
+
+}  // namespace host

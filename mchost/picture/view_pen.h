@@ -1,0 +1,47 @@
+// Draws elements as a view has them.
+#pragma once
+
+#include <unordered_set>
+#include <vector>
+
+#include "mchost/mdl/owned.hpp"
+#include "mchost/picture/prism.h"
+#include "mchost/picture/sheet.h"
+#include "mchost/view/places.h"
+#include "mchost/view/seen.h"
+
+namespace host {
+
+// For the elements of one place; the range is in the axes of the view. While it stands the sheet has the clips of that
+// place.
+class ViewPen {
+  public:
+    ViewPen(int32_t view, const ShownPlace& shown, const Range3d& range, Sheet& sheet);
+    ~ViewPen();
+    ViewPen(const ViewPen&) = delete;
+    ViewPen& operator=(const ViewPen&) = delete;
+
+    const Transform& intoView() const { return intoView_; }  // from the UOR of the place
+    // Without those nodes.
+    void draw(const ElementDescr& ed, const std::unordered_set<const ElementDescr*>* without = nullptr);
+
+  private:
+    void clipTo(const ShownClip& clip);
+    bool isLeftOut(const ElementDescr& node) const;
+    MdlLook shownLook(const MSElementBuffer* element, MdlLook look) const;
+    void drawLine(const MSElementBuffer* element, const MdlLook& look, std::span<const Point3d> points, size_t clip);
+    void drawText(const MSElementBuffer* element, const MdlLook& look);
+
+    int32_t view_;
+    const Range3d& range_;
+    Sheet& sheet_;
+    Seen seen_;
+    Transform intoView_;
+    double scale_;  // UOR of the active model for one of the place
+    MdlPen sheetPen_;
+    const std::unordered_set<const ElementDescr*>* without_ = nullptr;
+    int outlines_ = 0;           // clips that the sheet has
+    std::vector<Prism> prisms_;  // clips that are looked at from aside
+};
+
+}  // namespace host

@@ -1,0 +1,217 @@
+// Pictures of views: looked at as the strokes of an SVG file, and as the dots of a PNG file.
+#include <cairo.h>
+
+#include <cmath>
+#include <map>
+#include <memory>
+
+#include "mchost/command/command.h"
+#include "mchost/mdl/level.h"
+#include "mchost/mdl/reference.h"
+#include "mchost/mdl/state.h"
+#include "mchost/mdl/text.h"
+#include "mchost/mdl/transform.h"
+#include "mchost/mdl/view.h"
+#include "mchost/picture/prism.h"
+#include "mchost/space/vector.h"
+#include "tests/mchost/model/model_fixture.h"
+
+namespace {
+
+// The dots of a picture by their colours.
+class Dots {
+  public:
+    explicit Dots(const std::string& path)
+        : surface_(cairo_image_surface_create_from_png(path.c_str()), cairo_surface_destroy) {}
+    int width() const { return cairo_image_surface_get_width(surface_.get()); }
+    int height() const { return cairo_image_surface_get_height(surface_.get()); }
+    uint32_t at(int x, int y) const {
+        const unsigned char* row = cairo_image_surface_get_data(surface_.get()) +
+                                   static_cast<ptrdiff_t>(y) * cairo_image_surface_get_stride(surface_.get());
+        return reinterpret_cast<const uint32_t*>(row)[x] & 0xFFFFFF;
+    }
+    bool isInked(int x, int y) const { return at(x, y) != 0xFFFFFF; }
+
+  private:
+    std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface_;
+};
+
+// View 0 shows x and y from 0 to 800 and 600, so a dot is a UOR.
+class ViewPicture : public DesignFileTest {
+  protected:
+    ViewPicture() {
+        EXPECT_EQ(mdlSystem_createDesignFile(file.c_str(), 1), MDL_SUCCESS);
+        open();
+        showFrom(1, {0, 0, 0});
+    }
+    // As the standard view, with that point of the model in the lower left corner.
+    void showFrom(int32_t standard, const Point3d& origin) {
+        RotMatrix rotation;
+        const Point3d extent{800, 600, 0};
+        ASSERT_EQ(mdlView_getStandard(&rotation, standard), MDL_SUCCESS);
+        ASSERT_EQ(mdlView_setRotation(0, &rotation), MDL_SUCCESS);
+        ASSERT_EQ(mdlView_setArea(0, &origin, &extent), MDL_SUCCESS);
+    }
+    Dots picture() {
+        EXPECT_EQ(mdlPicture_writeView(path("view.png").c_str(), 0, 0, 0), MDL_SUCCESS);
+        return Dots(path("view.png"));
+    }
+    // A block of lines from one corner to the opposite one.
+    void addBlock(const Point3d& low, const Point3d& high, uint32_t color = 0) {
+        const auto corner = [&](int i) {
+            return Point3d{i & 1 ? high.x : low.x, i & 2 ? high.y : low.y, i & 4 ? high.z : low.z};
+        };
+        for (int from = 0; from < 8; ++from) {
+            for (const int axis : {1, 2, 4}) {
+                if ((from & axis) != 0) continue;
+                const Point3d ends[] = {corner(from), corner(from | axis)};
+                mdlLine_create(dgnBufP, nullptr, ends);
+                dgnBufP->head.color = static_cast<int32_t>(color);
+                ASSERT_NE(mdlElement_add(dgnBufP), 0u);
+            }
+        }
+    }
+    static FilePos addAcross(double y, LevelId level = 1, uint16_t elementClass = 0) {
+        MSElementBuffer* const element = line(100, y, 700, y);
+        element->head.level = level;
+        element->head.properties |= elementClass;
+        return mdlElement_add(element);
+    }
+};
+
+TEST_F(ViewPicture, ABlockLooksFromEachSideAsItIs) {
+    addBlock({100, 200, 300}, {200, 400, 600});
+    const Dots top = picture();
+    EXPECT_EQ(top.width(), 800);
+    EXPECT_EQ(top.height(), 600);
+    EXPECT_TRUE(top.isInked(150, 600 - 200) && top.isInked(100, 600 - 300) && !top.isInked(150, 600 - 300));
+    showFrom(5, {0, 0, 200});  // x to the right, z up
+    const Dots front = picture();
+    EXPECT_TRUE(front.isInked(150, 600 - 100) && front.isInked(100, 600 - 300) && !front.isInked(100, 600 - 450));
+    showFrom(3, {0, 500, 200});  // from the side of small x: y to the left, z up
+    const Dots left = picture();
+    EXPECT_TRUE(left.isInked(100, 600 - 300) && left.isInked(300, 600 - 300) && !left.isInked(200, 600 - 300));
+}
+
+TEST_F(ViewPicture, ShowsWhatTheViewHasOn) {
+    LevelId road = 0;
+    ASSERT_EQ(mdlLevel_create(&road, nullptr, L"Road"), MDL_SUCCESS);
+    addAcross(100, road);
+    addAcross(200, 1, 1);
+    const Point3d square[] = {{100, 300, 0}, {200, 300, 0}, {200, 400, 0}, {100, 400, 0}};
+    mdlShape_create(dgnBufP, nullptr, square, 4, 1);
+    dgnBufP->head.weight = 10;
+    mdlElement_add(dgnBufP);
+    const auto inked = [&] {
+        const Dots dots = picture();
+        std::string all;
+        for (const auto& [x, y] : {std::pair(400, 100), {400, 200}, {150, 350}, {96, 350}})
+            all += dots.isInked(x, 600 - y) ? '1' : '0';
+        return all;
+    };
+    EXPECT_EQ(inked(), "1111");
+    mdlView_setLevelOn(0, nullptr, road, 0);
+    EXPECT_EQ(inked(), "0111");
+    mdlView_setDisplayControl(0, MDL_VIEW_CONSTRUCTIONS, 0);
+    EXPECT_EQ(inked(), "0011");
+    mdlView_setDisplayControl(0, MDL_VIEW_FILLS, 0);
+    EXPECT_EQ(inked(), "0001");
+    mdlView_setDisplayControl(0, MDL_VIEW_WEIGHTS, 0);
+    EXPECT_EQ(inked(), "0000");
+}
+
+TEST_F(ViewPicture, LevelsOverrideColoursWhereTheViewLetsThem) {
+    mdlLevel_setSymbology(nullptr, 1, 3, 0, 6);
+    addAcross(100);
+    EXPECT_NE(picture().at(400, 500), 0xD90000u);
+    mdlView_setDisplayControl(0, MDL_VIEW_LEVEL_SYMBOLOGY, 1);
+    EXPECT_EQ(picture().at(400, 500), 0xD90000u);
+}
+
+// The reference is twice as large, moved by 100, and cut at x = 300; from the front its z is doubled too.
+TEST_F(ViewPicture, ReferencesAreWhereTheyAreAttachedAndCutFromEachSide) {
+    addBlock({50, 50, 50}, {150, 150, 150});
+    close();
+    const std::string host = path("host.mcd");
+    ASSERT_EQ(mdlSystem_createDesignFile(host.c_str(), 1), MDL_SUCCESS);
+    ASSERT_EQ(mdlSystem_newDesignFile(host.c_str(), 0), MDL_SUCCESS);
+    const Transform doubled{{{2, 0, 0, 100}, {0, 2, 0, 0}, {0, 0, 2, 0}}};
+    const Point3d clip[] = {{0, -10, 0}, {300, -10, 0}, {300, 500, 0}, {0, 500, 0}};
+    ModelRef* place = nullptr;
+    ASSERT_EQ(mdlRefFile_attach(&place, nullptr, file.c_str(), &doubled, clip, 4), MDL_SUCCESS);
+    for (const int32_t side : {1, 5}) {
+        SCOPED_TRACE(side);
+        showFrom(side, {0, 0, 0});
+        const Dots dots = picture();
+        EXPECT_TRUE(dots.isInked(200, 600 - 200) && dots.isInked(290, 600 - 100) && dots.isInked(290, 600 - 300));
+        EXPECT_FALSE(dots.isInked(310, 600 - 100) || dots.isInked(400, 600 - 200));
+    }
+    mdlView_setDisplayControl(0, MDL_VIEW_REFERENCES, 0);
+    EXPECT_FALSE(picture().isInked(200, 400));
+    mdlView_setDisplayControl(0, MDL_VIEW_REFERENCES, 1);
+    const int32_t hidden = 1;
+    mdlRefFile_setParameters(&hidden, MDL_REFERENCE_HIDDEN, place);
+    EXPECT_FALSE(picture().isInked(200, 400));
+}
+
+TEST_F(ViewPicture, LinesAreCutWhereTheyCrossAnOutline) {
+    const std::vector<host::ClipPoint> u = {{0, 0}, {30, 0}, {30, 20}, {20, 20}, {20, 10}, {10, 10}, {10, 20}, {0, 20}};
+    const host::Prism prism{host::identityTransform, &u};
+    const Point3d across[] = {{-5, 15, 7}, {35, 15, 7}}, inside[] = {{1, 1, 0}, {25, 1, 0}, {25, 19, 0}};
+    const auto pieces = host::piecesInside(prism, across);
+    ASSERT_EQ(pieces.size(), 2u);
+    EXPECT_DOUBLE_EQ(pieces[0].front().x, 0);
+    EXPECT_DOUBLE_EQ(pieces[0].back().x, 10);
+    EXPECT_DOUBLE_EQ(pieces[1].front().x, 20);
+    EXPECT_DOUBLE_EQ(pieces[1].back().z, 7);
+    ASSERT_EQ(host::piecesInside(prism, inside).size(), 1u);
+    EXPECT_EQ(host::piecesInside(prism, inside)[0].size(), 3u);
+}
+
+// ---- what commands show ----
+
+constexpr uint32_t highlight = 0xFF00CC;
+
+TEST_F(ViewPicture, ShowsWhatCommandsEraseHighlightAndMove) {
+    const FilePos kept = addAcross(100), erased = addAcross(200), lit = addAcross(300);
+    mdl::Descr ed;
+    asApplication("editor", [&] {
+        mdlState_startPrimitive([](Point3d*, int32_t) {}, nullptr, 0, 0);
+        return mdlState_setFunction(MDL_STATE_DYNAMICS,
+                                    reinterpret_cast<MdlStateFunction>(+[](Point3d* at, int32_t, int32_t mode) {
+                                        mdlElement_display(line(100, at->y, 700, at->y), mode);
+                                    }));
+    });
+    ASSERT_NE(mdlElmdscr_read(ed.out(), erased, nullptr), 0u);
+    mdlElmdscr_display(ed.get(), nullptr, MDL_ERASE);
+    ASSERT_NE(mdlElmdscr_read(ed.out(), lit, nullptr), 0u);
+    mdlElmdscr_display(ed.get(), nullptr, MDL_HIGHLIGHT);
+    host::moveCursor({0, 400, 0}, 0);
+    const Dots dots = picture();
+    EXPECT_TRUE(dots.isInked(400, 500)) << kept;
+    EXPECT_FALSE(dots.isInked(400, 400));
+    EXPECT_EQ(dots.at(400, 300), highlight);
+    EXPECT_TRUE(dots.isInked(400, 200)) << "in dynamics";
+    mdlState_startDefaultCommand();
+    const Dots after = picture();
+    EXPECT_TRUE(after.isInked(400, 400) && !after.isInked(400, 200));
+    EXPECT_TRUE(after.isInked(400, 300) && after.at(400, 300) != highlight);
+}
+
+TEST_F(ViewPicture, KeyInMakesAPicture) {
+    addAcross(100);
+    const std::string name = path("of it.png");
+    mdlInput_sendKeyin(("picture view 1 " + name).c_str(), 0, -1, nullptr);
+    mdlInput_sendKeyin("picture view 9", 0, -1, nullptr);
+    mdlInput_sendKeyin(("picture view 1 " + path("view.gif")).c_str(), 0, -1, nullptr);
+    host::serve();
+    EXPECT_TRUE(Dots(name).isInked(400, 500));
+    EXPECT_EQ(front().consoleText, "made " + name + "\n");
+    ASSERT_EQ(front().messages.size(), 2u);
+    EXPECT_NE(front().messages[0].brief.find("\"9\" isn't a view"), std::string::npos);
+    EXPECT_EQ(mdlPicture_writeView(name.c_str(), 0, 100, 0), MDL_ERROR);
+    EXPECT_EQ(mdlPicture_writeView(name.c_str(), 0, 40000, 100), MDL_ERROR);
+    EXPECT_EQ(mdlPicture_writeView(name.c_str(), 8, 0, 0), MDL_ERROR);
+}
+
+}  // namespace
