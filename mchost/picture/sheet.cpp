@@ -49,6 +49,9 @@ constexpr auto colors = std::to_array<PaperColor>({
     {0.75, 0.75, 0.75},  // 15 light grey
 });
 
+constexpr PaperColor highlightColor{1.00, 0.00, 0.80};
+constexpr int32_t leastHighlightWeight = 4;
+
 double pointsOf(double mm) {
     return mm * pointsPerInch / mmPerInch;
 }
@@ -202,7 +205,7 @@ Point3d Sheet::onPaper(const Point3d& p) const {
 }
 
 void Sheet::takeColor(const MdlLook& look) {
-    const PaperColor color = ink_ ? ink_->color : paperColor(look.color);
+    const PaperColor color = highlights_ ? highlightColor : paperColor(look.color);
     cairo_set_source_rgb(pen_.get(), color.red, color.green, color.blue);
 }
 
@@ -237,7 +240,7 @@ void Sheet::drawLine(std::span<const Point3d> points, const MdlLook& look) {
     const double mmPerMaster = mdlModelRef_getUorPerMaster(look.model) * scale_;
     setDashes(look, mmPerMaster);
     const double width = penWidth(look, mmPerMaster);
-    cairo_set_line_width(pen, ink_ ? std::max(width, mdl::penWidthOf(ink_->leastWeight)) : width);
+    cairo_set_line_width(pen, highlights_ ? std::max(width, mdl::penWidthOf(leastHighlightWeight)) : width);
     cairo_stroke(pen);
 }
 

@@ -13,6 +13,7 @@
 
 #include "mchost/element/text.h"
 #include "mchost/mdl/walk.h"
+#include "mchost/picture/canvas.h"
 
 namespace host {
 
@@ -42,7 +43,7 @@ struct Page {
     bool turned = false;  // by a quarter turn counter-clockwise
 };
 
-class Sheet {
+class Sheet : public Canvas {
   public:
     // The sheet shows `range`, seen from above, on widthMm of paper. SVG and PDF are written to the file at `path` as
     // they are drawn.
@@ -51,16 +52,10 @@ class Sheet {
     Sheet(PictureKind kind, const std::string& path, const Range3d& range, double widthMm, double dpi,
           const Page& page);
 
-    MdlPen pen();
-    // All in one colour from now on, and no thinner than that weight; null: as it looks.
-    struct Ink {
-        PaperColor color;
-        int32_t leastWeight;
-    };
-    void use(const Ink* ink) { ink_ = ink; }
-    // What is drawn until the end of the clip is cut off outside of the outline (UOR). Clips may lie in each other.
-    void beginClip(std::span<const Point3d> outline);
-    void endClip();
+    MdlPen pen() override;
+    void beginClip(std::span<const Point3d> outline) override;
+    void endClip() override;
+    void highlight(bool on) override { highlights_ = on; }
     // Writes what was drawn, down to the disk; a text that tells what failed, or null.
     const char* finish();
 
@@ -78,7 +73,7 @@ class Sheet {
     Range3d range_;
     double scale_;      // mm for a UOR
     double precision_;  // mm
-    const Ink* ink_ = nullptr;
+    bool highlights_ = false;
     std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface_;
     std::unique_ptr<cairo_t, decltype(&cairo_destroy)> pen_;
 };

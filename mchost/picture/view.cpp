@@ -1,4 +1,6 @@
 // The picture of a view.
+#include "mchost/picture/view.h"
+
 #include <cmath>
 #include <stdexcept>
 #include <unordered_set>
@@ -20,7 +22,6 @@ namespace host {
 namespace {
 
 constexpr double pixelsPerInch = 96;
-constexpr Sheet::Ink highlight{{1.00, 0.00, 0.80}, 4};
 
 // The nodes of an element that are erased, with all below them.
 class ErasedNodes {
@@ -40,20 +41,20 @@ class ErasedNodes {
     std::unordered_set<const ElementDescr*> nodes_;
 };
 
-class ViewPicture {
+class ViewDrawing {
   public:
-    ViewPicture(int32_t view, const Range3d& range, Sheet& sheet) : view_(view), range_(range), sheet_(sheet) {}
+    ViewDrawing(int32_t view, const Range3d& range, Canvas& canvas) : view_(view), range_(range), canvas_(canvas) {}
 
-    // What went wrong, or null.
-    const char* draw() {
+    // False when a model can't be read.
+    bool draw() {
         for (const ShownPlace& shown : shownPlaces(view_)) {
-            ViewPen pen(view_, shown, range_, sheet_);
+            ViewPen pen(view_, shown, range_, canvas_);
             const bool drawn = forEachInView(shown.place, pen.intoView(), range_,
                                              [&](FilePos position) { drawElement(position, shown, pen); });
-            if (!drawn) return "a model can't be read";
+            if (!drawn) return false;
         }
         drawOver();
-        return nullptr;
+        return true;
     }
 
   private:
@@ -72,8 +73,8 @@ class ViewPicture {
         ModelRef* const active = openPlace(nullptr);
         if (!active) return;
         const ShownPlace shown{active, {}};
-        ViewPen pen(view_, shown, range_, sheet_);
-        sheet_.use(&highlight);
+        ViewPen pen(view_, shown, range_, canvas_);
+        canvas_.highlight(true);
         for (const FilePos position : highlighted_) {
             const mdl::DescrPtr ed = mdl::readDescr(position, active);
             if (!ed) continue;
@@ -81,33 +82,25 @@ class ViewPicture {
             pen.draw(*ed, &erased.nodes());
         }
         for (const Overdrawn& drawn : overlay().drawn) {
-            sheet_.use(drawn.highlighted ? &highlight : nullptr);
+            canvas_.highlight(drawn.highlighted);
             pen.draw(*drawn.ed);
         }
-        sheet_.use(nullptr);
+        canvas_.highlight(false);
         for (const mdl::DescrPtr& moving : overlay().dynamics) pen.draw(*moving);
     }
 
     int32_t view_;
     const Range3d& range_;
-    Sheet& sheet_;
+    Canvas& canvas_;
     std::vector<FilePos> highlighted_;
 };
-
-// What the view shows in so many pixels, in its own axes.
-Range3d rangeOn(int32_t view, const ViewSize& size) {
-    const Range3d area = shownRange(lookAt(view));
-    const Point3d middle = (area.low + area.high) * 0.5, extent = area.high - area.low;
-    const double pixel = std::max(extent.x / size.width, extent.y / size.height);
-    const Point3d half{pixel * size.width / 2, pixel * size.height / 2, 0};
-    return {middle - half, middle + half};
-}
 
 int writeView(const std::string& path, int32_t view, const ViewSize& size) {
     constexpr double lessThanAPixel = 1e-6;  // so that errors of reckoning don't make one more
     const Range3d range = rangeOn(view, size);
     const PictureFrame frame{range, (size.width - lessThanAPixel) / pixelsPerInch * mmPerInch, pixelsPerInch};
-    return writePicture(path, frame, [&](Sheet& sheet) { return ViewPicture(view, range, sheet).draw(); });
+    return writePicture(path, frame,
+                        [&](Sheet& sheet) { return drawView(view, range, sheet) ? nullptr : "a model can't be read"; });
 }
 
 // ---- the key-in ----
@@ -129,6 +122,19 @@ void carryOut(std::string_view line) {
 [[maybe_unused]] const bool added = addHostWord({"picture view", help, carryOut});
 
 }  // namespace
+
+Range3d rangeOn(int32_t view, const ViewSize& size) {
+    const Range3d area = shownRange(lookAt(view));
+    const Point3d middle = (area.low + area.high) * 0.5, extent = area.high - area.low;
+    const double pixel = std::max(extent.x / size.width, extent.y / size.height);
+    const Point3d half{pixel * size.width / 2, pixel * size.height / 2, 0};
+    return {middle - half, middle + half};
+}
+
+bool drawView(int32_t view, const Range3d& range, Canvas& canvas) {
+    return ViewDrawing(view, range, canvas).draw();
+}
+
 }  // namespace host
 
 using namespace host;

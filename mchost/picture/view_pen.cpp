@@ -19,22 +19,22 @@ void applyOverride(MdlLook& look, const LevelOverride& level) {
 
 }  // namespace
 
-ViewPen::ViewPen(int32_t view, const ShownPlace& shown, const Range3d& range, Sheet& sheet)
+ViewPen::ViewPen(int32_t view, const ShownPlace& shown, const Range3d& range, Canvas& canvas)
     : view_(view),
       range_(range),
-      sheet_(sheet),
+      canvas_(canvas),
       seen_(view, *openModel(shown.place)),
       intoView_(transformOf(viewRotation(view)) * toMaster(*shown.place)),
       scale_(length(applyToVector(intoView_, {1, 0, 0}))),
-      sheetPen_(sheet.pen()) {
+      canvasPen_(canvas.pen()) {
     for (const ShownClip& clip : shown.clips) clipTo(clip);
 }
 
 ViewPen::~ViewPen() {
-    for (; outlines_ > 0; --outlines_) sheet_.endClip();
+    for (; outlines_ > 0; --outlines_) canvas_.endClip();
 }
 
-// Seen along its own z axis a clip is an outline on the sheet.
+// Seen along its own z axis a clip is an outline on the canvas.
 void ViewPen::clipTo(const ShownClip& clip) {
     const Transform intoView = transformOf(viewRotation(view_)) * toMaster(*clip.parent);
     const Point3d up = applyToVector(intoView, {0, 0, 1});
@@ -45,7 +45,7 @@ void ViewPen::clipTo(const ShownClip& clip) {
     }
     std::vector<Point3d> outline;
     for (const ClipPoint& p : *clip.outline) outline.push_back(applyToPoint(intoView, {p.x, p.y, 0}));
-    sheet_.beginClip(outline);
+    canvas_.beginClip(outline);
     ++outlines_;
 }
 
@@ -73,7 +73,7 @@ MdlLook ViewPen::shownLook(const MSElementBuffer* element, MdlLook look) const {
 void ViewPen::drawLine(const MSElementBuffer* element, const MdlLook& look, std::span<const Point3d> points,
                        size_t clip) {
     if (clip == prisms_.size()) {
-        sheetPen_.line(sheetPen_.userArg, element, &look, points.data(), static_cast<int32_t>(points.size()));
+        canvasPen_.line(canvasPen_.userArg, element, &look, points.data(), static_cast<int32_t>(points.size()));
         return;
     }
     const std::vector<std::vector<Point3d>> pieces = piecesInside(prisms_[clip], points);
@@ -85,14 +85,14 @@ void ViewPen::drawLine(const MSElementBuffer* element, const MdlLook& look, std:
 void ViewPen::drawText(const MSElementBuffer* element, const MdlLook& look) {
     const Point3d at = textBox(*textOf(element)).lowerLeft;
     const auto holds = [&](const Prism& prism) { return isInside(prism, at); };
-    if (std::ranges::all_of(prisms_, holds)) sheetPen_.text(sheetPen_.userArg, element, &look);
+    if (std::ranges::all_of(prisms_, holds)) canvasPen_.text(canvasPen_.userArg, element, &look);
 }
 
 void ViewPen::draw(const ElementDescr& ed, const std::unordered_set<const ElementDescr*>* without) {
     without_ = without;
     const MdlPen pen = {
         .userArg = this,
-        .tolerance = sheetPen_.tolerance,
+        .tolerance = canvasPen_.tolerance,
         .transform = unlessIdentity(intoView_),
         .range = &range_,
         .skip = [](void* self, const ElementDescr* node) { return int{static_cast<ViewPen*>(self)->isLeftOut(*node)}; },

@@ -5,18 +5,18 @@
 #include <vector>
 
 #include "mchost/mdl/owned.hpp"
+#include "mchost/picture/canvas.h"
 #include "mchost/picture/prism.h"
-#include "mchost/picture/sheet.h"
 #include "mchost/view/places.h"
 #include "mchost/view/seen.h"
 
 namespace host {
 
-// For the elements of one place; the range is in the axes of the view. While it stands the sheet has the clips of that
+// For the elements of one place; the range is in the axes of the view. While it stands the canvas has the clips of that
 // place.
 class ViewPen {
   public:
-    ViewPen(int32_t view, const ShownPlace& shown, const Range3d& range, Sheet& sheet);
+    ViewPen(int32_t view, const ShownPlace& shown, const Range3d& range, Canvas& canvas);
     ~ViewPen();
     ViewPen(const ViewPen&) = delete;
     ViewPen& operator=(const ViewPen&) = delete;
@@ -34,13 +34,13 @@ class ViewPen {
 
     int32_t view_;
     const Range3d& range_;
-    Sheet& sheet_;
+    Canvas& canvas_;
     Seen seen_;
     Transform intoView_;
     double scale_;  // UOR of the active model for one of the place
-    MdlPen sheetPen_;
+    MdlPen canvasPen_;
     const std::unordered_set<const ElementDescr*>* without_ = nullptr;
-    int outlines_ = 0;           // clips that the sheet has
+    int outlines_ = 0;           // clips that the canvas has
     std::vector<Prism> prisms_;  // clips that are looked at from aside
 };
 

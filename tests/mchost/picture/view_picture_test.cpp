@@ -13,6 +13,7 @@
 #include "mchost/mdl/transform.h"
 #include "mchost/mdl/view.h"
 #include "mchost/picture/prism.h"
+#include "mchost/picture/view.h"
 #include "mchost/space/vector.h"
 #include "tests/mchost/model/model_fixture.h"
 
@@ -196,6 +197,59 @@ TEST_F(ViewPicture, ShowsWhatCommandsEraseHighlightAndMove) {
     const Dots after = picture();
     EXPECT_TRUE(after.isInked(400, 400) && !after.isInked(400, 200));
     EXPECT_TRUE(after.isInked(400, 300) && after.at(400, 300) != highlight);
+}
+
+// As a window would: it hears that the view has changed, and draws what the view shows from calls alone.
+class Window : public host::Canvas {
+  public:
+    MdlPen pen() override {
+        MdlPen pen = {};
+        pen.userArg = this;
+        pen.tolerance = 1;
+        pen.line = [](void* self, const MSElementBuffer*, const MdlLook*, const Point3d* points, int32_t) {
+            auto& window = *static_cast<Window*>(self);
+            window.drawn.push_back({(points->x - window.range.low.x) / window.pixel,
+                                    (window.range.high.y - points->y) / window.pixel, window.highlighted ? 1.0 : 0.0});
+        };
+        return pen;
+    }
+    void beginClip(std::span<const Point3d>) override {}
+    void endClip() override {}
+    void highlight(bool on) override { highlighted = on; }
+    void redraw(int32_t view) {
+        host::ViewSize size;
+        mdlView_getSize(&size.width, &size.height, view);
+        range = host::rangeOn(view, size);
+        pixel = mdlView_getPixelSize(view);
+        EXPECT_TRUE(host::drawView(view, range, *this));
+    }
+
+    Range3d range = {};
+    double pixel = 0;
+    bool highlighted = false;
+    std::vector<Point3d> drawn;  // the beginnings of lines in pixels; z is 1 for highlighted ones
+};
+
+TEST_F(ViewPicture, AWindowDrawsItselfFromCallsAlone) {
+    addAcross(100);
+    const FilePos lit = addAcross(200);
+    ASSERT_EQ(mdlView_setSize(0, 500, 500), MDL_SUCCESS);
+    front().clear();
+    mdlInput_sendKeyin("view 1 rotate 30", 0, -1, nullptr);
+    mdl::Descr ed;
+    ASSERT_NE(mdlElmdscr_read(ed.out(), lit, nullptr), 0u);
+    mdlElmdscr_display(ed.get(), nullptr, MDL_HIGHLIGHT);
+    host::serve();
+    EXPECT_EQ(front().seen, (std::vector<std::string>{"mode 2", "view 0"}));
+    Window window;
+    window.redraw(0);
+    ASSERT_EQ(window.drawn.size(), 3u) << "both lines, and one highlighted";
+    const Point3d begin{100, 200, 0};
+    double x = 0, y = 0;
+    ASSERT_EQ(mdlView_pixelFromPoint(&x, &y, &begin, 0), MDL_SUCCESS);
+    EXPECT_NEAR(window.drawn[2].x, x, 1e-9);
+    EXPECT_NEAR(window.drawn[2].y, y, 1e-9);
+    EXPECT_TRUE(window.drawn[2].z == 1 && window.drawn[1].z == 0);
 }
 
 TEST_F(ViewPicture, KeyInMakesAPicture) {
