@@ -118,8 +118,8 @@ MDL_EXPORT int mdlPicture_write(const char *fileName, const ElementDescr *ed, co
                                 double dpi) MDL_NOEXCEPT;
 /* The picture of a view, so many pixels (of 96 in an inch) wide and high; both 0: as large as it is shown. All as the
  * view has it: from where it looks, levels and display controls, references with their clips, and over that what
- * commands show: elements that are erased are left out, highlighted ones are highlighted, and what moves in the dynamics
- * of the command that runs is there. Else as mdlPicture_write. */
+ * commands show: elements that are erased are left out, highlighted ones are highlighted, and what moves in the
+ * dynamics of the command that runs is there. Else as mdlPicture_write. */
 MDL_EXPORT int mdlPicture_writeView(const char *fileName, int32_t view, int32_t width, int32_t height) MDL_NOEXCEPT;
 
 #endif

@@ -77,8 +77,8 @@ struct Model {
     std::vector<Attachment> attachments = {};  // in order of number
     uint64_t attachmentChanges = 0;            // how often they were changed so far
     ViewTable views = {};
-    bool tablesChanged = false;                // levels, styles or attachments, since they were last stored
-    uint32_t unstoredLevels = 0;               // levels that aren't to be stored so far
+    bool tablesChanged = false;   // levels, styles or attachments, since they were last stored
+    uint32_t unstoredLevels = 0;  // levels that aren't to be stored so far
 
     RangeIndex ranges = {};  // filled at the first search by window
     bool rangesFilled = false;
