@@ -18,6 +18,7 @@
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/state.h"
 #include "mchost/mdl/system.h"
+#include "mchost/mdl/view.h"
 #include "mchost/resource/container.h"
 #include "mchost/session/session.h"
 
@@ -431,6 +432,23 @@ TEST_F(Terminal, OpenDialogsCanBeUsedWhileACommandWaitsForAPoint) {
     EXPECT_THAT(shown, HasSubstr("3) Name: 7\n"));
     EXPECT_THAT(shown, HasSubstr("Frame: \"x\" is neither 1 nor 0.\n"));
     EXPECT_THAT(shown, HasSubstr("\"what\" isn't a point.")) << "no window is open any more";
+}
+
+// But not by a window that has to be answered first.
+TEST_F(Terminal, LinesForTheHostAreTakenWhileACommandWaitsAndBesideOpenDialogs) {
+    typed("view 2 open\n4,5\nview 3 opn\n\nview 4 open\nclose\nview 5 open\n1\n");
+    inSession([] {
+        startPointCommand();
+        EXPECT_TRUE(host::serveCommands());
+        mdlDialog_open(0, FORM);
+        host::serve();
+        mdlDialog_openModal(nullptr, 0, FORM);
+        for (const int32_t view : {1, 3}) EXPECT_TRUE(mdlView_isOpen(view)) << view;
+        for (const int32_t view : {2, 4}) EXPECT_FALSE(mdlView_isOpen(view)) << view;
+    });
+    EXPECT_THAT(points, testing::ElementsAre(4));
+    EXPECT_THAT(shown, HasSubstr("A view can't do \"opn\". Give one of: fit,"));
+    EXPECT_THAT(shown, HasSubstr("This can't be done here: \"view 5 open\"."));
 }
 
 TEST_F(Terminal, AnUnattendedCommandGetsItsAnswersThenTheOriginOnce) {
