@@ -36,7 +36,7 @@ bool meet(const Range3d& a, const Range3d& b) {
 class Walk {
   public:
     Walk(const MdlPen& pen, const Transform& current) : pen_(pen), current_(current) {
-        if (pen.transform) transformed_ = std::make_unique<MSElementBuffer>();
+        if (pen.transform) transformed_ = std::make_unique_for_overwrite<MSElementBuffer>();
     }
 
     void goAlong(const ElementDescr* ed) {
