@@ -5,17 +5,12 @@
 #include <string>
 #include <vector>
 
+#include <mclib/app/attribute_line.hpp>
 #include <mclib/mclib.h>
 
 namespace alignment {
 
-// As a line of the input tells it.
-struct ToldAttribute {
-    int id;
-    std::string label;
-    int kind;  // ATTR_KIND_...
-    ElmAttrData data;
-};
+using mcapp::ToldAttribute;
 
 class Attributes {
   public:

@@ -19,6 +19,7 @@
 #include <mclib/app/system_path.hpp>
 #include <mclib/app/tell.hpp>
 #include <mclib/app/utf8.hpp>
+#include <mclib/app/work_file.hpp>
 #include "attributes.h"
 #include "checks.h"
 #include "drawing.h"
@@ -107,27 +108,6 @@ bool writePicture(const std::string& name, ElementDescr* page, const Sheet& shee
            mcapp::failOutput(name, "the picture can't be written; is the disk full?");
 }
 
-// Closes the design file that the work was done in, however the work ends.
-class WorkFile {
-  public:
-    explicit WorkFile(const std::string& name) {
-        open_ = mdlSystem_createDesignFile(name.c_str(), 0) == MDL_SUCCESS &&
-                mdlSystem_newDesignFile(name.c_str(), 0) == MDL_SUCCESS;
-    }
-    ~WorkFile() { close(); }
-    WorkFile(const WorkFile&) = delete;
-    WorkFile& operator=(const WorkFile&) = delete;
-    bool isOpen() const { return open_; }
-    bool close() {
-        const bool wasOpen = open_;
-        open_ = false;
-        return !wasOpen || mdlSystem_closeDesignFile() == MDL_SUCCESS;
-    }
-
-  private:
-    bool open_ = false;
-};
-
 bool makeFiles(const Road& road, const Sheet& sheet, const Project& project, const Options& options) {
     const std::string pictureSuffix = "." + options.picture;
     const char* const printSuffix = options.device->suffix;
@@ -136,7 +116,7 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Project& project, con
     mcapp::Outputs outputs(outputBase(options), suffixes);
     if (!outputs.prepare(options.input, options.overwrite)) return false;
     const std::string designName = outputs.temporary(".mcd");
-    WorkFile workFile(designName);
+    mcapp::WorkFile workFile(designName);
     if (!workFile.isOpen()) return mcapp::failOutput(designName, "the design file can't be made");
     const Page page = drawRoad(road, sheet);
     if (!page || !project.write(designName) || !writeDesignFile(designName, page.get())) return false;

@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include <mchost/mdl/text.h>
+#include <mclib/app/attribute_line.hpp>
 #include <mclib/app/input.hpp>
 #include <mclib/app/tell.hpp>
 #include "checks.h"
@@ -32,13 +32,6 @@ class Reader {
 
     bool line();
     bool knownAttribute(int& id);
-    struct Range {
-        const char* name;
-        int least, most;
-    };
-    bool ranged(int& value, const Range& range);
-    bool textSize(double& metres, const char* name);
-    bool look(ToldAttribute& told);
     bool addedTo(std::string (Attributes::*add)(const ToldAttribute&));
 
     // Keywords.
@@ -90,62 +83,14 @@ bool Reader::tolerance() {
     return true;
 }
 
-// A whole number of the range, or one that stands for something else.
-bool Reader::ranged(int& value, const Range& range) {
-    in_.atEnd();
-    char* const position = in_.position();
-    if (!in_.wholeNumber(value, range.name)) return false;
-    if (range.least <= value && value <= range.most) return true;
-    return in_.failAt(position, std::string(range.name) + " must be " + std::to_string(range.least) + " to " +
-                                    std::to_string(range.most));
-}
-
-bool Reader::textSize(double& metres, const char* name) {
-    constexpr double most = 100;
-    in_.atEnd();
-    char* const position = in_.position();
-    double millimetres = 0;
-    if (!in_.positive(millimetres, name)) return false;
-    metres = millimetres / 1000;
-    return millimetres <= most || in_.failAt(position, std::string(name) + " must be at most 100 mm on paper");
-}
-
-// What follows the number: "label" colour weight style "level" [text height] [text width]
-bool Reader::look(ToldAttribute& told) {
-    std::string level;
-    ElmAttrData& data = told.data;
-    if (!in_.text(told.label, "the label") || !ranged(data.color, {"the colour", ATTR_BY_LEVEL, 255}) ||
-        !ranged(data.weight, {"the weight", ATTR_BY_LEVEL, 31}) || !ranged(data.style, {"the line style", 0, 7}) ||
-        !in_.text(level, "the level")) {
-        return false;
-    }
-    mdlCnv_convertMultibyteToUnicode(level.c_str(), static_cast<int>(level.size()), data.levelName,
-                                     std::size(data.levelName));
-    data.useFlags = ATTR_USE_COLOR | ATTR_USE_WEIGHT | ATTR_USE_STYLE;
-    if (!level.empty()) data.useFlags |= ATTR_USE_LEVEL;
-    told.kind = ATTR_KIND_SYMBOLOGY;
-    if (in_.atEnd()) return true;
-    if (!textSize(data.textHeight, "the text height") || !textSize(data.textWidth, "the text width")) return false;
-    told.kind = ATTR_KIND_TEXT;
-    data.useFlags |= ATTR_USE_SIZE;
-    data.textLineSpacing = 0.5;
-    return true;
-}
-
 bool Reader::addedTo(std::string (Attributes::*add)(const ToldAttribute&)) {
     if (in_.atEnd()) return in_.failHere("the attribute number is missing");
     char* const position = in_.position();
+    constexpr double metresPerMm = 0.001;
     const auto told = std::make_unique<ToldAttribute>();
-    if (!in_.wholeNumber(told->id, "the attribute number") || !look(*told)) return false;
+    if (!mcapp::readAttribute(in_, *told, metresPerMm)) return false;
     const std::string refusal = (attributes_.*add)(*told);
     return refusal.empty() || in_.failAt(position, refusal);
-}
-
-// Whether a part that has texts can be drawn with the attribute.
-bool hasTextSize(int id) {
-    const auto data = std::make_unique<ElmAttrData>();
-    mclibElmAttr_extractData(id, data.get());
-    return (data->useFlags & ATTR_USE_SIZE) != 0 && data->textHeight > 0 && data->textWidth > 0;
 }
 
 bool Reader::use() {
@@ -157,7 +102,7 @@ bool Reader::use() {
         int& id = road_.attributes[role];
         if (!knownAttribute(id)) return false;
         const bool hasTexts = std::ranges::find(textRoles, static_cast<Role>(role)) != textRoles.end();
-        return !hasTexts || hasTextSize(id) ||
+        return !hasTexts || mcapp::hasTextSize(id) ||
                in_.failAt(position, "attribute " + std::to_string(id) + " has no text size, which " + roleNames[role] +
                                         " needs; add height and width in mm to its line, behind the level");
     }

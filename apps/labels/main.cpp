@@ -1,0 +1,104 @@
+// labels: texts in frames, tied by leaders to what they point at, from a text file into a drawing.
+#include <algorithm>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <mchost/mdl/model.h>
+#include <mchost/mdl/system.h>
+#include <mchost/mdl/view.h>
+#include <mclib/app/arguments.hpp>
+#include <mclib/app/outputs.hpp>
+#include <mclib/app/system_path.hpp>
+#include <mclib/app/tell.hpp>
+#include <mclib/app/work_file.hpp>
+#include <mclib/mclib.h>
+#include "drawing.h"
+#include "options.h"
+#include "reader.h"
+
+namespace labels {
+namespace {
+
+namespace fs = std::filesystem;
+
+enum ExitStatus { done = 0, failed = 1 };
+
+constexpr const char* drawingSuffix = ".mcd";
+
+fs::path outputBase(const Options& options) {
+    const fs::path name = fs::path(options.input).stem();
+    if (options.out.empty()) return name;
+    const fs::path out = options.out;
+    return out.filename().empty() || fs::is_directory(mcapp::systemPath(out)) ? out / name : out;
+}
+
+// Of the whole drawing at its scale; one that is wider than a large sheet is made as wide as that.
+bool writePicture(const std::string& name, const Paper& paper, double dpi) {
+    constexpr double widest = 1189;
+    Range3d range = {};
+    if (mdlModelRef_getRange(mdlModelRef_getActive(), &range) != MDL_SUCCESS)
+        return mcapp::failOutput(name, "there is nothing to show");
+    const double uor = mdlModelRef_getUorPerMaster(mdlModelRef_getActive());
+    const double width = (range.high.x - range.low.x) / uor / paper.unitsPerMm();
+    return mdlPicture_write(name.c_str(), nullptr, nullptr, std::min(width, widest), dpi) == MDL_SUCCESS ||
+           mcapp::failOutput(name, "the picture can't be written; is the disk full?");
+}
+
+void tellOf(const mcapp::Outputs& outputs) {
+    for (const fs::path& name : outputs.names()) toolSubsystem_printf("labels: made %s\n", name.c_str());
+}
+
+// Into a drawing of their own.
+bool makeDrawing(const LabelFile& file, const Options& options) {
+    const std::string pictureSuffix = "." + options.picture;
+    mcapp::Outputs outputs(outputBase(options), {drawingSuffix, pictureSuffix.c_str()});
+    if (!outputs.prepare(options.input, options.overwrite)) return false;
+    const std::string drawing = outputs.temporary(drawingSuffix);
+    mcapp::WorkFile workFile(drawing);
+    if (!workFile.isOpen()) return mcapp::failOutput(drawing, "the design file can't be made");
+    if (!drawLabels(file)) return false;
+    if (!writePicture(outputs.temporary(pictureSuffix.c_str()), file.paper, options.dpi)) return false;
+    if (!workFile.close()) return mcapp::failOutput(drawing, "the design file can't be stored; is the disk full?");
+    if (!outputs.finish()) return false;
+    tellOf(outputs);
+    return true;
+}
+
+// Into the drawing that is open.
+bool addToDrawing(const LabelFile& file, const Options& options) {
+    const std::string drawing = tcbP->designFileName;
+    const std::string pictureSuffix = "." + options.picture;
+    mcapp::Outputs outputs(outputBase(options), {pictureSuffix.c_str()});
+    if (mdlModelRef_isReadOnly(mdlModelRef_getActive()) != 0)
+        return mcapp::fail(drawing + ": the drawing can't be written; nothing is labelled");
+    if (!options.out.empty() && !outputs.prepare(options.input, options.overwrite)) return false;
+    if (!drawLabels(file)) return false;
+    if (mdlSystem_saveDesignFile() != MDL_SUCCESS)
+        return mcapp::fail(drawing + ": the drawing can't be stored; is the disk full?");
+    toolSubsystem_printf("labels: put %zu labels into %s\n", file.labels.size(), drawing.c_str());
+    if (options.out.empty()) return true;
+    if (!writePicture(outputs.temporary(pictureSuffix.c_str()), file.paper, options.dpi) || !outputs.finish())
+        return false;
+    tellOf(outputs);
+    return true;
+}
+
+ExitStatus work(const Options& options) {
+    if (!beginAttributes()) return failed;
+    const std::optional<LabelFile> file = readLabels(options.input, options.scale);
+    if (!file) return failed;
+    const bool isOpen = mdlModelRef_getActive() != nullptr;
+    return (isOpen ? addToDrawing(*file, options) : makeDrawing(*file, options)) ? done : failed;
+}
+
+}  // namespace
+}  // namespace labels
+
+MDL_DESCRIPTION("labels with leaders for what lies in a drawing");
+
+extern "C" __attribute__((visibility("default"))) int main(int argc, char** argv) {
+    using namespace labels;
+    return mcapp::runApplication("LABELS", argc, argv, usage, optionsFrom, work);
+}
