@@ -68,8 +68,15 @@ fs::path outputBase(const Options& options) {
     return out.filename().empty() || fs::is_directory(mcapp::systemPath(out)) ? out / name : out;
 }
 
-bool writeDesignFile(const std::string& name, ElementDescr* page) {
-    return (mdlElmdscr_add(page) != 0 && mdlSystem_saveDesignFile() == MDL_SUCCESS) ||
+// View 1 shows the sheet upright, also to those who label it.
+bool turnView(const Sheet& sheet) {
+    const double c = std::cos(sheet.angle), s = std::sin(sheet.angle);
+    const RotMatrix upright = {{{c, s, 0}, {-s, c, 0}, {0, 0, 1}}};
+    return mdlView_setRotation(0, &upright) == MDL_SUCCESS && mdlView_fit(0) == MDL_SUCCESS;
+}
+
+bool writeDesignFile(const std::string& name, ElementDescr* page, const Sheet& sheet) {
+    return (mdlElmdscr_add(page) != 0 && turnView(sheet) && mdlSystem_saveDesignFile() == MDL_SUCCESS) ||
            mcapp::failOutput(name, "the drawing can't be stored; is the disk full?");
 }
 
@@ -119,7 +126,7 @@ bool makeFiles(const Road& road, const Sheet& sheet, const Project& project, con
     mcapp::WorkFile workFile(designName);
     if (!workFile.isOpen()) return mcapp::failOutput(designName, "the design file can't be made");
     const Page page = drawRoad(road, sheet);
-    if (!page || !project.write(designName) || !writeDesignFile(designName, page.get())) return false;
+    if (!page || !project.write(designName) || !writeDesignFile(designName, page.get(), sheet)) return false;
     if (!turnUpright(page.get(), sheet) || !print(outputs.temporary(printSuffix), page.get(), road, sheet, options))
         return false;
     if (!writePicture(outputs.temporary(pictureSuffix.c_str()), page.get(), sheet)) return false;
