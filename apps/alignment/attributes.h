@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include <mclib/app/attribute_line.hpp>
 #include <mclib/mclib.h>
+#include <mclib/app/attribute_line.hpp>
 
 namespace alignment {
 

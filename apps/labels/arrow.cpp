@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include <mchost/mdl/element.h>
-#include <mchost/mdl/owned.hpp>
 #include <mchost/mdl/system.h>
 #include <mclib/mclib.h>
+#include <mchost/mdl/owned.hpp>
 
 namespace labels {
 
@@ -20,16 +20,6 @@ std::vector<Point3d> verticesOf(const MSElementBuffer* element) {
     if (mdlLinear_extract(points.data(), &count, element, mostVertices) != MDL_SUCCESS) count = 0;
     points.resize(static_cast<size_t>(std::min(count, mostVertices)));
     return points;
-}
-
-// From one point to another, as the view shows it.
-double bearing(const Point3d& from, const Point3d& to, int view) {
-    const mdl::CurrTransScope local(mdl::CurrTransScope::Begin::masterUnits);
-    mdlCurrTrans_rotateByView(view);
-    const Point3d ends[] = {from, to};
-    Point3d seen[2] = {};
-    mdlCurrTrans_invtransPointArray(seen, ends, 2);
-    return std::atan2(seen[1].y - seen[0].y, seen[1].x - seen[0].x);
 }
 
 bool appendHead(ElementDescr* arrow, const Point3d& tip, double angle, const LeaderLook& look, int view) {
@@ -52,6 +42,15 @@ bool endOfLeader(Point3d& end, ElementDescr* arrow) {
         return true;
     }
     return false;
+}
+
+double bearing(const Point3d& from, const Point3d& to, int view) {
+    const mdl::CurrTransScope local(mdl::CurrTransScope::Begin::masterUnits);
+    mdlCurrTrans_rotateByView(view);
+    const Point3d ends[] = {from, to};
+    Point3d seen[2] = {};
+    mdlCurrTrans_invtransPointArray(seen, ends, 2);
+    return std::atan2(seen[1].y - seen[0].y, seen[1].x - seen[0].x);
 }
 
 bool appendLeader(ElementDescr* arrow, std::vector<Point3d> points, const LeaderLook& look, int view) {

@@ -11,6 +11,9 @@ namespace labels {
 // The last point of the first leader, in UOR. False when the cell has no leader.
 bool endOfLeader(Point3d& end, ElementDescr* arrow);
 
+// From one point to another (UOR), as the view shows it: radians from the right, counter-clockwise.
+double bearing(const Point3d& from, const Point3d& to, int view);
+
 // How leaders and heads are made; headSize and divisor as the library has them.
 struct LeaderLook {
     int lineAttribute, headAttribute;

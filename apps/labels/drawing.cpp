@@ -5,11 +5,11 @@
 
 #include <mchost/mdl/elmdscr.h>
 #include <mchost/mdl/model.h>
-#include <mchost/mdl/owned.hpp>
 #include <mchost/mdl/system.h>
 #include <mchost/mdl/undo.h>
-#include <mclib/app/tell.hpp>
 #include <mclib/mclib.h>
+#include <mchost/mdl/owned.hpp>
+#include <mclib/app/tell.hpp>
 #include "arrow.h"
 #include "kinds.h"
 
@@ -27,20 +27,18 @@ std::vector<Point3d> inUor(const std::vector<Point3d>& points) {
 }
 
 // Which way the text goes on from the end of its leader.
-int directionOf(const Label& label) {
-    const std::vector<Point3d>& leader = label.leaders.front();
-    const Point3d &end = leader.back(), &before = leader[leader.size() - 2];
-    const double along = (end.x - before.x) * std::cos(label.style.angle) + (end.y - before.y) * std::sin(label.style.angle);
-    return along < 0 ? -1 : 1;
+int directionOf(const Style& style, const std::vector<Point3d>& leader) {
+    const double last = bearing(leader[leader.size() - 2], leader.back(), view);
+    return std::cos(last - style.angle) < 0 ? -1 : 1;
 }
 
 bool drawFirst(const Label& label, const Paper& paper) {
     const Style& style = label.style;
     const bool isFixed = style.radius > 0 && hasRadius(style.frame);
     mclibArrow_setCircleSize(isFixed ? style.radius * paper.unitsPerMm() : 0, isFixed);
-    if (!surroundsText(style.frame)) setTextSide(style.textAttribute, directionOf(label));
-    mclibArrow_initFilePos();
     const std::vector<Point3d> vertices = inUor(label.leaders.front());
+    if (!surroundsText(style.frame)) setTextSide(style.textAttribute, directionOf(style, vertices));
+    mclibArrow_initFilePos();
     const int headSize = static_cast<int>(std::lround(style.headSize * sizesPerMm));
     return mclibArrow_drawTextArrow(vertices.data(), static_cast<int>(vertices.size()), style.textAttribute,
                                     style.lineAttribute, style.headAttribute, paper.divisor(), style.angle,
@@ -54,8 +52,8 @@ bool drawOthers(const Label& label, const Paper& paper) {
     const mdl::DescrPtr arrow = mdl::readDescr(position, mdlModelRef_getActive());
     if (!arrow) return false;
     const Style& style = label.style;
-    const LeaderLook look = {style.lineAttribute, style.headAttribute, style.head,
-                             style.headSize * sizesPerMm, paper.divisor()};
+    const LeaderLook look = {style.lineAttribute, style.headAttribute, style.head, style.headSize * sizesPerMm,
+                             paper.divisor()};
     const bool whole = std::all_of(label.leaders.begin() + 1, label.leaders.end(), [&](const auto& leader) {
         return appendLeader(arrow.get(), inUor(leader), look, view);
     });

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include <mclib/mclib.h>
 #include <mclib/app/names.hpp>
 #include <mclib/app/numbers.hpp>
-#include <mclib/mclib.h>
 
 namespace labels {
 

@@ -40,7 +40,8 @@ std::string addAttribute(const mcapp::ToldAttribute& a) {
 
 bool beginAttributes() {
     mclibElmAttr_setGroupeNames(1, "Labels", group, 0);
-    for (const mcapp::ToldAttribute& a : {usual(USUAL_LINE, "Leader and frame"), usualText(), usual(USUAL_HEAD, "Head")})
+    for (const mcapp::ToldAttribute& a :
+         {usual(USUAL_LINE, "Leader and frame"), usualText(), usual(USUAL_HEAD, "Head")})
         if (!addAttribute(a).empty()) return mcapp::fail(noMemory);
     return true;
 }

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include <mclib/app/attribute_line.hpp>
 #include <mclib/mclib.h>
+#include <mclib/app/attribute_line.hpp>
 
 namespace labels {
 
@@ -13,7 +13,7 @@ constexpr double sizesPerMm = 100;
 
 // How the drawing stands on paper.
 struct Paper {
-    double scale = 1000;            // 1 : scale
+    double scale = 1000;              // 1 : scale
     double millimetresOfUnit = 1000;  // of the drawing's master unit, on the ground
 
     // What the library divides sizes by to get master units.

@@ -3,17 +3,21 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include <mchost/mdl/elmdscr.h>
 #include <mchost/mdl/model.h>
+#include <mchost/mdl/scan.h>
 #include <mchost/mdl/system.h>
 #include <mchost/mdl/view.h>
+#include <mclib/mclib.h>
+#include <mchost/mdl/owned.hpp>
 #include <mclib/app/arguments.hpp>
 #include <mclib/app/outputs.hpp>
 #include <mclib/app/system_path.hpp>
 #include <mclib/app/tell.hpp>
 #include <mclib/app/work_file.hpp>
-#include <mclib/mclib.h>
 #include "drawing.h"
 #include "options.h"
 #include "reader.h"
@@ -34,15 +38,35 @@ fs::path outputBase(const Options& options) {
     return out.filename().empty() || fs::is_directory(mcapp::systemPath(out)) ? out / name : out;
 }
 
-// Of the whole drawing at its scale; one that is wider than a large sheet is made as wide as that.
+// All that lies in the drawing, turned as view 1 shows it; null after a message.
+mdl::DescrPtr upright() {
+    mdl::Descr all;
+    mdlCell_create(dgnBufP, nullptr, nullptr, 0);
+    if (mdlElmdscr_new(all.out(), nullptr, dgnBufP) != MDL_SUCCESS) return nullptr;
+    for (const FilePos position : mdl::Scan(mdlModelRef_getActive())) {
+        mdl::DescrPtr element = mdl::readDescr(position, mdlModelRef_getActive());
+        if (!element || mdlElmdscr_appendDscr(all.get(), element.get()) != MDL_SUCCESS) return nullptr;
+        element.release();
+    }
+    RotMatrix view = {};
+    mdlRMatrix_fromView(&view, 0);
+    const auto& m = view.form;
+    const Transform turn = {
+        {{m[0][0], m[0][1], m[0][2], 0}, {m[1][0], m[1][1], m[1][2], 0}, {m[2][0], m[2][1], m[2][2], 0}}};
+    if (mdlElmdscr_transform(all.get(), &turn) != MDL_SUCCESS) return nullptr;
+    return mdl::DescrPtr(std::exchange(*all.out(), nullptr));
+}
+
+// As view 1 shows the drawing, at its scale; one that is wider than a large sheet is made as wide as that.
 bool writePicture(const std::string& name, const Paper& paper, double dpi) {
     constexpr double widest = 1189;
-    Range3d range = {};
-    if (mdlModelRef_getRange(mdlModelRef_getActive(), &range) != MDL_SUCCESS)
-        return mcapp::failOutput(name, "there is nothing to show");
+    const mdl::DescrPtr all = upright();
+    Point3d low = {}, high = {};
+    if (!all || mdlElmdscr_computeRange(&low, &high, all.get(), nullptr) != MDL_SUCCESS)
+        return mcapp::failOutput(name, "the drawing can't be read for a picture");
     const double uor = mdlModelRef_getUorPerMaster(mdlModelRef_getActive());
-    const double width = (range.high.x - range.low.x) / uor / paper.unitsPerMm();
-    return mdlPicture_write(name.c_str(), nullptr, nullptr, std::min(width, widest), dpi) == MDL_SUCCESS ||
+    const double width = (high.x - low.x) / uor / paper.unitsPerMm();
+    return mdlPicture_write(name.c_str(), all.get(), nullptr, std::min(width, widest), dpi) == MDL_SUCCESS ||
            mcapp::failOutput(name, "the picture can't be written; is the disk full?");
 }
 

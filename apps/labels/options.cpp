@@ -33,8 +33,9 @@ constexpr std::array pictures = {"png", "svg", "pdf"};
 // A setter gives what is wrong.
 std::string setPicture(Options& options, std::string_view, const std::string& value) {
     options.picture = value;
-    return std::ranges::find(pictures, value) != pictures.end() ? ""
-                                                                : "--picture takes png, svg or pdf, not \"" + value + "\"";
+    return std::ranges::find(pictures, value) != pictures.end()
+               ? ""
+               : "--picture takes png, svg or pdf, not \"" + value + "\"";
 }
 
 constexpr mcapp::ValueOption<Options> valueOptions[] = {

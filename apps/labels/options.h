@@ -9,7 +9,8 @@ namespace labels {
 
 struct Options {
     std::string input, out, picture = "png";
-    double scale = 0, dpi = 150;
+    double scale = 0;  // 0: that of the input
+    double dpi = 150;
     bool overwrite = false;
 };
 

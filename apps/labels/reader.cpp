@@ -114,8 +114,7 @@ bool Reader::size(double& millimetres, const char* what) {
     in_.atEnd();
     char* const position = in_.position();
     if (!in_.positive(millimetres, what)) return false;
-    if (millimetres > largestSize)
-        return in_.failAt(position, std::string(what) + " must be at most 1000 mm on paper");
+    if (millimetres > largestSize) return in_.failAt(position, std::string(what) + " must be at most 1000 mm on paper");
     return millimetres * sizesPerMm >= 1 || in_.failAt(position, std::string(what) + " must be at least 0.01 mm");
 }
 
@@ -129,7 +128,8 @@ bool Reader::texts(std::string& text) {
         text += (text.empty() ? "" : "\n") + line;
         in_.atEnd();
     } while (in_.startsWith("\""));
-    if (text.find_first_not_of(" \t\n") == text.npos) return in_.failAt(start, "the text is empty; write what it tells");
+    if (text.find_first_not_of(" \t\n") == text.npos)
+        return in_.failAt(start, "the text is empty; write what it tells");
     return text.size() <= ARROW_TEXT_LENGTH ||
            in_.failAt(start, "the text has " + std::to_string(text.size()) + " characters; " +
                                  std::to_string(ARROW_TEXT_LENGTH) + " is the most");
@@ -194,10 +194,12 @@ bool Reader::use() {
         int id = 0;
         if (!in_.wholeNumber(id, "the attribute number")) return false;
         if (!isAttribute(id))
-            return in_.failAt(position, "there is no attribute " + std::to_string(id) + "; its ATTRIBUTE line comes first");
+            return in_.failAt(position,
+                              "there is no attribute " + std::to_string(id) + "; its ATTRIBUTE line comes first");
         if (part.hasText && !mcapp::hasTextSize(id))
-            return in_.failAt(position, "attribute " + std::to_string(id) +
-                                            " has no text size; add height and width in mm to its line, behind the level");
+            return in_.failAt(position,
+                              "attribute " + std::to_string(id) +
+                                  " has no text size; add height and width in mm to its line, behind the level");
         style_.*part.id = id;
         return true;
     }

@@ -6,8 +6,8 @@
 #include <string>
 
 #include <mchost/mdl/text.h>
-#include <mclib/app/input.hpp>
 #include <mclib/mclib.h>
+#include <mclib/app/input.hpp>
 
 namespace mcapp {
 

@@ -84,9 +84,10 @@ class Labels : public ApplicationTest {
 // ---- what is drawn ----
 
 TEST_F(Labels, EachFrameAndEachHeadIsDrawnInTheOrderOfAnArrow) {
-    const char* const frames[] = {"17 4", "3 17 17 4", "6 17 17 4", "6 17 17 4", "15 17 4", "3 17 17 4", "6 17 4", "6 17 4"};
-    const char* const heads[] = {"",    " 3 3", " 6",  " 6",   " 3 3", " 6", " 6", " 3 3", " 6",     " 6",
-                                 " 15", " 3 3", " 3",  " 6",   " 6",   " 15", " 16 16", " 3 3", " 6", " 6"};
+    const char* const frames[] = {"17 4",    "3 17 17 4", "6 17 17 4", "6 17 17 4",
+                                  "15 17 4", "3 17 17 4", "6 17 4",    "6 17 4"};
+    const char* const heads[] = {"",    " 3 3", " 6", " 6", " 3 3", " 6",  " 6",     " 3 3", " 6", " 6",
+                                 " 15", " 3 3", " 3", " 6", " 6",   " 15", " 16 16", " 3 3", " 6", " 6"};
     std::string lines = "HEAD none\n";
     for (size_t frame = 0; frame < std::size(frames); ++frame) {
         const bool two = std::string(frames[frame]).find("17 17") != std::string::npos;
@@ -139,8 +140,9 @@ TEST_F(Labels, SizesAreMillimetresOnPaper) {
 }
 
 TEST_F(Labels, ATextGoesOnTheWayThatItsLeaderComes) {
-    make("SCALE 100\nFRAME none\nHEAD none\nLABEL \"right\" 0 0 10 0\nLABEL \"left\" 0 0 -10 0\nANGLE 180\n"
-         "LABEL \"turned\" 0 5 10 5\n");
+    make(
+        "SCALE 100\nFRAME none\nHEAD none\nLABEL \"right\" 0 0 10 0\nLABEL \"left\" 0 0 -10 0\nANGLE 180\n"
+        "LABEL \"turned\" 0 5 10 5\n");
     const Drawing drawing(folder_ / "labels.mcd");
     EXPECT_GT(drawing.extent(0, 0).low.x, 10);
     EXPECT_LT(drawing.extent(1, 0).high.x, -10);
@@ -214,14 +216,16 @@ TEST_F(Labels, EachFaultIsToldWithItsPlace) {
         {"USE ARROW 1\n", "column 5: USE what? One of LINE, TEXT, HEAD"},
         {"USE LINE 5\n", "column 10: there is no attribute 5"},
         {"ATTRIBUTE 5 \"A\" 0 0 0 \"L\"\nUSE TEXT 5\n", "line 2, column 10: attribute 5 has no text size"},
-        {"ATTRIBUTE 5 \"A\" 0 0 0 \"L\"\nATTRIBUTE 5 \"B\" 0 0 0 \"L\"\n", "line 2, column 11: there is an attribute 5"},
+        {"ATTRIBUTE 5 \"A\" 0 0 0 \"L\"\nATTRIBUTE 5 \"B\" 0 0 0 \"L\"\n",
+         "line 2, column 11: there is an attribute 5"},
         {"ATTRIBUTE 5 \"A\" 0 0 9 \"L\"\n", "column 21: the line style must be 0 to 7"},
         {"ATTRIBUTE 5 \"A\" 0 0 0 \"L\" 3 3 256\n", "column 31: the font must be 0 to 255"},
         {"LABEL 0 0 10 10\n", "column 7: the label's text is missing: a text in double quotes"},
         {"LABEL \"\" 0 0 10 10\n", "column 7: the text is empty"},
         {"LABEL \"  \" \" \" 0 0 10 10\n", "column 7: the text is empty"},
         {"LABEL \"A 0 0 10 10\n", "column 7: the text has no closing quote"},
-        {"LABEL \"" + longest + "\" \"" + longest + "\" \"3\" 0 0 10 10\n", "column 7: the text has 513 characters; 512"},
+        {"LABEL \"" + longest + "\" \"" + longest + "\" \"3\" 0 0 10 10\n",
+         "column 7: the text has 513 characters; 512"},
         {"LABEL \"A\"\n", "column 10: x is missing"},
         {"LABEL \"A\" 0 0\n", "column 14: a label has two points at least"},
         {"LABEL \"A\" 0 0 10\n", "column 17: y is missing"},

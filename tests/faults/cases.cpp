@@ -16,6 +16,10 @@ constexpr const char* road =
 constexpr const char* cells =
     "[[cell]]\nname = \"MARK\"\ndraw = [\n  { line = [[0, 0], [10, 0]] },\n  { circle = [5, 5, 2.5] },\n]\n";
 constexpr const char* messages = "language = \"en\"\n[[list]]\nid = 1\n[list.text]\n1 = \"one %d\"\n2 = \"two\"\n";
+constexpr const char* roadLabels =
+    "SCALE 5000\nATTRIBUTE 1 \"Text\" 0 0 0 \"Labels\" 2.5 2.5\nUSE TEXT 1\n"
+    "LABEL \"Bridge\" \"L = 80.0 m\" 571871 6643058 571842 6643170\nLEADER 571946 6643085\n"
+    "FRAME circle\nHEAD dot 2\nLABEL \"1\" 571240 6642315 571126 6642366\n";
 constexpr const char* old = "an old file that is good\n";
 
 const std::string attributes = "apps/alignment/examples/attributes.txt";
@@ -57,6 +61,16 @@ const std::vector<Case>& cases() {
          {{"road.txt", road}},
          {},
          "mchost alignment road.txt --list --save-attributes looks.rsc"},
+        {"labels",
+         {},
+         {{"labels.txt", roadLabels}, {"l.mcd", old}, {"l.png", old}},
+         {},
+         "mchost labels labels.txt --out l --overwrite"},
+        {"labels-open",
+         {},
+         {{"labels.txt", roadLabels}},
+         {"mchost labels labels.txt --out l"},
+         "mchost --open l.mcd labels labels.txt --scale 2500"},
         {"show", {attributes}, {{"road.txt", road}}, {"mchost alignment road.txt --out g"}, "mchost show g.mcd"},
         {"formula",
          {"apps/formula/examples/prices.txt", "apps/formula/examples/trench.txt"},
