@@ -40,6 +40,14 @@ constexpr std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
+// Takes the first word out of the text, which is what stands behind it then, without the blanks around it.
+constexpr std::string_view takeWord(std::string_view& text) {
+    text = trimmed(text);
+    const std::string_view word = text.substr(0, std::min(text.find_first_of(" \t"), text.size()));
+    text = trimmed(text.substr(word.size()));
+    return word;
+}
+
 // The number that the text is from its first to its last character, "." being the decimal sign; of whole numbers the
 // base may follow.
 template <class Number, class... Base>

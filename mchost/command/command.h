@@ -15,10 +15,12 @@ const std::string& commandPrompt();  // Windows-1252
 // A number that no other command of the session has, also not the same one started anew; 0 is the default command.
 uint64_t commandSerial();
 
-// What the user does: points are UOR of the active model. False when no command runs, or there is no such view. A data
-// point moves the cursor to its place first, so that a command sees it in its dynamics.
+// What the user does: points are UOR of the active model, and are snapped by the modes that are on (snap.h). False when
+// no command runs, or there is no such view. A data point moves the cursor to its place first, so that a command sees
+// it in its dynamics.
+enum class Snapping { off, on };
 bool moveCursor(const Point3d& point, int32_t view);
-bool giveDataPoint(const Point3d& point, int32_t view);
+bool giveDataPoint(const Point3d& point, int32_t view, Snapping snapping = Snapping::on);
 bool giveReset();
 
 // What the dynamics of the command displayed at the last move of the cursor.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <span>
 #include <tuple>
 
 #include "mchost/element/geometry.h"
@@ -10,100 +9,98 @@
 #include "mchost/element/text.h"
 #include "mchost/mdl/transform.h"
 #include "mchost/model/design_file.h"
+#include "mchost/model/parts.h"
 #include "mchost/space/current.h"
 #include "mchost/view/area.h"
+#include "mchost/view/places.h"
 #include "mchost/view/seen.h"
 
 namespace host {
 namespace {
 
+Point3d flat(const Point3d& p) {
+    return {p.x, p.y, 0};
+}
+
+template <class Visit>
+void forEachCorner(const Range3d& r, Visit visit) {
+    for (const double x : {r.low.x, r.high.x}) {
+        for (const double y : {r.low.y, r.high.y}) {
+            for (const double z : {r.low.z, r.high.z}) visit(Point3d{x, y, z});
+        }
+    }
+}
+
+// The part of the model that lies behind a box of what is seen; nothing when there is no way back.
+std::optional<Range3d> windowBehind(Model& model, const Transform& toSeen, const Range3d& box) {
+    Transform fromSeen;
+    if (!invert(toSeen, fromSeen)) return std::nullopt;
+    RangeBuilder seen, window;
+    forEachCorner(rangesOf(model).bounds(), [&](const Point3d& p) { seen.add(applyToPoint(toSeen, p)); });
+    const double back = seen.range().low.z, front = seen.range().high.z;
+    forEachCorner({{box.low.x, box.low.y, back}, {box.high.x, box.high.y, front}},
+                  [&](const Point3d& p) { window.add(applyToPoint(fromSeen, p)); });
+    return window.range();
+}
+
+bool meets(const MSElementBuffer* element, const Range3d& window) {
+    Range3d range;
+    if (!elementRange(element, range)) return false;
+    const auto& [low, high] = range;
+    return low.x <= window.high.x && high.x >= window.low.x && low.y <= window.high.y && high.y >= window.low.y &&
+           low.z <= window.high.z && high.z >= window.low.z;
+}
+
+// Whether a point lies in the box of a text, whose corners go round it.
+bool isInBox(const Point3d& at, const std::vector<Point3d>& corners) {
+    bool left = true, right = true;
+    for (size_t i = 1; i < corners.size(); ++i) {
+        const double side = cross(corners[i] - corners[i - 1], at - corners[i - 1]).z;
+        left = left && side >= 0;
+        right = right && side <= 0;
+    }
+    return left || right;
+}
+
 // Looks at the elements of a model one by one.
 class Look {
   public:
-    Look(ModelRef& place, const Aim& aim) : model_(place.file->model), seen_(aim.view, model_), reach_(aim.reach) {
-        mdlTMatrix_fromRMatrix(&toSeen_, &viewRotation(aim.view));
+    Look(ModelRef& place, const Aim& aim)
+        : place_(place),
+          model_(place.file->model),
+          seen_(aim.view, model_),
+          reach_(aim.reach),
+          toSeen_(seenFrom(aim.view)) {
         at_ = flat(applyToPoint(toSeen_, aim.point));
         toSeen_ = toSeen_ * toMaster(place);
     }
 
     std::vector<Hit> hits() {
-        Transform fromSeen;
-        if (!invert(toSeen_, fromSeen)) return {};
-        const Range3d window = windowBehind(fromSeen);
+        const Range3d box = {{at_.x - reach_, at_.y - reach_, 0}, {at_.x + reach_, at_.y + reach_, 0}};
+        const auto window = windowBehind(model_, toSeen_, box);
+        if (!window) return {};
         std::vector<FilePos> found;
-        rangesOf(model_).search(window, found);
-        for (const FilePos position : found) takeParts(position, window);
-        std::ranges::sort(hits_, {}, [](const Hit& hit) { return std::tuple(hit.distance, hit.position, hit.number); });
+        rangesOf(model_).search(*window, found);
+        for (const FilePos position : found) takeParts(position, *window);
         return std::move(hits_);
     }
 
   private:
-    static Point3d flat(const Point3d& p) { return {p.x, p.y, 0}; }
-
-    // The part of the model around what is seen there, however deep it lies.
-    Range3d windowBehind(const Transform& fromSeen) {
-        RangeBuilder seen;
-        forEachCorner(rangesOf(model_).bounds(), [&](const Point3d& p) { seen.add(applyToPoint(toSeen_, p)); });
-        const double back = seen.range().low.z, front = seen.range().high.z;
-        RangeBuilder window;
-        forEachCorner({{at_.x - reach_, at_.y - reach_, back}, {at_.x + reach_, at_.y + reach_, front}},
-                      [&](const Point3d& p) { window.add(applyToPoint(fromSeen, p)); });
-        return window.range();
-    }
-
-    template <class Visit>
-    static void forEachCorner(const Range3d& r, Visit visit) {
-        for (const double x : {r.low.x, r.high.x}) {
-            for (const double y : {r.low.y, r.high.y}) {
-                for (const double z : {r.low.z, r.high.z}) visit(Point3d{x, y, z});
-            }
-        }
-    }
-
     void takeParts(FilePos position, const Range3d& window) {
         uint32_t number = 0;
         forEachNode(model_.elements.record(position), [&](const StoredNode& node) {
             const uint32_t its = number++;
             if (!seen_(node.element->head) || !meets(node.element, window)) return;
             const std::optional<double> distance = distanceTo(node.element);
-            if (distance && *distance <= reach_) hits_.push_back({position, its, *distance});
+            if (distance && *distance <= reach_) hits_.push_back({&place_, position, its, *distance});
         });
     }
 
-    static bool meets(const MSElementBuffer* element, const Range3d& window) {
-        Range3d range;
-        if (!elementRange(element, range)) return false;
-        const auto& [low, high] = range;
-        return low.x <= window.high.x && high.x >= window.low.x && low.y <= window.high.y && high.y >= window.low.y &&
-               low.z <= window.high.z && high.z >= window.low.z;
-    }
-
     std::optional<double> distanceTo(const MSElementBuffer* element) {
-        points_.clear();
-        const std::optional<TextView> text = textOf(element);
-        if (text) return text->body.count != 0 ? std::optional(distanceTo(textBox(*text))) : std::nullopt;
         constexpr double fine = 0.1;
-        if (!strokeElement(points_, element, fine * reach_, toSeen_)) return std::nullopt;
+        if (!outlineOf(points_, element, fine * reach_, toSeen_)) return std::nullopt;
         for (Point3d& p : points_) p = flat(p);
-        return distanceToLine();
-    }
-
-    // 0 in a text.
-    double distanceTo(const TextBox& box) {
-        for (const Point3d& p : {box.lowerLeft, box.lowerLeft + box.along, box.lowerLeft + box.along + box.up,
-                                 box.lowerLeft + box.up, box.lowerLeft}) {
-            points_.push_back(flat(applyToPoint(toSeen_, p)));
-        }
-        bool left = true, right = true;
-        for (size_t i = 1; i < points_.size(); ++i) {
-            const double side = cross(points_[i] - points_[i - 1], at_ - points_[i - 1]).z;
-            left = left && side >= 0;
-            right = right && side <= 0;
-        }
-        return left || right ? 0 : distanceToLine();
-    }
-
-    double distanceToLine() const {
+        if (element->head.type == MDL_TEXT && isInBox(at_, points_)) return 0;
         double nearest = distance(at_, points_.front());
         for (size_t i = 1; i < points_.size(); ++i) {
             nearest = std::min(nearest, distance(at_, nearestOnSegment(at_, points_[i - 1], points_[i])));
@@ -111,14 +108,20 @@ class Look {
         return nearest;
     }
 
+    ModelRef& place_;
     Model& model_;
     Seen seen_;
     double reach_;
-    Transform toSeen_;  // from the model to the axes of the view
+    Transform toSeen_;  // from the model to what is seen
     Point3d at_;        // seen, without depth
     std::vector<Point3d> points_;
     std::vector<Hit> hits_;
 };
+
+void sortByDistance(std::vector<Hit>& hits) {
+    std::ranges::stable_sort(hits, {},
+                             [](const Hit& hit) { return std::tuple(hit.distance, hit.position, hit.number); });
+}
 
 }  // namespace
 
@@ -127,8 +130,49 @@ Aim aimAt(const Point3d& point, int32_t view) {
     return {point, view, pixels * viewPixelSize(view)};
 }
 
+const MSElementBuffer* Hit::element() const {
+    return nodeOf(place->file->model.elements.record(position), number);
+}
+
 std::vector<Hit> hitsAt(ModelRef& place, const Aim& aim) {
-    return place.file ? Look(place, aim).hits() : std::vector<Hit>{};
+    std::vector<Hit> hits = place.file ? Look(place, aim).hits() : std::vector<Hit>{};
+    sortByDistance(hits);
+    return hits;
+}
+
+std::vector<Hit> hitsAnywhere(const Aim& aim) {
+    std::vector<Hit> hits;
+    for (const ShownPlace& shown : shownPlaces(aim.view)) {
+        const std::vector<Hit> its = hitsAt(*shown.place, aim);
+        hits.insert(hits.end(), its.begin(), its.end());
+    }
+    sortByDistance(hits);
+    return hits;
+}
+
+Transform seenFrom(int32_t view) {
+    Transform toSeen;
+    mdlTMatrix_fromRMatrix(&toSeen, &viewRotation(view));
+    return toSeen;
+}
+
+std::vector<FilePos> elementsBehind(Model& model, const Transform& toSeen, const Range3d& seen) {
+    std::vector<FilePos> found;
+    if (const auto window = windowBehind(model, toSeen, seen)) rangesOf(model).search(*window, found);
+    std::ranges::sort(found);
+    return found;
+}
+
+bool outlineOf(std::vector<Point3d>& points, const MSElementBuffer* element, double tolerance,
+               const Transform& transform) {
+    points.clear();
+    const std::optional<TextView> text = textOf(element);
+    if (!text) return strokeElement(points, element, tolerance, transform);
+    if (text->body.count == 0) return false;
+    const auto [corner, along, up] = textBox(*text);
+    for (const Point3d& p : {corner, corner + along, corner + along + up, corner + up, corner})
+        points.push_back(applyToPoint(transform, p));
+    return true;
 }
 
 }  // namespace host

@@ -6,7 +6,9 @@
 #include <string>
 
 #include "mchost/base/charset.h"
+#include "mchost/base/words.h"
 #include "mchost/command/command.h"
+#include "mchost/command/overlay.h"
 #include "mchost/dialog/dialog.h"
 #include "mchost/mdl/state.h"
 #include "mchost/mdl/transform.h"
@@ -41,7 +43,7 @@ std::optional<Number> takeNumber(std::string_view& text) {
     return value;
 }
 
-std::optional<CommandInput> pointIn(std::string_view text) {
+std::optional<CommandInput> placeIn(std::string_view text, CommandInput::Kind kind) {
     const auto x = takeNumber<double>(text);
     const auto y = x && skip(text, ',') ? takeNumber<double>(text) : std::nullopt;
     const bool three = y && skip(text, ',');
@@ -51,7 +53,7 @@ std::optional<CommandInput> pointIn(std::string_view text) {
     const auto view = text.empty() ? std::optional(1) : takeNumber<int32_t>(text);
     skipBlanks(text);
     if (!text.empty() || !view || !isView(*view - 1)) return std::nullopt;
-    return CommandInput{CommandInput::Kind::point, {*x, *y, *z}, *view - 1};
+    return CommandInput{kind, {*x, *y, *z}, *view - 1};
 }
 
 bool isForCommand(const KeyIn& keyIn) {
@@ -68,6 +70,7 @@ void leaveCommand() {
 bool follow(const CommandInput& input) {
     switch (input.kind) {
         case CommandInput::Kind::point: return giveDataPoint(inUor(input.point), input.view);
+        case CommandInput::Kind::move: return moveCursor(inUor(input.point), input.view);
         case CommandInput::Kind::reset: return giveReset();
         case CommandInput::Kind::end: leaveCommand(); return true;
     }
@@ -125,6 +128,7 @@ bool serveWhile(bool (*isToGoOn)()) {
             return quits;
         }
         if (!std::visit(CarryOut{}, event)) tellRefused(event);
+        tellWhatIsSeen();
     }
     return true;
 }
@@ -136,7 +140,8 @@ std::optional<CommandInput> commandInputIn(std::string_view line) {
     while (!line.empty() && (line.back() == ' ' || line.back() == '\t' || line.back() == '\r')) line.remove_suffix(1);
     if (line.empty() || line == "r" || line == resetKeyIn) return CommandInput{CommandInput::Kind::reset};
     if (line == "end") return CommandInput{CommandInput::Kind::end};
-    return pointIn(line);
+    if (std::string_view rest = line; takeWord(rest) == "move") return placeIn(rest, CommandInput::Kind::move);
+    return placeIn(line, CommandInput::Kind::point);
 }
 
 Point3d inUor(const Point3d& masterUnits) {

@@ -10,13 +10,13 @@
 namespace host {
 
 struct CommandInput {
-    enum class Kind { point, reset, end } kind;
+    enum class Kind { point, move, reset, end } kind;
     Point3d point{};   // master units
     int32_t view = 0;  // 0 to 7
 };
 
-// "x,y[,z] [view]" with the view from 1 to 8, which is 1 when it isn't given; "reset", "r" or nothing; or "end".
-// Nothing for what can't be read.
+// "x,y[,z] [view]" with the view from 1 to 8, which is 1 when it isn't given, and the same behind "move" for the
+// cursor; "reset", "r" or nothing; or "end". Nothing for what can't be read.
 std::optional<CommandInput> commandInputIn(std::string_view line);
 
 // Of the active model.

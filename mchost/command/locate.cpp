@@ -10,8 +10,6 @@
 #include "mchost/command/hits.h"
 #include "mchost/command/running.h"
 #include "mchost/mdl/locate.h"
-#include "mchost/mdl/owned.hpp"
-#include "mchost/mdl/reference.h"
 #include "mchost/mdl/system.h"
 #include "mchost/model/open_files.h"
 #include "mchost/model/parts.h"
@@ -61,19 +59,6 @@ std::optional<Refusal> refusalOf(const DesignFile& file, FilePos position) {
     return rules().noLocked && !file.takesChanges() ? std::optional(Refusal::readOnly) : std::nullopt;
 }
 
-bool isAttachedThere(const Aim& aim) {
-    ModelRefIterator* references = nullptr;
-    if (mdlModelRefIterator_create(&references, nullptr, MDL_ITERATE_REFERENCES, 0) != MDL_SUCCESS) return false;
-    bool found = false;
-    for (ModelRef* place = mdlModelRefIterator_getFirst(references); place && !found;
-         place = mdlModelRefIterator_getNext(references)) {
-        const Attachment* how = attachmentOf(*place);
-        if (how && how->shown && !how->hidden) found = !hitsAt(*place, aim).empty();
-    }
-    mdlModelRefIterator_free(&references);
-    return found;
-}
-
 // Asks the post-locate function about what is located. Another command may run afterwards.
 bool passesPostLocate() {
     if (!rules().post) return true;
@@ -118,6 +103,10 @@ void forgetLocated() {
     setLocated({});
 }
 
+bool isLocated() {
+    return located().model != 0;
+}
+
 bool snapsToLocate() {
     return rules().snaps;
 }
@@ -130,7 +119,7 @@ bool locateAt(const Point3d& point, int32_t view) {
     std::optional<Refusal> refusal = Refusal::nothingThere;
     if (place) refusal = takeFirst(*place->file, hitsAt(*place, aim));
     if (!refusal) return isStill(run);
-    if (refusal == Refusal::nothingThere && isAttachedThere(aim)) refusal = Refusal::attached;
+    if (refusal == Refusal::nothingThere && !hitsAnywhere(aim).empty()) refusal = Refusal::attached;
     tell(*refusal);
     return false;
 }

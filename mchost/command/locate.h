@@ -11,6 +11,7 @@ namespace host {
 void forgetLocateRules();
 // Nothing is located any more.
 void forgetLocated();
+bool isLocated();  // and still there
 // Whether points that are to locate an element are snapped.
 bool snapsToLocate();
 

@@ -6,11 +6,13 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/command/command.h"
+#include "mchost/command/selection.h"
 #include "mchost/element/range.h"
 #include "mchost/model/model_ref.h"
 #include "mchost/model/parts.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/session/session.h"
+#include "mchost/space/view.h"
 
 namespace host {
 namespace {
@@ -26,10 +28,20 @@ ModelTime now() {
     return model ? ModelTime{model->serial, model->elements.usedBytes(), model->attachmentChanges} : ModelTime{};
 }
 
+// What decides on what is seen.
+struct Look {
+    ModelTime model;
+    ElementPart located;
+    uint64_t selection = 0, overlay = 0;
+    bool operator==(const Look&) const = default;
+};
+
 struct OverlayState {
     Overlay overlay;
     ModelTime asOf;
+    uint64_t changes = 0;
     bool keepsDynamics = false;
+    Look told;
 };
 
 // Without what a change of the model has taken away.
@@ -39,6 +51,7 @@ OverlayState& state() {
         kept.overlay.erased.clear();
         kept.overlay.drawn.clear();
         kept.asOf = time;
+        ++kept.changes;
     }
     return kept;
 }
@@ -94,6 +107,7 @@ mdl::DescrPtr copyAlone(const ElementDescr& ed) {
 
 void show(const ElementDescr& ed, int32_t drawMode) {
     OverlayState& kept = state();
+    ++kept.changes;
     switch (drawMode) {
         case MDL_DRAW:
             if (commandRuns()) kept.overlay.drawn.push_back({copyAlone(ed), false});
@@ -127,15 +141,26 @@ const Overlay& overlay() {
 
 bool isHighlighted(FilePos position) {
     const ElementPart part = located();
-    return part.position == position && part.model == activeModelSerial();
+    return isSelected(position) || (part.position == position && part.model == activeModelSerial());
+}
+
+void tellWhatIsSeen() {
+    OverlayState& kept = state();
+    const Look look{kept.asOf, located(), selectionChanges(), kept.changes};
+    if (std::exchange(kept.told, look) != look) tellViewsChanged();
 }
 
 void clearOverlay() {
-    state().overlay = {};
+    OverlayState& kept = state();
+    if (kept.overlay.erased.empty() && kept.overlay.drawn.empty() && kept.overlay.dynamics.empty()) return;
+    kept.overlay = {};
+    ++kept.changes;
 }
 
 void clearDynamics() {
-    state().overlay.dynamics.clear();
+    std::vector<mdl::DescrPtr>& dynamics = state().overlay.dynamics;
+    if (!dynamics.empty()) ++state().changes;
+    dynamics.clear();
 }
 
 void keepDynamics(bool on) {

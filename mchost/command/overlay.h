@@ -33,8 +33,11 @@ struct Overlay {
 };
 // As it is now.
 const Overlay& overlay();
-// Whether an element of the active model is to be seen highlighted, with all of its components.
+// Whether an element of the active model is to be seen highlighted, with all of its components: it is located or
+// selected.
 bool isHighlighted(FilePos position);
+// Has the front end show its views anew when what is seen there isn't what it was the last time.
+void tellWhatIsSeen();
 
 // ---- for the files of this room ----
 

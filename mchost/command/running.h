@@ -5,6 +5,7 @@
 #include <string>
 
 #include "mchost/mdl/state.h"
+#include "mchost/session/session.h"
 
 namespace host {
 
@@ -31,12 +32,26 @@ struct Command {
     MdlResetFunction reset = nullptr, restart = nullptr;
     MdlDynamicsFunction dynamics = nullptr;
     ModifyFunctions modify = {};
-    std::string name = {};    // the command message; Windows-1252
-    std::string prompt = {};  // as it is now
-    std::string given = {};   // the prompt message, which a restart shows again
+    std::string message = {};  // the command message; Windows-1252
+    std::string name = {};     // of its steps: the command message, or the name of the command that has started it
+    std::string prompt = {};   // as it is now
+    std::string given = {};    // the prompt message, which a restart shows again
 };
 
 Command& runningCommand();
+
+// A turn of the command: what its functions change is one step that has the command's name. A command without a message
+// that is started meanwhile goes on with that name.
+class Turn {
+  public:
+    Turn();
+    ~Turn();
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+  private:
+    ApplicationScope whole_{nullptr};
+};
 
 // One run of a command: a restart begins another.
 struct RunId {

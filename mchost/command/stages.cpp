@@ -4,7 +4,7 @@
 #include "mchost/command/locate.h"
 #include "mchost/command/overlay.h"
 #include "mchost/command/running.h"
-#include "mchost/mdl/undo.h"
+#include "mchost/command/snap.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/session/session.h"
 #include "mchost/space/vector.h"
@@ -24,18 +24,6 @@ void publish(const Point3d& point, int32_t view) {
     sessionState<PublishedData>();
     data = {point, view};
 }
-
-// A turn of the command: what its functions change is one step that has the name of the command.
-class Turn {
-  public:
-    Turn() { mdlUndo_mark(runningCommand().name.c_str()); }
-    ~Turn() { mdlUndo_mark(nullptr); }
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
-
-  private:
-    ApplicationScope whole_{nullptr};
-};
 
 // Calls a function of the command, as its application. The command may be another one afterwards.
 template <class Function, class... Arguments>
@@ -98,27 +86,41 @@ void resetOrEnd() {
         startDefault();
 }
 
-}  // namespace
-
-bool moveCursor(const Point3d& point, int32_t view) {
-    if (!commandRuns() || !isView(view) || !isFinite(point)) return false;
-    publish(point, view);
-    callDynamics(point, view);
+// A command runs, and what it follows is there: it locates again when that was deleted.
+bool isReady() {
+    if (!commandRuns()) return false;
+    if (runningCommand().stage == Command::Stage::following && !isLocated()) locateAgain();
     return true;
 }
 
-bool giveDataPoint(const Point3d& point, int32_t view) {
-    if (!moveCursor(point, view) || !commandRuns()) return false;
+bool moveTo(const Point3d& point, int32_t view, Snapping snapping) {
+    if (!isReady() || !isView(view) || !isFinite(point)) return false;
+    const bool snaps = runningCommand().stage != Command::Stage::locating || snapsToLocate();
+    const Point3d place = snapping == Snapping::on && snaps ? snapped(point, view) : point;
+    publish(place, view);
+    callDynamics(place, view);
+    return true;
+}
+
+}  // namespace
+
+bool moveCursor(const Point3d& point, int32_t view) {
+    return moveTo(point, view, Snapping::on);
+}
+
+bool giveDataPoint(const Point3d& point, int32_t view, Snapping snapping) {
+    if (!moveTo(point, view, snapping) || !commandRuns()) return false;
     clearDynamics();
+    const Point3d given = data.point;
     if (runningCommand().stage == Command::Stage::locating)
-        locate(point, view);
+        locate(given, view);
     else
-        accept(point, view);
+        accept(given, view);
     return true;
 }
 
 bool giveReset() {
-    if (!commandRuns()) return false;
+    if (!isReady()) return false;
     if (runningCommand().stage == Command::Stage::following)
         letGo();
     else

@@ -8,6 +8,7 @@
 #include "mchost/command/running.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
+#include "mchost/mdl/undo.h"
 #include "mchost/model/model_ref.h"
 #include "mchost/session/owned_state.h"
 #include "mchost/session/session.h"
@@ -19,6 +20,7 @@ struct CommandState {
     Command running;
     uint64_t lastSerial = 0;
     uint64_t run = 0;  // how often commands began so far, restarts counted too
+    int turns = 0;     // that haven't come back
 };
 
 CommandState& state() {
@@ -40,7 +42,7 @@ std::string message(int32_t list, int32_t number) {
 
 void showMessages() {
     const Command& running = state().running;
-    if (!running.name.empty()) mdlOutput_printf(MDL_FIELD_COMMAND, "%s", running.name.c_str());
+    if (!running.message.empty()) mdlOutput_printf(MDL_FIELD_COMMAND, "%s", running.message.c_str());
     if (!running.given.empty()) showPrompt(running.given);
 }
 
@@ -56,11 +58,13 @@ void endCommandOf(MdlDesc* application) {
 }
 
 void start(Command command, int32_t commandMessage, int32_t promptMessage) {
+    command.owner = mdlSystem_getCurrMdlDesc();
+    command.message = message(MDL_COMMAND_MESSAGES, commandMessage);
+    const bool goesOn = command.message.empty() && state().turns > 0 && state().running.owner == command.owner;
+    command.name = goesOn ? state().running.name : command.message;
     startDefault();
     command.serial = ++state().lastSerial;
-    command.owner = mdlSystem_getCurrMdlDesc();
     command.model = activeModelSerial();
-    command.name = message(MDL_COMMAND_MESSAGES, commandMessage);
     command.given = message(MDL_PROMPT_MESSAGES, promptMessage);
     state().running = std::move(command);
     letGoAtEnd<endCommandOf>(state().running.owner);
@@ -71,6 +75,16 @@ void start(Command command, int32_t commandMessage, int32_t promptMessage) {
 
 Command& runningCommand() {
     return state().running;
+}
+
+Turn::Turn() {
+    ++state().turns;
+    mdlUndo_mark(state().running.name.c_str());
+}
+
+Turn::~Turn() {
+    --state().turns;
+    mdlUndo_mark(nullptr);
 }
 
 RunId currentRun() {
@@ -95,7 +109,7 @@ void startDefault() {
     beginRun();
     forgetLocateRules();
     const Command before = std::exchange(state().running, {});
-    if (!before.name.empty()) mdlOutput_printf(MDL_FIELD_COMMAND, "%s", "");
+    if (!before.message.empty()) mdlOutput_printf(MDL_FIELD_COMMAND, "%s", "");
     if (!before.prompt.empty()) showPrompt("");
 }
 

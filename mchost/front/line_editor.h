@@ -1,7 +1,6 @@
 // A line typed at a terminal, with editing keys, completion and the lines before it. Everything is UTF-8.
 #pragma once
 
-#include <cstdio>
 #include <functional>
 #include <optional>
 #include <string>
@@ -10,6 +9,11 @@
 #include <vector>
 
 namespace host {
+
+// Of a character of UTF-8.
+inline bool isContinuation(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
 
 // What can stand for the text before the cursor.
 struct Completion {
@@ -33,7 +37,8 @@ struct LineHelp {
 // suspends.
 class LineEdit {
   public:
-    explicit LineEdit(const LineHelp& help) : help_(help) {}
+    explicit LineEdit(const LineHelp& help) : help_(&help) {}
+    void helpBy(const LineHelp& help) { help_ = &help; }  // from now on
 
     enum class State { typing, done, givenUp, interrupted, suspended };
     State key(char byte);
@@ -51,7 +56,7 @@ class LineEdit {
     void right();
     void eraseBefore(size_t begin);
 
-    const LineHelp& help_;
+    const LineHelp* help_;
     std::string text_;
     size_t cursor_ = 0;
     size_t recalled_ = 0;   // 0: the line itself; else the place in the history, from 1
@@ -59,12 +64,5 @@ class LineEdit {
     std::string sequence_;  // a key's bytes so far, from its escape on
     std::vector<std::string> choices_;
 };
-
-// Whether lines can be edited: both are one terminal that isn't a dumb one.
-bool canEditLines(std::FILE* input, std::FILE* output);
-
-// Reads a line behind `prompt`. Nothing when the user gives up or the terminal ends; Ctrl-C also raises SIGINT. The
-// terminal is as it was afterwards.
-std::optional<std::string> editLine(std::FILE* input, std::FILE* output, std::string_view prompt, const LineHelp& help);
 
 }  // namespace host

@@ -19,7 +19,7 @@
 #include "mchost/front/dialog_text.h"
 #include "mchost/front/dialog_words.h"
 #include "mchost/front/file_question.h"
-#include "mchost/front/line_editor.h"
+#include "mchost/front/line_input.h"
 #include "mchost/mdl/system.h"
 
 namespace host {
@@ -27,9 +27,8 @@ namespace host {
 namespace {
 
 constexpr std::string_view pointHelp =
-    "Give x,y or x,y,z in master units, and a view from 2 to 8 behind it unless it is view 1; an empty line resets, "
-    "and "
-    "\"end\" ends the command.\n";
+    "Give x,y or x,y,z in master units, and a view from 2 to 8 behind it unless it is view 1; \"move x,y\" moves the "
+    "cursor alone, an empty line resets, and \"end\" ends the command.\n";
 
 std::string helpOnHostWords() {
     std::string help;
@@ -82,7 +81,8 @@ class TerminalFrontEnd : public FrontEnd {
         : answers_(linesOf(options.answersFile)),
           asks_(options.ask || options.asks.value_or(isatty(fileno(options.input)))),
           showsProgress_(!options.write && options.showsProgress.value_or(isatty(fileno(options.errors)))),
-          options_(std::move(options)) {}
+          options_(std::move(options)),
+          input_(options_.input, options_.errors, [this](const std::string& text) { write(false, text); }) {}
     ~TerminalFrontEnd() override { endProgress(); }
 
     bool attended() const override { return !scripted_ && answers_.empty() && !options_.yes && asks_; }
@@ -94,6 +94,7 @@ class TerminalFrontEnd : public FrontEnd {
 
     void messageField(int field, std::string_view text) override {
         if (field == MDL_FIELD_ERROR && !text.empty()) tell(std::string(text) + "\n");
+        if (field == MDL_FIELD_COMMAND && std::exchange(command_, text) != text && !text.empty()) show(command_ + "\n");
         if ((field != MDL_FIELD_MESSAGE && field != MDL_FIELD_STATUS) || !showsProgress_) return;
         std::fprintf(options_.errors, "\r%s\x1b[K", printable(std::string(text), " ").c_str());
         std::fflush(options_.errors);
@@ -108,11 +109,19 @@ class TerminalFrontEnd : public FrontEnd {
         if (const auto* done = std::get_if<DialogEvent>(&event)) refuse(complaintOf(*done) + "\n");
     }
 
-    Event wait(const Awaited& awaited, std::optional<std::chrono::milliseconds>) override {
-        return std::visit([this](const auto& asked) { return next(asked); }, awaited);
+    Event wait(const Awaited& awaited, std::optional<std::chrono::milliseconds> limit) override try {
+        limit_ = limit;
+        Event event = std::visit([this](const auto& asked) { return next(asked); }, awaited);
+        led_.clear();
+        return event;
+    } catch (const TimeOver&) {
+        return Nothing{};
     }
 
   private:
+    // Thrown while a line is read: the question stands, and is asked on with the next wait.
+    struct TimeOver {};
+
     // ---- what is asked for, each with the event that answers it ----
 
     Event next(const Note&) {
@@ -139,7 +148,7 @@ class TerminalFrontEnd : public FrontEnd {
         if (!dialog) return Quit{};
         present(*dialog);
         if (dialog->ended()) return Nothing{};
-        if (openDialogs().size() > 1) show(windowList(*dialog));
+        if (openDialogs().size() > 1) lead(windowList(*dialog));
         if (const auto answer = askAbout(*dialog)) return meantBy(*dialog, *answer);
         // In an unattended run the dialog stays until commands that the button starts have been served.
         const auto button = options_.yes && !wasPressed(*dialog) ? firstButton(*dialog) : std::nullopt;
@@ -149,7 +158,7 @@ class TerminalFrontEnd : public FrontEnd {
     // A point or a reset, or something for the window that is open beside the command.
     Event nextForCommand(const AnyEvent& any) {
         if (const auto used = std::exchange(used_, {}).lock(); used && !used->ended()) present(*used);
-        show(any.prompt + "\n");
+        if (!any.prompt.empty()) lead(any.prompt + "\n");
         while (const auto answer = nextAnswer("x,y[,z] [view] > ")) {
             if (!isCallForHelp(*answer)) return meantForCommand(*answer);
             show(std::string(pointHelp) + (openDialogs().empty() ? "" : "Any other answer goes to the open window:\n"));
@@ -178,13 +187,14 @@ class TerminalFrontEnd : public FrontEnd {
         }
         switch (input->kind) {
             case CommandInput::Kind::point: return DataPoint{inUor(input->point), input->view};
+            case CommandInput::Kind::move: return CursorMove{inUor(input->point), input->view};
             case CommandInput::Kind::reset: return Reset{};
             default: return CommandEnd{};
         }
     }
 
     Event next(const FileQuestion& question) {
-        show(textOf(question));
+        lead(textOf(question));
         if (!question.complaint.empty()) mdlSystem_noteFailure();
         const LineHelp help{[&](std::string_view typed) { return completeFileName(question, typed); },
                             question.remembered};
@@ -203,7 +213,7 @@ class TerminalFrontEnd : public FrontEnd {
     }
 
     Event next(const Confirmation& confirmation) {
-        show(confirmation.question + "\n");
+        lead(confirmation.question + "\n");
         if (const auto answer = nextAnswer("[no] y/n > ")) {
             const std::string_view word = trimmed(*answer);
             return Agreement{!word.empty() && std::string_view("yYjJ").find(word[0]) != std::string_view::npos};
@@ -278,7 +288,13 @@ class TerminalFrontEnd : public FrontEnd {
         write(false, printable(std::move(text)));
     }
 
+    // What stands above a question: once, however often the question is asked on.
+    void lead(const std::string& text) {
+        if (std::exchange(led_, text) != text) show(text);
+    }
+
     void write(bool console, const std::string& text) {
+        input_.makeRoom();
         if (options_.write) return options_.write(console, text);
         std::FILE* const stream = console ? options_.output : options_.errors;
         std::fwrite(text.data(), 1, text.size(), stream);
@@ -310,21 +326,22 @@ class TerminalFrontEnd : public FrontEnd {
         }
         if (options_.yes || !asks_) return std::nullopt;
         if (options_.ask) return askOutside(question);
-        if (canEditLines(options_.input, options_.errors)) {
-            endProgress();
-            auto line = editLine(options_.input, options_.errors, printable(question), help);
-            gaveUp_ = !line;
-            if (line && !trimmed(*line).empty()) history_.insert(history_.begin(), *line);
-            return line;
+        return readLine(printable(question), help);
+    }
+
+    std::optional<std::string> readLine(const std::string& question, const LineHelp& help) {
+        endProgress();
+        switch (input_.read(question, help, limit_)) {
+            case LineInput::Read::line: break;
+            case LineInput::Read::givenUp: gaveUp_ = true; return std::nullopt;
+            case LineInput::Read::timeOver: throw TimeOver();
+            default:
+                show("\n");
+                asks_ = false;
+                return std::nullopt;
         }
-        show(question);
-        std::string line;
-        int c;
-        while ((c = std::fgetc(options_.input)) != EOF && c != '\n') line.push_back(static_cast<char>(c));
-        if (c != EOF || !line.empty()) return line;
-        show("\n");
-        asks_ = false;
-        return std::nullopt;
+        if (!trimmed(input_.line()).empty()) history_.insert(history_.begin(), input_.line());
+        return input_.line();
     }
 
     std::optional<std::string> askOutside(const std::string& question) {
@@ -406,17 +423,21 @@ class TerminalFrontEnd : public FrontEnd {
     bool asks_;
     bool showsProgress_;
     bool progressShown_ = false;
-    bool scripted_ = false;                       // the last answer came from the file
-    bool gaveUp_ = false;                         // the user left the last question without an answer
-    uint64_t pointedAt_ = 0;                      // the command that an unattended run gave its one point
-    std::weak_ptr<Dialog> turnedTo_;              // of the dialogs that aren't modal
-    std::string told_;                            // messages since the last answer
-    std::vector<std::string> history_;            // answers that were typed, the latest first
-    std::vector<ShownDialog> shown_;              // what was shown of the dialogs that are open
-    std::weak_ptr<Dialog> presented_;             // the last one shown
-    std::weak_ptr<Dialog> used_;                  // the one that an answer went to while a command waited
-    std::vector<std::weak_ptr<Dialog>> pressed_;  // those whose first button an unattended run has pressed
+    bool scripted_ = false;                           // the last answer came from the file
+    bool gaveUp_ = false;                             // the user left the last question without an answer
+    std::string command_;                             // the command message that is shown
+    uint64_t pointedAt_ = 0;                          // the command that an unattended run gave its one point
+    std::weak_ptr<Dialog> turnedTo_;                  // of the dialogs that aren't modal
+    std::string told_;                                // messages since the last answer
+    std::vector<std::string> history_;                // answers that were typed, the latest first
+    std::vector<ShownDialog> shown_;                  // what was shown of the dialogs that are open
+    std::weak_ptr<Dialog> presented_;                 // the last one shown
+    std::weak_ptr<Dialog> used_;                      // the one that an answer went to while a command waited
+    std::vector<std::weak_ptr<Dialog>> pressed_;      // those whose first button an unattended run has pressed
+    std::string led_;                                 // what stands above the question that is being asked
+    std::optional<std::chrono::milliseconds> limit_;  // of the wait
     TerminalOptions options_;
+    LineInput input_;
 };
 
 }  // namespace

@@ -26,7 +26,8 @@ typedef void (*MdlDynamicsFunction)(Point3d *point, int32_t view, int32_t drawMo
 typedef void (*MdlStateFunction)(void); /* any of them, cast */
 
 /* The string lists of an application that hold its command messages and its prompts. What a command does at a data
- * point or a reset can be taken back as one step, which has its command message for a name (undo.h). */
+ * point or a reset can be taken back as one step (undo.h), which has its command message for a name; a command without
+ * one that a function of another command starts has the name of that. */
 enum { MDL_COMMAND_MESSAGES = 1, MDL_PROMPT_MESSAGES = 2 };
 
 /* Starts a command of the current application, in place of the one that runs: it has a data point function, and no
@@ -39,7 +40,8 @@ MDL_EXPORT int mdlState_startPrimitive(MdlDataPointFunction dataPoint, MdlResetF
  * the rules of locate.h, which are given behind this call; a point that means none is told, and the next one is waited
  * for. The element is highlighted, `show` is called, and from then on `dynamics` at each move of the cursor. The next
  * data point accepts: `clean` is called, then `accept` with the point. An accept function that doesn't restart the
- * command or start another one is called again at the next data point; without one the command locates again.
+ * command or start another one is called again at the next data point; without one, and when the element was deleted,
+ * the command locates again.
  * A reset while an element is located calls `clean` and `reset`, and when neither starts anything else the command
  * locates again. A reset while it locates calls `reset`, and ends it when that is null. All functions may be null, and
  * mdlState_setFunction sets those of a data point (accept), a reset and dynamics until the command locates again. */

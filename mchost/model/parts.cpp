@@ -26,7 +26,7 @@ ElementRef* referenceTo(uint64_t model, FilePos position) {
 struct Referred {
     uint64_t serial;
     FilePos position;
-    const Model* model;                       // null: it isn't open any more
+    const Model* model;                        // null: it isn't open any more
     const MSElementBuffer* element = nullptr;  // null: there is none any more
 };
 

@@ -52,14 +52,6 @@ std::string quoted(std::string_view text) {
     return "\"" + std::string(text) + "\"";
 }
 
-// Takes the first word out of the text.
-std::string_view takeWord(std::string_view& text) {
-    text = trimmed(text);
-    const std::string_view word = text.substr(0, std::min(text.find_first_of(" \t"), text.size()));
-    text = trimmed(text.substr(word.size()));
-    return word;
-}
-
 std::string_view takeLastWord(std::string_view& text) {
     const size_t blank = text.find_last_of(" \t");
     const std::string_view word = blank == std::string_view::npos ? text : text.substr(blank + 1);

@@ -1,114 +1,22 @@
 // Modify commands: locating, what is called when, and what is seen meanwhile.
 #include <gmock/gmock.h>
 
-#include <functional>
-
-#include "mchost/command/command.h"
-#include "mchost/command/hits.h"
 #include "mchost/command/overlay.h"
-#include "mchost/mdl/locate.h"
 #include "mchost/mdl/modify.h"
-#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/reference.h"
-#include "mchost/mdl/state.h"
+#include "mchost/mdl/resource.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
 #include "mchost/mdl/undo.h"
-#include "mchost/mdl/view.h"
 #include "mchost/model/parts.h"
-#include "tests/mchost/model/model_fixture.h"
+#include "mchost/resource/container.h"
+#include "tests/mchost/command/modify_fixture.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-// What the functions of the command under test were called with, and what they do beside it.
-struct Calls {
-    std::vector<std::string> seen;
-    std::function<void()> inShow, inClean, inAccept, inReset;
-    std::function<int(const MSElementBuffer*, ModelRef*, FilePos)> post;
-};
-Calls calls;
-
-void note(const std::string& what, const std::function<void()>& doing) {
-    calls.seen.push_back(what);
-    if (doing) doing();
-}
-void show() {
-    note("show", calls.inShow);
-}
-void clean() {
-    note("clean", calls.inClean);
-}
-void accept(Point3d* point, int32_t view) {
-    note("accept " + std::to_string(std::lround(point->x)) + " " + std::to_string(view), calls.inAccept);
-}
-void reset() {
-    note("reset", calls.inReset);
-}
-void dynamics(Point3d* point, int32_t, int32_t mode) {
-    calls.seen.push_back("dynamics");
-    const Point3d ends[] = {{}, *point};
-    mdlLine_create(dgnBufP, nullptr, ends);
-    mdlElement_display(dgnBufP, mode);
-}
-int postLocate(const MSElementBuffer* element, ModelRef* model, FilePos position) {
-    return calls.post(element, model, position);
-}
-
-class ModifyCommand : public OpenModelTest {
-  protected:
-    ModifyCommand() { calls = {}; }
-
-    // A line through (0, y) along x, in reaches of a click.
-    FilePos addLine(double y, bool locked = false) {
-        const Point3d ends[] = {{-10 * reach, y * reach, 0}, {10 * reach, y * reach, 0}};
-        mdlLine_create(dgnBufP, nullptr, ends);
-        if (locked) dgnBufP->head.properties |= MDL_PROP_LOCKED;
-        return mdlElement_add(dgnBufP);
-    }
-    // A cell with a cell (which has a line through y = 100), a line through y = 101, and a line string through y = 102.
-    FilePos addCell() {
-        mdlCell_create(dgnBufP, L"OUTER", nullptr, 0);
-        mdl::Descr outer;
-        ElementDescr* inner = nullptr;
-        EXPECT_EQ(mdlElmdscr_new(outer.out(), nullptr, dgnBufP), MDL_SUCCESS);
-        EXPECT_EQ(mdlElmdscr_new(&inner, nullptr, dgnBufP), MDL_SUCCESS);
-        EXPECT_EQ(mdlElmdscr_appendElement(inner, along(100)), MDL_SUCCESS);
-        EXPECT_EQ(mdlElmdscr_appendDscr(outer.get(), inner), MDL_SUCCESS);
-        EXPECT_EQ(mdlElmdscr_appendElement(outer.get(), along(101)), MDL_SUCCESS);
-        EXPECT_EQ(mdlElmdscr_appendElement(outer.get(), along(102)), MDL_SUCCESS);
-        return mdlElmdscr_add(outer.get());
-    }
-    MSElementBuffer* along(double y) {
-        const Point3d ends[] = {{0, y * reach, 0}, {reach, y * reach, 0}};
-        if (y == 102)
-            mdlLineString_create(dgnBufP, nullptr, ends, 2);
-        else
-            mdlLine_create(dgnBufP, nullptr, ends);
-        return dgnBufP;
-    }
-
-    void start(MdlDynamicsFunction dynamic = nullptr) {
-        asApplication("editor", [&] {
-            EXPECT_EQ(mdlState_startModifyCommand(reset, accept, dynamic, show, clean, 0, 0, 0, 0), MDL_SUCCESS);
-            return 0;
-        });
-    }
-    bool point(double y, double x = 0) { return host::giveDataPoint({x * reach, y * reach, 0}, 0); }
-    FilePos locatedElement() { return mdlElement_getFilePos(MDL_FILE_POS_ELEMENT, nullptr); }
-    std::string told() { return front().field(MDL_FIELD_ERROR); }
-
-    // The same in all views.
-    static double reachOfViews() {
-        const Point3d origin{}, extent{800 * 100, 600 * 100, 0};
-        for (int32_t view = 0; view < 8; ++view) EXPECT_EQ(mdlView_setArea(view, &origin, &extent), MDL_SUCCESS);
-        return host::aimAt({}, 0).reach;
-    }
-    const double reach = reachOfViews();
-};
 
 TEST_F(ModifyCommand, APointLocatesTheNextOneAcceptsAndAResetLetsGo) {
     const FilePos line = addLine(0);
@@ -407,6 +315,47 @@ TEST_F(ModifyCommand, WhatATurnWritesIsOneStep) {
         EXPECT_EQ(mdlUndo_undo(), MDL_SUCCESS);
         EXPECT_EQ(allPositions().size(), left);
     }
+}
+
+TEST_F(ModifyCommand, ItsMessagesAreShownAndNameItsSteps) {
+    host::ResourceContents contents;
+    contents.strings[{MDL_COMMAND_MESSAGES, 7}].set("en", "Copy line");
+    contents.strings[{MDL_PROMPT_MESSAGES, 9}].set("en", "Point at a line");
+    host::writeContainer(path("editor.rsc"), contents);
+    addLine(0);
+    asApplication("editor", [&] {
+        RscHandle file = 0;
+        EXPECT_EQ(mdlResource_openFile(&file, path("editor.rsc").c_str(), MDL_RSC_READ), MDL_SUCCESS);
+        return mdlState_startModifyCommand(nullptr, accept, nullptr, show, nullptr, 7, 9, 0, 0);
+    });
+    EXPECT_EQ(front().field(MDL_FIELD_COMMAND), "Copy line");
+    EXPECT_EQ(host::commandPrompt(), "Point at a line");
+    const auto nameOfLast = [] {
+        char name[32] = "";
+        mdlUndo_getUndoName(name, sizeof name);
+        return std::string(name);
+    };
+    calls.inAccept = [&] {
+        addLine(5);
+        mdlOutput_prompt("");
+        mdlState_restartCurrentCommand();
+    };
+    point(0);
+    point(0);
+    EXPECT_EQ(nameOfLast(), "Copy line");
+    EXPECT_EQ(host::commandPrompt(), "Point at a line") << "shown again";
+    calls.inShow = [] { mdlState_startPrimitive(accept, nullptr, 0, 99); };
+    calls.inAccept = [&] { addLine(6); };
+    point(0);
+    EXPECT_EQ(front().field(MDL_FIELD_COMMAND), "");
+    EXPECT_EQ(host::commandPrompt(), "") << "it has no message 99";
+    point(3);
+    EXPECT_EQ(nameOfLast(), "Copy line") << "the command that goes on with it has no name of its own";
+    start();
+    calls.inShow = nullptr;
+    point(0);
+    point(0);
+    EXPECT_EQ(nameOfLast(), "");
 }
 
 // ---- what is seen over the drawing ----

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -13,6 +14,7 @@
 #include "mchost/front/line_editor.h"
 #include "mchost/front/terminal.h"
 #include "mchost/mdl/file_dialogs.h"
+#include "mchost/mdl/system.h"
 #include "mchost/session/session.h"
 
 namespace {
@@ -128,37 +130,56 @@ TEST_F(FileNames, TabGrowsTheNameAsFarAsItIsCertain) {
     EXPECT_EQ(complete("l").text, "list folder/");
 }
 
-// A child process asks for a file on a terminal of its own.
-TEST_F(FileNames, AFileIsChosenOnATerminalWithTab) {
+// What a child process shows that asks for a file on a terminal of its own, and ends with 0 when list-2.txt is chosen.
+// Keys go in when what they wait for is shown, the prompt to begin with, so that none is read in the terminal's own
+// line mode.
+std::string chosenOnTerminal(const fs::path& folder, std::deque<std::pair<std::string, std::string>> keys,
+                             int (*application)(int, char**)) {
     int terminal = -1;
     const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
-    ASSERT_GE(child, 0);
     if (child == 0) {
         setenv("TERM", "xterm", 1);
         char name[256] = "";
         {
             host::TerminalOptions options;
             host::Session session({.frontEnd = host::makeTerminalFrontEnd(options), .variables = {}});
+            session.startApplication("asking", application);
             mdlDialog_fileOpen(name, 0, 0, "", "*.txt", folder.c_str(), "Choose");
         }
         _exit(name == (folder / "list-2.txt").string() ? 0 : 1);
     }
-    const std::string keys = "lis\t-\t\t2\t\r";
     std::string shown;
     char buffer[512];
-    // The keys go in when the child shows its prompt, so that none is read in the terminal's own line mode.
     for (ssize_t got; (got = read(terminal, buffer, sizeof buffer)) > 0;) {
-        const bool before = shown.find("> ") == std::string::npos;
         shown.append(buffer, static_cast<size_t>(got));
-        if (before && shown.find("> ") != std::string::npos) {
-            ASSERT_EQ(write(terminal, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
+        while (!keys.empty() && shown.find(keys.front().first) != std::string::npos) {
+            const std::string typed = keys.front().second;
+            EXPECT_EQ(write(terminal, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
+            keys.pop_front();
         }
     }
     int status = -1;
     waitpid(child, &status, 0);
     close(terminal);
     EXPECT_EQ(WEXITSTATUS(status), 0) << shown;
-    EXPECT_THAT(shown, testing::HasSubstr("list-1.txt\r\nlist-2.txt\r\n")) << "the names to choose from";
+    return shown;
+}
+
+TEST_F(FileNames, AFileIsChosenOnATerminalWithTab) {
+    const auto idle = [](int, char**) { return 0; };
+    EXPECT_THAT(chosenOnTerminal(folder, {{"> ", "lis\t-\t\t2\t\r"}}, idle),
+                testing::HasSubstr("list-1.txt\r\nlist-2.txt\r\n"))
+        << "the names to choose from";
+}
+
+TEST_F(FileNames, WhatIsTypedStaysWhileTimersRun) {
+    const auto ticking = [](int, char**) {
+        const auto tick = [](int32_t) { toolSubsystem_printf("tick\n"); };
+        return mdlSystem_setTimerFunction(nullptr, 12, reinterpret_cast<void*>(+tick));
+    };
+    const std::string shown = chosenOnTerminal(folder, {{"> ", "list-"}, {"tick", "2.txt\r"}}, ticking);
+    EXPECT_THAT(shown, testing::HasSubstr("> list-\x1b[K\r\x1b[K")) << "the row is cleared for what is told";
+    EXPECT_THAT(shown, testing::HasSubstr("tick\r\n\r> list-")) << "and the line stands behind it again";
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
 // The terminal's front end, answered through a pipe, from a file and by nobody.
 #include "mchost/front/terminal.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -460,6 +463,54 @@ TEST_F(Terminal, AnUnattendedCommandGetsItsAnswersThenTheOriginOnce) {
     });
     EXPECT_THAT(points, testing::ElementsAre(4, 0));
     EXPECT_THAT(shown, HasSubstr("Nobody gives a point."));
+}
+
+TEST_F(Terminal, LinesForTheHostAreCarriedOutWhileACommandWaits) {
+    typed("move 3,4\nundo\nsnap end 5,5\nselect all\nhelp\nmove here\n6,7\nend\n");
+    inSession([] {
+        startPointCommand();
+        mdlState_setFunction(
+            MDL_STATE_DYNAMICS,
+            reinterpret_cast<MdlStateFunction>(+[](Point3d* point, int32_t, int32_t) { points.push_back(-point->x); }));
+        EXPECT_TRUE(host::serveCommands());
+    });
+    EXPECT_THAT(points, testing::ElementsAre(-3, -6, 6));
+    EXPECT_THAT(shown, HasSubstr("There is nothing to take back."));
+    EXPECT_THAT(shown, HasSubstr("No element within reach has such a point."));
+    EXPECT_THAT(shown, HasSubstr("No design file is open."));
+    EXPECT_THAT(shown, HasSubstr("  undo | redo: "));
+    EXPECT_THAT(shown, HasSubstr("\"move here\" isn't a point."));
+}
+
+int pipeEnd = -1;
+int timersRun = 0;
+
+// The user types half a line, and the other half when the next timer comes.
+void typeOn(int32_t) {
+    const std::string_view parts[] = {"4,", "5\n\n"};
+    const std::string_view part = parts[timersRun++];
+    EXPECT_EQ(write(pipeEnd, part.data(), part.size()), static_cast<ssize_t>(part.size()));
+    if (timersRun < 2) mdlSystem_setTimerFunction(nullptr, 2, reinterpret_cast<void*>(typeOn));
+}
+
+TEST_F(Terminal, TimersRunWhileALineIsWaitedFor) {
+    const std::string pipe = folder / "input";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    pipeEnd = open(pipe.c_str(), O_RDWR);
+    options.asks = true;
+    timersRun = 0;
+    inSession([] {
+        host::Session::current()->startApplication("timers", [](int, char**) {
+            startPointCommand();
+            return mdlSystem_setTimerFunction(nullptr, 2, reinterpret_cast<void*>(typeOn));
+        });
+        EXPECT_TRUE(host::serveCommands());
+    });
+    close(pipeEnd);
+    EXPECT_EQ(timersRun, 2);
+    EXPECT_THAT(points, testing::ElementsAre(4));
+    const std::string asked = "Plass for siden p\xc3\xa5 arket\nx,y[,z] [view] > ";
+    EXPECT_EQ(shown, asked + asked) << "it is asked once for each line, however often timers run meanwhile";
 }
 
 // ---- file dialogs ----

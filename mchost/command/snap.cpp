@@ -1,0 +1,258 @@
+#include "mchost/command/snap.h"
+
+#include <algorithm>
+#include <span>
+#include <vector>
+
+#include "mchost/base/guard.h"
+#include "mchost/base/words.h"
+#include "mchost/command/hits.h"
+#include "mchost/element/layout.h"
+#include "mchost/session/owned_state.h"
+#include "mchost/space/vector.h"
+#include "mchost/space/view.h"
+
+namespace host {
+namespace {
+
+struct SnapModes {
+    uint32_t on = 0;
+};
+
+// Where the point is seen.
+struct SeenPoint {
+    Transform toSeen;
+    Point3d at;
+    double reach;
+
+    Point3d flat(const Point3d& p) const {
+        const Point3d seen = applyToPoint(toSeen, p);
+        return {seen.x, seen.y, 0};
+    }
+    double distanceTo(const Point3d& p) const { return distance(at, flat(p)); }
+};
+
+// An element as what it is snapped to, in UOR of the active model.
+struct Line {
+    const MSElementBuffer* element;
+    Transform toActive;
+    std::vector<Point3d> points;  // its vertices, or points along a curve
+
+    bool isText() const { return element->head.type == MDL_TEXT; }
+    bool hasVertices() const { return verticesOf(element).has_value(); }
+    bool isClosed() const { return points.front() == points.back(); }
+};
+
+using Found = std::optional<Point3d>;
+
+Found nearestOf(std::span<const Point3d> points, const SeenPoint& seen) {
+    const auto nearest = std::ranges::min_element(points, {}, [&](const Point3d& p) { return seen.distanceTo(p); });
+    return nearest != points.end() ? Found(*nearest) : std::nullopt;
+}
+
+Found middleOf(const Point3d& a, const Point3d& b) {
+    return a + (b - a) * 0.5;
+}
+
+// A place along the points: in the segment that ends with the point of that number.
+struct Along {
+    size_t end;
+    Point3d point;
+};
+
+Along nearestAlong(const Line& line, const SeenPoint& seen) {
+    Along nearest{1, line.points.front()};
+    double least = HUGE_VAL;
+    for (size_t i = 1; i < line.points.size(); ++i) {
+        const Point3d &a = line.points[i - 1], &b = line.points[i];
+        const Point3d from = seen.flat(a), to = seen.flat(b), on = nearestOnSegment(seen.at, from, to);
+        const double far = distance(seen.at, on), whole = distance(from, to);
+        if (far >= least) continue;
+        least = far;
+        nearest = {i, whole > 0 ? a + (b - a) * (distance(from, on) / whole) : a};
+    }
+    return nearest;
+}
+
+// ---- the modes, each for one element ----
+
+Found endOf(const Line& line, const SeenPoint& seen) {
+    if (line.isText() || line.isClosed()) return std::nullopt;
+    const Point3d ends[] = {line.points.front(), line.points.back()};
+    return nearestOf(ends, seen);
+}
+
+Found vertexOf(const Line& line, const SeenPoint& seen) {
+    if (const auto text = textOf(line.element)) return applyToPoint(line.toActive, text->body.origin);
+    return line.hasVertices() ? nearestOf(line.points, seen) : endOf(line, seen);
+}
+
+Found middleOfLine(const Line& line, const SeenPoint& seen) {
+    if (line.isText()) return std::nullopt;
+    if (line.hasVertices()) {
+        const size_t end = nearestAlong(line, seen).end;
+        return middleOf(line.points[end - 1], line.points[end]);
+    }
+    if (line.isClosed()) return std::nullopt;
+    if (const auto arc = arcOf(line.element)) {
+        const auto& [center, x, y] = arc->ellipse;
+        const double angle = arc->start + arc->sweep / 2;
+        return applyToPoint(line.toActive, center + x * std::cos(angle) + y * std::sin(angle));
+    }
+    return line.points[line.points.size() / 2];
+}
+
+Found centreOf(const Line& line, const SeenPoint&) {
+    if (const auto arc = arcOf(line.element)) return applyToPoint(line.toActive, arc->ellipse.center);
+    if (!line.isClosed()) return std::nullopt;
+    RangeBuilder all;
+    for (const Point3d& p : line.points) all.add(p);
+    return middleOf(all.range().low, all.range().high);
+}
+
+Found nearestOfLine(const Line& line, const SeenPoint& seen) {
+    return line.isText() ? std::nullopt : Found(nearestAlong(line, seen).point);
+}
+
+// ---- crossings ----
+
+struct Segment {
+    Point3d from, to;
+};
+
+std::vector<Segment> segmentsNear(const Line& line, const SeenPoint& seen) {
+    std::vector<Segment> near;
+    for (size_t i = 1; i < line.points.size(); ++i) {
+        const Segment segment{line.points[i - 1], line.points[i]};
+        const Point3d on = nearestOnSegment(seen.at, seen.flat(segment.from), seen.flat(segment.to));
+        if (distance(seen.at, on) <= seen.reach) near.push_back(segment);
+    }
+    return near;
+}
+
+// Where the first is crossed in the view, on it.
+Found crossing(const Segment& a, const Segment& b, const SeenPoint& seen) {
+    constexpr double slack = 1e-9;  // ends that touch cross
+    const Point3d from = seen.flat(a.from), along = seen.flat(a.to) - from;
+    const Point3d other = seen.flat(b.from), across = seen.flat(b.to) - other;
+    const double turn = cross(along, across).z;
+    if (turn == 0) return std::nullopt;
+    const double t = cross(other - from, across).z / turn, u = cross(other - from, along).z / turn;
+    const bool within = t >= -slack && t <= 1 + slack && u >= -slack && u <= 1 + slack;
+    return within ? Found(a.from + (a.to - a.from) * t) : std::nullopt;
+}
+
+Found crossingOf(const Line& line, const Line& other, const SeenPoint& seen) {
+    if (line.isText() || other.isText()) return std::nullopt;
+    std::vector<Point3d> crossings;
+    const std::vector<Segment> across = segmentsNear(other, seen);
+    for (const Segment& a : segmentsNear(line, seen)) {
+        for (const Segment& b : across) {
+            if (const Found found = crossing(a, b, seen)) crossings.push_back(*found);
+        }
+    }
+    return nearestOf(crossings, seen);
+}
+
+Found firstCrossing(std::span<const Line> lines, const SeenPoint& seen) {
+    constexpr size_t mostLines = 32;  // that are looked at: a point in a thicket is no place to snap to
+    lines = lines.first(std::min(lines.size(), mostLines));
+    for (size_t i = 0; i + 1 < lines.size(); ++i) {
+        for (const Line& other : lines.subspan(i + 1)) {
+            if (const Found found = crossingOf(lines[i], other, seen)) return found;
+        }
+    }
+    return std::nullopt;
+}
+
+// ---- all of them ----
+
+struct Mode {
+    int32_t number;
+    std::string_view name;
+    Found (*find)(const Line& line, const SeenPoint& seen);  // null: it takes two elements
+};
+constexpr Mode modes[] = {
+    {MDL_SNAP_VERTEX, "vertex", vertexOf},
+    {MDL_SNAP_END, "end", endOf},
+    {MDL_SNAP_MIDDLE, "middle", middleOfLine},
+    {MDL_SNAP_CENTRE, "centre", centreOf},
+    {MDL_SNAP_INTERSECTION, "intersection", nullptr},
+    {MDL_SNAP_NEAREST, "nearest", nearestOfLine},
+};
+constexpr uint32_t allModes = 0b1111110;
+
+Found find(const Mode& mode, std::span<const Line> lines, const SeenPoint& seen) {
+    if (!mode.find) return firstCrossing(lines, seen);
+    for (const Line& line : lines) {
+        if (const Found found = mode.find(line, seen)) return found;
+    }
+    return std::nullopt;
+}
+
+std::vector<Line> linesAt(const Aim& aim) {
+    constexpr double fine = 1e-4;
+    std::vector<Line> lines;
+    for (const Hit& hit : hitsAnywhere(aim)) {
+        Line line{hit.element(), toMaster(*hit.place), {}};
+        if (outlineOf(line.points, line.element, fine * aim.reach, line.toActive)) lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+Found snappedBy(uint32_t on, const Point3d& point, int32_t view) {
+    const Aim aim = aimAt(point, view);
+    SeenPoint seen{seenFrom(view), {}, aim.reach};
+    seen.at = seen.flat(point);
+    const std::vector<Line> lines = linesAt(aim);
+    std::vector<Point3d> found;
+    for (const Mode& mode : modes) {
+        if ((on & 1u << mode.number) == 0) continue;
+        if (const Found its = find(mode, lines, seen)) found.push_back(*its);
+    }
+    return nearestOf(found, seen);
+}
+
+}  // namespace
+
+std::optional<Point3d> snappedIn(int32_t mode, const Point3d& point, int32_t view) {
+    return snappedBy(1u << mode, point, view);
+}
+
+Point3d snapped(const Point3d& point, int32_t view) {
+    const uint32_t on = sessionState<SnapModes>().on;
+    return on != 0 ? snappedBy(on, point, view).value_or(point) : point;
+}
+
+int32_t snapModeNamed(std::string_view word) {
+    const auto named = [&](const Mode& mode) { return mode.name == word || std::to_string(mode.number) == word; };
+    const auto mode = std::ranges::find_if(modes, named);
+    return mode != std::end(modes) ? mode->number : 0;
+}
+
+}  // namespace host
+
+using namespace host;
+
+int mdlSnap_toElement(Point3d* point, int32_t view, int32_t mode) noexcept {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        const bool known = mode > 0 && mode < 32 && (allModes >> mode & 1) != 0;
+        if (!point || !known || !isView(view) || !isFinite(*point)) return MDL_ERROR;
+        const Found found = snappedIn(mode, *point, view);
+        if (!found) return MDL_ERROR;
+        *point = *found;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlSnap_setModes(uint32_t on) noexcept {
+    return guarded<int>(MDL_ERROR, [&]() -> int {
+        if ((on & ~allModes) != 0) return MDL_ERROR;
+        sessionState<SnapModes>().on = on;
+        return MDL_SUCCESS;
+    });
+}
+
+uint32_t mdlSnap_getModes(void) noexcept {
+    return guarded<uint32_t>(0, [] { return sessionState<SnapModes>().on; });
+}
