@@ -59,6 +59,21 @@ typedef void (*McArrowFinishHook)(ElementDescr *arrow);
 /* A reset: of placing with no more than the tip given, and of each editing command. */
 typedef void (*McArrowResetHook)(void);
 
+/* Of the editing commands. Says whether an arrow is taken: 2 (MDL_LOCATE_ACCEPT) takes it. `arrow` is its cell header,
+ * `component` what was pointed at in it; the attribute numbers of a command that has them can be changed. */
+typedef int (*McArrowLocateFilter)(MSElementBuffer *arrow, MSElementBuffer *component, int *lineAttrId,
+                                   int *headAttrId);
+/* May look at the cell that was read and, in it, at the leader that was located (null in commands that work on none),
+ * or replace them. */
+typedef void (*McArrowReadHook)(ElementDescr **cell, ElementDescr **component);
+/* The last change before the cell is written in the place of the one before. */
+typedef void (*McArrowBeforeWriteHook)(ElementDescr **cell);
+/* Makes in *newCell, a cell, what takes the place of frame, text and symbol. oldCell holds these and stays the
+ * library's; `anchor` (UOR) is where its first leader ends; direction is -1.0 when its underline goes to the left, else
+ * 1.0. Other than 0 leaves the arrow as it is. */
+typedef int (*McArrowChangeTextHook)(ElementDescr **newCell, ElementDescr *oldCell, Point3d *anchor, double direction,
+                                     int view);
+
 /* ---- placing ---- */
 
 /* Starts placing in the command that runs (mdlState_startPrimitive), which is restarted when the arrow is written. The
@@ -100,5 +115,68 @@ MCLIB_EXPORT void mclibArrow_initFilePos(void);
  * that draws nothing, for a length that isn't finite, and when it can't be made; the caller's own. */
 MCLIB_EXPORT void mclibArrow_createArrowHead(ElementDescr **head, const Point3d *point, int view, double angle,
                                              int type, double scale, int attrId, double size);
+
+/* ---- changing: commands on arrows in the drawing ----
+ *
+ * Each starts a modify command (mdlState_startModifyCommand), which locates an arrow, shows what becomes of it, and
+ * with the accepting data point writes it in its place; then the next one can be pointed at. Until then the design
+ * file is as it was. cmdMsg and promptMsg are members of the application's string lists of command messages and
+ * prompts. A reset calls arrowResetHook. What can't be done with the cell that was pointed at (it has no leader, or one
+ * of more than 5000 vertices) is told in the error field, and nothing is written. They give MCLIB_SUCCESS, or
+ * MCLIB_ERROR when the command couldn't be started. */
+
+/* The new vertex goes into the segment that was pointed at. */
+MCLIB_EXPORT int mclibArrow_insertVertex(int cmdMsg, int promptMsg, McArrowLocateFilter arrowLocateFilter,
+                                         McArrowReadHook arrowReadHook, McArrowBeforeWriteHook arrowBeforeWriteHook,
+                                         McArrowResetHook arrowResetHook);
+/* The vertex next to the point goes, but neither tip nor end; of a leader of two vertices none, which is told. */
+MCLIB_EXPORT int mclibArrow_deleteVertex(int cmdMsg, int promptMsg, McArrowLocateFilter arrowLocateFilter,
+                                         McArrowReadHook arrowReadHook, McArrowBeforeWriteHook arrowBeforeWriteHook,
+                                         McArrowResetHook arrowResetHook);
+/* The tip follows with its head, and a leader of two vertices slides along the frame when it is the only one. */
+MCLIB_EXPORT int mclibArrow_moveArrowHead(int cmdMsg, int promptMsg, McArrowLocateFilter arrowLocateFilter,
+                                          McArrowReadHook arrowReadHook, McArrowBeforeWriteHook arrowBeforeWriteHook,
+                                          McArrowResetHook arrowResetHook);
+/* Frame, text and symbol move, and all leaders end at the point of the frame that fits the first of them. moveText: the
+ * text alone moves, with its underline; other frames and the symbol stay. */
+MCLIB_EXPORT int mclibArrow_moveTextAndSymbol(int cmdMsg, int promptMsg, McArrowLocateFilter arrowLocateFilter,
+                                              McArrowReadHook arrowReadHook,
+                                              McArrowBeforeWriteHook arrowBeforeWriteHook,
+                                              McArrowResetHook arrowResetHook);
+MCLIB_EXPORT int mclibArrow_moveText(int cmdMsg, int promptMsg, McArrowLocateFilter arrowLocateFilter,
+                                     McArrowReadHook arrowReadHook, McArrowBeforeWriteHook arrowBeforeWriteHook,
+                                     McArrowResetHook arrowResetHook);
+/* Frame, text and symbol are replaced by what arrowChangeTextHook makes. */
+MCLIB_EXPORT int mclibArrow_modifyTextAndSymbol(int cmdMsg, int promptMsg, McArrowLocateFilter arrowLocateFilter,
+                                                McArrowReadHook arrowReadHook,
+                                                McArrowBeforeWriteHook arrowBeforeWriteHook,
+                                                McArrowChangeTextHook arrowChangeTextHook,
+                                                McArrowResetHook arrowResetHook);
+/* The same at once, with view 0, for the first element of the selection set; the command that runs is restarted behind
+ * it. The filter isn't asked. MCLIB_ERROR, with nothing written, when nothing is selected, it is no arrow of the active
+ * model, it is locked, or the hook refuses. */
+MCLIB_EXPORT int mclibArrow_modifyTextAndSymbolSelected(McArrowLocateFilter arrowLocateFilter,
+                                                        McArrowReadHook arrowReadHook,
+                                                        McArrowBeforeWriteHook arrowBeforeWriteHook,
+                                                        McArrowChangeTextHook arrowChangeTextHook,
+                                                        McArrowResetHook arrowResetHook);
+/* A further leader, placed from where the first one ends to its tip as mclibArrow_drawTextAndArrow does, on the level
+ * of the arrow, which becomes that of the line attribute. */
+MCLIB_EXPORT int mclibArrow_addArrow(int cmdMsg, int promptMsg, int lineAttrId, int headAttrId,
+                                     McArrowLocateFilter arrowLocateFilter, McArrowReadHook arrowReadHook,
+                                     McArrowBeforeWriteHook arrowBeforeWriteHook,
+                                     McArrowAttributesHook userArrow_changeArrowAttributes,
+                                     McArrowResetHook arrowResetHook);
+/* The leader that was pointed at goes, with its head. */
+MCLIB_EXPORT int mclibArrow_deleteArrow(int cmdMsg, int promptMsg, McArrowLocateFilter arrowLocateFilter,
+                                        McArrowReadHook arrowReadHook, McArrowBeforeWriteHook arrowBeforeWriteHook,
+                                        McArrowResetHook arrowResetHook);
+/* The head of the leader that was pointed at becomes what the attribute hook says: none for a type that draws nothing.
+ * A leader without a head stays without one. Without the hook, which is told, no head is changed. */
+MCLIB_EXPORT int mclibArrow_modifyArrowHead(int cmdMsg, int promptMsg, int lineAttrId, int headAttrId,
+                                            McArrowLocateFilter arrowLocateFilter, McArrowReadHook arrowReadHook,
+                                            McArrowBeforeWriteHook arrowBeforeWriteHook,
+                                            McArrowAttributesHook userArrow_changeArrowAttributes,
+                                            McArrowResetHook arrowResetHook);
 
 #endif

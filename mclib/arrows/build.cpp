@@ -10,11 +10,13 @@
 #include "mclib/arrows/frames.h"
 #include "mclib/arrows/heads.h"
 #include "mclib/arrows/hooks.h"
+#include "mclib/arrows/place.h"
 #include "mclib/arrows/state.h"
 #include "mclib/elmattr/attributes.h"
 #include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/util.h"
 #include "mclib/geometry/builders.h"
+#include "mclib/geometry/one_off.h"
 #include "mclib/geometry/textsize.h"
 #include "resources/ids.h"
 
@@ -24,11 +26,13 @@ namespace {
 
 // An arrow on its way.
 struct Draft {
+    Draft(PlaceState& placed, int in, int mode) : place(placed), view(in), drawMode(mode), last(placed.vertexCount) {}
+
     PlaceState& place;
     int view, drawMode;
     int last;  // index of the last vertex
-    double gap;
-    std::array<Point3d, ARROW_MOST_VERTICES> leader;  // in the local system
+    double gap = 0.0;
+    std::array<Point3d, ARROW_MOST_VERTICES> leader;  // in the local system; up to the last one
     TextBlock text;
     mdl::Descr arrow;
     bool whole = true;  // nothing is lacking
@@ -169,9 +173,9 @@ int countLines(const char* text) {
 }
 
 // Appends a line of text to those before it, or begins with it.
-bool writeLine(const PlaceState& place, const Point3d& origin, int just, const char* line, ElementDescr*& lines) {
+bool writeLine(const PlaceState& place, const Point3d& origin, const char* line, ElementDescr*& lines) {
     emptyBuffer();
-    const int status = mclibElement_createText(&origin, line, place.looks.scale, &just, place.textAttrId, lines);
+    const int status = mclibElement_createText(&origin, line, place.looks.scale, nullptr, place.textAttrId, lines);
     return status == MCLIB_SUCCESS && (lines || startDescr(lines));
 }
 
@@ -180,9 +184,10 @@ void writeText(Draft& draft, const Frame& frame) {
     const double step = draft.text.lineHeight + 2 * draft.gap;
     Point3d origin = frame.textOrigin;
     origin.y += riseOfFirstLine(place.looks.frameKind, countLines(place.text), step);
+    const OneOffJustification justified(place.textAttrId, frame.just);
     ElementDescr* lines = nullptr;
     forEachLine(place.text, [&](const char* line) {
-        draft.expect(writeLine(place, origin, frame.just, line, lines));
+        draft.expect(writeLine(place, origin, line, lines));
         origin.y -= step;
     });
     if (draft.arrow)
@@ -318,14 +323,8 @@ int buildWhole(PlaceState& place, const Point3d& point, int view, int drawMode) 
         if (drawMode == MDL_DRAW) showNotice(ids::errors::arrowView, view);
         return MCLIB_ERROR;
     }
-    Draft draft{.place = place,
-                .view = view,
-                .drawMode = drawMode,
-                .last = place.vertexCount,
-                .gap = textGap(place),
-                .leader = {},
-                .text = {},
-                .arrow = {}};
+    Draft draft(place, view, drawMode);
+    draft.gap = textGap(place);
     addParts(draft);
     const int status = finish(draft);
     if (drawMode == MDL_DRAW && !draft.whole) showNotice(ids::errors::arrowNotWhole);
@@ -338,15 +337,9 @@ bool hasScale(const Looks& looks) {
 
 }  // namespace
 
-void askForLooks(PlaceState& place) {
-    Looks& looks = place.looks;
-    callHook("PPPPPPP", place.hooks.attributes, &looks.headType, &looks.headSize, &looks.scale, &looks.leaderMode,
-             &looks.frameKind, &looks.angle, &looks.width);
-}
-
 int build(const Point3d& point, int view, int drawMode) {
-    PlaceState& place = *placeState.operator->();
-    askForLooks(place);
+    PlaceState& place = currentPlacing();
+    askForLooks(place.hooks.attributes, place.looks);
     if (!hasScale(place.looks)) {
         if (drawMode == MDL_DRAW) showNotice(ids::errors::arrowScale, place.looks.scale);
         return MCLIB_ERROR;

@@ -8,6 +8,7 @@
 #include "mchost/mdl/text.h"
 #include "mclib/arrows/build.h"
 #include "mclib/arrows/hooks.h"
+#include "mclib/arrows/place.h"
 #include "mclib/arrows/state.h"
 #include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/text_buffer.h"
@@ -49,7 +50,7 @@ void placeAndRestart(Point3d* point, int32_t view) {
 
 // Without a hook the command ends, as it does for every command without a function for resets.
 void endPlacing() {
-    PlaceState& place = *placeState.operator->();
+    PlaceState& place = currentPlacing();
     if (place.vertexCount > 1) {
         --place.vertexCount;  // the vertex that followed the cursor
         Point3d last = place.lastPoint;
@@ -75,8 +76,8 @@ void showPlacedPart(PlaceState& place, const Point3d& point, int view) {
 }
 
 void addVertex(Point3d* point, int32_t view) {
-    PlaceState& place = *placeState.operator->();
-    askForLooks(place);
+    PlaceState& place = currentPlacing();
+    askForLooks(place.hooks.attributes, place.looks);
     showPlacedPart(place, *point, view);
     ++place.vertexCount;
     place.lastPoint = *point;
@@ -106,11 +107,6 @@ int startLeader(PlaceState& place, const char* firstPrompt, bool tipIsKnown) {
     return prompt(firstPrompt, tipIsKnown ? ids::arrowPrompts::nextPoint : ids::arrowPrompts::firstPoint);
 }
 
-// What the user sees of a hook that is asked for the looks, and isn't there.
-void tellOfMissingHook() {
-    mclibError_msgBoxPrintf(MSGBOX_NOTICE, "%s", "Funksjonen <userArrow_changeArrowAttributes> kan ikke vaere NULL!");
-}
-
 void takeCellName(PlaceState& place, const char* name) {
     mdlCnv_convertMultibyteToUnicode(name ? name : "", name ? static_cast<int>(std::strlen(name)) : 0, place.cellName,
                                      static_cast<int>(std::size(place.cellName)));
@@ -131,6 +127,15 @@ void tellOfLongText(const char* text) {
 
 constinit RoomState<PlaceState> placeState;
 
+void askForLooks(McArrowAttributesHook hook, Looks& looks) {
+    callHook("PPPPPPP", hook, &looks.headType, &looks.headSize, &looks.scale, &looks.leaderMode, &looks.frameKind,
+             &looks.angle, &looks.width);
+}
+
+void tellOfMissingHook() {
+    mclibError_msgBoxPrintf(MSGBOX_NOTICE, "%s", "Funksjonen <userArrow_changeArrowAttributes> kan ikke vaere NULL!");
+}
+
 }  // namespace mc::arrows
 
 using namespace mc;
@@ -143,7 +148,7 @@ int mclibArrow_drawTextAndArrow(int withText, int withArrow, int textAttrId, int
                                 McArrowCellHook arrowCellHook, McArrowFinishHook arrowFinishHook,
                                 McArrowAttributesHook userArrow_changeArrowAttributes,
                                 McArrowResetHook arrowResetHook) {
-    PlaceState& place = *placeState.operator->();
+    PlaceState& place = currentPlacing();
     place.withText = withText != 0;
     place.withArrow = withArrow != 0;
     place.withTail = true;
@@ -176,7 +181,7 @@ int mclibArrow_drawTextArrow(const Point3d* vertices, int nVertices, int textAtt
         showNotice(ids::errors::arrowVertices, nVertices);
         return MCLIB_ERROR;
     }
-    PlaceState& place = *placeState.operator->();
+    PlaceState& place = currentPlacing();
     place.withText = place.withArrow = place.headAtStart = true;
     place.textAttrId = textAttrId;
     place.lineAttrId = lineAttrId;

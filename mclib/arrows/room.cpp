@@ -1,6 +1,7 @@
 // The room's part of an application's start and end.
 #include "mclib/frame/room.h"
 
+#include "mclib/arrows/edit_state.h"
 #include "mclib/arrows/state.h"
 
 namespace mc {
@@ -15,6 +16,7 @@ bool begin(GlobalData&, const Start&) {
 
 void end() {
     placeState.end();
+    editState.end();
 }
 
 }  // namespace

@@ -48,6 +48,9 @@ struct PlaceState {
     FilePos latestFilePos = 0;
 };
 extern RoomState<PlaceState> placeState;
+inline PlaceState& currentPlacing() {
+    return *placeState.operator->();
+}
 
 }  // namespace mc::arrows
 

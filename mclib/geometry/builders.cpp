@@ -7,6 +7,7 @@
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
 #include "mclib/elmattr/attributes.h"
+#include "mclib/geometry/one_off.h"
 #include "mclib/geometry/userdata.h"
 
 namespace mc {
@@ -18,32 +19,6 @@ int dressAndAppend(MSElementBuffer* element, int attrId, ElementDescr* ed) {
     if (!ed) return MCLIB_SUCCESS;
     return mdlElmdscr_appendElement(ed, element) == MDL_SUCCESS ? MCLIB_SUCCESS : MCLIB_ERROR;
 }
-
-// While it stands, the attribute has another justification; afterwards it has its own again.
-class OneOffJustification {
-  public:
-    OneOffJustification(int attrId, int just) : attrId_(attrId) {
-        known_ = mclibElmAttr_extractData(attrId, &saved_) == MCLIB_SUCCESS;
-        if (!known_) return;
-        changed_ = saved_;
-        changed_.useFlags |= ATTR_USE_JUST;
-        changed_.textJust = just;
-        mclibElmAttr_editAttribute(attrId, 0, &changed_);
-    }
-    ~OneOffJustification() {
-        if (!known_) return;
-        const bool same = saved_.textJust == changed_.textJust && saved_.useFlags == changed_.useFlags;
-        if (!same) mclibElmAttr_editAttribute(attrId_, 0, &saved_);
-    }
-    OneOffJustification(const OneOffJustification&) = delete;
-    OneOffJustification& operator=(const OneOffJustification&) = delete;
-    bool known() const { return known_; }
-
-  private:
-    int attrId_;
-    bool known_;
-    ElmAttrData saved_, changed_;
-};
 
 int createText(const Point3d* origin, const char* text, double scale, int attrId, ElementDescr* ed) {
     const int status = mclibElmAttr_createText(dgnBufP, nullptr, text, origin, nullptr, 0, attrId, scale, nullptr);

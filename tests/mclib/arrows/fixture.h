@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "mchost/command/command.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/state.h"
@@ -95,6 +96,16 @@ inline double widthOf(const char* text) {
     return width;
 }
 
+// The bytes of the elements of a chain, each followed by its components.
+inline std::string bytesOf(const ElementDescr* first) {
+    std::string bytes;
+    for (const ElementDescr* node = first; node; node = node->next) {
+        bytes.append(reinterpret_cast<const char*>(node->element->bytes), mdlElement_bytes(node->element));
+        bytes += bytesOf(node->firstChild);
+    }
+    return bytes;
+}
+
 class ArrowTest : public LibraryTest {
   protected:
     ArrowTest() {
@@ -122,6 +133,17 @@ class ArrowTest : public LibraryTest {
     static mdl::DescrPtr arrowAt(FilePos position) { return mdl::readDescr(position, mdlModelRef_getActive()); }
     static Words wordsAt(FilePos position) { return wordsOf(arrowAt(position).get()); }
     static Words latest() { return wordsAt(mclibArrow_getLatestFilePos()); }
+
+    // A data point of the user, in view 0.
+    static void point(double x, double y) { host::giveDataPoint(at(x, y), 0); }
+    // What the dynamics of the command show with the cursor there.
+    static Words shown(double x, double y) {
+        host::moveCursor(at(x, y), 0);
+        Words words;
+        for (const mdl::DescrPtr& ed : host::dynamicElements())
+            for (const std::string& part : wordsOf(ed.get())) words.push_back(part);
+        return words;
+    }
 
     int messageBoxes() { return front().dialogs; }
 };

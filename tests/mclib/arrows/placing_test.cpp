@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "mchost/command/command.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
 #include "tests/mclib/arrows/fixture.h"
@@ -99,15 +98,6 @@ class Placing : public ArrowTest {
         hooks.calls.clear();
     }
 
-    static void point(double x, double y) { host::giveDataPoint(at(x, y), 0); }
-    // What the dynamics of the command show with the cursor there.
-    static Words shown(double x, double y) {
-        host::moveCursor(at(x, y), 0);
-        Words words;
-        for (const mdl::DescrPtr& ed : host::dynamicElements())
-            for (const std::string& part : wordsOf(ed.get())) words.push_back(part);
-        return words;
-    }
     bool written() const { return mclibArrow_getLatestFilePos() != 0; }
     std::string prompt() { return host::commandPrompt(); }
 };
