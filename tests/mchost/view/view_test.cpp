@@ -200,6 +200,11 @@ TEST_F(Views, StayInTheFileThatIsClosed) {
     expectArea(6, origin, extent);
     EXPECT_EQ(mdlView_getDisplayControl(6, MDL_VIEW_LEVEL_SYMBOLOGY), 1);
     EXPECT_FALSE(mdlView_isLevelOn(6, nullptr, road));
+    mdlView_setOpen(5, 1);
+    close();
+    open();
+    EXPECT_TRUE(mdlView_isOpen(5)) << "nothing else was changed";
+    close();
     const std::string before = readFile("a.mcd");
     open(true);
     mdlView_setOpen(7, 1);
