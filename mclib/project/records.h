@@ -32,7 +32,7 @@ struct TextField {
 #define FIVE_LINES(member, line) LINES(member, line), LINES(member, line + 1), LINES(member, line + 2), \
                                  LINES(member, line + 3), LINES(member, line + 4)
 
-constexpr auto projectOrder = [] {
+inline constexpr auto projectOrder = [] {
   using Block = mclibProsjektData;
   return std::to_array<TextField>({
     FIELD(pron),
@@ -44,7 +44,7 @@ constexpr auto projectOrder = [] {
   });
 }();
 
-constexpr auto pageOrder = [] {
+inline constexpr auto pageOrder = [] {
   using Block = mclibSideData;
   return std::to_array<TextField>({
     FIELD(pageName),
@@ -67,8 +67,8 @@ struct Form {
     uint32_t texts, doubledFrom;
 };
 constexpr uint32_t none = UINT32_MAX;
-constexpr Form projectForms[] = {{1, 30, 27}, {2, 30, none}, {currentForm, 30, none}};
-constexpr Form pageForms[] = {{2, 24, none}, {currentForm, 45, none}};
+inline constexpr Form projectForms[] = {{1, 30, 27}, {2, 30, none}, {currentForm, 30, none}};
+inline constexpr Form pageForms[] = {{2, 24, none}, {currentForm, 45, none}};
 
 // The order and the forms of a block's record.
 template <class Block>
