@@ -28,15 +28,20 @@ int accepts(const MSElementBuffer*, ModelRef*, FilePos) {
     return MDL_LOCATE_ACCEPT;
 }
 
+struct TemporaryFile {
+    const std::filesystem::path path =
+        std::filesystem::temp_directory_path() / ("locate-" + std::to_string(getpid()) + ".mcd");
+    ~TemporaryFile() { std::filesystem::remove(path); }
+};
+
 // A session with the drawing open; it stays until the program ends.
 class Drawing {
   public:
     Drawing() {
-        const auto file = std::filesystem::temp_directory_path() / ("locate-" + std::to_string(getpid()) + ".mcd");
-        mdlSystem_createDesignFile(file.c_str(), 0);
-        mdlSystem_newDesignFile(file.c_str(), 0);
-        std::filesystem::remove(file);
+        mdlSystem_createDesignFile(file_.path.c_str(), 0);
+        mdlSystem_newDesignFile(file_.path.c_str(), 0);
         fill();
+        if (mdlSystem_saveDesignFile() != MDL_SUCCESS) std::abort();
         const Point3d origin{side / 2, side / 2, 0}, extent{viewSide, viewSide, 0};
         mdlView_setArea(0, &origin, &extent);
     }
@@ -59,6 +64,7 @@ class Drawing {
         }
     }
 
+    TemporaryFile file_;
     host::Session session_;
     std::mt19937_64 random_{20261123};
 };

@@ -51,6 +51,36 @@ void tell(Refusal refusal) {
     mdlSystem_noteFailure();
 }
 
+const char* nameOfType(int type) {
+    constexpr struct {
+        int type;
+        const char* name;
+    } names[] = {{MDL_CELL_HEADER, "cell"},
+                 {MDL_LINE, "line"},
+                 {MDL_LINE_STRING, "line string"},
+                 {MDL_SHAPE, "shape"},
+                 {MDL_TEXT_NODE, "text node"},
+                 {MDL_COMPLEX_SHAPE, "complex shape"},
+                 {MDL_ELLIPSE, "ellipse"},
+                 {MDL_ARC, "arc"},
+                 {MDL_TEXT, "text"},
+                 {MDL_BSPLINE, "curve"}};
+    const auto known = std::ranges::find(names, type, [](const auto& row) { return row.type; });
+    return known != std::end(names) ? known->name : "element";
+}
+
+// Where no highlight is seen this tells what is located.
+void tellLocated(const Model& model) {
+    const ElementPart part = located();
+    const RecordHead* record = model.elements.record(part.position);
+    const char *whole = nameOfType(nodeOf(record, 0)->head.type),
+               *at = nameOfType(nodeOf(record, part.number)->head.type);
+    if (part.number == 0)
+        mdlOutput_printf(MDL_FIELD_STATUS, "Located: %s", whole);
+    else
+        mdlOutput_printf(MDL_FIELD_STATUS, "Located: %s, at its %s", whole, at);
+}
+
 // What the rules have against an element; the post-locate function isn't asked.
 std::optional<Refusal> refusalOf(const DesignFile& file, FilePos position) {
     const MSElementBuffer* element = file.model.elements.element(position);
@@ -118,6 +148,7 @@ bool locateAt(const Point3d& point, int32_t view) {
     const Aim aim = aimAt(point, view);
     std::optional<Refusal> refusal = Refusal::nothingThere;
     if (place) refusal = takeFirst(*place->file, hitsAt(*place, aim));
+    if (!refusal && isStill(run)) tellLocated(place->file->model);
     if (!refusal) return isStill(run);
     if (refusal == Refusal::nothingThere && !hitsAnywhere(aim).empty()) refusal = Refusal::attached;
     tell(*refusal);

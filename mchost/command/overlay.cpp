@@ -7,6 +7,7 @@
 #include "mchost/base/guard.h"
 #include "mchost/command/command.h"
 #include "mchost/command/selection.h"
+#include "mchost/element/layout.h"
 #include "mchost/element/range.h"
 #include "mchost/model/model_ref.h"
 #include "mchost/model/parts.h"
@@ -90,11 +91,13 @@ void erase(const ElementDescr& ed) {
     std::erase_if(overlay.drawn, [&](const Overdrawn& drawn) { return isEqual(*drawn.ed, ed); });
     if (ed.filePos != 0 && ed.model == openPlace(nullptr)) {
         overlay.erased.push_back({ed.filePos, 0});
-    } else if (const auto part = locatedPart(ed.element)) {
-        overlay.erased.push_back(*part);
-    } else {
-        for (const ElementDescr* child = ed.firstChild; child; child = child->next) erase(*child);
+        return;
     }
+    const bool isHeaderAlone = isHeaderType(headOf(ed.element).type) && !ed.firstChild;
+    const auto part = isHeaderAlone ? std::nullopt : locatedPart(ed.element);
+    if (part) overlay.erased.push_back(*part);
+    if (part && part->number == 0) return;
+    for (const ElementDescr* child = ed.firstChild; child; child = child->next) erase(*child);
 }
 
 mdl::DescrPtr copyAlone(const ElementDescr& ed) {

@@ -180,7 +180,11 @@ constexpr Mode modes[] = {
     {MDL_SNAP_INTERSECTION, "intersection", nullptr},
     {MDL_SNAP_NEAREST, "nearest", nearestOfLine},
 };
-constexpr uint32_t allModes = 0b1111110;
+constexpr uint32_t allModes = [] {
+    uint32_t all = 0;
+    for (const Mode& mode : modes) all |= 1u << mode.number;
+    return all;
+}();
 
 Found find(const Mode& mode, std::span<const Line> lines, const SeenPoint& seen) {
     if (!mode.find) return firstCrossing(lines, seen);
@@ -236,7 +240,7 @@ using namespace host;
 
 int mdlSnap_toElement(Point3d* point, int32_t view, int32_t mode) noexcept {
     return guarded<int>(MDL_ERROR, [&]() -> int {
-        const bool known = mode > 0 && mode < 32 && (allModes >> mode & 1) != 0;
+        const bool known = std::ranges::find(modes, mode, &Mode::number) != std::end(modes);
         if (!point || !known || !isView(view) || !isFinite(*point)) return MDL_ERROR;
         const Found found = snappedIn(mode, *point, view);
         if (!found) return MDL_ERROR;

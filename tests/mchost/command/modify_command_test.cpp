@@ -201,6 +201,7 @@ TEST_F(ModifyCommand, AComponentIsPointedAtAndHasAPositionWhileItsElementIsLocat
     const FilePos component = mdlElement_getFilePos(MDL_FILE_POS_COMPONENT, &model);
     EXPECT_EQ(locatedElement(), cell);
     EXPECT_EQ(component, cell + MDL_COMPONENT_OFFSET + 4);
+    EXPECT_EQ(front().field(MDL_FIELD_STATUS), "Located: cell, at its line string");
     EXPECT_EQ(model, mdlModelRef_getActive());
     EXPECT_EQ(mdlElement_getFilePos(2, nullptr), 0u);
     EXPECT_GT(mdlElement_read(dgnBufP, nullptr, component), 0u);
@@ -378,6 +379,11 @@ TEST_F(OverlayTest, ErasedComponentsAreToldByTheirBytes) {
     EXPECT_FALSE(host::overlay().isErased(cell, 2));
     EXPECT_FALSE(host::overlay().isErased(cell));
     mdl::DescrPtr ed = mdl::readDescr(cell, nullptr);
+    mdlElement_display(ed->element, MDL_ERASE);
+    EXPECT_FALSE(host::overlay().isErased(cell)) << "a header alone has no look";
+    mdlElmdscr_display(ed->firstChild, nullptr, MDL_ERASE);
+    EXPECT_TRUE(host::overlay().isErased(cell, 1)) << "with what lies in it";
+    EXPECT_TRUE(host::overlay().isErased(cell, 2));
     mdlElmdscr_display(ed.get(), nullptr, MDL_ERASE);
     EXPECT_TRUE(host::overlay().isErased(cell));
     EXPECT_TRUE(host::overlay().isErased(cell, 2)) << "with the whole element";
