@@ -179,7 +179,7 @@ TEST_F(FileNames, WhatIsTypedStaysWhileTimersRun) {
     };
     const std::string shown = chosenOnTerminal(folder, {{"> ", "list-"}, {"tick", "2.txt\r"}}, ticking);
     EXPECT_THAT(shown, testing::HasSubstr("> list-\x1b[K\r\x1b[K")) << "the row is cleared for what is told";
-    EXPECT_THAT(shown, testing::HasSubstr("tick\r\n\r> list-")) << "and the line stands behind it again";
+    EXPECT_THAT(shown.substr(shown.find("tick")), testing::HasSubstr("\r> list-")) << "the line stands behind it again";
 }
 
 }  // namespace
