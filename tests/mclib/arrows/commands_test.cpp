@@ -239,6 +239,10 @@ TEST_F(Commands, OnlyComponentsOfTheCellItselfAreLeaders) {
     host::giveDataPoint(at(0, 0), 0);
     host::giveDataPoint(at(0, 5), 0);
     EXPECT_EQ(words(), (Words{"cell", "text 'abc' 0,5 j2", "cell", "leader 10,15 12,17 14,15", "leader -40,0 0,5"}));
+    moveText();
+    host::giveDataPoint(at(0, 5), 0);
+    host::giveDataPoint(at(0, 0), 0);
+    EXPECT_EQ(words()[3], "leader 10,15 12,17 14,15") << "a symbol stays with all that is in it";
 }
 
 TEST_F(Commands, WithTwoLinesInFrontTheEndMovesAsTheTextDoes) {
@@ -253,6 +257,10 @@ TEST_F(Commands, WithTwoLinesInFrontTheEndMovesAsTheTextDoes) {
     point(0, 0);
     EXPECT_EQ(words(), (Words{"cell", "text 'abc' 0,0 j2", "line 0,5 5,5", "line 7,-3 12,-3", "leader -40,0 0,0"}))
         << "the line right behind the text goes with it";
+    moveHead();
+    point(-20, 0);
+    point(70, 0);
+    EXPECT_EQ(legs(), Words{"leader 70,0 0,0"}) << "the end doesn't slide";
 }
 
 TEST_F(Commands, LeadersUpTo5000VerticesAreChangedAndNoneBeyond) {
@@ -298,6 +306,21 @@ TEST_F(Commands, TheSelectedArrowIsChangedAtOnce) {
     mdlSelect_addElement(mdlElement_add(dgnBufP), nullptr);
     EXPECT_EQ(changeSelected(), MCLIB_ERROR) << "no cell";
     EXPECT_EQ(calls.writes, 1);
+}
+
+TEST_F(Commands, LeadersOfDimensionsDontCount) {
+    const auto ofDimension = [](ElementDescr* cell) {
+        const Point3d ends[] = {at(0, 30), at(0, 2)};
+        const int32_t dimension = 2;
+        mdlLineString_create(dgnBufP, nullptr, ends, 2);
+        mdlElement_setProperties(dgnBufP, nullptr, nullptr, &dimension, nullptr, nullptr, nullptr, nullptr, nullptr);
+        EXPECT_EQ(mdlElmdscr_appendElement(cell, dgnBufP), MDL_SUCCESS);
+    };
+    make(line(0, 0, 10, 0), text(1, 1), leader({at(-40, 0), at(0, 0)}), ofDimension);
+    moveHead();
+    point(-20, 0);
+    point(40, -10);
+    EXPECT_EQ(legs(), (Words{"leader 0,30 0,2", "leader 40,-10 10,0"})) << "the end slides along the underline";
 }
 
 // ---- a day's work ----

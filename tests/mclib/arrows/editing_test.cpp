@@ -145,6 +145,22 @@ TEST_F(Editing, TheHeadGoesWithTheTipAndStaysAlongItsLeader) {
     EXPECT_EQ(legs(), (Words{"leader -20,90 -20,60 " + left + ",60", "line -20,90 -19,88", "line -20,90 -21,88"}));
 }
 
+TEST_F(Editing, AHeadTurnsAlikeInAllViews) {
+    RotMatrix turned;
+    mdlRMatrix_fromAngle(&turned, 0.7);
+    mdlView_setRotation(2, &turned);
+    std::vector<Words> results;
+    for (const int view : {0, 2}) {
+        draw({at(-40, 0), at(0, 0)}, ARROW_FRAME_BOX_CORNER, 1);
+        moveHead();
+        host::giveDataPoint(at(-40, 0), view);
+        host::giveDataPoint(at(0, 40), view);
+        results.push_back(words());
+        mdlElement_undoableDelete(nullptr, arrow, 0);
+    }
+    EXPECT_EQ(results[0], results[1]);
+}
+
 // ---- text ----
 
 TEST_F(Editing, TextFrameAndSymbolMoveAndAllLeadersEndAtOnePoint) {

@@ -41,6 +41,9 @@ void snapToX5(Point3d* point) {
     point->x = 5 * uor;
     called("snap");
 }
+void snapToY0(Point3d* point) {
+    point->y = 0;
+}
 void countText(char* text, const Point3d* vertices, int view) {
     std::snprintf(text, 100, "%g in %d", vertices[0].x / uor, view);
     called("text");
@@ -118,6 +121,16 @@ TEST_F(Placing, AFreeLeaderGrowsPointByPointAndEndsWithAReset) {
     EXPECT_EQ(latest(), (Words{"cell", "leader 0,0 10,0 10,10"}));
     EXPECT_EQ(prompt(), "Give the point that the arrow points at") << "the command begins again";
     EXPECT_EQ(shown(5, 5), Words{});
+}
+
+TEST_F(Placing, VerticesStayWhereTheyWereGivenThoughEachLookedLikeTheLast) {
+    hooks.frameKind = ARROW_FRAME_BOX_SIDE;
+    start({.withText = 1, .text = "abc"});
+    point(0, 0);
+    point(20, 0);  // shown as the end at the frame
+    point(20, 30);
+    host::giveReset();
+    EXPECT_EQ(latest()[3], "leader 0,0 20,0 20,28");
 }
 
 TEST_F(Placing, WhatWasPlacedStaysHighlightedAsItStands) {
@@ -210,6 +223,14 @@ TEST_F(Placing, ATipIsSnappedByTheEndOfTheUnderlineThatIsNearest) {
     EXPECT_EQ(std::count(hooks.calls.begin(), hooks.calls.end(), "snap"), 0) << "for the first point alone";
     host::giveReset();
     EXPECT_EQ(latest()[3], "leader 5,10 " + number(-2 + length) + ",10");
+}
+
+TEST_F(Placing, OfTwoEndsThatAreAsNearTheSecondFindsTheTip) {
+    hooks.frameKind = ARROW_FRAME_UNDERLINE_FIRST;
+    start({.withText = 1, .text = "abc", .snap = snapToY0});
+    shown(0, 10);
+    const std::string x = number(8 + widthOf("abc") + 2);
+    EXPECT_EQ(shown(8, 10)[3], "leader " + x + ",0 " + x + ",10");
 }
 
 TEST_F(Placing, HooksChangeTextSymbolAndCell) {
