@@ -2,7 +2,6 @@
 #include <cstdlib>
 #include <utility>
 
-#include "mchost/mdl/model.h"
 #include "mchost/mdl/selection.h"
 #include "mclib/arrows/drafting.h"
 #include "mclib/arrows/hooks.h"
@@ -59,13 +58,13 @@ void acceptChange(Point3d*, int32_t view) {
     mdlState_restartCurrentCommand();
 }
 
-// The position of the first selected element; 0 when nothing of the active model is selected.
+// The position of the first selected element; 0 when nothing is selected.
 FilePos firstSelected() {
     FilePos* positions = nullptr;
     ModelRef** models = nullptr;
     int32_t count = 0;
     mdlSelect_returnPositions(&positions, &models, &count);
-    const FilePos first = count > 0 && models[0] == mdlModelRef_getActive() ? positions[0] : 0;
+    const FilePos first = count > 0 ? positions[0] : 0;
     std::free(positions);
     std::free(models);
     return first;

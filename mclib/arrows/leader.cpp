@@ -147,7 +147,7 @@ void drawLeader(EditState& edit, const Point3d& point, int view, int drawMode) {
     followFrame(edit);
     drawLine(leader, drawMode);
     if (!leader.head) return;
-    if (leader.segment == 0 && leader.headKept) turnHead(leader);
+    if (leader.headKept) turnHead(leader);
     if (leader.head) mdlElmdscr_display(leader.head.get(), mdlModelRef_getActive(), drawMode);
 }
 

@@ -22,7 +22,8 @@ Point3d fittedToFrame(const FoundFrame& frame, const Point3d& previous, const Po
 FoundFrame movedFrame(FoundFrame frame, const Point3d& offset);
 Point3d sum(const Point3d& a, const Point3d& b);
 
-// Shows the leader in the draw mode with its vertex at the point, and the head along its first segment.
+// Shows the leader in the draw mode with its vertex at the point, and the head, which is turned along the first segment
+// when it was kept.
 void drawLeader(EditState& edit, const Point3d& point, int view, int drawMode);
 // Appends leader and head to the cell. False when memory is out, which the user has been told: the cell lacks them
 // then.

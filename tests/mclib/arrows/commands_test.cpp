@@ -229,6 +229,7 @@ TEST_F(Commands, OnlyComponentsOfTheCellItselfAreLeaders) {
         mdlCell_create(dgnBufP, L"SYMBOL", nullptr, 0);
         EXPECT_EQ(mdlElmdscr_new(&inner, nullptr, dgnBufP), MDL_SUCCESS);
         EXPECT_EQ(mclibElement_createLineString(zigzag, 3, lineAttr, inner), MCLIB_SUCCESS);
+        text(12, 8)(inner);
         EXPECT_EQ(mdlElmdscr_appendDscr(cell, inner), MDL_SUCCESS);
     };
     make(text(0, 0), symbol, leader({at(-40, 0), at(0, 0)}));
@@ -238,11 +239,12 @@ TEST_F(Commands, OnlyComponentsOfTheCellItselfAreLeaders) {
     moveAll();
     host::giveDataPoint(at(0, 0), 0);
     host::giveDataPoint(at(0, 5), 0);
-    EXPECT_EQ(words(), (Words{"cell", "text 'abc' 0,5 j2", "cell", "leader 10,15 12,17 14,15", "leader -40,0 0,5"}));
+    EXPECT_EQ(words(), (Words{"cell", "text 'abc' 0,5 j2", "cell", "leader 10,15 12,17 14,15", "text 'abc' 12,13 j2",
+                              "leader -40,0 0,5"}));
     moveText();
     host::giveDataPoint(at(0, 5), 0);
     host::giveDataPoint(at(0, 0), 0);
-    EXPECT_EQ(words()[3], "leader 10,15 12,17 14,15") << "a symbol stays with all that is in it";
+    EXPECT_EQ(words()[4], "text 'abc' 12,13 j2") << "a symbol stays with all that is in it";
 }
 
 TEST_F(Commands, WithTwoLinesInFrontTheEndMovesAsTheTextDoes) {
@@ -252,15 +254,15 @@ TEST_F(Commands, WithTwoLinesInFrontTheEndMovesAsTheTextDoes) {
     point(7, -9);
     EXPECT_EQ(words(),
               (Words{"cell", "text 'abc' 7,-9 j2", "line 7,-4 12,-4", "line 7,-3 12,-3", "leader -40,0 7,-9"}));
+    moveHead();
+    point(-40, 0);
+    point(70, 0);
+    EXPECT_EQ(legs(), Words{"leader 70,0 7,-9"}) << "the end doesn't slide";
     moveText();
     point(7, -9);
     point(0, 0);
-    EXPECT_EQ(words(), (Words{"cell", "text 'abc' 0,0 j2", "line 0,5 5,5", "line 7,-3 12,-3", "leader -40,0 0,0"}))
+    EXPECT_EQ(words(), (Words{"cell", "text 'abc' 0,0 j2", "line 0,5 5,5", "line 7,-3 12,-3", "leader 70,0 0,0"}))
         << "the line right behind the text goes with it";
-    moveHead();
-    point(-20, 0);
-    point(70, 0);
-    EXPECT_EQ(legs(), Words{"leader 70,0 0,0"}) << "the end doesn't slide";
 }
 
 TEST_F(Commands, LeadersUpTo5000VerticesAreChangedAndNoneBeyond) {
@@ -306,6 +308,14 @@ TEST_F(Commands, TheSelectedArrowIsChangedAtOnce) {
     mdlSelect_addElement(mdlElement_add(dgnBufP), nullptr);
     EXPECT_EQ(changeSelected(), MCLIB_ERROR) << "no cell";
     EXPECT_EQ(calls.writes, 1);
+}
+
+TEST_F(Commands, TheHookIsToldWhichWayTheUnderlineGoes) {
+    make(line(0, 0, -10, 0), text(-9, 1), leader({at(40, 0), at(0, 0)}));
+    change();
+    point(-5, 0);
+    point(70, 70);
+    EXPECT_EQ(calls.direction, -1.0);
 }
 
 TEST_F(Commands, LeadersOfDimensionsDontCount) {

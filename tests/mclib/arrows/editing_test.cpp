@@ -83,7 +83,7 @@ TEST_F(Editing, TheVertexNextToThePointIsDeletedButNoEnd) {
 TEST_F(Editing, ADeletedVertexTurnsTheHeadAndLetsTheEndSlide) {
     draw({at(-40, 0), at(-30, 10), at(-20, 0), at(0, 0)}, ARROW_FRAME_BOX_SIDE, 1);
     remove();
-    point(-39, 1);
+    point(-29, 9);  // behind it, so in the second segment
     point(70, 70);
     EXPECT_EQ(legs(), (Words{"leader -40,0 -20,0 " + left + ",0", "line -40,0 -38,1", "line -40,0 -38,-1"}));
     draw({at(0, 60), at(-10, 40), at(-30, 30), at(0, 20)}, ARROW_FRAME_BOX_SIDE, 0);
@@ -126,6 +126,18 @@ TEST_F(Editing, ALoneLeaderOfTwoVerticesSlidesAlongEachFrame) {
         EXPECT_EQ(legs(), Words{"leader 40,-40 " + end}) << kind;
         mdlElement_undoableDelete(nullptr, arrow, 0);
     }
+}
+
+TEST_F(Editing, TheEndSlidesPastTheWidestLineAndToTheRightOfAHexagonOnATie) {
+    draw({at(-40, 0), at(0, 0)}, ARROW_FRAME_NONE, 0, "i\nabcdef\nii");
+    moveHead();
+    point(-20, 0);
+    point(40, 0);
+    EXPECT_EQ(legs(), Words{"leader 40,0 " + number(widthOf("abcdef") + 3) + ",0"});
+    draw({at(-40, 60), at(0, 60)}, ARROW_FRAME_HEXAGON, 0);
+    point(-20, 60);
+    point(0, 90);
+    EXPECT_EQ(legs(), Words{"leader 0,90 " + number(w / 2 + 1 + 2 / std::sqrt(3)) + ",60"});
 }
 
 TEST_F(Editing, TheHeadGoesWithTheTipAndStaysAlongItsLeader) {

@@ -236,12 +236,14 @@ TEST_F(Placing, OfTwoEndsThatAreAsNearTheSecondFindsTheTip) {
 TEST_F(Placing, HooksChangeTextSymbolAndCell) {
     start({.withText = 1, .text = "abc", .textHook = countText, .symbolHook = symbol, .cell = describe});
     point(40, 0);
-    EXPECT_EQ(shown(10, 0)[1], "text '40 in 0' " + number(11.5) + ",-1 j2");
+    const double end = 10 + widthOf("40 in 0") + 3;
+    const Words first = shown(10, 0);
+    EXPECT_EQ(first[1], "text '40 in 0' 11.5,-1 j2");
+    EXPECT_EQ(first[3], "leader 40,0 " + number(end) + ",0") << "as wide as the changed text";
     point(10, 0);
     EXPECT_EQ(std::count(hooks.calls.begin(), hooks.calls.end(), "cell"), 0) << "not before the arrow is written";
     hooks.calls.clear();
     host::giveReset();
-    const double end = 10 + widthOf("40 in 0") + 3;
     EXPECT_EQ(latest(), (Words{"cell", "text '40 in 0' 11.5,-1 j2", "circle " + number(end) + ",0 r1",
                                "leader 40,0 " + number(end) + ",0"}));
     EXPECT_EQ(hooks.calls, (Words{"looks", "text", "cell", number(end - 10) + ",0 left"}));
