@@ -57,13 +57,12 @@ inline void looks(int* headType, double* headSize, double* scale, int* leaderMod
 inline int changeText(ElementDescr** made, ElementDescr* old, Point3d* anchor, double direction, int) {
     calls.direction = direction;
     calls.anchor = *anchor;
-    if (calls.changeResult != 0) return calls.changeResult;
     MSElementBuffer* header = old->element;
     EXPECT_EQ(mdlElmdscr_new(made, nullptr, header), MDL_SUCCESS);
     const TextSize size = {1, 2 * uor, 2 * uor, 1};
     mdlText_create(dgnBufP, nullptr, "new", anchor, nullptr, &size, nullptr, 0);
     EXPECT_EQ(mdlElmdscr_appendElement(*made, dgnBufP), MDL_SUCCESS);
-    return 0;
+    return calls.changeResult;
 }
 
 class Editing : public ArrowTest {
