@@ -2,6 +2,7 @@
 #include <cmath>
 #include <map>
 
+#include <mchost/mdl/describe.h>
 #include <mchost/mdl/files.h>
 #include <mchost/mdl/level.h>
 #include <mchost/mdl/model.h>
@@ -15,32 +16,9 @@ namespace {
 
 constexpr size_t nameCharacters = 512;
 
-struct TypeRow {
-    int32_t type;
-    const char* name;
-};
-constexpr TypeRow types[] = {
-    {MDL_CELL_HEADER, "cell"},
-    {MDL_LINE, "line"},
-    {MDL_LINE_STRING, "line string"},
-    {MDL_SHAPE, "shape"},
-    {MDL_TEXT_NODE, "text node"},
-    {MDL_COMPLEX_SHAPE, "complex shape"},
-    {MDL_ELLIPSE, "ellipse"},
-    {MDL_ARC, "arc"},
-    {MDL_TEXT, "text"},
-    {MDL_BSPLINE, "B-spline"},
-    {MDL_DIMENSION, "dimension"},
-    {MDL_COMPOUND, "compound"},
-    {MDL_MULTILINE, "multiline"},
-    {MDL_TAG, "tag"},
-    {MDL_APPLICATION_DATA, "application data"},
-};
-
 std::string typeName(int32_t type) {
-    for (const TypeRow& row : types)
-        if (row.type == type) return row.name;
-    return "type " + std::to_string(type);
+    const char* const name = mdlElement_typeName(type);
+    return name ? name : "type " + std::to_string(type);
 }
 
 class WorkFile {

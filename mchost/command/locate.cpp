@@ -9,6 +9,7 @@
 #include "mchost/base/guard.h"
 #include "mchost/command/hits.h"
 #include "mchost/command/running.h"
+#include "mchost/mdl/describe.h"
 #include "mchost/mdl/locate.h"
 #include "mchost/mdl/system.h"
 #include "mchost/model/open_files.h"
@@ -52,21 +53,8 @@ void tell(Refusal refusal) {
 }
 
 const char* nameOfType(int type) {
-    constexpr struct {
-        int type;
-        const char* name;
-    } names[] = {{MDL_CELL_HEADER, "cell"},
-                 {MDL_LINE, "line"},
-                 {MDL_LINE_STRING, "line string"},
-                 {MDL_SHAPE, "shape"},
-                 {MDL_TEXT_NODE, "text node"},
-                 {MDL_COMPLEX_SHAPE, "complex shape"},
-                 {MDL_ELLIPSE, "ellipse"},
-                 {MDL_ARC, "arc"},
-                 {MDL_TEXT, "text"},
-                 {MDL_BSPLINE, "curve"}};
-    const auto known = std::ranges::find(names, type, [](const auto& row) { return row.type; });
-    return known != std::end(names) ? known->name : "element";
+    const char* const name = mdlElement_typeName(type);
+    return name ? name : "element";
 }
 
 // Where no highlight is seen this tells what is located.
