@@ -1,18 +1,46 @@
 // The parts of labels in the drawing: each is one cell with frame, texts, symbol, then leaders, each with its head
-// behind it.
+// behind it. Places are UOR.
 #pragma once
 
+#include <optional>
+#include <string>
 #include <vector>
 
 #include <mchost/mdl/elmdscr.h>
 
 namespace labels {
 
-// The last point of the first leader, in UOR. False when the cell has no leader.
-bool endOfLeader(Point3d& end, ElementDescr* arrow);
+// ---- elements ----
 
-// From one point to another (UOR), as the view shows it: radians from the right, counter-clockwise.
+// The points of an element that has a line or an outline; of a text its box.
+std::vector<Point3d> pointsOf(const MSElementBuffer* element);
+// From one point to another, as the view shows it: radians from the right, counter-clockwise.
 double bearing(const Point3d& from, const Point3d& to, int view);
+std::string cellName(const MSElementBuffer* cell);
+
+// ---- labels ----
+
+// The first leader; null for a cell that has none, which is no label, and for what is no cell.
+ElementDescr* firstLeader(const ElementDescr* label);
+inline bool isLabel(const ElementDescr* ed) {
+    return firstLeader(ed);
+}
+// The last point of the first leader. False when there is none.
+bool endOfLeader(Point3d& end, const ElementDescr* label);
+void removeLeaders(ElementDescr* label);
+
+// What frame, texts and symbol take, along the axes of a view.
+struct Extent {
+    double left, bottom, right, top;
+    int view;
+    Point3d middle() const;
+    bool has(const Point3d& point) const;
+};
+// Nothing for a label that has nothing but leaders.
+std::optional<Extent> textExtent(const ElementDescr* label, int view);
+
+// Moves frame, texts and symbol, and the ends of the leaders with them; tips stay. False when it can't be done.
+bool moveText(ElementDescr*& label, const Point3d& way);
 
 // How leaders and heads are made; headSize and divisor as the library has them.
 struct LeaderLook {
@@ -20,7 +48,7 @@ struct LeaderLook {
     int head;
     double headSize, divisor;
 };
-// Appends a leader from its tip (points in UOR) to where the first one ends, and its head. False when it can't be.
-bool appendLeader(ElementDescr* arrow, std::vector<Point3d> points, const LeaderLook& look, int view);
+// Appends a leader from its tip to where the first one ends, and its head. False when it can't be.
+bool appendLeader(ElementDescr* label, std::vector<Point3d> points, const LeaderLook& look, int view);
 
 }  // namespace labels

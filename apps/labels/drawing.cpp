@@ -69,17 +69,19 @@ bool drawOne(const Label& label, const Paper& paper) {
 // Adds what is to be one step, and takes it back when it isn't whole.
 class Step {
   public:
-    explicit Step(const char* name) : failuresBefore_(mdlSystem_failureNoted()) {
+    explicit Step(const char* name) : failuresBefore_(failures()) {
         elements_ = mdlModelRef_getElementCount(mdlModelRef_getActive());
         mdlUndo_mark(name);
     }
-    bool isWhole() const { return mdlSystem_failureNoted() == failuresBefore_; }
+    bool isWhole() const { return failures() == failuresBefore_; }
     void takeBack() const {
         if (mdlModelRef_getElementCount(mdlModelRef_getActive()) != elements_) mdlUndo_undo();
     }
 
   private:
-    int failuresBefore_;
+    static int64_t failures() { return mdlSystem_failureNoted() + mdlSystem_memoryFailures(); }
+
+    int64_t failuresBefore_;
     uint32_t elements_ = 0;
 };
 

@@ -20,6 +20,7 @@ struct Label {
 
 struct LabelFile {
     Paper paper;
+    Style style;  // that holds behind the last line
     std::vector<Label> labels;
 };
 

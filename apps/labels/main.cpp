@@ -18,6 +18,7 @@
 #include <mclib/app/system_path.hpp>
 #include <mclib/app/tell.hpp>
 #include <mclib/app/work_file.hpp>
+#include "commands.h"
 #include "drawing.h"
 #include "options.h"
 #include "reader.h"
@@ -50,9 +51,8 @@ mdl::DescrPtr upright() {
     }
     RotMatrix view = {};
     mdlRMatrix_fromView(&view, 0);
-    const auto& m = view.form;
-    const Transform turn = {
-        {{m[0][0], m[0][1], m[0][2], 0}, {m[1][0], m[1][1], m[1][2], 0}, {m[2][0], m[2][1], m[2][2], 0}}};
+    Transform turn = {};
+    mdlTMatrix_fromRMatrix(&turn, &view);
     if (mdlElmdscr_transform(all.get(), &turn) != MDL_SUCCESS) return nullptr;
     return mdl::DescrPtr(std::exchange(*all.out(), nullptr));
 }
@@ -109,12 +109,28 @@ bool addToDrawing(const LabelFile& file, const Options& options) {
     return true;
 }
 
+// The dialog, which stays. Labels of the file are drawn first.
+bool openDialog(const LabelFile& file, const Options& options) {
+    if (!file.labels.empty() && !addToDrawing(file, options)) return false;
+    if (!openCommands(file.paper, file.style)) return false;
+    startNamed(options.start);
+    return true;
+}
+
+bool run(const LabelFile& file, const Options& options) {
+    const bool isOpen = mdlModelRef_getActive() != nullptr;
+    if (!options.commands) return isOpen ? addToDrawing(file, options) : makeDrawing(file, options);
+    return isOpen ? openDialog(file, options)
+                  : mcapp::fail("there is no drawing to place labels in; open one with mchost --open or --new");
+}
+
 ExitStatus work(const Options& options) {
     if (!beginAttributes()) return failed;
-    const std::optional<LabelFile> file = readLabels(options.input, options.scale);
-    if (!file) return failed;
-    const bool isOpen = mdlModelRef_getActive() != nullptr;
-    return (isOpen ? addToDrawing(*file, options) : makeDrawing(*file, options)) ? done : failed;
+    LabelFile usual;
+    if (options.scale > 0) usual.paper.scale = options.scale;
+    const std::optional<LabelFile> file =
+        options.input.empty() ? usual : readLabels(options.input, options.scale, !options.commands);
+    return file && run(*file, options) ? done : failed;
 }
 
 }  // namespace

@@ -6,12 +6,14 @@
 
 #include <mclib/app/arguments.hpp>
 #include <mclib/app/names.hpp>
+#include "commands.h"
 
 namespace labels {
 
 // clang-format off
 const char* const usage =
     "usage: mchost labels LABELS.txt [options]\n"
+    "       mchost --open DRAWING.mcd labels [LABELS.txt] --commands\n"
     "  makes a new drawing with the labels and a picture of it; with mchost --open DRAWING.mcd they go into that one\n"
     "  --out NAME       where to make the files: a folder, or a path without suffix (default: the input's name in the\n"
     "                   current folder). With --open: of the picture, and without it there is none\n"
@@ -19,6 +21,10 @@ const char* const usage =
     "  --dpi 150        pixels in an inch of a png\n"
     "  --scale 5000     instead of the SCALE of the input\n"
     "  --overwrite      replace files that are there\n"
+    "  --commands       open the dialog whose buttons place and change labels; the file may tell scale and looks\n"
+    "  --start place    begin with a command: place, move-tip, move-text, move, change-text, insert-vertex,\n"
+    "                   delete-vertex, add-leader, erase-leader, replace-head, align-edges, align-row, collect,\n"
+    "                   renumber\n"
     "  --help           print this\n";
 // clang-format on
 
@@ -38,13 +44,21 @@ std::string setPicture(Options& options, std::string_view, const std::string& va
                : "--picture takes png, svg or pdf, not \"" + value + "\"";
 }
 
+std::string setStart(Options& options, std::string_view, const std::string& value) {
+    options.start = value;
+    options.commands = true;
+    return isCommand(value) ? "" : "--start doesn't know \"" + value + "\"";
+}
+
 constexpr mcapp::ValueOption<Options> valueOptions[] = {
-    {"--out", mcapp::setText<&Options::out>},
-    {"--picture", setPicture},
-    {"--dpi", mcapp::setPositive<&Options::dpi>},
+    {"--out", mcapp::setText<&Options::out>},         {"--picture", setPicture},
+    {"--dpi", mcapp::setPositive<&Options::dpi>},     {"--start", setStart},
     {"--scale", mcapp::setPositive<&Options::scale>},
 };
-constexpr mcapp::Flag<Options> flags[] = {{"--overwrite", &Options::overwrite}};
+constexpr mcapp::Flag<Options> flags[] = {
+    {"--overwrite", &Options::overwrite},
+    {"--commands", &Options::commands},
+};
 
 bool isWithoutSuffix(const Options& options) {
     if (options.out == "-") return wrong("--out takes a folder or a path; standard output isn't written");
@@ -59,8 +73,12 @@ bool isWithoutSuffix(const Options& options) {
 
 std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
     Options options;
-    const mcapp::CallForm<Options> form = {usage, valueOptions, flags, &Options::input, "the name of the labels' file"};
+    const mcapp::CallForm<Options> form = {usage, valueOptions, flags, &Options::input};
     if (!mcapp::takeArguments(options, arguments, form) || !isWithoutSuffix(options)) return {};
+    if (options.input.empty() && !options.commands) {
+        wrong("the name of the labels' file is missing");
+        return {};
+    }
     return options;
 }
 

@@ -11,7 +11,8 @@ struct Options {
     std::string input, out, picture = "png";
     double scale = 0;  // 0: that of the input
     double dpi = 150;
-    bool overwrite = false;
+    std::string start;  // a command
+    bool overwrite = false, commands = false;
 };
 
 extern const char* const usage;

@@ -12,6 +12,7 @@
 #include <mclib/app/names.hpp>
 #include <mclib/app/tell.hpp>
 #include "kinds.h"
+#include "settings.h"
 
 namespace labels {
 
@@ -42,7 +43,7 @@ bool isSamePlace(const Point3d& a, const Point3d& b) {
 class Reader {
   public:
     explicit Reader(double scale) : scale_(scale) {}
-    bool read(const std::string& fileName);
+    bool read(const std::string& fileName, bool needsLabels);
     LabelFile take() { return std::move(file_); }
 
   private:
@@ -286,20 +287,21 @@ bool Reader::line() {
     return (this->*keyword->read)() && in_.endOfLine();
 }
 
-bool Reader::read(const std::string& fileName) {
+bool Reader::read(const std::string& fileName, bool needsLabels) {
     if (!in_.open(fileName)) return false;
     bool good = true;
     while (in_.nextLine()) good = line() && good;
     if (!good || in_.failed()) return false;
     if (scale_ > 0) file_.paper.scale = scale_;
-    return !file_.labels.empty() || mcapp::fail(fileName + ": there is no LABEL in it");
+    file_.style = style_;
+    return !needsLabels || !file_.labels.empty() || mcapp::fail(fileName + ": there is no LABEL in it");
 }
 
 }  // namespace
 
-std::optional<LabelFile> readLabels(const std::string& fileName, double scale) {
+std::optional<LabelFile> readLabels(const std::string& fileName, double scale, bool needsLabels) {
     Reader reader(scale);
-    if (!reader.read(fileName)) return {};
+    if (!reader.read(fileName, needsLabels)) return {};
     return reader.take();
 }
 
