@@ -11,12 +11,12 @@
 #include <mchost/mdl/model.h>
 #include <mchost/mdl/text.h>
 #include <mclib/mclib.h>
-#include <mchost/mdl/names.hpp>
 #include <mchost/mdl/owned.hpp>
 #include "arrow.h"
 #include "kinds.h"
 #include "labels_ids.h"
 #include "placing.h"
+#include "refusal.h"
 #include "settings.h"
 
 namespace labels {
@@ -80,7 +80,8 @@ std::optional<TextPart> textPart(const ElementDescr* label, const Point3d& ancho
 }
 
 // The label with other words, at its place; its leader goes from `before` to `at`. Null when it can't be made.
-mdl::DescrPtr drawn(const TextPart& part, const Point3d& before, const Point3d& at, const std::string& cell, int view) {
+mdl::DescrPtr drawn(const TextPart& part, const Point3d& before, const Point3d& at, const std::string& text,
+                    const std::string& cell, int view) {
     int head = 0, leg = 0, frame = 0;
     double headSize = 0, scale = 0, angle = 0, width = 0;
     giveLooks(&head, &headSize, &scale, &leg, &frame, &angle, &width);
@@ -90,7 +91,7 @@ mdl::DescrPtr drawn(const TextPart& part, const Point3d& before, const Point3d& 
     const Point3d leader[] = {before, at};
     mclibArrow_initFilePos();
     if (mclibArrow_drawTextArrow(leader, 2, style.textAttribute, style.lineAttribute, style.headAttribute, scale,
-                                 part.angle, settings().text, cell.c_str(), ARROW_HEAD_NONE, 0, part.frame,
+                                 part.angle, text.c_str(), cell.c_str(), ARROW_HEAD_NONE, 0, part.frame,
                                  view) != MCLIB_SUCCESS)
         return nullptr;
     const FilePos position = mclibArrow_getLatestFilePos();
@@ -104,27 +105,42 @@ Point3d beyond(const Point3d& middle, const Point3d& anchor) {
     return {2 * anchor.x - middle.x, 2 * anchor.y - middle.y, anchor.z};
 }
 
-int refuse(const mdl::Message<notes::id>& why) {
-    mdl::printMessage(MDL_FIELD_ERROR, why);
-    return 1;
+// Of the label that is being changed; the hook for its text doesn't get the leaders.
+Point3d& tipInHand() {
+    static Point3d tip = {};
+    return tip;
 }
 
-int changeText(ElementDescr** newCell, ElementDescr* oldCell, Point3d* anchor, double, int view) {
-    const std::optional<TextPart> part = textPart(oldCell, *anchor, view);
-    if (!part || isAt(part->middle, *anchor)) return refuse(notes::fixedText);
-    if (isBlank(settings().text)) return refuse(notes::noText);
+void keepTip(ElementDescr** label, ElementDescr**) {
+    const ElementDescr* const leader = *label ? firstLeader(*label) : nullptr;
+    const std::vector<Point3d> points = leader ? pointsOf(leader->element) : std::vector<Point3d>();
+    if (!points.empty()) tipInHand() = points.front();
+}
+
+// Frame and text of `old`, whose leader ends at the anchor, with the words of the dialog. False after a message.
+bool makeNewText(mdl::DescrPtr& label, const ElementDescr* old, const Point3d& anchor, int view) {
+    const std::optional<TextPart> part = textPart(old, anchor, view);
+    if (!part || isAt(part->middle, anchor)) return refuse(notes::fixedText);
+    if (!hasGoodText()) return false;
     const bool boxed = surroundsText(part->frame);
-    const Point3d before = beyond(part->middle, *anchor), at = boxed ? part->middle : *anchor;
-    mdl::DescrPtr label = drawn(*part, before, at, cellName(oldCell->element), view);
+    const Point3d before = beyond(part->middle, anchor), at = boxed ? part->middle : anchor;
+    label = drawn(*part, before, at, textAt(tipInHand()), cellName(old->element), view);
     Point3d end = {};
     if (!label || !endOfLeader(end, label.get())) return refuse(notes::notWritten);
     Transform move;
     mdlTMatrix_getIdentity(&move);
-    mdlTMatrix_translate(&move, &move, anchor->x - end.x, anchor->y - end.y, 0);
+    mdlTMatrix_translate(&move, &move, anchor.x - end.x, anchor.y - end.y, 0);
     if (mdlElmdscr_transform(label.get(), &move) != MDL_SUCCESS) return refuse(notes::notWritten);
     removeLeaders(label.get());
+    return true;
+}
+
+int changeText(ElementDescr** newCell, ElementDescr* oldCell, Point3d* anchor, double, int view) {
+    constexpr int done = 0, refused = 1;
+    mdl::DescrPtr label;
+    if (!makeNewText(label, oldCell, *anchor, view)) return refused;
     *newCell = label.release();
-    return 0;
+    return done;
 }
 
 }  // namespace
@@ -145,7 +161,7 @@ void startMovingAll() {
 }
 
 void startChangingText() {
-    mclibArrow_modifyTextAndSymbol(commands::changeText.number, prompts::labelOf.number, nullptr, nullptr, nullptr,
+    mclibArrow_modifyTextAndSymbol(commands::changeText.number, prompts::labelOf.number, nullptr, keepTip, nullptr,
                                    changeText, endCommand);
 }
 

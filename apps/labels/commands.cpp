@@ -13,6 +13,7 @@
 #include "gathering.h"
 #include "labels_ids.h"
 #include "placing.h"
+#include "refusal.h"
 #include "settings.h"
 
 namespace labels {
@@ -49,8 +50,7 @@ const Button* buttonNamed(std::string_view name) {
 }
 
 void start(const Button& button) {
-    if (settings().scale > 0) return button.start();
-    mdl::printMessage(MDL_FIELD_ERROR, ids::notes::badScale);
+    if (settings().scale > 0 || refuse(ids::notes::badScale)) button.start();
 }
 
 void press(DialogMessage* message) {

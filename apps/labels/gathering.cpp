@@ -10,6 +10,7 @@
 #include <mchost/mdl/modify.h>
 #include <mchost/mdl/state.h>
 #include <mchost/mdl/text.h>
+#include <mchost/mdl/undo.h>
 #include <mchost/mdl/view.h>
 #include <mchost/mdl/names.hpp>
 #include <mchost/mdl/owned.hpp>
@@ -19,6 +20,7 @@
 #include "labels_ids.h"
 #include "nearest.h"
 #include "placing.h"
+#include "refusal.h"
 #include "settings.h"
 
 namespace labels {
@@ -195,14 +197,25 @@ void prompt(const mdl::Message<prompts::id>& message) {
     if (mdlOutput_rscsPrintf(text, 0, prompts::id, message.number) == MDL_SUCCESS) mdlOutput_prompt(text);
 }
 
+bool isLocked(FilePos position) {
+    int32_t locked = 0;
+    const mdl::DescrPtr label = mdl::readDescr(position, mdlModelRef_getActive());
+    return label &&
+           mdlElement_getProperties(nullptr, nullptr, nullptr, &locked, nullptr, nullptr, nullptr, nullptr,
+                                    label->element) == MDL_SUCCESS &&
+           locked != 0;
+}
+
 void pick(Point3d* point, int32_t view) {
     constexpr double touchPixels = 10;
     const std::optional<Nearest> found = nearestLabel(*point, touchPixels * mdlView_getPixelSize(view), view);
     std::vector<FilePos>& positions = gathering().positions;
     if (!found) {
-        mdl::printMessage(MDL_FIELD_ERROR, notes::noLabel);
+        refuse(notes::noLabel);
     } else if (std::ranges::find(positions, found->position) != positions.end()) {
-        mdl::printMessage(MDL_FIELD_ERROR, notes::twice);
+        refuse(notes::twice);
+    } else if (isLocked(found->position)) {
+        refuse(notes::locked);
     } else {
         positions.push_back(found->position);
         gathering().view = view;
@@ -211,32 +224,36 @@ void pick(Point3d* point, int32_t view) {
     }
 }
 
+bool writeOne(const Gathered& gathered, bool stays) {
+    if (stays) return mdlElmdscr_rewrite(gathered.label.get(), gathered.position) != 0;
+    return mdlElement_undoableDelete(nullptr, gathered.position, 0) == MDL_SUCCESS;
+}
+
+// All of them or none.
 bool write(const Labels& labels, const Kind& kind) {
     for (size_t i = 0; i < labels.size(); ++i) {
-        const bool goes = kind.keepsFirstAlone && i > 0;
-        if (goes ? mdlElement_undoableDelete(nullptr, labels[i].position, 0) != MDL_SUCCESS
-                 : mdlElmdscr_rewrite(labels[i].label.get(), labels[i].position) == 0)
-            return false;
+        if (writeOne(labels[i], i == 0 || !kind.keepsFirstAlone)) continue;
+        if (i > 0) mdlUndo_undo();
+        return false;
     }
     return true;
 }
 
-void change(const Gathering& asked) {
+bool change(const Gathering& asked) {
     Labels labels(asked.positions.size());
     for (size_t i = 0; i < labels.size(); ++i) {
         labels[i].position = asked.positions[i];
-        if (!read(labels[i])) return void(mdl::printMessage(MDL_FIELD_ERROR, notes::notWritten));
+        if (!read(labels[i])) return refuse(notes::notWritten);
     }
-    if (!asked.kind->change(labels, asked.view)) return void(mdl::printMessage(MDL_FIELD_ERROR, asked.kind->refusal));
-    if (!write(labels, *asked.kind)) return void(mdl::printMessage(MDL_FIELD_ERROR, notes::notWritten));
-    mdl::printMessage(MDL_FIELD_MESSAGE, notes::changed, static_cast<int>(labels.size()));
+    if (!asked.kind->change(labels, asked.view)) return refuse(asked.kind->refusal);
+    return write(labels, *asked.kind) || refuse(notes::notWritten);
 }
 
 // The end of the gathering, and without enough labels of the command.
 void finish() {
     const Gathering asked = std::exchange(gathering(), {});
     if (asked.positions.size() < asked.kind->least) return endCommand();
-    change(asked);
+    if (change(asked)) mdl::printMessage(MDL_FIELD_MESSAGE, notes::changed, static_cast<int>(asked.positions.size()));
     mdlState_restartCurrentCommand();
 }
 

@@ -15,34 +15,23 @@
 #include "kinds.h"
 #include "labels_ids.h"
 #include "nearest.h"
+#include "refusal.h"
 #include "settings.h"
 
 namespace labels {
 
 namespace {
 
-constexpr double reachMm = 100;  // of the tip for an element, on paper
-
-double reach() {
-    return reachMm * currentPaper().unitsPerMm() * mdlModelRef_getUorPerMaster(mdlModelRef_getActive());
+// Of millimetres on paper.
+double inUor(double millimetres) {
+    return millimetres * currentPaper().unitsPerMm() * mdlModelRef_getUorPerMaster(mdlModelRef_getActive());
 }
 
 // ---- hooks ----
 
 void snapTip(Point3d* point) {
-    if (const std::optional<Nearest> found = nearestElement(*point, reach())) *point = found->point;
-}
-
-// Of an element that lies under the tip.
-std::string textAt(const Point3d& tip) {
-    constexpr double touchMm = 2;
-    const Settings& s = settings();
-    if (s.tagString == 0) return s.text;
-    const std::optional<Nearest> element = nearestElement(tip, reach() * touchMm / reachMm);
-    std::string why;
-    const std::optional<std::string> text = textOver(element ? element->position : 0, s.text, why);
-    if (!text) mdl::printMessage(MDL_FIELD_ERROR, ids::notes::badTag, why.c_str());
-    return text && !text->empty() ? *text : s.text;
+    constexpr double reachMm = 100;
+    if (const std::optional<Nearest> found = nearestElement(*point, inUor(reachMm))) *point = found->point;
 }
 
 void giveText(char* text, const Point3d* vertices, int view) {
@@ -81,17 +70,31 @@ void giveLooksOfNumber(int* headType, double* headSize, double* scale, int* lead
 
 }  // namespace
 
+std::string textAt(const Point3d& tip) {
+    constexpr double touchMm = 2;
+    const Settings& s = settings();
+    if (s.tagString == 0) return s.text;
+    const std::optional<Nearest> element = nearestElement(tip, inUor(touchMm));
+    std::string why;
+    const std::optional<std::string> text = textOver(element ? element->position : 0, s.text, why);
+    return text && !isBlank(*text) ? *text : s.text;
+}
+
 void endCommand() {
     mdlState_startDefaultCommand();
+}
+
+bool hasGoodText() {
+    const Settings& s = settings();
+    std::string why;
+    if (isBlank(s.text)) return refuse(ids::notes::noText);
+    return s.tagString == 0 || textOver(0, s.text, why) || refuse(ids::notes::badTag, why.c_str());
 }
 
 void startPlacing() {
     const Settings& s = settings();
     const bool numbered = s.numbered != 0;
-    if (!numbered && isBlank(s.text)) {
-        mdl::printMessage(MDL_FIELD_ERROR, ids::notes::noText);
-        return endCommand();
-    }
+    if (!numbered && !hasGoodText()) return endCommand();
     mdlState_startPrimitive(nullptr, startPlacing, ids::commands::place.number, 0);
     const Style& style = startStyle();
     mclibArrow_drawTextAndArrow(!numbered, 1, style.textAttribute, style.lineAttribute, style.headAttribute, 1, nullptr,

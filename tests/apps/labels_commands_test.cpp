@@ -92,11 +92,6 @@ TEST_F(LabelCommands, TheTipLiesOnTheNearestElementAndTheTextTellsOfIt) {
     EXPECT_GE(tip.x, 140 - 1e-4);
 }
 
-TEST_F(LabelCommands, ATagStringThatIsWrongIsTold) {
-    EXPECT_THAT(carryOut("wrong", "text=DEPTH+\ntext is=1\nplace\n120,50\n140,70\nreset\nend\n"),
-                HasSubstr("The text is no tag string:"));
-}
-
 TEST_F(LabelCommands, NumbersGoOnByThemselves) {
     const Drawing drawing = after("Place label", "next=41\nposition=1\nplace\n100,0\n140,0\nreset\n");
     ASSERT_EQ(drawing.count(), 6u);
@@ -168,6 +163,12 @@ TEST_F(LabelCommands, ATextIsChangedAtItsPlace) {
     }
 }
 
+TEST_F(LabelCommands, AChangedTextTellsOfTheElementUnderItsTip) {
+    const std::string place = "text=A\nplace\n120,50\n140,70\nreset\nend\n";
+    carryOut("after", place + "text=TYPE+\" \"+DATA\ntext is=1\nchange\n140,70\n140,70\nend\n");
+    EXPECT_EQ(Drawing(folder_ / "after.mcd").text(5, 1), "line PE 250");
+}
+
 // ---- several labels ----
 
 TEST_F(LabelCommands, LabelsAreAligned) {
@@ -211,17 +212,39 @@ TEST_F(LabelCommands, WhatCantBeDoneIsToldAndLeavesTheDrawing) {
     struct Case {
         const char *lines, *told;
     };
-    for (const Case& c : {Case{"place\n", "Write the text of the label first."},
-                          Case{"text=  \nplace\n", "Write the text of the label first."},
-                          Case{"text=\nchange\n40,1.87\n40,1.87\nend\n", "Write the text of the label first."},
-                          Case{"renumber\n300,300\nend\n", "There is no label at this point."},
-                          Case{"renumber\n150,50\nend\n", "There is no label at this point."},
-                          Case{"renumber\n45,90\n45,91\n", "This label has been pointed at already."},
-                          Case{"renumber\n40,0\nreset\nend\n", "This label has no number."},
-                          Case{"scale=0\ntext=A\nplace\n", "The scale must be a number above 0."}}) {
-        const std::string output = carryOut("same", c.lines);
+    for (const Case& c :
+         {Case{"place\n", "Write the text of the label first."},
+          Case{"text=  \nplace\n", "Write the text of the label first."},
+          Case{"text=\nchange\n40,1.87\n40,1.87\nend\n", "Write the text of the label first."},
+          Case{"text=DEPTH+\ntext is=1\nplace\n", "The text is no tag string: there is no text \"DEPTH\""},
+          Case{"renumber\n300,300\nend\n", "There is no label at this point."},
+          Case{"renumber\n150,50\nend\n", "There is no label at this point."},
+          Case{"renumber\n45,90\n45,91\n", "This label has been pointed at already."},
+          Case{"renumber\n40,0\nreset\nend\n", "This label has no number."},
+          Case{"scale=0\ntext=A\nplace\n", "The scale must be a number above 0."}}) {
+        const std::string output = carryOut("same", c.lines, 1);
         EXPECT_THAT(output, HasSubstr(c.told)) << c.lines;
         EXPECT_EQ(shown("same"), shown("before")) << c.lines;
+    }
+}
+
+TEST_F(LabelCommands, ALockedLabelIsRefused) {
+    {
+        const host::Session session;
+        ASSERT_EQ(mdlSystem_newDesignFile((folder_ / "before.mcd").c_str(), 0), MDL_SUCCESS);
+        const mdl::Scan cells(mdlModelRef_getActive());
+        mdlScanCriteria_addSingleElementTypeTest(cells.criteria(), MDL_CELL_HEADER);
+        const int32_t locked = 1;
+        for (const FilePos position : cells) {
+            ASSERT_NE(mdlElement_read(dgnBufP, nullptr, position), 0u);
+            mdlElement_setProperties(dgnBufP, nullptr, nullptr, nullptr, &locked, nullptr, nullptr, nullptr, nullptr);
+            ASSERT_NE(mdlElement_rewrite(dgnBufP, position), 0u);
+        }
+        ASSERT_EQ(mdlSystem_closeDesignFile(), MDL_SUCCESS);
+    }
+    for (const char* lines : {"renumber\n45,90\nreset\n", "insert\n20,0\n"}) {
+        EXPECT_THAT(carryOut("locked", lines, 1), HasSubstr("locked")) << lines;
+        EXPECT_EQ(shown("locked"), shown("before")) << lines;
     }
 }
 
@@ -241,7 +264,7 @@ TEST_F(LabelCommands, CallsForTheDialogAreChecked) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_THAT(outcome.output, HasSubstr("there is no drawing to place labels in"));
     EXPECT_EQ(run("--start fly", "--open before.mcd").status, 2);
-    write("lines.txt", "100,0\n140,0\nreset\nclose\n");
+    write("lines.txt", "45,90\n40,120\nreset\nclose\n");
     write("usual2.txt", "SCALE 1000\nFRAME circle\n");
     EXPECT_EQ(run("usual2.txt --start collect", "--open before.mcd --answers lines.txt").status, 0);
 }
