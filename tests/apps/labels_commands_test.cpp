@@ -33,13 +33,16 @@ class LabelCommands : public ApplicationTest {
         EXPECT_EQ(run("usual.txt --out before").status, 0);
         addPipe();
     }
-    // A line with data, from (100, 50) to (200, 50).
+    // A line with data, from (100, 50) to (200, 50), and a text above it.
     void addPipe() const {
         const host::Session session;
         const Point3d ends[] = {{1e6, 5e5, 0}, {2e6, 5e5, 0}};
         ASSERT_EQ(mdlSystem_newDesignFile((folder_ / "before.mcd").c_str(), 0), MDL_SUCCESS);
         ASSERT_EQ(mdlLine_create(dgnBufP, nullptr, ends), MDL_SUCCESS);
         ASSERT_EQ(mclibAttrib_appendElementUserData(7, 0, dgnBufP, "PE 250", 7), MDL_SUCCESS);
+        ASSERT_NE(mdlElement_add(dgnBufP), 0u);
+        const Point3d note = {1.4e6, 6.8e5, 0};
+        ASSERT_EQ(mdlText_create(dgnBufP, nullptr, "note", &note, nullptr, nullptr, nullptr, 0), MDL_SUCCESS);
         ASSERT_NE(mdlElement_add(dgnBufP), 0u);
         ASSERT_EQ(mdlSystem_closeDesignFile(), MDL_SUCCESS);
     }
