@@ -5,6 +5,7 @@
 #include <iterator>
 #include <vector>
 
+#include <mchost/mdl/describe.h>
 #include <mchost/mdl/element.h>
 #include <mchost/mdl/level.h>
 #include <mchost/mdl/model.h>
@@ -80,18 +81,10 @@ std::string levelOf(const MSElementBuffer* element) {
     return mclibUtil_convertToMultibyteText(name);
 }
 
-struct TypeName {
-    int type;
-    const char* name;
-};
-constexpr TypeName typeNames[] = {
-    {MDL_CELL_HEADER, "cell"}, {MDL_LINE, "line"},       {MDL_LINE_STRING, "line string"},
-    {MDL_SHAPE, "shape"},      {MDL_ELLIPSE, "ellipse"}, {MDL_ARC, "arc"},
-    {MDL_TEXT, "text"},        {MDL_BSPLINE, "curve"},
-};
 std::string typeOf(const MSElementBuffer* element) {
-    const auto row = std::ranges::find(typeNames, mdlElement_getType(element), &TypeName::type);
-    return row == std::end(typeNames) ? std::to_string(mdlElement_getType(element)) : row->name;
+    const int type = mdlElement_getType(element);
+    const char* const name = mdlElement_typeName(type);
+    return name ? name : std::to_string(type);
 }
 
 std::string lengthOf(const MSElementBuffer* element) {
