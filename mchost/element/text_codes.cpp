@@ -1,5 +1,6 @@
 // Windows-1252 text to wide text and back.
 #include <algorithm>
+#include <cstring>
 
 #include "mchost/base/charset.h"
 #include "mchost/mdl/text.h"
@@ -33,6 +34,16 @@ int convert(const From* from, int length, To* to, int size, To (*character)(From
     return count == wanted ? MDL_SUCCESS : MDL_ERROR;
 }
 
+// `out` may be `text`, which is then written to only where it is cut.
+int copyNarrow(char* out, const char* text, int32_t size) {
+    if (!out || !text || size < 1) return MDL_ERROR;
+    const auto room = static_cast<size_t>(size);
+    const size_t wanted = strnlen(text, room), count = std::min(wanted, room - 1);
+    if (out != text) std::memmove(out, text, count);
+    if (out != text || count < wanted) out[count] = '\0';
+    return count == wanted ? MDL_SUCCESS : MDL_ERROR;
+}
+
 }  // namespace
 
 int mdlCnv_convertMultibyteToUnicode(const char* text, int length, wchar_t* wide, int size) noexcept {
@@ -44,6 +55,9 @@ int mdlCnv_convertUnicodeToMultibyte(const wchar_t* wide, int length, char* text
 }
 
 int mdlText_compressString(char* out, const char* text, int32_t size, int32_t) noexcept {
-    return convert(
-        text, -1, out, size, +[](char c) { return c; });
+    return copyNarrow(out, text, size);
+}
+
+int mdlText_expandString(char* out, const char* text, int32_t size, int32_t) noexcept {
+    return copyNarrow(out, text, size);
 }

@@ -87,6 +87,9 @@ MDL_EXPORT int mdlTextStyle_define(ModelRef *model, const wchar_t *name, const T
 /* The text as text elements hold it: Windows-1252, one byte a character, at most size - 1 characters and a NUL. `limit`
  * is the most bytes that one character may take. 0, or MDL_ERROR when the text was cut. */
 MDL_EXPORT int mdlText_compressString(char *out, const char *text, int32_t size, int32_t limit) MDL_NOEXCEPT;
+/* The reverse: text of elements as text in memory, which is the same Windows-1252. `out` may be `text`, which is then
+ * written to only where it is cut. */
+MDL_EXPORT int mdlText_expandString(char *out, const char *text, int32_t size, int32_t limit) MDL_NOEXCEPT;
 
 /* Windows-1252 to wide text and back, at most size - 1 characters and a NUL. A wide character without a code becomes
  * "?". 0, or MDL_ERROR when the text was cut. */

@@ -1,0 +1,39 @@
+// Patterns of texts: prepared once, then held against any number of texts. Nothing is allocated, and no session is
+// needed. The language stands in text_search.h.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include "mclib/design/text_search.h"
+
+namespace mc::design {
+
+// What a character of a pattern stands for.
+struct PatternElement {
+    enum Kind : uint8_t { character, set, bar, star };
+    Kind kind;
+    uint8_t table, mask, value;  // character: fits c when (tables[table][c] & mask) == value
+};
+using PatternElements = std::array<PatternElement, 256>;
+
+class Pattern {
+  public:
+    // `text` must outlive the pattern.
+    Pattern(std::string_view text, bool caseSensitive);
+
+    // 0 when the text fits; how far it lies from the pattern, in errors, up to `maxErrors`; more when it doesn't fit.
+    int errorsOf(std::string_view text, int maxErrors) const;
+
+  private:
+    std::string_view text_;
+    const PatternElements& elements_;
+};
+
+// The same for a text of an element or an application: it is expanded in place first (MCLIB_SEARCH_TEXT_SIZE
+// characters), and blanks count only when asked to. A text that is too long for that is told on the console, and
+// doesn't fit.
+int errorsOfText(char* text, const Pattern& pattern, bool ignoreBlanks, int maxErrors);
+
+}  // namespace mc::design
