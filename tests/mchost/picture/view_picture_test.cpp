@@ -175,7 +175,7 @@ constexpr uint32_t highlight = 0xFF00CC;
 
 TEST_F(ViewPicture, ShowsWhatCommandsEraseHighlightAndMove) {
     const FilePos kept = addAcross(100), erased = addAcross(200), lit = addAcross(300);
-    mdl::Descr ed;
+    mdl::Descr toErase, toLight;
     asApplication("editor", [&] {
         mdlState_startPrimitive([](Point3d*, int32_t) {}, nullptr, 0, 0);
         return mdlState_setFunction(MDL_STATE_DYNAMICS,
@@ -183,10 +183,10 @@ TEST_F(ViewPicture, ShowsWhatCommandsEraseHighlightAndMove) {
                                         mdlElement_display(line(100, at->y, 700, at->y), mode);
                                     }));
     });
-    ASSERT_NE(mdlElmdscr_read(ed.out(), erased, nullptr), 0u);
-    mdlElmdscr_display(ed.get(), nullptr, MDL_ERASE);
-    ASSERT_NE(mdlElmdscr_read(ed.out(), lit, nullptr), 0u);
-    mdlElmdscr_display(ed.get(), nullptr, MDL_HIGHLIGHT);
+    ASSERT_NE(mdlElmdscr_read(toErase.out(), erased, nullptr), 0u);
+    mdlElmdscr_display(toErase.get(), nullptr, MDL_ERASE);
+    ASSERT_NE(mdlElmdscr_read(toLight.out(), lit, nullptr), 0u);
+    mdlElmdscr_display(toLight.get(), nullptr, MDL_HIGHLIGHT);
     host::moveCursor({0, 400, 0}, 0);
     const Dots dots = picture();
     EXPECT_TRUE(dots.isInked(400, 500)) << kept;
