@@ -64,12 +64,26 @@ std::string cellName(const MSElementBuffer* cell) {
     return mclibUtil_convertToMultibyteText(wide);
 }
 
+bool appendCopies(ElementDescr* label, const ElementDescr* first, const ElementDescr* end) {
+    for (; first != end; first = first->next)
+        if (mdlElmdscr_appendElement(label, first->element) != MDL_SUCCESS) return false;
+    return true;
+}
+
 // ---- labels ----
 
 ElementDescr* firstLeader(const ElementDescr* label) {
     if (mdlElement_getType(label->element) != MDL_CELL_HEADER) return nullptr;
     ElementDescr* part = label->firstChild;
     while (part && !isLeader(part->element)) part = part->next;
+    return part;
+}
+
+ElementDescr* endOfText(const ElementDescr* label) {
+    const auto isText = [](const ElementDescr* part) { return mdlElement_getType(part->element) == MDL_TEXT; };
+    ElementDescr* part = label->firstChild;
+    if (part && !isText(part)) part = part->next;
+    while (part && isText(part)) part = part->next;
     return part;
 }
 
@@ -101,11 +115,11 @@ bool Extent::has(const Point3d& point) const {
     return left <= seen.x && seen.x <= right && bottom <= seen.y && seen.y <= top;
 }
 
-std::optional<Extent> textExtent(const ElementDescr* label, int view) {
+std::optional<Extent> extentOf(const ElementDescr* first, const ElementDescr* end, int view) {
     RotMatrix axes;
     mdlRMatrix_fromView(&axes, view);
     Extent extent = {HUGE_VAL, HUGE_VAL, -HUGE_VAL, -HUGE_VAL, view};
-    for (const ElementDescr* part = label->firstChild; part && !isLeader(part->element); part = part->next) {
+    for (const ElementDescr* part = first; part != end; part = part->next) {
         for (Point3d point : pointsOf(part->element)) {
             mdlRMatrix_rotatePoint(&point, &axes);
             extent.left = std::min(extent.left, point.x);
@@ -116,6 +130,10 @@ std::optional<Extent> textExtent(const ElementDescr* label, int view) {
     }
     if (!(extent.left <= extent.right)) return {};
     return extent;
+}
+
+std::optional<Extent> textExtent(const ElementDescr* label, int view) {
+    return extentOf(label->firstChild, firstLeader(label), view);
 }
 
 // ---- moving ----

@@ -18,6 +18,9 @@ std::vector<Point3d> pointsOf(const MSElementBuffer* element);
 double bearing(const Point3d& from, const Point3d& to, int view);
 std::string cellName(const MSElementBuffer* cell);
 
+// Appends copies of elements up to `end`. False when not all could be.
+bool appendCopies(ElementDescr* label, const ElementDescr* first, const ElementDescr* end);
+
 // ---- labels ----
 
 // The first leader; null for a cell that has none, which is no label, and for what is no cell.
@@ -29,14 +32,20 @@ inline bool isLabel(const ElementDescr* ed) {
 bool endOfLeader(Point3d& end, const ElementDescr* label);
 void removeLeaders(ElementDescr* label);
 
-// What frame, texts and symbol take, along the axes of a view.
+// The first component behind the label's frame and its texts; null when nothing follows. A symbol, the frames and texts
+// of labels that were collected in it, leaders.
+ElementDescr* endOfText(const ElementDescr* label);
+
+// A box along the axes of a view.
 struct Extent {
     double left, bottom, right, top;
     int view;
     Point3d middle() const;
     bool has(const Point3d& point) const;
 };
-// Nothing for a label that has nothing but leaders.
+// Of elements up to `end`. Nothing when they take no place.
+std::optional<Extent> extentOf(const ElementDescr* first, const ElementDescr* end, int view);
+// Of all frames, texts and symbols.
 std::optional<Extent> textExtent(const ElementDescr* label, int view);
 
 // Moves frame, texts and symbol, and the ends of the leaders with them; tips stay. False when it can't be done.

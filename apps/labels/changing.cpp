@@ -74,7 +74,7 @@ std::optional<TextPart> textPart(const ElementDescr* label, const Point3d& ancho
     if (!text || mdlElement_getType(text->element) != MDL_TEXT) return {};
     const std::vector<Point3d> box = pointsOf(text->element);
     const double angle = bearing(box[0], box[1], view);
-    const std::optional<Extent> extent = textExtent(label, view);
+    const std::optional<Extent> extent = extentOf(first, endOfText(label), view);
     if (!extent) return {};
     return TextPart{frameKind(first, anchor, angle, view), extent->middle(), angle};
 }
@@ -132,7 +132,7 @@ bool makeNewText(mdl::DescrPtr& label, const ElementDescr* old, const Point3d& a
     mdlTMatrix_translate(&move, &move, anchor.x - end.x, anchor.y - end.y, 0);
     if (mdlElmdscr_transform(label.get(), &move) != MDL_SUCCESS) return refuse(notes::notWritten);
     removeLeaders(label.get());
-    return true;
+    return appendCopies(label.get(), endOfText(old), nullptr) || refuse(notes::notWritten);
 }
 
 int changeText(ElementDescr** newCell, ElementDescr* oldCell, Point3d* anchor, double, int view) {

@@ -103,12 +103,6 @@ bool renumber(Labels& labels, int) {
 
 // ---- collecting ----
 
-bool append(ElementDescr* whole, const ElementDescr* from, const ElementDescr* end) {
-    for (; from != end; from = from->next)
-        if (mdlElmdscr_appendElement(whole, from->element) != MDL_SUCCESS) return false;
-    return true;
-}
-
 bool liesOnAny(const ElementDescr* leader, const ElementDescr* label) {
     const std::vector<Point3d> points = pointsOf(leader->element);
     for (const ElementDescr* part = label->firstChild; part; part = part->next) {
@@ -127,7 +121,7 @@ bool appendOwnLeaders(ElementDescr* whole, ElementDescr*& label) {
     for (const ElementDescr* leader = firstLeader(label); leader;) {
         const ElementDescr* next = leader->next;
         while (next && mdlElement_getType(next->element) != MDL_LINE_STRING) next = next->next;
-        if (!liesOnAny(leader, whole) && !append(whole, leader, next)) return false;
+        if (!liesOnAny(leader, whole) && !appendCopies(whole, leader, next)) return false;
         leader = next;
     }
     return true;
@@ -138,7 +132,7 @@ bool collect(Labels& labels, int view) {
     ElementDescr* const first = labels.front().label.get();
     mdl::Descr whole;
     if (mdlElmdscr_new(whole.out(), nullptr, first->element) != MDL_SUCCESS) return false;
-    if (!append(whole.get(), first->firstChild, firstLeader(first))) return false;
+    if (!appendCopies(whole.get(), first->firstChild, firstLeader(first))) return false;
     for (size_t i = 1; i < labels.size(); ++i) {
         const std::optional<Extent> above = textExtent(whole.get(), view);
         const std::optional<Extent> own = textExtent(labels[i].label.get(), view);
@@ -146,10 +140,10 @@ bool collect(Labels& labels, int view) {
         const double gap = (own->top - own->bottom) / 8;
         if (!moveText(*labels[i].label.out(),
                       wayInView(above->left - own->left, above->bottom - gap - own->top, view)) ||
-            !append(whole.get(), labels[i].label.get()->firstChild, firstLeader(labels[i].label.get())))
+            !appendCopies(whole.get(), labels[i].label.get()->firstChild, firstLeader(labels[i].label.get())))
             return false;
     }
-    if (!append(whole.get(), firstLeader(first), nullptr)) return false;
+    if (!appendCopies(whole.get(), firstLeader(first), nullptr)) return false;
     for (size_t i = 1; i < labels.size(); ++i)
         if (!appendOwnLeaders(whole.get(), *labels[i].label.out())) return false;
     mdlCell_setRange(whole.get(), nullptr);

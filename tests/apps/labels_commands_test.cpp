@@ -203,6 +203,16 @@ TEST_F(LabelCommands, LeadersWithOneTipBecomeOne) {
     }
 }
 
+TEST_F(LabelCommands, OfACollectedLabelTheFirstTextIsChanged) {
+    carryOut("after", "collect\n45,90\n40,120\nreset\nend\ntext=55\nchange\n45,90\n45,90\nend\n");
+    const Drawing drawing(folder_ / "after.mcd");
+    const size_t whole = 3;
+    ASSERT_EQ(drawing.types(whole), "15 17 15 17 4 6");
+    EXPECT_EQ(drawing.text(whole, 1), "55");
+    EXPECT_EQ(drawing.text(whole, 3), "6");
+    EXPECT_NEAR(drawing.extent(whole, 0).low.x, drawing.points(whole, 4).back().x, 1e-3);
+}
+
 TEST_F(LabelCommands, NumbersAreGivenAnew) {
     const Drawing drawing = after("Renumber", "next=11\nrenumber\n40,120\n45,90\nreset\n");
     EXPECT_EQ(drawing.text(six, 1), "11");
