@@ -148,10 +148,8 @@ bool Reader::element() {
 // ---- lines ----
 
 bool Reader::line() {
-    const auto keyword = std::ranges::find_if(keywords, [this](const Keyword& k) { return in_.isKeyword(k.name); });
-    if (keyword == keywords.end())
-        return in_.failHere("a line begins with a keyword, one of " + mcapp::namesOf(keywords));
-    return (this->*keyword->read)() && in_.endOfLine();
+    const Keyword* const keyword = in_.keywordOf(keywords);
+    return keyword && (this->*keyword->read)() && in_.endOfLine();
 }
 
 bool Reader::read(const std::string& fileName) {

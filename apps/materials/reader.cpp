@@ -422,10 +422,8 @@ bool Reader::item() {
 // ---- lines ----
 
 bool Reader::line() {
-    const auto keyword = std::ranges::find_if(keywords, [this](const Keyword& k) { return in_.isKeyword(k.name); });
-    if (keyword == keywords.end())
-        return in_.failHere("a line begins with a keyword, one of " + mcapp::namesOf(keywords));
-    return (this->*keyword->read)();
+    const Keyword* const keyword = in_.keywordOf(keywords);
+    return keyword && (this->*keyword->read)();
 }
 
 bool Reader::read(const std::string& fileName) {

@@ -472,8 +472,8 @@ void loadContainer(const std::string& path, Model& model, FileKind kind) {
 
 namespace {
 
-// The database keeps to one file from now on. A reader holds that up, and nothing is lost then: its log is empty. Readers
-// that follow each other leave short gaps, so the log waits long for one.
+// The database keeps to one file from now on. A reader holds that up, and nothing is lost then: its log is empty.
+// Readers that follow each other leave short gaps, so the log waits long for one.
 void endLog(Database& database) {
     database.run("PRAGMA busy_timeout=10000; PRAGMA wal_checkpoint(TRUNCATE)");
     try {

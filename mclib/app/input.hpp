@@ -53,6 +53,9 @@ class Input {
     bool word(std::string& value, const char* what);  // up to a blank, as long as a text
     bool rest(std::string& value, const char* what);  // of the line; position() is then where it begins
     bool endOfLine();                                 // nothing follows
+    // The row whose keyword begins the line, which is passed; null after a message.
+    template <class Rows>
+    auto keywordOf(const Rows& rows) -> decltype(&*rows.begin());
 
     // ---- without a message ----
     bool isKeyword(const char* name);  // passes it when it stands here as a whole word, in any case
@@ -315,6 +318,14 @@ inline bool Input::rest(std::string& value, const char* what) {
 
 inline bool Input::endOfLine() {
     return atEnd() || failHere("nothing more is expected here");
+}
+
+template <class Rows>
+auto Input::keywordOf(const Rows& rows) -> decltype(&*rows.begin()) {
+    for (const auto& row : rows)
+        if (isKeyword(row.name)) return &row;
+    failHere("a line begins with a keyword, one of " + namesOf(rows));
+    return nullptr;
 }
 
 inline bool Input::isKeyword(const char* name) {
