@@ -182,7 +182,8 @@ uint16_t textUnit(const TextView& text, uint32_t i) {
 }
 
 unsigned char textCharacter(const TextView& text, uint32_t i) {
-    return narrowCodeOf(textUnit(text, i)).value_or('?');
+    const uint16_t unit = textUnit(text, i);
+    return unit < 0x80 ? static_cast<unsigned char>(unit) : narrowCodeOf(unit).value_or('?');
 }
 
 TextBox textBox(const TextView& text) {
@@ -240,7 +241,7 @@ int mdlText_extract(Point3d* lowerLeft, Point3d* origin, double* width, double* 
     const auto found = currentText(element);
     if (!found) return MDL_ERROR;
     const TextBody& body = found->body;
-    const TextBox box = textBox(*found);
+    const TextBox box = lowerLeft || width || height ? textBox(*found) : TextBox{};
     if (lowerLeft) *lowerLeft = box.lowerLeft;
     if (origin) *origin = body.origin;
     if (width) *width = length(box.along);

@@ -2,8 +2,9 @@
 #include "mclib/design/pattern.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <cstring>
-#include <optional>
 
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
@@ -13,62 +14,57 @@ namespace mc::design {
 
 namespace {
 
-using Table = std::array<uint8_t, 256>;
+enum class Kind : uint16_t { character, set, bar, star };
 
-enum TableNumber : uint8_t { exactly, folded, classes };
-enum CharacterClass : uint8_t { digit = 1, letter = 2, letterOrDigit = 4, high = 8 };
+// What a character of a pattern stands for. One of kind `character` fits c when (traits of c & mask) == value; the
+// others take more than their character to tell what they fit, and fit nothing by it alone.
+struct alignas(8) Element {
+    Kind kind;
+    uint16_t mask, value;
+};
 
-constexpr Table makeTable(uint8_t (*valueOf)(char)) {
-    Table table{};
-    for (size_t c = 0; c < table.size(); ++c) table[c] = valueOf(static_cast<char>(c));
-    return table;
+// Traits of a character: its code, folded where case doesn't count, and classes.
+constexpr uint16_t codeTrait = 0xFF, digitTrait = 0x100, letterTrait = 0x200, letterOrDigitTrait = 0x400,
+                   highTrait = 0x800;
+
+constexpr uint16_t traitsOf(char c, bool caseSensitive) {
+    const auto code = static_cast<uint8_t>(caseSensitive ? c : lower(c));
+    const int classes = (isDigit(c) ? digitTrait | letterOrDigitTrait : 0) |
+                        (isLetter(c) ? letterTrait | letterOrDigitTrait : 0) |
+                        (static_cast<uint8_t>(c) >= 0x80 ? highTrait : 0);
+    return static_cast<uint16_t>(code | classes);
 }
 
-constexpr uint8_t classesOf(char c) {
-    return static_cast<uint8_t>((isDigit(c) ? digit | letterOrDigit : 0) | (isLetter(c) ? letter | letterOrDigit : 0) |
-                                (static_cast<uint8_t>(c) >= 0x80 ? high : 0));
-}
+}  // namespace
 
-constexpr std::array<Table, 3> tables = {makeTable([](char c) { return static_cast<uint8_t>(c); }),
-                                         makeTable([](char c) { return static_cast<uint8_t>(lower(c)); }),
-                                         makeTable(classesOf)};
+struct PatternAlphabet {
+    std::array<uint16_t, 256> traits{};
+    std::array<Element, 256> elements{};
 
-// ---- what characters of a pattern stand for ----
+    constexpr explicit PatternAlphabet(bool caseSensitive) {
+        for (size_t c = 0; c < traits.size(); ++c) {
+            traits[c] = traitsOf(static_cast<char>(c), caseSensitive);
+            elements[c] = {Kind::character, codeTrait, static_cast<uint16_t>(traits[c] & codeTrait)};
+        }
+        elements['?'] = {Kind::character, 0, 0};
+        elements['#'] = {Kind::character, digitTrait, digitTrait};
+        elements['@'] = {Kind::character, letterTrait, letterTrait};
+        elements['&'] = {Kind::character, letterOrDigitTrait, letterOrDigitTrait};
+        elements['_'] = {Kind::character, codeTrait, ' '};
+        elements[0xA7] = {Kind::character, codeTrait, '"'};
+        elements[0xA4] = {Kind::character, highTrait, highTrait};
+        elements['['] = {Kind::set, 0, 1};
+        elements['|'] = {Kind::bar, 0, 1};
+        elements['*'] = {Kind::star, 0, 1};
+    }
+};
+
+namespace {
+
+constexpr PatternAlphabet exactAlphabet(true), foldedAlphabet(false);
 
 constexpr int plainStarLimit = 200;
 constexpr size_t mostLimitDigits = 3;
-
-constexpr PatternElement oneOf(CharacterClass wanted) {
-    return {.kind = PatternElement::character, .table = classes, .mask = wanted, .value = wanted};
-}
-constexpr PatternElement literal(char c, uint8_t table) {
-    return {.kind = PatternElement::character,
-            .table = table,
-            .mask = 0xFF,
-            .value = tables[table][static_cast<uint8_t>(c)]};
-}
-
-// One that takes more than its character to tell what it fits.
-constexpr PatternElement fitsNothing(PatternElement::Kind kind, uint8_t table) {
-    return {.kind = kind, .table = table, .mask = 0, .value = 1};
-}
-
-constexpr PatternElements makeElements(uint8_t table) {
-    PatternElements elements{};
-    for (size_t c = 0; c < elements.size(); ++c) elements[c] = literal(static_cast<char>(c), table);
-    elements['?'] = {.kind = PatternElement::character, .table = exactly, .mask = 0, .value = 0};
-    elements['#'] = oneOf(digit);
-    elements['@'] = oneOf(letter);
-    elements['&'] = oneOf(letterOrDigit);
-    elements['_'] = literal(' ', exactly);
-    elements[0xA7] = literal('"', exactly);
-    elements[0xA4] = oneOf(high);
-    elements['['] = fitsNothing(PatternElement::set, table);
-    elements['|'] = fitsNothing(PatternElement::bar, table);
-    elements['*'] = fitsNothing(PatternElement::star, table);
-    return elements;
-}
-constexpr PatternElements exactElements = makeElements(exactly), foldedElements = makeElements(folded);
 
 // ---- a text against a pattern ----
 
@@ -85,32 +81,45 @@ struct Star {
 
 class Matching {
   public:
-    Matching(std::string_view pattern, const PatternElements& elements, std::string_view text, int maxErrors)
-        : pattern_(pattern), elements_(elements), text_(text), maxErrors_(maxErrors) {}
+    Matching(std::string_view pattern, const PatternAlphabet& alphabet, std::string_view text, int maxErrors)
+        : pattern_(pattern), alphabet_(alphabet), text_(text), maxErrors_(maxErrors) {}
 
-    int errors() {
-        for (passFitting(); at_.text < text_.size() && at_.pattern < pattern_.size(); passFitting()) {
-            const size_t tried = at_.pattern;
-            if (step(at_)) {
-                if (isStar(tried)) remember(tried);
-            } else if (star_ && star_->pattern != tried) {
-                ++retries_;
-                at_ = *star_;
+    int errors() const {
+        Place at = {0, 0}, star = {0, none};  // the star to go back to, and where the text goes on behind it
+        int retries = 0, errors = 0;          // retries of that star
+        for (passFitting(at); at.text < text_.size() && at.pattern < pattern_.size(); passFitting(at)) {
+            const size_t tried = at.pattern;
+            const Kind kind = elementAt(tried).kind;
+            if (kind == Kind::star ? stepStar(at, retries) : kind != Kind::character && stepOne(at)) {
+                if (kind != Kind::star) continue;
+                if (star.pattern != tried) retries = 0;
+                star = {at.text, tried};
+            } else if (star.pattern != none && star.pattern != tried) {
+                ++retries;
+                at = star;
             } else {
-                star_.reset();
-                if (errors_ >= maxErrors_) return errors_ + 1;
-                errors_ += recover();
-                if (errors_ > maxErrors_) return errors_;
+                star.pattern = none;
+                if (errors >= maxErrors_) return errors + 1;
+                const Recovery recovery = recover(*this, at, retries);
+                errors += recovery.errors;
+                if (errors > maxErrors_) return errors;
+                at = recovery.resume;
             }
         }
-        return withWhatIsLeft();
+        return errors + errorsOfRest(at, maxErrors_ - errors);
     }
 
   private:
+    static constexpr size_t none = ~size_t{0};
+    struct Recovery {
+        Place resume;
+        int errors;
+    };
+
     // ---- elements of the pattern ----
 
-    const PatternElement& elementAt(size_t at) const { return elements_[static_cast<uint8_t>(pattern_[at])]; }
-    bool isStar(size_t at) const { return elementAt(at).kind == PatternElement::star; }
+    const Element& elementAt(size_t at) const { return alphabet_.elements[static_cast<uint8_t>(pattern_[at])]; }
+    bool isStar(size_t at) const { return elementAt(at).kind == Kind::star; }
     Star starAt(size_t at) const {
         const size_t colon = at + 1;
         if (colon + 1 >= pattern_.size() || pattern_[colon] != ':' || !isDigit(pattern_[colon + 1]))
@@ -123,42 +132,44 @@ class Matching {
     }
     // Behind the element.
     size_t endOf(size_t at) const {
-        const PatternElement::Kind kind = elementAt(at).kind;
-        if (kind == PatternElement::character) return at + 1;
-        if (kind == PatternElement::star) return starAt(at).end;
-        if (kind == PatternElement::bar) return std::min(at + 2, pattern_.size());
+        const Kind kind = elementAt(at).kind;
+        if (kind == Kind::character) return at + 1;
+        if (kind == Kind::star) return starAt(at).end;
+        if (kind == Kind::bar) return std::min(at + 2, pattern_.size());
         return std::min(pattern_.find(']', at), pattern_.size() - 1) + 1;
     }
-    static bool fits(const PatternElement& element, char c) {
-        return (tables[element.table][static_cast<uint8_t>(c)] & element.mask) == element.value;
+    bool fits(const Element& element, char c) const {
+        return (alphabet_.traits[static_cast<uint8_t>(c)] & element.mask) == element.value;
     }
-    // The same for an element that has more than one character in the pattern, up to `end`.
+    // The same for a set or a bar that ends at `end` in the pattern.
     bool fitsLong(size_t at, size_t end, char c) const {
-        const PatternElement& element = elementAt(at);
-        const auto same = [&](char one) { return fits(literal(one, element.table), c); };
-        if (element.kind == PatternElement::bar) return same(pattern_[end - 1]);
+        const auto codeOf = [&](char one) { return alphabet_.traits[static_cast<uint8_t>(one)] & codeTrait; };
+        const auto same = [&](char one) { return codeOf(one) == codeOf(c); };
+        if (elementAt(at).kind == Kind::bar) return same(pattern_[end - 1]);
         return pattern_[end - 1] == ']' && std::ranges::any_of(pattern_.substr(at + 1, end - at - 2), same);
     }
 
     // ---- steps ----
 
     // Moves behind all elements of one character that fit.
-    void passFitting() {
-        const char *const text = text_.data() + at_.text, *const pattern = pattern_.data() + at_.pattern;
-        const size_t end = std::min(text_.size() - at_.text, pattern_.size() - at_.pattern);
+    void passFitting(Place& at) const {
+        const char *const text = text_.data() + at.text, *const pattern = pattern_.data() + at.pattern;
+        const size_t end = std::min(text_.size() - at.text, pattern_.size() - at.pattern);
         size_t count = 0;
-        while (count < end && fits(elements_[static_cast<uint8_t>(pattern[count])], text[count])) ++count;
-        at_ = {at_.text + count, at_.pattern + count};
+        while (count < end && fits(alphabet_.elements[static_cast<uint8_t>(pattern[count])], text[count])) ++count;
+        at = {at.text + count, at.pattern + count};
     }
 
     // Tries the element at the place, and moves both behind what fits; leaves them where they are otherwise.
-    bool step(Place& at) const {
+    bool step(Place& at, int retries) const {
         if (at.text == text_.size()) return at.pattern == pattern_.size();
         if (at.pattern == pattern_.size()) return false;
-        const PatternElement& element = elementAt(at.pattern);
-        if (element.kind == PatternElement::star) return stepStar(at);
+        return isStar(at.pattern) ? stepStar(at, retries) : stepOne(at);
+    }
+    bool stepOne(Place& at) const {
+        const Element& element = elementAt(at.pattern);
         const size_t end = endOf(at.pattern);
-        const bool isCharacter = element.kind == PatternElement::character;
+        const bool isCharacter = element.kind == Kind::character;
         if (isCharacter ? !fits(element, text_[at.text]) : !fitsLong(at.pattern, end, text_[at.text])) return false;
         at = {at.text + 1, end};
         return true;
@@ -167,29 +178,29 @@ class Matching {
     // A star looks for the next element that isn't one. Stars right behind it look for the same one, each from the
     // best place for it, so all that matters of them is that they may take what is left to them: nothing in front of
     // another element, one character at the end of the pattern.
-    bool stepStar(Place& at) const {
+    bool stepStar(Place& at, int retries) const {
         const Star star = starAt(at.pattern);
-        int limitOfLast = limitOf(star);
+        int limitOfLast = limitOf(star, retries);
         size_t next = star.end;
         while (next < pattern_.size() && isStar(next)) {
             const Star another = starAt(next);
-            limitOfLast = limitOf(another);
+            limitOfLast = limitOf(another, retries);
             if (limitOfLast < 0) return false;
             next = another.end;
         }
-        if (next < pattern_.size()) return findBehindStar(at, next, limitOf(star));
+        if (next < pattern_.size()) return findBehindStar(at, next, limitOf(star, retries));
         const bool isAlone = star.end == next;
         const auto taken = static_cast<int>(text_.size() - at.text) - (isAlone ? 0 : 1);
-        if (taken > limitOf(star) || (!isAlone && limitOfLast < 1)) return false;
+        if (taken > limitOf(star, retries) || (!isAlone && limitOfLast < 1)) return false;
         at = {text_.size(), next};
         return true;
     }
     bool findBehindStar(Place& at, size_t next, int limit) const {
-        const PatternElement& element = elementAt(next);
+        const Element& element = elementAt(next);
         const size_t nextEnd = endOf(next);
         const size_t end = std::min(text_.size(), at.text + static_cast<size_t>(std::max(limit + 1, 0)));
         size_t found = at.text;
-        if (element.kind == PatternElement::character) {
+        if (element.kind == Kind::character) {
             while (found < end && !fits(element, text_[found])) ++found;
         } else {
             while (found < end && !fitsLong(next, nextEnd, text_[found])) ++found;
@@ -198,78 +209,72 @@ class Matching {
         at = {found + 1, nextEnd};
         return true;
     }
-    int limitOf(const Star& star) const { return star.isLimited ? star.limit - retries_ : star.limit; }
-
-    void remember(size_t star) {
-        if (!star_ || star_->pattern != star) retries_ = 0;
-        star_ = {at_.text, star};
-    }
+    static int limitOf(const Star& star, int retries) { return star.isLimited ? star.limit - retries : star.limit; }
 
     // ---- behind a mismatch ----
 
-    // Goes on from the nearest place where text and pattern agree again; the errors that lie on the way. Kept out of
-    // the way of texts that fit.
-    [[gnu::noinline]] int recover() {
-        const size_t failed = at_.pattern;
-        const bool failedAtStar = isStar(failed);
+    // Goes on from the nearest place where text and pattern agree again; the errors that lie on the way. Apart and with
+    // a copy, so that texts that fit are matched in registers.
+    [[gnu::noinline]] static Recovery recover(Matching matching, Place at, int retries) {
+        return matching.recovery(at, retries);
+    }
+    Recovery recovery(Place at, int retries) const {
+        const bool failedAtStar = isStar(at.pattern);
         const auto maxErrors = static_cast<size_t>(maxErrors_);
-        size_t current = failedAtStar ? endOf(failed) : failed;
-        size_t span = text_.size() - at_.text;
+        size_t current = failedAtStar ? endOf(at.pattern) : at.pattern;
+        size_t span = text_.size() - at.text, resume = none, skipped = 0;
         if (!failedAtStar && maxErrors < span) span = maxErrors + 1;
-        std::optional<size_t> resume;
-        size_t skipped = 0;
         for (; current < pattern_.size() && skipped <= span && skipped <= maxErrors; ++skipped) {
             const size_t following = endOf(current);
-            if (const auto offset = findAgreement(current, following, span)) {
+            const size_t offset = findAgreement({at.text, current}, following, span, retries);
+            if (offset < span) {
                 resume = current;
-                span = *offset;
+                span = offset;
             }
             current = following;
         }
-        at_ = {at_.text + span, resume.value_or(current)};
-        if (resume && isStar(*resume)) return static_cast<int>(skipped) - 1;
-        return static_cast<int>(failedAtStar ? errorsOfStar(starAt(failed), span, skipped) : span);
+        const Place next = {at.text + span, resume != none ? resume : current};
+        if (resume != none && isStar(resume)) return {next, static_cast<int>(skipped) - 1};
+        return {next, static_cast<int>(failedAtStar ? errorsOfStar(starAt(at.pattern), span, skipped) : span)};
     }
-    // The first offset below `span` where an element fits and the following one right behind it.
-    std::optional<size_t> findAgreement(size_t element, size_t following, size_t span) const {
+    // The first offset below `span` where an element fits and the following one right behind it; else `span`.
+    size_t findAgreement(Place from, size_t following, size_t span, int retries) const {
         for (size_t offset = 0; offset < span; ++offset) {
-            Place at = {at_.text + offset, element};
-            if (!step(at)) continue;
+            Place at = {from.text + offset, from.pattern};
+            if (!step(at, retries)) continue;
             at.pattern = following;
-            if (step(at)) return offset;
+            if (step(at, retries)) return offset;
         }
-        return {};
+        return span;
     }
     static size_t errorsOfStar(const Star& star, size_t span, size_t skipped) {
         const auto limit = static_cast<size_t>(star.limit);
         return (skipped == 0 ? 0 : skipped - 1) + (star.isLimited && span > limit ? span - limit : 0);
     }
 
-    int withWhatIsLeft() {
-        if (at_.pattern == pattern_.size()) return errors_ + static_cast<int>(text_.size() - at_.text);
-        for (size_t at = at_.pattern; at < pattern_.size(); at = endOf(at)) {
-            if (!isStar(at) && ++errors_ > maxErrors_) return errors_;
+    // One for each character of the text that is left, or each element, but for stars, up to one more than `most`.
+    int errorsOfRest(Place at, int most) const {
+        if (at.pattern == pattern_.size()) return static_cast<int>(text_.size() - at.text);
+        int errors = 0;
+        for (; at.pattern < pattern_.size(); at.pattern = endOf(at.pattern)) {
+            if (!isStar(at.pattern) && ++errors > most) return errors;
         }
-        return errors_;
+        return errors;
     }
 
     const std::string_view pattern_;
-    const PatternElements& elements_;
+    const PatternAlphabet& alphabet_;
     const std::string_view text_;
     const int maxErrors_;
-    Place at_ = {0, 0};
-    std::optional<Place> star_;  // the one to go back to, and where the text goes on behind it
-    int retries_ = 0;            // of that star
-    int errors_ = 0;
 };
 
 }  // namespace
 
 Pattern::Pattern(std::string_view text, bool caseSensitive)
-    : text_(text), elements_(caseSensitive ? exactElements : foldedElements) {}
+    : text_(text), alphabet_(caseSensitive ? exactAlphabet : foldedAlphabet) {}
 
 int Pattern::errorsOf(std::string_view text, int maxErrors) const {
-    return Matching(text_, elements_, text, maxErrors).errors();
+    return Matching(text_, alphabet_, text, maxErrors).errors();
 }
 
 // ---- texts of elements and applications ----

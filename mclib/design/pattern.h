@@ -2,21 +2,13 @@
 // needed. The language stands in text_search.h.
 #pragma once
 
-#include <array>
-#include <cstdint>
 #include <string_view>
 
 #include "mclib/design/text_search.h"
 
 namespace mc::design {
 
-// What a character of a pattern stands for.
-struct PatternElement {
-    enum Kind : uint8_t { character, set, bar, star };
-    Kind kind;
-    uint8_t table, mask, value;  // character: fits c when (tables[table][c] & mask) == value
-};
-using PatternElements = std::array<PatternElement, 256>;
+struct PatternAlphabet;
 
 class Pattern {
   public:
@@ -28,7 +20,7 @@ class Pattern {
 
   private:
     std::string_view text_;
-    const PatternElements& elements_;
+    const PatternAlphabet& alphabet_;
 };
 
 // The same for a text of an element or an application: it is expanded in place first (MCLIB_SEARCH_TEXT_SIZE
