@@ -187,6 +187,14 @@ TEST_F(Search, FunctionsMayChangeTheDrawing) {
 
 TEST_F(Search, TellsWhatItCannotSearch) {
     addText("A");
+    auto damaged = std::make_unique<MSElementBuffer>();
+    const Point3d points[2] = {{0, 0, 0}, {1, 1, 0}};
+    mdlLine_create(damaged.get(), nullptr, points);
+    damaged->head.type = MDL_TEXT;
+    const FilePos position = mdlElement_add(damaged.get());
+    EXPECT_THAT(found(textsLike("A")), ElementsAre("A"));
+    EXPECT_EQ(front().consoleText, "error extract: element " + std::to_string(position) + "\n");
+    front().clear();
     SearchTextSpec spec = textsLike("A");
     spec.flags = SEARCH_USE_RANGE;
     spec.high = {NAN, 1, 1};
