@@ -57,7 +57,8 @@ typedef struct SearchTextSpec {
 
 /* Called for a hit. *stop is 0; a value other than 0 ends the search. `element` lasts as long as the call; `errors` is
  * 0 for the exact function; `spec` and `arg` are those given to the search. The current transform is that of master
- * units. It may delete and change elements; those that it adds aren't found. */
+ * units. It may delete and change elements; those that it adds aren't found. Changes of *spec have no effect on the
+ * search that runs. */
 typedef void (*MclibSearchTextHit)(int *stop, MSElementBuffer *element, FilePos position, int32_t errors,
                                    SearchTextSpec *spec, void *arg);
 

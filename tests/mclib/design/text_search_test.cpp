@@ -147,16 +147,25 @@ TEST_F(Search, LooksInABoxOfMasterUnitsWhateverTransformStands) {
     EXPECT_THAT(found(spec), ElementsAre("in"));
     std::swap(spec.low, spec.high);
     EXPECT_THAT(found(spec), ElementsAre("in")) << "corners in any order";
-    // Corners are cut to whole UOR: the text begins at 10 master units.
-    const double uor = mdlCnv_UORToMaster(nullptr, 1, nullptr);
-    spec.low = {0, 0, 0};
-    spec.high = {10 - 0.5 * uor, 20, 0};
-    EXPECT_THAT(found(spec), IsEmpty());
-    spec.high.x = 10 + 0.5 * uor;
-    EXPECT_THAT(found(spec), ElementsAre("in"));
     spec.minHeight = spec.maxHeight = 2;
     EXPECT_THAT(found(spec), ElementsAre("in")) << "heights too";
     EXPECT_EQ(front().consoleText, "");
+}
+
+TEST_F(Search, CutsCornersToWholeUor) {
+    addText("low", {-10, -10, 0});
+    addText("high", {10, 10, 0});  // up to 12
+    const double half = mdlCnv_UORToMaster(nullptr, 0.5, nullptr);
+    SearchTextSpec spec = textsLike("*");
+    spec.flags = SEARCH_USE_RANGE;
+    spec.low = {-50, -50, 0};
+    spec.high = {-10 - half, -10 - half, 0};
+    EXPECT_THAT(found(spec), ElementsAre("low"));
+    spec.low = {9, 12 + half, 0};
+    spec.high = {50, 50, 0};
+    EXPECT_THAT(found(spec), ElementsAre("high"));
+    spec.low.y += half;
+    EXPECT_THAT(found(spec), IsEmpty());
 }
 
 TEST_F(Search, EndsWhenAFunctionSaysSo) {
@@ -183,6 +192,18 @@ TEST_F(Search, FunctionsMayChangeTheDrawing) {
     EXPECT_THAT(found(textsLike("A"), [&](FilePos) { return found(textsLike("A")).size() == 4 ? 1 : 0; }),
                 ElementsAre("A"))
         << "a search within a search";
+}
+
+TEST_F(Search, GoesOnAsItBeganWhenItsDescriptionChanges) {
+    for (int i = 0; i < 3; ++i) addText("A");
+    SearchTextSpec spec = textsLike("A");
+    int hits = 0;
+    const auto change = [](int*, MSElementBuffer*, FilePos, int32_t, SearchTextSpec* given, void* arg) {
+        ++*static_cast<int*>(arg);
+        *given = textsLike("B");
+    };
+    EXPECT_EQ(mclibSearch_Tekst(&spec, change, &hits, nullptr, nullptr), 0);
+    EXPECT_EQ(hits, 3);
 }
 
 TEST_F(Search, TellsWhatItCannotSearch) {
