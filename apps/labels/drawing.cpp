@@ -74,8 +74,8 @@ class Step {
         mdlUndo_mark(name);
     }
     bool isWhole() const { return failures() == failuresBefore_; }
-    void takeBack() const {
-        if (mdlModelRef_getElementCount(mdlModelRef_getActive()) != elements_) mdlUndo_undo();
+    bool takeBack() const {
+        return mdlModelRef_getElementCount(mdlModelRef_getActive()) == elements_ || mdlUndo_undo() == MDL_SUCCESS;
     }
 
   private:
@@ -91,8 +91,9 @@ bool drawLabels(const LabelFile& file) {
     const Step step("labels");
     const bool drawn = std::ranges::all_of(file.labels, [&](const Label& l) { return drawOne(l, file.paper); });
     if (drawn && step.isWhole()) return true;
-    step.takeBack();
-    return mcapp::fail("not all labels could be drawn, so the drawing has none of them");
+    return mcapp::fail(step.takeBack() ? "not all labels could be drawn, so the drawing has none of them"
+                                       : "not all labels could be drawn, and the drawing has some of them; take them "
+                                         "back with \"undo\"");
 }
 
 }  // namespace labels
