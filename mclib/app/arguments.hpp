@@ -1,4 +1,4 @@
-// The arguments of a call: options by name, with a value or without, and one input.
+// The arguments of a call: options by name, with a value or without, and inputs.
 #pragma once
 
 #include <algorithm>
@@ -68,8 +68,9 @@ struct CallForm {
     const char* usage;
     std::span<const ValueOption<Options>> values;
     std::span<const Flag<Options>> flags;
-    std::string Options::*input;      // the argument that is no option
+    std::string Options::*input;      // the first argument that is no option; null: all of those are `inputs`
     const char* inputName = nullptr;  // told when it is missing; null: it may be
+    std::vector<std::string> Options::*inputs = nullptr;  // those behind it; null: there may be none
 };
 
 namespace detail {
@@ -100,26 +101,39 @@ std::string setPositive(typename detail::OwnerOf<Number>::Type& options, std::st
     return {};
 }
 
-// False after a message and the usage.
+// Keeps an argument that is no option; false where there may be no further one.
+template <class Options>
+bool takeInput(Options& options, const std::string& argument, const CallForm<Options>& form) {
+    if (form.input && (options.*form.input).empty()) {
+        options.*form.input = argument;
+        return true;
+    }
+    if (form.inputs) (options.*form.inputs).push_back(argument);
+    return form.inputs;
+}
+
+// What follows "--" is no option. False after a message and the usage.
 template <class Options>
 bool takeArguments(Options& options, const std::vector<std::string>& arguments, const CallForm<Options>& form) {
+    bool optionsEnded = false;
     for (size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         const auto value = std::ranges::find(form.values, argument, &ValueOption<Options>::name);
         const auto flag = std::ranges::find(form.flags, argument, &Flag<Options>::name);
-        if (value != form.values.end()) {
+        const bool isOption = !optionsEnded && argument.starts_with("-") && argument != "-";
+        if (isOption && argument == "--") {
+            optionsEnded = true;
+        } else if (isOption && value != form.values.end()) {
             if (i + 1 == arguments.size()) return failCall(argument + " needs a value", form.usage);
             const std::string wrong = value->set(options, argument, arguments[++i]);
             if (!wrong.empty()) return failCall(wrong, form.usage);
-        } else if (flag != form.flags.end()) {
+        } else if (isOption && flag != form.flags.end()) {
             options.*flag->set = true;
-        } else if ((argument.starts_with("-") && argument != "-") || !(options.*form.input).empty()) {
+        } else if (isOption || !takeInput(options, argument, form)) {
             return failCall("don't know what to do with \"" + argument + "\"", form.usage);
-        } else {
-            options.*form.input = argument;
         }
     }
-    if (!form.inputName || !(options.*form.input).empty()) return true;
+    if (!form.inputName || !(form.input ? (options.*form.input).empty() : (options.*form.inputs).empty())) return true;
     return failCall(std::string(form.inputName) + " is missing", form.usage);
 }
 

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
@@ -64,6 +65,7 @@ namespace {
 constexpr PatternAlphabet exactAlphabet(true), foldedAlphabet(false);
 
 constexpr int plainStarLimit = 200;
+constexpr size_t longestTaken = MCLIB_SEARCH_TEXT_SIZE;  // a pattern whose wildcards are asked for what they took
 constexpr size_t mostLimitDigits = 3;
 
 // ---- a text against a pattern ----
@@ -79,18 +81,26 @@ struct Star {
     size_t end;  // behind it in the pattern
 };
 
+// Told where in the text each element of the pattern begins, by its place in the pattern; an element that is tried
+// again is told again. Nobody listens.
+struct NoTrace {
+    void operator()(size_t, size_t) const {}
+};
+
 class Matching {
   public:
     Matching(std::string_view pattern, const PatternAlphabet& alphabet, std::string_view text, int maxErrors)
         : pattern_(pattern), alphabet_(alphabet), text_(text), maxErrors_(maxErrors) {}
 
-    int errors() const {
+    template <class Trace = NoTrace>
+    int errors(Trace trace = {}) const {
         Place at = {0, 0}, star = {0, none};  // the star to go back to, and where the text goes on behind it
         int retries = 0, errors = 0;          // retries of that star
-        for (passFitting(at); at.text < text_.size() && at.pattern < pattern_.size(); passFitting(at)) {
+        for (passFitting(at, trace); at.text < text_.size() && at.pattern < pattern_.size(); passFitting(at, trace)) {
             const size_t tried = at.pattern;
             const Kind kind = elementAt(tried).kind;
-            if (kind == Kind::star ? stepStar(at, retries) : kind != Kind::character && stepOne(at)) {
+            if (star.pattern != tried) trace(tried, at.text);
+            if (kind == Kind::star ? stepStar(at, retries, trace) : kind != Kind::character && stepOne(at)) {
                 if (kind != Kind::star) continue;
                 if (star.pattern != tried) retries = 0;
                 star = {at.text, tried};
@@ -106,7 +116,20 @@ class Matching {
                 at = recovery.resume;
             }
         }
+        traceFrom(at.pattern, pattern_.size(), text_.size(), trace);
         return errors + errorsOfRest(at, maxErrors_ - errors);
+    }
+
+    // Calls f(place of the element, its wildcard: a star, a character, or none) for each element in turn.
+    enum class Wildcard { none, star, character };
+    template <class F>
+    void forEach(F f) const {
+        for (size_t at = 0; at < pattern_.size(); at = endOf(at)) {
+            const Element& element = elementAt(at);
+            const bool isOneOfMany =
+                element.kind == Kind::set || (element.kind == Kind::character && element.mask != codeTrait);
+            f(at, element.kind == Kind::star ? Wildcard::star : isOneOfMany ? Wildcard::character : Wildcard::none);
+        }
     }
 
   private:
@@ -152,19 +175,30 @@ class Matching {
     // ---- steps ----
 
     // Moves behind all elements of one character that fit.
-    void passFitting(Place& at) const {
+    template <class Trace>
+    void passFitting(Place& at, Trace trace) const {
         const char *const text = text_.data() + at.text, *const pattern = pattern_.data() + at.pattern;
         const size_t end = std::min(text_.size() - at.text, pattern_.size() - at.pattern);
         size_t count = 0;
-        while (count < end && fits(alphabet_.elements[static_cast<uint8_t>(pattern[count])], text[count])) ++count;
+        while (count < end && fits(alphabet_.elements[static_cast<uint8_t>(pattern[count])], text[count])) {
+            trace(at.pattern + count, at.text + count);
+            ++count;
+        }
         at = {at.text + count, at.pattern + count};
+    }
+
+    // Elements from one place in the pattern to another that all begin at the same place in the text.
+    template <class Trace>
+    void traceFrom(size_t begin, size_t end, size_t text, Trace trace) const {
+        if constexpr (!std::is_same_v<Trace, NoTrace>)
+            for (; begin < end; begin = endOf(begin)) trace(begin, text);
     }
 
     // Tries the element at the place, and moves both behind what fits; leaves them where they are otherwise.
     bool step(Place& at, int retries) const {
         if (at.text == text_.size()) return at.pattern == pattern_.size();
         if (at.pattern == pattern_.size()) return false;
-        return isStar(at.pattern) ? stepStar(at, retries) : stepOne(at);
+        return isStar(at.pattern) ? stepStar(at, retries, NoTrace()) : stepOne(at);
     }
     bool stepOne(Place& at) const {
         const Element& element = elementAt(at.pattern);
@@ -178,7 +212,8 @@ class Matching {
     // A star looks for the next element that isn't one. Stars right behind it look for the same one, each from the
     // best place for it, so all that matters of them is that they may take what is left to them: nothing in front of
     // another element, one character at the end of the pattern.
-    bool stepStar(Place& at, int retries) const {
+    template <class Trace>
+    bool stepStar(Place& at, int retries, Trace trace) const {
         const Star star = starAt(at.pattern);
         int limitOfLast = limitOf(star, retries);
         size_t next = star.end;
@@ -188,10 +223,15 @@ class Matching {
             if (limitOfLast < 0) return false;
             next = another.end;
         }
-        if (next < pattern_.size()) return findBehindStar(at, next, limitOf(star, retries));
+        if (next < pattern_.size()) {
+            if (!findBehindStar(at, next, limitOf(star, retries))) return false;
+            traceFrom(star.end, at.pattern, at.text - 1, trace);
+            return true;
+        }
         const bool isAlone = star.end == next;
         const auto taken = static_cast<int>(text_.size() - at.text) - (isAlone ? 0 : 1);
         if (taken > limitOf(star, retries) || (!isAlone && limitOfLast < 1)) return false;
+        traceFrom(star.end, next, text_.size(), trace);
         at = {text_.size(), next};
         return true;
     }
@@ -275,6 +315,33 @@ Pattern::Pattern(std::string_view text, bool caseSensitive)
 
 int Pattern::errorsOf(std::string_view text, int maxErrors) const {
     return Matching(text_, alphabet_, text, maxErrors).errors();
+}
+
+Pattern::Wildcards Pattern::wildcards() const {
+    Wildcards count = {0, 0};
+    Matching(text_, alphabet_, "", 0).forEach([&](size_t, Matching::Wildcard wildcard) {
+        count.stars += wildcard == Matching::Wildcard::star;
+        count.characters += wildcard == Matching::Wildcard::character;
+    });
+    return count;
+}
+
+bool Pattern::take(std::string_view text, const Taken& taken) const {
+    const Matching matching(text_, alphabet_, text, 0);
+    std::array<uint16_t, longestTaken> begins;
+    if (text_.size() > begins.size() || text.size() > UINT16_MAX) return false;
+    if (matching.errors([&](size_t at, size_t begin) { begins[at] = static_cast<uint16_t>(begin); }) != 0) return false;
+    size_t star = 0, character = 0, run = 0;
+    bool inRun = false;
+    matching.forEach([&](size_t at, Matching::Wildcard wildcard) {
+        const size_t begin = begins[at];
+        if (inRun) taken.runs[star++] = text.substr(run, begin - run);
+        inRun = wildcard == Matching::Wildcard::star;
+        run = begin;
+        if (wildcard == Matching::Wildcard::character) taken.characters[character++] = text[begin];
+    });
+    if (inRun) taken.runs[star++] = text.substr(run);
+    return true;
 }
 
 // ---- texts of elements and applications ----

@@ -2,6 +2,7 @@
 // needed. The language stands in text_search.h.
 #pragma once
 
+#include <span>
 #include <string_view>
 
 #include "mclib/design/text_search.h"
@@ -17,6 +18,19 @@ class Pattern {
 
     // 0 when the text fits; how far it lies from the pattern, in errors, up to `maxErrors`; more when it doesn't fit.
     int errorsOf(std::string_view text, int maxErrors) const;
+
+    // The wildcards of the pattern: stars, and elements that stand for one character of several.
+    struct Wildcards {
+        int stars, characters;
+    };
+    Wildcards wildcards() const;
+    // What the wildcards took of a text that fits without an error, each kind in its order: runs of the stars, and
+    // single characters. There is room for all of them. False when the text doesn't fit.
+    struct Taken {
+        std::span<std::string_view> runs;
+        std::span<char> characters;
+    };
+    bool take(std::string_view text, const Taken& taken) const;
 
   private:
     std::string_view text_;

@@ -67,6 +67,28 @@ typedef void (*MclibSearchTextHit)(int *stop, MSElementBuffer *element, FilePos 
  * session. */
 MCLIB_EXPORT int mclibSearch_checkString(char *text, const char *pattern);
 
+/* The errors of a text against a pattern, up to `maxErrors`, and more than that for one that doesn't fit. Of `flags`
+ * SEARCH_CASE_SENSITIVE and SEARCH_IGNORE_BLANKS count. `text` isn't changed; of a longer one MCLIB_SEARCH_TEXT_SIZE - 1
+ * characters are looked at. Null is an empty text or pattern. Needs no session. */
+MCLIB_EXPORT int mclibSearch_compareString(const char *text, const char *pattern, uint32_t flags, int32_t maxErrors);
+
+/* Results of mclibSearch_replaceString. */
+enum {
+    MCLIB_REPLACE_NO_FIT = 1,   /* the text doesn't fit the pattern */
+    MCLIB_REPLACE_BAD_FORM = 2, /* the replacement has more stars or question marks than the pattern can fill */
+    MCLIB_REPLACE_TOO_LONG = 3  /* what comes of it doesn't fit in `out`, or the pattern has 2,000 characters or more */
+};
+/* Puts other words in place of a text that fits a pattern without an error. In the replacement
+ *   *   stands for what the next star of the pattern took
+ *   ?   stands for what the next element of it took that fits several characters: ? # @ & currency sign [abc]
+ *   |x  is the character x
+ * and each other character is itself: "ROAD-###*" and "STREET ???*" make "STREET 017 B" of "Road-017 B". The new text
+ * goes to `out` (`size` bytes, its NUL included). Of `flags` SEARCH_CASE_SENSITIVE counts. Without a text the
+ * replacement alone is looked at: MCLIB_SUCCESS or MCLIB_REPLACE_BAD_FORM. `out` is empty behind another result than
+ * MCLIB_SUCCESS. Needs no session. */
+MCLIB_EXPORT int mclibSearch_replaceString(char *out, int32_t size, const char *text, const char *pattern,
+                                           const char *replacement, uint32_t flags);
+
 /* Scans the text elements of the active model, in order of the file, and calls `exactFunction` for each one that fits,
  * and `nearFunction` for each one with 1 to `maxErrors` errors; either may be null. Elements that can't be read as
  * texts are told on the console and skipped. Lines of text nodes, which are no elements by themselves, aren't found. 0,

@@ -17,5 +17,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const int errors = prepared.errorsOf(whole, maxErrors);
     require(errors >= 0);
     require(errors == 0 || prepared.errorsOf(whole, 0) != 0);  // what fits does so whatever is allowed
+    const mc::design::Pattern::Wildcards wildcards = prepared.wildcards();
+    std::vector<std::string_view> runs(wildcards.stars);
+    std::vector<char> characters(wildcards.characters);
+    if (prepared.take(whole, {runs, characters})) require(prepared.errorsOf(whole, 0) == 0);
     return 0;
 }
