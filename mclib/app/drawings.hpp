@@ -1,4 +1,5 @@
-// The drawings that an application is called for: files, patterns such as "sheet-*.mcd", folders, and lists of all these.
+// The drawings that an application is called for: files, patterns such as "sheet-*.mcd", folders, and lists of all
+// these.
 #pragma once
 
 #include <glob.h>
@@ -20,7 +21,8 @@
 
 namespace mcapp {
 
-// Their names in the order that they are told in, each file and each folder once. Those of a folder are its design files
+// Their names in the order that they are told in, each file and each folder once. Those of a folder are its design
+// files
 // (.mcd) and, behind them, those of its folders, in order of their names and without hidden ones.
 class Drawings {
   public:
