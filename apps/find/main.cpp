@@ -21,6 +21,7 @@
 #include "query.h"
 #include "replacing.h"
 #include "report.h"
+#include "window.h"
 
 namespace find {
 namespace {
@@ -78,17 +79,16 @@ bool keepBackup(const std::string& name) {
     for (int number = 2; fs::exists(mcapp::systemPath(backup), error); ++number)
         backup = name + ".bak" + std::to_string(number);
     const int status = mdlFile_copy(backup.c_str(), name.c_str());
-    return status == 0 || mcapp::fail(backup + ": the copy can't be made (" + std::strerror(status) +
-                                      "); the drawing isn't changed");
+    return status == 0 ||
+           mcapp::fail(backup + ": the copy can't be made (" + std::strerror(status) + "); the drawing isn't changed");
 }
 
 // False after a message.
-bool store(std::vector<Change>& changes, const std::string& name, const std::string& replacement,
-           const Options& options) {
+bool store(std::vector<Change>& changes, const std::string& name, const Options& options) {
     if (options.backup && !keepBackup(name)) return false;
     OpenDrawing drawing(name, OpenDrawing::Use::write);
     if (!drawing.model()) return false;
-    replaceTexts(changes, Query(options, drawing.model()), options, replacement, drawing.model());
+    replaceTexts(changes, Query(options, drawing.model()), drawing.model());
     return drawing.close();
 }
 
@@ -100,9 +100,7 @@ void replaceIn(const std::string& name, std::vector<Hit>&& hits, Run& run) {
         NewText after = newText(run.options, replacement, hit);
         changes.push_back({std::move(hit), std::move(after)});
     }
-    const bool changesAny = std::ranges::any_of(
-        changes, [](const Change& c) { return c.after.why.empty() && c.after.text != c.hit.text; });
-    if (changesAny && !run.options.dryRun && !store(changes, name, replacement, run.options)) {
+    if (!run.options.dryRun && std::ranges::any_of(changes, &Change::isOne) && !store(changes, name, run.options)) {
         run.whole = false;
         return;
     }
@@ -179,18 +177,16 @@ ExitStatus searchAll(const std::vector<std::string>& names, bool listed, const O
 
 // Whether the replacement can be filled by the pattern. False after a message.
 bool isWhole(const Options& options) {
-    if (!options.replacement) return true;
-    const std::string filled = replacementFor(*options.replacement, 1, 1);
-    return mclibSearch_replaceString(nullptr, 0, nullptr, options.pattern.c_str(), filled.c_str(), 0) ==
-               MCLIB_SUCCESS ||
+    return !options.replacement || canFill(options.pattern, *options.replacement) ||
            mcapp::failCall("--replace has more * or ? than the pattern has wildcards to fill them; |* is a star itself",
                            usage);
 }
 
 ExitStatus work(const Options& options) {
+    const bool namesDrawings = !options.drawings.empty() || !options.lists.empty();
+    if (mdlModelRef_getActive() && !namesDrawings) return isWhole(options) && openWindow(options) ? found : failed;
     if (options.pattern.empty()) return mcapp::failCall("the pattern is missing", usage), failed;
-    if (options.drawings.empty() && options.lists.empty())
-        return mcapp::failCall("the drawings are missing", usage), failed;
+    if (!namesDrawings) return mcapp::failCall("the drawings are missing", usage), failed;
     if (!isWhole(options)) return failed;
     mcapp::Drawings drawings;
     bool listed = true;

@@ -145,8 +145,7 @@ const char* contradiction(const Options& options) {
 
 std::optional<Options> optionsFrom(const std::vector<std::string>& arguments) {
     Options options;
-    const mcapp::CallForm<Options> form = {
-        usage, valueOptions, flags, &Options::pattern, nullptr, &Options::drawings};
+    const mcapp::CallForm<Options> form = {usage, valueOptions, flags, &Options::pattern, nullptr, &Options::drawings};
     if (!mcapp::takeArguments(options, arguments, form)) return {};
     if (const char* const why = contradiction(options)) {
         mcapp::failCall(why, usage);

@@ -20,9 +20,9 @@ struct Options {
 
     int near = 0;  // most errors
     bool caseSensitive = false;
-    std::vector<std::string> levels;           // names or codes; none: all
+    std::vector<std::string> levels;  // names or codes; none: all
     std::optional<int> colour, weight, style;
-    double minHeight = -1, maxHeight = -1;     // master units; below 0: no limit
+    double minHeight = -1, maxHeight = -1;  // master units; below 0: no limit
     std::optional<Area> area;
 
     std::optional<std::string> replacement;

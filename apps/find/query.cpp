@@ -62,7 +62,7 @@ bool Query::hasLook(const MSElementBuffer& element) const {
            accepts(options_.weight, static_cast<int32_t>(weight)) && accepts(options_.style, style);
 }
 
-std::optional<Hit> Query::look(const MSElementBuffer& element, FilePos position) const {
+std::optional<Hit> Query::look(const MSElementBuffer& element, FilePos position, int ordinal) const {
     char text[MDL_TEXT_CHARACTERS + 1];
     if (mdlText_extractString(text, &element) != MDL_SUCCESS) return {};
     const int errors = mclibSearch_compareString(text, options_.pattern.c_str(),
@@ -83,6 +83,7 @@ std::optional<Hit> Query::look(const MSElementBuffer& element, FilePos position)
          low.y > options_.area->top * uorPerMaster_ || high.y < options_.area->bottom * uorPerMaster_))
         return {};
     return Hit{position,
+               ordinal,
                text,
                errors,
                levelName(model_, element.head.level),
@@ -105,7 +106,7 @@ bool Query::addRange(ScanCriteria* criteria) const {
 bool Query::lookAt(FilePos position, const std::function<void(const Hit&)>& f, MSElementBuffer& buffer) const {
     if (mdlElement_read(&buffer, model_, position) == 0) return false;
     if (mdlElement_getType(&buffer) == MDL_TEXT) {
-        if (const std::optional<Hit> hit = look(buffer, position)) f(*hit);
+        if (const std::optional<Hit> hit = look(buffer, position, 0)) f(*hit);
         return true;
     }
     const mdl::DescrPtr header = mdl::readDescr(position, model_);
@@ -116,11 +117,13 @@ bool Query::lookAt(FilePos position, const std::function<void(const Hit&)>& f, M
         const std::function<void(const Hit&)>& f;
         FilePos position;
         bool isLocked;
-    } visit = {*this, f, position, isLocked};
+        int ordinal;
+    } visit = {*this, f, position, isLocked, 0};
     const auto each = [](MSElementBuffer* element, void* arg, int32_t, int32_t, ElementDescr*) {
-        const Visit& v = *static_cast<const Visit*>(arg);
-        std::optional<Hit> hit = v.query.look(*element, v.position);
+        Visit& v = *static_cast<Visit*>(arg);
+        std::optional<Hit> hit = v.query.look(*element, v.position, v.ordinal);
         if (!hit) return 0;
+        ++v.ordinal;
         hit->isLocked = hit->isLocked || v.isLocked;
         v.f(*hit);
         return 0;

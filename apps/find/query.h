@@ -14,10 +14,11 @@ namespace find {
 
 struct Hit {
     FilePos position;  // of the element in the file that the text is, or lies in
+    int ordinal;       // of the hit in that element, from 0
     std::string text;  // Windows-1252
     int errors;
     std::string level;
-    double x, y;  // of the text's origin, in master units
+    double x, y;        // of the text's origin, in master units
     Point3d low, high;  // of its box, in UOR
     bool isLocked;
 };
@@ -30,8 +31,8 @@ class Query {
 
     // False when the model has none of the levels that were asked for.
     bool hasLevels() const { return !levels_ || !levels_->empty(); }
-    // The text of an element, when it is looked for; `position` goes to the hit.
-    std::optional<Hit> look(const MSElementBuffer& element, FilePos position) const;
+    // The text of an element, when it is looked for; `position` and `ordinal` go to the hit.
+    std::optional<Hit> look(const MSElementBuffer& element, FilePos position, int ordinal) const;
     // Calls f for each hit, in order of the file. False when not all of the model could be read.
     bool run(const std::function<void(const Hit&)>& f) const;
 

@@ -14,8 +14,6 @@ namespace find {
 
 namespace {
 
-constexpr const char* notWritten = "the element can't be written";
-
 uint32_t flagsOf(const Options& options) {
     return options.caseSensitive ? SEARCH_CASE_SENSITIVE : 0;
 }
@@ -53,7 +51,37 @@ void fillDates(std::string& text) {
     }
 }
 
+// ---- one element ----
+
+struct Rewriting {
+    const Query& query;
+    const std::vector<Change*>& changes;  // of the element
+    int ordinal;                          // of the next hit in it
+};
+
+// A text that isn't what it was when it was found stays.
+int rewrite(MSElementBuffer* element, void* userArg, ModelRef*, ElementDescr*, ElementDescr**) {
+    Rewriting& work = *static_cast<Rewriting*>(userArg);
+    const std::optional<Hit> hit = work.query.look(*element, 0, work.ordinal);
+    if (!hit) return MDL_MODIFY_NONE;
+    const auto isIts = [&](const Change* change) {
+        return change->hit.ordinal == hit->ordinal && change->hit.text == hit->text;
+    };
+    const auto change = std::ranges::find_if(work.changes, isIts);
+    ++work.ordinal;
+    if (change == work.changes.end()) return MDL_MODIFY_NONE;
+    const char* const text = (*change)->after.text.c_str();
+    return mdlText_create(element, element, text, nullptr, nullptr, nullptr, nullptr, 0) == MDL_SUCCESS
+               ? MDL_MODIFY_CHANGED
+               : MDL_MODIFY_NONE;
+}
+
 }  // namespace
+
+bool canFill(const std::string& pattern, const std::string& replacement) {
+    const std::string filled = replacementFor(replacement, 1, 1);
+    return mclibSearch_replaceString(nullptr, 0, nullptr, pattern.c_str(), filled.c_str(), 0) == MCLIB_SUCCESS;
+}
 
 std::string replacementFor(const std::string& replacement, size_t page, size_t pages) {
     std::string text = replacement;
@@ -65,8 +93,8 @@ std::string replacementFor(const std::string& replacement, size_t page, size_t p
 
 NewText newText(const Options& options, const std::string& replacement, const Hit& hit) {
     char text[MDL_TEXT_CHARACTERS + 1];
-    switch (mclibSearch_replaceString(text, sizeof text, hit.text.c_str(), options.pattern.c_str(),
-                                      replacement.c_str(), flagsOf(options))) {
+    switch (mclibSearch_replaceString(text, sizeof text, hit.text.c_str(), options.pattern.c_str(), replacement.c_str(),
+                                      flagsOf(options))) {
         case MCLIB_SUCCESS: break;
         case MCLIB_REPLACE_TOO_LONG:
             return {"", "the new text has more than " + std::to_string(MDL_TEXT_CHARACTERS) + " characters"};
@@ -77,39 +105,17 @@ NewText newText(const Options& options, const std::string& replacement, const Hi
     return {text, ""};
 }
 
-void replaceTexts(std::vector<Change>& changes, const Query& query, const Options& options,
-                  const std::string& replacement, ModelRef* model) {
-    struct Work {
-        const Query& query;
-        const Options& options;
-        const std::string& replacement;
-        FilePos position;
-    } work = {query, options, replacement, 0};
-    const auto each = [](MSElementBuffer* element, void* arg, ModelRef*, ElementDescr* node, ElementDescr**) -> int {
-        const Work& w = *static_cast<const Work*>(arg);
-        std::optional<Hit> hit = w.query.look(*element, w.position);
-        if (!hit) return MDL_MODIFY_NONE;
-        const ElementDescr* const header = node->parent;
-        hit->isLocked = hit->isLocked || (header && (header->element->head.properties & MDL_PROP_LOCKED) != 0);
-        const NewText after = newText(w.options, w.replacement, *hit);
-        if (after.text.empty() || after.text == hit->text) return MDL_MODIFY_NONE;
-        if (mdlText_create(element, element, after.text.c_str(), nullptr, nullptr, nullptr, nullptr, 0) != MDL_SUCCESS)
-            return MDL_MODIFY_NONE;
-        return MDL_MODIFY_CHANGED;
-    };
-    if (mdlUndo_mark("Replace texts") != MDL_SUCCESS) {
-        for (Change& change : changes) change.after = {"", notWritten};
-        return;
-    }
-    std::map<FilePos, int> wanted;  // texts of an element that are to be changed
-    for (const Change& change : changes)
-        wanted[change.hit.position] += change.after.why.empty() && change.after.text != change.hit.text;
-    for (const auto& [position, count] : wanted) {
-        work.position = position;
-        if (count == 0) continue;
-        if (mdlModify_elementSingle(model, position, MDL_MODIFY_NO_HEADERS, 0, each, &work, 0) == count) continue;
-        for (Change& change : changes)
-            if (change.hit.position == position && change.after.why.empty()) change.after = {"", notWritten};
+void replaceTexts(std::vector<Change>& changes, const Query& query, ModelRef* model) {
+    std::map<FilePos, std::vector<Change*>> byElement;
+    for (Change& change : changes)
+        if (change.isOne()) byElement[change.hit.position].push_back(&change);
+    const bool isMarked = mdlUndo_mark("Replace texts") == MDL_SUCCESS;
+    for (const auto& [position, ofElement] : byElement) {
+        Rewriting work = {query, ofElement, 0};
+        const int count = static_cast<int>(ofElement.size());
+        if (isMarked && mdlModify_elementSingle(model, position, MDL_MODIFY_NO_HEADERS, 0, rewrite, &work, 0) == count)
+            continue;
+        for (Change* const change : ofElement) change->after = {"", "the element can't be written"};
     }
 }
 
