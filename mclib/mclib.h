@@ -8,6 +8,7 @@
 #define MCLIB_H
 
 #include "mclib/arrows/arrows.h"
+#include "mclib/design/element_search.h"
 #include "mclib/design/text_search.h"
 #include "mclib/elmattr/attributes.h"
 #include "mclib/elmattr/resources.h"

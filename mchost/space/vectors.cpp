@@ -3,6 +3,7 @@
 #include <cstring>
 #include <numbers>
 
+#include "mchost/mdl/vector.h"
 #include "mchost/space/current.h"
 
 using namespace host;
@@ -25,6 +26,10 @@ const double *const fc_rmaxi4P = &maxInt32, *const fc_rmaxui4P = &maxUint32;
 
 double mdlVec_distance(const Point3d* a, const Point3d* b) noexcept {
     return distance(*a, *b);
+}
+
+int mdlVec_pointEqual(const Point3d* a, const Point3d* b) noexcept {
+    return *a == *b ? 1 : 0;
 }
 
 double mdlVec_computeNormal(Point3d* out, const Point3d* a, const Point3d* b) noexcept {

@@ -5,11 +5,11 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <utility>
 
 #include "mchost/mdl/element.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/transform.h"
+#include "mclib/frame/errors.h"
 
 namespace mc::design {
 
@@ -35,18 +35,15 @@ bool addTypes(ScanCriteria* criteria, ElementGroup group) {
 }
 
 bool isFinite(const Point3d& p) {
-    return std::isfinite(p.x) && std::isfinite(p.y);
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
 }
 
-// The box between two corners; z is all that there is.
-bool addBox(ScanCriteria* criteria, const Point3d& low, const Point3d& high) {
-    Point3d corners[] = {low, high};
-    if (mdlCurrTrans_transformPointArray(corners, corners, 2) != MDL_SUCCESS) return false;
-    if (!isFinite(corners[0]) || !isFinite(corners[1])) return false;
-    const auto [left, right] = std::minmax({std::trunc(corners[0].x), std::trunc(corners[1].x)});
-    const auto [bottom, top] = std::minmax({std::trunc(corners[0].y), std::trunc(corners[1].y)});
-    const Range3d box = {{left, bottom, INT32_MIN}, {right, top, INT32_MAX}};
-    return mdlScanCriteria_setRangeTest(criteria, &box) == MDL_SUCCESS;
+struct Span {
+    double low, high;
+};
+Span wholeUor(double a, double b) {
+    const auto [low, high] = std::minmax({std::trunc(a), std::trunc(b)});
+    return {low, high};
 }
 
 }  // namespace
@@ -68,10 +65,35 @@ bool prepareScan(const mdl::Scan& scan, ElementGroup group, const MdlBitMask* le
                  const Point3d& high) {
     ScanCriteria* const criteria = scan.criteria();
     return criteria && mdlScanCriteria_setModel(criteria, mdlModelRef_getActive()) == MDL_SUCCESS &&
-           mdlScanCriteria_setRangeTest(criteria, nullptr) == MDL_SUCCESS && (!inBox || addBox(criteria, low, high)) &&
-           addTypes(criteria, group) &&
+           mdlScanCriteria_setRangeTest(criteria, nullptr) == MDL_SUCCESS &&
+           (!inBox || setBox(criteria, low, high, Depth::all)) && addTypes(criteria, group) &&
            (!levels || mdlScanCriteria_setLevelTest(criteria, levels, 1, 0) == MDL_SUCCESS) &&
            mdlScanCriteria_setReturnType(criteria, MDL_SCAN_POSITIONS, 1, 0) == MDL_SUCCESS;
+}
+
+bool setBox(ScanCriteria* criteria, const Point3d& low, const Point3d& high, Depth depth) {
+    Point3d corners[] = {low, high};
+    if (depth == Depth::all) corners[0].z = corners[1].z = 0;
+    if (mdlCurrTrans_transformPointArray(corners, corners, 2) != MDL_SUCCESS) return false;
+    if (!isFinite(corners[0]) || !isFinite(corners[1])) return false;
+    const Span x = wholeUor(corners[0].x, corners[1].x), y = wholeUor(corners[0].y, corners[1].y);
+    const Span z = depth == Depth::all ? Span{INT32_MIN, INT32_MAX} : wholeUor(corners[0].z, corners[1].z);
+    const Range3d box = {{x.low, y.low, z.low}, {x.high, y.high, z.high}};
+    return mdlScanCriteria_setRangeTest(criteria, &box) == MDL_SUCCESS;
+}
+
+Batch::Batch(ScanCriteria* criteria) {
+    FilePos start = 0;
+    constexpr int32_t wordsOfPosition = sizeof(FilePos) / sizeof(uint16_t);
+    int32_t words = most * wordsOfPosition;
+    const int status = mdlScanCriteria_scan(criteria, positions, &words, &start);
+    isCut = status == MDL_SCAN_MORE;
+    count = isCut || status == MDL_SUCCESS ? words / wordsOfPosition : 0;
+}
+
+ElementBuffer makeElementBuffers(size_t count) {
+    return ElementBuffer(static_cast<MSElementBuffer*>(
+        mclibMem_mallocRscErrorPrintf(count * sizeof(MSElementBuffer), MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY)));
 }
 
 }  // namespace mc::design

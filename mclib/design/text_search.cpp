@@ -11,7 +11,6 @@
 #include "mchost/mdl/text.h"
 #include "mclib/design/criteria.h"
 #include "mclib/design/pattern.h"
-#include "mclib/frame/errors.h"
 
 using namespace mc;
 using design::Pattern;
@@ -66,15 +65,11 @@ class TextSearch {
             toolSubsystem_printf("error extract: %s\n", ("element " + std::to_string(position)).c_str());
             return false;
         }
-        if (!filter_.accepts(*element_) || !acceptsHeight(height)) return false;
+        if (!filter_.accepts(*element_) || !heights_.accept(height)) return false;
         const int errors =
             design::errorsOfText(text, pattern_, (spec_.flags & SEARCH_IGNORE_BLANKS) != 0, spec_.maxErrors);
         if (errors == 0) return callHit(exact_, position, 0);
         return errors <= spec_.maxErrors && callHit(near_, position, errors);
-    }
-    bool acceptsHeight(double height) const {
-        if (spec_.minHeight < 0 && spec_.maxHeight < 0) return true;
-        return height >= spec_.minHeight && (spec_.maxHeight < 0 || height <= spec_.maxHeight);
     }
     bool callHit(const HitFunction& hit, FilePos position, int32_t errors) {
         int stop = 0;
@@ -89,9 +84,9 @@ class TextSearch {
     const Pattern pattern_;
     const HitFunction exact_, near_;
     const design::ElementFilter filter_ = {spec_.levelMask, spec_.weight, spec_.style, spec_.color};
+    const design::Limits heights_ = {spec_.minHeight, spec_.maxHeight};
     ModelRef* const model_ = mdlModelRef_getActive();
-    const mdl::HostPtr<MSElementBuffer> element_{static_cast<MSElementBuffer*>(
-        mclibMem_mallocRscErrorPrintf(sizeof(MSElementBuffer), MCLIB_ERRORS, MCLIB_OUT_OF_MEMORY))};
+    const design::ElementBuffer element_ = design::makeElementBuffers();
 };
 
 }  // namespace
