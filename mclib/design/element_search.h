@@ -51,9 +51,9 @@ typedef struct SearchElementSpec {
 /* Called for a symbol. *status is 0; another value keeps the base element off the list of those that are done. `base`
  * is the element as it was found or, of a circle, the full ellipse that was made of it; its filePos is the position of
  * the element, of the first arc for a circle of arcs. `texts` and `errors` are one element and one count of errors for
- * each of the spec's texts, in their order. All last as long as the call. `spec` and `arg` are those given to the
- * search. The current transform is that of master units. The function may change the drawing; elements that it adds
- * aren't found as base elements. */
+ * each of `textSpecs`, in their order. All last as long as the call. `spec` and `arg` are those given to the search.
+ * The current transform is that of master units. The function may change the drawing; elements that it adds aren't
+ * found as base elements. */
 typedef void (*MclibSearchElementHit)(int *status, ElementDescr *base, MSElementBuffer *texts, int32_t *errors,
                                       SearchElementSpec *spec, void *arg);
 

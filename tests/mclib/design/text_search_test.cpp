@@ -12,7 +12,7 @@
 #include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/text.h"
 #include "mclib/design/criteria.h"
-#include "tests/support/library_fixture.h"
+#include "tests/mclib/design/design_fixture.h"
 
 using namespace mc;
 
@@ -22,35 +22,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-struct Look {
-    uint32_t level = 1, color = 0, weight = 0;
-    int32_t style = 0;
-    double height = 2;  // master units
-};
-
-SearchTextSpec textsLike(const char* pattern, int maxErrors = 0) {
-    SearchTextSpec spec = {};
-    std::strcpy(spec.pattern, pattern);
-    spec.weight = spec.style = spec.color = -1;
-    spec.minHeight = spec.maxHeight = -1;
-    spec.maxErrors = maxErrors;
-    return spec;
-}
-
-class Search : public LibraryTest {
+class Search : public DesignTest {
   protected:
-    Search() { openDesignFile(); }
-
-    static FilePos addText(const char* text, Point3d origin = {0, 0, 0}, const Look& look = {}) {
-        const mdl::CurrTransScope units(mdl::CurrTransScope::Begin::masterUnits);
-        const TextSize size = {1, look.height, look.height, 1};
-        auto element = std::make_unique<MSElementBuffer>();
-        EXPECT_EQ(mdlText_create(element.get(), nullptr, text, &origin, nullptr, &size, nullptr, 0), MDL_SUCCESS);
-        mdlElement_setSymbology(element.get(), &look.color, &look.weight, &look.style);
-        mdlElement_setProperties(element.get(), &look.level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                                 nullptr);
-        return mdlElement_add(element.get());
-    }
     // What is found, each as its text, with its errors where it has any. `then` sees each hit's position.
     template <class Then>
     std::vector<std::string> found(SearchTextSpec spec, Then then) {

@@ -1,0 +1,239 @@
+// Which elements are base elements of symbols, and where their boxes are told from.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "tests/mclib/design/symbol_drawing.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+class BaseElements : public SymbolTest {
+  protected:
+    // A box of 2 x 2 about the place where the origin of the one base element must be, and a text in it alone.
+    bool hasOriginAt(SymbolSearch& search, Point3d place) {
+        addText("T", {place.x + 70, place.y, 0}, {.height = 0.1});
+        search.low = {{69, -1, 0}};
+        search.high = {{71, 1, 0}};
+        return count(search) == 1;
+    }
+};
+
+TEST_F(BaseElements, LinesCountByTheirLength) {
+    addText("T");
+    addLine({0, 0, 0}, {3, 4, 0});
+    const struct {
+        double least, most;
+        size_t found;
+    } cases[] = {{-1, -1, 1}, {5, 5, 1}, {5.001, -1, 0}, {-1, 4.999, 0}, {-1, 6, 1}, {0, 0, 0}};
+    for (const auto& c : cases) {
+        SymbolSearch search(SEARCH_GROUP_LINE);
+        search.spec.minSizeA = c.least;
+        search.spec.maxSizeA = c.most;
+        EXPECT_EQ(count(search), c.found) << c.least << " to " << c.most;
+    }
+}
+
+TEST_F(BaseElements, BoxesAreToldFromTheOriginOfEach) {
+    const struct {
+        int32_t group;
+        Point3d origin;
+        std::function<void()> draw;
+    } cases[] = {
+        {SEARCH_GROUP_LINE,
+         {1020, 5, 0},
+         [] {
+             addLine({1010, 0, 0}, {1030, 10, 0});
+         }},
+        {SEARCH_GROUP_CIRCLE,
+         {2010, 30, 0},
+         [] {
+             addEllipse({2010, 30, 0}, 4, 2);
+         }},
+        {SEARCH_GROUP_RECTANGLE,
+         {2990, -7, 0},
+         [] {
+             addBox({3010, 5, 0}, -20, -12);
+         }},
+        {SEARCH_GROUP_TEXT,
+         {4000, 0, 0},
+         [] {
+             addText("W", {4000, 0, 0});
+         }},
+    };
+    for (const auto& c : cases) {
+        c.draw();
+        SymbolSearch search(c.group, {textsLike("T")});
+        EXPECT_TRUE(hasOriginAt(search, c.origin)) << "group " << c.group;
+    }
+}
+
+TEST_F(BaseElements, BoxesGrowWithTheSymbol) {
+    addLine({-2, 9, 0}, {2, 9, 0});  // 4 along x
+    addEllipse({100, 9, 0}, 4, 1);
+    addBox({200, 9, 0}, 4, 1);
+    addText("W", {300, 9, 0}, {.height = 4});
+    for (int32_t group = SEARCH_GROUP_LINE; group <= SEARCH_GROUP_TEXT; ++group) {
+        const FilePos text = addText("T", {(group - 1) * 100.0 + 39, 9, 0}, {.height = 0.5});
+        SymbolSearch search(group, {textsLike("T")});
+        search.low = {{9.5, -1, 0}};
+        search.high = {{10, 1, 0}};
+        EXPECT_EQ(count(search), 0u);
+        search.spec.flags = SEARCH_SCALE_REGIONS;
+        EXPECT_EQ(count(search), 1u) << "group " << group;
+        mdlElement_undoableDelete(nullptr, text, 0);
+    }
+}
+
+TEST_F(BaseElements, TakesRectanglesAlongTheAxes) {
+    const struct {
+        const char* what;
+        std::vector<Point3d> corners;
+        size_t found;
+    } cases[] = {
+        {"square", {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}}, 1},
+        {"another way round", {{0, 4, 0}, {0, 0, 0}, {10, 0, 0}, {10, 4, 0}}, 1},
+        {"a corner 0.9% off", {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0.09, 10, 0}}, 1},
+        {"a corner 2% off", {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0.2, 10, 0}}, 0},
+        {"turned", {{5, 0, 0}, {10, 5, 0}, {5, 10, 0}, {0, 5, 0}}, 0},
+        {"a bow tie", {{0, 0, 0}, {10, 10, 0}, {10, 0, 0}, {0, 10, 0}}, 0},
+        {"a triangle", {{0, 0, 0}, {10, 0, 0}, {0, 10, 0}}, 0},
+        {"five corners", {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {5, 10, 0}, {0, 10, 0}}, 0},
+    };
+    addText("T");
+    for (const auto& c : cases) {
+        const FilePos shape = addShape(c.corners);
+        SymbolSearch search(SEARCH_GROUP_RECTANGLE);
+        EXPECT_EQ(count(search), c.found) << c.what;
+        mdlElement_undoableDelete(nullptr, shape, 0);
+    }
+}
+
+TEST_F(BaseElements, RectanglesAndEllipsesHaveTwoSizes) {
+    addText("T");
+    addBox({0, 0, 0}, 10, 4);
+    addEllipse({0, 0, 0}, 10, 4);
+    for (const int32_t group : {SEARCH_GROUP_RECTANGLE, SEARCH_GROUP_CIRCLE}) {
+        for (double SearchElementSpec::*limit : {&SearchElementSpec::minSizeA, &SearchElementSpec::maxSizeA,
+                                                 &SearchElementSpec::minSizeB, &SearchElementSpec::maxSizeB}) {
+            SymbolSearch search(group);
+            search.spec.minSizeA = search.spec.maxSizeA = 10;
+            search.spec.minSizeB = search.spec.maxSizeB = 4;
+            EXPECT_EQ(count(search), 1u);
+            search.spec.*limit +=
+                limit == &SearchElementSpec::minSizeA || limit == &SearchElementSpec::minSizeB ? 1 : -1;
+            EXPECT_EQ(count(search), 0u);
+        }
+    }
+}
+
+struct ArcPart {
+    Point3d center;
+    double radius, sweep;
+};
+
+TEST_F(BaseElements, CompletesCirclesFromArcs) {
+    const struct {
+        const char* what;
+        std::vector<ArcPart> arcs;  // each goes on where the one before it ends
+        size_t found;
+    } cases[] = {
+        {"two halves", {{{0, 0, 0}, 5, pi}, {{0, 0, 0}, 5, pi}}, 1},
+        {"four quarters, clockwise", {4, {{0, 0, 0}, 5, -pi / 2}}, 1},
+        {"one arc all round", {{{0, 0, 0}, 5, 2 * pi}}, 1},
+        {"6.2657 in all", {{{0, 0, 0}, 5, 3}, {{0, 0, 0}, 5, 3.2658}}, 1},
+        {"6.2 in all", {{{0, 0, 0}, 5, 2}, {{0, 0, 0}, 5, 2}, {{0, 0, 0}, 5, 2.2}}, 0},
+        {"more than all round", {{{0, 0, 0}, 5, pi}, {{0, 0, 0}, 5, pi + 0.02}}, 0},
+        {"radii 0.9% apart", {{{0, 0, 0}, 5, pi}, {{0, 0, 0}, 5.045, pi}}, 1},
+        {"radii 2% apart", {{{0, 0, 0}, 5, pi}, {{0, 0, 0}, 5.1, pi}}, 0},
+        {"centres 1.8% apart", {{{0, 0, 0}, 5, pi}, {{0.09, -0.09, 0}, 5, pi}}, 1},
+        {"centres 2.2% apart", {{{0, 0, 0}, 5, pi}, {{0, 0.11, 0}, 5, pi}}, 0},
+        {"a half alone", {{{0, 0, 0}, 5, pi}}, 0},
+    };
+    addText("T");
+    for (const auto& c : cases) {
+        std::vector<FilePos> positions;
+        double start = 0.3;
+        for (const ArcPart& arc : c.arcs) {
+            positions.push_back(addArc(arc.center, arc.radius, start, arc.sweep));
+            start += arc.sweep;
+        }
+        SymbolSearch search(SEARCH_GROUP_CIRCLE);
+        EXPECT_EQ(count(search), c.found) << c.what;
+        for (const Report& report : reports) {
+            EXPECT_EQ(report.position, positions.front());
+            EXPECT_EQ(report.type, MDL_ELLIPSE);
+            EXPECT_NEAR(std::hypot(report.center.x, report.center.y), 0, 1e-3);
+            EXPECT_NEAR(report.axis1, 5, 1e-3);
+            EXPECT_NEAR(report.axis2, 5, 1e-3);
+        }
+        for (const FilePos position : positions) mdlElement_undoableDelete(nullptr, position, 0);
+    }
+}
+
+TEST_F(BaseElements, AnArcThatWasLookedAtIsNotTriedByItself) {
+    addText("T");
+    addArc({0, 0, 0}, 5, 0, pi / 2);
+    addArc({0, 0, 0}, 7, 0, 2 * pi);
+    SymbolSearch search(SEARCH_GROUP_CIRCLE);
+    EXPECT_EQ(count(search), 0u);
+    search.spec.minSizeA = 6;
+    EXPECT_EQ(count(search), 0u) << "limits don't keep an arc from looking around";
+    addArc({60, 0, 0}, 3, 0, 2 * pi);
+    search.low = {{-70, -70, 0}};
+    search.spec.minSizeA = -1;
+    EXPECT_EQ(count(search), 1u);
+}
+
+TEST_F(BaseElements, TextsCountByPatternAndHeight) {
+    addText("note", {0, 0, 0});
+    for (const char* text : {"PUMP 1", "pump 2", "Pump x"}) addText(text, {10, 0, 0}, {.height = 3});
+    addText("PUMP 3", {10, 0, 0}, {.height = 4});
+    SymbolSearch search(SEARCH_GROUP_TEXT, {textsLike("note")});
+    std::strcpy(search.spec.pattern, "PUMP_#");
+    EXPECT_EQ(count(search), 3u);
+    search.spec.maxSizeA = 3;
+    EXPECT_EQ(count(search), 2u);
+    search.spec.flags = SEARCH_CASE_SENSITIVE;
+    EXPECT_EQ(count(search), 1u);
+    std::strcpy(search.spec.pattern, "PUMP#");
+    EXPECT_EQ(count(search), 0u);
+    search.spec.flags |= SEARCH_IGNORE_BLANKS;
+    EXPECT_EQ(count(search), 1u);
+}
+
+TEST_F(BaseElements, TakesTheLookAndPlaceThatAreAskedFor) {
+    addText("T");
+    const auto addColored = [](uint32_t color, uint32_t level, double x) {
+        return add([&](MSElementBuffer* e) {
+            const Point3d ends[] = {{x, 0, 0}, {x + 1, 0, 0}};
+            mdlLine_create(e, nullptr, ends);
+            mdlElement_setProperties(e, &level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+            return mdlElement_setSymbology(e, &color, nullptr, nullptr);
+        });
+    };
+    const FilePos red = addColored(3, 1, 0), low = addColored(0, 9, 1), far = addColored(0, 1, 30);
+    SymbolSearch search(SEARCH_GROUP_LINE);
+    search.spec.color = 3;
+    EXPECT_EQ(count(search), 1u);
+    EXPECT_EQ(reports[0].position, red);
+    search.spec.color = -1;
+    MdlBitMask* levels = mdlBitMask_create();
+    mdlBitMask_setBit(levels, 8, 1);
+    search.spec.levelMask = levels;
+    EXPECT_EQ(count(search), 1u);
+    EXPECT_EQ(reports[0].position, low);
+    mdlBitMask_free(&levels);
+    search.spec.levelMask = nullptr;
+    search.spec.flags = SEARCH_USE_RANGE;  // by the same corners as a place
+    search.low = {{-40, -10, 0}};
+    search.high = {{29, 10, 0}};
+    EXPECT_EQ(count(search), 2u);
+    search.high = {{31, 10, 0}};
+    EXPECT_EQ(count(search), 3u);
+    EXPECT_EQ(reports.back().position, far);
+}
+
+}  // namespace
