@@ -71,7 +71,7 @@ std::string table(const std::vector<Row>& rows, const std::vector<Column>& shown
 
 // ---- for other programs ----
 
-// RFC 4180.
+// RFC 4180, with the line ends of this system.
 std::string csvField(const std::string& text) {
     if (text.find_first_of(",\"\r\n") == text.npos) return text;
     std::string out = "\"";
@@ -82,10 +82,10 @@ std::string csvField(const std::string& text) {
 std::string csv(const std::vector<Row>& rows, const std::vector<Column>& shown) {
     std::string out;
     for (const Column& column : shown) out += (out.empty() ? "" : ",") + std::string(column.name);
-    out += "\r\n";
+    out += "\n";
     for (const Row& row : rows) {
         for (const Column& column : shown) out += (&column == shown.data() ? "" : ",") + csvField(column.value(row));
-        out += "\r\n";
+        out += "\n";
     }
     return out;
 }

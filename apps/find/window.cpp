@@ -13,9 +13,9 @@
 #include <mchost/mdl/selection.h>
 #include <mchost/mdl/system.h>
 #include <mchost/mdl/view.h>
+#include <mclib/mclib.h>
 #include <mchost/mdl/names.hpp>
 #include <mchost/mdl/owned.hpp>
-#include <mclib/mclib.h>
 #include <mclib/app/numbers.hpp>
 #include <mclib/app/tell.hpp>
 #include "find_ids.h"
@@ -116,9 +116,9 @@ void show(const Hit& hit) {
     const Point3d middle = {(hit.low.x + hit.high.x) / 2, (hit.low.y + hit.high.y) / 2, hit.low.z};
     const double height = (hit.high.y - hit.low.y) / mdlView_getPixelSize(view);
     mdlSelect_freeAll();
-    const bool isShown = mdlView_setCenter(view, &middle) == MDL_SUCCESS &&
-                         (!(height > 0) || height >= legible ||
-                          mdlView_zoom(view, comfortable / height, &middle) == MDL_SUCCESS);
+    const bool isShown =
+        mdlView_setCenter(view, &middle) == MDL_SUCCESS &&
+        (!(height > 0) || height >= legible || mdlView_zoom(view, comfortable / height, &middle) == MDL_SUCCESS);
     if (!isShown || mdlSelect_addElement(hit.position, nullptr) != MDL_SUCCESS) refuse(notes::gone);
     mdlView_update(view);
 }

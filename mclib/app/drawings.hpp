@@ -134,7 +134,7 @@ inline bool Drawings::addList(const std::string& fileName) {
     std::string line(longestLine, '\0');
     bool whole = true;
     for (int taken; (taken = mclibFile_read(line.data(), list, longestLine)) != 0 || line[0] != '\0';) {
-        const std::string name = line.c_str();
+        const std::string name = line.c_str() + std::strspn(line.c_str(), " \t");
         const std::string beside = (std::filesystem::path(fileName).parent_path() / name).string();
         if (taken < 0) whole = false;
         if (taken < 0 && mdlTextFile_error(list->stream) != 0) break;
