@@ -96,11 +96,21 @@ class Look {
         });
     }
 
+    // To the nearest of the elements that a compound holds.
     std::optional<double> distanceTo(const MSElementBuffer* element) {
+        std::optional<double> nearest;
+        forEachPart(element, [&](const MSElementBuffer* part) {
+            const auto its = distanceToOutline(part);
+            if (its && (!nearest || *its < *nearest)) nearest = its;
+        });
+        return nearest;
+    }
+
+    std::optional<double> distanceToOutline(const MSElementBuffer* element) {
         constexpr double fine = 0.1;
         if (!outlineOf(points_, element, fine * reach_, toSeen_)) return std::nullopt;
         for (Point3d& p : points_) p = flat(p);
-        if (element->head.type == MDL_TEXT && isInBox(at_, points_)) return 0;
+        if (shownTextOf(element) && isInBox(at_, points_)) return 0;
         double nearest = distance(at_, points_.front());
         for (size_t i = 1; i < points_.size(); ++i) {
             nearest = std::min(nearest, distance(at_, nearestOnSegment(at_, points_[i - 1], points_[i])));
@@ -166,7 +176,7 @@ std::vector<FilePos> elementsBehind(Model& model, const Transform& toSeen, const
 bool outlineOf(std::vector<Point3d>& points, const MSElementBuffer* element, double tolerance,
                const Transform& transform) {
     points.clear();
-    const std::optional<TextView> text = textOf(element);
+    const std::optional<TextView> text = shownTextOf(element);
     if (!text) return strokeElement(points, element, tolerance, transform);
     if (text->body.count == 0) return false;
     const auto [corner, along, up] = textBox(*text);

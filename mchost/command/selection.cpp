@@ -84,9 +84,11 @@ class FenceArea {
     bool holds(const RecordHead* record) {
         bool any = false, all = true;
         forEachNode(record, [&](const StoredNode& node) {
-            if (!all || !outlineOf(points_, node.element, tolerance_, toSeen_)) return;
-            any = true;
-            all = holdsLine();
+            forEachPart(node.element, [&](const MSElementBuffer* part) {
+                if (!all || !outlineOf(points_, part, tolerance_, toSeen_)) return;
+                any = true;
+                all = holdsLine();
+            });
         });
         return any && all;
     }

@@ -38,7 +38,7 @@ struct Line {
     Transform toActive;
     std::vector<Point3d> points;  // its vertices, or points along a curve
 
-    bool isText() const { return element->head.type == MDL_TEXT; }
+    bool isText() const { return shownTextOf(element).has_value(); }
     bool hasVertices() const { return verticesOf(element).has_value(); }
     bool isClosed() const { return points.front() == points.back(); }
 };
@@ -83,7 +83,7 @@ Found endOf(const Line& line, const SeenPoint& seen) {
 }
 
 Found vertexOf(const Line& line, const SeenPoint& seen) {
-    if (const auto text = textOf(line.element)) return applyToPoint(line.toActive, text->body.origin);
+    if (const auto text = shownTextOf(line.element)) return applyToPoint(line.toActive, text->body.origin);
     return line.hasVertices() ? nearestOf(line.points, seen) : endOf(line, seen);
 }
 
@@ -198,8 +198,10 @@ std::vector<Line> linesAt(const Aim& aim) {
     constexpr double fine = 1e-4;
     std::vector<Line> lines;
     for (const Hit& hit : hitsAnywhere(aim)) {
-        Line line{hit.element(), toMaster(*hit.place), {}};
-        if (outlineOf(line.points, line.element, fine * aim.reach, line.toActive)) lines.push_back(std::move(line));
+        forEachPart(hit.element(), [&](const MSElementBuffer* part) {
+            Line line{part, toMaster(*hit.place), {}};
+            if (outlineOf(line.points, part, fine * aim.reach, line.toActive)) lines.push_back(std::move(line));
+        });
     }
     return lines;
 }

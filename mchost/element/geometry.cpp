@@ -46,6 +46,15 @@ void addPoints(RangeBuilder& range, const PointsView& points, const Transform* t
     for (uint32_t i = 0; i < points.size(); ++i) range.add(t ? applyToPoint(*t, points[i]) : points[i]);
 }
 
+bool rangeOf(const MSElementBuffer* element, Range3d& range, const Transform* t);
+
+void addParts(RangeBuilder& range, const PartsView& parts, const Transform* t) {
+    for (const MSElementBuffer* part : parts) {
+        Range3d own;
+        if (rangeOf(part, own, t)) range.add(own);
+    }
+}
+
 bool rangeOf(const MSElementBuffer* element, Range3d& range, const Transform* t) {
     RangeBuilder found;
     switch (headOf(element).type) {
@@ -62,7 +71,13 @@ bool rangeOf(const MSElementBuffer* element, Range3d& range, const Transform* t)
             }
             break;
         case MDL_TEXT:
-            if (const auto text = textOf(element)) addTextBox(found, textBox(*text), t);
+        case MDL_TAG:
+            if (const auto text = shownTextOf(element)) addTextBox(found, textBox(*text), t);
+            break;
+        case MDL_DIMENSION:
+        case MDL_COMPOUND:
+        case MDL_MULTILINE:
+            if (const auto parts = partsOf(element)) addParts(found, *parts, t);
             break;
         case MDL_BSPLINE:
             if (const auto curve = curveOf(element)) addPoints(found, curve->poles, t);
@@ -113,6 +128,15 @@ bool isFinite(const CellBody2d& cell) {
            0;
 }
 
+void transformPoints(MSElementBuffer* element, const Transform& transform) {
+    const PointRuns all = pointRunsOf(element);
+    for (uint32_t r = 0; r < all.count; ++r)
+        for (uint32_t i = 0; i < all.runs[r].count; ++i) {
+            const size_t at = all.runs[r].offset + i * sizeof(Point3d);
+            storeAt(element, at, transformed(transform, all.runs[r], loadAt<Point3d>(element, at)));
+        }
+}
+
 }  // namespace
 
 bool elementRange(const MSElementBuffer* element, Range3d& range) {
@@ -125,6 +149,8 @@ bool elementRange(const MSElementBuffer* element, Range3d& range, const Transfor
 
 bool canTransform(const MSElementBuffer* element, const Transform& transform) {
     if (const auto cell = cell2dOf(element)) return isFinite(transformed(transform, *cell));
+    if (const auto parts = partsOf(element))
+        return std::ranges::all_of(*parts, [&](const MSElementBuffer* part) { return canTransform(part, transform); });
     return staysFinite(element, pointRunsOf(element), transform);
 }
 
@@ -134,12 +160,11 @@ bool transformElement(MSElementBuffer* element, const Transform& transform) {
         storeAt(element, headBytes, transformed(transform, *cell));
         return true;
     }
-    const PointRuns all = pointRunsOf(element);
-    for (uint32_t r = 0; r < all.count; ++r)
-        for (uint32_t i = 0; i < all.runs[r].count; ++i) {
-            const size_t at = all.runs[r].offset + i * sizeof(Point3d);
-            storeAt(element, at, transformed(transform, all.runs[r], loadAt<Point3d>(element, at)));
-        }
+    if (const auto parts = partsOf(element)) {
+        for (const MSElementBuffer* part : *parts) transformPoints(const_cast<MSElementBuffer*>(part), transform);
+    } else {
+        transformPoints(element, transform);
+    }
     return true;
 }
 

@@ -21,6 +21,10 @@ std::optional<Body> bodyOf(const MSElementBuffer* element, size_t available) {
     return loadAt<Body>(element, headBytes);
 }
 
+PointRuns textRuns(size_t at) {
+    return {{{at + offsetof(TextBody, origin), 1, false}, {at + offsetof(TextBody, widthAxis), 2, true}}, 2};
+}
+
 }  // namespace
 
 bool isArcSweep(double start, double sweep) {
@@ -73,6 +77,37 @@ std::optional<TextView> textOf(const MSElementBuffer* element) {
     return TextView{*body, element->bytes + headBytes + sizeof *body};
 }
 
+std::optional<TagView> tagOf(const MSElementBuffer* element) {
+    if (headOf(element).type != MDL_TAG) return {};
+    const size_t available = bodyBytes(element);
+    const auto body = bodyOf<TagBody>(element, available);
+    if (!body || body->text.count > maxTextCharacters || available < sizeof *body + body->text.count * 2u) return {};
+    return TagView{*body, element->bytes + headBytes + sizeof *body};
+}
+
+std::optional<TextView> shownTextOf(const MSElementBuffer* element) {
+    const auto tag = tagOf(element);
+    if (!tag) return textOf(element);
+    return tag->body.display != 0 ? std::optional(tag->text()) : std::nullopt;
+}
+
+std::optional<PartsView> partsOf(const MSElementBuffer* element) {
+    if (!isCompoundType(headOf(element).type)) return {};
+    const size_t available = bodyBytes(element);
+    const auto body = bodyOf<PartsBody>(element, available);
+    if (!body || body->count == 0) return {};
+    const uint8_t* const first = element->bytes + headBytes + sizeof *body;
+    size_t left = available - sizeof *body;
+    const PartsView parts(first, body->count);
+    for (const MSElementBuffer* part : parts) {
+        if (!elementIsSound(part, left) || !isPlainType(headOf(part).type)) return {};
+        const size_t bytes = filledToWord(size_t{headOf(part).size} * 2);
+        if (bytes > left) return {};
+        left -= bytes;
+    }
+    return parts;
+}
+
 std::optional<TextBody> textNodeOf(const MSElementBuffer* element) {
     if (headOf(element).type != MDL_TEXT_NODE) return {};
     const auto node = bodyOf<TextNodeBody>(element, bodyBytes(element));
@@ -110,18 +145,13 @@ PointRuns pointRunsOf(const MSElementBuffer* element) {
                 return {{{headBytes, 1, false}, {headBytes + offsetof(EllipseBody, axis0), 2, true}}, 2};
             break;
         case MDL_TEXT:
-            if (textOf(element))
-                return {{{headBytes + offsetof(TextBody, origin), 1, false},
-                         {headBytes + offsetof(TextBody, widthAxis), 2, true}},
-                        2};
+            if (textOf(element)) return textRuns(headBytes);
+            break;
+        case MDL_TAG:
+            if (tagOf(element)) return textRuns(headBytes + offsetof(TagBody, text));
             break;
         case MDL_TEXT_NODE:
-            if (textNodeOf(element)) {
-                constexpr size_t atLines = headBytes + offsetof(TextNodeBody, lines);
-                return {{{atLines + offsetof(TextBody, origin), 1, false},
-                         {atLines + offsetof(TextBody, widthAxis), 2, true}},
-                        2};
-            }
+            if (textNodeOf(element)) return textRuns(headBytes + offsetof(TextNodeBody, lines));
             break;
         case MDL_BSPLINE:
             if (const auto curve = curveOf(element))

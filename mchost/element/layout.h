@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstring>
+#include <iterator>
 #include <optional>
 #include <span>
 
@@ -71,6 +72,22 @@ struct TextNodeBody {
 };
 static_assert(sizeof(TextNodeBody) == 120);
 
+// Tag (37): this, then the characters of `text`, which are what it shows: the string itself, or its number as a text.
+struct TagBody {
+    int32_t valueType, display;  // MDL_TAG_...; display 0: nothing is shown
+    int32_t integer, zero;       // the value of a short or long tag
+    double real;                 // of a double one
+    TextBody text;
+};
+static_assert(sizeof(TagBody) == 136);
+
+// Dimension (33), compound element (35) and multi-line (36): this, then `count` plain elements that show it, each
+// filled up to a multiple of 8 bytes.
+struct PartsBody {
+    uint32_t count, zero;
+};
+static_assert(sizeof(PartsBody) == 8);
+
 // Cell header (2). Other programs put the origin back by its place in the element: byte 232 in 3D, byte 176 in 2D.
 struct CellBody3d {
     uint32_t is3d, zero;
@@ -113,6 +130,11 @@ void storeAt(MSElementBuffer* element, size_t offset, const T& value) {
     std::memcpy(element->bytes + offset, &value, sizeof value);
 }
 
+// Bytes up to the next multiple of 8.
+constexpr size_t filledToWord(size_t bytes) {
+    return (bytes + 7) & ~size_t{7};
+}
+
 // The head, also of an element that lies at an odd address.
 inline ElementHead headOf(const MSElementBuffer* element) {
     return loadAt<ElementHead>(element, 0);
@@ -148,6 +170,58 @@ struct TextView {
 };
 std::optional<TextView> textOf(const MSElementBuffer* element);
 
+struct TagView {
+    TagBody body;
+    const uint8_t* characters;
+    TextView text() const { return {body.text, characters}; }
+};
+std::optional<TagView> tagOf(const MSElementBuffer* element);
+// The text that an element shows: a text's own, and that of a tag which isn't hidden.
+std::optional<TextView> shownTextOf(const MSElementBuffer* element);
+
+// The elements that a dimension, a compound element or a multi-line holds. None of them holds others.
+class PartsView {
+  public:
+    PartsView(const uint8_t* first, uint32_t count) : first_(first), count_(count) {}
+    class Iterator {
+      public:
+        using difference_type = std::ptrdiff_t;
+        using value_type = const MSElementBuffer*;
+        Iterator() = default;
+        Iterator(const uint8_t* at, uint32_t left) : at_(at), left_(left) {}
+        const MSElementBuffer* operator*() const { return reinterpret_cast<const MSElementBuffer*>(at_); }
+        Iterator& operator++() {
+            at_ += filledToWord(size_t{headOf(**this).size} * 2);
+            --left_;
+            return *this;
+        }
+        Iterator operator++(int) {
+            const Iterator before = *this;
+            ++*this;
+            return before;
+        }
+        bool operator==(std::default_sentinel_t) const { return left_ == 0; }
+
+      private:
+        const uint8_t* at_ = nullptr;
+        uint32_t left_ = 0;
+    };
+    Iterator begin() const { return {first_, count_}; }
+    std::default_sentinel_t end() const { return {}; }
+
+  private:
+    const uint8_t* first_;
+    uint32_t count_;
+};
+std::optional<PartsView> partsOf(const MSElementBuffer* element);
+// Calls visit(const MSElementBuffer*) with what a compound holds, as it holds it, or with an element that is none.
+template <class Visit>
+void forEachPart(const MSElementBuffer* element, Visit visit) {
+    const auto parts = partsOf(element);
+    if (!parts) return visit(element);
+    for (const MSElementBuffer* part : *parts) visit(part);
+}
+
 std::optional<TextBody> textNodeOf(const MSElementBuffer* element);
 
 struct CurveView {
@@ -168,6 +242,17 @@ struct PointRuns {
     uint32_t count = 0;
 };
 PointRuns pointRunsOf(const MSElementBuffer* element);
+
+// Those that hold the elements that show them.
+constexpr bool isCompoundType(int type) {
+    return type == MDL_DIMENSION || type == MDL_COMPOUND || type == MDL_MULTILINE;
+}
+
+// Those that have geometry of their own and no components: what a compound may hold.
+constexpr bool isPlainType(int type) {
+    return type == MDL_LINE || type == MDL_LINE_STRING || type == MDL_SHAPE || type == MDL_ELLIPSE || type == MDL_ARC ||
+           type == MDL_TEXT || type == MDL_BSPLINE;
+}
 
 constexpr bool isHeaderType(int type) {
     return type == MDL_CELL_HEADER || type == MDL_TEXT_NODE || type == MDL_COMPLEX_SHAPE;

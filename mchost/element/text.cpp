@@ -81,41 +81,10 @@ double widthOf(const TextView& text) {
     return thousandths * (fontSizePerHeight / 1000);
 }
 
-RotMatrix rotationOf(const TextBody& body) {
-    const Point3d x = body.widthAxis * (1 / length(body.widthAxis));
-    const Point3d across = body.heightAxis - x * dot(body.heightAxis, x);
-    const double l = length(across);
-    const Point3d y = l > 0 ? across * (1 / l) : Point3d{-x.y, x.x, 0};
-    return fromColumns(x, y, cross(x, y));
-}
-
-// The text in the current system.
+// The text of a text element in the current system.
 std::optional<TextView> currentText(const MSElementBuffer* element) {
-    auto text = element ? textOf(element) : std::nullopt;
-    if (!text) return {};
-    const Transform& fromWorld = currentFromWorld();
-    TextBody& body = text->body;
-    body.origin = applyToPoint(fromWorld, body.origin);
-    body.widthAxis = applyToVector(fromWorld, body.widthAxis);
-    body.heightAxis = applyToVector(fromWorld, body.heightAxis);
-    if (!isUsable(body)) return {};
-    return text;
-}
-
-TextParams paramsOf(const TextBody& body) {
-    return {body.font,
-            body.just,
-            body.textStyle,
-            body.styleFields,
-            body.flags,
-            body.slant,
-            body.spacing * length(body.heightAxis)};
-}
-
-// The size of the characters of a text in the current system.
-TextSize sizeOf(const TextBody& body) {
-    const double width = length(body.widthAxis), height = length(body.heightAxis);
-    return {1, width, height, width / height};
+    const auto text = element ? textOf(element) : std::nullopt;
+    return text ? inCurrentSystem(*text) : std::nullopt;
 }
 
 void setAxes(TextBody& body, const RotMatrix* rotation, const TextSize* size) {
@@ -147,10 +116,6 @@ std::optional<TextBody> changedTextBody(TextBody body, const Point3d* origin, co
     return isUsable(body) ? std::optional(body) : std::nullopt;
 }
 
-constexpr size_t wholeWords(size_t bytes) {
-    return (bytes + 7) & ~size_t{7};
-}
-
 // The text with head and style of the template. `body` is usable.
 int buildText(MSElementBuffer* out, const MSElementBuffer* templateP, TextBody body, std::span<const uint16_t> units) {
     body.count = static_cast<uint16_t>(units.size());
@@ -162,6 +127,46 @@ int buildText(MSElementBuffer* out, const MSElementBuffer* templateP, TextBody b
 }
 
 }  // namespace
+
+void storeCharacters(uint8_t* to, std::string_view text) {
+    for (const char c : text) {
+        const auto unit = static_cast<uint16_t>(unicodeOf(static_cast<unsigned char>(c)));
+        std::memcpy(to, &unit, sizeof unit);
+        to += sizeof unit;
+    }
+}
+
+RotMatrix rotationOf(const TextBody& body) {
+    const Point3d x = body.widthAxis * (1 / length(body.widthAxis));
+    const Point3d across = body.heightAxis - x * dot(body.heightAxis, x);
+    const double l = length(across);
+    const Point3d y = l > 0 ? across * (1 / l) : Point3d{-x.y, x.x, 0};
+    return fromColumns(x, y, cross(x, y));
+}
+
+std::optional<TextView> inCurrentSystem(TextView text) {
+    const Transform& fromWorld = currentFromWorld();
+    TextBody& body = text.body;
+    body.origin = applyToPoint(fromWorld, body.origin);
+    body.widthAxis = applyToVector(fromWorld, body.widthAxis);
+    body.heightAxis = applyToVector(fromWorld, body.heightAxis);
+    return isUsable(body) ? std::optional(text) : std::nullopt;
+}
+
+TextParams paramsOf(const TextBody& body) {
+    return {body.font,
+            body.just,
+            body.textStyle,
+            body.styleFields,
+            body.flags,
+            body.slant,
+            body.spacing * length(body.heightAxis)};
+}
+
+TextSize sizeOf(const TextBody& body) {
+    const double width = length(body.widthAxis), height = length(body.heightAxis);
+    return {1, width, height, width / height};
+}
 
 std::optional<TextBody> newTextBody(const Point3d* origin, const RotMatrix* rotation, const TextSize* size,
                                     const TextParams* params) {
@@ -224,7 +229,7 @@ int mdlText_create(MSElementBuffer* out, const MSElementBuffer* templateP, const
         const ElementHead head = headOf(templateP);
         const std::vector<uint8_t> linkages(templateP->bytes + 2 * head.attributeOffset,
                                             templateP->bytes + 2 * head.size);
-        const size_t end = headBytes + wholeWords(sizeof *body + count * sizeof(uint16_t));
+        const size_t end = headBytes + filledToWord(sizeof *body + count * sizeof(uint16_t));
         if (end + linkages.size() > MDL_ELEMENT_BYTES) return MDL_ERROR;
         if (buildText(out, templateP, *body, {units, count}) != MDL_SUCCESS) return MDL_ERROR;
         std::copy(linkages.begin(), linkages.end(), out->bytes + end);

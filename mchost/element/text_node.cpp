@@ -4,7 +4,6 @@
 #include <string_view>
 #include <vector>
 
-#include "mchost/base/charset.h"
 #include "mchost/base/guard.h"
 #include "mchost/element/build.h"
 #include "mchost/element/text.h"
@@ -37,15 +36,10 @@ Point3d firstLine(const TextBody& node, size_t count) {
 
 bool makeLine(MSElementBuffer* out, const MSElementBuffer* header, TextBody body, std::string_view line) {
     body.count = static_cast<uint16_t>(line.size());
-    uint8_t* to = NewElement(out, header, MDL_TEXT).body(sizeof body + line.size() * sizeof(uint16_t));
+    uint8_t* const to = NewElement(out, header, MDL_TEXT).body(sizeof body + line.size() * sizeof(uint16_t));
     if (!to) return false;
     std::memcpy(to, &body, sizeof body);
-    to += sizeof body;
-    for (const char c : line) {
-        const auto unit = static_cast<uint16_t>(unicodeOf(static_cast<unsigned char>(c)));
-        std::memcpy(to, &unit, sizeof unit);
-        to += sizeof unit;
-    }
+    storeCharacters(to + sizeof body, line);
     return true;
 }
 

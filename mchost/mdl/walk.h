@@ -22,7 +22,9 @@ typedef struct MdlPen {
     const Transform *transform; /* elements are transformed with it first, in UOR; null: they aren't */
     const Range3d *range;       /* in UOR: what lies outside, as seen from above, is left out; null: nothing is */
     /* Asked about every element, headers too, as it stands in the descriptor: other than 0 leaves it out. The
-     * components of a header are asked about all the same. Null: none is left out. */
+     * components of a header are asked about all the same. Of a tag and a compound (compound.h) that isn't left out
+     * the elements that show it are asked about too, as they are drawn: their parent is the node of it. Null: none is
+     * left out. */
     int (*skip)(void *userArg, const ElementDescr *node);
     /* A line, or an outline whose last point is its first. A complex shape is one outline. Pens that know more than
      * straight lines look at the type of the element. */
@@ -31,9 +33,10 @@ typedef struct MdlPen {
     void (*text)(void *userArg, const MSElementBuffer *element, const MdlLook *look); /* a text that isn't empty */
 } MdlPen;
 
-/* Takes chain and components apart, in their order. Points are given in the current system, as mdlElement_stroke does.
- * Elements without a look of their own (headers, application data) and those that can't be stroked or transformed are
- * left out. MDL_ERROR without a pen, for a tolerance that isn't above 0, and when memory is out. */
+/* Takes chain and components apart, in their order; tags and compounds as the elements that show them. Points are given
+ * in the current system, as mdlElement_stroke does. Elements without a look of their own (headers, application data) and
+ * those that can't be stroked or transformed are left out. MDL_ERROR without a pen, for a tolerance that isn't above 0,
+ * and when memory is out. */
 MDL_EXPORT int mdlElmdscr_walk(const ElementDescr *ed, const MdlPen *pen) MDL_NOEXCEPT;
 
 #endif

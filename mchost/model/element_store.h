@@ -12,7 +12,7 @@
 #include <span>
 #include <vector>
 
-#include "mchost/mdl/element.h"
+#include "mchost/element/layout.h"
 #include "mchost/model/chunk_memory.h"
 
 namespace host {
@@ -55,10 +55,6 @@ inline uint32_t elementBytes(const MSElementBuffer* element) {
 
 inline uint32_t recordBytes(const RecordHead* record) {
     return sizeof(RecordHead) + record->bytes;
-}
-
-constexpr uint64_t filledToWord(uint64_t bytes) {
-    return (bytes + 7) & ~uint64_t{7};
 }
 
 // Calls visit(node) for the element of a sound record and for its components.

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "mchost/base/guard.h"
+#include "mchost/element/compound.h"
 #include "mchost/element/descriptor.h"
 #include "mchost/element/geometry.h"
 #include "mchost/element/layout.h"
@@ -60,6 +61,24 @@ class Walk {
             if (mdlElement_transform(transformed_.get(), node.element, pen_.transform) != MDL_SUCCESS) return;
         }
         if (isOutside(element)) return;
+        if (!visitShown(node, element)) give(node, element);
+    }
+
+    // The elements that show a compound or a tag.
+    bool visitShown(const ElementDescr& node, const MSElementBuffer* element) {
+        const int type = headOf(element).type;
+        if (!isCompoundType(type) && type != MDL_TAG) return false;
+        if (!shown_) shown_ = std::make_unique_for_overwrite<MSElementBuffer>();
+        ElementDescr part{};
+        part.model = node.model;
+        part.parent = const_cast<ElementDescr*>(&node);
+        part.element = shown_.get();
+        return forEachShown(element, shown_.get(), [&](const MSElementBuffer* shown) {
+            if (!pen_.skip || pen_.skip(pen_.userArg, &part) == 0) give(part, shown);
+        });
+    }
+
+    void give(const ElementDescr& node, const MSElementBuffer* element) {
         if (const auto text = textOf(element)) {
             if (pen_.text && text->body.count > 0) giveText(node, element);
         } else if (pen_.line && stroke(node, element)) {
@@ -100,6 +119,7 @@ class Walk {
     const MdlPen& pen_;
     const Transform& current_;
     std::unique_ptr<MSElementBuffer> transformed_;  // the element in hand
+    std::unique_ptr<MSElementBuffer> shown_;        // what shows it
     std::vector<Point3d> points_;
 };
 

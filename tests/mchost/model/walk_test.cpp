@@ -4,7 +4,9 @@
 #include <sstream>
 
 #include "mchost/mdl/cell.h"
+#include "mchost/mdl/compound.h"
 #include "mchost/mdl/owned.hpp"
+#include "mchost/mdl/tag.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/walk.h"
 #include "tests/mchost/model/model_fixture.h"
@@ -100,6 +102,34 @@ TEST_F(WalkTest, WhatLiesOutsideOrIsSkippedIsLeftOut) {
         return mdlElement_getType(node->element) != MDL_LINE;
     };
     EXPECT_EQ(walk(), "?2 ?3 3 line 1 0,0 10,0\n?14 ?17 ");
+}
+
+TEST_F(WalkTest, TagsAndCompoundsAreDrawnAsWhatShowsThem) {
+    MdlTagValue value = {};
+    value.type = MDL_TAG_LONG;
+    value.longValue = 42;
+    const TextSize size = {1, 5, 5, 1};
+    ASSERT_EQ(mdlTag_create(&element, nullptr, &value, nullptr, nullptr, &size, nullptr, 1), MDL_SUCCESS);
+    append(&element, 4);
+    mdl::Descr parts;
+    ASSERT_EQ(mdlElmdscr_new(parts.out(), nullptr, line(50, 0, 60, 0)), MDL_SUCCESS);
+    ASSERT_EQ(mdlElmdscr_appendElement(parts.get(), line(60, 0, 60, 10)), MDL_SUCCESS);
+    ASSERT_EQ(mdlCompound_create(&element, nullptr, parts.get()), MDL_SUCCESS);
+    element.head.type = MDL_MULTILINE;
+    append(&element, 5);
+    const Range3d range = {{-5, -5, 0}, {70, 5, 0}};
+    const Transform doubled = {{{2, 0, 0, 0}, {0, 2, 0, 0}, {0, 0, 2, 0}}};
+    pen.range = &range;
+    pen.transform = &doubled;
+    pen.skip = [](void* test, const ElementDescr* node) -> int {
+        const bool shows = node->parent && mdlElement_getType(node->parent->element) == MDL_MULTILINE;
+        if (shows) static_cast<WalkTest*>(test)->drawn << "? ";
+        return mdlElement_getType(node->element) == MDL_COMPLEX_SHAPE;
+    };
+    EXPECT_EQ(walk(), "3 line 1 0,0 20,0\ntext 4 42\n");
+    pen.range = nullptr;
+    EXPECT_EQ(walk(),
+              "3 line 1 0,0 20,0\ntext 3 A1\ntext 4 42\n? 3 line 5 100,0 120,0\n? 3 line 5 120,0 120,20\n");
 }
 
 TEST_F(WalkTest, APenThatCantDrawIsRefused) {
