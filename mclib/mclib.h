@@ -9,6 +9,7 @@
 
 #include "mclib/arrows/arrows.h"
 #include "mclib/design/element_search.h"
+#include "mclib/design/merge.h"
 #include "mclib/design/text_search.h"
 #include "mclib/elmattr/attributes.h"
 #include "mclib/elmattr/resources.h"
