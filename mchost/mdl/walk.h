@@ -34,9 +34,9 @@ typedef struct MdlPen {
 } MdlPen;
 
 /* Takes chain and components apart, in their order; tags and compounds as the elements that show them. Points are given
- * in the current system, as mdlElement_stroke does. Elements without a look of their own (headers, application data) and
- * those that can't be stroked or transformed are left out. MDL_ERROR without a pen, for a tolerance that isn't above 0,
- * and when memory is out. */
+ * in the current system, as mdlElement_stroke does. Elements without a look of their own (headers, application data)
+ * and those that can't be stroked or transformed are left out. MDL_ERROR without a pen, for a tolerance that isn't
+ * above 0, and when memory is out. */
 MDL_EXPORT int mdlElmdscr_walk(const ElementDescr *ed, const MdlPen *pen) MDL_NOEXCEPT;
 
 #endif
