@@ -59,17 +59,22 @@ class TextSearch {
     bool look(FilePos position) {
         if (mdlElement_read(element_.get(), model_, position) == 0) return false;
         char text[MCLIB_SEARCH_TEXT_SIZE];
-        double height = 0;
-        if (mdlText_extract(nullptr, nullptr, nullptr, nullptr, text, nullptr, nullptr, nullptr, &height, nullptr,
-                            element_.get()) != MDL_SUCCESS) {
+        if (mdlText_extractString(text, element_.get()) != MDL_SUCCESS) {
             toolSubsystem_printf("error extract: %s\n", ("element " + std::to_string(position)).c_str());
             return false;
         }
-        if (!filter_.accepts(*element_) || !heights_.accept(height)) return false;
+        // The pattern goes first: nothing else refuses as many texts at so little cost.
         const int errors =
             design::errorsOfText(text, pattern_, (spec_.flags & SEARCH_IGNORE_BLANKS) != 0, spec_.maxErrors);
-        if (errors == 0) return callHit(exact_, position, 0);
-        return errors <= spec_.maxErrors && callHit(near_, position, errors);
+        if ((errors != 0 && errors > spec_.maxErrors) || !filter_.accepts(*element_) || !acceptsHeight()) return false;
+        return callHit(errors == 0 ? exact_ : near_, position, errors);
+    }
+    bool acceptsHeight() const {
+        if (spec_.minHeight < 0 && spec_.maxHeight < 0) return true;
+        double height = 0;
+        return mdlText_extract(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &height, nullptr,
+                               element_.get()) == MDL_SUCCESS &&
+               height >= spec_.minHeight && (spec_.maxHeight < 0 || height <= spec_.maxHeight);
     }
     bool callHit(const HitFunction& hit, FilePos position, int32_t errors) {
         int stop = 0;

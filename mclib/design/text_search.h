@@ -68,8 +68,8 @@ typedef void (*MclibSearchTextHit)(int *stop, MSElementBuffer *element, FilePos 
 MCLIB_EXPORT int mclibSearch_checkString(char *text, const char *pattern);
 
 /* The errors of a text against a pattern, up to `maxErrors`, and more than that for one that doesn't fit. Of `flags`
- * SEARCH_CASE_SENSITIVE and SEARCH_IGNORE_BLANKS count. `text` isn't changed; of a longer one MCLIB_SEARCH_TEXT_SIZE - 1
- * characters are looked at. Null is an empty text or pattern. Needs no session. */
+ * SEARCH_CASE_SENSITIVE and SEARCH_IGNORE_BLANKS count. `text` isn't changed; of a longer one
+ * MCLIB_SEARCH_TEXT_SIZE - 1 characters are looked at. Null is an empty text or pattern. Needs no session. */
 MCLIB_EXPORT int mclibSearch_compareString(const char *text, const char *pattern, uint32_t flags, int32_t maxErrors);
 
 /* Results of mclibSearch_replaceString. */

@@ -76,8 +76,9 @@ class Find : public ApplicationTest {
     std::string found(const std::string& arguments) const {
         const Outcome outcome = run(arguments + " --format json --out found.json --overwrite");
         EXPECT_NE(outcome.status, 2) << outcome.output;
-        return shell("sqlite3 :memory: \"select group_concat(json_extract(value, '$.text') || ' ', '') "
-                     "from json_each(readfile('found.json'))\" | tr -d '\\n'")
+        return shell(
+                   "sqlite3 :memory: \"select group_concat(json_extract(value, '$.text') || ' ', '') "
+                   "from json_each(readfile('found.json'))\" | tr -d '\\n'")
             .output;
     }
     std::string texts(const std::string& drawing) const { return found("'*' " + drawing); }

@@ -128,8 +128,7 @@ TEST_F(WalkTest, TagsAndCompoundsAreDrawnAsWhatShowsThem) {
     };
     EXPECT_EQ(walk(), "3 line 1 0,0 20,0\ntext 4 42\n");
     pen.range = nullptr;
-    EXPECT_EQ(walk(),
-              "3 line 1 0,0 20,0\ntext 3 A1\ntext 4 42\n? 3 line 5 100,0 120,0\n? 3 line 5 120,0 120,20\n");
+    EXPECT_EQ(walk(), "3 line 1 0,0 20,0\ntext 3 A1\ntext 4 42\n? 3 line 5 100,0 120,0\n? 3 line 5 120,0 120,20\n");
 }
 
 TEST_F(WalkTest, APenThatCantDrawIsRefused) {
