@@ -49,15 +49,11 @@ bool isAbsolute(std::string_view name) {
     return !parts.device.empty() || parts.directory.starts_with('/') || parts.directory.starts_with('\\');
 }
 
-// The first thing that `find` makes of the entries of a variable, which are divided by semicolons.
+// The first thing that `find` makes of the entries of a variable.
 template <class Find>
 std::optional<std::string> firstAlong(const char* variable, Find find) {
-    const std::string entries = !variable ? "" : variables().expandedValue(variable).value_or("");
-    for (std::string_view left = entries; !left.empty();) {
-        const std::string_view entry = left.substr(0, left.find(';'));
-        left.remove_prefix(std::min(left.size(), entry.size() + 1));
-        if (entry.empty()) continue;
-        if (auto found = find(std::string(entry))) return found;
+    for (std::string& entry : variableEntries(variable)) {
+        if (auto found = find(std::move(entry))) return found;
     }
     return std::nullopt;
 }

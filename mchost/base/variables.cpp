@@ -115,4 +115,15 @@ Variables& variables() {
     return sessionState<Variables>();
 }
 
+std::vector<std::string> variableEntries(const char* variable) {
+    std::vector<std::string> entries;
+    const std::string value = variable ? variables().expandedValue(variable).value_or("") : "";
+    for (std::string_view left = value; !left.empty();) {
+        const std::string_view entry = left.substr(0, left.find(';'));
+        if (!entry.empty()) entries.emplace_back(entry);
+        left.remove_prefix(std::min(left.size(), entry.size() + 1));
+    }
+    return entries;
+}
+
 }  // namespace host

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -39,5 +40,7 @@ class Variables {
 
 // The variables of the session.
 Variables& variables();
+// The entries of one that lists folders or files, which are divided by semicolons; none for a null name.
+std::vector<std::string> variableEntries(const char* variable);
 
 }  // namespace host

@@ -68,7 +68,7 @@ class Look {
     Look(ModelRef& place, const Aim& aim)
         : place_(place),
           model_(place.file->model),
-          seen_(aim.view, model_),
+          seen_(aim.view, model_, attachmentOf(place)),
           reach_(aim.reach),
           toSeen_(seenFrom(aim.view)) {
         at_ = flat(applyToPoint(toSeen_, aim.point));

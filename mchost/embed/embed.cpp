@@ -14,6 +14,7 @@
 #include "mchost/base/charset.h"
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/variables.h"
 #include "mchost/command/command.h"
 #include "mchost/embed/configuration.h"
 #include "mchost/embed/installation.h"
@@ -223,7 +224,7 @@ int mchost_load(const char* application, const char* listName, int count, const 
 int mchost_loadListed(const char* variable) noexcept {
     int loaded = 0;
     const int status = inSession([&](Session&) -> int {
-        for (const std::string& name : entriesOf(variable ? variable : "")) {
+        for (const std::string& name : variableEntries(variable)) {
             if (load(name, variable, {}) != MDL_SUCCESS) return MDL_ERROR;
             ++loaded;
         }

@@ -43,7 +43,7 @@ fs::path root() {
 
 std::vector<fs::path> foldersOfApplications() {
     std::vector<fs::path> folders;
-    for (const std::string& folder : entriesOf("MS_MDL")) folders.emplace_back(systemPath(folder));
+    for (const std::string& folder : variableEntries("MS_MDL")) folders.emplace_back(systemPath(folder));
     folders.push_back(programFolder() / "lib");
     folders.push_back(programFolder() / "../lib");
     return folders;
@@ -91,17 +91,6 @@ bool isFile(const fs::path& path) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
     return fs::exists(status) && !fs::is_directory(status);
-}
-
-std::vector<std::string> entriesOf(const char* variable) {
-    std::vector<std::string> entries;
-    const std::string value = variables().expandedValue(variable).value_or("");
-    for (std::string_view left = value; !left.empty();) {
-        const std::string_view entry = left.substr(0, left.find(';'));
-        if (!entry.empty()) entries.emplace_back(entry);
-        left.remove_prefix(std::min(left.size(), entry.size() + 1));
-    }
-    return entries;
 }
 
 std::optional<fs::path> findApplication(const std::string& name) {

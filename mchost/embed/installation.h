@@ -18,9 +18,6 @@ std::filesystem::path defaultConfiguration();
 
 bool isFile(const std::filesystem::path& path);
 
-// The entries of a configuration variable, divided by semicolons; empty ones left out.
-std::vector<std::string> entriesOf(const char* variable);
-
 // The module of an application: a path, or a name along MS_MDL or in the folders lib of the installation, with or
 // without ".so".
 std::optional<std::filesystem::path> findApplication(const std::string& name);

@@ -25,6 +25,10 @@ MDL_EXPORT int mdlScanCriteria_setClassTest(ScanCriteria *criteria, uint32_t cla
 /* Elements whose range meets the box (UOR), edges included; those without a range aren't found. Null clears the
  * test. */
 MDL_EXPORT int mdlScanCriteria_setRangeTest(ScanCriteria *criteria, const Range3d *range) MDL_NOEXCEPT;
+/* Elements that are drawn: not those that hold data of applications alone. */
+MDL_EXPORT int mdlScanCriteria_setDrawnElements(ScanCriteria *criteria) MDL_NOEXCEPT;
+/* Elements before that position (mdlModelRef_getEof: those that are there now); 0 takes it back. */
+MDL_EXPORT int mdlScanCriteria_setStopPosition(ScanCriteria *criteria, FilePos end) MDL_NOEXCEPT;
 /* What a scan gives: MDL_SCAN_POSITIONS, the initial one, or MDL_SCAN_DESCRIPTORS. With `oneElement` 1 each call for
  * positions gives the next one alone, with MDL_SCAN_MORE, and none with 0 when there is no further one. With `nested` 1
  * a scan for descriptors also finds elements that have a component, at any depth, which passes the tests of type, level

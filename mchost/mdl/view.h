@@ -67,8 +67,9 @@ enum {
 MDL_EXPORT int mdlView_getDisplayControl(int32_t view, int32_t control) MDL_NOEXCEPT;
 MDL_EXPORT int mdlView_setDisplayControl(int32_t view, int32_t control, int32_t on) MDL_NOEXCEPT;
 
-/* Levels are on or off in each view by their names: those of that name in attached models go with the active one's. 1
- * or 0; 0 also for a level that the model (null: the active one) hasn't. */
+/* Levels are on or off in each view by their names: those of that name in attached models go with the active one's,
+ * unless the attachment has them off (mdlRefFile_setLevelOn). 1 or 0; 0 also for a level that the model (null: the
+ * active one) hasn't. */
 MDL_EXPORT int mdlView_isLevelOn(int32_t view, ModelRef *model, LevelId level) MDL_NOEXCEPT;
 /* MDL_ERROR for a level that the model hasn't. */
 MDL_EXPORT int mdlView_setLevelOn(int32_t view, ModelRef *model, LevelId level, int32_t on) MDL_NOEXCEPT;

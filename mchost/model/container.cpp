@@ -103,7 +103,24 @@ void forEachAttachmentRow(const Model& model, Row row) {
         row(a.number, a.file, numberBytes(a.toParent.form), numberBytes(a.clip), a.shown, a.hidden);
 }
 
+template <class Row>
+void forEachAttachmentClipRow(const Model& model, Row row) {
+    for (const Attachment& a : model.attachments) {
+        if (a.clipElement != 0) row(a.number, a.clipElement);
+    }
+}
+
 // Views are counted from 1 in files.
+template <class Row>
+void forEachAttachmentLevelRow(const Model& model, Row row) {
+    for (const Attachment& a : model.attachments) {
+        for (int32_t view = 0; view < viewCount; ++view) {
+            for (const std::wstring& name : a.levelsOff[static_cast<size_t>(view)])
+                row(a.number, view + 1, toUtf8(name));
+        }
+    }
+}
+
 template <class Row>
 void forEachViewRow(const Model& model, Row row) {
     for (int32_t view = 0; view < viewCount; ++view) {
@@ -133,6 +150,10 @@ int64_t modelDigest(const Model& model, int64_t nextPosition, int64_t chunkCount
         forEachViewRow(model, row);
         forEachViewLevelRow(model, row);
     }
+    if (format >= attachmentLevelsSince) {
+        forEachAttachmentClipRow(model, row);
+        forEachAttachmentLevelRow(model, row);
+    }
     return all.digest();
 }
 
@@ -142,6 +163,10 @@ void storeAttachments(Database& database, const Model& model) {
         row.execute(onlyModel, a.number, std::string_view(a.file), bytesOf(numberBytes(a.toParent.form)),
                     bytesOf(numberBytes(a.clip)), int32_t{a.shown}, int32_t{a.hidden});
     }
+    Statement clip(database, "INSERT INTO attachment_clip VALUES(?,?,?)");
+    forEachAttachmentClipRow(model, [&](const auto&... values) { clip.execute(onlyModel, values...); });
+    Statement level(database, "INSERT INTO attachment_level VALUES(?,?,?,?)");
+    forEachAttachmentLevelRow(model, [&](const auto&... values) { level.execute(onlyModel, values...); });
 }
 
 void storeViews(Database& database, const Model& model) {
@@ -157,7 +182,7 @@ void storeViews(Database& database, const Model& model) {
 void storeTables(Database& database, const Model& model) {
     database.run(
         "DELETE FROM level; DELETE FROM line_style; DELETE FROM text_style; DELETE FROM attachment;"
-        "DELETE FROM view; DELETE FROM view_level");
+        "DELETE FROM view; DELETE FROM view_level; DELETE FROM attachment_clip; DELETE FROM attachment_level");
     Statement level(database, "INSERT INTO level VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
     forEachLevelRow(model, [&](const auto&... values) { level.execute(onlyModel, values...); });
     Statement lineStyle(database, "INSERT INTO line_style VALUES(?,?,?,?)");
@@ -218,6 +243,32 @@ bool readNumbers(std::span<const std::byte> from, void* to, size_t bytes) {
     return true;
 }
 
+Attachment& attachmentOfRow(Model& model, int64_t number) {
+    const auto found = std::ranges::find(model.attachments, number, &Attachment::number);
+    if (found == model.attachments.end()) throw FileProblem(damaged);
+    return *found;
+}
+
+void loadAttachmentClips(Database& database, Model& model) {
+    Statement s(database, "SELECT attachment,element FROM attachment_clip WHERE model=1");
+    while (s.step()) {
+        const int64_t element = s.integer(1);
+        if (element < 1 || element > UINT32_MAX) throw FileProblem(damaged);
+        attachmentOfRow(model, s.integer(0)).clipElement = static_cast<FilePos>(element);
+    }
+}
+
+size_t viewOfRow(int64_t number) {
+    if (number < 1 || number > viewCount) throw FileProblem(damaged);
+    return static_cast<size_t>(number - 1);
+}
+
+void loadAttachmentLevels(Database& database, Model& model) {
+    Statement s(database, "SELECT attachment,view,name FROM attachment_level WHERE model=1");
+    while (s.step())
+        attachmentOfRow(model, s.integer(0)).levelsOff[viewOfRow(s.integer(1))].insert(fromUtf8(s.text(2)));
+}
+
 void loadAttachments(Database& database, Model& model) {
     if (formatOf(database) < attachmentsSince) return;
     Statement s(database, "SELECT * FROM attachment WHERE model=1 ORDER BY number");
@@ -231,15 +282,14 @@ void loadAttachments(Database& database, Model& model) {
         if (!readNumbers(s.blob(4), a.clip.data(), a.clip.size() * sizeof(ClipPoint))) throw FileProblem(damaged);
         model.attachments.push_back(std::move(a));
     }
+    if (formatOf(database) < attachmentLevelsSince) return;
+    loadAttachmentClips(database, model);
+    loadAttachmentLevels(database, model);
 }
 
 void loadViewLevels(Database& database, Model& model) {
     Statement s(database, "SELECT * FROM view_level WHERE model=1");
-    while (s.step()) {
-        const auto view = static_cast<int32_t>(s.integer(1) - 1);
-        if (!isView(view)) throw FileProblem(damaged);
-        model.views.views[static_cast<size_t>(view)].levelsOff.insert(fromUtf8(s.text(2)));
-    }
+    while (s.step()) model.views.views[viewOfRow(s.integer(1))].levelsOff.insert(fromUtf8(s.text(2)));
 }
 
 void loadViews(Database& database, Model& model) {

@@ -36,6 +36,12 @@ constexpr Table tables[] = {
      "controls INTEGER,PRIMARY KEY(model,number))WITHOUT ROWID"},
     {viewsSince,
      "CREATE TABLE view_level(model INTEGER,view INTEGER,name TEXT,PRIMARY KEY(model,view,name))WITHOUT ROWID"},
+    {attachmentLevelsSince,
+     "CREATE TABLE attachment_clip(model INTEGER,attachment INTEGER,element INTEGER,PRIMARY KEY(model,attachment))"
+     "WITHOUT ROWID"},
+    {attachmentLevelsSince,
+     "CREATE TABLE attachment_level(model INTEGER,attachment INTEGER,view INTEGER,name TEXT,"
+     "PRIMARY KEY(model,attachment,view,name))WITHOUT ROWID"},
 };
 static_assert(std::ranges::is_sorted(tables, {}, &Table::since) && std::end(tables)[-1].since == newestFormat);
 

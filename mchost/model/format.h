@@ -8,8 +8,8 @@
 
 namespace host {
 
-constexpr uint32_t newestFormat = 3;
-constexpr uint32_t attachmentsSince = 2, viewsSince = 3;
+constexpr uint32_t newestFormat = 4;
+constexpr uint32_t attachmentsSince = 2, viewsSince = 3, attachmentLevelsSince = 4;
 
 // Makes the tables of the newest version in an empty database, or what an older one lacks, and tells the version in it.
 void bringUpToDate(Database& database);

@@ -1,6 +1,7 @@
 // A model in memory.
 #pragma once
 
+#include <array>
 #include <map>
 #include <optional>
 #include <string>
@@ -57,11 +58,15 @@ struct ClipPoint {
 // Another model that is shown in this one: where, and what of it.
 struct Attachment {
     uint32_t number = 0;    // from 1
-    std::string file = {};  // path (UTF-8), from the folder of this model's file when it lies in there
+    std::string file = {};  // path (UTF-8), from the folder of this model's file where the two have one in common
     Transform toParent = {};
     std::vector<ClipPoint> clip = {};  // corners of the part that is shown, in this model's UOR; none: all is
+    FilePos clipElement = 0;           // or the element of this model whose inside that is, as it lies now
     bool shown = true;
     bool hidden = false;
+    std::array<LevelNames, viewCount> levelsOff = {};  // in each view, beside those that are off in the view itself
+
+    bool isClipped() const { return !clip.empty() || clipElement != 0; }
 };
 
 // What a model holds. It knows no file that it is stored in and no place where it is shown.

@@ -106,6 +106,7 @@ void OpenFiles::publishActive() const {
 }
 
 void OpenFiles::dropActive() {
+    told_.clear();
     if (!active_) return;
     drop(std::exchange(active_, nullptr));
     publishActive();

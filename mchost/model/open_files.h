@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -31,6 +32,8 @@ class OpenFiles {
     // The file that is attached to another by that name, to look at: FileProblem when it can't be read.
     DesignFile* attachedFile(const DesignFile& to, const std::string& name);
     void dropUnused();  // files that are shown nowhere
+    // Whether something about what is shown is to be told: once, until another design file is the active one.
+    bool isToldFirst(const std::string& what);
 
     // The file that holds the model, which is open.
     const DesignFile& fileOf(const Model& model) const;
@@ -72,6 +75,8 @@ class OpenFiles {
     void publishActive() const;
 
     bool isShown(const DesignFile& file) const;
+    bool closesCircle(const ModelRef& place);
+    void lookFor(ModelRef& child);
     void makePlace(ModelRef& parent, const Attachment& attachment);
     void matchPlaces(ModelRef& place);
     void dropBelow(ModelRef& place) noexcept;
@@ -79,6 +84,7 @@ class OpenFiles {
 
     std::vector<Opened> all_;
     std::unordered_set<ModelRef*> places_;  // those that have a parent
+    std::set<std::string> told_;
     DesignFile* active_ = nullptr;
     DesignFile* levelLibrary_ = nullptr;
     std::filesystem::file_time_type levelLibraryTime_;

@@ -2,6 +2,9 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "mchost/base/paths.h"
+#include "mchost/base/variables.h"
+#include "mchost/mdl/system.h"
 #include "mchost/model/open_files.h"
 #include "mchost/space/vector.h"
 
@@ -17,11 +20,18 @@ const Attachment* findAttachment(const Model& model, uint32_t number, const std:
     return found != model.attachments.end() && found->number == number && found->file == file ? &*found : nullptr;
 }
 
-// A file that was moved together with the one that it is attached to is found beside it.
+// A file that isn't where it was is looked for beside the one that it is attached to, and then in the folders of the
+// variable, by its path from there and by its last name.
 std::string whereItLies(const fs::path& folder, const fs::path& name) {
-    const fs::path named = folder / name, beside = folder / name.filename();
+    std::vector<fs::path> folders{folder};
+    for (const std::string& further : variableEntries("MC_REFERENCES")) folders.emplace_back(systemPath(further));
     std::error_code unknown;
-    return (fs::exists(named, unknown) || !fs::exists(beside, unknown) ? named : beside).lexically_normal().string();
+    for (const fs::path& in : folders) {
+        for (const fs::path& path : {in / name, in / name.filename()}) {
+            if (fs::exists(path, unknown)) return path.lexically_normal().string();
+        }
+    }
+    return (folder / name).lexically_normal().string();
 }
 
 }  // namespace
@@ -85,16 +95,40 @@ void OpenFiles::matchPlaces(ModelRef& place) {
     std::ranges::sort(place.below, {}, [](const auto& child) { return child->number; });
 }
 
-void OpenFiles::follow(ModelRef& place) {
-    if (!place.file || place.belowAsOf == place.file->model.attachmentChanges) return;
-    for (const ModelRef* above = place.parent; above; above = above->parent) {
-        if (above->file == place.file) return;
+bool OpenFiles::isToldFirst(const std::string& what) {
+    return told_.insert(what).second;
+}
+
+// Whether the place shows a model that it lies in itself.
+bool OpenFiles::closesCircle(const ModelRef& place) {
+    const ModelRef* above = place.parent;
+    while (above && above->file != place.file) above = above->parent;
+    const std::string& name = place.file->name();
+    if (above && !place.file->model.attachments.empty() && isToldFirst("circle " + name)) {
+        const std::string line = "The design file \"" + name +
+                                 "\" is attached within itself. It is shown once more there, and what is attached to "
+                                 "it isn't.";
+        mdlOutput_messageCenter(MDL_PRIORITY_WARNING, line.c_str(), "", 0);
     }
+    return above;
+}
+
+void OpenFiles::lookFor(ModelRef& child) {
+    const DesignFile& in = *child.parent->file;
+    withFile("read the attached design file", child.attached, [&] {
+        try {
+            child.file = attachedFile(in, child.attached);
+        } catch (const FileProblem&) {
+            if (isToldFirst(in.path() + " " + child.attached)) throw;
+        }
+    });
+}
+
+void OpenFiles::follow(ModelRef& place) {
+    if (!place.file || place.belowAsOf == place.file->model.attachmentChanges || closesCircle(place)) return;
     matchPlaces(place);
     for (const auto& child : place.below) {
-        if (child->file) continue;
-        withFile("read the attached design file", child->attached,
-                 [&] { child->file = attachedFile(*place.file, child->attached); });
+        if (!child->file) lookFor(*child);
     }
     place.belowAsOf = place.file->model.attachmentChanges;
     dropUnused();

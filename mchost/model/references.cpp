@@ -1,14 +1,12 @@
-// What is attached to models: attaching, detaching, and walks over it.
+// What is told of attached models, and walks over them.
 #include "mchost/mdl/reference.h"
 
 #include <algorithm>
 #include <cstring>
-#include <filesystem>
 
 #include "mchost/base/paths.h"
-#include "mchost/mdl/model.h"
+#include "mchost/model/attachments.h"
 #include "mchost/model/open_files.h"
-#include "mchost/model/table_rules.h"
 #include "mchost/space/vector.h"
 
 struct ModelRefIterator {
@@ -28,108 +26,29 @@ void collectBelow(ModelRef& place, int32_t depth, std::vector<ModelRef*>& places
     }
 }
 
-// The file that attachments of the place are kept in; FileProblem when they can't be changed.
-DesignFile& keeperOf(const ModelRef& place) {
-    if (place.parent) throw FileProblem("it is attached itself. Open it to be written.");
-    if (!place.file->takesChanges()) throw FileProblem("it is open to be read only. Open it to be written.");
-    return *place.file;
-}
-
-// How the file is named in what is attached to another: from that one's folder when it lies in there.
-std::string nameFrom(const DesignFile& parent, const std::string& path) {
-    const std::filesystem::path folder = std::filesystem::path(parent.path()).parent_path();
-    const std::filesystem::path relative = std::filesystem::path(path).lexically_relative(folder);
-    return relative.empty() || *relative.begin() == ".." ? path : relative.string();
-}
-
-// Master units on master units.
-Transform byUnits(const Model& from, const Model& to) {
-    const double factor = to.uorPerMaster / from.uorPerMaster;
-    return {{{factor, 0, 0, 0}, {0, factor, 0, 0}, {0, 0, factor, 0}}};
-}
-
-// Changes the attachments of a model, so that it can be taken back.
-template <class Change>
-void changeAttachments(DesignFile& keeper, Change apply) {
-    openFiles().journal.keepAttachments(keeper.model);
-    apply(keeper.model.attachments);
-    noteAttachmentsChanged(keeper.model);
-    openFiles().follow(keeper.place);
-}
-
-ModelRef* attach(DesignFile& keeper, const std::string& path, const Transform* toParent, std::vector<ClipPoint> clip) {
-    const std::vector<Attachment>& before = keeper.model.attachments;
-    Attachment made = {.number = before.empty() ? 1 : before.back().number + 1,
-                       .file = nameFrom(keeper, path),
-                       .clip = std::move(clip)};
-    const DesignFile& file = *openFiles().attachedFile(keeper, made.file);
-    made.toParent = toParent ? *toParent : byUnits(file.model, keeper.model);
-    if (!isSound(made)) {
-        openFiles().dropUnused();
-        throw FileProblem("its transform has no way back, or its clip isn't 3 to 5000 points. Give others.");
+// Whether its switch hides the place, or a place around it isn't shown.
+bool isHidden(const ModelRef& place) {
+    const Attachment* const own = attachmentOf(place);
+    if (own->hidden) return true;
+    for (const ModelRef* above = place.parent; const Attachment* around = attachmentOf(*above); above = above->parent) {
+        if (around->hidden || !around->shown) return true;
     }
-    changeAttachments(keeper, [&](std::vector<Attachment>& all) { all.push_back(std::move(made)); });
-    return keeper.place.below.back().get();
+    return false;
 }
 
-void detach(DesignFile& keeper, uint32_t number) {
-    changeAttachments(keeper, [&](std::vector<Attachment>& all) {
-        std::erase_if(all, [&](const Attachment& attachment) { return number == 0 || attachment.number == number; });
-    });
-}
-
-const Attachment* openAttachment(ModelRef* handle) {
-    const ModelRef* place = handle ? openPlace(handle) : nullptr;
-    return place ? attachmentOf(*place) : nullptr;
-}
-
-// In master units of the parent for one of the model.
-double scaleOf(const ModelRef& place, const Attachment& attachment) {
-    const auto& form = attachment.toParent.form;
-    const double length3 = length({form[0][0], form[1][0], form[2][0]});
-    return place.file ? length3 * place.file->model.uorPerMaster / place.parent->file->model.uorPerMaster : length3;
-}
-
-bool* switchOf(Attachment& attachment, int32_t parameter) {
-    if (parameter == MDL_REFERENCE_SHOWN) return &attachment.shown;
-    return parameter == MDL_REFERENCE_HIDDEN ? &attachment.hidden : nullptr;
+std::optional<int32_t> flagOf(const ModelRef& place, const Attachment& attachment, int32_t parameter) {
+    switch (parameter) {
+        case MDL_REFERENCE_SHOWN: return attachment.shown;
+        case MDL_REFERENCE_FOUND: return place.file != nullptr;
+        case MDL_REFERENCE_HIDDEN: return isHidden(place);
+        default: return std::nullopt;
+    }
 }
 
 }  // namespace
 }  // namespace host
 
 using namespace host;
-
-// ---- attaching ----
-
-int mdlRefFile_attach(ModelRef** placeP, ModelRef* parent, const char* fileName, const Transform* toParent,
-                      const Point3d* clip, int32_t clipCount) noexcept {
-    const char* given = fileName ? fileName : "";
-    return withFile("attach the design file", given, [&] {
-        ModelRef* to = openPlace(parent);
-        if (!to) throw FileProblem("the model that it is to be shown in isn't open. Open that first.");
-        if (*given == '\0') throw FileProblem("no name was given. Give one.");
-        std::vector<ClipPoint> corners;
-        for (int32_t i = 0; clip && i < clipCount; ++i) corners.push_back({clip[i].x, clip[i].y});
-        ModelRef* made = attach(keeperOf(*to), fullPath(given), toParent, std::move(corners));
-        if (placeP) *placeP = made;
-    });
-}
-
-int mdlRefFile_detach(int32_t number) noexcept {
-    DesignFile* active = openFile(nullptr);
-    const auto isIts = [&](const Attachment& attachment) { return attachment.number == static_cast<uint32_t>(number); };
-    if (!active || (number != -1 && std::ranges::none_of(active->model.attachments, isIts))) return MDL_ERROR;
-    return withFile("detach design files from", active->name(),
-                    [&] { detach(keeperOf(active->place), number < 0 ? 0 : static_cast<uint32_t>(number)); });
-}
-
-int mdlRefFile_detachModel(ModelRef* model) noexcept {
-    const Attachment* attachment = openAttachment(model);
-    if (!attachment) return MDL_ERROR;
-    return withFile("detach the design file", attachment->file,
-                    [&] { detach(keeperOf(*model->parent), model->number); });
-}
 
 // ---- what is told of attachments ----
 
@@ -175,32 +94,31 @@ int mdlRefFile_getClip(Point3d* corners, int32_t* countP, ModelRef* model) noexc
     return MDL_SUCCESS;
 }
 
+int mdlRefFile_getClipElement(FilePos* elementP, ModelRef* model) noexcept {
+    const Attachment* attachment = openAttachment(model);
+    if (!attachment || !elementP) return MDL_ERROR;
+    *elementP = attachment->clipElement;
+    return MDL_SUCCESS;
+}
+
+int mdlRefFile_isLevelOn(ModelRef* model, int32_t view, LevelId level) noexcept {
+    const Attachment* attachment = openAttachment(model);
+    const Level* found = attachment && model->file ? findLevel(model->file->model, level) : nullptr;
+    return found && isView(view) && !attachment->levelsOff[static_cast<size_t>(view)].contains(found->name);
+}
+
 int mdlRefFile_getParameters(void* valueP, int32_t parameter, ModelRef* model) noexcept {
     const Attachment* attachment = openAttachment(model);
     if (!attachment || !valueP) return MDL_ERROR;
     if (parameter == MDL_REFERENCE_SCALE) {
-        const double scale = scaleOf(*model, *attachment);
+        const double scale = scaleToMaster(*model);
         std::memcpy(valueP, &scale, sizeof scale);
         return MDL_SUCCESS;
     }
-    const bool* flag = switchOf(const_cast<Attachment&>(*attachment), parameter);
-    if (!flag && parameter != MDL_REFERENCE_FOUND) return MDL_ERROR;
-    const int32_t value = flag ? *flag : model->file != nullptr;
-    std::memcpy(valueP, &value, sizeof value);
+    const std::optional<int32_t> flag = flagOf(*model, *attachment, parameter);
+    if (!flag) return MDL_ERROR;
+    std::memcpy(valueP, &*flag, sizeof *flag);
     return MDL_SUCCESS;
-}
-
-int mdlRefFile_setParameters(const void* valueP, int32_t parameter, ModelRef* model) noexcept {
-    const Attachment* attachment = openAttachment(model);
-    Attachment none;
-    if (!attachment || !valueP || !switchOf(none, parameter)) return MDL_ERROR;
-    int32_t value = 0;
-    std::memcpy(&value, valueP, sizeof value);
-    return withFile("change how the design file is shown:", attachment->file, [&] {
-        changeAttachments(keeperOf(*model->parent), [&](std::vector<Attachment>& all) {
-            *switchOf(*std::ranges::find(all, model->number, &Attachment::number), parameter) = value != 0;
-        });
-    });
 }
 
 // ---- walks ----

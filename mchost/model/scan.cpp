@@ -16,6 +16,8 @@ struct ScanCriteria {
     std::vector<LevelId> levels;
     std::optional<MdlBitMask> levelMask;
     uint32_t classMask = 0;
+    bool drawnAlone = false;
+    FilePos end = 0;  // 0: none
     std::optional<Range3d> window;
     int32_t returnType = MDL_SCAN_POSITIONS;
     bool oneElement = false;
@@ -47,6 +49,7 @@ bool passesLevel(const ScanCriteria& criteria, LevelId level) {
 }
 
 bool passes(const ScanCriteria& criteria, const ElementKey& key) {
+    if (criteria.drawnAlone && key.type == MDL_APPLICATION_DATA) return false;
     return key.live && passes(criteria.types, key.type) && passesLevel(criteria, key.level) &&
            (criteria.classMask == 0 || (criteria.classMask >> key.elementClass & 1) != 0);
 }
@@ -69,7 +72,8 @@ bool passesInside(const ScanCriteria& criteria, const Model& model, FilePos posi
 }
 
 bool takesAll(const ScanCriteria& criteria) {
-    return criteria.types.empty() && criteria.levels.empty() && !criteria.levelMask && criteria.classMask == 0;
+    return criteria.types.empty() && criteria.levels.empty() && !criteria.levelMask && criteria.classMask == 0 &&
+           !criteria.drawnAlone;
 }
 
 // Sorts positions below `limit` by digits of at most 11 bits, the lowest first.
@@ -136,6 +140,9 @@ void fixResult(ScanCriteria& criteria, Model& model) {
         findInWindow(criteria, model, criteria.found);
     } else {
         findAnywhere(criteria, model, criteria.found);
+    }
+    if (criteria.end != 0) {
+        criteria.found.erase(std::ranges::lower_bound(criteria.found, criteria.end), criteria.found.end());
     }
     criteria.modelSerial = model.serial;
     criteria.removals = model.elements.removals();
@@ -273,6 +280,20 @@ int mdlScanCriteria_setClassTest(ScanCriteria* criteria, uint32_t classMask) noe
 int mdlScanCriteria_setRangeTest(ScanCriteria* criteria, const Range3d* range) noexcept {
     return change(criteria, [&](ScanCriteria& c) -> int {
         c.window = range ? std::optional(*range) : std::nullopt;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlScanCriteria_setDrawnElements(ScanCriteria* criteria) noexcept {
+    return change(criteria, [](ScanCriteria& c) -> int {
+        c.drawnAlone = true;
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlScanCriteria_setStopPosition(ScanCriteria* criteria, FilePos end) noexcept {
+    return change(criteria, [&](ScanCriteria& c) -> int {
+        c.end = end;
         return MDL_SUCCESS;
     });
 }

@@ -45,11 +45,15 @@ bool attachmentsAreSound(const Model& model) {
     });
 }
 
+bool namesAreSound(const LevelNames& names) {
+    return std::ranges::all_of(names, isTableName);
+}
+
 bool viewIsSound(const View& view) {
     const bool known = (view.controls & ~knownControls) == 0;
     const bool unseen = view.extent == Point3d{};
     return known && nearestRotation(view.rotation) && (unseen || isViewArea(view.origin, view.extent)) &&
-           std::ranges::all_of(view.levelsOff, isTableName);
+           namesAreSound(view.levelsOff);
 }
 
 }  // namespace
@@ -95,12 +99,17 @@ bool isFinite(const TextStyle& style) {
            std::isfinite(size.height) && std::isfinite(size.aspect);
 }
 
+bool isClip(std::span<const ClipPoint> corners) {
+    return corners.size() >= 3 && corners.size() <= mostClipPoints &&
+           std::ranges::all_of(corners, [](const ClipPoint& p) { return std::isfinite(p.x) && std::isfinite(p.y); });
+}
+
 bool isSound(const Attachment& attachment) {
-    const auto& [number, file, toParent, clip, shown, hidden] = attachment;
+    const auto& [number, file, toParent, clip, clipElement, shown, hidden, levelsOff] = attachment;
     Transform inverse;
     return !file.empty() && file.size() <= longestFileName && file.find('\0') == std::string::npos &&
-           invert(toParent, inverse) && clip.size() != 1 && clip.size() != 2 && clip.size() <= mostClipPoints &&
-           std::ranges::all_of(clip, [](const ClipPoint& p) { return std::isfinite(p.x) && std::isfinite(p.y); });
+           invert(toParent, inverse) && (clip.empty() || (clipElement == 0 && isClip(clip))) &&
+           std::ranges::all_of(levelsOff, namesAreSound);
 }
 
 bool tablesAreSound(const Model& model) {

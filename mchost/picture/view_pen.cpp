@@ -23,7 +23,7 @@ ViewPen::ViewPen(int32_t view, const ShownPlace& shown, const Range3d& range, Ca
     : view_(view),
       range_(range),
       canvas_(canvas),
-      seen_(view, *openModel(shown.place)),
+      seen_(view, *openModel(shown.place), attachmentOf(*shown.place)),
       intoView_(transformOf(viewRotation(view)) * toMaster(*shown.place)),
       scale_(length(applyToVector(intoView_, {1, 0, 0}))),
       canvasPen_(canvas.pen()) {
@@ -38,7 +38,7 @@ ViewPen::~ViewPen() {
 void ViewPen::clipTo(const ShownClip& clip) {
     const Transform intoView = transformOf(viewRotation(view_)) * toMaster(*clip.parent);
     const Point3d up = applyToVector(intoView, {0, 0, 1});
-    Prism prism{{}, clip.outline};
+    Prism prism{{}, clip.outline.get()};
     if (std::hypot(up.x, up.y) > 1e-9 * length(up)) {
         if (invert(intoView, prism.intoModel)) prisms_.push_back(prism);
         return;

@@ -40,7 +40,7 @@ bool cut(Range3d& range, const Range3d& clip) {
 // The range of what the view shows of a place, in the axes of the view.
 void addPlace(RangeBuilder& all, int32_t view, const ShownPlace& shown) {
     Model& model = *openModel(shown.place);
-    const Seen seen(view, model);
+    const Seen seen(view, model, attachmentOf(*shown.place));
     const Transform toMaster = host::toMaster(*shown.place);
     const std::optional<Range3d> clip = rangeOfClips(shown);
     Transform intoView;

@@ -2,6 +2,7 @@
 #include <array>
 
 #include "mchost/base/guard.h"
+#include "mchost/model/attachments.h"
 #include "mchost/model/bitmask.h"
 #include "mchost/model/model_ref.h"
 #include "mchost/session/owned_state.h"
@@ -170,7 +171,8 @@ int mdlView_setDisplayControl(int32_t view, int32_t control, int32_t on) noexcep
 
 int mdlView_isLevelOn(int32_t view, ModelRef* model, LevelId level) noexcept {
     const Model* const found = levelModel(model);
-    return found && isView(view) && isLevelOn(view, *found, level);
+    const Level* const its = found && isView(view) ? findLevel(*found, level) : nullptr;
+    return its && isLevelOn(view, its->name, openAttachment(model));
 }
 
 int mdlView_setLevelOn(int32_t view, ModelRef* model, LevelId level, int32_t on) noexcept {
@@ -188,7 +190,8 @@ const MdlBitMask* mdlView_getLevelDisplayMask(ModelRef* model, int32_t view, int
         if (!found || !isView(view)) return nullptr;
         std::vector<bool>& bits = sessionState<LevelMask>().mask.bits;
         bits.assign(found->nextLevel, false);
-        for (const Level& level : found->levels) bits[level.id - 1] = isLevelOn(view, *found, level.id);
+        const Attachment* const attachment = openAttachment(model);
+        for (const Level& level : found->levels) bits[level.id - 1] = isLevelOn(view, level.name, attachment);
         return &sessionState<LevelMask>().mask;
     });
 }

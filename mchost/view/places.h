@@ -1,6 +1,8 @@
 // The models that a view shows: the active one, and what is attached to it.
 #pragma once
 
+#include <memory>
+#include <optional>
 #include <vector>
 
 #include "mchost/model/model_ref.h"
@@ -10,8 +12,13 @@ namespace host {
 // What a clip leaves of a place: the inside of an outline, as seen from above, in the UOR of the place that has it.
 struct ShownClip {
     const ModelRef* parent;
-    const std::vector<ClipPoint>* outline;
+    std::shared_ptr<const std::vector<ClipPoint>> outline;
 };
+// The clip of a place that is attached, and has one. The first time that its element isn't there any more a line tells
+// so; the outline is empty then, and nothing is shown.
+std::optional<ShownClip> clipOf(const ModelRef& place);
+// All clips that a place lies in, the outermost first.
+std::vector<ShownClip> clipsAround(const ModelRef& place);
 
 struct ShownPlace {
     ModelRef* place;

@@ -3,11 +3,19 @@
 #include "mchost/model/model_ref.h"
 
 namespace host {
+namespace {
 
-Seen::Seen(int32_t view, const Model& model) : view_(viewAt(view)) {
-    if (view_.levelsOff.empty()) return;
+const LevelNames& levelsOffIn(const Attachment* attachment, int32_t view) {
+    static const LevelNames none;
+    return attachment ? attachment->levelsOff[static_cast<size_t>(view)] : none;
+}
+
+}  // namespace
+
+Seen::Seen(int32_t view, const Model& model, const Attachment* attachment) : view_(viewAt(view)) {
+    if (view_.levelsOff.empty() && levelsOffIn(attachment, view).empty()) return;
     levelsOff_.resize(model.nextLevel);
-    for (const Level& level : model.levels) levelsOff_[level.id] = view_.levelsOff.contains(level.name);
+    for (const Level& level : model.levels) levelsOff_[level.id] = !isLevelOn(view, level.name, attachment);
 }
 
 // Headers of cells and text nodes have no look of their own: their components are asked about.
@@ -34,9 +42,8 @@ bool isSeen(const ElementHead& head, int32_t view) {
     return model && isView(view) && Seen(view, *model)(head);
 }
 
-bool isLevelOn(int32_t view, const Model& model, LevelId level) {
-    const Level* const found = findLevel(model, level);
-    return found && !viewAt(view).levelsOff.contains(found->name);
+bool isLevelOn(int32_t view, const std::wstring& name, const Attachment* attachment) {
+    return !viewAt(view).levelsOff.contains(name) && !levelsOffIn(attachment, view).contains(name);
 }
 
 void setLevelOn(int32_t view, const std::wstring& name, bool on) {

@@ -12,7 +12,8 @@ namespace host {
 // at a time: the components of an element for themselves, those of a complex shape by their header.
 class Seen {
   public:
-    Seen(int32_t view, const Model& model);  // of a number that is a view
+    // Of a number that is a view; for an attached model by the levels that are off there as well.
+    Seen(int32_t view, const Model& model, const Attachment* attachment = nullptr);
     bool operator()(const ElementHead& head) const {
         return sees(head.type, head.level, head.properties & MDL_PROP_CLASS);
     }
@@ -31,7 +32,8 @@ bool seesAny(const Seen& seen, const Model& model, FilePos position);
 // Of the active model; false while there is none.
 bool isSeen(const ElementHead& head, int32_t view);
 
-bool isLevelOn(int32_t view, const Model& model, LevelId level);  // false for one that the model hasn't
+// Whether the view shows levels of that name, where the model is attached so.
+bool isLevelOn(int32_t view, const std::wstring& name, const Attachment* attachment);
 // All levels of that name.
 void setLevelOn(int32_t view, const std::wstring& name, bool on);
 

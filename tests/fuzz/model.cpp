@@ -81,6 +81,9 @@ std::string designSeed() {
     mdlElmdscr_freeAll(&cell);
     const Point3d clip[] = {{0, 0, 0}, {1e5, 0, 0}, {1e5, 1e5, 0}};
     require(mdlRefFile_attach(nullptr, nullptr, path.c_str(), nullptr, clip, 3) == MDL_SUCCESS);
+    ModelRef* second = nullptr;
+    require(mdlRefFile_attach(&second, nullptr, path.c_str(), nullptr, nullptr, 0) == MDL_SUCCESS);
+    require(mdlRefFile_setLevelOn(second, 1, level, 0) == MDL_SUCCESS);
     mclibProsjektData project{};
     std::strcpy(project.pron, "4711");
     mclibProject_writeProjectInfoToDesignFile(&project);

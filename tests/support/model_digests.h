@@ -68,7 +68,9 @@ inline void setModelDigests(sqlite3* database) {
           "ORDER BY name",
           "SELECT number,file,transform,clip,shown,hidden FROM attachment ORDER BY number",
           "SELECT number,open,rotation,origin,extent,controls FROM view ORDER BY number",
-          "SELECT view,name FROM view_level ORDER BY view,name"})
+          "SELECT view,name FROM view_level ORDER BY view,name",
+          "SELECT attachment,element FROM attachment_clip ORDER BY attachment",
+          "SELECT attachment,view,name FROM attachment_level ORDER BY attachment,view,name"})
         each(selection, [&](sqlite3_stmt* row) { rows.add(row); });
     updates += "UPDATE model SET digest=" + std::to_string(rows.value());
     sqlite3_exec(database, updates.c_str(), nullptr, nullptr, nullptr);

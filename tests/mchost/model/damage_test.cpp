@@ -29,6 +29,11 @@ class DamagedFile : public DesignFileTest {
         mdlTextStyle_define(nullptr, L"Large", nullptr, nullptr);
         const Point3d clip[] = {{0, 0, 0}, {9, 0, 0}, {9, 9, 0}};
         EXPECT_EQ(mdlRefFile_attach(nullptr, nullptr, file.c_str(), nullptr, clip, 3), MDL_SUCCESS);
+        ModelRef* second = nullptr;
+        EXPECT_EQ(mdlRefFile_attach(&second, nullptr, file.c_str(), nullptr, nullptr, 0), MDL_SUCCESS);
+        EXPECT_EQ(mdlElement_add(shape()), 1u);
+        EXPECT_EQ(mdlRefFile_setClipElement(1, second), MDL_SUCCESS);
+        EXPECT_EQ(mdlRefFile_setLevelOn(second, 2, level, 0), MDL_SUCCESS);
         mdlView_setLevelOn(2, nullptr, level, 0);
         for (uint32_t i = 1; i <= 200; ++i) mdlElement_add(numbered(i, level));
         close();
@@ -120,18 +125,31 @@ TEST_F(DamagedFile, ForeignFilesAreRefused) {
 
 TEST_F(DamagedFile, NewerVersionIsRefused) {
     makeWhole();
-    expectRefused(after("PRAGMA user_version=4"), "newer version");
+    expectRefused(after("PRAGMA user_version=5"), "newer version");
 }
 
 TEST_F(DamagedFile, ChangedTablesAreRefused) {
     makeWhole();
-    for (const char* sql :
-         {"DELETE FROM chunk", "DELETE FROM model", "UPDATE chunk SET number=1", "UPDATE chunk SET digest=digest+1",
-          "UPDATE chunk SET bytes=substr(bytes,1,length(bytes)-8)", "UPDATE level SET name='Curb' WHERE name='Kerb'",
-          "DELETE FROM level WHERE id=1", "UPDATE line_style SET pattern=zeroblob(8)", "DROP TABLE text_style",
-          "PRAGMA user_version=2", "UPDATE view SET open=1", "DELETE FROM view_level", "UPDATE attachment SET hidden=1",
-          "UPDATE model SET next_position=5", "UPDATE model SET next_position=4000000000", "CREATE TABLE more(x)",
-          "INSERT INTO chunk VALUES(1,1,0,x'')", "ALTER TABLE level RENAME COLUMN code TO cod"}) {
+    for (const char* sql : {"DELETE FROM chunk",
+                            "DELETE FROM model",
+                            "UPDATE chunk SET number=1",
+                            "UPDATE chunk SET digest=digest+1",
+                            "UPDATE chunk SET bytes=substr(bytes,1,length(bytes)-8)",
+                            "UPDATE level SET name='Curb' WHERE name='Kerb'",
+                            "DELETE FROM level WHERE id=1",
+                            "UPDATE line_style SET pattern=zeroblob(8)",
+                            "DROP TABLE text_style",
+                            "PRAGMA user_version=2",
+                            "UPDATE view SET open=1",
+                            "DELETE FROM view_level",
+                            "UPDATE attachment SET hidden=1",
+                            "DELETE FROM attachment_clip",
+                            "DELETE FROM attachment_level",
+                            "UPDATE model SET next_position=5",
+                            "UPDATE model SET next_position=4000000000",
+                            "CREATE TABLE more(x)",
+                            "INSERT INTO chunk VALUES(1,1,0,x'')",
+                            "ALTER TABLE level RENAME COLUMN code TO cod"}) {
         SCOPED_TRACE(sql);
         expectRefused(after(sql), "damaged");
     }
@@ -156,9 +174,9 @@ TEST_F(DamagedFile, TablesThatNoCallWouldMakeAreRefused) {
                             "UPDATE line_style SET pattern=x'000000000000F0BF'",
                             "UPDATE text_style SET name=''",
                             "UPDATE text_style SET width=-9e999",
-                            "UPDATE attachment SET number=0",
+                            "UPDATE attachment SET number=0 WHERE number=1",
                             "UPDATE attachment SET file=''",
-                            "UPDATE attachment SET clip=zeroblob(32)",
+                            "UPDATE attachment SET clip=zeroblob(32) WHERE number=1",
                             "UPDATE attachment SET clip=zeroblob(50)",
                             "UPDATE attachment SET transform=zeroblob(96)",
                             "UPDATE attachment SET transform=zeroblob(80)",
@@ -170,6 +188,12 @@ TEST_F(DamagedFile, TablesThatNoCallWouldMakeAreRefused) {
                             "UPDATE view SET extent=x'000000000000F03F000000000000F07F0000000000000000'",
                             "UPDATE view_level SET view=9",
                             "UPDATE view_level SET name=''",
+                            "UPDATE attachment_clip SET element=0",
+                            "UPDATE attachment_clip SET attachment=1",
+                            "UPDATE attachment_clip SET attachment=3",
+                            "UPDATE attachment_level SET attachment=3",
+                            "UPDATE attachment_level SET view=0",
+                            "UPDATE attachment_level SET name=''",
                             "UPDATE chunk SET number=0.5"}) {
         SCOPED_TRACE(sql);
         expectRefused(after(sql, true), "damaged");

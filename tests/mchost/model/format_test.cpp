@@ -13,7 +13,7 @@ namespace {
 
 // The golden file holds the cells KERB (with INNER in it) at 1 and POST, which was rewritten, at 2; a line at 3 is
 // deleted. "Kerb" and "Vei æøå" are levels, "fence" a line style and "Large" a text style. That of version 2 has the
-// file of version 1 attached to it, twice as large, with a clip.
+// file of version 1 attached to it, twice as large, with a clip; in that of version 3 "Kerb" is off in the second view.
 class OlderVersion : public DesignFileTest {
   protected:
     void bring(const char* golden) {
@@ -71,7 +71,7 @@ class OlderVersion : public DesignFileTest {
 
 TEST_F(OlderVersion, StaysWhatItIsUntilItIsChangedAndLosesNothingThen) {
     std::filesystem::copy_file(TEST_SOURCE_DIR "/golden/v1.mcd", path("v1.mcd"));
-    for (const char* name : {"v1.mcd", "v2.mcd"}) {
+    for (const char* name : {"v1.mcd", "v2.mcd", "v3.mcd"}) {
         SCOPED_TRACE(name);
         close();
         bring(name);
@@ -86,11 +86,15 @@ TEST_F(OlderVersion, StaysWhatItIsUntilItIsChangedAndLosesNothingThen) {
         open();
         EXPECT_EQ(mdlElement_add(numbered(7)), 4u) << "positions go on behind the deleted one";
         close();
-        EXPECT_EQ(version(), 3);
+        EXPECT_EQ(version(), 4);
         open();
         mdlElement_undoableDelete(nullptr, 4, 0);
         EXPECT_EQ(contents(nullptr), golden);
     }
+    LevelId kerb = 0;
+    ASSERT_EQ(mdlLevel_getIdFromName(&kerb, nullptr, 0, L"Kerb"), MDL_SUCCESS);
+    EXPECT_EQ(mdlView_isLevelOn(0, nullptr, kerb), 1);
+    EXPECT_EQ(mdlView_isLevelOn(1, nullptr, kerb), 0);
     ModelRefIterator* places = nullptr;
     ASSERT_EQ(mdlModelRefIterator_create(&places, nullptr, MDL_ITERATE_REFERENCES, 1), MDL_SUCCESS);
     Point3d clip[4] = {};
@@ -116,7 +120,7 @@ TEST_F(OlderVersion, IsNewerWithTheLogOfAKilledSession) {
     EXPECT_EQ(mdlWorkDgn_closeFile(model), MDL_SUCCESS);
     open();
     close();
-    EXPECT_EQ(version(), 3);
+    EXPECT_EQ(version(), 4);
 }
 
 TEST_F(OlderVersion, CellLibraryIsRead) {

@@ -17,6 +17,14 @@ inline MSElementBuffer* line(double x1, double y1, double x2, double y2) {
     return &element;
 }
 
+// A square with a side of 10.
+inline MSElementBuffer* shape() {
+    static MSElementBuffer element;
+    const Point3d corners[] = {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}};
+    EXPECT_EQ(mdlShape_create(&element, nullptr, corners, 4, 0), MDL_SUCCESS);
+    return &element;
+}
+
 // A line that tells its number again by numberOf.
 inline MSElementBuffer* numbered(uint32_t number, LevelId level = 1) {
     MSElementBuffer* element = line(number, 0, number + 1.0, 1);

@@ -4,8 +4,12 @@
 #include <sys/stat.h>
 
 #include "mchost/mdl/files.h"
+#include "mchost/mdl/level.h"
 #include "mchost/mdl/owned.hpp"
+#include "mchost/mdl/reference_info.h"
+#include "mchost/mdl/transform.h"
 #include "mchost/mdl/undo.h"
+#include "mchost/mdl/view.h"
 #include "tests/mchost/model/model_fixture.h"
 
 namespace {
@@ -193,6 +197,156 @@ TEST_F(References, ClosedFileGoesOnBeingShown) {
     EXPECT_EQ(mdlElmdscr_rewrite(shown.get(), 2), 0u);
     onlyMessage("where it is attached");
     EXPECT_EQ(mdlWorkDgn_closeFile(place), MDL_ERROR);
+}
+
+// Part 1 begins at 1,0. Scaled and turned about its origin it goes to the offset.
+TEST_F(References, LiesWhereOffsetTurnAndScalePutIt) {
+    MdlRefPlacement placement = {{100, 200, 0}, {}, 3};
+    mdlRMatrix_fromAngle(&placement.rotation, *fc_piover2P);
+    ModelRef* place = nullptr;
+    ASSERT_EQ(mdlRefFile_attachAt(&place, nullptr, part(1).c_str(), &placement), MDL_SUCCESS);
+    const auto begin = [&] {
+        mdl::Descr ed;
+        Point3d points[2] = {};
+        EXPECT_EQ(mdlElmdscr_readToMaster(ed.out(), 1, place), 1u);
+        if (ed) mdlLinear_extract(points, nullptr, ed.get()->element, 2);
+        return points[0];
+    };
+    EXPECT_NEAR(begin().x, 100, 1e-9);
+    EXPECT_NEAR(begin().y, 203, 1e-9);
+    MdlRefPlacement again = {};
+    ASSERT_EQ(mdlRefFile_getPlacement(&again, place), MDL_SUCCESS);
+    EXPECT_EQ(again.offset.y, 200);
+    EXPECT_DOUBLE_EQ(again.rotation.form[1][0], 1);
+    EXPECT_DOUBLE_EQ(again.scale, 3);
+    placement.offset = {};
+    for (const double scale : {0.0, -1.0, std::nan("")}) {
+        placement.scale = scale;
+        EXPECT_EQ(mdlRefFile_setPlacement(&placement, place), MDL_ERROR);
+        EXPECT_NE(onlyMessage("part1.mcd").find("scale"), std::string::npos);
+        EXPECT_EQ(mdlRefFile_attachAt(nullptr, nullptr, part(1).c_str(), &placement), MDL_ERROR);
+        onlyMessage("scale");
+    }
+    placement = {{-5, 0, 0}, {{{1, 1, 0}, {0, 1, 0}, {0, 0, 1}}}, 1};
+    EXPECT_EQ(mdlRefFile_setPlacement(&placement, place), MDL_ERROR);
+    onlyMessage("rotation");
+    mdlRMatrix_getIdentity(&placement.rotation);
+    mdlUndo_mark("move");
+    ASSERT_EQ(mdlRefFile_setPlacement(&placement, place), MDL_SUCCESS);
+    EXPECT_DOUBLE_EQ(begin().x, -4);
+    EXPECT_EQ(mdlUndo_undo(), MDL_SUCCESS);
+    EXPECT_NEAR(begin().y, 203, 1e-9);
+}
+
+TEST_F(References, NestedOnesAreScaledTurnedAndHiddenWithWhatTheyLieIn) {
+    attachNested();
+    const std::vector<ModelRef*> places = placesIn(nullptr);
+    ModelRef *const outer = places[2], *const inner = places[3];
+    EXPECT_EQ(scaleOf(inner), 2);
+    Transform back;
+    ASSERT_EQ(mdlTMatrix_masterToReference(&back, inner), MDL_SUCCESS);
+    EXPECT_DOUBLE_EQ(back.form[0][0], 0.5);
+    EXPECT_DOUBLE_EQ(back.form[0][3], -1100);
+    EXPECT_EQ(mdlTMatrix_masterToReference(&back, nullptr), MDL_ERROR);
+    const int32_t off = 0;
+    ASSERT_EQ(mdlRefFile_setParameters(&off, MDL_REFERENCE_SHOWN, outer), MDL_SUCCESS);
+    EXPECT_EQ(parameter(inner, MDL_REFERENCE_HIDDEN), 1);
+    EXPECT_EQ(parameter(inner, MDL_REFERENCE_SHOWN), 1);
+    EXPECT_EQ(parameter(outer, MDL_REFERENCE_HIDDEN), 0) << "its own switch is the other one";
+    EXPECT_EQ(mdlModelRef_areSame(outer, places[0]), 0) << "the same file in another place";
+    EXPECT_EQ(mdlModelRef_areSame(nullptr, mdlModelRef_getActive()), 1);
+    EXPECT_EQ(mdlModelRef_isActiveModel(inner), 0);
+    MSElementBuffer element;
+    ElementRef* found = dgnCache_findElemByID(1, mdlModelRef_getCache(inner));
+    ASSERT_NE(elementRef_getElement(found, &element, sizeof element), 0u);
+    EXPECT_EQ(element.head.graphicGroup, 1u);
+    EXPECT_EQ(dgnCache_findElemByID(2, mdlModelRef_getCache(inner)), nullptr);
+}
+
+// Levels of the attached file in one view, and a shape of this one as its clip.
+TEST_F(References, KeepsItsLevelsAndItsClip) {
+    mdlUndo_mark("before");
+    ModelRef* place = attach(part(1), shift(0), {{0, 0, 0}, {5, 0, 0}, {0, 5, 0}});
+    const FilePos square = mdlElement_add(shape());
+    const auto state = [&] {
+        FilePos element = 0;
+        int32_t corners = 0;
+        std::string text;
+        EXPECT_EQ(mdlRefFile_getClip(nullptr, &corners, place), MDL_SUCCESS);
+        EXPECT_EQ(mdlRefFile_getClipElement(&element, place), MDL_SUCCESS);
+        for (const int32_t view : {2, 3}) {
+            text += std::to_string(mdlRefFile_isLevelOn(place, view, 1)) +
+                    std::to_string(mdlView_isLevelOn(view, place, 1)) +
+                    std::to_string(mdlBitMask_testBit(mdlView_getLevelDisplayMask(place, view, 2), 0)) + " ";
+        }
+        return text + std::to_string(corners) + "/" + std::to_string(element);
+    };
+    EXPECT_EQ(state(), "111 111 3/0");
+    mdlUndo_mark("levels and clip");
+    ASSERT_EQ(mdlRefFile_setLevelOn(place, 3, 1, 0), MDL_SUCCESS);
+    ASSERT_EQ(mdlRefFile_setClipElement(square, place), MDL_SUCCESS);
+    const std::string changed = "111 000 0/" + std::to_string(square);
+    EXPECT_EQ(state(), changed);
+    EXPECT_EQ(mdlView_isLevelOn(3, nullptr, 1), 1) << "the level of that name here stays on";
+    EXPECT_EQ(mdlRefFile_setClipElement(1, place), MDL_ERROR) << "a line";
+    onlyMessage("ellipse");
+    EXPECT_EQ(mdlRefFile_setLevelOn(place, 3, 9, 0), MDL_ERROR);
+    reopen();
+    place = placesIn(nullptr).at(0);
+    EXPECT_EQ(state(), changed);
+    mdlUndo_mark("clip");
+    ASSERT_EQ(mdlRefFile_setClip(nullptr, 0, place), MDL_SUCCESS);
+    ASSERT_EQ(mdlRefFile_setLevelOn(place, 3, 1, 1), MDL_SUCCESS);
+    EXPECT_EQ(state(), "111 111 0/0");
+    EXPECT_EQ(mdlUndo_undo(), MDL_SUCCESS);
+    EXPECT_EQ(state(), changed);
+}
+
+TEST_F(References, FilesAreFoundFromTheFolderOfTheDrawingAndAlongTheSearchPath) {
+    for (const char* folder : {"site", "site/plans", "site/parts", "store"})
+        std::filesystem::create_directory(path(folder));
+    std::filesystem::copy_file(part(3), path("site/parts/part.mcd"));
+    close();
+    std::filesystem::rename(file, path("site/plans/a.mcd"));
+    ASSERT_EQ(mdlSystem_newDesignFile(path("site/plans/a.mcd").c_str(), 0), MDL_SUCCESS);
+    attach(path("site/parts/part.mcd"), shift(10));
+    close();
+    std::filesystem::rename(path("site"), path("moved"));
+    ASSERT_EQ(mdlSystem_newDesignFile(path("moved/plans/a.mcd").c_str(), 0), MDL_SUCCESS);
+    EXPECT_EQ(outline(), "1:0:13\n") << "all folders were moved";
+    close();
+    std::filesystem::rename(path("moved/parts/part.mcd"), path("store/part.mcd"));
+    mdlSystem_defineCfgVar("MC_REFERENCES", (path("none") + ";" + path("store")).c_str(), 4);
+    ASSERT_EQ(mdlSystem_newDesignFile(path("moved/plans/a.mcd").c_str(), 0), MDL_SUCCESS);
+    EXPECT_EQ(outline(), "1:0:13\n") << "along the path";
+    EXPECT_TRUE(front().messages.empty());
+}
+
+TEST_F(References, MissingFilesAndCirclesAreToldOnce) {
+    attach(part(1), shift(10));
+    attach(part(2), shift(20));
+    attach(file, shift(500));
+    outline();
+    onlyMessage("within itself");
+    close();
+    std::filesystem::rename(part(1), path("gone.mcd"));
+    open();
+    front().clear();
+    EXPECT_EQ(outline(), "1:0:0\n2:0:22\n3:0:507\n");
+    EXPECT_EQ(front().messages.size(), 2u);
+    ModelRef* place = placesIn(nullptr)[0];
+    const int32_t off = 0;
+    front().clear();
+    EXPECT_EQ(mdlRefFile_setParameters(&off, MDL_REFERENCE_SHOWN, place), MDL_SUCCESS);
+    EXPECT_EQ(outline(), "1:0:0\n2:0:22\n3:0:507\n");
+    EXPECT_TRUE(front().messages.empty());
+    EXPECT_EQ(mdlRefFile_setFileName(&place, path("gone.mcd").c_str(), place), MDL_SUCCESS);
+    EXPECT_EQ(outline(), "1:0:11\n2:0:22\n3:0:507\n");
+    EXPECT_TRUE(front().messages.empty());
+    EXPECT_EQ(parameter(place, MDL_REFERENCE_SHOWN), 0) << "all else is as it was";
+    EXPECT_EQ(mdlRefFile_setFileName(nullptr, path("nowhere.mcd").c_str(), place), MDL_ERROR);
+    onlyMessage("nowhere.mcd");
+    EXPECT_EQ(parameter(place, MDL_REFERENCE_FOUND), 1);
 }
 
 TEST_F(References, WhatCannotBeAttachedIsRefused) {

@@ -3,6 +3,7 @@
 #include <map>
 #include <random>
 
+#include "mchost/mdl/reference_info.h"
 #include "mchost/mdl/undo.h"
 #include "tests/mchost/model/model_fixture.h"
 
@@ -107,6 +108,24 @@ TEST_F(Scans, KindsOfTestsMustAllPass) {
         mdlScanCriteria_setClassTest(scan, test.classes);
         EXPECT_EQ(scan.all(), test.found) << "case " << &test - cases;
     }
+}
+
+TEST_F(Scans, DrawnElementsBeforeAStopPosition) {
+    for (const uint32_t number : {1u, 2u, 3u}) {
+        MSElementBuffer* element = numbered(number);
+        if (number == 2) element->head.type = MDL_APPLICATION_DATA;
+        ASSERT_EQ(mdlElement_add(element), number);
+    }
+    ScanHandle scan;
+    mdlScanCriteria_setDrawnElements(scan);
+    mdlScanCriteria_setStopPosition(scan, mdlModelRef_getEof(nullptr));
+    ASSERT_EQ(mdlElement_add(numbered(4)), 4u);
+    EXPECT_EQ(scan.all(), (std::vector<FilePos>{1, 3}));
+    const Range3d window = {{0, 0, 0}, {20, 20, 0}};
+    mdlScanCriteria_setRangeTest(scan, &window);
+    EXPECT_EQ(scan.all(), (std::vector<FilePos>{1, 3}));
+    mdlScanCriteria_setStopPosition(scan, 0);
+    EXPECT_EQ(scan.all(), (std::vector<FilePos>{1, 3, 4}));
 }
 
 TEST_F(Scans, RareTypeIsFoundWhereverItStandsAndWhateverHappensToIt) {
