@@ -6,10 +6,14 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
+#include "batch/batch.h"
+#include "mchost/mdl/drawing_names.h"
 #include "mchost/mdl/embed.h"
+#include "mchost/mdl/files.h"
 
 namespace {
 
@@ -37,6 +41,8 @@ struct Options {
     std::string listName = userList;
     bool is3d = false, yes = false;
     std::vector<Start> starts;
+    std::vector<std::string> batch;  // names of drawings, and with @ in front of them of lists
+    batch::Order order;
 };
 
 void tell(const std::string& line) {
@@ -144,6 +150,7 @@ std::string listOfApplications() {
 struct HelpText : CLI::Formatter {
     std::string make_usage(const CLI::App*, std::string) const override {
         return "Usage: mchost [OPTIONS] APP [arguments of APP...] [--and APP [arguments of APP...]]...\n"
+               "       mchost [OPTIONS] --batch DRAWINGS APP [arguments of APP...]\n"
                "       mchost APP --help\n";
     }
     // What can't go together stands in the descriptions.
@@ -188,6 +195,34 @@ void addApplications(CLI::App& cli, Options options) {
     mchost_end();
 }
 
+void addBatch(CLI::App& cli, Options& options) {
+    auto* batch = cli.add_option("--batch", options.batch,
+                                 "Run APP for each of these drawings: a file, a pattern, a folder, or @LIST; may be "
+                                 "given again. {} in the arguments stands for the drawing, {name} for its bare name; "
+                                 "without either it is opened");
+    batch->type_name("DRAWINGS")->allow_extra_args(false)->excludes("--open")->excludes("--new");
+    batch::Order& order = options.order;
+    order.jobs = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+    order.log = "batch.log";
+    cli.add_option("--jobs", order.jobs, "So many at a time (as many as there are cores)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1000))
+        ->needs(batch);
+    cli.add_option("--limit", order.limit, "End one that takes longer")
+        ->type_name("SECONDS")
+        ->check(CLI::PositiveNumber)
+        ->needs(batch);
+    cli.add_option("--log", order.log, "Where a line is kept for each drawing (batch.log)")
+        ->type_name("FILE")
+        ->needs(batch);
+    cli.add_flag("--resume", order.resume, "Go on with the log of a run that was stopped")->needs(batch);
+    cli.add_flag("--retry", order.retry, "The same, and do again what failed")->needs(batch);
+    cli.add_option("--also-good", order.good, "An exit status that counts as good beside 0")
+        ->type_name("STATUS")
+        ->allow_extra_args(false)
+        ->needs(batch);
+}
+
 int parse(CLI::App& cli, Options& options, int argc, char** argv) {
     cli.add_option("--set", options.settings, "Define a configuration variable")
         ->type_name("VAR=VALUE")
@@ -202,6 +237,7 @@ int parse(CLI::App& cli, Options& options, int argc, char** argv) {
     cli.add_option("--answers", options.answersFile, "Answer questions from a file")->type_name("FILE");
     cli.add_option("--list-name", options.listName, "The list that the application is loaded by (USER)")
         ->type_name("NAME");
+    addBatch(cli, options);
     cli.set_version_flag("--version", "mchost " MCHOST_VERSION);
     cli.prefix_command();
     cli.formatter(std::make_shared<HelpText>());
@@ -242,13 +278,58 @@ int work(const Options& options, CLI::App& cli) {
     return status == statusGood || status == statusWrongCall ? status : statusFailed;  // its arguments may be wrong
 }
 
+// ---- many drawings ----
+
+// The options that each of the runs gets.
+std::vector<std::string> hostArguments(const Options& options) {
+    std::vector<std::string> arguments;
+    for (const std::string& setting : options.settings) arguments.insert(arguments.end(), {"--set", setting});
+    if (!options.configFile.empty()) arguments.insert(arguments.end(), {"--config", options.configFile});
+    if (!options.answersFile.empty()) arguments.insert(arguments.end(), {"--answers", options.answersFile});
+    if (options.listName != userList) arguments.insert(arguments.end(), {"--list-name", options.listName});
+    if (options.yes) arguments.emplace_back("--yes");
+    return arguments;
+}
+
+// Names of the system. False after a message, with those that could be told.
+bool listDrawings(const Options& options, std::vector<std::string>& drawings) {
+    const std::unique_ptr<MdlDrawingNames, void (*)(MdlDrawingNames*)> names(mdlDrawingNames_create(),
+                                                                             mdlDrawingNames_free);
+    bool whole = true;
+    for (const std::string& name : options.batch) {
+        const int status = name.starts_with('@') ? mdlDrawingNames_addList(names.get(), name.c_str() + 1)
+                                                 : mdlDrawingNames_add(names.get(), name.c_str());
+        whole = whole && status == MDL_SUCCESS;
+    }
+    for (int32_t i = 0; i < mdlDrawingNames_count(names.get()); ++i) {
+        char path[4096];
+        whole = mdlFile_getSystemPath(path, sizeof path, mdlDrawingNames_get(names.get(), i)) == MDL_SUCCESS && whole;
+        drawings.emplace_back(path);
+    }
+    return whole;
+}
+
+int workBatch(Options& options, CLI::App& cli) {
+    if (options.starts.size() != 1) return wrongCall(cli, "--batch runs one application");
+    batch::Order& order = options.order;
+    if (!begin(options)) return statusFailed;
+    const bool listed = configure(options) && listDrawings(options, order.drawings);
+    mchost_end();
+    if (order.drawings.empty()) return listed ? statusGood : statusFailed;
+    order.hostArguments = hostArguments(options);
+    order.command = {options.starts[0].application};
+    order.command.insert(order.command.end(), options.starts[0].arguments.begin(), options.starts[0].arguments.end());
+    const int status = batch::run(order);
+    return status == statusGood && !listed ? statusFailed : status;
+}
+
 int runWith(int argc, char** argv) {
     CLI::App cli("Runs an application of the family.");
     Options options;
     const int ended = parse(cli, options, argc, argv);
     if (ended >= 0) return ended;
     if (const std::string fault = faultOf(options); !fault.empty()) return wrongCall(cli, fault);
-    return work(options, cli);
+    return options.batch.empty() ? work(options, cli) : workBatch(options, cli);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 /* An application that does what its first argument says. */
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 
 #include "mchost/mdl/element.h"
 #include "mchost/mdl/elmdscr.h"
@@ -39,6 +41,16 @@ static int watch(void) {
     return mdlSystem_setFunction(MDL_FUNCTION_NEW_DESIGN_FILE, (void *)heard);
 }
 
+/* Does what the name of a file says, and notes that it was there. */
+static int likeName(const char *name, const char *notes) {
+    FILE *file = fopen(notes, "a");
+    if (file == NULL || fprintf(file, "%s\n", name) < 0 || fclose(file) != 0) return 1;
+    if (strstr(name, "crash") != NULL) abort();
+    while (strstr(name, "hang") != NULL) sleep(1);
+    toolSubsystem_printf("looked at %s\n", name);
+    return strstr(name, "bad") != NULL ? 1 : 0;
+}
+
 MDL_DESCRIPTION("does what its first argument says");
 
 int main(int argc, char **argv) {
@@ -49,6 +61,7 @@ int main(int argc, char **argv) {
     if (strcmp(what, "variable") == 0) return printVariable(value);
     if (strcmp(what, "draw") == 0) return draw();
     if (strcmp(what, "watch") == 0) return watch();
+    if (strcmp(what, "like") == 0) return likeName(value, argc > 4 ? argv[4] : "notes.txt");
     if (strcmp(what, "return") == 0) return atoi(value);
     if (strcmp(what, "exit") == 0) mdlSystem_exit(atoi(value), 1);
     if (strcmp(what, "fail") == 0) mdlSystem_noteFailure();
