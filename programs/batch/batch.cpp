@@ -176,8 +176,9 @@ int run(const Order& order) {
     std::string why;
     if (!log.read(command, why)) return tell(order.log + ": " + why + "; give another one with --log"), wrong;
     if (log.exists() && !order.resume && !order.retry)
-        return tell(order.log + ": there is a log of an earlier run; --resume goes on with it, --retry also does again "
-                                "what failed, and --log names another one"),
+        return tell(order.log +
+                    ": there is a log of an earlier run; --resume goes on with it, --retry also does again "
+                    "what failed, and --log names another one"),
                wrong;
     if (!log.open(command)) return tell(order.log + ": the log can't be written: " + std::strerror(errno)), wrong;
     std::vector<std::string> drawings = drawingsToDo(order, log);

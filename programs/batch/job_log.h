@@ -14,7 +14,7 @@ struct Outcome {
     bool good;
     std::string status;  // "good", "status 2", "signal 11", "time limit"
     double seconds;
-    std::string said;    // the end of what it printed
+    std::string said;  // the end of what it printed
 };
 
 class JobLog {

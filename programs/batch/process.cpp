@@ -16,8 +16,8 @@ namespace batch {
 
 namespace {
 
-constexpr size_t mostSaid = 4000;  // bytes of what a process printed last
-constexpr double graceSeconds = 2; // between asking it to end and ending it
+constexpr size_t mostSaid = 4000;   // bytes of what a process printed last
+constexpr double graceSeconds = 2;  // between asking it to end and ending it
 
 [[noreturn]] void become(const std::vector<std::string>& arguments, int output, pid_t parent) {
     setpgid(0, 0);
@@ -103,9 +103,9 @@ bool Process::hasEnded(Outcome& outcome, const std::vector<int>& goodStatuses) {
     const int exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     outcome.good = exitStatus == 0 || std::ranges::find(goodStatuses, exitStatus) != goodStatuses.end();
     if (outcome.good) return true;
-    outcome.status = overTime_           ? "time limit"
-                     : exitStatus >= 0   ? "status " + std::to_string(exitStatus)
-                                         : "signal " + std::to_string(WTERMSIG(status));
+    outcome.status = overTime_         ? "time limit"
+                     : exitStatus >= 0 ? "status " + std::to_string(exitStatus)
+                                       : "signal " + std::to_string(WTERMSIG(status));
     return true;
 }
 

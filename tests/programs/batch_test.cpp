@@ -47,16 +47,18 @@ TEST_F(Batch, ADrawingThatFailsCrashesOrHangsTakesNoOtherAlong) {
     const struct {
         const char *status, *drawing;
     } failed[] = {{"status 1", "bad103"}, {"status 1", "bad149"}, {"signal 6", "crash110"}, {"time limit", "hang130"}};
-    for (const auto& [status, drawing] : failed)
-        EXPECT_EQ(shell(std::string("grep -c '^") + status + "\t.*" + drawing + "' batch.log").output, "1\n") << drawing;
+    for (const auto& [status, drawing] : failed) {
+        const std::string line = std::string("^") + status + "\t.*" + drawing;
+        EXPECT_EQ(shell("grep -c '" + line + "' batch.log").output, "1\n") << drawing;
+    }
 }
 
 TEST_F(Batch, AKilledRunGoesOnWhereItStopped) {
     constexpr int drawings = 60;
     list(drawings);
+    const std::string command = " '" BUILD_DIR "/bin/mchost' --batch @list.txt --jobs 3 --resume " + application_;
     for (const char* after : {"0.1", "0.15", "0.2", "0.25"})
-        shell(std::string("timeout -s KILL ") + after + " '" BUILD_DIR "/bin/mchost' --batch @list.txt --jobs 3 --resume " +
-              application_ + " like {}");
+        shell(std::string("timeout -s KILL ") + after + command + " like {}");
     write("batch.log", read("batch.log") + "good\t0.01\tjob/pla");  // killed in the middle of its line
     const Outcome outcome = run("like {}", "--batch @list.txt --resume");
     EXPECT_EQ(outcome.status, 0) << outcome.output;
