@@ -274,8 +274,9 @@ int work(const Options& options, CLI::App& cli) {
         std::fputs(applications.c_str(), stderr);
         return statusWrongCall;
     }
-    if (!isWritten(stdout) || ran == Ran::failed) return statusFailed;
-    return status == statusGood || status == statusWrongCall ? status : statusFailed;  // its arguments may be wrong
+    const bool whole = isWritten(stdout) && ran != Ran::failed;
+    if (status == statusWrongCall) return status;  // the application's arguments were wrong, or it tells more by it
+    return status == statusGood && whole ? statusGood : statusFailed;
 }
 
 // ---- many drawings ----

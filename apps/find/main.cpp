@@ -169,6 +169,7 @@ ExitStatus searchAll(const std::vector<std::string>& names, bool listed, const O
     Run run = {options, names.size(), listed};
     for (const std::string& name : names) searchDrawing(name, run);
     if (!run.knowsLevels && run.drawings > 0) mcapp::warn("no drawing has a level of that name or number");
+    if (run.drawings == 0) return failed;
     std::string text = report(run.rows, options);
     if (options.format == Format::table) text += summary(run);
     if (!write(text, options) || !run.whole) return failed;

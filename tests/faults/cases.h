@@ -11,6 +11,7 @@ struct Case {
     std::vector<std::string> before;                         // commands that prepare its folder
     std::string command;     // words divided at blanks; the first one is a program of ours
     bool emptyHome = false;  // the user has never started one
+    int failed = 1;          // the exit status that tells of a failure; 1, which the host gives, does so too
 };
 
 const std::vector<Case>& cases();

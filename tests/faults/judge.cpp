@@ -118,12 +118,13 @@ Files filesIn(const fs::path& folder) {
     return files;
 }
 
-std::string faultIn(const Result& result, const Fault& fault, const Files& before, const Files& good,
+std::string faultIn(const Case& run, const Result& result, const Fault& fault, const Files& before, const Files& good,
                     const Files& left) {
     if (result.status == -1) return "it doesn't end";
     const bool asked = fault.mode == "term" && result.status == 128 + SIGTERM;
-    if (result.status > 1 && !asked) return "status " + std::to_string(result.status);
-    if (result.status == 1 && result.messages.empty()) return "status 1 without a message";
+    const bool failed = result.status == 1 || result.status == run.failed;
+    if (result.status != 0 && !failed && !asked) return "status " + std::to_string(result.status);
+    if (failed && result.messages.empty()) return "a failure without a message";
     if (std::string what = leftOver(before, good, left); !what.empty()) return what;
     if (std::string what = damageIn(before, good, left); !what.empty()) return what;
     return result.status == 0 ? lackIn(result, good, left) : std::string();

@@ -98,7 +98,7 @@ std::string Judged::runOnce(const Case& run, const Fault& fault, const fs::path&
     fs::remove_all(folder);
     fs::copy(folder_ / "template", folder, fs::copy_options::recursive);
     result = runWith(run, place_, folder, fault);
-    return faultIn(result, fault, before_, good, filesIn(folder));
+    return faultIn(run, result, fault, before_, good, filesIn(folder));
 }
 
 void Judged::tell(const Case& run, const Fault& fault, const std::string& what, const Result& result) {
