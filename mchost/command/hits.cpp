@@ -14,6 +14,7 @@
 #include "mchost/view/area.h"
 #include "mchost/view/places.h"
 #include "mchost/view/seen.h"
+#include "mchost/view/shown_part.h"
 
 namespace host {
 namespace {
@@ -65,12 +66,13 @@ bool isInBox(const Point3d& at, const std::vector<Point3d>& corners) {
 // Looks at the elements of a model one by one.
 class Look {
   public:
-    Look(ModelRef& place, const Aim& aim)
+    Look(ModelRef& place, const Aim& aim, std::span<const ShownClip> clips)
         : place_(place),
           model_(place.file->model),
           seen_(aim.view, model_, attachmentOf(place)),
           reach_(aim.reach),
-          toSeen_(seenFrom(aim.view)) {
+          toSeen_(seenFrom(aim.view)),
+          shown_(clips, toSeen_) {
         at_ = flat(applyToPoint(toSeen_, aim.point));
         toSeen_ = toSeen_ * toMaster(place);
     }
@@ -109,11 +111,27 @@ class Look {
     std::optional<double> distanceToOutline(const MSElementBuffer* element) {
         constexpr double fine = 0.1;
         if (!outlineOf(points_, element, fine * reach_, toSeen_)) return std::nullopt;
+        if (shownTextOf(element)) return distanceToText();
+        if (shown_.isWhole()) return distanceAlong(points_);
+        std::optional<double> nearest;
+        for (const std::vector<Point3d>& piece : shown_.piecesOf(points_)) {
+            const double its = distanceAlong(piece);
+            if (!nearest || its < *nearest) nearest = its;
+        }
+        return nearest;
+    }
+
+    // A text is there as a whole, when the lower left corner of its box is.
+    std::optional<double> distanceToText() {
+        if (!shown_.holds(points_.front())) return std::nullopt;
         for (Point3d& p : points_) p = flat(p);
-        if (shownTextOf(element) && isInBox(at_, points_)) return 0;
-        double nearest = distance(at_, points_.front());
-        for (size_t i = 1; i < points_.size(); ++i) {
-            nearest = std::min(nearest, distance(at_, nearestOnSegment(at_, points_[i - 1], points_[i])));
+        return isInBox(at_, points_) ? 0 : distanceAlong(points_);
+    }
+
+    double distanceAlong(std::span<const Point3d> points) const {
+        double nearest = distance(at_, flat(points.front()));
+        for (size_t i = 1; i < points.size(); ++i) {
+            nearest = std::min(nearest, distance(at_, nearestOnSegment(at_, flat(points[i - 1]), flat(points[i]))));
         }
         return nearest;
     }
@@ -123,6 +141,7 @@ class Look {
     Seen seen_;
     double reach_;
     Transform toSeen_;  // from the model to what is seen
+    ShownPart shown_;   // of what is seen
     Point3d at_;        // seen, without depth
     std::vector<Point3d> points_;
     std::vector<Hit> hits_;
@@ -144,8 +163,8 @@ const MSElementBuffer* Hit::element() const {
     return nodeOf(place->file->model.elements.record(position), number);
 }
 
-std::vector<Hit> hitsAt(ModelRef& place, const Aim& aim) {
-    std::vector<Hit> hits = place.file ? Look(place, aim).hits() : std::vector<Hit>{};
+std::vector<Hit> hitsAt(ModelRef& place, const Aim& aim, std::span<const ShownClip> clips) {
+    std::vector<Hit> hits = place.file ? Look(place, aim, clips).hits() : std::vector<Hit>{};
     sortByDistance(hits);
     return hits;
 }
@@ -153,7 +172,7 @@ std::vector<Hit> hitsAt(ModelRef& place, const Aim& aim) {
 std::vector<Hit> hitsAnywhere(const Aim& aim) {
     std::vector<Hit> hits;
     for (const ShownPlace& shown : shownPlaces(aim.view)) {
-        const std::vector<Hit> its = hitsAt(*shown.place, aim);
+        const std::vector<Hit> its = hitsAt(*shown.place, aim, shown.clips);
         hits.insert(hits.end(), its.begin(), its.end());
     }
     sortByDistance(hits);

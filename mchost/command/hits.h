@@ -1,10 +1,12 @@
 // What lies near a point, and in an area, as a view shows it.
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "mchost/mdl/types.h"
 #include "mchost/model/model_ref.h"
+#include "mchost/view/places.h"
 
 namespace host {
 
@@ -27,8 +29,8 @@ struct Hit {
     const MSElementBuffer* element() const;
 };
 // Those that the view shows of a model where it is shown, the nearest first, and of those that are equally near the
-// first in the file. Components stand for their headers.
-std::vector<Hit> hitsAt(ModelRef& place, const Aim& aim);
+// first in the file. Components stand for their headers. What clips take away isn't there.
+std::vector<Hit> hitsAt(ModelRef& place, const Aim& aim, std::span<const ShownClip> clips = {});
 // The same of the active model and of all that is attached to it and shown.
 std::vector<Hit> hitsAnywhere(const Aim& aim);
 

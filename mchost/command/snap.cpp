@@ -1,6 +1,7 @@
 #include "mchost/command/snap.h"
 
 #include <algorithm>
+#include <iterator>
 #include <span>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "mchost/session/owned_state.h"
 #include "mchost/space/vector.h"
 #include "mchost/space/view.h"
+#include "mchost/view/shown_part.h"
 
 namespace host {
 namespace {
@@ -30,18 +32,31 @@ struct SeenPoint {
         return {seen.x, seen.y, 0};
     }
     double distanceTo(const Point3d& p) const { return distance(at, flat(p)); }
+    double tolerance() const { return 1e-3 * reach; }  // for points that lie on a line
 };
 
 // An element as what it is snapped to, in UOR of the active model.
 struct Line {
     const MSElementBuffer* element;
     Transform toActive;
-    std::vector<Point3d> points;  // its vertices, or points along a curve
+    std::vector<Point3d> points;           // its vertices, or points along a curve
+    std::optional<LinePieces> shown = {};  // what clips leave of these; nothing: all
 
     bool isText() const { return shownTextOf(element).has_value(); }
     bool hasVertices() const { return verticesOf(element).has_value(); }
     bool isClosed() const { return points.front() == points.back(); }
+    bool shows(const Point3d& p, double tolerance) const;
 };
+
+bool Line::shows(const Point3d& p, double tolerance) const {
+    const auto goesThrough = [&](const std::vector<Point3d>& piece) {
+        for (size_t i = 1; i < piece.size(); ++i) {
+            if (distance(p, nearestOnSegment(p, piece[i - 1], piece[i])) <= tolerance) return true;
+        }
+        return false;
+    };
+    return !shown || isText() || std::ranges::any_of(*shown, goesThrough);
+}
 
 using Found = std::optional<Point3d>;
 
@@ -50,8 +65,21 @@ Found nearestOf(std::span<const Point3d> points, const SeenPoint& seen) {
     return nearest != points.end() ? Found(*nearest) : std::nullopt;
 }
 
-Found middleOf(const Point3d& a, const Point3d& b) {
+Point3d middleOf(const Point3d& a, const Point3d& b) {
     return a + (b - a) * 0.5;
+}
+
+// A point of a line, when it is shown.
+Found ifShown(const Line& line, const Point3d& p, const SeenPoint& seen) {
+    return line.shows(p, seen.tolerance()) ? Found(p) : std::nullopt;
+}
+
+Found nearestShown(const Line& line, std::span<const Point3d> points, const SeenPoint& seen) {
+    if (!line.shown) return nearestOf(points, seen);
+    std::vector<Point3d> left;
+    std::ranges::copy_if(points, std::back_inserter(left),
+                         [&](const Point3d& p) { return line.shows(p, seen.tolerance()); });
+    return nearestOf(left, seen);
 }
 
 // A place along the points: in the segment that ends with the point of that number.
@@ -60,11 +88,11 @@ struct Along {
     Point3d point;
 };
 
-Along nearestAlong(const Line& line, const SeenPoint& seen) {
-    Along nearest{1, line.points.front()};
+Along nearestAlong(std::span<const Point3d> points, const SeenPoint& seen) {
+    Along nearest{1, points.front()};
     double least = HUGE_VAL;
-    for (size_t i = 1; i < line.points.size(); ++i) {
-        const Point3d &a = line.points[i - 1], &b = line.points[i];
+    for (size_t i = 1; i < points.size(); ++i) {
+        const Point3d &a = points[i - 1], &b = points[i];
         const Point3d from = seen.flat(a), to = seen.flat(b), on = nearestOnSegment(seen.at, from, to);
         const double far = distance(seen.at, on), whole = distance(from, to);
         if (far >= least) continue;
@@ -79,27 +107,27 @@ Along nearestAlong(const Line& line, const SeenPoint& seen) {
 Found endOf(const Line& line, const SeenPoint& seen) {
     if (line.isText() || line.isClosed()) return std::nullopt;
     const Point3d ends[] = {line.points.front(), line.points.back()};
-    return nearestOf(ends, seen);
+    return nearestShown(line, ends, seen);
 }
 
 Found vertexOf(const Line& line, const SeenPoint& seen) {
     if (const auto text = shownTextOf(line.element)) return applyToPoint(line.toActive, text->body.origin);
-    return line.hasVertices() ? nearestOf(line.points, seen) : endOf(line, seen);
+    return line.hasVertices() ? nearestShown(line, line.points, seen) : endOf(line, seen);
 }
 
 Found middleOfLine(const Line& line, const SeenPoint& seen) {
     if (line.isText()) return std::nullopt;
     if (line.hasVertices()) {
-        const size_t end = nearestAlong(line, seen).end;
-        return middleOf(line.points[end - 1], line.points[end]);
+        const size_t end = nearestAlong(line.points, seen).end;
+        return ifShown(line, middleOf(line.points[end - 1], line.points[end]), seen);
     }
     if (line.isClosed()) return std::nullopt;
     if (const auto arc = arcOf(line.element)) {
         const auto& [center, x, y] = arc->ellipse;
         const double angle = arc->start + arc->sweep / 2;
-        return applyToPoint(line.toActive, center + x * std::cos(angle) + y * std::sin(angle));
+        return ifShown(line, applyToPoint(line.toActive, center + x * std::cos(angle) + y * std::sin(angle)), seen);
     }
-    return line.points[line.points.size() / 2];
+    return ifShown(line, line.points[line.points.size() / 2], seen);
 }
 
 Found centreOf(const Line& line, const SeenPoint&) {
@@ -111,7 +139,11 @@ Found centreOf(const Line& line, const SeenPoint&) {
 }
 
 Found nearestOfLine(const Line& line, const SeenPoint& seen) {
-    return line.isText() ? std::nullopt : Found(nearestAlong(line, seen).point);
+    if (line.isText()) return std::nullopt;
+    if (!line.shown) return nearestAlong(line.points, seen).point;
+    std::vector<Point3d> found;
+    for (const std::vector<Point3d>& piece : *line.shown) found.push_back(nearestAlong(piece, seen).point);
+    return nearestOf(found, seen);
 }
 
 // ---- crossings ----
@@ -151,6 +183,9 @@ Found crossingOf(const Line& line, const Line& other, const SeenPoint& seen) {
             if (const Found found = crossing(a, b, seen)) crossings.push_back(*found);
         }
     }
+    std::erase_if(crossings, [&](const Point3d& p) {
+        return !line.shows(p, seen.tolerance()) || !other.shows(p, seen.tolerance());
+    });
     return nearestOf(crossings, seen);
 }
 
@@ -198,9 +233,12 @@ std::vector<Line> linesAt(const Aim& aim) {
     constexpr double fine = 1e-4;
     std::vector<Line> lines;
     for (const Hit& hit : hitsAnywhere(aim)) {
+        const ShownPart left(clipsAround(*hit.place), identityTransform);
         forEachPart(hit.element(), [&](const MSElementBuffer* part) {
             Line line{part, toMaster(*hit.place), {}};
-            if (outlineOf(line.points, part, fine * aim.reach, line.toActive)) lines.push_back(std::move(line));
+            if (!outlineOf(line.points, part, fine * aim.reach, line.toActive)) return;
+            if (!left.isWhole()) line.shown = left.piecesOf(line.points);
+            lines.push_back(std::move(line));
         });
     }
     return lines;

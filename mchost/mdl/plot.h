@@ -1,4 +1,4 @@
-/* Plots: the part of the active model inside a fence, on a page of paper, by a plotter.
+/* Plots: what a fence's view shows inside it, references with their clips too, on a page of paper, by a plotter.
  *
  * A plotter is told by a plot driver file, a text file with the suffix ".plt". Its lines are "name = value"; a line
  * that begins with "#" and an empty one are passed over; letter case counts in values only. What a line doesn't give
@@ -41,7 +41,8 @@ MDL_EXPORT int mdlPlotDesc_setPaperSize(MdlPlotDesc *descr, const char *name) MD
 MDL_EXPORT int mdlPlotDesc_getPaperSize(char *buffer, const MdlPlotDesc *descr) MDL_NOEXCEPT;
 /* The unit of lengths on paper: 4 millimetres, the only one here; MDL_ERROR for another. */
 MDL_EXPORT int mdlPlotDesc_setUnits(MdlPlotDesc *descr, int32_t units) MDL_NOEXCEPT;
-/* What the view adds to the drawing; all zero is nothing. Taken and not used: plots show elements alone. */
+/* What the view adds to the drawing; all zero is nothing. Taken and not used: plots show elements alone,
+ * as the view has them. */
 MDL_EXPORT int mdlPlotDesc_setViewFlags(MdlPlotDesc *descr, const ViewFlags *flags) MDL_NOEXCEPT;
 /* Takes the fence (fence.h) as the area to plot; `use` 0 lets go of the area. MDL_ERROR without a fence, and for one
  * without extent in its view. */

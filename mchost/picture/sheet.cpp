@@ -215,6 +215,7 @@ void Sheet::beginClip(std::span<const Point3d> outline) {
         const Point3d at = onPaper(p);
         cairo_line_to(pen_.get(), at.x, at.y);
     }
+    cairo_set_fill_rule(pen_.get(), CAIRO_FILL_RULE_EVEN_ODD);  // as for all that asks what lies inside
     cairo_clip(pen_.get());
 }
 

@@ -46,13 +46,19 @@ class ViewDrawing {
     ViewDrawing(int32_t view, const Range3d& range, Canvas& canvas) : view_(view), range_(range), canvas_(canvas) {}
 
     // False when a model can't be read.
-    bool draw() {
+    bool drawModels() {
         for (const ShownPlace& shown : shownPlaces(view_)) {
             ViewPen pen(view_, shown, range_, canvas_);
             const bool drawn = forEachInView(shown.place, pen.intoView(), range_,
                                              [&](FilePos position) { drawElement(position, shown, pen); });
             if (!drawn) return false;
         }
+        return true;
+    }
+
+    bool draw() {
+        commands_ = true;
+        if (!drawModels()) return false;
         drawOver();
         return true;
     }
@@ -61,7 +67,7 @@ class ViewDrawing {
     void drawElement(FilePos position, const ShownPlace& shown, ViewPen& pen) {
         const mdl::DescrPtr ed = mdl::readDescr(position, shown.place);
         if (!ed) return;
-        if (shown.place->parent) return pen.draw(*ed);
+        if (shown.place->parent || !commands_) return pen.draw(*ed);
         if (isHighlighted(position)) highlighted_.push_back(position);
         if (overlay().erased.empty()) return pen.draw(*ed);
         const ErasedNodes erased(*ed, position);
@@ -92,6 +98,7 @@ class ViewDrawing {
     int32_t view_;
     const Range3d& range_;
     Canvas& canvas_;
+    bool commands_ = false;  // what they show counts
     std::vector<FilePos> highlighted_;
 };
 
@@ -133,6 +140,10 @@ Range3d rangeOn(int32_t view, const ViewSize& size) {
 
 bool drawView(int32_t view, const Range3d& range, Canvas& canvas) {
     return ViewDrawing(view, range, canvas).draw();
+}
+
+bool drawModels(int32_t view, const Range3d& range, Canvas& canvas) {
+    return ViewDrawing(view, range, canvas).drawModels();
 }
 
 }  // namespace host

@@ -12,5 +12,7 @@ Range3d rangeOn(int32_t view, const ViewSize& size);
 // Draws what the view shows in the range, which is in its own axes: the models with their clips, and over them what
 // commands show. False when a model can't be read.
 bool drawView(int32_t view, const Range3d& range, Canvas& canvas);
+// The same without what commands show.
+bool drawModels(int32_t view, const Range3d& range, Canvas& canvas);
 
 }  // namespace host

@@ -27,7 +27,14 @@ ViewPen::ViewPen(int32_t view, const ShownPlace& shown, const Range3d& range, Ca
       intoView_(transformOf(viewRotation(view)) * toMaster(*shown.place)),
       scale_(length(applyToVector(intoView_, {1, 0, 0}))),
       canvasPen_(canvas.pen()) {
-    for (const ShownClip& clip : shown.clips) clipTo(clip);
+    std::vector<ShownClip> aside;
+    for (const ShownClip& clip : shown.clips) {
+        if (isOutline(clip))
+            clipTo(clip);
+        else
+            aside.push_back(clip);
+    }
+    aside_.emplace(aside, transformOf(viewRotation(view)));
 }
 
 ViewPen::~ViewPen() {
@@ -35,14 +42,13 @@ ViewPen::~ViewPen() {
 }
 
 // Seen along its own z axis a clip is an outline on the canvas.
+bool ViewPen::isOutline(const ShownClip& clip) const {
+    const Point3d up = applyToVector(transformOf(viewRotation(view_)) * toMaster(*clip.parent), {0, 0, 1});
+    return std::hypot(up.x, up.y) <= 1e-9 * length(up);
+}
+
 void ViewPen::clipTo(const ShownClip& clip) {
     const Transform intoView = transformOf(viewRotation(view_)) * toMaster(*clip.parent);
-    const Point3d up = applyToVector(intoView, {0, 0, 1});
-    Prism prism{{}, clip.outline.get()};
-    if (std::hypot(up.x, up.y) > 1e-9 * length(up)) {
-        if (invert(intoView, prism.intoModel)) prisms_.push_back(prism);
-        return;
-    }
     std::vector<Point3d> outline;
     for (const ClipPoint& p : *clip.outline) outline.push_back(applyToPoint(intoView, {p.x, p.y, 0}));
     canvas_.beginClip(outline);
@@ -69,23 +75,19 @@ MdlLook ViewPen::shownLook(const MSElementBuffer* element, MdlLook look) const {
     return look;
 }
 
-// What is left of it behind the first `clip` prisms.
-void ViewPen::drawLine(const MSElementBuffer* element, const MdlLook& look, std::span<const Point3d> points,
-                       size_t clip) {
-    if (clip == prisms_.size()) {
-        canvasPen_.line(canvasPen_.userArg, element, &look, points.data(), static_cast<int32_t>(points.size()));
-        return;
-    }
-    const std::vector<std::vector<Point3d>> pieces = piecesInside(prisms_[clip], points);
+void ViewPen::drawLine(const MSElementBuffer* element, const MdlLook& look, std::span<const Point3d> points) {
+    const auto give = [&](const MdlLook& as, std::span<const Point3d> line) {
+        canvasPen_.line(canvasPen_.userArg, element, &as, line.data(), static_cast<int32_t>(line.size()));
+    };
+    if (aside_->isWhole()) return give(look, points);
+    const LinePieces pieces = aside_->piecesOf(points);
     MdlLook left = look;
     if (pieces.size() != 1 || pieces.front().size() != points.size()) left.filled = 0;
-    for (const std::vector<Point3d>& piece : pieces) drawLine(element, left, piece, clip + 1);
+    for (const std::vector<Point3d>& piece : pieces) give(left, piece);
 }
 
 void ViewPen::drawText(const MSElementBuffer* element, const MdlLook& look) {
-    const Point3d at = textBox(*textOf(element)).lowerLeft;
-    const auto holds = [&](const Prism& prism) { return isInside(prism, at); };
-    if (std::ranges::all_of(prisms_, holds)) canvasPen_.text(canvasPen_.userArg, element, &look);
+    if (aside_->holds(textBox(*textOf(element)).lowerLeft)) canvasPen_.text(canvasPen_.userArg, element, &look);
 }
 
 void ViewPen::draw(const ElementDescr& ed, const std::unordered_set<const ElementDescr*>* without) {
@@ -99,7 +101,7 @@ void ViewPen::draw(const ElementDescr& ed, const std::unordered_set<const Elemen
         .line =
             [](void* self, const MSElementBuffer* element, const MdlLook* look, const Point3d* points, int32_t count) {
                 auto& pen = *static_cast<ViewPen*>(self);
-                pen.drawLine(element, pen.shownLook(element, *look), {points, static_cast<size_t>(count)}, 0);
+                pen.drawLine(element, pen.shownLook(element, *look), {points, static_cast<size_t>(count)});
             },
         .text =
             [](void* self, const MSElementBuffer* element, const MdlLook* look) {

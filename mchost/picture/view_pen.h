@@ -6,9 +6,9 @@
 
 #include "mchost/mdl/owned.hpp"
 #include "mchost/picture/canvas.h"
-#include "mchost/picture/prism.h"
 #include "mchost/view/places.h"
 #include "mchost/view/seen.h"
+#include "mchost/view/shown_part.h"
 
 namespace host {
 
@@ -26,10 +26,11 @@ class ViewPen {
     void draw(const ElementDescr& ed, const std::unordered_set<const ElementDescr*>* without = nullptr);
 
   private:
+    bool isOutline(const ShownClip& clip) const;
     void clipTo(const ShownClip& clip);
     bool isLeftOut(const ElementDescr& node) const;
     MdlLook shownLook(const MSElementBuffer* element, MdlLook look) const;
-    void drawLine(const MSElementBuffer* element, const MdlLook& look, std::span<const Point3d> points, size_t clip);
+    void drawLine(const MSElementBuffer* element, const MdlLook& look, std::span<const Point3d> points);
     void drawText(const MSElementBuffer* element, const MdlLook& look);
 
     int32_t view_;
@@ -40,8 +41,8 @@ class ViewPen {
     double scale_;  // UOR of the active model for one of the place
     MdlPen canvasPen_;
     const std::unordered_set<const ElementDescr*>* without_ = nullptr;
-    int outlines_ = 0;           // clips that the canvas has
-    std::vector<Prism> prisms_;  // clips that are looked at from aside
+    int outlines_ = 0;                // clips that the canvas has
+    std::optional<ShownPart> aside_;  // what is left by those that are looked at from aside
 };
 
 }  // namespace host

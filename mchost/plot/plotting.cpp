@@ -9,7 +9,7 @@
 #include "mchost/mdl/model.h"
 #include "mchost/model/model_ref.h"
 #include "mchost/picture/draft.h"
-#include "mchost/picture/drawing.h"
+#include "mchost/picture/view.h"
 #include "mchost/plot/plotter.h"
 #include "mchost/printing/printers.h"
 #include "mchost/space/vector.h"
@@ -48,18 +48,18 @@ Fit fitOn(const PaperSize& paper, double marginMm, const Range3d& range) {
             {paper.widthMm, paper.heightMm, (paper.widthMm - across) / 2, (paper.heightMm - down) / 2, turned}};
 }
 
-Failure drawPage(const PlotDriver& driver, const Fit& fit, const RotMatrix& view, const std::string& path) {
+Failure drawPage(const PlotDriver& driver, const Fit& fit, int32_t view, const std::string& path) {
     const double longest = std::max(fit.page.widthMm, fit.page.heightMm) / mmPerInch * driver.resolution;
     if (driver.kind == PictureKind::png && longest > mostPixels) {
         return "the paper has more than 30000 dots on a side; give the plotter a smaller paper or resolution";
     }
     Sheet sheet(driver.kind, path, fit.range, fit.widthMm, driver.resolution, fit.page);
-    if (!drawModel(fit.range, view, sheet.pen())) return "the model can't be read";
+    if (!drawModels(view, fit.range, sheet)) return "a model can't be read";
     if (const char* why = sheet.finish()) return why;
     return std::nullopt;
 }
 
-Failure plotIntoFile(const PlotDriver& driver, const Fit& fit, const RotMatrix& view, const fs::path& target) {
+Failure plotIntoFile(const PlotDriver& driver, const Fit& fit, int32_t view, const fs::path& target) {
     std::error_code error;
     const fs::path folder = target.has_parent_path() ? target.parent_path() : ".";
     if (!fs::is_directory(folder, error)) {
@@ -109,7 +109,7 @@ class JobFile {
     std::optional<Unfinished> noted_;
 };
 
-Failure plotOnPrinter(const MdlPlotDesc& descr, const Fit& fit, const RotMatrix& view) {
+Failure plotOnPrinter(const MdlPlotDesc& descr, const Fit& fit) {
     const PlotDriver& driver = descr.plotter.driver;
     const auto target = targetOf(driver.printer);
     if (!target) return "the system knows no printer of that name; choose another one";
@@ -117,7 +117,7 @@ Failure plotOnPrinter(const MdlPlotDesc& descr, const Fit& fit, const RotMatrix&
     if (job.path().empty()) return "no file can be written in the system's folder for temporary files";
     PlotDriver asPdf = driver;
     asPdf.kind = PictureKind::pdf;
-    if (Failure failure = plotIntoFile(asPdf, fit, view, job.path())) return failure;
+    if (Failure failure = plotIntoFile(asPdf, fit, descr.area->view, job.path())) return failure;
     for (int32_t copy = 0; copy < descr.copies; ++copy) {
         if (const int status = printFile(job.path(), *target)) {
             return "the printer doesn't take it (" + std::string(std::strerror(status)) + ")";
@@ -139,8 +139,7 @@ std::optional<std::string> plot(const MdlPlotDesc& descr, const std::string& pat
         return start + "no area of the drawing is chosen; place a fence.";
     }
     const Fit fit = fitOn(descr.plotter.driver.papers[descr.paper], driver.marginMm, rangeInView(*descr.area));
-    const RotMatrix& view = viewRotation(descr.area->view);
-    const Failure failure = prints ? plotOnPrinter(descr, fit, view) : plotIntoFile(driver, fit, view, file);
+    const Failure failure = prints ? plotOnPrinter(descr, fit) : plotIntoFile(driver, fit, descr.area->view, file);
     return failure ? std::optional(start + *failure + ".") : std::nullopt;
 }
 

@@ -7,7 +7,9 @@
 #include "mchost/command/running.h"
 #include "mchost/command/selection.h"
 #include "mchost/mdl/fence.h"
+#include "mchost/mdl/reference.h"
 #include "mchost/mdl/snap.h"
+#include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
 #include "mchost/mdl/undo.h"
 #include "tests/mchost/command/modify_fixture.h"
@@ -82,6 +84,36 @@ TEST_F(Words, SnapGivesThePointOfTheNearestElement) {
     EXPECT_THAT(key("snap end here"), HasSubstr("\"here\" isn't a point"));
     mdlState_startDefaultCommand();
     EXPECT_THAT(key("snap end 7,0"), HasSubstr("No command"));
+}
+
+// A line from 0,0 to 10,0, a text and a vertical line that begin at 2,4, all attached, with a clip that leaves x from 3
+// to 8 of them.
+TEST_F(Words, WhatClipsTakeAwayIsNeitherSnappedToNorFound) {
+    add({{0, 0}, {10, 0}});
+    add({{2, 4}, {2, 9}});
+    const Point3d origin{2 * uor, 4 * uor, 0};
+    const TextSize size{0, 2 * uor, 2 * uor, 0};
+    ASSERT_EQ(mdlText_create(dgnBufP, nullptr, "texts", &origin, nullptr, &size, nullptr, 0), MDL_SUCCESS);
+    ASSERT_NE(mdlElement_add(dgnBufP), 0u);
+    close();
+    const Point3d corners[] = {
+        {3 * uor, -5 * uor, 0}, {8 * uor, -5 * uor, 0}, {8 * uor, 9 * uor, 0}, {3 * uor, 9 * uor, 0}};
+    ModelRef* place = nullptr;
+    ASSERT_EQ(mdlRefFile_attach(&place, nullptr, file.c_str(), nullptr, corners, 4), MDL_SUCCESS);
+    const Point3d area{80 * uor, 60 * uor, 0}, zero{};
+    ASSERT_EQ(mdlView_setArea(0, &zero, &area), MDL_SUCCESS);
+    startPoints();
+    EXPECT_EQ(key("snap nearest 8.5,0.2"), "");
+    EXPECT_NEAR(lastPoint().x, 8, 1e-9) << "its visible end";
+    EXPECT_EQ(key("snap middle 7,0.2"), "");
+    EXPECT_NEAR(lastPoint().x, 5, 1e-9);
+    for (const char* line :
+         {"snap end 7,0", "snap vertex 4,0", "snap nearest 9.5,0", "snap nearest 2,7", "snap vertex 5,5"})
+        EXPECT_THAT(key(line), HasSubstr("No element within reach")) << line;
+    ASSERT_EQ(mdlRefFile_setClip(nullptr, 0, place), MDL_SUCCESS);
+    EXPECT_EQ(key("snap end 7,0"), "");
+    EXPECT_NEAR(lastPoint().x, 10, 1e-9);
+    EXPECT_EQ(key("snap vertex 5,5"), "");
 }
 
 TEST_F(Words, ModesThatAreOnSnapPointsAndDynamics) {

@@ -12,9 +12,9 @@
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
 #include "mchost/mdl/view.h"
-#include "mchost/picture/prism.h"
 #include "mchost/picture/view.h"
 #include "mchost/space/vector.h"
+#include "mchost/view/prism.h"
 #include "tests/mchost/model/model_fixture.h"
 
 namespace {
@@ -153,6 +153,39 @@ TEST_F(ViewPicture, ReferencesAreWhereTheyAreAttachedAndCutFromEachSide) {
     const int32_t hidden = 1;
     mdlRefFile_setParameters(&hidden, MDL_REFERENCE_HIDDEN, place);
     EXPECT_FALSE(picture().isInked(200, 400));
+}
+
+// A triangle of the drawing is the clip: moved, it shows another part; deleted, nothing, which is told.
+TEST_F(ViewPicture, AnElementThatClipsIsFollowed) {
+    addAcross(100);
+    close();
+    const std::string host = path("host.mcd");
+    ASSERT_EQ(mdlSystem_createDesignFile(host.c_str(), 0), MDL_SUCCESS);
+    ASSERT_EQ(mdlSystem_newDesignFile(host.c_str(), 0), MDL_SUCCESS);
+    const auto triangle = [](double x) {
+        const Point3d corners[] = {{x, 0, 0}, {x + 200, 0, 0}, {x + 100, 200, 0}};
+        EXPECT_EQ(mdlShape_create(dgnBufP, nullptr, corners, 3, 0), MDL_SUCCESS);
+        return dgnBufP;
+    };
+    ModelRef* place = nullptr;
+    ASSERT_EQ(mdlRefFile_attach(&place, nullptr, file.c_str(), nullptr, nullptr, 0), MDL_SUCCESS);
+    const FilePos position = mdlElement_add(triangle(200));
+    ASSERT_EQ(mdlRefFile_setClipElement(position, place), MDL_SUCCESS);
+    showFrom(1, {0, 0, 0});
+    const auto inked = [&] {
+        const Dots dots = picture();
+        std::string all;
+        for (const int x : {230, 300, 370, 500}) all += dots.isInked(x, 600 - 100) ? '1' : '0';
+        return all;
+    };
+    EXPECT_EQ(inked(), "0100");
+    ASSERT_NE(mdlElement_rewrite(triangle(400), position), 0u);
+    EXPECT_EQ(inked(), "0001");
+    EXPECT_EQ(front().consoleText, "");
+    ASSERT_EQ(mdlElement_undoableDelete(nullptr, position, 0), MDL_SUCCESS);
+    for (int times = 0; times < 2; ++times) EXPECT_EQ(inked(), "0000");
+    EXPECT_NE(front().consoleText.find("isn't there any more"), std::string::npos);
+    EXPECT_EQ(front().consoleText.find('\n'), front().consoleText.size() - 1) << "once";
 }
 
 TEST_F(ViewPicture, LinesAreCutWhereTheyCrossAnOutline) {

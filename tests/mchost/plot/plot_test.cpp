@@ -14,6 +14,7 @@
 #include "mchost/mdl/fence.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/model.h"
+#include "mchost/mdl/reference.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/transform.h"
 #include "tests/support/child.h"
@@ -124,6 +125,28 @@ TEST_F(PlotTest, WhatATurnedViewShowsStandsUprightOnPaper) {
     ASSERT_EQ(mdlPlotDesc_plot(plot.get(), path("a.png").c_str()), MDL_SUCCESS) << lastMessage();
     EXPECT_EQ(Png(path("a.png"), 50.8).at(75, 175), red);
     EXPECT_EQ(Png(path("a.png"), 50.8).at(25, 175), white);
+}
+
+TEST_F(PlotTest, ReferencesArePlottedWithTheirClipsAndLevelsAsTheViewHasThem) {
+    openFile();
+    addSquare(0, 0, 1000, 3);
+    ASSERT_EQ(mdlSystem_createDesignFile(path("sheet.mcd").c_str(), 0), MDL_SUCCESS);
+    ASSERT_EQ(mdlSystem_newDesignFile(path("sheet.mcd").c_str(), 0), MDL_SUCCESS);
+    addSquare(1000, 0, 1000, 0);
+    const Point3d clip[] = {{0, 0, 0}, {500, 0, 0}, {500, 1000, 0}, {0, 1000, 0}};
+    ModelRef* place = nullptr;
+    ASSERT_EQ(mdlRefFile_attach(&place, nullptr, path("drawing.mcd").c_str(), nullptr, clip, 4), MDL_SUCCESS);
+    fence(0, 0, 2000, 1000);
+    const OwnedPlot plot = plotter("output = png\nresolution = 50.8\npaper = P 200 100\n");
+    mdlPlotDesc_setFenceFromTCB(plot.get(), 1);
+    const auto colours = [&] {
+        EXPECT_EQ(mdlPlotDesc_plot(plot.get(), path("a.png").c_str()), MDL_SUCCESS) << lastMessage();
+        const Png png(path("a.png"), 50.8);
+        return std::vector<uint32_t>{png.at(25, 50), png.at(75, 50), png.at(150, 50)};
+    };
+    EXPECT_EQ(colours(), (std::vector{red, white, black}));
+    mdlRefFile_setLevelOn(place, 0, 1, 0);
+    EXPECT_EQ(colours(), (std::vector{white, white, black}));
 }
 
 TEST_F(PlotTest, PdfsAreMadeWhateverTheSuffix) {

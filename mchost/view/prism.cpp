@@ -1,4 +1,4 @@
-#include "mchost/picture/prism.h"
+#include "mchost/view/prism.h"
 
 #include <algorithm>
 
