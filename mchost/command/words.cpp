@@ -1,7 +1,6 @@
 // The key-ins about the drawing: "undo", "select all", "snap end", "fence 0,0 10,5".
 #include <algorithm>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -20,20 +19,13 @@
 #include "mchost/session/keyin.h"
 #include "mchost/space/vector.h"
 #include "mchost/space/view.h"
+#include "mchost/view/words.h"
 
 namespace host {
 namespace {
 
-[[noreturn]] void refuse(const std::string& why) {
-    throw std::runtime_error(why);
-}
-
 void tell(const std::string& what) {
     mdlOutput_messageCenter(MDL_PRIORITY_INFORMATION, what.c_str(), "", 0);
-}
-
-void takeNothingMore(std::string_view rest) {
-    if (!rest.empty()) refuse("\"" + std::string(rest) + "\" is more than this key-in takes. Leave it out.");
 }
 
 void requireDesignFile() {

@@ -41,15 +41,6 @@ void letGoOf(MdlDesc* desc) {
     std::erase_if(registry().hooks, [desc](const PublishedHook& hook) { return hook.owner == desc; });
 }
 
-void publish(MdlDesc* owner, const DialogHook& hook) {
-    for (PublishedHook& known : registry().hooks)
-        if (known.owner == owner && known.hook.id == hook.id) {
-            known.hook = hook;
-            return;
-        }
-    registry().hooks.push_back({owner, hook});
-}
-
 uintptr_t numberOfHandle(const void* handle) {
     return reinterpret_cast<uintptr_t>(handle);
 }
@@ -128,6 +119,15 @@ EventScope::~EventScope() {
     if (--registry().runningEvents == 0) guarded(closeQueuedDialogs);
 }
 
+void publishHook(MdlDesc* owner, const DialogHook& hook) {
+    for (PublishedHook& known : registry().hooks)
+        if (known.owner == owner && known.hook.id == hook.id) {
+            known.hook = hook;
+            return;
+        }
+    registry().hooks.push_back({owner, hook});
+}
+
 DialogHookFunction findHook(int32_t hookId, MdlDesc* owner) {
     DialogHookFunction others = nullptr;
     for (const PublishedHook& known : registry().hooks) {
@@ -144,7 +144,7 @@ int mdlDialog_hookPublish(int32_t count, const DialogHook* hooks) noexcept {
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (count < 0 || (count > 0 && !hooks)) return MDL_ERROR;
         MdlDesc* const owner = mdlSystem_getCurrMdlDesc();
-        for (int32_t i = 0; i < count; ++i) host::publish(owner, hooks[i]);
+        for (int32_t i = 0; i < count; ++i) host::publishHook(owner, hooks[i]);
         host::letGoAtEnd<host::letGoOf>(owner);
         return MDL_SUCCESS;
     });

@@ -38,6 +38,8 @@ struct EventScope {
     EventScope& operator=(const EventScope&) = delete;
 };
 
+// Publishes a hook of the application, or with null of the host itself.
+void publishHook(MdlDesc* owner, const DialogHook& hook);
 // The hook of that id: the application's own, else another's; null for none.
 DialogHookFunction findHook(int32_t hookId, MdlDesc* owner);
 

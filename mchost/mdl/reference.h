@@ -71,7 +71,8 @@ MDL_EXPORT int mdlRefFile_getParameters(void *valueP, int32_t parameter, ModelRe
 /* Another file in its place, all else as it was; *placeP is the place where that is shown, and `model` none any more
  * unless the name is the same. */
 MDL_EXPORT int mdlRefFile_setFileName(ModelRef **placeP, const char *fileName, ModelRef *model) MDL_NOEXCEPT;
-MDL_EXPORT int mdlRefFile_setTransform(const Transform *toParent, ModelRef *model) MDL_NOEXCEPT;
+/* Moves, turns or scales it in the model that it is attached to, with a clip that was given by its corners. */
+MDL_EXPORT int mdlRefFile_transform(const Transform *transform, ModelRef *model) MDL_NOEXCEPT;
 MDL_EXPORT int mdlRefFile_setPlacement(const MdlRefPlacement *placement, ModelRef *model) MDL_NOEXCEPT;
 /* As for mdlRefFile_attach; none shows all of it. */
 MDL_EXPORT int mdlRefFile_setClip(const Point3d *corners, int32_t count, ModelRef *model) MDL_NOEXCEPT;

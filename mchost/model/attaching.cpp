@@ -225,9 +225,15 @@ int mdlRefFile_setFileName(ModelRef** placeP, const char* fileName, ModelRef* mo
     });
 }
 
-int mdlRefFile_setTransform(const Transform* toParent, ModelRef* model) noexcept {
-    if (!toParent) return MDL_ERROR;
-    return changeAttachment(model, [&](Attachment& attachment) { attachment.toParent = *toParent; });
+int mdlRefFile_transform(const Transform* transform, ModelRef* model) noexcept {
+    if (!transform) return MDL_ERROR;
+    return changeAttachment(model, [&](Attachment& attachment) {
+        attachment.toParent = *transform * attachment.toParent;
+        for (ClipPoint& corner : attachment.clip) {
+            const Point3d moved = applyToPoint(*transform, {corner.x, corner.y, 0});
+            corner = {moved.x, moved.y};
+        }
+    });
 }
 
 int mdlRefFile_getPlacement(MdlRefPlacement* placement, ModelRef* model) noexcept {

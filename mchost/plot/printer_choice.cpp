@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "mchost/base/charset.h"
+#include "mchost/dialog/layout.h"
 #include "mchost/dialog/registry.h"
 #include "mchost/plot/plotter.h"
 #include "mchost/printing/printers.h"
@@ -15,13 +16,6 @@ namespace {
 
 enum { ID_OK = -3, ID_CANCEL = -4, ID_PRINTER = 1 };
 constexpr int32_t replyOk = 3;
-
-Texts texts(const char* english, const char* norwegian) {
-    Texts both;
-    both.set("en", english);
-    both.set("no", norwegian);
-    return both;
-}
 
 Texts text(const std::string& name) {
     Texts same;
@@ -55,15 +49,11 @@ std::vector<std::string> choices(const std::vector<Printer>& all, const std::str
 
 DialogLayout layoutFor(const std::vector<std::string>& paths) {
     DialogLayout layout{.width = 320, .height = 90, .title = texts("Printer", "Skriver")};
-    ItemLayout choice{.kind = ITEM_OPTION_BUTTON, .id = ID_PRINTER, .x = 80, .y = 12, .width = 230, .height = 24};
-    choice.label = texts("Printer", "Skriver");
+    ItemLayout choice = itemAt(ITEM_OPTION_BUTTON, ID_PRINTER, {80, 12, 230, 24}, texts("Printer", "Skriver"));
     for (size_t i = 0; i < paths.size(); ++i)
         choice.rows.push_back({.value = static_cast<int32_t>(i), .label = text(paths[i])});
-    ItemLayout ok{.kind = ITEM_PUSH_BUTTON, .id = ID_OK, .x = 150, .y = 54, .width = 75, .height = 26};
-    ok.label = texts("OK", "OK");
-    ItemLayout cancel{.kind = ITEM_PUSH_BUTTON, .id = ID_CANCEL, .x = 235, .y = 54, .width = 75, .height = 26};
-    cancel.label = texts("Cancel", "Avbryt");
-    layout.items = {choice, ok, cancel};
+    layout.items = {choice, itemAt(ITEM_PUSH_BUTTON, ID_OK, {150, 54, 75, 26}, texts("OK", "OK")),
+                    itemAt(ITEM_PUSH_BUTTON, ID_CANCEL, {235, 54, 75, 26}, texts("Cancel", "Avbryt"))};
     return layout;
 }
 

@@ -4,11 +4,9 @@
 #include <algorithm>
 #include <array>
 #include <numbers>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "mchost/base/charset.h"
 #include "mchost/base/number_format.h"
 #include "mchost/base/words.h"
 #include "mchost/mdl/system.h"
@@ -17,6 +15,7 @@
 #include "mchost/view/area.h"
 #include "mchost/view/places.h"
 #include "mchost/view/seen.h"
+#include "mchost/view/words.h"
 
 namespace host {
 namespace {
@@ -43,60 +42,6 @@ constexpr auto controls = std::to_array<Control>({
     {MDL_VIEW_REFERENCES, "references"},
     {MDL_VIEW_LEVEL_SYMBOLOGY, "overrides"},
 });
-
-[[noreturn]] void refuse(const std::string& why) {
-    throw std::runtime_error(why);
-}
-
-std::string quoted(std::string_view text) {
-    return "\"" + std::string(text) + "\"";
-}
-
-std::string_view takeLastWord(std::string_view& text) {
-    const size_t blank = text.find_last_of(" \t");
-    const std::string_view word = blank == std::string_view::npos ? text : text.substr(blank + 1);
-    text = trimmed(text.substr(0, text.size() - word.size()));
-    return word;
-}
-
-void takeNothingMore(std::string_view rest) {
-    if (!rest.empty()) refuse(quoted(rest) + " is more than this key-in takes. Leave it out.");
-}
-
-double takeNumber(std::string_view& text, const char* what) {
-    const std::string_view word = takeWord(text);
-    const auto number = numberOf(word);
-    if (!number) refuse(quoted(word) + " isn't " + what + ". Give a number, such as 2 or 0.5.");
-    return *number;
-}
-
-double uorPerMaster() {
-    return mdlCnv_masterToUOR(nullptr, 1, nullptr);
-}
-
-// In UOR.
-Point3d takePoint(std::string_view& text) {
-    const std::string_view word = takeWord(text);
-    std::vector<double> parts;
-    for (std::string_view rest = word; !rest.empty() || parts.empty();) {
-        const size_t comma = std::min(rest.find(','), rest.size());
-        const auto number = numberOf(rest.substr(0, comma));
-        if (!number || parts.size() == 3) break;
-        parts.push_back(*number);
-        rest.remove_prefix(std::min(comma + 1, rest.size()));
-    }
-    const auto commas = static_cast<size_t>(std::ranges::count(word, ','));
-    if (parts.size() < 2 || parts.size() != commas + 1)
-        refuse(quoted(word) + " isn't a point. Give x,y or x,y,z in master units, such as 120,80.");
-    parts.resize(3);
-    return Point3d{parts[0], parts[1], parts[2]} * uorPerMaster();
-}
-
-bool onOrOff(std::string_view word) {
-    if (!sameName(word, "on") && !sameName(word, "off"))
-        refuse(quoted(word) + " isn't \"on\" or \"off\". Give one of them at the end.");
-    return sameName(word, "on");
-}
 
 // Of what a view can't show: sides below 0.001 and above 1e15 UOR, and what isn't finite.
 void require(bool done) {
@@ -158,37 +103,18 @@ void update(int32_t view, std::string_view rest) {
     tellViewChanged(view);
 }
 
-std::string known(auto& all, auto name) {
-    std::string list;
-    for (const auto& one : all) list += (list.empty() ? "" : ", ") + std::string(name(one));
-    return list;
-}
-
 void showControl(int32_t view, std::string_view rest) {
     const bool on = onOrOff(takeLastWord(rest));
     const auto found =
         std::ranges::find_if(controls, [&](const Control& control) { return sameName(control.name, rest); });
     if (found == controls.end()) {
         refuse("A view has no switch " + quoted(rest) +
-               ". Give one of: " + known(controls, [](const Control& control) { return control.name; }) + ".");
+               ". Give one of: " + listed(controls, [](const Control& control) { return control.name; }) + ".");
     }
     mdlView_setDisplayControl(view, found->number, on);
 }
 
 // ---- levels ----
-
-std::wstring wide(std::string_view narrow) {
-    std::wstring text;
-    for (const char c : narrow) text.push_back(static_cast<wchar_t>(unicodeOf(static_cast<unsigned char>(c))));
-    return text;
-}
-
-std::string narrow(std::wstring_view wide) {
-    std::string text;
-    for (const wchar_t c : wide)
-        text.push_back(static_cast<char>(narrowCodeOf(static_cast<char32_t>(c)).value_or('?')));
-    return text;
-}
 
 // Of the active model and of all that the view shows with it.
 std::vector<std::wstring> levelsOf(int32_t view) {
@@ -207,12 +133,12 @@ std::vector<std::wstring> levelsOf(int32_t view) {
 
 void setLevel(int32_t view, std::string_view rest) {
     const bool on = onOrOff(takeLastWord(rest));
-    const std::wstring name = wide(rest);
+    const std::wstring name = wideName(rest);
     const std::vector<std::wstring> names = levelsOf(view);
     if (std::ranges::find(names, name) == names.end() && !viewAt(view).levelsOff.contains(name)) {
         constexpr size_t mostNamed = 20;
         const std::span<const std::wstring> some(names.data(), std::min(names.size(), mostNamed));
-        refuse("The drawing has no level " + quoted(rest) + ". Give one of: " + known(some, narrow) +
+        refuse("The drawing has no level " + quoted(rest) + ". Give one of: " + listed(some, narrowName) +
                (names.size() > mostNamed ? ", ..." : "") + ". Capitals count.");
     }
     setLevelOn(view, name, on);
@@ -226,15 +152,6 @@ void setAllLevels(int32_t view, std::string_view rest) {
 }
 
 // ---- how a view is ----
-
-std::string inMaster(double uor) {
-    const double rounded = std::round(uor * 1000) / 1000 + 0.0;  // without the errors of turning, and no -0
-    return formatNumber("%.10g", rounded / uorPerMaster()).value_or("?");
-}
-
-std::string pointText(const Point3d& p) {
-    return inMaster(p.x) + "," + inMaster(p.y) + (p.z == 0 ? "" : "," + inMaster(p.z));
-}
 
 std::string directionOf(const RotMatrix& rotation) {
     for (size_t i = 0; i < standardNames.size(); ++i) {
@@ -259,7 +176,7 @@ void tell(int32_t view) {
     }
     std::string levels;
     for (const std::wstring& name : shown.levelsOff)
-        levels += (levels.empty() ? "; levels off: " : ", ") + narrow(name);
+        levels += (levels.empty() ? "; levels off: " : ", ") + narrowName(name);
     const std::string text = "view " + std::to_string(view + 1) + (shown.isOpen ? ": open, " : ": closed, ") +
                              directionOf(shown.rotation) + ", from " + pointText(shown.origin) + ", " +
                              inMaster(shown.extent.x) + " by " + inMaster(shown.extent.y) + off + levels;
@@ -295,8 +212,8 @@ void carryOutOn(int32_t view, std::string_view word, std::string_view rest) {
     if (verb != verbs.end()) return verb->carryOut(view, rest);
     if (standard == standardNames.end()) {
         refuse("A view can't do " + quoted(word) +
-               ". Give one of: " + known(verbs, [](const Verb& v) { return v.word; }) + ", " +
-               known(standardNames, [](std::string_view name) { return name; }) + ".");
+               ". Give one of: " + listed(verbs, [](const Verb& v) { return v.word; }) + ", " +
+               listed(standardNames, [](std::string_view name) { return name; }) + ".");
     }
     takeNothingMore(rest);
     RotMatrix rotation;

@@ -23,7 +23,8 @@ LinePieces ShownPart::piecesOf(std::span<const Point3d> line) const {
     LinePieces pieces = {{line.begin(), line.end()}};
     for (const Prism& prism : prisms_) {
         LinePieces left;
-        for (const std::vector<Point3d>& piece : pieces) std::ranges::move(piecesInside(prism, piece), std::back_inserter(left));
+        for (const std::vector<Point3d>& piece : pieces)
+            std::ranges::move(piecesInside(prism, piece), std::back_inserter(left));
         pieces = std::move(left);
     }
     return pieces;
