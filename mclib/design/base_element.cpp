@@ -6,7 +6,9 @@
 #include <cstring>
 #include <span>
 
+#include "mchost/mdl/compound.h"
 #include "mchost/mdl/element.h"
+#include "mchost/mdl/model.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/vector.h"
@@ -61,6 +63,10 @@ BaseElements::BaseElements(const SearchElementSpec& spec, const PositionSet& don
       arcs_(done) {}
 
 std::optional<BaseElement> BaseElements::baseOf(const MSElementBuffer& element, FilePos position) {
+    return mdlElement_getType(&element) == MDL_COMPOUND ? baseInCompound(element) : plainBaseOf(element, position);
+}
+
+std::optional<BaseElement> BaseElements::plainBaseOf(const MSElementBuffer& element, FilePos position) {
     if (!filter_.accepts(element)) return {};
     switch (static_cast<ElementGroup>(spec_.group)) {
         case ElementGroup::lines: return lineOf(element);
@@ -80,14 +86,18 @@ std::optional<BaseElement> BaseElements::lineOf(const MSElementBuffer& element) 
 
 std::optional<BaseElement> BaseElements::circleOf(const MSElementBuffer& element, FilePos position) {
     const std::optional<Arc> arc = arcOf(element);
-    if (!arc || !made_) return {};
+    if (!arc) return {};
     const bool isArc = mdlElement_getType(&element) == MDL_ARC;
     if (isArc && !arcs_.isCircle(*arc, position)) return {};
-    if (!sizesA_.accept(arc->primary) || !sizesB_.accept(arc->secondary)) return {};
-    if (mdlEllipse_create(made_.get(), &element, &arc->center, arc->primary, arc->secondary,
-                          isArc ? nullptr : &arc->rotation, mdlElement_isFilled(&element)) != MDL_SUCCESS)
+    return hasSize(*arc) ? ellipseOf(*arc, isArc ? nullptr : &arc->rotation, element) : std::nullopt;
+}
+
+std::optional<BaseElement> BaseElements::ellipseOf(const Arc& arc, const RotMatrix* rotation,
+                                                   const MSElementBuffer& look) {
+    if (!made_ || mdlEllipse_create(made_.get(), &look, &arc.center, arc.primary, arc.secondary, rotation,
+                                    mdlElement_isFilled(&look)) != MDL_SUCCESS)
         return {};
-    return BaseElement{made_.get(), arc->center, arc->primary};
+    return BaseElement{made_.get(), arc.center, arc.primary};
 }
 
 std::optional<BaseElement> BaseElements::rectangleOf(const MSElementBuffer& element) const {
@@ -111,6 +121,49 @@ std::optional<BaseElement> BaseElements::textOf(const MSElementBuffer& element) 
     if (errorsOfText(text, pattern_, (spec_.flags & SEARCH_IGNORE_BLANKS) != 0, 0) != 0 || !sizesA_.accept(height))
         return {};
     return BaseElement{&element, origin, height};
+}
+
+// ---- compound elements ----
+
+// What qualifies is a part.
+std::optional<BaseElement> BaseElements::baseInCompound(const MSElementBuffer& element) {
+    mdl::Descr parts;
+    if (mdlElmdscr_fromCompoundElement(parts.out(), &element, mdlModelRef_getActive()) != MDL_SUCCESS) return {};
+    PartVisit visit = {*this, {}, 0, {}};
+    mdlElmdscr_operation(parts.get(), visitPart, &visit, MDL_DESCR_ELEMENTS);
+    return visit.found;
+}
+
+int BaseElements::visitPart(MSElementBuffer* part, void* visitP, int32_t, int32_t, ElementDescr*) {
+    auto& visit = *static_cast<PartVisit*>(visitP);
+    const bool isCircles = visit.bases.spec_.group == SEARCH_GROUP_CIRCLE;
+    visit.found = isCircles ? visit.bases.circlePart(*part, visit) : visit.bases.basePart(*part);
+    return visit.found ? 1 : 0;
+}
+
+std::optional<BaseElement> BaseElements::basePart(const MSElementBuffer& part) {
+    const int type = mdlElement_getType(&part);
+    const bool fits = spec_.group == SEARCH_GROUP_LINE        ? type == MDL_LINE || type == MDL_LINE_STRING
+                      : spec_.group == SEARCH_GROUP_RECTANGLE ? type == MDL_LINE_STRING || type == MDL_SHAPE
+                                                              : false;
+    std::optional<BaseElement> base = fits ? plainBaseOf(part, 0) : std::nullopt;
+    if (!base || !made_) return {};
+    mdlElement_memcpy(made_.get(), &part);
+    base->element = made_.get();
+    return base;
+}
+
+// The part with which arcs that belong together have gone round.
+std::optional<BaseElement> BaseElements::circlePart(const MSElementBuffer& part, PartVisit& visit) {
+    const std::optional<Arc> arc = arcOf(part);
+    if (!arc || !filter_.accepts(part)) return {};
+    if (!visit.first) visit.first = arc;
+    if (!arc->belongsTo(*visit.first)) return {};
+    visit.turn += std::fabs(arc->sweep);
+    if (visit.turn <= leastTurn || visit.turn >= mostTurn) return {};
+    Arc circle = *visit.first;
+    circle.secondary = circle.primary;
+    return hasSize(circle) ? ellipseOf(circle, nullptr, part) : std::nullopt;
 }
 
 }  // namespace mc::design

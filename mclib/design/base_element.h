@@ -25,8 +25,23 @@ class BaseElements {
     std::optional<BaseElement> baseOf(const MSElementBuffer& element, FilePos position);
 
   private:
+    // What a visit of the parts of a compound element has come to.
+    struct PartVisit {
+        BaseElements& bases;
+        std::optional<Arc> first;  // of the arcs
+        double turn = 0;           // of those that belong to it
+        std::optional<BaseElement> found;
+    };
+
+    std::optional<BaseElement> plainBaseOf(const MSElementBuffer& element, FilePos position);
+    std::optional<BaseElement> baseInCompound(const MSElementBuffer& element);
+    static int visitPart(MSElementBuffer* part, void* visit, int32_t order, int32_t offset, ElementDescr*);
+    std::optional<BaseElement> basePart(const MSElementBuffer& part);
+    std::optional<BaseElement> circlePart(const MSElementBuffer& part, PartVisit& visit);
+    bool hasSize(const Arc& arc) const { return sizesA_.accept(arc.primary) && sizesB_.accept(arc.secondary); }
     std::optional<BaseElement> lineOf(const MSElementBuffer& element) const;
     std::optional<BaseElement> circleOf(const MSElementBuffer& element, FilePos position);
+    std::optional<BaseElement> ellipseOf(const Arc& arc, const RotMatrix* rotation, const MSElementBuffer& look);
     std::optional<BaseElement> rectangleOf(const MSElementBuffer& element) const;
     std::optional<BaseElement> textOf(const MSElementBuffer& element) const;
 

@@ -12,8 +12,9 @@
  *
  * A circle may be drawn as one ellipse or as arcs that go round once, one behind the other: at most 64 of the arcs that
  * meet the box around it are looked at. Arcs that were looked at for one circle aren't tried for another one, whether
- * they belong to the first or not. The sides of a rectangle lie along the axes, to within 1% of its size. Dimensions
- * and other compound elements count by the parts that show them. */
+ * they belong to the first or not. The sides of a rectangle lie along the axes, to within 1% of its size. A compound
+ * element counts by the first of its parts that fits; arcs in it are a circle together, wherever they stand in it. Tags
+ * in a box count by the texts that they show. */
 #ifndef MCLIB_ELEMENT_SEARCH_H
 #define MCLIB_ELEMENT_SEARCH_H
 

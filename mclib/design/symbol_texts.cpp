@@ -10,6 +10,7 @@
 #include "mchost/mdl/modify.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/text.h"
+#include "mclib/design/merge.h"
 
 namespace mc::design {
 
@@ -50,7 +51,8 @@ bool SymbolTexts::begin() {
     const int32_t count = spec_.textSpecCount;
     if (!texts_) texts_ = makeElementBuffers(static_cast<size_t>(count));
     if (texts_ && !errors_) errors_ = makeArray<int32_t>(count);
-    if (errors_ && !places_) places_ = makeArray<Place>(count);
+    if (errors_ && !tagText_) tagText_ = makeElementBuffers();
+    if (tagText_ && !places_) places_ = makeArray<Place>(count);
     if (!places_ || !scan_) return false;
     std::fill_n(places_.get(), count, Place{});
     foundCount_ = 0;
@@ -85,7 +87,12 @@ bool SymbolTexts::lookIn(const Point3d& low, const Point3d& high) {
 
 int SymbolTexts::lookAtComponent(MSElementBuffer* element, void* candidateP, int32_t, int32_t, ElementDescr*) {
     auto& candidate = *static_cast<Candidate*>(candidateP);
-    if (mdlElement_getType(element) == MDL_TEXT) candidate.texts.check(*element, candidate);
+    SymbolTexts& texts = candidate.texts;
+    const int type = mdlElement_getType(element);
+    if (type == MDL_TEXT) texts.check(*element, candidate);
+    if (type == MDL_TAG &&
+        mclibMerge_textFromTag(texts.tagText_.get(), element, candidate.position, texts.model_) == MCLIB_SUCCESS)
+        texts.check(*texts.tagText_, candidate);
     ++candidate.component;
     return 0;
 }

@@ -54,6 +54,7 @@ class SymbolTexts {
     ModelRef* const model_;
     const mdl::Scan scan_;
     ElementBuffer texts_;
+    ElementBuffer tagText_;
     mdl::HostPtr<int32_t> errors_;
     mdl::HostPtr<Place> places_;
     int32_t foundCount_ = 0;

@@ -187,6 +187,53 @@ TEST_F(BaseElements, AnArcThatWasLookedAtIsNotTriedByItself) {
     EXPECT_EQ(count(search), 1u);
 }
 
+TEST_F(BaseElements, CompoundElementsCountByTheirParts) {
+    using Parts = std::vector<Part>;
+    const Part line = [](MSElementBuffer* e) {
+        const Point3d ends[] = {{0, 0, 0}, {10, 0, 0}};
+        return mdlLine_create(e, nullptr, ends);
+    };
+    const auto box = [](bool isClosed) -> Part {
+        return [=](MSElementBuffer* e) {
+            const Point3d corners[] = {{0, 0, 0}, {10, 0, 0}, {10, 4, 0}, {0, 4, 0}, {0, isClosed ? 0 : 0.01, 0}};
+            return mdlLineString_create(e, nullptr, corners, 5);
+        };
+    };
+    const auto arc = [](double radius, double sweep) -> Part {
+        return [=](MSElementBuffer* e) {
+            const Point3d center = {0, 0, 0};
+            return mdlArc_create(e, nullptr, &center, radius, radius, nullptr, 0, sweep);
+        };
+    };
+    const Part text = [](MSElementBuffer* e) {
+        return mdlText_create(e, nullptr, "T", nullptr, nullptr, nullptr, nullptr, 0);
+    };
+    const struct {
+        const char* what;
+        int32_t group;
+        Parts parts;
+        size_t found;
+    } cases[] = {
+        {"a line behind a box", SEARCH_GROUP_LINE, {box(true), line}, 1},
+        {"a box behind a line", SEARCH_GROUP_RECTANGLE, {line, box(true)}, 1},
+        {"an open box", SEARCH_GROUP_RECTANGLE, {box(false)}, 0},
+        {"arcs with others between them", SEARCH_GROUP_CIRCLE, {arc(5, pi), arc(7, 1), line, arc(5.04, -pi)}, 1},
+        {"arcs that don't go round", SEARCH_GROUP_CIRCLE, {arc(5, pi), arc(5, 3)}, 0},
+        {"a circle of another size", SEARCH_GROUP_CIRCLE, {arc(4, pi), arc(4, pi)}, 0},
+        {"a text", SEARCH_GROUP_TEXT, {text}, 0},
+    };
+    addText("note", {3, 3, 0});
+    for (const auto& c : cases) {
+        const FilePos position = addCompound(c.parts);
+        SymbolSearch search(c.group, {textsLike("note")});
+        std::strcpy(search.spec.pattern, "T");
+        if (c.group == SEARCH_GROUP_CIRCLE) search.spec.minSizeA = search.spec.maxSizeA = 5;
+        ASSERT_EQ(count(search), c.found) << c.what;
+        for (const Report& report : reports) EXPECT_EQ(report.position, position);
+        mdlElement_undoableDelete(nullptr, position, 0);
+    }
+}
+
 TEST_F(BaseElements, TextsCountByPatternAndHeight) {
     addText("note", {0, 0, 0});
     for (const char* text : {"PUMP 1", "pump 2", "Pump x"}) addText(text, {10, 0, 0}, {.height = 3});

@@ -10,6 +10,7 @@
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/scan.h"
 #include "mchost/mdl/system.h"
+#include "mchost/mdl/tag.h"
 #include "mchost/mdl/undo.h"
 #include "tests/mclib/design/symbol_drawing.h"
 
@@ -134,6 +135,29 @@ TEST_F(Symbols, TakesTheFirstTextThatIsNearEnoughForEach) {
     ASSERT_EQ(count(search), 1u);
     EXPECT_FALSE(reports[0].isNear);
     EXPECT_THAT(reports[0].texts, ElementsAre("ABCD", "ABBA"));
+}
+
+TEST_F(Symbols, TagsAreTexts) {
+    addEllipse({0, 0, 0}, 5, 5);
+    const auto addTag = [](double x, int32_t display) {
+        return add([&](MSElementBuffer* e) {
+            const MdlTagValue value = {
+                .type = MDL_TAG_DOUBLE, .shortValue = 0, .longValue = 0, .doubleValue = 2.5, .string = ""};
+            const Point3d origin = {x, 0, 0};
+            const TextSize size = {1, 1, 1, 1};
+            return mdlTag_create(e, nullptr, &value, &origin, nullptr, &size, nullptr, display);
+        });
+    };
+    addTag(0, 0);
+    SymbolSearch search(SEARCH_GROUP_CIRCLE, {textsLike("2.500")});
+    search.low = {{-1, -1, 0}};
+    search.high = {{1, 1, 0}};
+    EXPECT_EQ(count(search), 0u) << "hidden";
+    addTag(0.5, 1);
+    EXPECT_EQ(count(search), 1u);
+    EXPECT_THAT(reports[0].texts, ElementsAre("2.500"));
+    EXPECT_EQ(count(search, deleteTexts), 1u);
+    EXPECT_EQ(elements(), 2u) << "the tag goes";
 }
 
 TEST_F(Symbols, TextsHaveTheLookThatIsAskedFor) {

@@ -1,10 +1,12 @@
 // Drawings of symbols, and what is recognised in them.
 #pragma once
 
+#include <functional>
 #include <numbers>
 #include <string>
 #include <vector>
 
+#include "mchost/mdl/compound.h"
 #include "mchost/mdl/transform.h"
 #include "mclib/design/element_search.h"
 #include "tests/mclib/design/design_fixture.h"
@@ -79,6 +81,18 @@ class SymbolTest : public DesignTest {
     static FilePos addArc(Point3d center, double radius, double start, double sweep) {
         return add([&](MSElementBuffer* e) {
             return mdlArc_create(e, nullptr, &center, radius, radius, nullptr, start, sweep);
+        });
+    }
+    using Part = std::function<int(MSElementBuffer*)>;
+    static FilePos addCompound(const std::vector<Part>& parts) {
+        return add([&](MSElementBuffer* e) {
+            mdl::Descr all;
+            for (const Part& part : parts) {
+                EXPECT_EQ(part(e), MDL_SUCCESS);
+                EXPECT_EQ(all ? mdlElmdscr_appendElement(all.get(), e) : mdlElmdscr_new(all.out(), nullptr, e),
+                          MDL_SUCCESS);
+            }
+            return mdlCompound_create(e, nullptr, all.get());
         });
     }
     static std::string textOf(const MSElementBuffer& element) {
