@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "mchost/mdl/model.h"
 #include "tests/mclib/design/symbol_drawing.h"
 
 namespace {
@@ -173,6 +174,31 @@ TEST_F(BaseElements, CompletesCirclesFromArcs) {
     }
 }
 
+TEST_F(BaseElements, AnEllipseKeepsItsRotation) {
+    addText("T");
+    RotMatrix turned;
+    mdlRMatrix_fromAngle(&turned, 0.5);
+    add([&](MSElementBuffer* e) {
+        const Point3d center = {0, 0, 0};
+        return mdlEllipse_create(e, nullptr, &center, 5, 3, &turned, 0);
+    });
+    SymbolSearch search(SEARCH_GROUP_CIRCLE);
+    ASSERT_EQ(count(search), 1u);
+    EXPECT_NEAR(reports[0].rotation.form[1][0], std::sin(0.5), 1e-9);
+}
+
+TEST_F(BaseElements, ArcsFarAboveEachOtherAreNoCircle) {
+    ASSERT_EQ(mdlSystem_createDesignFile(path("solid.mcd").c_str(), 1), MDL_SUCCESS);
+    ASSERT_EQ(mdlSystem_newDesignFile(path("solid.mcd").c_str(), 0), MDL_SUCCESS);
+    addText("T");
+    addArc({0, 0, 100}, 5, 0, pi);
+    addArc({0, 0, 0}, 5, pi, pi);
+    SymbolSearch search(SEARCH_GROUP_CIRCLE);
+    EXPECT_EQ(count(search), 0u);
+    addArc({0, 0, 100}, 5, pi, pi);
+    EXPECT_EQ(count(search), 1u) << "the boxes of texts reach all the way up";
+}
+
 TEST_F(BaseElements, AnArcThatWasLookedAtIsNotTriedByItself) {
     addText("T");
     addArc({0, 0, 0}, 5, 0, pi / 2);
@@ -205,6 +231,10 @@ TEST_F(BaseElements, CompoundElementsCountByTheirParts) {
             return mdlArc_create(e, nullptr, &center, radius, radius, nullptr, 0, sweep);
         };
     };
+    const Part ellipse = [](MSElementBuffer* e) {
+        const Point3d center = {0, 0, 0};
+        return mdlEllipse_create(e, nullptr, &center, 5, 3, nullptr, 0);
+    };
     const Part text = [](MSElementBuffer* e) {
         return mdlText_create(e, nullptr, "T", nullptr, nullptr, nullptr, nullptr, 0);
     };
@@ -220,6 +250,7 @@ TEST_F(BaseElements, CompoundElementsCountByTheirParts) {
         {"arcs with others between them", SEARCH_GROUP_CIRCLE, {arc(5, pi), arc(7, 1), line, arc(5.04, -pi)}, 1},
         {"arcs that don't go round", SEARCH_GROUP_CIRCLE, {arc(5, pi), arc(5, 3)}, 0},
         {"a circle of another size", SEARCH_GROUP_CIRCLE, {arc(4, pi), arc(4, pi)}, 0},
+        {"an ellipse, as a circle", SEARCH_GROUP_CIRCLE, {ellipse}, 1},
         {"a text", SEARCH_GROUP_TEXT, {text}, 0},
     };
     addText("note", {3, 3, 0});
@@ -229,7 +260,10 @@ TEST_F(BaseElements, CompoundElementsCountByTheirParts) {
         std::strcpy(search.spec.pattern, "T");
         if (c.group == SEARCH_GROUP_CIRCLE) search.spec.minSizeA = search.spec.maxSizeA = 5;
         ASSERT_EQ(count(search), c.found) << c.what;
-        for (const Report& report : reports) EXPECT_EQ(report.position, position);
+        for (const Report& report : reports) {
+            EXPECT_EQ(report.position, position);
+            EXPECT_EQ(report.axis2, report.axis1);
+        }
         mdlElement_undoableDelete(nullptr, position, 0);
     }
 }

@@ -211,6 +211,9 @@ TEST_F(Symbols, ReportsADoneElementOnce) {
     EXPECT_EQ(count(search), 0u) << "by another description";
     EXPECT_EQ(mclibSearch_InitElement(), 0);
     search.texts = {textsLike("TX", 1)};
+    status = 1;
+    EXPECT_EQ(count(search), 2u);
+    status = 0;
     EXPECT_EQ(count(search), 2u);
     EXPECT_TRUE(reports[0].isNear);
     EXPECT_EQ(count(search), 0u) << "near reports count";
@@ -257,6 +260,7 @@ TEST_F(Symbols, TakesTextsOutOfCellsAndKeepsTheRest) {
     asCommand([&] { EXPECT_EQ(count(search, deleteTexts), 1u); });
     EXPECT_THAT(texts(), ElementsAre("keep"));
     EXPECT_EQ(elements(), 2u) << "a cell of which nothing is left goes";
+    EXPECT_EQ(front().consoleText, "");
     EXPECT_EQ(count(search), 0u);
     EXPECT_EQ(mdlUndo_undo(), MDL_SUCCESS);
     EXPECT_EQ(elements(), 3u);

@@ -48,6 +48,7 @@ struct Report {
     std::vector<int32_t> errors;
     Point3d center;  // of an ellipse, in master units
     double axis1, axis2;
+    RotMatrix rotation;
 };
 
 class SymbolTest : public DesignTest {
@@ -107,13 +108,13 @@ class SymbolTest : public DesignTest {
     static void report(SymbolTest& test, bool isNear, int* status, const ElementDescr* base,
                        const MSElementBuffer* texts, const int32_t* errors, const SearchElementSpec* spec) {
         EXPECT_EQ(*status, 0);
-        Report told = {isNear, base->filePos, mdlElement_getType(base->element), {}, {}, {}, 0, 0};
+        Report told = {isNear, base->filePos, mdlElement_getType(base->element), {}, {}, {}, 0, 0, {}};
         for (int32_t i = 0; i < spec->textSpecCount; ++i) {
             told.texts.push_back(textOf(texts[i]));
             told.errors.push_back(errors[i]);
         }
         if (told.type == MDL_ELLIPSE)
-            mdlArc_extract(&told.center, &told.axis1, &told.axis2, nullptr, nullptr, nullptr, base->element);
+            mdlArc_extract(&told.center, &told.axis1, &told.axis2, &told.rotation, nullptr, nullptr, base->element);
         test.reports.push_back(told);
         *status = test.status;
     }
