@@ -1,6 +1,5 @@
 // find: texts in many drawings, by pattern, and other words in their place.
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -13,6 +12,7 @@
 #include <mclib/mclib.h>
 #include <mclib/app/arguments.hpp>
 #include <mclib/app/drawings.hpp>
+#include <mclib/app/numbers.hpp>
 #include <mclib/app/outputs.hpp>
 #include <mclib/app/system_path.hpp>
 #include <mclib/app/tell.hpp>
@@ -73,14 +73,11 @@ std::string shownName(const std::string& name) {
 // False after a message.
 bool keepBackup(const std::string& name) {
     std::error_code error;
-    if (fs::exists(mcapp::systemPath(name + "-wal"), error))
-        return mcapp::fail(name + ": the drawing isn't closed yet, so no whole copy can be kept; nothing is changed");
     std::string backup = name + ".bak";
     for (int number = 2; fs::exists(mcapp::systemPath(backup), error); ++number)
         backup = name + ".bak" + std::to_string(number);
-    const int status = mdlFile_copy(backup.c_str(), name.c_str());
-    return status == 0 ||
-           mcapp::fail(backup + ": the copy can't be made (" + std::strerror(status) + "); the drawing isn't changed");
+    const std::string why = mcapp::copyDrawing(backup, name);
+    return why.empty() || mcapp::fail(name + ": " + why + "; nothing is changed");
 }
 
 // False after a message.
@@ -152,17 +149,13 @@ bool write(const std::string& text, const Options& options) {
     return outputs.finish();
 }
 
-std::string counted(size_t count, const char* what) {
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 std::string summary(const Run& run) {
     const char* const did = !run.options.replacement ? " in " : run.options.dryRun ? " to change in " : " changed in ";
     std::vector<std::string> files;
     for (const Row& row : run.rows)
         if (files.empty() || files.back() != row.file) files.push_back(row.file);
-    return counted(run.rows.size(), "text") + did + std::to_string(files.size()) + " of " +
-           counted(run.drawings, "drawing") + "\n";
+    return mcapp::counted(run.rows.size(), "text") + did + std::to_string(files.size()) + " of " +
+           mcapp::counted(run.drawings, "drawing") + "\n";
 }
 
 ExitStatus searchAll(const std::vector<std::string>& names, bool listed, const Options& options) {
@@ -190,9 +183,7 @@ ExitStatus work(const Options& options) {
     if (!namesDrawings) return mcapp::failCall("the drawings are missing", usage), failed;
     if (!isWhole(options)) return failed;
     mcapp::Drawings drawings;
-    bool listed = true;
-    for (const std::string& name : options.drawings) listed = drawings.add(name) && listed;
-    for (const std::string& list : options.lists) listed = drawings.addList(list) && listed;
+    const bool listed = drawings.addAll(options.drawings, options.lists);
     return searchAll(drawings.names(), listed, options);
 }
 

@@ -17,6 +17,11 @@ constexpr int asNeeded = -1;
 // With so many decimals; asNeeded stands for as many as the number needs, 12 digits at most.
 std::string shown(double value, int decimals);
 
+// "1 drawing", "2 drawings".
+inline std::string counted(size_t count, const char* what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 // The number that a text is as a whole.
 template <class Number>
 std::optional<Number> numberIn(std::string_view text) {

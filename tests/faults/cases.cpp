@@ -20,6 +20,9 @@ constexpr const char* roadLabels =
     "SCALE 5000\nATTRIBUTE 1 \"Text\" 0 0 0 \"Labels\" 2.5 2.5\nUSE TEXT 1\n"
     "LABEL \"Bridge\" \"L = 80.0 m\" 571871 6643058 571842 6643170\nLEADER 571946 6643085\n"
     "FRAME circle\nHEAD dot 2\nLABEL \"1\" 571240 6642315 571126 6642366\n";
+constexpr const char* symbols =
+    "SYMBOL \"north\"\nBASE text \"N\" *\nBOX -9 -9 50 50\nTEXT \"N\"\nITEM ; North arrow; ; <count>\n"
+    "SYMBOL \"scale\"\nBASE text \"1:*\" *\nBOX -9 -9 50 50\nTEXT \"1:5000\" near 9\nITEM ; Scale; ; <count>\n";
 constexpr const char* old = "an old file that is good\n";
 
 const std::string attributes = "apps/alignment/examples/attributes.txt";
@@ -79,6 +82,11 @@ const std::vector<Case>& cases() {
            "reset\nclose\n"}},
          {"mchost labels labels.txt --out plan"},
          "mchost --open plan.mcd --answers answers labels --commands --scale 5000"},
+        {"symbols",
+         {attributes},
+         {{"road.txt", road}, {"symbols.txt", symbols}, {"l.txt", old}},
+         {"mchost alignment road.txt --out g"},
+         "mchost symbols symbols.txt g.mcd --out l --mark marked --overwrite"},
         {"show", {attributes}, {{"road.txt", road}}, {"mchost alignment road.txt --out g"}, "mchost show g.mcd"},
         {"find",
          {},
