@@ -11,80 +11,78 @@ namespace {
 
 using testing::ElementsAre;
 
-class BaseElements : public SymbolTest {
-  protected:
-    // A box of 2 x 2 about the place where the origin of the one base element must be, and a text in it alone.
-    bool hasOriginAt(SymbolSearch& search, Point3d place) {
-        addText("T", {place.x + 70, place.y, 0}, {.height = 0.1});
-        search.low = {{69, -1, 0}};
-        search.high = {{71, 1, 0}};
-        return count(search) == 1;
-    }
-};
+class BaseElements : public SymbolTest {};
 
-TEST_F(BaseElements, LinesCountByTheirLength) {
-    addText("T");
-    addLine({0, 0, 0}, {3, 4, 0});
-    const struct {
-        double least, most;
-        size_t found;
-    } cases[] = {{-1, -1, 1}, {5, 5, 1}, {5.001, -1, 0}, {-1, 4.999, 0}, {-1, 6, 1}, {0, 0, 0}};
-    for (const auto& c : cases) {
-        SymbolSearch search(SEARCH_GROUP_LINE);
-        search.spec.minSizeA = c.least;
-        search.spec.maxSizeA = c.most;
-        EXPECT_EQ(count(search), c.found) << c.least << " to " << c.most;
-    }
-}
-
-TEST_F(BaseElements, BoxesAreToldFromTheOriginOfEach) {
+TEST_F(BaseElements, BoxesAreToldFromTheOriginAndGrowWithTheSize) {
     const struct {
         int32_t group;
         Point3d origin;
+        double size;
         std::function<void()> draw;
     } cases[] = {
         {SEARCH_GROUP_LINE,
          {1020, 5, 0},
+         20,
          [] {
              addLine({1010, 0, 0}, {1030, 10, 0});
          }},
         {SEARCH_GROUP_CIRCLE,
          {2010, 30, 0},
+         4,
          [] {
              addEllipse({2010, 30, 0}, 4, 2);
          }},
         {SEARCH_GROUP_RECTANGLE,
          {2990, -7, 0},
+         20,
          [] {
              addBox({3010, 5, 0}, -20, -12);
          }},
         {SEARCH_GROUP_TEXT,
          {4000, 0, 0},
+         3,
          [] {
-             addText("W", {4000, 0, 0});
+             addText("W", {4000, 0, 0}, {.height = 3});
          }},
     };
     for (const auto& c : cases) {
         c.draw();
+        addText("T", {c.origin.x + 10 * c.size, c.origin.y, 0}, {.height = 0.1});
         SymbolSearch search(c.group, {textsLike("T")});
-        EXPECT_TRUE(hasOriginAt(search, c.origin)) << "group " << c.group;
+        search.low = {{9.99, -0.01, 0}};
+        search.high = {{10.01, 0.01, 0}};
+        EXPECT_EQ(count(search), 0u);
+        search.spec.flags = SEARCH_SCALE_REGIONS;
+        EXPECT_EQ(count(search), 1u) << "group " << c.group;
     }
 }
 
-TEST_F(BaseElements, BoxesGrowWithTheSymbol) {
-    addLine({-2, 9, 0}, {2, 9, 0});  // 4 along x
-    addEllipse({100, 9, 0}, 4, 1);
-    addBox({200, 9, 0}, 4, 1);
-    addText("W", {300, 9, 0}, {.height = 4});
+TEST_F(BaseElements, SizesLieWithinTheirLimits) {
+    addText("W", {}, {.height = 10});
+    addLine({0, 0, 0}, {6, 8, 0});
+    addBox({0, 0, 0}, 10, 4);
+    addEllipse({0, 0, 0}, 10, 4);
     for (int32_t group = SEARCH_GROUP_LINE; group <= SEARCH_GROUP_TEXT; ++group) {
-        const FilePos text = addText("T", {(group - 1) * 100.0 + 39, 9, 0}, {.height = 0.5});
-        SymbolSearch search(group, {textsLike("T")});
-        search.low = {{9.5, -1, 0}};
-        search.high = {{10, 1, 0}};
-        EXPECT_EQ(count(search), 0u);
-        search.spec.flags = SEARCH_SCALE_REGIONS;
-        EXPECT_EQ(count(search), 1u) << "group " << group;
-        mdlElement_undoableDelete(nullptr, text, 0);
+        const bool hasSecond = group == SEARCH_GROUP_CIRCLE || group == SEARCH_GROUP_RECTANGLE;
+        const struct {
+            double leastA, mostA, leastB, mostB;
+            bool isFound;
+        } cases[] = {{10, 10, 4, 4, true},
+                     {-1, -1, -1, -1, true},
+                     {-1, 11, 3, -1, true},
+                     {10.001, -1, -1, -1, false},
+                     {-1, 9.999, -1, -1, false},
+                     {0, 0, 0, 0, false},
+                     {-1, -1, 4.001, -1, !hasSecond},
+                     {-1, -1, -1, 3.999, !hasSecond}};
+        for (const auto& c : cases) {
+            SymbolSearch search(group);
+            search.spec.minSizeA = c.leastA;
+            search.spec.maxSizeA = c.mostA;
+            search.spec.minSizeB = c.leastB;
+            search.spec.maxSizeB = c.mostB;
+            EXPECT_EQ(count(search), c.isFound ? 1u : 0u) << "group " << group << ", case " << &c - cases;
+        }
     }
 }
 
@@ -109,24 +107,6 @@ TEST_F(BaseElements, TakesRectanglesAlongTheAxes) {
         SymbolSearch search(SEARCH_GROUP_RECTANGLE);
         EXPECT_EQ(count(search), c.found) << c.what;
         mdlElement_undoableDelete(nullptr, shape, 0);
-    }
-}
-
-TEST_F(BaseElements, RectanglesAndEllipsesHaveTwoSizes) {
-    addText("T");
-    addBox({0, 0, 0}, 10, 4);
-    addEllipse({0, 0, 0}, 10, 4);
-    for (const int32_t group : {SEARCH_GROUP_RECTANGLE, SEARCH_GROUP_CIRCLE}) {
-        for (double SearchElementSpec::*limit : {&SearchElementSpec::minSizeA, &SearchElementSpec::maxSizeA,
-                                                 &SearchElementSpec::minSizeB, &SearchElementSpec::maxSizeB}) {
-            SymbolSearch search(group);
-            search.spec.minSizeA = search.spec.maxSizeA = 10;
-            search.spec.minSizeB = search.spec.maxSizeB = 4;
-            EXPECT_EQ(count(search), 1u);
-            search.spec.*limit +=
-                limit == &SearchElementSpec::minSizeA || limit == &SearchElementSpec::minSizeB ? 1 : -1;
-            EXPECT_EQ(count(search), 0u);
-        }
     }
 }
 
@@ -268,21 +248,23 @@ TEST_F(BaseElements, CompoundElementsCountByTheirParts) {
     }
 }
 
-TEST_F(BaseElements, TextsCountByPatternAndHeight) {
-    addText("note", {0, 0, 0});
-    for (const char* text : {"PUMP 1", "pump 2", "Pump x"}) addText(text, {10, 0, 0}, {.height = 3});
-    addText("PUMP 3", {10, 0, 0}, {.height = 4});
-    SymbolSearch search(SEARCH_GROUP_TEXT, {textsLike("note")});
-    std::strcpy(search.spec.pattern, "PUMP_#");
-    EXPECT_EQ(count(search), 3u);
-    search.spec.maxSizeA = 3;
-    EXPECT_EQ(count(search), 2u);
-    search.spec.flags = SEARCH_CASE_SENSITIVE;
-    EXPECT_EQ(count(search), 1u);
-    std::strcpy(search.spec.pattern, "PUMP#");
-    EXPECT_EQ(count(search), 0u);
-    search.spec.flags |= SEARCH_IGNORE_BLANKS;
-    EXPECT_EQ(count(search), 1u);
+TEST_F(BaseElements, TextsCountByTheirPattern) {
+    addText("note");
+    for (const char* text : {"PUMP 1", "pump 2", "Pump x"}) addText(text, {10, 0, 0});
+    const struct {
+        const char* pattern;
+        uint32_t flags;
+        size_t found;
+    } cases[] = {{"PUMP_#", 0, 2},
+                 {"PUMP_#", SEARCH_CASE_SENSITIVE, 1},
+                 {"PUMP#", SEARCH_CASE_SENSITIVE, 0},
+                 {"PUMP#", SEARCH_IGNORE_BLANKS, 2}};
+    for (const auto& c : cases) {
+        SymbolSearch search(SEARCH_GROUP_TEXT, {textsLike("note")});
+        std::strcpy(search.spec.pattern, c.pattern);
+        search.spec.flags = c.flags;
+        EXPECT_EQ(count(search), c.found) << c.pattern << ", " << c.flags;
+    }
 }
 
 TEST_F(BaseElements, TakesTheLookAndPlaceThatAreAskedFor) {

@@ -7,11 +7,13 @@
 #include <cmath>
 #include <random>
 
+#include "mchost/dialog/dialog.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/scan.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/tag.h"
 #include "mchost/mdl/undo.h"
+#include "mchost/session/memory.h"
 #include "tests/mclib/design/symbol_drawing.h"
 
 namespace {
@@ -63,13 +65,6 @@ class Symbols : public SymbolTest {
         return all;
     }
     static uint32_t elements() { return mdlModelRef_getElementCount(mdlModelRef_getActive()); }
-    // Commands end, so that what follows is a step of its own.
-    template <class Command>
-    void asCommand(Command command) {
-        mdlUndo_mark("command");
-        command();
-        mdlUndo_mark("next");
-    }
 };
 
 TEST_F(Symbols, FindsTextsWithACornerInTheBox) {
@@ -235,36 +230,22 @@ TEST_F(Symbols, TheListOfWhatIsDoneGoesOnGrowing) {
 
 TEST_F(Symbols, DeletesTheTextsOfAllBoxesInOneStep) {
     addEllipse({0, 0, 0}, 5, 5);
-    addText("A", {10, 0, 0});
-    addText("B", {-10, 0, 0});
-    addText("noise", {10, 0, 0});
-    const std::vector<std::string> before = texts();
-    SymbolSearch search(SEARCH_GROUP_CIRCLE, {textsLike("A"), textsLike("B")});
-    search.low = {{9, -1, 0}, {-11, -1, 0}};
-    search.high = {{13, 3, 0}, {-7, 3, 0}};
-    asCommand([&] { EXPECT_EQ(count(search, deleteTexts), 1u); });
-    EXPECT_THAT(reports[0].texts, ElementsAre("A", "B"));
-    EXPECT_THAT(texts(), ElementsAre("noise"));
-    EXPECT_EQ(mdlUndo_undo(), MDL_SUCCESS);
-    EXPECT_EQ(texts(), before);
-}
-
-TEST_F(Symbols, TakesTextsOutOfCellsAndKeepsTheRest) {
-    addEllipse({0, 0, 0}, 5, 5);
     addCell({{"A", {10, 0, 0}}, {"keep", {10, 0, 0}}, {"B", {-10, 0, 0}}}, true);
     addCell({{"C", {10, 0, 0}}}, false);
-    SymbolSearch search(SEARCH_GROUP_CIRCLE, {textsLike("A"), textsLike("B"), textsLike("C")});
+    addText("D", {-10, 0, 0});
+    const std::vector<std::string> before = texts();
+    SymbolSearch search(SEARCH_GROUP_CIRCLE, {textsLike("A"), textsLike("B"), textsLike("C"), textsLike("D")});
     search.low = {{9, -1, 0}, {-11, -1, 0}};
     search.high = {{13, 3, 0}, {-7, 3, 0}};
-    ASSERT_EQ(elements(), 3u);
-    asCommand([&] { EXPECT_EQ(count(search, deleteTexts), 1u); });
+    mdlUndo_mark("search");
+    EXPECT_EQ(count(search, deleteTexts), 1u);
+    EXPECT_THAT(reports[0].texts, ElementsAre("A", "B", "C", "D"));
     EXPECT_THAT(texts(), ElementsAre("keep"));
     EXPECT_EQ(elements(), 2u) << "a cell of which nothing is left goes";
     EXPECT_EQ(front().consoleText, "");
     EXPECT_EQ(count(search), 0u);
     EXPECT_EQ(mdlUndo_undo(), MDL_SUCCESS);
-    EXPECT_EQ(elements(), 3u);
-    EXPECT_EQ(count(search, nearToo), 1u);
+    EXPECT_EQ(texts(), before);
 }
 
 TEST_F(Symbols, DeletesNearTextsOnlyWhereNobodyWantsToHearOfThem) {
@@ -354,6 +335,31 @@ TEST_F(Symbols, TellsWhatItCannotSearch) {
     SymbolSearch search(SEARCH_GROUP_CIRCLE);
     EXPECT_THAT(recognised(search), IsEmpty());
     EXPECT_THAT(front().consoleText, HasSubstr("no design file"));
+}
+
+TEST_F(Symbols, AfterEachFailureOfMemoryTheSearchGoesOn) {
+    for (int half = 0; half < 2; ++half) addArc({0, 0, 0}, 5, half * pi, pi);
+    addCell({{"T", {0, 0, 0}}, {"keep", {0, 0, 0}}}, true);
+    int told = 0;
+    front().answer = [&](host::Dialog& dialog) {
+        host::failMemoryFrom(0);  // the user made room
+        ++told;
+        return dialog.press(static_cast<size_t>(dialog.indexOf(ITEM_PUSH_BUTTON, MDL_BUTTON_FIRST)));
+    };
+    const auto search = [&](int failingCall) {
+        SymbolSearch symbols(SEARCH_GROUP_CIRCLE, {textsLike("T")});
+        host::failMemoryFrom(failingCall);
+        mclibSearch_InitElement();
+        count(symbols);
+        host::failMemoryFrom(0);
+    };
+    const size_t before = host::memoryUse().blocks;
+    int call = 1;
+    for (; reports.empty() && call < 100; ++call) search(call);
+    EXPECT_EQ(reports.size(), 1u);
+    EXPECT_GT(told, 3);
+    mclibSearch_InitElement();
+    EXPECT_EQ(host::memoryUse().blocks, before);
 }
 
 // ---- a whole drawing ----
