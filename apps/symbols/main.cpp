@@ -84,8 +84,10 @@ bool makeList(const SymbolFile& file, const std::vector<std::string>& drawings, 
 }
 
 ExitStatus work(const Options& options) {
-    if (mdlModelRef_getActive())
-        return mcapp::fail("a drawing is open; symbols opens those that it is called for by itself"), failed;
+    if (mdlModelRef_getActive()) {
+        mcapp::fail("a drawing is open; symbols opens those that it is called for by itself");
+        return failed;
+    }
     const std::optional<SymbolFile> file = readSymbols(options.input);
     mcapp::Drawings drawings;
     return drawings.addAll(options.drawings, options.lists) && file && makeList(*file, drawings.names(), options)

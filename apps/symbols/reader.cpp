@@ -63,6 +63,11 @@ size_t openSet(std::string_view pattern) {
     return pattern.npos;
 }
 
+bool setFlag(uint32_t& flags, uint32_t flag) {
+    flags |= flag;
+    return true;
+}
+
 class Reader {
   public:
     bool read(const std::string& fileName);
@@ -163,8 +168,8 @@ bool Reader::modifier(const Modifiers& of) {
     if (in_.isKeyword("style")) return number(of.style, "the style");
     if (in_.isKeyword("colour")) return number(of.color, "the colour");
     if (in_.isKeyword("level")) return in_.text(of.level, "the level");
-    if (in_.isKeyword("case")) return of.flags |= SEARCH_CASE_SENSITIVE, true;
-    if (in_.isKeyword("without-blanks")) return of.flags |= SEARCH_IGNORE_BLANKS, true;
+    if (in_.isKeyword("case")) return setFlag(of.flags, SEARCH_CASE_SENSITIVE);
+    if (in_.isKeyword("without-blanks")) return setFlag(of.flags, SEARCH_IGNORE_BLANKS);
     if (of.text && in_.isKeyword("near")) return number(of.text->maxErrors, "the number of errors");
     if (of.text && in_.isKeyword("height")) return size(of.text->minHeight, of.text->maxHeight, "the height");
     return in_.failHere(std::string("this must be one of weight, style, colour, level, case, without-blanks") +

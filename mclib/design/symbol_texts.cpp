@@ -169,7 +169,8 @@ bool SymbolTexts::deleteElement(FilePos position) const {
         mdlModify_elementDescr2(rest.out(), model_, MDL_MODIFY_NO_HEADERS, removeComponent, &removal, 0);
         if (mdlElmdscr_operation(rest.get(), isThere, nullptr, MDL_DESCR_ELEMENTS) != 0) {
             mdlElmdscr_validate(rest.get(), model_);
-            if ((added = mdlElmdscr_add(rest.get())) == 0) return false;
+            added = mdlElmdscr_add(rest.get());
+            if (added == 0) return false;
         }
     }
     if (mdlElement_undoableDelete(nullptr, position, 0) == MDL_SUCCESS) return true;
