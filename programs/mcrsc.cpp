@@ -27,6 +27,7 @@ MCHOST_FIRST const host::ProgramStart programStart;
 using host::DialogLayout;
 using host::Icon;
 using host::ItemLayout;
+using host::MenuLayout;
 using host::ResourceContents;
 using host::RowLayout;
 using host::Texts;
@@ -84,6 +85,7 @@ class Compiler {
     void compileDialog(const toml::table& source);
     ItemLayout compileItem(const toml::table& source, const std::string& dialog, const std::string& scope);
     void compileIcon(const toml::table& source);
+    void compileMenu(const toml::table& source);
 
     void addName(const toml::node& where, const std::string& scope, const NamedNumber& number);
     std::string nameOf(const toml::table& table);
@@ -298,13 +300,30 @@ void Compiler::compileIcon(const toml::table& source) {
     if (!contents_.icons.emplace(icon.id, std::move(icon)).second) in_.fault(source, what + ": comes twice");
 }
 
+void Compiler::compileMenu(const toml::table& source) {
+    in_.requireKeys(source, {"id", "name", "title", "entry"});
+    MenuLayout menu;
+    menu.id = number(source, "id");
+    if (const std::string name = nameOf(source); !name.empty())
+        addName(source, "menus", {name, "int32_t", std::to_string(menu.id)});
+    const std::string what = "menu " + std::to_string(menu.id);
+    menu.title = texts(source, "title", what);
+    in_.eachTable(source, "entry", [&](const toml::table& entry) {
+        in_.requireKeys(entry, {"value", "hook", "label"});
+        menu.entries.push_back({number(entry, "value"), hook(entry), texts(entry, "label", what + ", entry")});
+    });
+    if (menu.entries.empty()) in_.fault(source, what + ": has no entries");
+    if (!contents_.menus.emplace(menu.id, std::move(menu)).second) in_.fault(source, what + ": comes twice");
+}
+
 void Compiler::compile(const Source& source) {
     in_.begin(source.path);
-    in_.requireKeys(source.table, {"language", "hooks", "list", "dialog", "icon"});
+    in_.requireKeys(source.table, {"language", "hooks", "list", "dialog", "icon", "menu"});
     language_ = source.table["language"].value_or(std::string());
     in_.eachTable(source.table, "list", [&](const toml::table& list) { compileList(list); });
     in_.eachTable(source.table, "dialog", [&](const toml::table& dialog) { compileDialog(dialog); });
     in_.eachTable(source.table, "icon", [&](const toml::table& icon) { compileIcon(icon); });
+    in_.eachTable(source.table, "menu", [&](const toml::table& menu) { compileMenu(menu); });
 }
 
 // A dialog may name a hook of any source.

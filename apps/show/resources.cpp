@@ -112,6 +112,12 @@ bool tellIcon(RscHandle, const Entry& entry, bool) {
     return true;
 }
 
+bool tellMenu(RscHandle, const Entry& entry, bool) {
+    line(2, left(std::to_string(entry.head.id), 12) + quoted(entry.name) + ", " + std::to_string(entry.head.size) +
+                (entry.head.size == 1 ? " entry" : " entries"));
+    return true;
+}
+
 struct KindRow {
     int32_t kind;
     const char* title;
@@ -123,6 +129,7 @@ constexpr KindRow kinds[] = {
     {MDL_RSC_MESSAGES, "message lists", tellMessages},
     {MDL_RSC_DIALOG, "dialogs", tellDialog},
     {MDL_RSC_ICON, "icons", tellIcon},
+    {MDL_RSC_MENU, "menus", tellMenu},
 };
 
 bool tellKind(RscHandle file, const KindRow& kind, const Entries& entries, bool full) {

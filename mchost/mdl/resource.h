@@ -46,15 +46,23 @@ MDL_EXPORT int mdlResource_closeFile(RscHandle handle) MDL_NOEXCEPT;
 
 /* ---- what a file holds ---- */
 
-enum { MDL_RSC_BLOCK = 1, MDL_RSC_STRING_LIST = 2, MDL_RSC_MESSAGES = 3, MDL_RSC_DIALOG = 4, MDL_RSC_ICON = 5 };
+enum {
+    MDL_RSC_BLOCK = 1,
+    MDL_RSC_STRING_LIST = 2,
+    MDL_RSC_MESSAGES = 3,
+    MDL_RSC_DIALOG = 4,
+    MDL_RSC_ICON = 5,
+    MDL_RSC_MENU = 6
+};
 typedef struct MdlResourceEntry {
     int32_t kind;       /* MDL_RSC_... */
     int32_t type;       /* of a block, else 0 */
     int32_t id;
-    int32_t size;       /* block: bytes; string list: members; messages: strings; dialog: items; icon: pixels a side */
+    int32_t size;       /* block: bytes; string list: members; messages: strings; dialog: items; icon: pixels a side;
+                         * menu: entries */
     int32_t attributes; /* of a block, else 0 */
-    const char *name;   /* block, string list: the name kept with it; messages: the languages ("en no"); dialog: its
-                         * title; icon: its sign. Windows-1252, the host's own, valid during the call */
+    const char *name;   /* block, string list: the name kept with it; messages: the languages ("en no"); dialog and
+                         * menu: its title; icon: its sign. Windows-1252, the host's own, valid during the call */
 } MdlResourceEntry;
 /* A result other than 0 ends the listing. */
 typedef int (*MdlResourceVisit)(void *userArg, const MdlResourceEntry *entry);

@@ -21,9 +21,13 @@ constexpr const char* schema =
     " PRIMARY KEY(dialog, place, number)) WITHOUT ROWID;"
     "CREATE TABLE label(dialog INTEGER, place INTEGER, number INTEGER, language TEXT, text BLOB NOT NULL,"
     " PRIMARY KEY(dialog, place, number, language)) WITHOUT ROWID;"
-    "CREATE TABLE icon(id INTEGER PRIMARY KEY, size INTEGER, pixels TEXT, sign TEXT);";
+    "CREATE TABLE icon(id INTEGER PRIMARY KEY, size INTEGER, pixels TEXT, sign TEXT);"
+    "CREATE TABLE entry(menu INTEGER, place INTEGER, value INTEGER, hook INTEGER, PRIMARY KEY(menu, place))"
+    " WITHOUT ROWID;"
+    "CREATE TABLE menu_label(menu INTEGER, place INTEGER, language TEXT, text BLOB NOT NULL,"
+    " PRIMARY KEY(menu, place, language)) WITHOUT ROWID;";
 
-constexpr int32_t ownText = -1;        // place of a dialog's title, number of an item's label
+constexpr int32_t ownText = -1;        // place of the title of a dialog or menu, number of an item's label
 constexpr int32_t greatestIcon = 256;  // pixels a side
 
 [[noreturn]] void refuse(const std::string& path, const std::string& why) {
@@ -127,6 +131,25 @@ void readIcons(Database& db, ResourceContents& contents) {
     }
 }
 
+// A menu has entries or a title.
+void readMenus(Database& db, ResourceContents& contents) {
+    auto& menus = contents.menus;
+    Statement entries(db, "SELECT menu, place, value, hook FROM entry ORDER BY menu, place");
+    while (entries.step()) {
+        auto& all = menus[numberAt(entries, 0)].entries;
+        requirePlace(all.size(), numberAt(entries, 1));
+        all.push_back({numberAt(entries, 2), numberAt(entries, 3), {}});
+    }
+    Statement labels(db, "SELECT menu, place, language, text FROM menu_label");
+    while (labels.step()) {
+        MenuLayout& menu = menus[numberAt(labels, 0)];
+        const int32_t place = numberAt(labels, 1);
+        Texts& texts = place == ownText ? menu.title : menu.entries.at(static_cast<size_t>(place)).label;
+        texts.set(textAt(labels, 2), textAt(labels, 3));
+    }
+    for (auto& [id, menu] : menus) menu.id = id;
+}
+
 void requireSound(Database& db) {
     Statement check(db, "PRAGMA quick_check(1)");
     if (!check.step() || check.text(0) != "ok") throw Damage("its pages don't fit together");
@@ -180,6 +203,22 @@ void writeIcons(Database& db, const ResourceContents& contents) {
     }
 }
 
+void writeMenus(Database& db, const ResourceContents& contents) {
+    Statement entries(db, "INSERT INTO entry VALUES(?,?,?,?)");
+    Statement labels(db, "INSERT INTO menu_label VALUES(?,?,?,?)");
+    const auto write = [&](int32_t menu, int32_t place, const Texts& texts) {
+        for (const auto& [language, text] : texts.all()) labels.execute(menu, place, language, bytesOf(text));
+    };
+    for (const auto& [id, menu] : contents.menus) {
+        write(id, ownText, menu.title);
+        int32_t place = 0;
+        for (const EntryLayout& entry : menu.entries) {
+            entries.execute(id, place, entry.value, entry.hook);
+            write(id, place++, entry.label);
+        }
+    }
+}
+
 }  // namespace
 
 void fillContainer(const std::string& path, const ResourceContents& contents) {
@@ -192,6 +231,7 @@ void fillContainer(const std::string& path, const ResourceContents& contents) {
     writeStrings(db, contents);
     writeDialogs(db, contents);
     writeIcons(db, contents);
+    writeMenus(db, contents);
     transaction.commit();
 }
 
@@ -245,6 +285,7 @@ ResourceContents readContainer(const std::string& path) {
         readStrings(db, contents);
         readDialogs(db, version, contents);
         readIcons(db, contents);
+        if (version >= 3) readMenus(db, contents);
         return contents;
     } catch (const SqliteFailure& failure) {
         if (failure.code == SQLITE_NOTADB) refuse(path, "this is no resource file; give the name of one (.rsc)");

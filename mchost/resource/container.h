@@ -6,6 +6,8 @@
 //   row(dialog, place, number, value)               rows of an option button
 //   label(dialog, place, number, language, text)    title: place -1; label of an item: number -1; else label of a row
 //   icon(id, size, pixels, sign)
+//   entry(menu, place, value, hook)                 entries of a menu
+//   menu_label(menu, place, language, text)         title: place -1; else label of an entry
 //
 // All of it is read at once; a resource file has some hundred rows.
 #pragma once
@@ -21,7 +23,7 @@
 namespace host {
 
 constexpr int32_t containerKind = 0x4d435246;  // "MCRF"
-constexpr int32_t containerVersion = 2;        // 1: items had no box
+constexpr int32_t containerVersion = 3;        // 1: items had no box; 2: there were no menus
 constexpr std::string_view fallbackLanguage = "en";
 constexpr size_t longestString = 511;  // what fits the 512 bytes that a string is loaded into
 
@@ -66,6 +68,19 @@ struct DialogLayout {
     std::vector<ItemLayout> items = {};
 };
 
+struct EntryLayout {
+    int32_t value = 0;
+    int32_t hook = 0;  // 0: none
+    Texts label = {};
+};
+
+// A menu that is pulled down or pops up.
+struct MenuLayout {
+    int32_t id = 0;
+    Texts title = {};
+    std::vector<EntryLayout> entries = {};
+};
+
 // A square of pixels, each drawn or not, rows from the top; the sign stands for it where only text can be shown.
 struct Icon {
     int32_t id = 0;
@@ -78,6 +93,7 @@ struct ResourceContents {
     std::map<std::pair<int32_t, int32_t>, Texts> strings;  // by list and number
     std::map<int32_t, DialogLayout> dialogs;
     std::map<int32_t, Icon> icons;
+    std::map<int32_t, MenuLayout> menus;
 };
 
 // A file that can't be read or written as a resource file; what() says why, and what to do.

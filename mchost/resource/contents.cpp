@@ -62,6 +62,8 @@ void listContents(const ResourceContents& contents, Listing& listing) {
         listing.show(MDL_RSC_DIALOG, 0, id, dialog.items.size(), 0, dialog.title.textIn(language));
     for (const auto& [id, icon] : contents.icons)
         listing.show(MDL_RSC_ICON, 0, id, static_cast<size_t>(icon.size), 0, icon.sign);
+    for (const auto& [id, menu] : contents.menus)
+        listing.show(MDL_RSC_MENU, 0, id, menu.entries.size(), 0, menu.title.textIn(language));
 }
 
 // The store of that open file; null with a line.

@@ -199,6 +199,10 @@ std::shared_ptr<const Icon> findIcon(RscHandle file, int32_t iconId) {
     return find(file, &ResourceContents::icons, iconId);
 }
 
+std::shared_ptr<const MenuLayout> findMenuLayout(RscHandle file, int32_t menuId) {
+    return find(file, &ResourceContents::menus, menuId);
+}
+
 std::shared_ptr<const ResourceContents> contentsOf(RscHandle handle) {
     return search(handle, [](const OpenFile& file) { return file.contents; });
 }

@@ -19,6 +19,7 @@ std::string currentLanguage();
 // What such a file holds under the id, kept alive with its file; null when there is none.
 std::shared_ptr<const DialogLayout> findDialogLayout(RscHandle file, int32_t dialogId);
 std::shared_ptr<const Icon> findIcon(RscHandle file, int32_t iconId);
+std::shared_ptr<const MenuLayout> findMenuLayout(RscHandle file, int32_t menuId);
 
 // What mcrsc made in an open file, kept alive with it; null for a handle that isn't open.
 std::shared_ptr<const ResourceContents> contentsOf(RscHandle file);

@@ -25,7 +25,8 @@ TEST_F(Mcrsc, CompilesListsOfTwoLanguagesAndADialog) {
     source("d.toml",
            "[[dialog]]\nid = 5\nwidth = 10\nheight = 20\ntitle = { en = \"Choose\", no = \"Velg\" }\n"
            "[[dialog.item]]\nkind = \"option button\"\nid = 1\nx = 1\ny = 2\nwidth = 30\naccess = \"p->kind\"\n"
-           "rows = [ { value = 4, label = \"Four\" } ]\n");
+           "rows = [ { value = 4, label = \"Four\" } ]\n"
+           "[hooks]\nadd = 9\n[[menu]]\nid = 6\nentry = [ { value = 1, hook = \"add\", label = \"Add\" } ]\n");
     const Outcome outcome = run("-o out.rsc en.toml no.toml d.toml");
     ASSERT_EQ(outcome.status, 0) << outcome.output;
     EXPECT_EQ(outcome.output, "");
@@ -37,6 +38,7 @@ TEST_F(Mcrsc, CompilesListsOfTwoLanguagesAndADialog) {
     EXPECT_EQ(dialog.items[0].kind, ITEM_OPTION_BUTTON);
     EXPECT_EQ(dialog.items[0].height, 20);
     EXPECT_EQ(dialog.items[0].rows.at(0).value, 4);
+    EXPECT_EQ(contents.menus.at(6).entries.at(0).hook, 9);
 }
 
 TEST_F(Mcrsc, EachFaultIsOneLineAndTheOldFileStays) {
@@ -69,6 +71,7 @@ TEST_F(Mcrsc, EachFaultIsOneLineAndTheOldFileStays) {
         {dialog + "[[dialog.item]]\nkind = \"text\"\nid = 1\nx = 1\ny = 1\nwidth = 1\nrows = [ { value = 1 } ]\n",
          "dialog 5, text 1: only option buttons have rows"},
         {"[[icon]]\nid = 1\nsign = \"i\"\nrows = [\"##\", \"#\"]\n", "must have as many columns as rows"},
+        {"[[menu]]\nid = 6\n", "menu 6: has no entries"},
         {"[[icon\n", "x.toml:1: "},
         {dialog + "hook = \"none\"\n", "x.toml:5: there is no hook \"none\" in [hooks] of any source"},
         {dialog + "name = \"two words\"\n", "the name \"two words\" must be letters and digits"},

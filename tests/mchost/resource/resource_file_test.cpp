@@ -6,6 +6,7 @@
 #include <cstring>
 #include <filesystem>
 
+#include "mchost/base/sqlite.h"
 #include "mchost/mdl/dialog.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
@@ -214,6 +215,9 @@ TEST_F(ResourceFile, LayoutsComeBackAsTheyWereWritten) {
     item.rows[1].label.set("no", "siste");
     dialog.items = {host::ItemLayout{ITEM_GENERIC, 1, 0, 0, 0, 0, 0, "", "", {}, {}}, item};
     contents.icons[3] = {3, 2, {true, false, false, true}, "!"};
+    contents.menus[4] = {4, {}, {{7, 20098, {}}, {-8, 0, {}}}};
+    contents.menus[4].title.set("no", "Verkt\xf8y");
+    contents.menus[4].entries[1].label.set("en", "Remove");
 
     const ResourceContents read = host::readContainer(make("layouts.rsc", contents));
     const host::DialogLayout& same = read.dialogs.at(20011);
@@ -226,6 +230,24 @@ TEST_F(ResourceFile, LayoutsComeBackAsTheyWereWritten) {
     EXPECT_EQ(same.items[1].rows[1].value, -6);
     EXPECT_EQ(same.items[1].rows[1].label.textIn("no"), "siste");
     EXPECT_EQ(read.icons.at(3).pixels, contents.icons[3].pixels);
+    const host::MenuLayout& menu = read.menus.at(4);
+    EXPECT_EQ(menu.id, 4);
+    EXPECT_EQ(menu.title.textIn("no"), "Verkt\xf8y");
+    ASSERT_EQ(menu.entries.size(), 2u);
+    EXPECT_EQ(menu.entries[0].value, 7);
+    EXPECT_EQ(menu.entries[0].hook, 20098);
+    EXPECT_EQ(menu.entries[1].label.textIn("en"), "Remove");
+}
+
+TEST_F(ResourceFile, AFileFromBeforeThereWereMenusIsRead) {
+    ResourceContents contents;
+    contents.icons[3] = {3, 1, {true}, "!"};
+    const std::string file = make("old.rsc", contents);
+    host::Database db;
+    db.open(file, SQLITE_OPEN_READWRITE);
+    db.run("DROP TABLE entry; DROP TABLE menu_label; PRAGMA user_version = 2");
+    db.close();
+    EXPECT_EQ(host::readContainer(file).icons.at(3).sign, "!");
 }
 
 }  // namespace
