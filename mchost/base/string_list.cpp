@@ -40,7 +40,7 @@ void insertEmpty(StringList& list, int32_t index, int32_t count) {
 StringList* mdlStringList_create(int32_t count, int32_t infoFields) noexcept {
     return host::guarded<StringList*>(nullptr, [&]() -> StringList* {
         if (count < 0 || count > greatestLimit || infoFields < 0) return nullptr;
-        auto list = std::make_unique<StringList>(StringList{infoFields, greatestLimit, {}, {}});
+        auto list = std::make_unique<StringList>(StringList{infoFields, std::max(count, usualLimit), {}, {}});
         insertEmpty(*list, 0, count);
         return list.release();
     });

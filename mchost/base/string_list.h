@@ -7,7 +7,7 @@
 
 #include "mchost/mdl/lists.h"
 
-constexpr int32_t greatestLimit = 65535;  // members
+constexpr int32_t usualLimit = 65535, greatestLimit = 1 << 24;  // members
 
 struct StringList {
     int32_t infoFields;

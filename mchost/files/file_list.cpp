@@ -1,4 +1,6 @@
 // The entries of a folder as a string list.
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <optional>
@@ -6,8 +8,9 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/base/paths.h"
+#include "mchost/base/variables.h"
 #include "mchost/files/file_list.h"
-#include "mchost/mdl/files.h"
+#include "mchost/mdl/find_files.h"
 #include "mchost/mdl/lists.h"
 
 namespace host {
@@ -25,12 +28,20 @@ bool hasWildcard(std::string_view text) {
 }
 
 struct Selection {
-    std::string pattern;
+    std::string patterns;  // divided by ";"
     bool folders;
 
     bool takes(const fs::directory_entry& entry) const {
         std::error_code error;
-        return entry.is_directory(error) == folders && matchesPattern(pattern, entry.path().filename().string());
+        return entry.is_directory(error) == folders && fits(entry.path().filename().string());
+    }
+    bool fits(const std::string& name) const {
+        for (std::string_view rest = patterns; !rest.empty();) {
+            const size_t end = std::min(rest.find(';'), rest.size());
+            if (matchesPattern(rest.substr(0, end), name)) return true;
+            rest.remove_prefix(std::min(end + 1, rest.size()));
+        }
+        return false;
     }
 };
 
@@ -56,6 +67,16 @@ std::optional<std::vector<std::string>> entriesMatching(std::string path, bool f
     const fs::file_status status = fs::status(whole, error);
     if (!fs::exists(status) || fs::is_directory(status) != folders) return std::vector<std::string>();
     return std::vector<std::string>{last.empty() ? path : last};
+}
+
+std::vector<std::string> mappedDrives() {
+    std::vector<std::string> drives;
+    for (char letter = 'a'; letter <= 'z'; ++letter) {
+        const char capital = static_cast<char>(letter - 'a' + 'A');
+        if (letter == 'c' || !variables().expandedValue(std::string("MC_DRIVE_") + capital).value_or("").empty())
+            drives.push_back(std::string("[-") + letter + ":-]");
+    }
+    return drives;
 }
 
 StringList* listOf(const std::vector<std::string>& names) {
@@ -102,11 +123,24 @@ int mdlFileList_get(StringList** listP, const char* pattern, int attributes) noe
     return host::guarded<int>(MDL_ERROR, [&]() -> int {
         if (!listP) return MDL_ERROR;
         *listP = nullptr;
-        if (!pattern || pattern[0] == '\0') return MDL_ERROR;
-        const auto names =
-            host::entriesMatching(host::systemPath(pattern), (attributes & MDL_ATTRIBUTE_DIRECTORY) != 0);
+        const bool drives = (attributes & MDL_ATTRIBUTE_DRIVE) != 0, folders = attributes & MDL_ATTRIBUTE_DIRECTORY;
+        if (!drives && (!pattern || pattern[0] == '\0')) return MDL_ERROR;
+        const auto names = drives ? host::mappedDrives() : host::entriesMatching(host::systemPath(pattern), folders);
         if (!names) return MDL_ERROR;
         *listP = host::listOf(*names);
         return *listP ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
+int mdlFile_findFiles(StringList** listP, const char* pattern, int attribute) noexcept {
+    return mdlFileList_get(listP, pattern, attribute == MDL_FIND_FOLDERS ? MDL_ATTRIBUTE_DIRECTORY : 0);
+}
+
+int mdlFile_getIdentity(MdlFileIdentity* identity, const char* name) noexcept {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        struct stat found {};
+        if (!identity || !name || stat(host::systemPath(name).c_str(), &found) != 0) return MDL_ERROR;
+        *identity = {found.st_dev, found.st_ino};
+        return MDL_SUCCESS;
     });
 }

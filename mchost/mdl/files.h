@@ -66,7 +66,8 @@ MDL_EXPORT int mdlFile_getSystemName(char *shown, int size, const char *name) MD
 enum { MDL_ATTRIBUTE_READ_ONLY = 1, MDL_ATTRIBUTE_DIRECTORY = 128 };
 /* What is known of a file or folder, as bits. 0, or MDL_ERROR when there is nothing of that name. */
 MDL_EXPORT int mdlFile_getFileAttributes(int32_t *attributesP, const char *name) MDL_NOEXCEPT;
-/* The entries that match `pattern` (a path whose last part may have * and ?) as a new string list, in order of name.
+/* The entries that match `pattern` (a path whose last part may have * and ?, and be several patterns divided by `;`) as
+ * a new string list, in order of name.
  * With MDL_ATTRIBUTE_DIRECTORY only folders, else only files. 0, or MDL_ERROR with no list when the folder can't be
  * read. An entry that is named without a wildcard gives a list of one, or an empty one. */
 MDL_EXPORT int mdlFileList_get(StringList **listP, const char *pattern, int attributes) MDL_NOEXCEPT;

@@ -6,12 +6,14 @@
 
 /* ---- string lists: members counted from 0, each with a text and a fixed number of 32-bit info fields ---- */
 
-/* A list of `count` empty members with `infoFields` info fields each (zero). Null when out of memory. */
+/* A list of `count` empty members with `infoFields` info fields each (zero). Null when out of memory, and for more than
+ * 16,777,216. */
 MDL_EXPORT StringList *mdlStringList_create(int32_t count, int32_t infoFields) MDL_NOEXCEPT;
 MDL_EXPORT void mdlStringList_destroy(StringList *list) MDL_NOEXCEPT;
 MDL_EXPORT int32_t mdlStringList_size(const StringList *list) MDL_NOEXCEPT; /* 0 for null */
 /* Inserts `count` empty members before `index` (-1: at the end). The index of the first one goes to indexP: -1 when the
- * list is full (65,535 members, or the limit that was set) or memory runs out, and MDL_ERROR is then the result. */
+ * list is full (65,535 members, those that it was made with, or the limit that was set) or memory runs out, and
+ * MDL_ERROR is then the result. */
 MDL_EXPORT int mdlStringList_insertMember(int32_t *indexP, StringList *list, int32_t index, int32_t count) MDL_NOEXCEPT;
 MDL_EXPORT int mdlStringList_deleteMember(StringList *list, int32_t index, int32_t count) MDL_NOEXCEPT;
 /* Sets text (null: leave) and info fields (null: leave) of a member. */
@@ -24,7 +26,7 @@ MDL_EXPORT int mdlStringList_getMember(const char **textP, int32_t *info, const 
 MDL_EXPORT int mdlStringList_setInfoField(StringList *list, int32_t index, int32_t field, int32_t value) MDL_NOEXCEPT;
 MDL_EXPORT int mdlStringList_getInfoField(int32_t *valueP, const StringList *list, int32_t index,
                                           int32_t field) MDL_NOEXCEPT;
-/* The most members that the list may hold. */
+/* The most members that the list may hold: 16,777,216 at most. */
 MDL_EXPORT void mdlStringList_setLimit(StringList *list, int32_t limit) MDL_NOEXCEPT;
 
 /* ---- list models: rows and columns counted from 0; a cell has a display text and a 32-bit value ---- */

@@ -61,13 +61,18 @@ TEST(StringList, FullListRefusesAndTakesAgainAfterADeletion) {
     EXPECT_EQ(index, 1);
 }
 
-TEST(StringList, HoldsAtMost65535Members) {
+TEST(StringList, HoldsAtMost65535MembersUnlessMoreAreAskedFor) {
     const List list(mdlStringList_create(65534, 0));
     int32_t index = 0;
     EXPECT_EQ(mdlStringList_insertMember(&index, list.get(), -1, 2), MDL_ERROR);
     EXPECT_EQ(mdlStringList_insertMember(&index, list.get(), -1, 1), MDL_SUCCESS);
     EXPECT_EQ(mdlStringList_insertMember(&index, list.get(), -1, 1), MDL_ERROR);
-    EXPECT_EQ(mdlStringList_create(65536, 0), nullptr);
+    mdlStringList_setLimit(list.get(), 100000);
+    EXPECT_EQ(mdlStringList_insertMember(&index, list.get(), -1, 100000 - 65535), MDL_SUCCESS);
+    EXPECT_EQ(mdlStringList_insertMember(&index, list.get(), -1, 1), MDL_ERROR);
+    const List many(mdlStringList_create(65536, 0));
+    EXPECT_EQ(mdlStringList_insertMember(&index, many.get(), -1, 1), MDL_ERROR);
+    EXPECT_EQ(mdlStringList_create((1 << 24) + 1, 0), nullptr);
 }
 
 TEST(StringList, CallsOutsideOfItFailAndChangeNothing) {

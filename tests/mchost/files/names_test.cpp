@@ -4,7 +4,7 @@
 
 #include "mchost/base/paths.h"
 #include "mchost/files/file_list.h"
-#include "mchost/mdl/files.h"
+#include "mchost/mdl/find_files.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/system.h"
 #include "mchost/mdl/win32.h"
@@ -161,7 +161,10 @@ TEST_F(Names, FoldersListWhatMatches) {
     EXPECT_EQ(list("c:\\*.mcd", 0), (List{"A.MCD", "b.mcd", "bl\xe5.mcd"}));
     EXPECT_EQ(list("c:\\*.*", 0), (List{"A.MCD", "b.mcd", "bl\xe5.mcd", "readme"}));
     EXPECT_EQ(list("c:\\?.mcd", 0), (List{"A.MCD", "b.mcd"}));
+    EXPECT_EQ(list("c:\\a*.mcd;read*;?.mcd", MDL_ATTRIBUTE_FILES), (List{"A.MCD", "b.mcd", "readme"}));
     EXPECT_EQ(list("c:\\*", MDL_ATTRIBUTE_DIRECTORY), (List{"Sub2", "sub"}));
+    mdlSystem_defineCfgVar("MC_DRIVE_X", path("").c_str(), 4);
+    EXPECT_EQ(list("", MDL_ATTRIBUTE_DRIVE), (List{"[-c:-]", "[-x:-]"}));
     EXPECT_EQ(list("c:\\sub", MDL_ATTRIBUTE_DIRECTORY), List{"sub"});
     EXPECT_EQ(list("c:\\sub\\", MDL_ATTRIBUTE_DIRECTORY), List{"sub"});
     EXPECT_EQ(list("c:\\", MDL_ATTRIBUTE_DIRECTORY).size(), 1u);
