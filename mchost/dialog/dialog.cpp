@@ -6,6 +6,7 @@
 
 #include "mchost/base/number_format.h"
 #include "mchost/dialog/access.h"
+#include "mchost/dialog/menus.h"
 #include "mchost/dialog/registry.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/system.h"
@@ -109,15 +110,6 @@ Dialog::Dialog(const DialogLayout& layout, MdlDesc* owner, bool modal, const std
 
 // ---- messages ----
 
-namespace {
-
-void callHook(int32_t hookId, MdlDesc* owner, DialogMessage& message) {
-    const DialogHookFunction function = hookId == 0 ? nullptr : findHook(hookId, owner);
-    if (function) dlmSystem_callAnyFunction("P", owner, reinterpret_cast<void*>(function), &message);
-}
-
-}  // namespace
-
 void Dialog::sendToDialog(int32_t type, int32_t resized) {
     DialogMessage message{};
     message.type = type;
@@ -139,15 +131,29 @@ DialogMessage Dialog::messageTo(size_t index, int32_t type) const {
     message.hookId = item.hook;
     message.itemFlags = (item.takesFocus ? ITEM_TAKES_FOCUS : 0) | (item.isDefault ? ITEM_IS_DEFAULT : 0);
     message.state = asNumber(item.value);
+    message.row = message.column = -1;
     return message;
 }
 
 DialogMessage Dialog::sendToItem(size_t index, int32_t type, int32_t state, int32_t changed) {
     DialogMessage message = messageTo(index, type);
-    if (type == ITEM_BUTTON) message.state = state;
+    if (type == ITEM_BUTTON) {
+        message.state = state;
+        message.clickCount = 1;
+    }
     message.changed = changed;
     callHook(message.hookId, owner_, message);
     return message;
+}
+
+void Dialog::sendClick(size_t index, int32_t clicks, int32_t column) {
+    DialogMessage message = messageTo(index, ITEM_BUTTON);
+    message.state = 1;
+    message.clickCount = clicks;
+    message.attributes = clicks == 2 ? MDL_DOUBLE_CLICK : 0;
+    message.row = items_[index].selectedRow();
+    message.column = message.row < 0 ? -1 : column;
+    callHook(message.hookId, owner_, message);
 }
 
 void Dialog::signal(size_t index, int32_t signal, int32_t value) {
@@ -236,10 +242,17 @@ bool Dialog::setValue(size_t index, std::string_view value) {
     return usable(index) && change(index, value);
 }
 
-bool Dialog::selectRow(size_t index, int32_t row) {
+bool Dialog::selectRows(size_t index, std::vector<int32_t> rows) {
     if (!usable(index) || !hasList(items_[index])) return false;
     setFocus(index);
-    return usable(index) && changeSelection(index, row);
+    return usable(index) && changeSelection(index, std::move(rows));
+}
+
+bool Dialog::scrollTo(size_t index, int32_t row) {
+    if (index >= items_.size() || !hasList(items_[index]) || row < 0 || row >= rowCount(items_[index])) return false;
+    items_[index].topRow = row;
+    tellChanged(index);
+    return true;
 }
 
 bool Dialog::type(size_t index, std::string text) {
@@ -282,11 +295,43 @@ const std::string* Dialog::edit(size_t index) const {
     return edit_ && index == focus_ ? &*edit_ : nullptr;
 }
 
-bool Dialog::activate(size_t index) {
+bool Dialog::activate(size_t index, int32_t column) {
     if (!usable(index)) return false;
     const auto self = shared_from_this();
     const EventScope scope;
-    sendToItem(index, ITEM_ACTIVATED);
+    if (items_[index].kind == ITEM_LIST_BOX) sendClick(index, 2, column);
+    if (life_ == Life::open) sendToItem(index, ITEM_ACTIVATED);
+    return true;
+}
+
+// ---- menus ----
+
+void Dialog::offer(std::shared_ptr<const Menu> menu) {
+    offeredMenu_ = std::move(menu);
+    tellChanged(noItem);
+}
+
+bool Dialog::askForMenu(size_t index) {
+    if (!usable(index)) return false;
+    const auto self = shared_from_this();
+    const EventScope scope;
+    offeredMenu_.reset();
+    DialogMessage message = messageTo(index, DIALOG_BUTTON);
+    message.hookId = hook_;
+    message.attributes = MDL_SECOND_BUTTON;
+    message.clickCount = MDL_BUTTON_DOWN;
+    message.row = items_[index].selectedRow();
+    message.column = message.row < 0 ? -1 : 0;
+    callHook(hook_, owner_, message);
+    return offeredMenu_ != nullptr;
+}
+
+bool Dialog::choose(size_t entry) {
+    const std::shared_ptr<const Menu> menu = std::exchange(offeredMenu_, nullptr);
+    if (life_ != Life::open || !menu || entry >= menu->entries.size()) return false;
+    const auto self = shared_from_this();
+    tellChanged(noItem);
+    chooseEntry(*menu, entry, handle());
     return true;
 }
 
@@ -295,7 +340,8 @@ bool Dialog::change(size_t index, std::string_view value) {
     DialogItem& item = items_[index];
     if (hasList(item)) {
         const std::optional<long long> row = wholeNumberOf(value);
-        return row && *row >= -1 && *row <= INT32_MAX && changeSelection(index, static_cast<int32_t>(*row));
+        if (!row || *row < -1 || *row > INT32_MAX) return false;
+        return changeSelection(index, rowAlone(static_cast<int32_t>(*row)));
     }
     refusal_.clear();
     std::optional<std::string> next = acceptable(item, value);
@@ -316,12 +362,13 @@ bool Dialog::change(size_t index, std::string_view value) {
     return true;
 }
 
-bool Dialog::changeSelection(size_t index, int32_t row) {
+bool Dialog::changeSelection(size_t index, std::vector<int32_t> rows) {
     const auto self = shared_from_this();
     const EventScope scope;
-    const bool changed = items_[index].selectedRow != row;
-    if (!select(index, row)) return false;
-    sendToItem(index, ITEM_STATE_CHANGED, 0, changed);
+    const bool changed = items_[index].selection != rows;
+    if (!select(index, std::move(rows))) return false;
+    if (items_[index].kind == ITEM_LIST_BOX) sendClick(index, 1, 0);
+    if (!ending()) sendToItem(index, ITEM_STATE_CHANGED, 0, changed);
     return true;
 }
 
@@ -377,7 +424,9 @@ void Dialog::setList(size_t index, StringList* list, int32_t columns) {
     DialogItem& item = items_[index];
     item.list = list;
     item.columns = columns;
-    if (item.selectedRow >= rowCount(item)) item.selectedRow = -1;
+    const int32_t rows = rowCount(item);
+    std::erase_if(item.selection, [rows](int32_t row) { return row >= rows; });
+    if (item.topRow >= rows) item.topRow = 0;
     tellChanged(index);
 }
 
@@ -404,18 +453,26 @@ bool Dialog::isVisible(const DialogItem& item) const {
     return box < 0 || items_[static_cast<size_t>(box)].shown;
 }
 
-bool Dialog::select(size_t index, int32_t row) {
+bool Dialog::select(size_t index, std::vector<int32_t> rows) {
     DialogItem& item = items_[index];
-    if (row < -1 || row >= rowCount(item)) return false;
-    const std::string value = std::to_string(row);
+    const int32_t count = rowCount(item);
+    if (rows.size() > 1 && !item.several) return false;
+    if (std::ranges::any_of(rows, [count](int32_t row) { return row < 0 || row >= count; })) return false;
+    const std::string value = std::to_string(rows.empty() ? -1 : rows.back());
     if (!item.access.empty()) {
         const AccessResult result = resolveAccess(item.access);
         if (!result.place || !writePlace(*result.place, value).empty()) return false;
     }
-    item.selectedRow = row;
+    item.selection = std::move(rows);
     item.value = value;
     tellChanged(index);
     return true;
+}
+
+void Dialog::allowSeveral(size_t index, bool several) {
+    DialogItem& item = items_[index];
+    item.several = several;
+    if (!several && item.selection.size() > 1) item.selection = rowAlone(item.selectedRow());
 }
 
 int32_t Dialog::indexOf(int32_t kind, int32_t id) const {
@@ -440,7 +497,7 @@ bool Dialog::synch(size_t index) {
     item.value = readPlace(*result.place, item.format);
     if (hasList(item)) {
         const int32_t row = asNumber(item.value);
-        item.selectedRow = row >= 0 && row < rowCount(item) ? row : -1;
+        item.selection = rowAlone(row < rowCount(item) ? row : -1);
     }
     tellChanged(index);
     return true;

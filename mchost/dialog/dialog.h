@@ -21,6 +21,8 @@
 
 namespace host {
 
+constexpr int32_t rowHeight = 16;  // of a list box, in pixels
+
 // Fixed colours in the place of a line's colour: this and the 15 behind it.
 constexpr int32_t firstFixedColor = 256, fixedColors = 16;
 
@@ -96,12 +98,25 @@ struct DialogItem {
     bool enabled = true;
     bool takesFocus = true;
     bool isDefault = false;
-    bool drawn = false;          // false: its hook has to draw it
-    StringList* list = nullptr;  // of a list box or combo box; its owner's
-    int32_t columns = 1;         // members of the list in a row
-    int32_t selectedRow = -1;
-    std::vector<DrawCall> drawing;
+    bool drawn = false;                   // false: its hook has to draw it
+    StringList* list = nullptr;           // of a list box or combo box; its owner's
+    int32_t columns = 1;                  // members of the list in a row
+    bool several = false;                 // more than one row may be chosen
+    int32_t topRow = 0;                   // the first one in sight
+    std::vector<int32_t> selection = {};  // rows, in the order in which they were chosen
+    std::vector<DrawCall> drawing = {};
+
+    int32_t selectedRow() const { return selection.empty() ? -1 : selection.back(); }
 };
+
+struct Menu;  // mchost/dialog/menus.h
+
+// The row alone, or none for -1.
+inline std::vector<int32_t> rowAlone(int32_t row) {
+    std::vector<int32_t> rows;
+    if (row >= 0) rows.push_back(row);
+    return rows;
+}
 
 class Dialog : public std::enable_shared_from_this<Dialog> {
   public:
@@ -130,6 +145,8 @@ class Dialog : public std::enable_shared_from_this<Dialog> {
     // Text in a cell of a list box or combo box; empty where there is none.
     static std::string cellText(const DialogItem& item, int32_t row, int32_t column);
     static int32_t rowCount(const DialogItem& item);
+    // The menu that pops up over it, null for none.
+    const std::shared_ptr<const Menu>& offeredMenu() const { return offeredMenu_; }
 
     // ---- events; false when the item isn't there, isn't one of that kind, or can't be used ----
 
@@ -140,14 +157,20 @@ class Dialog : public std::enable_shared_from_this<Dialog> {
     // Why the last value was refused, as the end of a sentence such as "isn't a number"; empty when it was taken, or
     // for a reason of another kind.
     const std::string& refusal() const { return refusal_; }
-    bool selectRow(size_t index, int32_t row);
+    // All rows that are to be chosen, in their order; more than one only where the list box allows it.
+    bool selectRows(size_t index, std::vector<int32_t> rows);
+    bool scrollTo(size_t index, int32_t row);
     // Types into a text item without leaving it: it takes the text when the focus moves, or the first button is
     // pressed.
     bool type(size_t index, std::string text);
     // Draws the window to another size.
     bool resize(int32_t width, int32_t height);
-    // A double click or Enter on an item.
-    bool activate(size_t index);
+    // A double click or Enter on an item; in a list box on its selected row, in that column.
+    bool activate(size_t index, int32_t column = 0);
+    // The second mouse button on an item.
+    bool askForMenu(size_t index);
+    // An entry of the menu that is offered, which goes with it.
+    bool choose(size_t entry);
     void close() { end(0); }
 
     // ---- for the calls of the host; an index is that of an item ----
@@ -181,9 +204,12 @@ class Dialog : public std::enable_shared_from_this<Dialog> {
     bool change(size_t index, std::string_view value);  // as a user would, whatever the item's state
     bool setFocus(size_t index);                        // noItem: away from all; a running edit ends
     void signal(size_t index, int32_t signal, int32_t value);
-    bool select(size_t index, int32_t row);  // a row, or -1, without a message; its access string keeps it
-    void draw(size_t index);                 // at once; an item that isn't on show yet when it is
-    void add(DrawCall call);                 // to the item whose hook is drawing, else to the dialog
+    // Without a message; the access string keeps the last row, or -1.
+    bool select(size_t index, std::vector<int32_t> rows);
+    void allowSeveral(size_t index, bool several);
+    void offer(std::shared_ptr<const Menu> menu);
+    void draw(size_t index);  // at once; an item that isn't on show yet when it is
+    void add(DrawCall call);  // to the item whose hook is drawing, else to the dialog
     // Its end has begun: no event reaches it any more.
     bool ending() const { return life_ == Life::closing || life_ == Life::ended; }
     MdlDialog* handle() const;
@@ -197,11 +223,12 @@ class Dialog : public std::enable_shared_from_this<Dialog> {
     void sendToDialog(int32_t type, int32_t resized = 0);
     // The message as the hook left it. `state` is that of ITEM_BUTTON; other messages take the item's value.
     DialogMessage sendToItem(size_t index, int32_t type, int32_t state = 0, int32_t changed = 0);
+    void sendClick(size_t index, int32_t clicks, int32_t column);
     DialogMessage messageTo(size_t index, int32_t type) const;
     void endEdit();
     void createItems();
     void synchItems();
-    bool changeSelection(size_t index, int32_t row);
+    bool changeSelection(size_t index, std::vector<int32_t> rows);
 
     uintptr_t serial_;  // above 0, never given twice
     int32_t id_;
@@ -218,6 +245,7 @@ class Dialog : public std::enable_shared_from_this<Dialog> {
     MdlDesc* owner_;
     std::string title_;
     std::string refusal_;
+    std::shared_ptr<const Menu> offeredMenu_;
     std::vector<DialogItem> items_;
     std::vector<DrawCall> drawing_;
     int32_t drawingItem_ = -1;

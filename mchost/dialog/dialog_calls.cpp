@@ -34,9 +34,17 @@ bool carryOut(const DialogEvent& event) {
     switch (event.kind) {
         case DialogEvent::Kind::press: return dialog.press(event.item);
         case DialogEvent::Kind::setValue: return dialog.setValue(event.item, event.value);
-        case DialogEvent::Kind::selectRow: return dialog.selectRow(event.item, event.row);
+        case DialogEvent::Kind::selectRows: return dialog.selectRows(event.item, event.rows);
+        case DialogEvent::Kind::scroll: return !event.rows.empty() && dialog.scrollTo(event.item, event.rows[0]);
         case DialogEvent::Kind::type: return dialog.type(event.item, event.value);
-        case DialogEvent::Kind::activate: return dialog.activate(event.item);
+        case DialogEvent::Kind::activate:
+            if (!event.rows.empty() && !dialog.selectRows(event.item, event.rows)) return false;
+            return dialog.activate(event.item, event.column);
+        case DialogEvent::Kind::offerMenu:
+            if (!event.rows.empty() && !dialog.selectRows(event.item, event.rows)) return false;
+            return dialog.askForMenu(event.item);
+        case DialogEvent::Kind::chooseEntry:
+            return !event.rows.empty() && event.rows[0] >= 0 && dialog.choose(static_cast<size_t>(event.rows[0]));
         case DialogEvent::Kind::resize: return dialog.resize(event.width, event.height);
         case DialogEvent::Kind::close: dialog.close(); return true;
     }

@@ -1,32 +1,18 @@
-// The calls on items.
+// The calls on items of any kind, and on texts.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
-#include "mchost/base/guard.h"
 #include "mchost/base/number_format.h"
-#include "mchost/dialog/registry.h"
+#include "mchost/dialog/on_item.h"
+#include "mchost/mdl/dialog_items.h"
 
 namespace host {
 
 namespace {
 
-constexpr size_t formatSize = 32;  // bytes, its NUL included
-
-// The item when it is of that kind.
-ItemRef itemOfKind(const MdlItem* handle, int32_t kind) {
-    ItemRef item = itemOf(handle);
-    return item && item->kind == kind ? item : ItemRef{};
-}
-
-// Runs `body` on an item that is there and, unless kind is 0, of that kind; MDL_ERROR otherwise and when it throws.
-template <class Body>
-int onItem(const MdlItem* handle, int32_t kind, Body body) {
-    return guarded<int>(MDL_ERROR, [&]() -> int {
-        const ItemRef item = kind == 0 ? itemOf(handle) : itemOfKind(handle, kind);
-        return item ? body(item) : MDL_ERROR;
-    });
-}
+constexpr size_t formatSize = 32;   // bytes, its NUL included
+constexpr int32_t unitsOfARow = 6;  // of a list box
 
 }  // namespace
 
@@ -87,6 +73,21 @@ void mdlDialog_itemSetExtent(MdlItem* handle, int32_t width, int32_t height) noe
     host::onItem(handle, 0, [&](const ItemRef& item) -> int {
         item.dialog->setItemExtent(item.index, width, height);
         return MDL_SUCCESS;
+    });
+}
+
+void mdlDialog_itemSetHeight(MdlItem* handle, int32_t units) noexcept {
+    host::onItem(handle, 0, [&](const ItemRef& item) -> int {
+        const int64_t pixels = int64_t{units} * host::rowHeight / host::unitsOfARow;
+        const int32_t width = item->rect.right - item->rect.left;
+        item.dialog->setItemExtent(item.index, width, static_cast<int32_t>(std::clamp<int64_t>(pixels, 0, 32767)));
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_itemPress(MdlItem* handle) noexcept {
+    return host::onItem(handle, ITEM_PUSH_BUTTON, [](const ItemRef& item) -> int {
+        return item.dialog->press(item.index) ? MDL_SUCCESS : MDL_ERROR;
     });
 }
 
@@ -195,116 +196,4 @@ int mdlDialog_textSetInfo(MdlItem* handle, const char* format) noexcept {
         item.dialog->setFormat(item.index, next);
         return MDL_SUCCESS;
     });
-}
-
-// ---- list boxes and combo boxes ----
-
-namespace host {
-
-namespace {
-
-int setList(MdlItem* handle, int32_t kind, StringList* list, int32_t columns) {
-    return onItem(handle, kind, [&](const ItemRef& item) -> int {
-        if (columns < 1) return MDL_ERROR;
-        item.dialog->setList(item.index, list, columns);
-        return MDL_SUCCESS;
-    });
-}
-
-StringList* listOf(const MdlItem* handle, int32_t kind) {
-    const ItemRef item = itemOfKind(handle, kind);
-    return item ? item->list : nullptr;
-}
-
-int selectRow(MdlItem* handle, int32_t kind, int32_t row) {
-    return onItem(handle, kind, [&](const ItemRef& item) -> int {
-        return item.dialog->select(item.index, row) ? MDL_SUCCESS : MDL_ERROR;
-    });
-}
-
-int32_t selectedRow(const MdlItem* handle, int32_t kind) {
-    const ItemRef item = itemOfKind(handle, kind);
-    return item ? item->selectedRow : -1;
-}
-
-}  // namespace
-
-}  // namespace host
-
-int mdlDialog_listBoxSetStrListP(MdlItem* item, StringList* list, int32_t columns) noexcept {
-    return host::setList(item, ITEM_LIST_BOX, list, columns);
-}
-
-StringList* mdlDialog_listBoxGetStrListP(const MdlItem* item) noexcept {
-    return host::listOf(item, ITEM_LIST_BOX);
-}
-
-int mdlDialog_listBoxSelectRow(MdlItem* item, int32_t row) noexcept {
-    return host::selectRow(item, ITEM_LIST_BOX, row);
-}
-
-int32_t mdlDialog_listBoxGetSelectedRow(const MdlItem* item) noexcept {
-    return host::selectedRow(item, ITEM_LIST_BOX);
-}
-
-int mdlDialog_comboBoxSetStrListP(MdlItem* item, StringList* list, int32_t stringsPerRow) noexcept {
-    return host::setList(item, ITEM_COMBO_BOX, list, stringsPerRow);
-}
-
-StringList* mdlDialog_comboBoxGetStrListP(const MdlItem* item) noexcept {
-    return host::listOf(item, ITEM_COMBO_BOX);
-}
-
-int mdlDialog_comboBoxSelectRow(MdlItem* item, int32_t row) noexcept {
-    return host::selectRow(item, ITEM_COMBO_BOX, row);
-}
-
-int32_t mdlDialog_comboBoxGetSelectedRow(const MdlItem* item) noexcept {
-    return host::selectedRow(item, ITEM_COMBO_BOX);
-}
-
-// ---- option buttons ----
-
-int mdlDialog_optionButtonDeleteAll(MdlItem* handle) noexcept {
-    return host::onItem(handle, ITEM_OPTION_BUTTON, [](const ItemRef& item) -> int {
-        item.dialog->clearRows(item.index);
-        return MDL_SUCCESS;
-    });
-}
-
-int mdlDialog_optionButtonInsert(MdlItem* handle, const char* label, int32_t value) noexcept {
-    return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
-        if (!label) return MDL_ERROR;
-        item.dialog->addRow(item.index, label, value);
-        return MDL_SUCCESS;
-    });
-}
-
-int32_t mdlDialog_optionButtonCount(const MdlItem* handle) noexcept {
-    const ItemRef item = host::itemOfKind(handle, ITEM_OPTION_BUTTON);
-    return item ? static_cast<int32_t>(item->rows.size()) : 0;
-}
-
-int mdlDialog_optionButtonGet(const MdlItem* handle, int32_t row, const char** labelP, int32_t* valueP) noexcept {
-    return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
-        if (row < 0 || static_cast<size_t>(row) >= item->rows.size()) return MDL_ERROR;
-        const host::OptionRow& found = item->rows[static_cast<size_t>(row)];
-        if (labelP) *labelP = found.label.c_str();
-        if (valueP) *valueP = found.value;
-        return MDL_SUCCESS;
-    });
-}
-
-int mdlDialog_optionButtonEnableRow(MdlItem* handle, int32_t row, int32_t enable) noexcept {
-    return host::onItem(handle, ITEM_OPTION_BUTTON, [&](const ItemRef& item) -> int {
-        if (row < 0 || static_cast<size_t>(row) >= item->rows.size()) return MDL_ERROR;
-        item.dialog->enableRow(item.index, static_cast<size_t>(row), enable != 0);
-        return MDL_SUCCESS;
-    });
-}
-
-int mdlDialog_optionButtonRowIsEnabled(const MdlItem* handle, int32_t row) noexcept {
-    const ItemRef item = host::itemOfKind(handle, ITEM_OPTION_BUTTON);
-    return item && row >= 0 && static_cast<size_t>(row) < item->rows.size() &&
-           item->rows[static_cast<size_t>(row)].enabled;
 }

@@ -138,6 +138,11 @@ DialogHookFunction findHook(int32_t hookId, MdlDesc* owner) {
     return others;
 }
 
+void callHook(int32_t hookId, MdlDesc* owner, DialogMessage& message) {
+    const DialogHookFunction function = hookId == 0 ? nullptr : findHook(hookId, owner);
+    if (function) dlmSystem_callAnyFunction("P", owner, reinterpret_cast<void*>(function), &message);
+}
+
 }  // namespace host
 
 int mdlDialog_hookPublish(int32_t count, const DialogHook* hooks) noexcept {

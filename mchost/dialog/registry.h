@@ -42,5 +42,7 @@ struct EventScope {
 void publishHook(MdlDesc* owner, const DialogHook& hook);
 // The hook of that id: the application's own, else another's; null for none.
 DialogHookFunction findHook(int32_t hookId, MdlDesc* owner);
+// Calls it with that application current; the hook 0, and one that nobody has published, takes nothing.
+void callHook(int32_t hookId, MdlDesc* owner, DialogMessage& message);
 
 }  // namespace host

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "mchost/base/charset.h"
+#include "mchost/dialog/menus.h"
 
 namespace host {
 
@@ -75,21 +76,36 @@ bool isList(const DialogItem& item) {
     return item.kind == ITEM_LIST_BOX || item.kind == ITEM_COMBO_BOX;
 }
 
-std::string rowsOf(const DialogItem& item) {
+// Of the rows from `first` up to `end` those that are chosen, counted from `first`.
+std::vector<bool> chosenAmong(const DialogItem& item, int32_t first, int32_t end) {
+    std::vector<bool> chosen(static_cast<size_t>(end - first));
+    for (const int32_t row : item.selection)
+        if (row >= first && row < end) chosen[static_cast<size_t>(row - first)] = true;
+    return chosen;
+}
+
+std::string rowsOf(const DialogItem& item, int32_t most) {
+    const int32_t count = Dialog::rowCount(item);
+    const int32_t first = count > most ? item.topRow : 0, end = std::min(count, first + most);
+    const std::vector<bool> chosen = chosenAmong(item, first, end);
     std::string text;
-    for (int32_t row = 0; row < Dialog::rowCount(item); ++row) {
+    for (int32_t row = first; row < end; ++row) {
         text += indent;
-        text += row == item.selectedRow ? "* " : "  ";
+        text += chosen[static_cast<size_t>(row - first)] ? "* " : "  ";
         text += std::to_string(row + 1) + ".";
         for (int32_t column = 0; column < item.columns; ++column)
             text += "  " + utf8FromNarrow(Dialog::cellText(item, row, column));
         text += "\n";
     }
+    if (count > most)
+        text += std::string(indent) + "rows " + std::to_string(first + 1) + " to " + std::to_string(end) + " of " +
+                std::to_string(count) + (item.several ? ", " + std::to_string(item.selection.size()) + " chosen" : "") +
+                "\n";
     return text;
 }
 
 // `number` is empty for an item that can't be used.
-std::string lineOf(const DialogItem& item, const std::string& number) {
+std::string lineOf(const DialogItem& item, const std::string& number, int32_t mostRows) {
     const std::string label = utf8FromNarrow(item.label);
     const std::string value = utf8FromNarrow(item.value);
     const std::string head = number.empty() ? std::string(indent) : number;
@@ -99,15 +115,22 @@ std::string lineOf(const DialogItem& item, const std::string& number) {
         case ITEM_OPTION_BUTTON:
             return head + label + ": " + utf8FromNarrow(chosenLabel(item)) + " (" + choicesOf(item) + ")\n";
         case ITEM_COMBO_BOX:
-            return head + label + ": " + utf8FromNarrow(Dialog::cellText(item, item.selectedRow, 0)) + "\n" +
-                   rowsOf(item);
+            return head + label + ": " + utf8FromNarrow(Dialog::cellText(item, item.selectedRow(), 0)) + "\n" +
+                   rowsOf(item, mostRows);
         case ITEM_LIST_BOX:
             return (number.empty() && label.empty() ? "" : head + (label.empty() ? "Rows" : label) + "\n") +
-                   rowsOf(item);
+                   rowsOf(item, mostRows);
         case ITEM_LABEL:
         case ITEM_GROUP_BOX: return label.empty() ? label : label + "\n";
         default: return {};
     }
+}
+
+std::string menuText(const Menu& menu) {
+    std::string text = "Menu:";
+    for (size_t i = 0; i < menu.entries.size(); ++i)
+        text += "  " + std::to_string(i + 1) + ". " + utf8FromNarrow(menu.entries[i].label);
+    return text + "\n";
 }
 
 }  // namespace
@@ -140,7 +163,7 @@ std::string choicesOf(const DialogItem& item) {
     return text;
 }
 
-std::string textOf(const Dialog& dialog) {
+std::string textOf(const Dialog& dialog, int32_t mostRows) {
     const std::vector<size_t> numbered = numberedItems(dialog);
     std::string text = "--- " + utf8FromNarrow(dialog.title()) + " ---\n" + drawnText(dialog);
     std::string buttons;
@@ -150,11 +173,12 @@ std::string textOf(const Dialog& dialog) {
         const auto place = std::ranges::find(numbered, i) - numbered.begin();
         const std::string number = isUsable(dialog, i) ? std::to_string(place + 1) + ") " : std::string();
         if (item.kind != ITEM_PUSH_BUTTON)
-            text += lineOf(item, number);
+            text += lineOf(item, number, mostRows);
         else if (!number.empty())
             buttons += "  " + number + utf8FromNarrow(item.label);
     }
-    return buttons.empty() ? text : text + buttons + "\n";
+    if (!buttons.empty()) text += buttons + "\n";
+    return dialog.offeredMenu() ? text + menuText(*dialog.offeredMenu()) : text;
 }
 
 }  // namespace host

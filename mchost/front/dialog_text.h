@@ -17,7 +17,9 @@ std::vector<size_t> usableItems(const Dialog& dialog);
 // The choices of an option button that can be made, divided by commas.
 std::string choicesOf(const DialogItem& item);
 
-// Title, drawing and items, each line ended; buttons last.
-std::string textOf(const Dialog& dialog);
+// Title, drawing and items, each line ended; buttons last. Of a longer list `mostRows` rows, from its first one in
+// sight on, and a line that tells how many there are.
+constexpr int32_t rowsUnattended = 10000;  // for whoever reads a log
+std::string textOf(const Dialog& dialog, int32_t mostRows);
 
 }  // namespace host

@@ -5,6 +5,7 @@
 
 #include "mchost/base/charset.h"
 #include "mchost/base/words.h"
+#include "mchost/dialog/menus.h"
 #include "mchost/front/dialog_text.h"
 #include "mchost/session/keyin.h"
 
@@ -20,6 +21,10 @@ struct Word {
 // Answers that are for the window and not for an item: a word, a blank, and what it is about.
 constexpr auto words = std::to_array<Word>({
     {"close", "", "closes this window"},
+    {"open", "LIST=ROW", "clicks twice on a row of a list, by its text or number"},
+    {"rows", "[LIST=]NUMBER", "shows a long list from that row on"},
+    {"right", "LIST=ROW", "clicks with the right button on a row of a list, which may offer a menu"},
+    {"entry", "NUMBER", "chooses an entry of the menu that is offered, by its number or text"},
     {"size", "WIDTHxHEIGHT", "draws this window to that size, in pixels"},
     {"picture", "FILE.png", "makes a picture of this window"},
 });
@@ -102,15 +107,49 @@ std::optional<std::string> chosenValue(const DialogItem& item, std::string_view 
     return row == rows.end() ? std::nullopt : std::optional(std::to_string(row->value));
 }
 
+std::optional<int32_t> numberedRow(const DialogItem& item, std::string_view value) {
+    const auto number = numberIn<size_t>(value);
+    const bool known = number && *number >= 1 && *number <= static_cast<size_t>(Dialog::rowCount(item));
+    return known ? std::optional(static_cast<int32_t>(*number) - 1) : std::nullopt;
+}
+
 // A row by the text in its first column, else by its number.
 std::optional<int32_t> chosenRow(const DialogItem& item, std::string_view value) {
     const std::string wanted = folded(value);
     const int32_t count = Dialog::rowCount(item);
     for (int32_t row = 0; row < count; ++row)
         if (folded(Dialog::cellText(item, row, 0)) == wanted) return row;
-    const auto number = numberIn<size_t>(value);
-    const bool known = number && *number >= 1 && *number <= static_cast<size_t>(count);
-    return known ? std::optional(static_cast<int32_t>(*number) - 1) : std::nullopt;
+    return numberedRow(item, value);
+}
+
+// Adds the rows of "7" or "3-5" that aren't there yet; false for another text.
+bool addSpan(const DialogItem& item, std::string_view span, std::vector<bool>& known, std::vector<int32_t>& rows) {
+    const size_t dash = std::min(span.find('-'), span.size());
+    const auto first = numberedRow(item, trimmed(span.substr(0, dash)));
+    const auto last = dash == span.size() ? first : numberedRow(item, trimmed(span.substr(dash + 1)));
+    if (!first || !last) return false;
+    for (int32_t row = *first; row <= *last; ++row) {
+        if (!known[static_cast<size_t>(row)]) rows.push_back(row);
+        known[static_cast<size_t>(row)] = true;
+    }
+    return true;
+}
+
+// One row, or where more may be chosen "all", "none" or numbers such as "1,3-5".
+std::optional<std::vector<int32_t>> chosenRows(const DialogItem& item, std::string_view value) {
+    if (const auto row = chosenRow(item, value)) return std::vector{*row};
+    if (!item.several) return std::nullopt;
+    std::vector<int32_t> rows;
+    if (value == "none") return rows;
+    std::vector<bool> known(static_cast<size_t>(Dialog::rowCount(item)));
+    const std::string all = "1-" + std::to_string(known.size());
+    std::string_view rest = value == "all" ? all : value;
+    while (true) {
+        const size_t comma = std::min(rest.find(','), rest.size());
+        if (!addSpan(item, rest.substr(0, comma), known, rows)) return std::nullopt;
+        if (comma == rest.size()) return rows;
+        rest.remove_prefix(comma + 1);
+    }
 }
 
 // Why an item didn't take a value, as the end of a sentence.
@@ -119,7 +158,9 @@ std::string reasonOf(const Dialog& dialog, size_t index) {
     switch (item.kind) {
         case ITEM_OPTION_BUTTON: return "is none of its choices: " + choicesOf(item);
         case ITEM_COMBO_BOX:
-        case ITEM_LIST_BOX: return "is none of its rows, nor the number of one";
+        case ITEM_LIST_BOX:
+            return item.several ? "is none of its rows, nor numbers of rows such as 1,3-5, \"all\" or \"none\""
+                                : "is none of its rows, nor the number of one";
         case ITEM_TOGGLE: return "is neither 1 nor 0";
         default: return dialog.refusal().empty() ? "can't be set now" : utf8FromNarrow(dialog.refusal());
     }
@@ -136,10 +177,10 @@ Followed setItem(Dialog& dialog, size_t index, std::string_view value) {
     if (item.kind == ITEM_PUSH_BUTTON)
         return refused(utf8FromNarrow(item.label) + " is a button, which takes no value.");
     if (item.kind == ITEM_COMBO_BOX || item.kind == ITEM_LIST_BOX) {
-        const auto row = chosenRow(item, value);
-        if (!row) return refused(notTaken(dialog, index, value));
-        event.kind = DialogEvent::Kind::selectRow;
-        event.row = *row;
+        auto rows = chosenRows(item, value);
+        if (!rows) return refused(notTaken(dialog, index, value));
+        event.kind = DialogEvent::Kind::selectRows;
+        event.rows = *std::move(rows);
         return done(std::move(event));
     }
     const auto set = item.kind == ITEM_OPTION_BUTTON ? chosenValue(item, value) : std::string(value);
@@ -185,6 +226,52 @@ Followed resizeTo(Dialog& dialog, std::string_view size) {
     return done(std::move(event));
 }
 
+// ---- lists ----
+
+// A list that is named by number or label, and what stands behind its "="; the only list of a dialog needs no name.
+struct ListAnswer {
+    std::optional<size_t> item;
+    std::string_view value;
+};
+
+ListAnswer listIn(const Dialog& dialog, std::string_view answer) {
+    std::vector<size_t> lists = usable(dialog, false);
+    std::erase_if(lists, [&](size_t item) { return dialog.items()[item].kind != ITEM_LIST_BOX; });
+    const size_t equals = answer.find('=');
+    if (equals == answer.npos) return {lists.size() == 1 ? std::optional(lists[0]) : std::nullopt, answer};
+    const std::string_view name = trimmed(answer.substr(0, equals)), value = trimmed(answer.substr(equals + 1));
+    const std::vector<size_t> numbered = numberedItems(dialog);
+    if (const auto number = numberIn<size_t>(name); number && *number >= 1 && *number <= numbered.size())
+        std::erase_if(lists, [&](size_t item) { return item != numbered[*number - 1]; });
+    else
+        lists = labelled(dialog, lists, name);
+    return {lists.size() == 1 ? std::optional(lists[0]) : std::nullopt, value};
+}
+
+// Something that is done to one row of a list.
+Followed onRow(Dialog& dialog, std::string_view answer, DialogEvent::Kind kind) {
+    const ListAnswer list = listIn(dialog, answer);
+    if (!list.item) return refused(quoted(answer) + " names none of the lists with rows here. Give LIST=ROW.");
+    const auto row = chosenRow(dialog.items()[*list.item], list.value);
+    if (!row) return refused(notTaken(dialog, *list.item, list.value));
+    DialogEvent event = eventOn(dialog, *list.item, kind);
+    event.rows = {*row};
+    return done(std::move(event));
+}
+
+Followed chooseEntry(Dialog& dialog, std::string_view answer) {
+    const auto& menu = dialog.offeredMenu();
+    if (!menu) return refused("No menu is offered now.");
+    const std::string wanted = folded(answer);
+    auto entry = std::ranges::find_if(menu->entries, [&](const Menu::Entry& e) { return folded(e.label) == wanted; });
+    if (const auto number = numberIn<size_t>(answer); number && *number >= 1 && *number <= menu->entries.size())
+        entry = menu->entries.begin() + static_cast<ptrdiff_t>(*number - 1);
+    if (entry == menu->entries.end()) return refused(quoted(answer) + " is no entry of the menu, nor its number.");
+    DialogEvent event = eventOn(dialog, Dialog::noItem, DialogEvent::Kind::chooseEntry);
+    event.rows = {static_cast<int32_t>(entry - menu->entries.begin())};
+    return done(std::move(event));
+}
+
 Followed savePicture(const Dialog& dialog, const std::string& name) {
     if (mdlWindow_savePicture(dialog.handle(), name.c_str()) == MDL_SUCCESS) return {};
     return refused("No picture could be written to " + utf8FromNarrow(name) +
@@ -196,6 +283,10 @@ std::optional<Followed> followWord(Dialog& dialog, std::string_view answer) {
     const std::string_view word = answer.substr(0, blank), rest = trimmed(answer.substr(blank));
     if (word == "close" && rest.empty()) return done(eventOn(dialog, Dialog::noItem, DialogEvent::Kind::close));
     if (word == "picture" && !rest.empty() && !hostWordOf(answer)) return savePicture(dialog, std::string(rest));
+    if (word == "open" && !rest.empty()) return onRow(dialog, rest, DialogEvent::Kind::activate);
+    if (word == "rows" && !rest.empty()) return onRow(dialog, rest, DialogEvent::Kind::scroll);
+    if (word == "right" && !rest.empty()) return onRow(dialog, rest, DialogEvent::Kind::offerMenu);
+    if (word == "entry" && !rest.empty()) return chooseEntry(dialog, rest);
     if (word == "size" && !rest.empty()) return resizeTo(dialog, rest);
     return std::nullopt;
 }
@@ -233,7 +324,7 @@ std::string complaintOf(const DialogEvent& event) {
     switch (event.kind) {
         case DialogEvent::Kind::press: return "The button can't be pressed now.";
         case DialogEvent::Kind::setValue: return notTaken(*event.dialog, event.item, event.value);
-        case DialogEvent::Kind::selectRow: return notTaken(*event.dialog, event.item, std::to_string(event.row + 1));
+        case DialogEvent::Kind::offerMenu: return "There is no menu for this.";
         case DialogEvent::Kind::resize: return "This window keeps its size.";
         default: return "This can't be done now.";
     }
@@ -270,7 +361,8 @@ std::string helpOn(const Dialog& dialog) {
         text += "  an empty line: " + utf8FromNarrow(dialog.items()[*button].label) + "\n";
     if (!others.empty())
         text +=
-            "  number=value or label=value sets an item, to a text, or to a choice or row by its text or number;\n"
+            "  number=value or label=value sets an item, to a text, or to a choice or row by its text or number, or,\n"
+            "  where more rows may be chosen, to numbers such as 1,3-5, to \"all\" or to \"none\";\n"
             "  the number or label alone turns a switch: " +
             listOf(dialog, others, ", ") + "\n";
     for (const Word& word : words)

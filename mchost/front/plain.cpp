@@ -25,7 +25,7 @@ class PlainFrontEnd : public FrontEnd {
         const auto* modal = std::get_if<ModalDialog>(&awaited);
         if (modal) {
             modal->dialog->refresh();
-            std::fputs(textOf(*modal->dialog).c_str(), stderr);
+            std::fputs(textOf(*modal->dialog, rowsUnattended).c_str(), stderr);
         }
         const auto* any = std::get_if<AnyEvent>(&awaited);
         return any && any->command == 0 ? Event(Quit{}) : Event(NobodyThere{});

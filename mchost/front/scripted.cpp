@@ -30,13 +30,19 @@ DialogScript& DialogScript::setValue(int32_t kind, int32_t id, std::string value
 }
 
 DialogScript& DialogScript::selectRow(int32_t listBoxId, int32_t row) {
-    return add("select row " + std::to_string(row) + " of " + std::to_string(listBoxId),
-               [=](Dialog& dialog) { return dialog.selectRow(placeOf(dialog, ITEM_LIST_BOX, listBoxId), row); });
+    return selectRows(listBoxId, {row});
+}
+
+DialogScript& DialogScript::selectRows(int32_t listBoxId, std::vector<int32_t> rows) {
+    std::string name = "select of " + std::to_string(listBoxId) + " the rows";
+    for (const int32_t row : rows) name += " " + std::to_string(row);
+    return add(name,
+               [=](Dialog& dialog) { return dialog.selectRows(placeOf(dialog, ITEM_LIST_BOX, listBoxId), rows); });
 }
 
 DialogScript& DialogScript::choose(int32_t comboBoxId, int32_t row) {
     return add("choose row " + std::to_string(row) + " of " + std::to_string(comboBoxId),
-               [=](Dialog& dialog) { return dialog.selectRow(placeOf(dialog, ITEM_COMBO_BOX, comboBoxId), row); });
+               [=](Dialog& dialog) { return dialog.selectRows(placeOf(dialog, ITEM_COMBO_BOX, comboBoxId), {row}); });
 }
 
 DialogScript& DialogScript::type(int32_t textId, std::string text) {

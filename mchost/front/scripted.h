@@ -19,6 +19,7 @@ class DialogScript {
     DialogScript& press(int32_t buttonId);
     DialogScript& setValue(int32_t kind, int32_t id, std::string value);
     DialogScript& selectRow(int32_t listBoxId, int32_t row);
+    DialogScript& selectRows(int32_t listBoxId, std::vector<int32_t> rows);
     DialogScript& choose(int32_t comboBoxId, int32_t row);
     DialogScript& type(int32_t textId, std::string text);  // and stays in the item
     DialogScript& resize(int32_t width, int32_t height);

@@ -16,6 +16,7 @@
 #include "mchost/base/words.h"
 #include "mchost/command/command.h"
 #include "mchost/command/input.h"
+#include "mchost/dialog/menus.h"
 #include "mchost/front/dialog_text.h"
 #include "mchost/front/dialog_words.h"
 #include "mchost/front/file_question.h"
@@ -53,6 +54,7 @@ std::deque<std::string> linesOf(const std::string& path) {
 
 constexpr size_t longText = 12;  // lines behind which a message is out of sight
 constexpr size_t mostTold = 10;
+constexpr int32_t rowsInSight = 40;  // of a list
 
 std::vector<std::string> dividedIntoLines(const std::string& text) {
     std::vector<std::string> lines;
@@ -145,7 +147,7 @@ class TerminalFrontEnd : public FrontEnd {
     Event next(const AnyEvent& any) {
         if (any.command != 0) return nextForCommand(any);
         const auto dialog = turnedTo();
-        if (!dialog) return Quit{};
+        if (!dialog) return menuBar().empty() ? Event(Quit{}) : nextKeyIn();
         present(*dialog);
         if (dialog->ended()) return Nothing{};
         if (openDialogs().size() > 1) lead(windowList(*dialog));
@@ -153,6 +155,16 @@ class TerminalFrontEnd : public FrontEnd {
         // In an unattended run the dialog stays until commands that the button starts have been served.
         const auto button = options_.yes && !wasPressed(*dialog) ? firstButton(*dialog) : std::nullopt;
         return button ? pressing(*dialog, *button) : closing(*dialog);
+    }
+
+    // No window is open, and applications have menus. An empty line leaves.
+    Event nextKeyIn() {
+        const auto answer = nextAnswer("[end] menu TITLE/ENTRY > ");
+        if (!answer || trimmed(*answer).empty() || trimmed(*answer) == "end") return Quit{};
+        if (isCallForHelp(*answer)) return show(helpOnHostWords()), Nothing{};
+        if (hostWordOf(*answer)) return keyInOf(*answer);
+        refuse("\"" + std::string(trimmed(*answer)) + "\" can't be done. \"help\" lists what can be.\n");
+        return Nothing{};
     }
 
     // A point or a reset, or something for the window that is open beside the command.
@@ -253,7 +265,7 @@ class TerminalFrontEnd : public FrontEnd {
     void present(Dialog& dialog) {
         dialog.refresh();
         if (dialog.ended()) return;
-        const std::string text = textOf(dialog);
+        const std::string text = textOf(dialog, attended() ? rowsInSight : rowsUnattended);
         if (!attended()) return show(text);
         std::erase_if(shown_, [](const ShownDialog& shown) { return shown.dialog.expired(); });
         std::vector<std::string> lines = dividedIntoLines(text);

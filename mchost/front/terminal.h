@@ -4,8 +4,9 @@
 // the number of a button or item, the label of a button or its beginning, an empty line for the default button, or
 // "number=value" or "label=value" for a text, a choice or a row of a list; the last two by their text or number.
 // "close" closes the dialog, "size 800x600" draws its window to that size, and "picture FILE.png" makes a picture of
-// it. Dialogs that aren't modal are served once the application has nothing more to do, the last opened first; "window
-// 2" turns to another one.
+// it. Of a long list a part is shown; "rows 41" goes on there, "open LIST=ROW" clicks twice. Dialogs that aren't modal
+// are served once the application has nothing more to do, the last opened first; "window 2" turns to another one. With
+// none open, and menus in the menu bar, key-ins are asked for.
 //
 // Answers come from a file first, line by line; then, with `yes`, the first button is pressed everywhere; then the
 // terminal is asked. Where none of them is there, a dialog with one button that ends it counts as pressed, and any

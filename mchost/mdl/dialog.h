@@ -7,7 +7,8 @@
  * can be found already), ITEM_CREATE to each item, takes the items' values from their access strings (each item gets
  * ITEM_FILL just before), and sends DIALOG_INIT; items are drawn when the dialog is shown, and again when they were
  * moved or the window's extent changed. Pressing a button sends one ITEM_BUTTON with state 1 and ITEM_ACTIVATED; a
- * release isn't sent. A change by the user sends ITEM_STATE_CHANGED, a double click or Enter ITEM_ACTIVATED. A window
+ * release isn't sent. A change by the user sends ITEM_STATE_CHANGED, a double click or Enter ITEM_ACTIVATED. A click in
+ * a list box sends ITEM_BUTTON in front of these, with state 1 and its click count. A window
  * that its user has drawn to another size sends DIALOG_RESIZE. Closing sends ITEM_DESTROY to each item and
  * DIALOG_DESTROY. The dialogs of an application that ends are closed in this way. A handle of a dialog or item that is
  * gone is harmless: calls on it fail, or give 0 or null. Drawing calls of hooks are kept as the window's display list,
@@ -23,10 +24,12 @@ enum {
     DIALOG_INIT = 1,
     DIALOG_DESTROY = 2,
     DIALOG_RESIZE = 4,      /* of a dialog with DIALOG_SIZABLE: its user has let go of the window's edge */
+    DIALOG_BUTTON = 25,     /* the second mouse button, on an item: the time to offer a menu */
     ITEM_CREATE = 50,
     ITEM_DESTROY = 51,
     ITEM_DRAW = 52,
     ITEM_BUTTON = 54,
+    ITEM_CELL_EDITED = 60,  /* of a list box: the text of a cell has been edited, and stands in its list model */
     ITEM_FILL = 69,         /* once, before the item first takes its value: the time to give it its rows */
     ITEM_ACTIVATED = 70,
     ITEM_STATE_CHANGED = 71,
@@ -52,6 +55,7 @@ enum { MDL_DIALOG_BOX = 0x64426f78 }; /* dBox: the type of a dialog box resource
 /* Ids of the push buttons that end a modal dialog, and the replies that they give it. */
 enum { MDL_BUTTON_FIRST = -3, MDL_BUTTON_SECOND = -4 };
 enum { MDL_REPLY_FIRST = 3, MDL_REPLY_SECOND = 4 };
+enum { MDL_DOUBLE_CLICK = 0x200, MDL_SECOND_BUTTON = 2, MDL_BUTTON_DOWN = 515 };
 /* Bits of DialogMessage::itemFlags: the item takes the focus; it is the one that Enter presses. */
 enum { ITEM_TAKES_FOCUS = 1, ITEM_IS_DEFAULT = 2 };
 
@@ -64,7 +68,11 @@ typedef struct DialogMessage {
     int32_t itemFlags;      /* ITEM_CREATE: ITEM_TAKES_FOCUS, ITEM_IS_DEFAULT; a hook may clear them */
     int32_t state;          /* ITEM_BUTTON: 1, pressed; others: the item's value as a number, 0 for other texts */
     int32_t changed;        /* ITEM_STATE_CHANGED: 1 when the value isn't the one before */
-    int32_t attributes;     /* DIALOG_CREATE: attribute bits of the dialog, which the hook may add to */
+    int32_t attributes;     /* DIALOG_CREATE: attribute bits of the dialog, which the hook may add to; ITEM_BUTTON:
+                             * MDL_DOUBLE_CLICK or 0; DIALOG_BUTTON: MDL_SECOND_BUTTON */
+    int32_t clickCount;     /* ITEM_BUTTON: 1, or 2 for a double click; DIALOG_BUTTON: MDL_BUTTON_DOWN */
+    int32_t row, column;    /* ITEM_BUTTON of a list box, ITEM_CELL_EDITED: the cell; -1 for none */
+    int32_t value;          /* ITEM_BUTTON of a menu's entry: the entry's value */
     int32_t reply;          /* DIALOG_DESTROY: the button that ended it, 0 when closed otherwise */
     int32_t resized;        /* DIALOG_RESIZE: 1 when the size isn't the one before */
     int32_t signal;         /* ITEM_SIGNAL: the two numbers that were sent */
@@ -183,8 +191,8 @@ MDL_EXPORT int mdlDialog_itemSignal(MdlItem *item, int32_t signal, int32_t value
 MDL_EXPORT int mdlDialog_textGetInfo(char *format, const MdlItem *item) MDL_NOEXCEPT;
 MDL_EXPORT int mdlDialog_textSetInfo(MdlItem *item, const char *format) MDL_NOEXCEPT;
 
-/* The string list of a list box, shown in `columns` columns (member row * columns + column); the list stays its
- * owner's. */
+/* The string list of a list box, shown in `columns` columns (member row * columns + column; 0: as many as before); the
+ * list stays its owner's. More about list boxes: dialog_items.h. */
 MDL_EXPORT int mdlDialog_listBoxSetStrListP(MdlItem *item, StringList *list, int32_t columns) MDL_NOEXCEPT;
 MDL_EXPORT StringList *mdlDialog_listBoxGetStrListP(const MdlItem *item) MDL_NOEXCEPT;
 MDL_EXPORT int mdlDialog_listBoxSelectRow(MdlItem *item, int32_t row) MDL_NOEXCEPT; /* -1: none */

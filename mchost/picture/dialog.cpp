@@ -20,7 +20,7 @@ namespace host {
 namespace {
 
 constexpr double dotsPerPixel = 2;
-constexpr int32_t titleHeight = 26, padding = 5, rowHeight = 16, markSize = 13;
+constexpr int32_t titleHeight = 26, padding = 5, markSize = 13;
 constexpr int32_t largestSide = 8000;  // pixels
 
 constexpr PaperColor face{0.93, 0.93, 0.92}, field{1, 1, 1}, ink{0.10, 0.10, 0.12}, faded{0.60, 0.60, 0.60},
@@ -289,10 +289,11 @@ void listBox(DialogPen& pen, const DialogItem& item, const PaperColor& color) {
     pen.fill(r, item.enabled ? field : face);
     pen.frame(r, shadow);
     const int32_t columnWidth = (r.right - r.left - padding) / item.columns;
-    const int32_t rows = std::min(Dialog::rowCount(item), (r.bottom - r.top - 4) / rowHeight);
-    for (int32_t row = 0; row < rows; ++row) {
-        const int32_t top = r.top + 2 + row * rowHeight;
-        if (row == item.selectedRow) pen.fill({r.left + 1, top, r.right - 1, top + rowHeight}, chosen);
+    const int32_t end = std::min(Dialog::rowCount(item), item.topRow + (r.bottom - r.top - 4) / rowHeight);
+    for (int32_t row = item.topRow; row < end; ++row) {
+        const int32_t top = r.top + 2 + (row - item.topRow) * rowHeight;
+        if (std::ranges::find(item.selection, row) != item.selection.end())
+            pen.fill({r.left + 1, top, r.right - 1, top + rowHeight}, chosen);
         for (int32_t column = 0; column < item.columns; ++column) {
             const int32_t x = r.left + padding + column * columnWidth;
             pen.text(x, top, Dialog::cellText(item, row, column), color, x + columnWidth - padding);
@@ -319,7 +320,7 @@ void drawItem(DialogPen& pen, const Dialog& dialog, size_t index) {
         case ITEM_LABEL: return pen.text(item.rect.left, middle(item.rect), item.label, color);
         case ITEM_TOGGLE: return toggle(pen, item, color);
         case ITEM_OPTION_BUTTON: return choiceBox(pen, item, chosenLabel(item), color);
-        case ITEM_COMBO_BOX: return choiceBox(pen, item, Dialog::cellText(item, item.selectedRow, 0), color);
+        case ITEM_COMBO_BOX: return choiceBox(pen, item, Dialog::cellText(item, item.selectedRow(), 0), color);
         case ITEM_LIST_BOX: return listBox(pen, item, color);
         case ITEM_GROUP_BOX: return groupBox(pen, item, color);
         default: return;

@@ -84,13 +84,14 @@ struct CommandEnd {};  // the command that runs is left
 
 // Something done to an item of a dialog, or to the dialog; as the function of Dialog with that name.
 struct DialogEvent {
-    enum class Kind { press, setValue, selectRow, type, activate, resize, close };
+    enum class Kind { press, setValue, selectRows, scroll, type, activate, offerMenu, chooseEntry, resize, close };
     Kind kind;
     std::shared_ptr<Dialog> dialog;
     size_t item = 0;
-    std::string value = {};         // of setValue and type; Windows-1252, as items keep it
-    int32_t row = 0;                // of selectRow
-    int32_t width = 0, height = 0;  // of resize, in pixels
+    std::string value = {};          // of setValue and type; Windows-1252, as items keep it
+    std::vector<int32_t> rows = {};  // of selectRows; of scroll, activate and chooseEntry the first
+    int32_t column = 0;              // of activate in a list box
+    int32_t width = 0, height = 0;   // of resize, in pixels
 };
 
 // A name or pattern, the number of a remembered name, or empty for what is suggested. For a list: a name or pattern to

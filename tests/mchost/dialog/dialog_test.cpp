@@ -7,11 +7,15 @@
 #include <map>
 
 #include "mchost/dialog/dialog.h"
+#include "mchost/dialog/menus.h"
 #include "mchost/front/scripted.h"
+#include "mchost/mdl/dialog_items.h"
 #include "mchost/mdl/lists.h"
+#include "mchost/mdl/menu.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/container.h"
+#include "mchost/session/keyin.h"
 #include "tests/support/session_fixture.h"
 
 namespace {
@@ -20,7 +24,7 @@ using host::Dialog;
 using host::DialogScript;
 using testing::ElementsAre;
 
-enum { BOX = 100, OTHER_BOX = 101 };
+enum { BOX = 100, OTHER_BOX = 101, MENU = 102 };
 enum { BOX_HOOK = 1, BUTTON_HOOK = 2, TEXT_HOOK = 3, LIST_HOOK = 4, GENERIC_HOOK = 5, OTHER_HOOK = 6, COMBO_HOOK = 7 };
 enum { BUTTON = 10, LENGTH = 11, NAME = 12, DEVICE = 13, USED = 14, ROWS = 15, AREA = 16 };
 enum { PRINTERS = 20, TARGET = 21, IN_TARGET = 22 };  // combo box, group box and its member
@@ -67,6 +71,9 @@ host::ResourceContents layouts() {
         item(ITEM_TEXT, IN_TARGET),
     };
     box.items.back().group = TARGET;
+    host::MenuLayout& menu = contents.menus[MENU] = {MENU, {}, {{1, BUTTON_HOOK, {}}, {2, BUTTON_HOOK, {}}}};
+    menu.title.set("en", "Tools");
+    menu.entries[1].label.set("en", "two");
     contents.dialogs[OTHER_BOX] = {OTHER_BOX, 50, 50, OTHER_HOOK, {}, {item(ITEM_PUSH_BUTTON, -3, BUTTON_HOOK)}};
     return contents;
 }
@@ -240,7 +247,7 @@ TEST_F(Dialogs, HiddenAndDisabledItemsCannotBeUsed) {
         EXPECT_FALSE(d.press(8));
         EXPECT_FALSE(d.setValue(2, "new"));
         EXPECT_FALSE(d.press(99));
-        EXPECT_FALSE(d.selectRow(0, 0));
+        EXPECT_FALSE(d.selectRows(0, {0}));
     });
     script.press(-3);
     EXPECT_EQ(runModal(), 3);
@@ -264,12 +271,87 @@ TEST_F(Dialogs, AListBoxShowsItsListAndTellsTheChosenRow) {
             EXPECT_EQ(Dialog::cellText(rows, 1, 1), "3");
             EXPECT_EQ(Dialog::cellText(rows, 2, 1), "");
             EXPECT_EQ(Dialog::cellText(rows, 3, 0), "");
-            EXPECT_FALSE(d.selectRow(5, 3));
+            EXPECT_FALSE(d.selectRows(5, {3}));
         })
         .selectRow(ROWS, 2)
         .press(-3);
     EXPECT_EQ(runModal(), 3) << script.fault();
     EXPECT_EQ(row, 2);
+}
+
+TEST_F(Dialogs, AListBoxMayTakeSeveralRowsAndTellsClicks) {
+    const std::unique_ptr<StringList, decltype(&mdlStringList_destroy)> list(mdlStringList_create(6, 0),
+                                                                             mdlStringList_destroy);
+    on(LIST_HOOK, ITEM_CREATE, [&](DialogMessage& m) { mdlDialog_listBoxSetStrListP(m.item, list.get(), 0); });
+    MdlDialog* dialog = open();
+    MdlItem* rows = find(dialog, ITEM_LIST_BOX, ROWS);
+    const auto shown = host::openDialogs().at(0);
+    EXPECT_FALSE(shown->selectRows(5, {4, 1}));
+    EXPECT_EQ(mdlDialog_listBoxSetInfo(rows, 0, 1), MDL_SUCCESS);
+    EXPECT_FALSE(shown->selectRows(5, {4, 6}));
+
+    std::vector<std::pair<int32_t, int32_t>> clicks;  // count, row
+    int32_t doubles = 0;
+    on(LIST_HOOK, ITEM_BUTTON, [&](DialogMessage& m) {
+        clicks.emplace_back(m.clickCount, m.row);
+        if (m.attributes & MDL_DOUBLE_CLICK) doubles += m.state;
+    });
+    EXPECT_TRUE(shown->selectRows(5, {4, 1}));
+    EXPECT_TRUE(shown->activate(5));
+    EXPECT_THAT(clicks, ElementsAre(std::pair(1, 1), std::pair(2, 1)));
+    EXPECT_EQ(doubles, 1);
+
+    MdlCell* cells = nullptr;
+    int32_t count = 0;
+    ASSERT_EQ(mdlDialog_listBoxGetSelections(&cells, &count, rows), MDL_SUCCESS);
+    ASSERT_EQ(count, 2);
+    EXPECT_EQ(cells[0].row, 4);
+    EXPECT_EQ(cells[1].row, 1);
+    dlmSystem_mdlFree(cells);
+    mdlStringList_deleteMember(list.get(), 3, 3);
+    mdlDialog_listBoxSetStrListP(rows, list.get(), 0);
+    EXPECT_THAT(shown->items()[5].selection, ElementsAre(1));
+    EXPECT_EQ(mdlDialog_listBoxGetSelections(&cells, &count, find(dialog, ITEM_TEXT, NAME)), MDL_ERROR);
+    mdlWindow_close(dialog, 0, 1);
+}
+
+TEST_F(Dialogs, MenusStandInTheBarAndPopUpAndCallTheirEntries) {
+    MdlMenu *first = nullptr, *last = nullptr;
+    asApplication("owner", [&] {
+        last = mdlDialog_menuBarInsertMenu(0, MENU, MDL_MENU_HELP);
+        first = mdlDialog_menuBarInsertMenu(0, MENU, MENU);
+        EXPECT_EQ(mdlDialog_menuBarInsertMenu(0, 999, 0), nullptr);
+    });
+    ASSERT_EQ(host::menuBar().size(), 2u);
+    int32_t value = -1;
+    MdlDialog* over = nullptr;
+    on(BUTTON_HOOK, ITEM_BUTTON, [&](DialogMessage& m) {
+        value = m.value;
+        over = m.dialog;
+    });
+    EXPECT_TRUE(host::carryOutHostWord("menu tools/Two"));
+    EXPECT_EQ(value, 2);
+    EXPECT_EQ(over, nullptr);
+    EXPECT_EQ(contexts.back(), application("owner"));
+    EXPECT_EQ(mdlDialog_menuBarDeleteMenu(first), MDL_SUCCESS);
+    EXPECT_EQ(mdlDialog_menuBarDeleteMenu(first), MDL_ERROR);
+    EXPECT_EQ(host::menuBar().size(), 1u);
+
+    MdlDialog* dialog = open();
+    const auto shown = host::openDialogs().at(0);
+    EXPECT_FALSE(shown->askForMenu(5)) << "no hook offers one";
+    on(BOX_HOOK, DIALOG_BUTTON, [&](DialogMessage& m) {
+        if (m.attributes == MDL_SECOND_BUTTON && mdlDialog_itemId(m.item) == ROWS)
+            mdlDialog_offerMenu(m.dialog, 0, MENU);
+    });
+    EXPECT_FALSE(shown->askForMenu(1));
+    EXPECT_TRUE(shown->askForMenu(5));
+    EXPECT_FALSE(shown->choose(2));
+    EXPECT_TRUE(shown->askForMenu(5));
+    EXPECT_TRUE(shown->choose(0));
+    EXPECT_FALSE(shown->choose(0)) << "the menu has gone";
+    EXPECT_EQ(value, 1);
+    EXPECT_EQ(over, dialog);
 }
 
 TEST_F(Dialogs, OptionButtonsCanBeFilledAnew) {
@@ -305,7 +387,7 @@ TEST_F(Dialogs, AComboBoxKeepsItsRowInItsAccessString) {
     MdlDialog* dialog = open();
     MdlItem* printers = find(dialog, ITEM_COMBO_BOX, PRINTERS);
     EXPECT_EQ(mdlDialog_comboBoxGetSelectedRow(printers), 1);
-    EXPECT_TRUE(host::openDialogs().at(0)->selectRow(9, 0));
+    EXPECT_TRUE(host::openDialogs().at(0)->selectRows(9, {0}));
     EXPECT_EQ(settings.used, 0);
     EXPECT_EQ(changed, 1);
     EXPECT_EQ(mdlDialog_comboBoxSelectRow(printers, 1), MDL_SUCCESS);

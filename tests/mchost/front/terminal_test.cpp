@@ -15,9 +15,10 @@
 #include "mchost/dialog/dialog.h"
 #include "mchost/front/dialog_words.h"
 #include "mchost/front/line_editor.h"
-#include "mchost/mdl/dialog.h"
+#include "mchost/mdl/dialog_items.h"
 #include "mchost/mdl/file_dialogs.h"
 #include "mchost/mdl/lists.h"
+#include "mchost/mdl/menu.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/state.h"
 #include "mchost/mdl/system.h"
@@ -31,7 +32,8 @@ using testing::HasSubstr;
 namespace fs = std::filesystem;
 
 enum { NOTICE = 1, QUESTION = 2, FORM = 3, TOOLS = 4 };
-enum { HOOK = 7, LIST_HOOK = 8 };
+enum { HOOK = 7, LIST_HOOK = 8, FORM_HOOK = 9, ENTRY_HOOK = 10 };
+enum { ROW_MENU = 1 };
 
 host::ItemLayout item(int32_t kind, int32_t id, const char* label, int32_t hook = 0) {
     host::ItemLayout layout{kind, id, 0, 0, 10, 10, hook, "", "", {}, {}};
@@ -59,17 +61,37 @@ host::ResourceContents layouts() {
         FORM, "Form",
         {item(ITEM_TEXT, 1, "Name"), device, item(ITEM_TOGGLE, 3, "Frame"), item(ITEM_LIST_BOX, 4, "Rows", LIST_HOOK),
          margin, item(ITEM_PUSH_BUTTON, -3, "Print"), item(ITEM_PUSH_BUTTON, -4, "Preview")});
+    contents.dialogs[FORM].hook = FORM_HOOK;
+    host::MenuLayout& menu = contents.menus[ROW_MENU] = {ROW_MENU, {}, {{0, ENTRY_HOOK, {}}}};
+    menu.title.set("en", "Tools");
+    menu.entries[0].label.set("en", "Drop");
     dialog(TOOLS, "Tools", {item(ITEM_PUSH_BUTTON, 7, "Work"), item(ITEM_PUSH_BUTTON, 8, "Rest")});
     return contents;
 }
 
 StringList* rows = nullptr;
+bool severalRows = false;
+std::string clicked;  // the row of a double click and of a click with the right button, "drop" for the menu's entry
+
+void listHook(DialogMessage* message) {
+    if (message->type == ITEM_CREATE) {
+        mdlDialog_listBoxSetStrListP(message->item, rows, 1);
+        mdlDialog_listBoxSetInfo(message->item, 0, severalRows);
+    }
+    if (message->type == ITEM_BUTTON && message->clickCount == 2) clicked += std::to_string(message->row + 1) + " ";
+}
+
+void formHook(DialogMessage* message) {
+    if (message->type != DIALOG_BUTTON) return;
+    clicked += std::to_string(message->row) + " ";
+    mdlDialog_offerMenu(message->dialog, 0, ROW_MENU);
+}
+
+void entryHook(DialogMessage*) {
+    clicked += "drop ";
+}
 
 void hook(DialogMessage* message) {
-    if (message->hookId == LIST_HOOK) {
-        if (message->type == ITEM_CREATE) mdlDialog_listBoxSetStrListP(message->item, rows, 1);
-        return;
-    }
     if (message->type != ITEM_DRAW) return;
     mdlDialog_textDrawCD(message->dialog, 60, 36, "lower \xe5 \x1b[31m");
     mdlDialog_textDrawCD(message->dialog, 60, 20, "upper \x80");
@@ -114,8 +136,9 @@ class Terminal : public testing::Test {
             host::Session session({.frontEnd = host::makeTerminalFrontEnd(options), .variables = {}});
             RscHandle file = 0;
             mdlResource_openFile(&file, (folder / "dialogs.rsc").c_str(), MDL_RSC_READ);
-            const DialogHook hooks[] = {{HOOK, hook}, {LIST_HOOK, hook}};
-            mdlDialog_hookPublish(2, hooks);
+            const DialogHook hooks[] = {
+                {HOOK, hook}, {LIST_HOOK, listHook}, {FORM_HOOK, formHook}, {ENTRY_HOOK, entryHook}};
+            mdlDialog_hookPublish(4, hooks);
             body();
             mdlResource_closeFile(file);
             status = session.exitStatus();
@@ -226,6 +249,35 @@ TEST_F(Terminal, WrongAnswersAreToldWithTheReasonAndAskedAgain) {
     for (const Case& c : cases) EXPECT_THAT(shown, HasSubstr(c.told)) << c.answer;
     const size_t first = shown.find("--- Form ---");
     EXPECT_EQ(shown.find("--- Form ---", first + 1), shown.npos) << "the dialog isn't shown over the message";
+}
+
+TEST_F(Terminal, ALongListIsShownInPartsAndTakesSpansOfRows) {
+    mdlStringList_insertMember(nullptr, rows, -1, 98);
+    severalRows = true;
+    typed("rows 90\n6=3-5,100,4\n6=all\n6=none\n6=5-3x\nopen 6=second\nright rows=7\nentry 2\nentry drop\nclose\n");
+    run(FORM);
+    severalRows = false;
+    EXPECT_THAT(shown, HasSubstr("      40.  \n    rows 1 to 40 of 100, 0 chosen\n"));
+    EXPECT_THAT(shown, HasSubstr("      90.  \n"));
+    EXPECT_THAT(shown, HasSubstr("    * 100.  \n    rows 90 to 100 of 100, 4 chosen\n"));
+    EXPECT_THAT(shown, HasSubstr("100 chosen\n"));
+    EXPECT_THAT(shown, HasSubstr("is none of its rows, nor numbers of rows such as 1,3-5"));
+    EXPECT_THAT(shown, HasSubstr("Menu:  1. Drop\n"));
+    EXPECT_THAT(shown, HasSubstr("\"2\" is no entry of the menu, nor its number.\n"));
+    EXPECT_EQ(clicked, "2 6 drop ") << "a double click, a click with the right button, an entry";
+}
+
+TEST_F(Terminal, MenusOfApplicationsKeepTheTerminalUntilItIsLeft) {
+    clicked.clear();
+    typed("menu\nmenu tools/none\nnonsense\nmenu tools/drop\n\nmenu tools/drop\n");
+    inSession([] {
+        mdlDialog_menuBarInsertMenu(0, ROW_MENU, 0);
+        host::serve();
+    });
+    EXPECT_EQ(contentsOf("output"), "Tools: Drop\n");
+    EXPECT_THAT(shown, HasSubstr("The menu Tools has no entry \"none\""));
+    EXPECT_THAT(shown, HasSubstr("\"nonsense\" can't be done."));
+    EXPECT_EQ(clicked, "drop ");
 }
 
 TEST_F(Terminal, WhoeverReadsSeesWhatChangesAndAllOfItWhenAsked) {
