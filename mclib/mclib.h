@@ -11,6 +11,7 @@
 #include "mclib/design/element_search.h"
 #include "mclib/design/merge.h"
 #include "mclib/design/text_search.h"
+#include "mclib/dialogs/dialogs.h"
 #include "mclib/elmattr/attributes.h"
 #include "mclib/elmattr/resources.h"
 #include "mclib/forms/forms.h"

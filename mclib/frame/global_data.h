@@ -6,6 +6,8 @@
 #include "mclib/frame/export.h"
 #include "mclib/frame/resource_files.h"
 
+typedef struct MdlCell MdlCell;
+
 // What rooms hang in the block; only the room that writes the field knows what is in them.
 namespace mc {
 struct ElmAttrEditBlock;
@@ -41,13 +43,13 @@ struct GlobalData {
     uint8_t upfIsOpen;                         // frame
     uint8_t upfIsReadOnly;                     // frame
     char** pageNames;                          // forms: ended by a null pointer
-    char* dialogTitle;                         // to come: selection dialogs
-    char* dialogLabel;                         // to come: selection dialogs
+    char* dialogTitle;                         // dialogs
+    char* dialogLabel;                         // dialogs
     char currentPageName[81];                  // forms: the page that is being made
     char applicationName[336];                 // startup
     char introText[14][257];                   // to come: intro and about boxes
     char messageTitles[4][messageTitleSize];   // frame: of the kinds 4, 8, 1, 2
-    void* pdmMenu;                             // to come: selection dialogs
+    void* pdmMenu;                             // dialogs
     double pageAngle;                          // forms: degrees
     double convertedValue;                     // frame: result of the last unit conversion
     double pageScale;                          // forms
@@ -66,13 +68,13 @@ struct GlobalData {
     int32_t isInitApp;                         // startup; frame, once the first design file is open
     int32_t pageInfoPage;                      // forms
     int32_t pageNameCount;                     // forms
-    int32_t listBoxColumns, listBoxRows;       // to come: selection dialogs
+    int32_t listBoxColumns, listBoxRows;       // dialogs
     int32_t nextAttributeId;                   // elmattr
     int32_t initAppCount;                      // frame
-    int32_t selectionCount;                    // to come: selection dialogs
+    int32_t selectionCount;                    // dialogs
     int32_t hourGlassIndex;                    // frame
     int32_t introSeconds;                      // to come: intro and about boxes
-    int32_t selectedRow;                       // to come: selection dialogs
+    int32_t selectedRow;                       // dialogs
     int32_t printPageCode;                     // print
     int32_t pageInfoSaved;                     // forms
     int32_t printDevice;                       // print
@@ -80,10 +82,10 @@ struct GlobalData {
     ElementDescr* previewDescr;                // forms
     wchar_t* levelNameVariables[11];           // elmattr
     RscHandle appRscHandle;                    // startup
-    void* selectionRows;                       // to come: selection dialogs
+    MdlCell* selectionRows;                    // dialogs
     void* plotDescr;                           // forms; print shows where it goes
-    StringList* selectedFiles;                 // to come: lists of design files
-    StringList* selectList;                    // to come: selection dialogs
+    StringList* selectedFiles;                 // dialogs, while one of them is open
+    StringList* selectList;                    // dialogs
     mc::ElmAttrEditBlock* attributeEditBlock;  // elmattr
     mc::ElmAttrRecord* activeRecord;           // elmattr
     mc::ElmAttrRecord* attributeList;          // elmattr
@@ -91,7 +93,8 @@ struct GlobalData {
     mc::PlotPage* plotList;                    // forms
     IdentityBlock* identityBlockP;             // frame
     McHandle upfHandle;                        // frame
-    FileDialogBlock* fileDialogP;              // frame makes it; forms and print write the choices of pages
+    FileDialogBlock* fileDialogP;              // frame makes it; forms and print write the choices of pages,
+                                               // dialogs filter and directory
     void (*initApps[maxInitApps])(void);       // frame
     void (*scaleFunction)(double oldScale, double newScale);  // frame
 };

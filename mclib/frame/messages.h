@@ -1,5 +1,5 @@
 // What the message boxes and the list dialog show. Internal: mclib/frame/messages.cpp fills it, the hooks of the two
-// dialogs lay it out and draw it.
+// dialogs (mclib/dialogs/message_dialogs.cpp) lay it out and draw it.
 #pragma once
 
 #include "mclib/frame/export.h"

@@ -8,7 +8,6 @@
 #include "mclib/frame/applications.h"
 #include "mclib/frame/letters.h"
 #include "mclib/frame/main.h"
-#include "mclib/frame/message_dialogs.h"
 #include "mclib/frame/messages.h"
 #include "mclib/frame/named_messages.hpp"
 #include "mclib/frame/published.h"
@@ -106,7 +105,7 @@ constexpr PublishedBlock published[] = {
 }  // namespace
 
 const Room frameRoom = {.name = "frame",
-                        .hooks = {messageDialogHooks},
+                        .hooks = {},
                         .published = published,
                         .begin = begin,
                         .ready = offerFamilyFolder,

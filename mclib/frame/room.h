@@ -33,7 +33,7 @@ constexpr DialogHook endOfHooks{};
 // All functions but `begin` may be null.
 struct Room {
     const char* name;
-    std::array<const DialogHook*, 2> hooks;  // tables, each ended by endOfHooks; null for none
+    std::array<const DialogHook*, 4> hooks;  // tables, each ended by endOfHooks; null for none
     std::span<const PublishedBlock> published;
 
     // An application starts, whose hooks and blocks are published already: makes what the room has in its block, and

@@ -9,6 +9,7 @@
 #include "mchost/mdl/system.h"
 #include "mclib/arrows/state.h"
 #include "mclib/design/room.h"
+#include "mclib/dialogs/hooks.h"
 #include "mclib/elmattr/table.h"
 #include "mclib/forms/preview_dialog.h"
 #include "mclib/frame/applications.h"
@@ -22,8 +23,8 @@ namespace mc {
 
 namespace {
 
-constexpr const Room* rooms[] = {&frameRoom,  &printRoom,   &formsRoom, &projectRoom,
-                                 &arrowsRoom, &elmattrRoom, &designRoom};
+constexpr const Room* rooms[] = {&frameRoom,   &dialogsRoom, &printRoom,   &formsRoom,
+                                 &projectRoom, &arrowsRoom,  &elmattrRoom, &designRoom};
 
 // Calls a function of each room that has it.
 template <class Function, class... Arguments>

@@ -117,7 +117,7 @@ class PrinterSetup : public LibraryTest {
     }
     static bool enabled(int32_t kind, int32_t id) { return mdlDialog_itemIsEnabled(item(kind, id)) == 1; }
     static int32_t selectedPrinter(const Dialog& dialog) {
-        return dialog.items()[static_cast<size_t>(dialog.indexOf(ITEM_COMBO_BOX, PRINTERS))].selectedRow;
+        return dialog.items()[static_cast<size_t>(dialog.indexOf(ITEM_COMBO_BOX, PRINTERS))].selectedRow();
     }
     // Which group boxes are on show, with how many members.
     static std::string targets(Dialog& dialog) {
@@ -336,7 +336,7 @@ TEST_F(PrinterSetup, ThePrinterOfTheSetupIsSelectedAndAChosenOneTaken) {
     script.check([](Dialog& d) {
         const host::DialogItem& printers = d.items()[static_cast<size_t>(d.indexOf(ITEM_COMBO_BOX, PRINTERS))];
         EXPECT_EQ(Dialog::rowCount(printers), 2);
-        EXPECT_EQ(Dialog::cellText(printers, printers.selectedRow, 1), "\\\\hall\\laser");
+        EXPECT_EQ(Dialog::cellText(printers, printers.selectedRow(), 1), "\\\\hall\\laser");
     });
     script.choose(PRINTERS, 0).check([](Dialog&) {
         EXPECT_STREQ(mdlDialog_itemGetValue(item(ITEM_TEXT, PRINTER_TEXT)), "\\\\hall\\a3");

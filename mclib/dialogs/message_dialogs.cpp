@@ -1,4 +1,4 @@
-#include "mclib/frame/message_dialogs.h"
+#include "mclib/dialogs/hooks.h"
 
 #include <algorithm>
 #include <array>
@@ -15,7 +15,7 @@
 #include "mclib/frame/room.h"
 #include "resources/ids.h"
 
-namespace mc {
+namespace mc::dialogs {
 
 namespace {
 
@@ -86,7 +86,7 @@ void drawHead(MdlDialog* dialog, const DialogRect& rect, int32_t kind, int32_t a
 
 struct ButtonLabel {
     int32_t flag;
-    mc::Text text;
+    Text text;
 };
 constexpr auto buttonLabels = std::to_array<ButtonLabel>({
     {MSGBOX_FIRST_16, ids::texts::ok},
@@ -100,7 +100,7 @@ constexpr auto buttonLabels = std::to_array<ButtonLabel>({
 // The label that a button's flag asks for.
 void setLabel(MdlItem* item, int32_t flag) {
     const auto row = std::ranges::find(buttonLabels, flag, &ButtonLabel::flag);
-    if (row != buttonLabels.end()) mdlDialog_itemSetLabel(item, mc::languageText(row->text));
+    if (row != buttonLabels.end()) mdlDialog_itemSetLabel(item, languageText(row->text));
 }
 
 void layOutBox(MdlDialog* dialog) {
@@ -130,7 +130,7 @@ void messageBox(DialogMessage* message) {
 void messageBoxText(DialogMessage* message) {
     message->handled = 1;
     switch (message->type) {
-        case ITEM_CREATE: message->itemFlags = 0; break;
+        case ITEM_CREATE: message->itemFlags &= ~(ITEM_TAKES_FOCUS | ITEM_IS_DEFAULT); break;
         case ITEM_DRAW: {
             DialogRect rect;
             mdlDialog_itemRect(&rect, message->item);
@@ -191,7 +191,7 @@ void drawListHead(MdlDialog* dialog, MdlItem* item) {
 void listHead(DialogMessage* message) {
     message->handled = 1;
     switch (message->type) {
-        case ITEM_CREATE: message->itemFlags = 0; break;
+        case ITEM_CREATE: message->itemFlags &= ~(ITEM_TAKES_FOCUS | ITEM_IS_DEFAULT); break;
         case ITEM_DRAW: drawListHead(message->dialog, message->item); break;
         default: message->handled = 0;
     }
@@ -221,7 +221,7 @@ void saveList(DialogMessage* message) {
     message->handled = message->type == ITEM_BUTTON && message->state == 1;
     if (!message->handled || !messageState->messageList) return;
     char fileName[256];
-    if (mclibUpf_defFileCreate(fileName, nullptr, "*.txt", nullptr, mc::languageText(ids::texts::saveList),
+    if (mclibUpf_defFileCreate(fileName, nullptr, "*.txt", nullptr, languageText(ids::texts::saveList),
                                savedListRecord) == 0)
         writeLines(fileName, messageState->messageList);
 }
@@ -238,4 +238,4 @@ const DialogHook messageDialogHooks[] = {
     endOfHooks,
 };
 
-}  // namespace mc
+}  // namespace mc::dialogs
