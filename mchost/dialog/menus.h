@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "mchost/mdl/menu.h"
+#include "mchost/mdl/menu_bar.h"
 
 namespace host {
 

@@ -1,7 +1,7 @@
 // Small calls on items and menus.
 #include "mchost/mdl/dialog_items.h"
 #include "mchost/mdl/lists.h"
-#include "mchost/mdl/menu.h"
+#include "mchost/mdl/menu_bar.h"
 #include "mclib/dialogs/dialogs.h"
 #include "mclib/dialogs/selection.h"
 #include "mclib/frame/main.h"

@@ -63,7 +63,9 @@ void publish() {
 bool beginRooms(GlobalData& data, const Start& start) {
     for (const Room* room : rooms) {
         if (room->begin(data, start)) continue;
-        toolSubsystem_printf("MCLib: there is no memory for %s (%s)\n", data.applicationName, room->name);
+        const std::string brief =
+            std::string("There is no memory for ") + data.applicationName + " (" + room->name + ")";
+        mdlOutput_messageCenter(MDL_PRIORITY_ERROR, brief.c_str(), "Close other programs, and start it again.", 0);
         return false;
     }
     return true;

@@ -11,7 +11,7 @@
 #include "mchost/front/scripted.h"
 #include "mchost/mdl/dialog_items.h"
 #include "mchost/mdl/lists.h"
-#include "mchost/mdl/menu.h"
+#include "mchost/mdl/menu_bar.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/container.h"

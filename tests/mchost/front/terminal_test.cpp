@@ -18,7 +18,7 @@
 #include "mchost/mdl/dialog_items.h"
 #include "mchost/mdl/file_dialogs.h"
 #include "mchost/mdl/lists.h"
-#include "mchost/mdl/menu.h"
+#include "mchost/mdl/menu_bar.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/state.h"
 #include "mchost/mdl/system.h"

@@ -2,8 +2,8 @@
  * resource file; each entry has a value and a hook. Choosing an entry calls its hook, in the application that brought
  * the menu, with ITEM_BUTTON, state 1 and the entry's value; the dialog is the one that the menu popped up over, else
  * null. */
-#ifndef HOST_MDL_MENU_H
-#define HOST_MDL_MENU_H
+#ifndef HOST_MDL_MENU_BAR_H
+#define HOST_MDL_MENU_BAR_H
 
 #include "dialog.h"
 
