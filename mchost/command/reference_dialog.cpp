@@ -130,7 +130,7 @@ void tellNothingChosen() {
 
 void act(const Action& action, const Dialog& dialog) {
     const std::vector<ModelRef*> places = attachedPlaces();
-    const auto row = static_cast<size_t>(dialog.items()[0].selectedRow);
+    const auto row = static_cast<size_t>(dialog.items()[0].selectedRow());
     if (row >= places.size()) return tellNothingChosen();
     carryOutHostWord(lineFor(action, dialog, *places[row]));
 }

@@ -167,7 +167,7 @@ TEST_F(ReferenceWindow, ShowsWhatIsAttachedAndDoesWhatTheKeyInsDo) {
     press("Attach...");
     attachPart(" 1,1");
     EXPECT_EQ(rows(), "1: my part.mcd, on, at 0,0\n2: my part.mcd, on, at 1,1\n") << "also what a key-in does";
-    EXPECT_TRUE(dialog().selectRow(0, 1));
+    EXPECT_TRUE(dialog().selectRows(0, {1}));
     fill("x", "10");
     press("Move");
     EXPECT_THAT(rows(), EndsWith("at 11,1\n"));
