@@ -31,8 +31,10 @@ enum ExitStatus { done = 0, failed = 1 };
 constexpr const char* listSuffix = ".txt";
 
 std::string outputBase(const Options& options) {
-    if (options.out.empty()) return fs::path(options.input).stem().string() + "-list";
+    const std::string name = fs::path(options.input).stem().string() + "-list";
+    if (options.out.empty()) return name;
     const fs::path out = options.out;
+    if (out.filename().empty() || fs::is_directory(mcapp::systemPath(out))) return (out / name).string();
     return (out.extension() == listSuffix ? fs::path(out).replace_extension() : out).string();
 }
 

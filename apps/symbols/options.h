@@ -10,7 +10,7 @@ namespace symbols {
 struct Options {
     std::string input;
     std::vector<std::string> drawings, lists;
-    std::string out;   // the list that is made, without suffix; empty: the input's name, in the current folder
+    std::string out;   // the list that is made, or a folder for it; empty: the current one
     std::string mark;  // the folder for drawings with marks; empty: there are none
     bool overwrite = false;
 };

@@ -186,6 +186,9 @@ TEST_F(Symbols, NothingIsMadeWhenADrawingCannotBeCounted) {
     write("s-list.txt", "mine");
     EXPECT_THAT(run("s.txt a.mcd").output, HasSubstr("--overwrite"));
     EXPECT_EQ(read("s-list.txt"), "mine");
+    for (const char* out : {"made", "made.txt", ".", "./"}) run("s.txt a.mcd --overwrite --out " + std::string(out));
+    EXPECT_EQ(files(), (std::vector<std::string>{"a.mcd", "bad.mcd", "made.txt", "s-list.txt", "s.txt"}));
+    EXPECT_NE(read("s-list.txt"), "mine");
     EXPECT_EQ(run("s.txt").status, 2);
     EXPECT_EQ(run("").status, 2);
     EXPECT_EQ(run("s.txt a.mcd --mark").status, 2);
