@@ -22,10 +22,6 @@ ElementHead activeHead() {
     return head;
 }
 
-constexpr bool isClosedType(int type) {
-    return type == MDL_SHAPE || type == MDL_ELLIPSE || type == MDL_COMPLEX_SHAPE;
-}
-
 }  // namespace
 
 NewElement::NewElement(MSElementBuffer* out, const MSElementBuffer* templateP, int type) : out_(out) {
@@ -45,14 +41,11 @@ void NewElement::setFilled(bool filled) {
 
 uint8_t* NewElement::body(size_t bytes) {
     const size_t padded = (bytes + 7) & ~size_t{7}, end = headBytes + padded;
-    const bool modified = mdlLinkage_getWords(&style_.header) * 2 == sizeof style_;
-    if (bytes > MDL_ELEMENT_BYTES || end + (modified ? sizeof style_ : 0) > MDL_ELEMENT_BYTES) return nullptr;
+    const size_t styleBytes = mdlLinkage_getWords(&style_.header) * 2;
+    if (bytes > MDL_ELEMENT_BYTES || end + styleBytes > MDL_ELEMENT_BYTES) return nullptr;
     head_.attributeOffset = static_cast<uint32_t>(end / 2);
-    head_.size = head_.attributeOffset;
-    if (modified) {
-        storeAt(out_, end, style_);
-        head_.size += sizeof style_ / 2;
-    }
+    head_.size = head_.attributeOffset + static_cast<uint32_t>(styleBytes / 2);
+    std::memcpy(out_->bytes + end, &style_, styleBytes);
     storeAt(out_, 0, head_);
     std::memset(out_->bytes + headBytes + bytes, 0, padded - bytes);
     return out_->bytes + headBytes;

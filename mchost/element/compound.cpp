@@ -20,7 +20,7 @@ void takeSymbology(MSElementBuffer* part, const MSElementBuffer* compound) {
     head.weight = from.weight;
     head.style = from.style;
     storeAt(part, 0, head);
-    LineStyleLinkage style;
+    LineStyleLinkage style{};
     if (readLineStyleLinkage(compound, style))
         mdlLinkage_appendToElement(part, &style.header, &style.modifiers, 0, 0);  // one that has no room goes without
 }

@@ -33,6 +33,20 @@ void dropLineStyleModifiers(MSElementBuffer* element) {
     mdlLinkage_deleteFromElement(element, linkageLineStyle, nullptr, nullptr, nullptr, nullptr);
 }
 
+LineStyleLinkage linkageOf(const LineStyleParams& params) {
+    return {{MDL_LINKAGE_USER, linkageLineStyle},
+            params.modifiers,
+            params.scale,
+            params.startWidth,
+            params.endWidth,
+            params.dashScale,
+            params.gapScale};
+}
+
+LineStyleParams paramsOf(const LineStyleLinkage& style) {
+    return {style.modifiers, style.scale, style.startWidth, style.endWidth, style.dashScale, style.gapScale};
+}
+
 }  // namespace
 
 MSElementBuffer* dgnBufP = &sharedBuffer;
@@ -132,16 +146,16 @@ int mdlElement_setProperties(MSElementBuffer* element, const uint32_t* level, co
 }
 
 int mdlElement_setLineStyle(MSElementBuffer* element, const char* name, const LineStyleParams* params) noexcept {
-    int32_t number = 0;
-    if (!soundBytes(element) || !name) return MDL_ERROR;
-    if (drawing().lineStyleFromName(&number, name, nullptr) != MDL_SUCCESS) return MDL_ERROR;
-    LineStyleLinkage style{{MDL_LINKAGE_USER, linkageLineStyle}, 0, 1, 0, 0};
-    mdlLinkage_setWords(&style.header, sizeof style / 2);
-    if (params) style.modifiers = params->modifiers, style.scale = params->scale;
-    if (params) style.startWidth = params->startWidth, style.endWidth = params->endWidth;
-    LineStyleLinkage before;
-    const size_t grows = params && !readLineStyleLinkage(element, before) ? sizeof style : 0;
-    if (soundBytes(element) + grows > MDL_ELEMENT_BYTES) return MDL_ERROR;
+    if (!soundBytes(element)) return MDL_ERROR;
+    int32_t number = headOf(element).style;
+    if (!name && number >= 0) return MDL_ERROR;
+    if (name && drawing().lineStyleFromName(&number, name, nullptr) != MDL_SUCCESS) return MDL_ERROR;
+    LineStyleLinkage style = params ? linkageOf(*params) : LineStyleLinkage{};
+    setWordsOf(style);
+    LineStyleLinkage before{};
+    readLineStyleLinkage(element, before);
+    const size_t bytes = soundBytes(element) - mdlLinkage_getWords(&before.header) * 2;
+    if (params && bytes + mdlLinkage_getWords(&style.header) * 2 > MDL_ELEMENT_BYTES) return MDL_ERROR;
     dropLineStyleModifiers(element);
     ElementHead head = headOf(element);
     head.style = number;
@@ -153,6 +167,22 @@ int mdlElement_setLineStyle(MSElementBuffer* element, const char* name, const Li
 int mdlElement_getLineStyleParams(LineStyleParams* params, const MSElementBuffer* element) noexcept {
     LineStyleLinkage style;
     if (!params || !element || !readLineStyleLinkage(element, style)) return MDL_ERROR;
-    *params = {style.modifiers, style.scale, style.startWidth, style.endWidth};
+    *params = paramsOf(style);
+    return MDL_SUCCESS;
+}
+
+int mdlElement_getLineStyle(int32_t* styleP, LineStyleParams* params, const MSElementBuffer* element) noexcept {
+    if (!soundBytes(element) || headOf(element).style >= 0) return MDL_ERROR;
+    LineStyleParams own{0, 1, 0, 0, 1, 1};
+    mdlElement_getLineStyleParams(&own, element);
+    const auto fallBack = [&](uint32_t modifier, double& scale) {
+        if (own.modifiers & modifier) return;
+        scale = own.modifiers & LINE_STYLE_SCALE ? own.scale : 1;
+        if (own.modifiers & LINE_STYLE_SCALE) own.modifiers |= modifier;
+    };
+    fallBack(LINE_STYLE_DASH_SCALE, own.dashScale);
+    fallBack(LINE_STYLE_GAP_SCALE, own.gapScale);
+    if (styleP) *styleP = headOf(element).style;
+    if (params) *params = own;
     return MDL_SUCCESS;
 }

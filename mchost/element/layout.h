@@ -110,14 +110,22 @@ enum HostLinkage : uint16_t {
     linkageCellName = 0x4801,         // a count of 16-bit characters, then these
     linkageCellDescription = 0x4802,  // the same
     linkageLineStyle = 0x4803,        // LineStyleLinkage
+    linkageFillColor = 0x4804,        // FillColorLinkage
 };
 
 struct LineStyleLinkage {
     LinkageHeader header;
     uint32_t modifiers;
     double scale, startWidth, endWidth;
+    double dashScale, gapScale;  // left out when neither counts
 };
-static_assert(sizeof(LineStyleLinkage) == 32);
+static_assert(sizeof(LineStyleLinkage) == 48 && offsetof(LineStyleLinkage, dashScale) == 32);
+
+struct FillColorLinkage {
+    LinkageHeader header;
+    int32_t color;
+};
+static_assert(sizeof(FillColorLinkage) == 8);
 
 template <class T>
 T loadAt(const MSElementBuffer* element, size_t offset) {
@@ -252,6 +260,11 @@ constexpr bool isCompoundType(int type) {
 constexpr bool isPlainType(int type) {
     return type == MDL_LINE || type == MDL_LINE_STRING || type == MDL_SHAPE || type == MDL_ELLIPSE || type == MDL_ARC ||
            type == MDL_TEXT || type == MDL_BSPLINE;
+}
+
+// Those that have an inside, which can be filled.
+constexpr bool isClosedType(int type) {
+    return type == MDL_SHAPE || type == MDL_ELLIPSE || type == MDL_COMPLEX_SHAPE;
 }
 
 constexpr bool isHeaderType(int type) {

@@ -66,9 +66,16 @@ void removeBytes(MSElementBuffer* element, const Found& found) {
 bool readLineStyleLinkage(const MSElementBuffer* element, LineStyleLinkage& style) {
     Found found;
     LinkageWalk walk(element);
-    if (!walk.nextUser(found, linkageLineStyle) || found.bytes != sizeof style) return false;
-    style = loadAt<LineStyleLinkage>(element, found.offset);
+    if (!walk.nextUser(found, linkageLineStyle)) return false;
+    if (found.bytes != sizeof style && found.bytes != offsetof(LineStyleLinkage, dashScale)) return false;
+    style = {};
+    std::memcpy(&style, element->bytes + found.offset, found.bytes);
     return true;
+}
+
+void setWordsOf(LineStyleLinkage& style) {
+    const bool whole = (style.modifiers & (LINE_STYLE_DASH_SCALE | LINE_STYLE_GAP_SCALE)) != 0;
+    mdlLinkage_setWords(&style.header, (whole ? sizeof style : offsetof(LineStyleLinkage, dashScale)) / 2);
 }
 
 }  // namespace host

@@ -188,17 +188,29 @@ MDL_EXPORT int mdlLinkage_deleteFromElement(MSElementBuffer *element, uint16_t p
 
 typedef struct LineStyleParams {
     uint32_t modifiers; /* which of the values count: LINE_STYLE_... */
-    double scale;
+    double scale;                /* of the whole pattern */
     double startWidth, endWidth;
+    double dashScale, gapScale;  /* of its dashes and of its gaps, in place of `scale` */
 } LineStyleParams;
-enum { LINE_STYLE_SCALE = 0x01, LINE_STYLE_START_WIDTH = 0x08, LINE_STYLE_END_WIDTH = 0x10 };
+enum {
+    LINE_STYLE_SCALE = 0x01,
+    LINE_STYLE_DASH_SCALE = 0x02,
+    LINE_STYLE_GAP_SCALE = 0x04,
+    LINE_STYLE_START_WIDTH = 0x08,
+    LINE_STYLE_END_WIDTH = 0x10
+};
 
-/* Gives the element a named line style, with its modifiers kept in a linkage. MDL_ERROR for a name that the active
- * model hasn't. */
+/* Gives the element a named line style (name null: the one that it has), with its modifiers kept in a linkage.
+ * MDL_ERROR for a name that the active model hasn't, and for an element without a named style when none is given. */
 MDL_EXPORT int mdlElement_setLineStyle(MSElementBuffer *element, const char *name,
                                        const LineStyleParams *params) MDL_NOEXCEPT;
 /* MDL_ERROR, with nothing stored, when the element has none. */
 MDL_EXPORT int mdlElement_getLineStyleParams(LineStyleParams *params, const MSElementBuffer *element) MDL_NOEXCEPT;
+/* The number of the element's named style and the modifiers in effect: a scale of the whole pattern counts as one of
+ * dashes and of gaps where these have none of their own. MDL_ERROR, with nothing stored, for a built-in style and one
+ * that is taken from the level. */
+MDL_EXPORT int mdlElement_getLineStyle(int32_t *styleP, LineStyleParams *params,
+                                       const MSElementBuffer *element) MDL_NOEXCEPT;
 
 /* ---- B-spline curves ---- */
 

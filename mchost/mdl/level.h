@@ -24,13 +24,18 @@ MDL_EXPORT int mdlLevel_getNextId(LevelId *idP, ModelRef *model) MDL_NOEXCEPT;
  * element that is on it. */
 MDL_EXPORT int mdlLevel_create(LevelId *idP, ModelRef *model, const wchar_t *name) MDL_NOEXCEPT;
 /* What elements on the level take by level: colour, style, modifiers of a named style (LineStyleParams), weight, fill
- * colour. Null pointers leave alone. */
+ * colour. Null pointers leave alone; dash and gap scales of the modifiers don't count. */
 MDL_EXPORT int mdlLevel_setElementSymbology(ModelRef *model, LevelId id, const uint32_t *color, const int32_t *style,
                                             const void *styleParams, const uint32_t *weight,
                                             const uint32_t *fillColor) MDL_NOEXCEPT;
 /* What the level overrides while it is on; zeros are none. */
 MDL_EXPORT int mdlLevel_setSymbology(ModelRef *model, LevelId id, uint32_t color, int32_t style,
                                      uint32_t weight) MDL_NOEXCEPT;
+/* The same, and for each of the three whether it is overridden, 1 or 0; null pointers are left alone. MDL_ERROR for a
+ * level that the model hasn't. */
+MDL_EXPORT int mdlLevel_getSymbology(uint32_t *color, int32_t *style, uint32_t *weight, int32_t *overridesColor,
+                                     int32_t *overridesStyle, int32_t *overridesWeight, ModelRef *model,
+                                     LevelId id) MDL_NOEXCEPT;
 MDL_EXPORT int mdlLevel_getElementSymbology(uint32_t *color, int32_t *style, uint32_t *weight, ModelRef *model,
                                             LevelId id) MDL_NOEXCEPT;
 /* Stores the levels of the model in its file; those that came with cells alone are stored with the first element. */

@@ -9,8 +9,10 @@
 typedef struct MdlLook {
     int32_t color, weight, style;
     double styleScale; /* of the style's pattern */
+    double dashScale, gapScale; /* of its dashes and of its gaps, beside styleScale */
     double styleWidth; /* of the line, in master units; 0: as its weight tells */
-    int32_t filled;    /* 1: a closed outline is filled with its colour */
+    int32_t filled;    /* 1: a closed outline is filled */
+    int32_t fillColor; /* of the fill; below 0: that of the line */
     ModelRef *model;   /* of the element; may be null */
 } MdlLook;
 

@@ -210,7 +210,7 @@ void loadLevels(Database& database, Model& model) {
             {.id = word(1),
              .code = number(2),
              .name = fromUtf8(s.text(3)),
-             .byLevel = {word(4), number(5), word(6), word(7), {word(8), s.real(9), s.real(10), s.real(11)}},
+             .byLevel = {word(4), number(5), word(6), word(7), {word(8), s.real(9), s.real(10), s.real(11), 1, 1}},
              .override = {word(12), number(13), word(14)},
              .stored = true});
     }

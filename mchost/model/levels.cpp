@@ -195,6 +195,7 @@ int mdlLevel_setElementSymbology(ModelRef* model, LevelId id, const uint32_t* co
         takeIfGiven(level.byLevel.color, color);
         takeIfGiven(level.byLevel.style, style);
         takeIfGiven(level.byLevel.styleParams, params);
+        level.byLevel.styleParams.modifiers &= ~uint32_t{LINE_STYLE_DASH_SCALE | LINE_STYLE_GAP_SCALE};
         takeIfGiven(level.byLevel.weight, weight);
         takeIfGiven(level.byLevel.fillColor, fillColor);
     });
@@ -202,6 +203,21 @@ int mdlLevel_setElementSymbology(ModelRef* model, LevelId id, const uint32_t* co
 
 int mdlLevel_setSymbology(ModelRef* model, LevelId id, uint32_t color, int32_t style, uint32_t weight) noexcept {
     return changeLevel(model, id, [&](Level& level) { level.override = {color, style, weight}; });
+}
+
+int mdlLevel_getSymbology(uint32_t* color, int32_t* style, uint32_t* weight, int32_t* overridesColor,
+                          int32_t* overridesStyle, int32_t* overridesWeight, ModelRef* model, LevelId id) noexcept {
+    const Model* found = levelModel(model);
+    const Level* level = found ? findLevel(*found, id) : nullptr;
+    if (!level) return MDL_ERROR;
+    const LevelOverride& own = level->override;
+    if (color) *color = own.color;
+    if (style) *style = own.style;
+    if (weight) *weight = own.weight;
+    if (overridesColor) *overridesColor = own.color != 0;
+    if (overridesStyle) *overridesStyle = own.style != 0;
+    if (overridesWeight) *overridesWeight = own.weight != 0;
+    return MDL_SUCCESS;
 }
 
 int mdlLevel_getElementSymbology(uint32_t* color, int32_t* style, uint32_t* weight, ModelRef* model,

@@ -21,7 +21,7 @@ struct LevelSymbology {
     int32_t style = 0;
     uint32_t weight = 0;
     uint32_t fillColor = 0;
-    LineStyleParams styleParams = {0, 1, 0, 0};
+    LineStyleParams styleParams = {0, 1, 0, 0, 1, 1};
 };
 
 struct LevelOverride {

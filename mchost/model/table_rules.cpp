@@ -90,7 +90,8 @@ bool isDashPattern(std::span<const double> pattern) {
 }
 
 bool isFinite(const LineStyleParams& params) {
-    return std::isfinite(params.scale) && std::isfinite(params.startWidth) && std::isfinite(params.endWidth);
+    return std::isfinite(params.scale) && std::isfinite(params.startWidth) && std::isfinite(params.endWidth) &&
+           std::isfinite(params.dashScale) && std::isfinite(params.gapScale);
 }
 
 bool isFinite(const TextStyle& style) {

@@ -6,6 +6,7 @@
 #include "mchost/base/guard.h"
 #include "mchost/element/compound.h"
 #include "mchost/element/descriptor.h"
+#include "mchost/element/fill.h"
 #include "mchost/element/geometry.h"
 #include "mchost/element/layout.h"
 #include "mchost/element/range.h"
@@ -16,11 +17,22 @@
 namespace host {
 namespace {
 
+// Dashes and gaps with a scale of their own.
+void takeOwnScales(MdlLook& look, const MSElementBuffer* element) {
+    LineStyleParams params;
+    if (look.styleScale == 0 || mdlElement_getLineStyle(nullptr, &params, element) != MDL_SUCCESS) return;
+    if (params.modifiers & LINE_STYLE_DASH_SCALE) look.dashScale = params.dashScale / look.styleScale;
+    if (params.modifiers & LINE_STYLE_GAP_SCALE) look.gapScale = params.gapScale / look.styleScale;
+}
+
 MdlLook lookOf(const ElementDescr& node) {
     MdlLook look = {};
     mdlElement_getEffectiveSymbology(&look.color, &look.weight, &look.style, &look.styleScale, &look.styleWidth,
                                      node.element, node.model);
+    look.dashScale = look.gapScale = 1;
+    takeOwnScales(look, node.element);
     look.filled = mdlElement_isFilled(node.element);
+    look.fillColor = fillColorOf(node.element).value_or(-1);
     look.model = node.model;
     return look;
 }

@@ -84,7 +84,8 @@ std::vector<double> namedDashes(const MdlLook& look, double mmPerMaster) {
     std::vector<double> lengths(mostDashes);
     if (mdlLineStyle_getPattern(lengths.data(), &count, look.style, look.model) != MDL_SUCCESS) count = 0;
     lengths.resize(static_cast<size_t>(count));
-    for (double& length : lengths) length *= mmPerMaster * look.styleScale;
+    for (size_t i = 0; i < lengths.size(); ++i)
+        lengths[i] *= mmPerMaster * look.styleScale * (i % 2 == 0 ? look.dashScale : look.gapScale);
     return lengths;
 }
 
@@ -204,8 +205,8 @@ Point3d Sheet::onPaper(const Point3d& p) const {
             std::clamp((range_.high.y - p.y) * scale_, -farOff, farOff), 0};
 }
 
-void Sheet::takeColor(const MdlLook& look) {
-    const PaperColor color = highlights_ ? highlightColor : paperColor(look.color);
+void Sheet::takeColor(int32_t index) {
+    const PaperColor color = highlights_ ? highlightColor : paperColor(index);
     cairo_set_source_rgb(pen_.get(), color.red, color.green, color.blue);
 }
 
@@ -231,13 +232,17 @@ void Sheet::setDashes(const MdlLook& look, double mmPerMaster) {
 
 void Sheet::drawLine(std::span<const Point3d> points, const MdlLook& look) {
     cairo_t* pen = pen_.get();
-    takeColor(look);
+    takeColor(look.color);
     for (const Point3d& p : points) {
         const Point3d at = onPaper(p);
         cairo_line_to(pen, at.x, at.y);
     }
     if (points.front() == points.back()) cairo_close_path(pen);
-    if (look.filled) cairo_fill_preserve(pen);
+    if (look.filled) {
+        takeColor(look.fillColor < 0 ? look.color : look.fillColor);
+        cairo_fill_preserve(pen);
+        takeColor(look.color);
+    }
     const double mmPerMaster = mdlModelRef_getUorPerMaster(look.model) * scale_;
     setDashes(look, mmPerMaster);
     const double width = penWidth(look, mmPerMaster);
@@ -262,7 +267,7 @@ void Sheet::drawText(const TextView& view, const MdlLook& look) {
     const double upright = length(up) / length(along);
     const Point3d leaning = up + along * (lean * upright);
     const cairo_matrix_t face{along.x * wide, -along.y * wide, -leaning.x * high, leaning.y * high, 0, 0};
-    takeColor(look);
+    takeColor(look.color);
     cairo_set_font_matrix(pen, &face);
     cairo_move_to(pen, at.x, at.y);
     cairo_show_text(pen, utf8.c_str());

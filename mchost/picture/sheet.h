@@ -66,7 +66,7 @@ class Sheet : public Canvas {
     void drawText(const TextView& text, const MdlLook& look);
     void setDashes(const MdlLook& look, double mmPerMaster);
     Point3d onPaper(const Point3d& p) const;
-    void takeColor(const MdlLook& look);
+    void takeColor(int32_t index);
 
     PictureKind kind_;
     std::unique_ptr<std::FILE, decltype(&std::fclose)> file_;  // null: it couldn't be opened

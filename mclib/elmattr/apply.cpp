@@ -33,7 +33,7 @@ const ElmAttrRecord* recordOfCurrentApplication(int id) {
 void applyNamedStyle(MSElementBuffer* element, const ElmAttrData& data) {
     int32_t number = 0;
     if (mdlLineStyle_numberFromName(&number, data.styleName, mdlModelRef_getActive()) != MDL_SUCCESS) return;
-    LineStyleParams params = {0, data.styleScale, data.styleWidth, data.styleWidth};
+    LineStyleParams params = {0, data.styleScale, data.styleWidth, data.styleWidth, 1, 1};
     if (uses(data, ATTR_USE_STYLE_WIDTH)) params.modifiers |= LINE_STYLE_START_WIDTH | LINE_STYLE_END_WIDTH;
     if (uses(data, ATTR_USE_STYLE_SCALE)) params.modifiers |= LINE_STYLE_SCALE;
     mdlElement_setLineStyle(element, data.styleName, &params);

@@ -20,7 +20,7 @@ class StyledElements : public SessionTest {
 
     TestElement e;
     int32_t number = 0;
-    const LineStyleParams wide{LINE_STYLE_SCALE | LINE_STYLE_START_WIDTH, 2.5, 0.1, 0.2};
+    const LineStyleParams wide{LINE_STYLE_SCALE | LINE_STYLE_START_WIDTH, 2.5, 0.1, 0.2, 1, 1};
 };
 
 TEST_F(StyledElements, ModifiersStayWithTheNamedStyle) {
@@ -40,6 +40,26 @@ TEST_F(StyledElements, ModifiersStayWithTheNamedStyle) {
     const int32_t dashed = 2;
     mdlElement_setSymbology(e, nullptr, nullptr, &dashed);
     EXPECT_EQ(mdlElement_getLineStyleParams(&back, e), MDL_ERROR);
+}
+
+TEST_F(StyledElements, ScalesOfDashesAndGapsFallBackOnThatOfThePattern) {
+    LineStyleParams told{};
+    int32_t style = 0;
+    EXPECT_EQ(mdlElement_getLineStyle(&style, &told, e), MDL_ERROR) << "a built-in one";
+    EXPECT_EQ(mdlElement_setLineStyle(e, nullptr, &wide), MDL_ERROR);
+    ASSERT_EQ(mdlElement_setLineStyle(e, "fence", nullptr), MDL_SUCCESS);
+    ASSERT_EQ(mdlElement_getLineStyle(&style, &told, e), MDL_SUCCESS);
+    EXPECT_EQ(std::tuple(style, told.modifiers, told.scale, told.dashScale, told.gapScale),
+              std::tuple(number, 0u, 1.0, 1.0, 1.0));
+    LineStyleParams params = wide;
+    params.modifiers |= LINE_STYLE_GAP_SCALE;
+    params.gapScale = 7;
+    ASSERT_EQ(mdlElement_setLineStyle(e, nullptr, &params), MDL_SUCCESS);
+    EXPECT_EQ(mdlElement_bytes(e), 32u + 48u + 48u);
+    ASSERT_EQ(mdlLineString_create(e, e, ends, 2), MDL_SUCCESS);
+    ASSERT_EQ(mdlElement_getLineStyle(&style, &told, e), MDL_SUCCESS);
+    EXPECT_EQ(std::tuple(style, told.modifiers, told.scale, told.dashScale, told.gapScale, told.endWidth),
+              std::tuple(number, 0x0Fu, 2.5, 2.5, 7.0, 0.2));
 }
 
 TEST_F(StyledElements, UnknownStyleLeavesTheElement) {

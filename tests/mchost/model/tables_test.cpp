@@ -70,8 +70,8 @@ TEST_F(Levels, ByLevelValuesComeFromTheLevel) {
     mdlLevel_create(&level, nullptr, L"Kerb");
     const uint32_t color = 5, weight = 3;
     const int32_t style = 2;
-    const LineStyleParams params = {LINE_STYLE_SCALE | LINE_STYLE_START_WIDTH, 2.5, 4, 4};
-    const LineStyleParams endless = {LINE_STYLE_SCALE, std::numeric_limits<double>::quiet_NaN(), 0, 0};
+    const LineStyleParams params = {LINE_STYLE_SCALE | LINE_STYLE_START_WIDTH, 2.5, 4, 4, 1, 1};
+    const LineStyleParams endless = {LINE_STYLE_SCALE, std::numeric_limits<double>::quiet_NaN(), 0, 0, 1, 1};
     EXPECT_EQ(mdlLevel_setElementSymbology(nullptr, level, &color, &style, &params, &weight, nullptr), MDL_SUCCESS);
     EXPECT_EQ(mdlLevel_setElementSymbology(nullptr, level, nullptr, nullptr, &endless, nullptr, nullptr), MDL_ERROR);
     EXPECT_EQ(mdlLevelTable_rewrite(nullptr), MDL_SUCCESS);
