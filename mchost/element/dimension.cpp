@@ -6,8 +6,8 @@
 #include "mchost/base/number_format.h"
 #include "mchost/element/build.h"
 #include "mchost/element/compound.h"
+#include "mchost/element/text.h"
 #include "mchost/mdl/compound.h"
-#include "mchost/mdl/text.h"
 #include "mchost/session/drawing.h"
 
 namespace host {
@@ -87,9 +87,7 @@ std::wstring distanceText(const Point3d* ends) {
 
 // The active size in the current system.
 TextSize activeSize() {
-    double uor = 0;
-    mdlParams_getActive(&uor, MDL_PARAM_TEXT_SIZE);
-    const double size = length(applyToVector(currentFromWorld(), {uor, 0, 0}));
+    const double size = length(applyToVector(currentFromWorld(), {activeTextSize(), 0, 0}));
     return {1, size, size, 1};
 }
 

@@ -34,11 +34,6 @@ uint16_t storedCharacter(wchar_t c) {
     return c > 0 && c <= 0xFFFF ? static_cast<uint16_t>(c) : '?';
 }
 
-double activeTextSize() {
-    double uor = 0;
-    return mdlParams_getActive(&uor, MDL_PARAM_TEXT_SIZE) == MDL_SUCCESS ? uor : 0;
-}
-
 // A vector along `direction` of the current system: `size` units of it, or the active text size without one.
 Point3d sizedAxis(const Point3d& direction, const double* size) {
     const Point3d unit = applyToVector(currentToWorld(), direction);
@@ -127,6 +122,11 @@ int buildText(MSElementBuffer* out, const MSElementBuffer* templateP, TextBody b
 }
 
 }  // namespace
+
+double activeTextSize() {
+    double uor = 0;
+    return mdlParams_getActive(&uor, MDL_PARAM_TEXT_SIZE) == MDL_SUCCESS ? uor : 0;
+}
 
 void storeCharacters(uint8_t* to, std::string_view text) {
     for (const char c : text) {

@@ -23,6 +23,8 @@ RotMatrix rotationOf(const TextBody& body);
 TextSize sizeOf(const TextBody& body);
 TextParams paramsOf(const TextBody& body);
 
+double activeTextSize();  // UOR
+
 // Stores the characters of a text in Windows-1252, 16 bits each.
 void storeCharacters(uint8_t* to, std::string_view text);
 

@@ -189,4 +189,101 @@ TEST_F(Compounds, DamagedOnesAreNeitherOpenedNorMeasured) {
     EXPECT_EQ(mdlElmdscr_fromCompoundElement(&opened.ed, parts.ed->element, nullptr), MDL_ERROR) << "a line";
 }
 
+// ---- dimensions and multi-lines ----
+
+// What shows an element: types, and the points of lines or the words of texts.
+std::string shown(const MSElementBuffer* e) {
+    DescriptorHolder parts;
+    if (mdlElmdscr_fromCompoundElement(&parts.ed, e, nullptr) != MDL_SUCCESS) return "";
+    std::string all;
+    for (const ElementDescr* ed = parts.ed; ed; ed = ed->next) {
+        char text[MDL_TEXT_CHARACTERS + 1] = "";
+        mdlText_extractString(text, ed->element);
+        all += text;
+        for (const Point3d& p : strokeOf(ed->element, 1))
+            all += std::to_string(std::lround(p.x)) + "," + std::to_string(std::lround(p.y)) + " ";
+        all += "| ";
+    }
+    return all;
+}
+
+TEST(Dimensions, ShowTheDistanceBesideThePoints) {
+    const Point3d ends[] = {{0, 0, 0}, {25000, 0, 0}}, through{0, 4000, 0};
+    const TextSize size{1, 1000, 1000, 1};
+    TestElement e;
+    ASSERT_EQ(mdlDimension_create(e, nullptr, ends, &through, L"A", &size), MDL_SUCCESS);
+    EXPECT_EQ(shown(e),
+              "0,0 0,4500 | 25000,0 25000,4500 | 0,4000 25000,4000 | 0,4000 1000,4175 1000,3825 0,4000 | "
+              "25000,4000 24000,4175 24000,3825 25000,4000 | A| ");
+    EXPECT_EQ(mdlElement_getType(e), MDL_DIMENSION);
+}
+
+TEST(Dimensions, ReadFromBelowOrFromTheRightInEverySystem) {
+    const TextSize size{1, 1, 1, 1};
+    for (int kind = 0; kind < TestSystem::kinds; ++kind) {
+        TestSystem system(kind);
+        for (int eighth = 0; eighth < 8; ++eighth) {
+            const double angle = eighth * 0.785398163397448;
+            const Point3d ends[] = {{0, 0, 0}, {10 * std::cos(angle), 10 * std::sin(angle), 0}}, through{3, -7, 0};
+            TestElement e;
+            ASSERT_EQ(mdlDimension_create(e, nullptr, ends, &through, nullptr, &size), MDL_SUCCESS);
+            DescriptorHolder parts;
+            ASSERT_EQ(mdlElmdscr_fromCompoundElement(&parts.ed, e, nullptr), MDL_SUCCESS);
+            const ElementDescr* text = parts.ed;
+            while (text->next) text = text->next;
+            RotMatrix rotation;
+            ASSERT_EQ(mdlText_extractWide(nullptr, nullptr, &rotation, nullptr, nullptr, text->element), MDL_SUCCESS);
+            EXPECT_TRUE(rotation.form[0][0] > 1e-6 || rotation.form[1][0] > 0.999) << kind << ' ' << eighth;
+        }
+    }
+}
+
+TEST(Dimensions, OfNoDistanceOrWithoutAPlaceAreRefused) {
+    const Point3d same[] = {{1, 1, 0}, {1, 1, 5}}, nowhere[] = {{0, 0, 0}, {NAN, 0, 0}}, through{0, 4, 0};
+    const TextSize size{1, 1, 1, 1};
+    TestElement e;
+    EXPECT_EQ(mdlDimension_create(e, nullptr, same, &through, nullptr, &size), MDL_ERROR);
+    EXPECT_EQ(mdlDimension_create(e, nullptr, nowhere, &through, nullptr, &size), MDL_ERROR);
+    const std::wstring endless(256, L'x');
+    const Point3d ends[] = {{0, 0, 0}, {1, 0, 0}};
+    EXPECT_EQ(mdlDimension_create(e, nullptr, ends, &through, endless.c_str(), &size), MDL_ERROR);
+    EXPECT_EQ(mdlElement_bytes(e), 0u);
+}
+
+TEST(Multilines, LinesMeetAtTheCornersOfTheRun) {
+    const double offsets[] = {0, 1, -2};
+    struct Case {
+        const char* what;
+        std::vector<Point3d> run;
+        std::string lines;
+    };
+    for (const Case& c : {
+             Case{"straight", {{0, 0, 0}, {10, 0, 0}}, "0,0 10,0 | 0,1 10,1 | 0,-2 10,-2 | "},
+             Case{"a corner, and a point again",
+                  {{0, 0, 0}, {10, 0, 0}, {10, 0, 0}, {10, 10, 0}},
+                  "0,0 10,0 10,10 | 0,1 9,1 9,10 | 0,-2 12,-2 12,10 | "},
+             Case{"a ring",
+                  {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 10, 0}, {0, 0, 0}},
+                  "0,0 10,0 10,10 0,10 0,0 | 1,1 9,1 9,9 1,9 1,1 | -2,-2 12,-2 12,12 -2,12 -2,-2 | "},
+             Case{"back", {{0, 0, 0}, {10, 0, 0}, {0, 0, 0}}, "0,0 10,0 0,0 | 0,1 10,1 0,-1 | 0,-2 10,-2 0,2 | "},
+         }) {
+        TestElement e;
+        ASSERT_EQ(mdlMultiline_create(e, nullptr, c.run.data(), static_cast<int32_t>(c.run.size()), offsets, 3),
+                  MDL_SUCCESS);
+        EXPECT_EQ(shown(e), c.lines) << c.what;
+        EXPECT_EQ(mdlElement_getType(e), MDL_MULTILINE);
+    }
+}
+
+TEST(Multilines, WithoutALengthOrTooManyLinesAreRefused) {
+    const std::vector<Point3d> same(3, Point3d{1, 2, 0});
+    const std::vector<double> offsets(2000, 1.0);
+    const Point3d ends[] = {{0, 0, 0}, {1, 0, 0}};
+    TestElement e;
+    EXPECT_EQ(mdlMultiline_create(e, nullptr, same.data(), 3, offsets.data(), 1), MDL_ERROR);
+    EXPECT_EQ(mdlMultiline_create(e, nullptr, ends, 2, offsets.data(), 0), MDL_ERROR);
+    EXPECT_EQ(mdlMultiline_create(e, nullptr, ends, 2, offsets.data(), 2000), MDL_ERROR);
+    EXPECT_EQ(mdlElement_bytes(e), 0u);
+}
+
 }  // namespace
