@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstring>
-#include <map>
 
 #include "mchost/element/cell.h"
 #include "mchost/element/descriptor.h"
 #include "mchost/element/range.h"
 #include "mchost/model/container.h"
+#include "mchost/model/level_map.h"
 #include "mchost/model/model_ref.h"
 #include "mchost/space/vector.h"
 
@@ -42,40 +42,14 @@ std::wstring descriptionOf(const MSElementBuffer* header) {
     return mdlCell_extractDescription(description, longestText, header) == MDL_SUCCESS ? description : L"";
 }
 
-// Levels of a library in the model that its cells go to, which gets those that it hasn't.
-class LevelMap {
-  public:
-    LevelMap(const Model& from, Model& to) : from_(from), to_(to) {}
-
-    LevelId operator()(LevelId id) {
-        const auto [place, isNew] = known_.try_emplace(id, id);
-        if (isNew) place->second = lookUp(id);
-        return place->second;
-    }
-
-  private:
-    LevelId lookUp(LevelId id) {
-        const Level* source = findLevel(from_, id);
-        if (!source) return id;
-        if (const Level* found = findLevel(to_, source->name)) return found->id;
-        Level& made = addLevel(to_, source->name);
-        made.byLevel = source->byLevel;
-        made.override = source->override;
-        made.fromCells = true;
-        return made.id;
-    }
-
-    const Model& from_;
-    Model& to_;
-    std::map<LevelId, LevelId> known_;
-};
-
 // Brings a cell of a library in line with the model that it goes to: its units, kind and levels. One that goes to no
 // model keeps its units and kind; its levels are then those of the session.
 class Fitting {
   public:
     Fitting(const Model& from, const Model* to, Model& levels)
-        : levels_(from, levels), to_(to), factor_(to ? to->uorPerMaster / from.uorPerMaster : 1) {}
+        : levels_(from, levels, [](int32_t style) { return style; }),
+          to_(to),
+          factor_(to ? to->uorPerMaster / from.uorPerMaster : 1) {}
 
     bool fit(ElementDescr* ed) {
         const Transform transform{{{factor_, 0, 0, 0}, {0, factor_, 0, 0}, {0, 0, factor_, 0}}};

@@ -6,6 +6,7 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/mdl/element.h"
+#include "mchost/model/level_map.h"
 #include "mchost/model/model_ref.h"
 #include "mchost/model/table_rules.h"
 #include "mchost/session/owned_state.h"
@@ -15,7 +16,6 @@ namespace host {
 namespace {
 
 constexpr int32_t firstFreeCode = 64;  // codes below belong to "Level 1" to "Level 63"
-constexpr int32_t colorByLevel = -1, weightByLevel = -1, styleByLevel = 0x7FFFFFFF;
 
 Level* findLevel(Model& model, LevelId id) {
     const auto found = std::ranges::lower_bound(model.levels, id, {}, &Level::id);
