@@ -1,10 +1,10 @@
 #include "query.h"
 
 #include <algorithm>
-#include <memory>
 
 #include <mchost/mdl/level.h>
 #include <mchost/mdl/model.h>
+#include <mchost/mdl/tag.h>
 #include <mchost/mdl/text.h>
 #include <mclib/mclib.h>
 #include <mchost/mdl/owned.hpp>
@@ -14,7 +14,7 @@ namespace find {
 
 namespace {
 
-constexpr int32_t searched[] = {MDL_CELL_HEADER, MDL_TEXT_NODE, MDL_TEXT};
+constexpr int32_t searched[] = {MDL_CELL_HEADER, MDL_TEXT_NODE, MDL_TEXT, MDL_TAG};
 
 std::wstring wide(const std::string& text) {
     std::wstring out(text.size() + 1, L'\0');
@@ -42,6 +42,12 @@ std::vector<LevelId> levelsNamed(const std::vector<std::string>& names, ModelRef
     return levels;
 }
 
+bool holdsNumber(const MSElementBuffer& tag) {
+    MdlTagValue value = {};
+    mdlTag_extract(nullptr, nullptr, nullptr, nullptr, nullptr, &value, &tag, nullptr);
+    return value.type != MDL_TAG_STRING;
+}
+
 bool accepts(const std::optional<int>& wanted, int64_t value) {
     return !wanted || *wanted == value;
 }
@@ -62,7 +68,10 @@ bool Query::hasLook(const MSElementBuffer& element) const {
            accepts(options_.weight, static_cast<int32_t>(weight)) && accepts(options_.style, style);
 }
 
-std::optional<Hit> Query::look(const MSElementBuffer& element, FilePos position, int ordinal) const {
+std::optional<Hit> Query::look(const MSElementBuffer& source, FilePos position, int ordinal) const {
+    const bool isTag = mdlElement_getType(&source) == MDL_TAG;
+    if (isTag && mclibMerge_textFromTag(tagText_.get(), &source, position, model_) != MCLIB_SUCCESS) return {};
+    const MSElementBuffer& element = isTag ? *tagText_ : source;
     char text[MDL_TEXT_CHARACTERS + 1];
     if (mdlText_extractString(text, &element) != MDL_SUCCESS) return {};
     const int errors = mclibSearch_compareString(text, options_.pattern.c_str(),
@@ -91,7 +100,8 @@ std::optional<Hit> Query::look(const MSElementBuffer& element, FilePos position,
                origin.y / uorPerMaster_,
                {left.x, low.y, left.z},
                {right.x, high.y, left.z},
-               (element.head.properties & MDL_PROP_LOCKED) != 0};
+               (source.head.properties & MDL_PROP_LOCKED) != 0,
+               isTag && holdsNumber(source)};
 }
 
 bool Query::addRange(ScanCriteria* criteria) const {
@@ -105,7 +115,7 @@ bool Query::addRange(ScanCriteria* criteria) const {
 
 bool Query::lookAt(FilePos position, const std::function<void(const Hit&)>& f, MSElementBuffer& buffer) const {
     if (mdlElement_read(&buffer, model_, position) == 0) return false;
-    if (mdlElement_getType(&buffer) == MDL_TEXT) {
+    if (mdlElement_getType(&buffer) == MDL_TEXT || mdlElement_getType(&buffer) == MDL_TAG) {
         if (const std::optional<Hit> hit = look(buffer, position, 0)) f(*hit);
         return true;
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,6 +22,7 @@ struct Hit {
     double x, y;        // of the text's origin, in master units
     Point3d low, high;  // of its box, in UOR
     bool isLocked;
+    bool isNumber;  // a tag that holds a number
 };
 
 // The texts of one model that are looked for.
@@ -31,7 +33,7 @@ class Query {
 
     // False when the model has none of the levels that were asked for.
     bool hasLevels() const { return !levels_ || !levels_->empty(); }
-    // The text of an element, when it is looked for; `position` and `ordinal` go to the hit.
+    // The text of an element or tag, when it is looked for; `position` and `ordinal` go to the hit.
     std::optional<Hit> look(const MSElementBuffer& element, FilePos position, int ordinal) const;
     // Calls f for each hit, in order of the file. False when not all of the model could be read.
     bool run(const std::function<void(const Hit&)>& f) const;
@@ -45,6 +47,7 @@ class Query {
     ModelRef* const model_;
     const double uorPerMaster_;
     std::optional<std::vector<LevelId>> levels_;
+    const std::unique_ptr<MSElementBuffer> tagText_ = std::make_unique<MSElementBuffer>();
 };
 
 }  // namespace find

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include <mchost/mdl/modify.h>
+#include <mchost/mdl/tag.h>
 #include <mchost/mdl/text.h>
 #include <mchost/mdl/undo.h>
 #include <mclib/mclib.h>
@@ -59,6 +60,22 @@ struct Rewriting {
     int ordinal;                          // of the next hit in it
 };
 
+// Other words in a text or a tag.
+bool write(MSElementBuffer* element, const std::string& text) {
+    if (mdlElement_getType(element) != MDL_TAG)
+        return mdlText_create(element, element, text.c_str(), nullptr, nullptr, nullptr, nullptr, 0) == MDL_SUCCESS;
+    Point3d origin;
+    TextSize size;
+    RotMatrix rotation;
+    TextParams params;
+    MdlTagValue value;
+    int32_t display = 0;
+    if (mdlTag_extract(&origin, &size, &rotation, &display, &params, &value, element, nullptr) != MDL_SUCCESS)
+        return false;
+    value.string[text.copy(value.string, sizeof value.string - 1)] = '\0';
+    return mdlTag_create(element, element, &value, &origin, &rotation, &size, &params, display) == MDL_SUCCESS;
+}
+
 // A text that isn't what it was when it was found stays.
 int rewrite(MSElementBuffer* element, void* userArg, ModelRef*, ElementDescr*, ElementDescr**) {
     Rewriting& work = *static_cast<Rewriting*>(userArg);
@@ -70,10 +87,7 @@ int rewrite(MSElementBuffer* element, void* userArg, ModelRef*, ElementDescr*, E
     const auto change = std::ranges::find_if(work.changes, isIts);
     ++work.ordinal;
     if (change == work.changes.end()) return MDL_MODIFY_NONE;
-    const char* const text = (*change)->after.text.c_str();
-    return mdlText_create(element, element, text, nullptr, nullptr, nullptr, nullptr, 0) == MDL_SUCCESS
-               ? MDL_MODIFY_CHANGED
-               : MDL_MODIFY_NONE;
+    return write(element, (*change)->after.text) ? MDL_MODIFY_CHANGED : MDL_MODIFY_NONE;
 }
 
 }  // namespace
@@ -101,6 +115,7 @@ NewText newText(const Options& options, const std::string& replacement, const Hi
         default: return {"", "the text doesn't fit any more"};
     }
     if (*text == '\0') return {"", "nothing would be left of it"};
+    if (hit.isNumber) return {"", "it is a tag that holds a number"};
     if (hit.isLocked) return {"", "the element is locked"};
     return {text, ""};
 }

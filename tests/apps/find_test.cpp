@@ -11,6 +11,7 @@
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/model.h"
+#include "mchost/mdl/tag.h"
 #include "mchost/mdl/text.h"
 #include "mchost/session/session.h"
 #include "tests/support/application_test.h"
@@ -189,6 +190,26 @@ TEST_F(Find, ReplacesTextsAndCarriesOverWhatWildcardsTook) {
     EXPECT_EQ(run("'* valve' a.mcd --replace 'V*' --backup").status, 0);
     EXPECT_EQ(read("a.mcd.bak"), before);  // kept beside the second one
     EXPECT_TRUE(fs::exists(folder_ / "a.mcd.bak2"));
+}
+
+TEST_F(Find, TagsAreTextsToo) {
+    draw("a.mcd", {{"V-1"}});
+    {
+        const host::Session session;
+        ASSERT_EQ(mdlSystem_newDesignFile((folder_ / "a.mcd").c_str(), 0), MDL_SUCCESS);
+        for (const MdlTagValue& value :
+             {MdlTagValue{MDL_TAG_STRING, 0, 0, 0, "V-2"}, MdlTagValue{MDL_TAG_LONG, 0, 12, 0, ""},
+              MdlTagValue{MDL_TAG_DOUBLE, 0, 0, 2, ""}}) {
+            ASSERT_EQ(mdlTag_create(dgnBufP, nullptr, &value, nullptr, nullptr, nullptr, nullptr, 1), MDL_SUCCESS);
+            ASSERT_NE(mdlElement_add(dgnBufP), 0u);
+        }
+        ASSERT_EQ(mdlSystem_closeDesignFile(), MDL_SUCCESS);
+    }
+    EXPECT_EQ(texts("a.mcd"), "V-1 V-2 12 2.000 ");
+    EXPECT_EQ(run("'V-*' a.mcd --replace 'Valve *'").status, 0);
+    EXPECT_THAT(run("'##' a.mcd --replace 'no ?'").output,
+                HasSubstr("\"12\" stays as it is: it is a tag that holds a"));
+    EXPECT_EQ(texts("a.mcd"), "Valve 1 Valve 2 12 2.000 ");
 }
 
 TEST_F(Find, NumbersAndDatesSheets) {
