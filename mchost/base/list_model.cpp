@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "mchost/base/guard.h"
-#include "mchost/mdl/lists.h"
+#include "mchost/mdl/list_models.h"
 
 namespace {
 
@@ -101,4 +101,17 @@ int mdlListModel_setEditor(ListModel* model, int32_t row, int32_t column, uint32
     cell->editorType = itemType;
     cell->editorId = itemId;
     return MDL_SUCCESS;
+}
+
+int mdlListModel_insertRow(ListModel* model, int32_t row) noexcept {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        if (!model || row < 0 || row > rowsOf(*model)) return MDL_ERROR;
+        model->rows.emplace(model->rows.begin() + row, static_cast<size_t>(model->columns));
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlListModel_hasEditor(const ListModel* model, int32_t row, int32_t column) noexcept {
+    const Cell* cell = cellAt(model, row, column);
+    return cell && cell->editorType != 0;
 }

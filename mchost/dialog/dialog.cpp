@@ -8,7 +8,7 @@
 #include "mchost/dialog/access.h"
 #include "mchost/dialog/menus.h"
 #include "mchost/dialog/registry.h"
-#include "mchost/mdl/lists.h"
+#include "mchost/mdl/list_models.h"
 #include "mchost/mdl/system.h"
 #include "mchost/session/session.h"
 
@@ -209,7 +209,10 @@ void Dialog::end(int32_t reply) {
     reply_ = reply;
     for (size_t i = 0; i < items_.size(); ++i) sendToItem(i, ITEM_DESTROY);
     sendToDialog(DIALOG_DESTROY);
-    for (DialogItem& item : items_) item.list = nullptr;  // the owner may have destroyed it by now
+    for (DialogItem& item : items_) {  // their owners may have destroyed them by now
+        item.list = nullptr;
+        item.model = nullptr;
+    }
     life_ = Life::ended;
     forgetDialog(*this);
     if (FrontEnd* const front = frontEnd()) front->dialogClosed(*this);
@@ -239,6 +242,7 @@ bool Dialog::setValue(size_t index, std::string_view value) {
     const auto isDisabled = [&](const OptionRow& row) { return !row.enabled && std::to_string(row.value) == value; };
     if (std::ranges::any_of(items_[index].rows, isDisabled)) return false;
     setFocus(index);
+    if (editedCell_ && editedCell_->item == index) return endCellEdit(value);
     return usable(index) && change(index, value);
 }
 
@@ -278,6 +282,7 @@ bool Dialog::setFocus(size_t index) {
     if (index == focus_) return true;
     const auto self = shared_from_this();
     endEdit();
+    editedCell_.reset();
     if (focus_ != noItem) tellChanged(focus_);
     focus_ = index;
     if (focus_ != noItem) tellChanged(focus_);
@@ -423,11 +428,54 @@ void Dialog::setFormat(size_t index, std::string format) {
 void Dialog::setList(size_t index, StringList* list, int32_t columns) {
     DialogItem& item = items_[index];
     item.list = list;
+    item.model = nullptr;
     item.columns = columns;
+    forgetRowsBeyond(item);
+    tellChanged(index);
+}
+
+void Dialog::setModel(size_t index, ListModel* model) {
+    DialogItem& item = items_[index];
+    item.list = nullptr;
+    item.model = model;
+    item.columns = std::max(mdlListModel_columnCount(model), 1);
+    forgetRowsBeyond(item);
+    tellChanged(index);
+}
+
+void Dialog::forgetRowsBeyond(DialogItem& item) {
     const int32_t rows = rowCount(item);
     std::erase_if(item.selection, [rows](int32_t row) { return row >= rows; });
     if (item.topRow >= rows) item.topRow = 0;
+    editedCell_.reset();
+}
+
+// ---- cells that are edited ----
+
+bool Dialog::editCell(size_t index, int32_t row, int32_t column) {
+    if (!usable(index) || !mdlListModel_hasEditor(items_[index].model, row, column)) return false;
+    const auto self = shared_from_this();
+    setFocus(index);
+    if (!usable(index)) return false;
+    editedCell_ = {index, row, column};
     tellChanged(index);
+    return true;
+}
+
+bool Dialog::endCellEdit(std::string_view text) {
+    const EditedCell cell = *std::exchange(editedCell_, std::nullopt);
+    const auto self = shared_from_this();
+    const EventScope scope;
+    const std::string before = cellText(items_[cell.item], cell.row, cell.column);
+    if (mdlListModel_setText(items_[cell.item].model, cell.row, cell.column, std::string(text).c_str()) != MDL_SUCCESS)
+        return false;
+    tellChanged(cell.item);
+    DialogMessage message = messageTo(cell.item, ITEM_CELL_EDITED);
+    message.row = cell.row;
+    message.column = cell.column;
+    message.changed = before != text;
+    callHook(message.hookId, owner_, message);
+    return true;
 }
 
 void Dialog::clearRows(size_t index) {
@@ -504,6 +552,7 @@ bool Dialog::synch(size_t index) {
 }
 
 int32_t Dialog::rowCount(const DialogItem& item) {
+    if (item.model) return mdlListModel_rowCount(item.model);
     const int32_t members = mdlStringList_size(item.list);
     return members == 0 ? 0 : (members - 1) / item.columns + 1;
 }
@@ -511,6 +560,7 @@ int32_t Dialog::rowCount(const DialogItem& item) {
 std::string Dialog::cellText(const DialogItem& item, int32_t row, int32_t column) {
     const char* text = "";
     if (row < 0 || column < 0 || column >= item.columns || row >= rowCount(item)) return text;
+    if (item.model) return mdlListModel_getText(item.model, row, column);
     mdlStringList_getMember(&text, nullptr, item.list, row * item.columns + column);
     return text;
 }

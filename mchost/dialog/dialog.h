@@ -100,7 +100,8 @@ struct DialogItem {
     bool isDefault = false;
     bool drawn = false;                   // false: its hook has to draw it
     StringList* list = nullptr;           // of a list box or combo box; its owner's
-    int32_t columns = 1;                  // members of the list in a row
+    ListModel* model = nullptr;           // of a list box, in the place of a list; its owner's
+    int32_t columns = 1;                  // members of the list in a row, or of the model
     bool several = false;                 // more than one row may be chosen
     int32_t topRow = 0;                   // the first one in sight
     std::vector<int32_t> selection = {};  // rows, in the order in which they were chosen
@@ -138,6 +139,12 @@ class Dialog : public std::enable_shared_from_this<Dialog> {
     void refresh();
     // Neither the item nor its group box is hidden.
     bool isVisible(const DialogItem& item) const;
+    // A cell of a list box that is being edited: the value that the list box is given next goes into it.
+    struct EditedCell {
+        size_t item;
+        int32_t row, column;
+    };
+    const std::optional<EditedCell>& editedCell() const { return editedCell_; }
     // The text that is being typed into a text item, which the item hasn't taken yet; null when none is.
     const std::string* edit(size_t index) const;
     size_t focus() const { return focus_; }  // the item that has it, or noItem
@@ -186,6 +193,8 @@ class Dialog : public std::enable_shared_from_this<Dialog> {
     void enableItem(size_t index, bool enable);
     void setFormat(size_t index, std::string format);
     void setList(size_t index, StringList* list, int32_t columns);
+    void setModel(size_t index, ListModel* model);
+    bool editCell(size_t index, int32_t row, int32_t column);
     void clearRows(size_t index);
     void addRow(size_t index, std::string label, int32_t value);
     void enableRow(size_t index, size_t row, bool enable);
@@ -223,6 +232,8 @@ class Dialog : public std::enable_shared_from_this<Dialog> {
     void sendToDialog(int32_t type, int32_t resized = 0);
     // The message as the hook left it. `state` is that of ITEM_BUTTON; other messages take the item's value.
     DialogMessage sendToItem(size_t index, int32_t type, int32_t state = 0, int32_t changed = 0);
+    void forgetRowsBeyond(DialogItem& item);
+    bool endCellEdit(std::string_view text);
     void sendClick(size_t index, int32_t clicks, int32_t column);
     DialogMessage messageTo(size_t index, int32_t type) const;
     void endEdit();
@@ -251,9 +262,12 @@ class Dialog : public std::enable_shared_from_this<Dialog> {
     int32_t drawingItem_ = -1;
     size_t focus_ = noItem;
     std::optional<std::string> edit_;  // of the item that has the focus
+    std::optional<EditedCell> editedCell_;
 };
 
-// The dialogs that are open without being modal, in order of opening.
+// All dialogs that are open, in order of opening.
+std::vector<std::shared_ptr<Dialog>> allDialogs();
+// Those that aren't modal.
 std::vector<std::shared_ptr<Dialog>> openDialogs();
 
 // Carries out what was done to a dialog; false when it can't be done.

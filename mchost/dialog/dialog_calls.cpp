@@ -3,6 +3,7 @@
 
 #include "mchost/base/guard.h"
 #include "mchost/dialog/registry.h"
+#include "mchost/mdl/dialog_items.h"
 #include "mchost/mdl/system.h"
 #include "mchost/resource/open_files.h"
 #include "mchost/session/loop.h"
@@ -131,4 +132,23 @@ void mdlWindow_extentSet(MdlDialog* handle, int32_t width, int32_t height) noexc
 void mdlWindow_contentRectGet(DialogRect* rect, const MdlDialog* handle) noexcept {
     const auto dialog = host::dialogOf(handle);
     if (rect) *rect = dialog ? DialogRect{0, 0, dialog->width(), dialog->height()} : DialogRect{};
+}
+
+MdlDialog* mdlDialog_getOpen(int32_t index) noexcept {
+    return host::guarded<MdlDialog*>(nullptr, [&]() -> MdlDialog* {
+        const auto all = host::allDialogs();
+        return index >= 0 && static_cast<size_t>(index) < all.size() ? all[static_cast<size_t>(index)]->handle()
+                                                                     : nullptr;
+    });
+}
+
+int mdlDialog_synchShown(const char* publishedName) noexcept {
+    return host::guarded<int>(MDL_ERROR, [&]() -> int {
+        if (!publishedName) return MDL_ERROR;
+        const std::string begin = std::string(publishedName) + "->";
+        for (const auto& dialog : host::allDialogs())
+            for (size_t i = 0; i < dialog->items().size(); ++i)
+                if (dialog->items()[i].access.starts_with(begin)) dialog->synch(i);
+        return MDL_SUCCESS;
+    });
 }

@@ -54,6 +54,19 @@ int mdlDialog_listBoxSetInfo(MdlItem* handle, int32_t columns, int32_t several) 
     });
 }
 
+int mdlDialog_listBoxSetListModelP(MdlItem* handle, ListModel* model) noexcept {
+    return host::onItem(handle, ITEM_LIST_BOX, [&](const ItemRef& item) -> int {
+        item.dialog->setModel(item.index, model);
+        return MDL_SUCCESS;
+    });
+}
+
+int mdlDialog_listBoxEditCell(MdlItem* handle, int32_t row, int32_t column) noexcept {
+    return host::onItem(handle, ITEM_LIST_BOX, [&](const ItemRef& item) -> int {
+        return item.dialog->editCell(item.index, row, column) ? MDL_SUCCESS : MDL_ERROR;
+    });
+}
+
 int mdlDialog_listBoxGetSelections(MdlCell** cellsP, int32_t* countP, const MdlItem* handle) noexcept {
     if (cellsP) *cellsP = nullptr;
     if (countP) *countP = 0;

@@ -82,10 +82,15 @@ std::shared_ptr<Dialog> findDialog(int32_t dialogId, MdlDesc* owner) {
     return nullptr;
 }
 
+std::vector<std::shared_ptr<Dialog>> allDialogs() {
+    std::vector<std::shared_ptr<Dialog>> open = registry().dialogs;
+    std::erase_if(open, [](const auto& dialog) { return dialog->ending(); });
+    return open;
+}
+
 std::vector<std::shared_ptr<Dialog>> openDialogs() {
-    std::vector<std::shared_ptr<Dialog>> open;
-    for (const auto& dialog : registry().dialogs)
-        if (!dialog->modal() && !dialog->ending()) open.push_back(dialog);
+    std::vector<std::shared_ptr<Dialog>> open = allDialogs();
+    std::erase_if(open, [](const auto& dialog) { return dialog->modal(); });
     return open;
 }
 

@@ -126,6 +126,13 @@ std::string lineOf(const DialogItem& item, const std::string& number, int32_t mo
     }
 }
 
+std::string editText(const Dialog& dialog, const Dialog::EditedCell& cell) {
+    const DialogItem& item = dialog.items()[cell.item];
+    return "Give " + (item.label.empty() ? "the list" : utf8FromNarrow(item.label)) + "=TEXT for row " +
+           std::to_string(cell.row + 1) + ", column " + std::to_string(cell.column + 1) + ": " +
+           utf8FromNarrow(Dialog::cellText(item, cell.row, cell.column)) + "\n";
+}
+
 std::string menuText(const Menu& menu) {
     std::string text = "Menu:";
     for (size_t i = 0; i < menu.entries.size(); ++i)
@@ -177,6 +184,7 @@ std::string textOf(const Dialog& dialog, int32_t mostRows) {
         else if (!number.empty())
             buttons += "  " + number + utf8FromNarrow(item.label);
     }
+    if (dialog.editedCell()) text += editText(dialog, *dialog.editedCell());
     if (!buttons.empty()) text += buttons + "\n";
     return dialog.offeredMenu() ? text + menuText(*dialog.offeredMenu()) : text;
 }

@@ -21,7 +21,7 @@ struct Word {
 // Answers that are for the window and not for an item: a word, a blank, and what it is about.
 constexpr auto words = std::to_array<Word>({
     {"close", "", "closes this window"},
-    {"open", "LIST=ROW", "clicks twice on a row of a list, by its text or number"},
+    {"open", "LIST=ROW[/COLUMN]", "clicks twice on a row of a list, by its text or number"},
     {"rows", "[LIST=]NUMBER", "shows a long list from that row on"},
     {"right", "LIST=ROW", "clicks with the right button on a row of a list, which may offer a menu"},
     {"entry", "NUMBER", "chooses an entry of the menu that is offered, by its number or text"},
@@ -176,7 +176,8 @@ Followed setItem(Dialog& dialog, size_t index, std::string_view value) {
     DialogEvent event = eventOn(dialog, index, DialogEvent::Kind::setValue);
     if (item.kind == ITEM_PUSH_BUTTON)
         return refused(utf8FromNarrow(item.label) + " is a button, which takes no value.");
-    if (item.kind == ITEM_COMBO_BOX || item.kind == ITEM_LIST_BOX) {
+    const bool editsCell = dialog.editedCell() && dialog.editedCell()->item == index;
+    if ((item.kind == ITEM_COMBO_BOX || item.kind == ITEM_LIST_BOX) && !editsCell) {
         auto rows = chosenRows(item, value);
         if (!rows) return refused(notTaken(dialog, index, value));
         event.kind = DialogEvent::Kind::selectRows;
@@ -252,9 +253,16 @@ ListAnswer listIn(const Dialog& dialog, std::string_view answer) {
 Followed onRow(Dialog& dialog, std::string_view answer, DialogEvent::Kind kind) {
     const ListAnswer list = listIn(dialog, answer);
     if (!list.item) return refused(quoted(answer) + " names none of the lists with rows here. Give LIST=ROW.");
-    const auto row = chosenRow(dialog.items()[*list.item], list.value);
-    if (!row) return refused(notTaken(dialog, *list.item, list.value));
+    const DialogItem& item = dialog.items()[*list.item];
     DialogEvent event = eventOn(dialog, *list.item, kind);
+    auto row = chosenRow(item, list.value);
+    if (const size_t slash = list.value.rfind('/'); !row && slash != list.value.npos) {
+        const auto column = numberIn<int32_t>(trimmed(list.value.substr(slash + 1)));
+        if (column && *column >= 1 && *column <= item.columns)
+            row = chosenRow(item, trimmed(list.value.substr(0, slash)));
+        event.column = column.value_or(1) - 1;
+    }
+    if (!row) return refused(notTaken(dialog, *list.item, list.value));
     event.rows = {*row};
     return done(std::move(event));
 }

@@ -18,6 +18,13 @@ MDL_EXPORT int mdlDialog_listBoxGetSelections(MdlCell **cellsP, int32_t *countP,
 /* The first row in sight. */
 MDL_EXPORT int mdlDialog_listBoxSetTopRow(MdlItem *item, int32_t row) MDL_NOEXCEPT;
 
+/* Shows a list model, in place of any list: its rows and columns. The model stays its owner's, who shows it anew when
+ * its rows have become more or fewer. */
+MDL_EXPORT int mdlDialog_listBoxSetListModelP(MdlItem *item, ListModel *model) MDL_NOEXCEPT;
+/* Has the user edit the text of a cell of the list model that has an editor; ITEM_CELL_EDITED follows when the new text
+ * stands in the model. MDL_ERROR for another cell. */
+MDL_EXPORT int mdlDialog_listBoxEditCell(MdlItem *item, int32_t row, int32_t column) MDL_NOEXCEPT;
+
 /* Makes an option button as wide as its widest entry needs. */
 MDL_EXPORT int mdlDialog_optionButtonSetExtent(MdlItem *item) MDL_NOEXCEPT;
 
@@ -25,5 +32,13 @@ MDL_EXPORT int mdlDialog_optionButtonSetExtent(MdlItem *item) MDL_NOEXCEPT;
 MDL_EXPORT void mdlDialog_itemSetHeight(MdlItem *item, int32_t units) MDL_NOEXCEPT;
 /* Presses a push button as its user would. MDL_ERROR when it can't be pressed now. */
 MDL_EXPORT int mdlDialog_itemPress(MdlItem *item) MDL_NOEXCEPT;
+
+/* ---- all dialogs ---- */
+
+/* The open dialogs of all applications, modal ones too, counted from 0 in order of opening; null behind the last. */
+MDL_EXPORT MdlDialog *mdlDialog_getOpen(int32_t index) MDL_NOEXCEPT;
+/* Takes the values of all items whose access strings begin with a published name, in all open dialogs, and shows
+ * them. */
+MDL_EXPORT int mdlDialog_synchShown(const char *publishedName) MDL_NOEXCEPT;
 
 #endif

@@ -10,7 +10,7 @@
 #include "mchost/dialog/menus.h"
 #include "mchost/front/scripted.h"
 #include "mchost/mdl/dialog_items.h"
-#include "mchost/mdl/lists.h"
+#include "mchost/mdl/list_models.h"
 #include "mchost/mdl/menu_bar.h"
 #include "mchost/mdl/resource.h"
 #include "mchost/mdl/system.h"
@@ -312,6 +312,49 @@ TEST_F(Dialogs, AListBoxMayTakeSeveralRowsAndTellsClicks) {
     mdlDialog_listBoxSetStrListP(rows, list.get(), 0);
     EXPECT_THAT(shown->items()[5].selection, ElementsAre(1));
     EXPECT_EQ(mdlDialog_listBoxGetSelections(&cells, &count, find(dialog, ITEM_TEXT, NAME)), MDL_ERROR);
+    mdlWindow_close(dialog, 0, 1);
+}
+
+TEST_F(Dialogs, CellsOfAListModelAreEditedUntilTheFocusMoves) {
+    const std::unique_ptr<ListModel, decltype(&mdlListModel_destroy)> model(mdlListModel_create(2),
+                                                                            mdlListModel_destroy);
+    for (int32_t row = 0; row < 2; ++row) EXPECT_EQ(mdlListModel_insertRow(model.get(), 0), MDL_SUCCESS);
+    EXPECT_EQ(mdlListModel_insertRow(model.get(), 3), MDL_ERROR);
+    mdlListModel_setText(model.get(), 1, 1, "old");
+    mdlListModel_setEditor(model.get(), 1, 1, ITEM_TEXT, -1);
+    MdlDialog* dialog = open();
+    MdlItem* rows = find(dialog, ITEM_LIST_BOX, ROWS);
+    const auto shown = host::openDialogs().at(0);
+    EXPECT_EQ(mdlDialog_listBoxSetListModelP(rows, model.get()), MDL_SUCCESS);
+    EXPECT_EQ(Dialog::rowCount(shown->items()[5]), 2);
+    EXPECT_EQ(Dialog::cellText(shown->items()[5], 1, 1), "old");
+
+    std::string told;
+    on(LIST_HOOK, ITEM_CELL_EDITED, [&](DialogMessage& m) {
+        told += std::to_string(m.row) + std::to_string(m.column) + std::to_string(m.changed) + " ";
+    });
+    EXPECT_EQ(mdlDialog_listBoxEditCell(rows, 0, 1), MDL_ERROR) << "it has no editor";
+    EXPECT_EQ(mdlDialog_listBoxEditCell(rows, 1, 1), MDL_SUCCESS);
+    EXPECT_TRUE(shown->setValue(5, "new"));
+    EXPECT_STREQ(mdlListModel_getText(model.get(), 1, 1), "new");
+    EXPECT_EQ(mdlDialog_listBoxEditCell(rows, 1, 1), MDL_SUCCESS);
+    EXPECT_TRUE(shown->setValue(2, "away"));
+    EXPECT_TRUE(shown->setValue(5, "1"));
+    EXPECT_STREQ(mdlListModel_getText(model.get(), 1, 1), "new");
+    EXPECT_EQ(mdlDialog_listBoxGetSelectedRow(rows), 1);
+    EXPECT_EQ(told, "111 ");
+    mdlWindow_close(dialog, 0, 1);
+}
+
+TEST_F(Dialogs, ItemsOfAllDialogsAreBroughtUpToDateByWhatTheyShow) {
+    MdlDialog* dialog = open();
+    EXPECT_EQ(mdlDialog_getOpen(0), dialog);
+    EXPECT_EQ(mdlDialog_getOpen(1), nullptr);
+    settings.length = 7;
+    EXPECT_EQ(mdlDialog_synchShown("s"), MDL_SUCCESS);
+    EXPECT_STREQ(mdlDialog_itemGetValue(find(dialog, ITEM_TEXT, LENGTH)), "1.50");
+    EXPECT_EQ(mdlDialog_synchShown("sP"), MDL_SUCCESS);
+    EXPECT_STREQ(mdlDialog_itemGetValue(find(dialog, ITEM_TEXT, LENGTH)), "7.00");
     mdlWindow_close(dialog, 0, 1);
 }
 
