@@ -39,6 +39,7 @@
 #include "mclib/print/print.h"
 #include "mclib/print/ps.h"
 #include "mclib/print/raster.h"
+#include "mclib/print/scale.h"
 #include "mclib/print/setup.h"
 #include "mclib/project/application_data.h"
 #include "mclib/project/dialog.h"

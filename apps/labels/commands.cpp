@@ -63,16 +63,36 @@ void press(DialogMessage* message) {
         mdlDialog_closeCommandQueue(message->dialog);
         return;
     }
+    if (pressed == ids::labels::scales) return mclibPlotScale_dialogOpen();
     const auto button = std::ranges::find(buttons, pressed, &Button::item);
     if (button != std::end(buttons)) start(*button);
+}
+
+// ---- the scale ----
+
+// One that isn't in the list holds for labels alone.
+void shareScale() {
+    mclibPlotScale_setActiveScale(settings().scale, 0);
+}
+
+void takeScale(double, double scale) {
+    settings().scale = scale;
+    showSettings();
+}
+
+void typedScale(DialogMessage* message) {
+    message->handled = message->type == ITEM_STATE_CHANGED;
+    if (message->handled) shareScale();
 }
 
 }  // namespace
 
 bool openCommands(const Paper& paper, const Style& style) {
     beginSettings(paper, style);
-    constexpr DialogHook hook = {ids::hooks::command, press};
-    mdlDialog_hookPublish(1, &hook);
+    constexpr DialogHook hooks[] = {{ids::hooks::command, press}, {ids::hooks::typedScale, typedScale}};
+    mdlDialog_hookPublish(std::size(hooks), hooks);
+    shareScale();
+    mclibMain_setScaleFunction(takeScale);
     return mdlDialog_open(0, ids::labels::id) ||
            mcapp::fail("the dialog can't be opened; is labels.rsc beside labels.so?");
 }

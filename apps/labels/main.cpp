@@ -127,6 +127,7 @@ bool run(const LabelFile& file, const Options& options) {
 ExitStatus work(const Options& options) {
     if (!beginAttributes()) return failed;
     LabelFile usual;
+    if (const double shared = *mclibPlotScale_getActiveScaleP(); shared != 1) usual.paper.scale = shared;
     if (options.scale > 0) usual.paper.scale = options.scale;
     const std::optional<LabelFile> file =
         options.input.empty() ? usual : readLabels(options.input, options.scale, !options.commands);

@@ -3,6 +3,7 @@
 
 #include "mchost/mdl/lists.h"
 #include "mclib/print/job.h"
+#include "mclib/print/scale_list.h"
 #include "mclib/print/setup_store.h"
 #include "mclib/print/shared.h"
 
@@ -45,7 +46,7 @@ constexpr PublishedBlock published[] = {
 namespace mc {
 
 const Room printRoom = {.name = "print",
-                        .hooks = {print::setupHooks, print::printDialogHooks},
+                        .hooks = {print::setupHooks, print::printDialogHooks, print::scaleHooks},
                         .published = print::published,
                         .begin = print::begin,
                         .ready = nullptr,

@@ -18,7 +18,8 @@ bool setupDeviceIs(uint32_t trait);
 
 namespace mc {
 
-// Fills the scale list at start-up: the default scales, the first one active. False when out of memory.
+// Fills the scale list at start-up: that of the file that MC_PLOTSCALES names, else the default scales, the first one
+// active. False when out of memory.
 bool loadPlotScales();
 
 static_assert(sizeof(mclibPrinterSetupData) == 840 && offsetof(mclibPrinterSetupData, pageWidth) == 8);

@@ -241,6 +241,14 @@ TEST_F(LabelCommands, WhatCantBeDoneIsToldAndLeavesTheDrawing) {
     }
 }
 
+TEST_F(LabelCommands, TheScaleIsThePlotScale) {
+    const std::string output = carryOut("same", "plot scale=1:500\nscale=2000\nscale=333\n");
+    EXPECT_THAT(output, HasSubstr("Scale, 1 to: 500\n"));
+    EXPECT_THAT(output, HasSubstr("Plot scale: 1:2000 ("));
+    EXPECT_THAT(output, HasSubstr("Scale, 1 to: 333\n"));
+    EXPECT_EQ(shown("same"), shown("before"));
+}
+
 TEST_F(LabelCommands, ALockedLabelIsRefused) {
     {
         const host::Session session;

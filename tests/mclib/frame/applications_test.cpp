@@ -308,15 +308,17 @@ TEST_F(Frame, LetsOnlyOneApplicationHaveASharedDialogOpen) {
     EXPECT_NE(mdlDialog_find(dialogId, second), nullptr);
 }
 
-TEST_F(Frame, SaysWhenAPlotScaleFileIsntRead) {
+TEST_F(Frame, SaysWhenAPlotScaleFileCannotBeRead) {
     writeFile("drive_c/scales.rsc", "");
     mdlSystem_defineCfgVar("MC_PLOTSCALES", "nowhere.rsc", 4);
     mdlSystem_defineCfgVar("MC_DATA", "c:\\", 4);
     session().endApplication(start("first"));
-    EXPECT_EQ(front().consoleText, "");
+    EXPECT_EQ(front().dialogs, 0);
     mdlSystem_defineCfgVar("MC_PLOTSCALES", "scales.rsc", 4);
     start("second");
-    EXPECT_NE(front().consoleText.find("scales.rsc"), std::string::npos);
+    EXPECT_EQ(front().dialogs, 1);
+    ASSERT_FALSE(front().messages.empty());
+    EXPECT_NE(front().messages[0].brief.find("scales.rsc"), std::string::npos);
 }
 
 }  // namespace
