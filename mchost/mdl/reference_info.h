@@ -15,6 +15,24 @@ MDL_EXPORT FilePos mdlModelRef_getEof(ModelRef *model) MDL_NOEXCEPT;
  * a model that isn't a reference. */
 MDL_EXPORT int mdlTMatrix_masterToReference(Transform *out, ModelRef *reference) MDL_NOEXCEPT;
 
+/* How a reference lies in the active model, whatever lies between. */
+typedef struct MdlReferenceInfo {
+    Point3d offset;      /* where its origin comes to, UOR of the active model */
+    RotMatrix rotation;  /* its turn; the identity when its transform isn't made of a turn and a scale */
+    double scale;        /* master units of the active model for one of its own */
+    int32_t clipCount;   /* corners of its clip */
+    /* Them, from the offset, along the axes of a view: turned back (mdlRMatrix_unrotatePointArray) and with the offset
+     * added they are UOR of the active model, as seen from above. */
+    Point3d *clip;
+    FilePos clipElement; /* without corners: the shape or ellipse of the active model whose inside the clip is */
+} MdlReferenceInfo;
+/* What is known of a reference, for a view; the caller frees it. The clip is all that bounds it: of a reference within
+ * others also their clips. Neither corners nor an element: it isn't clipped, or nothing of it is left
+ * (mdlClip_getRefBoundary of clip.h tells). MDL_ERROR, with null, for a model that isn't a reference and for what isn't
+ * a view. */
+MDL_EXPORT int mdlRefFile_getInfo(MdlReferenceInfo **infoPP, ModelRef *reference, int32_t view) MDL_NOEXCEPT;
+MDL_EXPORT void mdlRefFile_freeInfo(MdlReferenceInfo **infoPP) MDL_NOEXCEPT;
+
 /* ---- elements by their ids ----
  * The id of an element is its position, which it keeps as long as it is there. */
 

@@ -53,8 +53,8 @@ void changeAttachments(DesignFile& keeper, Change apply) {
     openFiles().follow(keeper.place);
 }
 
-std::vector<ClipPoint> cornersOf(const Point3d* clip, int32_t count) {
-    std::vector<ClipPoint> corners;
+Ring cornersOf(const Point3d* clip, int32_t count) {
+    Ring corners;
     for (int32_t i = 0; clip && i < count; ++i) corners.push_back({clip[i].x, clip[i].y});
     return corners;
 }
@@ -98,8 +98,7 @@ std::optional<MdlRefPlacement> placementOf(const ModelRef& place, const Attachme
 
 // `transformTo` tells the transform from the model that is attached.
 template <class TransformFrom>
-ModelRef* attach(DesignFile& keeper, const std::string& path, TransformFrom transformFrom,
-                 std::vector<ClipPoint> clip) {
+ModelRef* attach(DesignFile& keeper, const std::string& path, TransformFrom transformFrom, Ring clip) {
     const std::vector<Attachment>& before = keeper.model.attachments;
     Attachment made = {.number = before.empty() ? 1 : before.back().number + 1,
                        .file = nameFrom(keeper, path),
@@ -118,8 +117,7 @@ ModelRef* attach(DesignFile& keeper, const std::string& path, TransformFrom tran
 
 // As mdlRefFile_attach, for a file that lies as `transformFrom` tells.
 template <class TransformFrom>
-int attachNamed(ModelRef** placeP, ModelRef* parent, const char* fileName, std::vector<ClipPoint> clip,
-                TransformFrom transformFrom) {
+int attachNamed(ModelRef** placeP, ModelRef* parent, const char* fileName, Ring clip, TransformFrom transformFrom) {
     const char* given = fileName ? fileName : "";
     return withFile("attach the design file", given, [&] {
         ModelRef* to = openPlace(parent);
@@ -229,7 +227,7 @@ int mdlRefFile_transform(const Transform* transform, ModelRef* model) noexcept {
     if (!transform) return MDL_ERROR;
     return changeAttachment(model, [&](Attachment& attachment) {
         attachment.toParent = *transform * attachment.toParent;
-        for (ClipPoint& corner : attachment.clip) {
+        for (Point2& corner : attachment.clip) {
             const Point3d moved = applyToPoint(*transform, {corner.x, corner.y, 0});
             corner = {moved.x, moved.y};
         }

@@ -28,7 +28,7 @@ bool canClip(const MSElementBuffer* element) {
     return type == MDL_SHAPE || type == MDL_COMPLEX_SHAPE || type == MDL_ELLIPSE;
 }
 
-std::vector<ClipPoint> clipCorners(const Model& model, const Attachment& attachment) {
+Ring clipCorners(const Model& model, const Attachment& attachment) {
     if (attachment.clipElement == 0) return attachment.clip;
     if (!model.elements.isLive(attachment.clipElement)) return {};
     uint32_t count = 0;
@@ -40,7 +40,7 @@ std::vector<ClipPoint> clipCorners(const Model& model, const Attachment& attachm
         !strokeNode(points, ed.get(), fineTolerance(range), identityTransform) || points.size() < 4)
         return {};
     points.pop_back();  // it ends where it began
-    std::vector<ClipPoint> corners;
+    Ring corners;
     for (const Point3d& p : points) corners.push_back({p.x, p.y});
     return corners;
 }

@@ -12,7 +12,7 @@ const Attachment* openAttachment(ModelRef* handle) noexcept;
 
 // The corners of the part that is shown, in UOR of the model that the attachment belongs to; none when its element
 // isn't there any more. Only of an attachment that is clipped.
-std::vector<ClipPoint> clipCorners(const Model& model, const Attachment& attachment);
+Ring clipCorners(const Model& model, const Attachment& attachment);
 // Whether an element has an inside that can be a clip.
 bool canClip(const MSElementBuffer* element);
 

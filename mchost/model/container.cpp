@@ -275,11 +275,11 @@ void loadAttachments(Database& database, Model& model) {
     while (s.step()) {
         Attachment a = {.number = static_cast<uint32_t>(s.integer(1)),
                         .file = std::string(s.text(2)),
-                        .clip = std::vector<ClipPoint>(s.blob(4).size() / sizeof(ClipPoint)),
+                        .clip = Ring(s.blob(4).size() / sizeof(Point2)),
                         .shown = s.integer(5) != 0,
                         .hidden = s.integer(6) != 0};
         if (!readNumbers(s.blob(3), &a.toParent, sizeof a.toParent)) throw FileProblem(damaged);
-        if (!readNumbers(s.blob(4), a.clip.data(), a.clip.size() * sizeof(ClipPoint))) throw FileProblem(damaged);
+        if (!readNumbers(s.blob(4), a.clip.data(), a.clip.size() * sizeof(Point2))) throw FileProblem(damaged);
         model.attachments.push_back(std::move(a));
     }
     if (formatOf(database) < attachmentLevelsSince) return;

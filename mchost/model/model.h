@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "mchost/element/clip.h"
 #include "mchost/mdl/element.h"
 #include "mchost/mdl/text.h"
 #include "mchost/model/element_store.h"
@@ -51,17 +52,13 @@ struct TextStyle {
     TextSize size;
 };
 
-struct ClipPoint {
-    double x, y;
-};
-
 // Another model that is shown in this one: where, and what of it.
 struct Attachment {
     uint32_t number = 0;    // from 1
     std::string file = {};  // path (UTF-8), from the folder of this model's file where the two have one in common
     Transform toParent = {};
-    std::vector<ClipPoint> clip = {};  // corners of the part that is shown, in this model's UOR; none: all is
-    FilePos clipElement = 0;           // or the element of this model whose inside that is, as it lies now
+    Ring clip = {};           // corners of the part that is shown, in this model's UOR; none: all is
+    FilePos clipElement = 0;  // or the element of this model whose inside that is, as it lies now
     bool shown = true;
     bool hidden = false;
     std::array<LevelNames, viewCount> levelsOff = {};  // in each view, beside those that are off in the view itself

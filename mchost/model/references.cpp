@@ -90,7 +90,7 @@ int mdlRefFile_getClip(Point3d* corners, int32_t* countP, ModelRef* model) noexc
     if (!attachment) return MDL_ERROR;
     if (countP) *countP = static_cast<int32_t>(attachment->clip.size());
     if (corners)
-        std::ranges::transform(attachment->clip, corners, [](const ClipPoint& p) { return Point3d{p.x, p.y, 0}; });
+        std::ranges::transform(attachment->clip, corners, [](const Point2& p) { return Point3d{p.x, p.y, 0}; });
     return MDL_SUCCESS;
 }
 

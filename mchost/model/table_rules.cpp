@@ -100,9 +100,9 @@ bool isFinite(const TextStyle& style) {
            std::isfinite(size.height) && std::isfinite(size.aspect);
 }
 
-bool isClip(std::span<const ClipPoint> corners) {
+bool isClip(std::span<const Point2> corners) {
     return corners.size() >= 3 && corners.size() <= mostClipPoints &&
-           std::ranges::all_of(corners, [](const ClipPoint& p) { return std::isfinite(p.x) && std::isfinite(p.y); });
+           std::ranges::all_of(corners, [](const Point2& p) { return std::isfinite(p.x) && std::isfinite(p.y); });
 }
 
 bool isSound(const Attachment& attachment) {

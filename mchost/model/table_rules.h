@@ -23,7 +23,7 @@ bool isLineStyleName(std::string_view name);
 bool isDashPattern(std::span<const double> pattern);
 bool isFinite(const LineStyleParams& params);
 bool isFinite(const TextStyle& style);
-bool isClip(std::span<const ClipPoint> corners);
+bool isClip(std::span<const Point2> corners);
 bool isSound(const Attachment& attachment);  // but for its number
 // The rotation that the matrix is but for the errors of reckoning; nothing for what isn't one.
 std::optional<RotMatrix> nearestRotation(const RotMatrix& m);

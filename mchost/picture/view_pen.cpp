@@ -50,7 +50,7 @@ bool ViewPen::isOutline(const ShownClip& clip) const {
 void ViewPen::clipTo(const ShownClip& clip) {
     const Transform intoView = transformOf(viewRotation(view_)) * toMaster(*clip.parent);
     std::vector<Point3d> outline;
-    for (const ClipPoint& p : *clip.outline) outline.push_back(applyToPoint(intoView, {p.x, p.y, 0}));
+    for (const Point2& p : *clip.outline) outline.push_back(applyToPoint(intoView, {p.x, p.y, 0}));
     canvas_.beginClip(outline);
     ++outlines_;
 }

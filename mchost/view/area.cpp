@@ -17,7 +17,7 @@ std::optional<Range3d> rangeOfClips(const ShownPlace& shown) {
     for (const ShownClip& clip : shown.clips) {
         RangeBuilder outline;
         const Transform toMaster = host::toMaster(*clip.parent);
-        for (const ClipPoint& p : *clip.outline) outline.add(applyToPoint(toMaster, {p.x, p.y, 0}));
+        for (const Point2& p : *clip.outline) outline.add(applyToPoint(toMaster, {p.x, p.y, 0}));
         Range3d box = outline.range();
         if (left) {
             box.low = {std::max(box.low.x, left->low.x), std::max(box.low.y, left->low.y), 0};

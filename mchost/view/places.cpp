@@ -10,7 +10,7 @@ std::optional<ShownClip> clipOf(const ModelRef& place) {
     const Attachment* const attachment = attachmentOf(place);
     if (!attachment || !attachment->isClipped()) return std::nullopt;
     const DesignFile& in = *place.parent->file;
-    auto corners = std::make_shared<const std::vector<ClipPoint>>(clipCorners(in.model, *attachment));
+    auto corners = std::make_shared<const Ring>(clipCorners(in.model, *attachment));
     if (corners->empty() && openFiles().isToldFirst("clip " + in.path() + " " + std::to_string(place.number))) {
         const std::string line = "The element that clips \"" + attachment->file + "\" in \"" + in.name() +
                                  "\" isn't there any more, so nothing of it is shown. Give it another clip.\n";

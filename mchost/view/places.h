@@ -12,7 +12,7 @@ namespace host {
 // What a clip leaves of a place: the inside of an outline, as seen from above, in the UOR of the place that has it.
 struct ShownClip {
     const ModelRef* parent;
-    std::shared_ptr<const std::vector<ClipPoint>> outline;
+    std::shared_ptr<const Ring> outline;
 };
 // The clip of a place that is attached, and has one. The first time that its element isn't there any more a line tells
 // so; the outline is empty then, and nothing is shown.

@@ -8,23 +8,24 @@ namespace host {
 
 ShownPart::ShownPart(std::span<const ShownClip> clips, const Transform& fromMaster) {
     for (const ShownClip& clip : clips) {
-        Prism prism{{}, clip.outline.get()};
-        if (!invert(fromMaster * toMaster(*clip.parent), prism.intoModel)) continue;
-        outlines_.push_back(clip.outline);
-        prisms_.push_back(prism);
+        Transform toPlane;
+        if (invert(fromMaster * toMaster(*clip.parent), toPlane)) parts_.push_back({toPlane, ClipArea(*clip.outline)});
     }
 }
 
 bool ShownPart::holds(const Point3d& point) const {
-    return std::ranges::all_of(prisms_, [&](const Prism& prism) { return isInside(prism, point); });
+    return std::ranges::all_of(parts_, [&](const Part& part) {
+        const Point3d at = applyToPoint(part.toPlane, point);
+        return part.area.isInside({at.x, at.y});
+    });
 }
 
 LinePieces ShownPart::piecesOf(std::span<const Point3d> line) const {
     LinePieces pieces = {{line.begin(), line.end()}};
-    for (const Prism& prism : prisms_) {
+    for (const Part& part : parts_) {
         LinePieces left;
         for (const std::vector<Point3d>& piece : pieces)
-            std::ranges::move(piecesInside(prism, piece), std::back_inserter(left));
+            std::ranges::move(piecesInside(part.area, part.toPlane, piece), std::back_inserter(left));
         pieces = std::move(left);
     }
     return pieces;

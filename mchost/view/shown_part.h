@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "mchost/view/places.h"
-#include "mchost/view/prism.h"
 
 namespace host {
 
@@ -16,14 +15,20 @@ class ShownPart {
     // Points are given as `fromMaster` has them from the UOR of the file that is open by itself.
     ShownPart(std::span<const ShownClip> clips, const Transform& fromMaster);
 
-    bool isWhole() const { return prisms_.empty(); }
+    // A clip, and the way to its plane from where points are given.
+    struct Part {
+        Transform toPlane;
+        ClipArea area;
+    };
+    std::span<const Part> parts() const { return parts_; }
+
+    bool isWhole() const { return parts_.empty(); }
     bool holds(const Point3d& point) const;
     // The pieces of a line that are left, in order.
     LinePieces piecesOf(std::span<const Point3d> line) const;
 
   private:
-    std::vector<std::shared_ptr<const std::vector<ClipPoint>>> outlines_;
-    std::vector<Prism> prisms_;
+    std::vector<Part> parts_;
 };
 
 }  // namespace host

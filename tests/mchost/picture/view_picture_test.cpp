@@ -14,7 +14,6 @@
 #include "mchost/mdl/view.h"
 #include "mchost/picture/view.h"
 #include "mchost/space/vector.h"
-#include "mchost/view/prism.h"
 #include "tests/mchost/model/model_fixture.h"
 
 namespace {
@@ -186,20 +185,6 @@ TEST_F(ViewPicture, AnElementThatClipsIsFollowed) {
     for (int times = 0; times < 2; ++times) EXPECT_EQ(inked(), "0000");
     EXPECT_NE(front().consoleText.find("isn't there any more"), std::string::npos);
     EXPECT_EQ(front().consoleText.find('\n'), front().consoleText.size() - 1) << "once";
-}
-
-TEST_F(ViewPicture, LinesAreCutWhereTheyCrossAnOutline) {
-    const std::vector<host::ClipPoint> u = {{0, 0}, {30, 0}, {30, 20}, {20, 20}, {20, 10}, {10, 10}, {10, 20}, {0, 20}};
-    const host::Prism prism{host::identityTransform, &u};
-    const Point3d across[] = {{-5, 15, 7}, {35, 15, 7}}, inside[] = {{1, 1, 0}, {25, 1, 0}, {25, 19, 0}};
-    const auto pieces = host::piecesInside(prism, across);
-    ASSERT_EQ(pieces.size(), 2u);
-    EXPECT_DOUBLE_EQ(pieces[0].front().x, 0);
-    EXPECT_DOUBLE_EQ(pieces[0].back().x, 10);
-    EXPECT_DOUBLE_EQ(pieces[1].front().x, 20);
-    EXPECT_DOUBLE_EQ(pieces[1].back().z, 7);
-    ASSERT_EQ(host::piecesInside(prism, inside).size(), 1u);
-    EXPECT_EQ(host::piecesInside(prism, inside)[0].size(), 3u);
 }
 
 // ---- what commands show ----
