@@ -1,6 +1,4 @@
 // Pictures of views: looked at as the strokes of an SVG file, and as the dots of a PNG file.
-#include <cairo.h>
-
 #include <cmath>
 #include <map>
 #include <memory>
@@ -15,26 +13,9 @@
 #include "mchost/picture/view.h"
 #include "mchost/space/vector.h"
 #include "tests/mchost/model/model_fixture.h"
+#include "tests/support/dots.h"
 
 namespace {
-
-// The dots of a picture by their colours.
-class Dots {
-  public:
-    explicit Dots(const std::string& path)
-        : surface_(cairo_image_surface_create_from_png(path.c_str()), cairo_surface_destroy) {}
-    int width() const { return cairo_image_surface_get_width(surface_.get()); }
-    int height() const { return cairo_image_surface_get_height(surface_.get()); }
-    uint32_t at(int x, int y) const {
-        const unsigned char* row = cairo_image_surface_get_data(surface_.get()) +
-                                   static_cast<ptrdiff_t>(y) * cairo_image_surface_get_stride(surface_.get());
-        return reinterpret_cast<const uint32_t*>(row)[x] & 0xFFFFFF;
-    }
-    bool isInked(int x, int y) const { return at(x, y) != 0xFFFFFF; }
-
-  private:
-    std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)> surface_;
-};
 
 // View 0 shows x and y from 0 to 800 and 600, so a dot is a UOR.
 class ViewPicture : public DesignFileTest {
