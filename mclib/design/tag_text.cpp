@@ -3,10 +3,15 @@
 #include <cstring>
 #include <iterator>
 
-#include "mchost/mdl/element.h"
+#include "mchost/mdl/copy.h"
+#include "mchost/mdl/reference_info.h"
 #include "mchost/mdl/tag.h"
+#include "mclib/design/criteria.h"
 #include "mclib/design/merge.h"
+#include "mclib/design/merging.h"
 #include "mclib/frame/errors.h"
+
+using namespace mc;
 
 namespace {
 
@@ -59,5 +64,21 @@ int mclibMerge_textFromTag(MSElementBuffer* out, const MSElementBuffer* tag, Fil
         return MCLIB_ERROR;
     mdlElement_setSymbology(out, &look.color, &look.weight, &look.style);
     mdlElement_setProperties(out, &look.level, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+    return MCLIB_SUCCESS;
+}
+
+int mclibMerge_replaceTagWithText(const MSElementBuffer* tag, FilePos position, ModelRef* model, int display,
+                                  const Transform* transform, const ClipDescr* clip, int isClipped) {
+    const design::ElementBuffer text = design::makeElementBuffers(1);
+    mdl::Descr descr;
+    if (!text || mclibMerge_textFromTag(text.get(), tag, position, model) != MCLIB_SUCCESS ||
+        mdlElmdscr_new(descr.out(), model, text.get()) != MDL_SUCCESS ||
+        (transform && mdlElmdscr_transform(descr.get(), transform) != MDL_SUCCESS))
+        return MCLIB_ERROR;
+    constexpr int32_t anyView = 0;  // the clip knows its own
+    if (clip && isClipped) design::replaceBy(descr, design::clipped(descr.get(), model, clip, anyView));
+    if (descr && mdlElmdscr_copy(descr.get()) == 0) return MCLIB_ERROR;
+    if (mdlModelRef_isActiveModel(model)) mdlElement_undoableDelete(tag, position, display);
+    if (descr && display) mdlElmdscr_display(descr.get(), nullptr, MDL_DRAW);
     return MCLIB_SUCCESS;
 }
