@@ -19,6 +19,9 @@ struct CommandInput {
 // cursor; "reset", "r" or nothing; or "end". Nothing for what can't be read.
 std::optional<CommandInput> commandInputIn(std::string_view line);
 
+// Refuses, with a line for the user, while no design file is open.
+void requireDesignFile();
+
 // Of the active model.
 Point3d inUor(const Point3d& masterUnits);
 

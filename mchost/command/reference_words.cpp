@@ -7,6 +7,7 @@
 #include "mchost/base/words.h"
 #include "mchost/command/fence.h"
 #include "mchost/command/hits.h"
+#include "mchost/command/input.h"
 #include "mchost/command/references.h"
 #include "mchost/mdl/reference.h"
 #include "mchost/mdl/system.h"
@@ -32,10 +33,6 @@ constexpr std::string_view help =
 // Why a call failed has been told by then.
 void require(int status) {
     if (status != MDL_SUCCESS) mdlSystem_noteFailure();
-}
-
-void requireDesignFile() {
-    if (!openPlace(nullptr)) refuse("No design file is open. Open one first.");
 }
 
 // A name with blanks stands in quotes.

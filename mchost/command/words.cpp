@@ -22,14 +22,15 @@
 #include "mchost/view/words.h"
 
 namespace host {
+
+void requireDesignFile() {
+    if (activeModelSerial() == 0) refuse("No design file is open. Open one first.");
+}
+
 namespace {
 
 void tell(const std::string& what) {
     mdlOutput_messageCenter(MDL_PRIORITY_INFORMATION, what.c_str(), "", 0);
-}
-
-void requireDesignFile() {
-    if (activeModelSerial() == 0) refuse("No design file is open. Open one first.");
 }
 
 // A place in a view, in UOR.

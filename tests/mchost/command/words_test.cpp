@@ -6,9 +6,13 @@
 #include "mchost/command/overlay.h"
 #include "mchost/command/running.h"
 #include "mchost/command/selection.h"
+#include "mchost/mdl/compound.h"
+#include "mchost/mdl/describe.h"
 #include "mchost/mdl/fence.h"
+#include "mchost/mdl/owned.hpp"
 #include "mchost/mdl/reference.h"
 #include "mchost/mdl/snap.h"
+#include "mchost/mdl/tag.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/transform.h"
 #include "mchost/mdl/undo.h"
@@ -190,6 +194,43 @@ TEST_F(Words, ElementsAreSelectedByPointsByTheFenceAndAllAtOnce) {
     EXPECT_EQ(mdlSelect_isActive(), 0) << "another file has no selection";
     EXPECT_EQ(mdlSelect_returnPositions(&positions, &models, &count), MDL_SUCCESS);
     EXPECT_EQ(positions, nullptr);
+}
+
+TEST_F(Words, TagsDimensionsAndMultilinesArePlaced) {
+    const auto placed = [&](const std::string& line) -> std::string {
+        const uint32_t before = mdlModelRef_getElementCount(nullptr);
+        EXPECT_EQ(key(line), "") << line;
+        EXPECT_EQ(mdlModelRef_getElementCount(nullptr), before + 1) << line;
+        EXPECT_NE(mdlElement_read(dgnBufP, nullptr, before + 1), 0u);
+        Point3d origin{};
+        MdlTagValue value{};
+        if (mdlTag_extract(&origin, nullptr, nullptr, nullptr, nullptr, &value, dgnBufP, nullptr) != MDL_SUCCESS)
+            return mdlElement_typeName(mdlElement_getType(dgnBufP));
+        EXPECT_EQ(std::tuple(origin.x, origin.y), std::tuple(3 * uor, 4 * uor));
+        return std::to_string(value.type) + " " + std::to_string(value.longValue) + " " +
+               std::to_string(value.doubleValue) + " " + value.string;
+    };
+    EXPECT_EQ(placed("place tag 3,4 P-101 left"), "1 0 0.000000 P-101 left");
+    EXPECT_EQ(placed("place tag 3,4 -17"), "3 -17 0.000000 ");
+    EXPECT_EQ(placed("place tag 3,4 2.5"), "4 0 2.500000 ");
+    EXPECT_EQ(placed("place tag 3,4 \"12\""), "1 0 0.000000 12");
+    EXPECT_EQ(placed("place dimension 0,0 10,0 0,3"), "dimension");
+    mdl::Descr parts;
+    ASSERT_EQ(mdlElmdscr_fromCompoundElement(parts.out(), dgnBufP, nullptr), MDL_SUCCESS);
+    const ElementDescr* last = parts.get();
+    while (last->next) last = last->next;
+    char text[256] = "";
+    mdlText_extractString(text, last->element);
+    EXPECT_STREQ(text, "10");
+    EXPECT_EQ(placed("place multiline 0,-0.5,0.5 0,0 10,0 10,8"), "multiline");
+    EXPECT_EQ(mdlUndo_undo(), MDL_SUCCESS);
+    const uint32_t count = mdlModelRef_getElementCount(nullptr);
+    for (const char* line :
+         {"place tag", "place tag 3,4", "place tag 3,4 \"\"", "place tag 3,4 1e300", "place dimension 0,0 0,0 0,3",
+          "place dimension 0,0 10,0", "place dimension 0,0 10,0 0,3 4", "place multiline 1 0,0",
+          "place multiline x 0,0 1,1", "place multiline 1 0,0 0,0"})
+        EXPECT_NE(key(line), "") << line;
+    EXPECT_EQ(mdlModelRef_getElementCount(nullptr), count);
 }
 
 TEST_F(Words, UndoAndRedoTellWhatAndBeginTheCommandAnew) {
