@@ -4,18 +4,23 @@
 #include <cstring>
 
 #include "database.h"
+#include "mchost/element/clip.h"
 #include "mchost/mdl/cell.h"
+#include "mchost/mdl/compound.h"
 #include "mchost/mdl/elmdscr.h"
 #include "mchost/mdl/files.h"
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/lists.h"
 #include "mchost/mdl/model.h"
 #include "mchost/mdl/reference.h"
+#include "mchost/mdl/region.h"
 #include "mchost/mdl/scan.h"
 #include "mchost/mdl/system.h"
+#include "mchost/mdl/tag.h"
 #include "mchost/mdl/text.h"
 #include "mchost/mdl/undo.h"
 #include "mchost/model/cell_library.h"
+#include "mchost/space/vector.h"
 #include "mclib/project/store.h"
 #include "session.h"
 #include "tests/support/model_digests.h"
@@ -42,6 +47,12 @@ Elements oneOfEachType() {
     add(mdlArc_create(&e, nullptr, points, 5e4, 3e4, nullptr, 0.5, 2));
     add(mdlEllipse_create(&e, nullptr, points, 5e4, 3e4, nullptr, 0));
     add(mdlText_createWide(&e, nullptr, L"Text \x20AC", points, nullptr, &size, nullptr, 0));
+    MdlTagValue value{};
+    value.type = MDL_TAG_LONG;
+    add(mdlTag_create(&e, nullptr, &value, points, nullptr, &size, nullptr, 1));
+    const double offsets[] = {0, 1e3};
+    add(mdlMultiline_create(&e, nullptr, points, 3, offsets, 2));
+    add(mdlDimension_create(&e, nullptr, points, points + 2, L"1", &size));
     BsplineCurve curve{};
     const Point3d curved[] = {{0, 0, 0}, {1e4, 2e4, 0}, {3e4, 1e4, 0}, {5e4, 4e4, 0}, {6e4, 0, 0}};
     curve.order = 4;
@@ -125,13 +136,18 @@ int look(MSElementBuffer* element, void*, int32_t, int32_t, ElementDescr*) {
     mdlText_extract(&p, &q, &a, &b, text, &rotation, &params, &i, &c, &d, element);
     mdlText_extractWide(wide, &p, &rotation, &size, &params, element);
     mdlText_extractShape(points, &p, element, 0, 0);
+    MdlTagValue value;
+    mdlTag_extract(&p, &size, &rotation, &i, &params, &value, element, nullptr);
+    ElementDescr* parts = nullptr;
+    if (mdlElmdscr_fromCompoundElement(&parts, element, nullptr) == MDL_SUCCESS) mdlElmdscr_freeAll(&parts);
     mdlCell_extract(&p, &rotation, element);
     mdlCell_extractName(wide, 512, element);
     mdlCell_extractDescription(wide, 512, element);
     mdlElement_getSymbology(&color, &weight, &i, element);
     mdlElement_getEffectiveSymbology(&i, &j, &count, &a, &b, element, nullptr);
     LineStyleParams style;
-    mdlElement_getLineStyleParams(&style, element);
+    mdlElement_getLineStyle(&i, &style, element);
+    mdlElement_getFillColor(&color, element);
     BsplineCurve curve{};
     if (mdlBspline_extractCurve(&curve, element) == MDL_SUCCESS) mdlBspline_evaluateCurvePoint(&p, &curve, 0.5);
     mdlBspline_freeCurve(&curve);
@@ -142,6 +158,10 @@ int look(MSElementBuffer* element, void*, int32_t, int32_t, ElementDescr*) {
 
 void walk(ElementDescr* ed) {
     constexpr int32_t allElements = 11;
+    static const host::ClipArea area(host::Ring{{-1e5, -1e5}, {2e5, 0}, {1e5, 1e5}, {5e4, 2e4}});
+    ElementDescr* cut = nullptr;
+    clipDescriptor(&cut, ed, area, host::identityTransform);
+    mdlElmdscr_freeAll(&cut);
     mdlElmdscr_operation(ed, look, nullptr, allElements);
     Point3d low, high, *points = nullptr;
     int32_t count = 0;
