@@ -8,6 +8,7 @@
 #define MCLIB_H
 
 #include "mclib/arrows/arrows.h"
+#include "mclib/batch/design_file_lists.h"
 #include "mclib/design/element_search.h"
 #include "mclib/design/merge.h"
 #include "mclib/design/text_search.h"

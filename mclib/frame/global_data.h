@@ -53,7 +53,7 @@ struct GlobalData {
     double pageAngle;                          // forms: degrees
     double convertedValue;                     // frame: result of the last unit conversion
     double pageScale;                          // forms
-    FileDialogResult fileListResult;           // to come: lists of design files
+    FileDialogResult fileListResult;           // batch
     mc::ElmAttrGroup* groups;                  // elmattr
     int32_t hourGlassTicks;                    // frame
     int32_t selectedAttributeId;               // elmattr
@@ -64,7 +64,7 @@ struct GlobalData {
     int32_t printerRow;                        // print
     int32_t layoutState;                       // to come: attribute dialog
     int32_t exportToExcel;                     // forms
-    int32_t fileListFirstUse;                  // to come: lists of design files
+    int32_t fileListFirstUse;                  // batch
     int32_t isInitApp;                         // startup; frame, once the first design file is open
     int32_t pageInfoPage;                      // forms
     int32_t pageNameCount;                     // forms

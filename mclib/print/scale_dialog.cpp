@@ -138,8 +138,7 @@ bool askForFile(char (&name)[256], Text title) {
 void readFile() {
     char name[256];
     McHandle file{};
-    if (!askForFile(name, ids::texts::readScales) ||
-        mclibResource_openFile(&file, name, MDL_RSC_READ) != MCLIB_SUCCESS)
+    if (!askForFile(name, ids::texts::readScales) || mclibResource_openFile(&file, name, MDL_RSC_READ) != MCLIB_SUCCESS)
         return;
     const bool read = mclibPlotScale_readSettings(&file) == MCLIB_SUCCESS;
     mclibResource_closeFile(&file);
@@ -176,12 +175,9 @@ void scaleFiles(DialogMessage* message) {
 }  // namespace
 
 const DialogHook scaleHooks[] = {
-    {ids::hooks::scaleDialog, scaleDialog},
-    {ids::hooks::scaleList, scaleList},
-    {ids::hooks::scaleChoice, scaleChoice},
-    {ids::hooks::scaleRows, changeRows},
-    {ids::hooks::scaleFiles, scaleFiles},
-    endOfHooks,
+    {ids::hooks::scaleDialog, scaleDialog}, {ids::hooks::scaleList, scaleList},
+    {ids::hooks::scaleChoice, scaleChoice}, {ids::hooks::scaleRows, changeRows},
+    {ids::hooks::scaleFiles, scaleFiles},   endOfHooks,
 };
 
 void showListInDialog() {

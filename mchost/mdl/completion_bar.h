@@ -1,0 +1,16 @@
+/* The completion bar: a text and how much of a long work is done. Front ends show it as a line of the message field. */
+#ifndef HOST_MDL_COMPLETION_BAR_H
+#define HOST_MDL_COMPLETION_BAR_H
+
+#include "types.h"
+
+typedef struct MdlCompletionBar MdlCompletionBar;
+
+/* Opens the bar at 0 percent, with a text (null: none yet). Null without memory. */
+MDL_EXPORT MdlCompletionBar *mdlDialog_openCompletionBar(const char *text) MDL_NOEXCEPT;
+/* Shows another text (null: the one before) at so many percent, held between 0 and 100. Null does nothing. */
+MDL_EXPORT void mdlDialog_completionBarUpdate(MdlCompletionBar *bar, const char *text, int32_t percent) MDL_NOEXCEPT;
+/* Takes the bar away and frees it; null does nothing. */
+MDL_EXPORT void mdlDialog_closeCompletionBar(MdlCompletionBar *bar) MDL_NOEXCEPT;
+
+#endif
