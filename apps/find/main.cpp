@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <mchost/mdl/files.h>
@@ -13,6 +12,7 @@
 #include <mclib/app/arguments.hpp>
 #include <mclib/app/drawings.hpp>
 #include <mclib/app/numbers.hpp>
+#include <mclib/app/open_drawing.hpp>
 #include <mclib/app/outputs.hpp>
 #include <mclib/app/system_path.hpp>
 #include <mclib/app/tell.hpp>
@@ -31,29 +31,6 @@ namespace fs = std::filesystem;
 enum ExitStatus { found = 0, nothingFound = 1, failed = 2 };
 
 // ---- one drawing ----
-
-// Open beside the active one.
-class OpenDrawing {
-  public:
-    enum class Use { look, write };
-    OpenDrawing(const std::string& name, Use use) {
-        const auto open = use == Use::look ? mdlWorkDgn_openFile : mdlWorkDgn_openFileToWrite;
-        if (open(&model_, name.c_str()) != MDL_SUCCESS) model_ = nullptr;
-    }
-    ~OpenDrawing() { close(); }
-    OpenDrawing(const OpenDrawing&) = delete;
-    OpenDrawing& operator=(const OpenDrawing&) = delete;
-
-    ModelRef* model() const { return model_; }
-    // False, with a message from the host, when what was changed can't be stored.
-    bool close() {
-        ModelRef* const model = std::exchange(model_, nullptr);
-        return !model || mdlWorkDgn_closeFile(model) == MDL_SUCCESS;
-    }
-
-  private:
-    ModelRef* model_ = nullptr;
-};
 
 // What a whole run has come to.
 struct Run {
@@ -83,7 +60,7 @@ bool keepBackup(const std::string& name) {
 // False after a message.
 bool store(std::vector<Change>& changes, const std::string& name, const Options& options) {
     if (options.backup && !keepBackup(name)) return false;
-    OpenDrawing drawing(name, OpenDrawing::Use::write);
+    mcapp::OpenDrawing drawing(name, mcapp::OpenDrawing::Use::write);
     if (!drawing.model()) return false;
     replaceTexts(changes, Query(options, drawing.model()), drawing.model());
     return drawing.close();
@@ -115,7 +92,7 @@ void searchDrawing(const std::string& name, Run& run) {
     ++run.page;
     std::vector<Hit> hits;
     {
-        const OpenDrawing drawing(name, OpenDrawing::Use::look);
+        const mcapp::OpenDrawing drawing(name, mcapp::OpenDrawing::Use::look);
         if (!drawing.model()) {
             run.whole = false;
             return;
