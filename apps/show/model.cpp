@@ -6,6 +6,7 @@
 #include <mchost/mdl/files.h>
 #include <mchost/mdl/level.h>
 #include <mchost/mdl/model.h>
+#include <mchost/mdl/reference.h>
 #include <mchost/mdl/text.h>
 #include <mchost/mdl/owned.hpp>
 #include "show.h"
@@ -190,6 +191,32 @@ void tellLineStyles(const Survey& survey) {
     }
 }
 
+std::string referenceText(ModelRef* place) {
+    char file[4096] = "";
+    int32_t shown = 0, found = 0, corners = 0;
+    FilePos element = 0;
+    mdlRefFile_getFileName(file, sizeof file, place);
+    mdlRefFile_getParameters(&shown, MDL_REFERENCE_SHOWN, place);
+    mdlRefFile_getParameters(&found, MDL_REFERENCE_FOUND, place);
+    mdlRefFile_getClip(nullptr, &corners, place);
+    mdlRefFile_getClipElement(&element, place);
+    std::string text = right(std::to_string(mdlRefFile_getNumber(place)), 4) + "  " + quoted(std::string_view(file));
+    if (found == 0) text += ", missing";
+    if (shown == 0) text += ", off";
+    if (corners != 0) text += ", clip of " + std::to_string(corners) + " corners";
+    if (element != 0) text += ", clip of the element at position " + std::to_string(element);
+    return text;
+}
+
+void tellReferences(const Survey& survey) {
+    ModelRefIterator* places = nullptr;
+    if (mdlModelRefIterator_create(&places, survey.subject.model, MDL_ITERATE_REFERENCES, 1) != MDL_SUCCESS) return;
+    ModelRef* place = mdlModelRefIterator_getFirst(places);
+    if (place) line(1, "references");
+    for (; place; place = mdlModelRefIterator_getNext(places)) line(2, referenceText(place));
+    mdlModelRefIterator_free(&places);
+}
+
 void tellApplicationData(const Survey& survey) {
     if (!survey.applicationData.empty()) line(1, "application data");
     for (const Record& record : survey.applicationData) {
@@ -221,6 +248,7 @@ bool tellModel(const std::string& name, bool isLibrary, bool full) {
     tellCounts(survey);
     tellLevels(survey);
     tellLineStyles(survey);
+    tellReferences(survey);
     tellApplicationData(survey);
     return true;
 }
