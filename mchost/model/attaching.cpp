@@ -83,20 +83,16 @@ constexpr MdlRefPlacement unplaced{{0, 0, 0}, identityMatrix, 1};
 // Nothing for a transform that isn't made of the three.
 std::optional<MdlRefPlacement> placementOf(const ModelRef& place, const Attachment& attachment) {
     const auto& f = attachment.toParent.form;
-    const double factor = length({f[0][0], f[1][0], f[2][0]});
-    RotMatrix turn;
-    for (int row = 0; row < 3; ++row) {
-        for (int column = 0; column < 3; ++column) turn.form[row][column] = f[row][column] / factor;
-    }
-    const std::optional<RotMatrix> rotation = nearestRotation(turn);
+    const std::optional<RotMatrix> rotation = turnOf(attachment.toParent);
     if (!rotation || !place.file) return std::nullopt;
+    const double factor = length({f[0][0], f[1][0], f[2][0]});
     const double unit = unitFactor(place.file->model, place.parent->file->model);
     return MdlRefPlacement{{f[0][3], f[1][3], f[2][3]}, *rotation, factor / unit};
 }
 
 // ---- attaching ----
 
-// `transformTo` tells the transform from the model that is attached.
+// `transformFrom` tells the transform from the model that is attached.
 template <class TransformFrom>
 ModelRef* attach(DesignFile& keeper, const std::string& path, TransformFrom transformFrom, Ring clip) {
     const std::vector<Attachment>& before = keeper.model.attachments;
@@ -115,9 +111,10 @@ ModelRef* attach(DesignFile& keeper, const std::string& path, TransformFrom tran
     return keeper.place.below.back().get();
 }
 
-// As mdlRefFile_attach, for a file that lies as `transformFrom` tells.
-template <class TransformFrom>
-int attachNamed(ModelRef** placeP, ModelRef* parent, const char* fileName, Ring clip, TransformFrom transformFrom) {
+// As mdlRefFile_attach, for a file that lies as `transformFrom` tells and has the clip that `clip` gives.
+template <class Clip, class TransformFrom>
+int attachNamed(ModelRef** placeP, ModelRef* parent, const char* fileName, Clip clip,
+                TransformFrom transformFrom) noexcept {
     const char* given = fileName ? fileName : "";
     return withFile("attach the design file", given, [&] {
         ModelRef* to = openPlace(parent);
@@ -125,7 +122,7 @@ int attachNamed(ModelRef** placeP, ModelRef* parent, const char* fileName, Ring 
         if (*given == '\0') throw FileProblem("no name was given. Give one.");
         ModelRef* made = attach(
             keeperOf(*to), fullPath(given), [&](const Model& from) { return transformFrom(from, to->file->model); },
-            std::move(clip));
+            clip());
         if (placeP) *placeP = made;
     });
 }
@@ -180,16 +177,17 @@ using namespace host;
 
 int mdlRefFile_attach(ModelRef** placeP, ModelRef* parent, const char* fileName, const Transform* toParent,
                       const Point3d* clip, int32_t clipCount) noexcept {
-    return attachNamed(placeP, parent, fileName, cornersOf(clip, clipCount), [&](const Model& from, const Model& to) {
+    const auto corners = [&] { return cornersOf(clip, clipCount); };
+    return attachNamed(placeP, parent, fileName, corners, [&](const Model& from, const Model& to) {
         return toParent ? *toParent : placedBy(unplaced, from, to);
     });
 }
 
 int mdlRefFile_attachAt(ModelRef** placeP, ModelRef* parent, const char* fileName,
                         const MdlRefPlacement* placement) noexcept {
-    return attachNamed(placeP, parent, fileName, {}, [&](const Model& from, const Model& to) {
-        return placedBy(placement ? *placement : unplaced, from, to);
-    });
+    return attachNamed(
+        placeP, parent, fileName, [] { return Ring(); },
+        [&](const Model& from, const Model& to) { return placedBy(placement ? *placement : unplaced, from, to); });
 }
 
 int mdlRefFile_detach(int32_t number) noexcept {
@@ -269,8 +267,8 @@ int mdlRefFile_setClipElement(FilePos element, ModelRef* model) noexcept {
 int mdlRefFile_setLevelOn(ModelRef* model, int32_t view, LevelId level, int32_t on) noexcept {
     const Level* const found = openAttachment(model) && model->file ? findLevel(model->file->model, level) : nullptr;
     if (!found || !isView(view)) return MDL_ERROR;
-    const std::wstring name = found->name;
-    return changeAttachment(model, [&](Attachment& attachment) { switchLevel(attachment, view, name, on != 0); });
+    return changeAttachment(model,
+                            [&](Attachment& attachment) { switchLevel(attachment, view, found->name, on != 0); });
 }
 
 int mdlRefFile_setParameters(const void* valueP, int32_t parameter, ModelRef* model) noexcept {

@@ -5,6 +5,7 @@
 #include "mchost/element/range.h"
 #include "mchost/mdl/owned.hpp"
 #include "mchost/model/open_files.h"
+#include "mchost/model/table_rules.h"
 #include "mchost/space/vector.h"
 
 namespace host {
@@ -43,6 +44,15 @@ Ring clipCorners(const Model& model, const Attachment& attachment) {
     Ring corners;
     for (const Point3d& p : points) corners.push_back({p.x, p.y});
     return corners;
+}
+
+std::optional<RotMatrix> turnOf(const Transform& transform) {
+    const double factor = length(applyToVector(transform, {1, 0, 0}));
+    RotMatrix turn;
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 3; ++column) turn.form[row][column] = transform.form[row][column] / factor;
+    }
+    return nearestRotation(turn);
 }
 
 double scaleToMaster(const ModelRef& place) {

@@ -1,6 +1,7 @@
 // What is attached to models, for those who show it and tell of it.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "mchost/model/model_ref.h"
@@ -16,6 +17,8 @@ Ring clipCorners(const Model& model, const Attachment& attachment);
 // Whether an element has an inside that can be a clip.
 bool canClip(const MSElementBuffer* element);
 
+// The turn of a transform that is made of a turn, an even scale and a move.
+std::optional<RotMatrix> turnOf(const Transform& transform);
 // From the place's own master units to those of the file that is open by itself.
 double scaleToMaster(const ModelRef& place);
 

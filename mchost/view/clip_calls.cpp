@@ -8,7 +8,6 @@
 #include "mchost/mdl/reference_info.h"
 #include "mchost/model/attachments.h"
 #include "mchost/model/open_files.h"
-#include "mchost/model/table_rules.h"
 #include "mchost/view/shown_part.h"
 
 // In UOR of the active model.
@@ -75,15 +74,6 @@ FilePos clipElementOf(const ModelRef& place, size_t clips) {
     return alone && isShapeOrEllipse(place.parent->file->model.elements.element(element)) ? element : 0;
 }
 
-RotMatrix turnOf(const Transform& t) {
-    const double factor = length(applyToVector(t, {1, 0, 0}));
-    RotMatrix turn;
-    for (int row = 0; row < 3; ++row) {
-        for (int column = 0; column < 3; ++column) turn.form[row][column] = t.form[row][column] / factor;
-    }
-    return nearestRotation(turn).value_or(identityMatrix);
-}
-
 // The corners go with the block.
 struct OwnedInfo : MdlReferenceInfo {
     std::vector<Point3d> corners;
@@ -93,7 +83,7 @@ std::unique_ptr<OwnedInfo> infoOf(const ModelRef& place, int32_t view) {
     const Transform transform = toMaster(place);
     auto info = std::make_unique<OwnedInfo>();
     info->offset = {transform.form[0][3], transform.form[1][3], transform.form[2][3]};
-    info->rotation = turnOf(transform);
+    info->rotation = turnOf(transform).value_or(identityMatrix);
     info->scale = scaleToMaster(place);
     const std::vector<ShownClip> clips = clipsAround(place);
     info->clipElement = clipElementOf(place, clips.size());
