@@ -28,39 +28,44 @@ bool isOnEdge(const ClipArea::Edge& edge, const Point2& p, double slack) {
 // A line that is taken apart into pieces as it goes on.
 class Pieces {
   public:
-    Pieces(const ClipArea& area, std::span<const Point3d> line, std::span<const Point2> seen)
-        : area_(area), line_(line), seen_(seen) {}
+    Pieces(const ClipArea& area, const Transform& toPlane, std::span<const Point3d> line)
+        : area_(area), toPlane_(toPlane), line_(line) {}
 
     std::vector<std::vector<Point3d>> take() {
-        for (size_t i = 0; i + 1 < line_.size(); ++i) goAlong(i);
+        Point2 seen = line_.empty() ? Point2{} : flat(toPlane_, line_[0]);
+        for (size_t i = 0; i + 1 < line_.size(); ++i) {
+            const Point2 next = flat(toPlane_, line_[i + 1]);
+            goAlong(i, seen, next);
+            seen = next;
+        }
         end();
         return std::move(pieces_);
     }
 
   private:
-    void goAlong(size_t i) {
-        // A segment that no edge comes near lies where the one before ended.
-        if (!area_.crossings(at_, seen_[i], seen_[i + 1])) {
-            const bool inside = i == 0 ? area_.isInside(seen_[0]) : open_;
-            if (inside && !open_) begin(line_[0]);
-        }
-        for (size_t part = 0; part + 1 < at_.size(); ++part) {
+    // The segment from the point of that number; where it is seen.
+    void goAlong(size_t i, const Point2& from, const Point2& to) {
+        // One that no edge comes near lies where the one before ended.
+        const bool crossed = area_.crossings(at_, from, to);
+        if (!crossed && i == 0 && area_.isInside(from)) begin(i, line_[0]);
+        for (size_t part = 0; crossed && part + 1 < at_.size(); ++part) {
             const double middle = (at_[part] + at_[part + 1]) / 2;
-            const Point2 along = seen_[i + 1] - seen_[i];
-            const bool inside = area_.isInside({seen_[i].x + along.x * middle, seen_[i].y + along.y * middle});
+            const Point2 along = to - from;
+            const bool inside = area_.isInside({from.x + along.x * middle, from.y + along.y * middle});
             if (inside == open_) continue;
             const double t = at_[part];
             const Point3d p = t == 0 ? line_[i] : line_[i] + (line_[i + 1] - line_[i]) * t;
             if (inside)
-                begin(p);
+                begin(i, p);
             else
                 endAt(p, t);
         }
         if (open_) pieces_.back().push_back(line_[i + 1]);
     }
 
-    void begin(const Point3d& p) {
-        pieces_.push_back({p});
+    void begin(size_t i, const Point3d& p) {
+        pieces_.emplace_back().reserve(line_.size() - i + 1);
+        pieces_.back().push_back(p);
         open_ = true;
     }
     void endAt(const Point3d& p, double t) {
@@ -76,8 +81,8 @@ class Pieces {
     }
 
     const ClipArea& area_;
+    const Transform& toPlane_;
     std::span<const Point3d> line_;
-    std::span<const Point2> seen_;
     std::vector<double> at_;
     std::vector<std::vector<Point3d>> pieces_;
     bool open_ = false;  // the last piece goes on
@@ -183,10 +188,7 @@ bool ClipArea::crossings(std::vector<double>& at, const Point2& a, const Point2&
 
 std::vector<std::vector<Point3d>> piecesInside(const ClipArea& area, const Transform& toPlane,
                                                std::span<const Point3d> line) {
-    std::vector<Point2> seen;
-    seen.reserve(line.size());
-    for (const Point3d& p : line) seen.push_back(flat(toPlane, p));
-    return Pieces(area, line, seen).take();
+    return Pieces(area, toPlane, line).take();
 }
 
 }  // namespace host
