@@ -208,7 +208,7 @@ TEST_F(Merge, WhatTheViewShowsComesOnItsLevelInItsLook) {
     const Point3d origin = {0, 0, 0};
     for (const LevelId second : {pumps, off}) {
         mdlCell_create(&e, L"PUMP", &origin, 0);
-        e.head.level = off;
+        e.head.level = second == off ? 1 : off;  // whichever it is, its parts count
         mdl::Descr cell;
         ASSERT_EQ(mdlElmdscr_new(cell.out(), nullptr, &e), MDL_SUCCESS);
         for (const LevelId id : {off, second}) {
@@ -369,6 +369,27 @@ TEST_F(Merge, WhatIsHiddenIsDetachedAndWhatIsMissingTold) {
     EXPECT_THAT(held(), IsEmpty());
     EXPECT_THAT(front().consoleText, HasSubstr("gone.mcd: the file isn't found, so nothing of it is merged.\n"));
     EXPECT_EQ(references(), 0);
+}
+
+TEST_F(Merge, DamagedDimensionsAndMultilinesAreToldAndLeftOut) {
+    begin("other.mcd");
+    const Point3d run[] = {{0, 0, 0}, {10, 0, 0}};
+    const double offset = 1;
+    const uint32_t parts = 99;  // more than there are
+    for (const uint16_t type : {MDL_DIMENSION, MDL_MULTILINE}) {
+        ASSERT_EQ(mdlMultiline_create(&e, nullptr, run, 2, &offset, 1), MDL_SUCCESS);
+        std::memcpy(e.bytes + sizeof e.head, &parts, sizeof parts);
+        e.head.type = type;
+        put();
+    }
+    put(1, (line(0, 0, 10, 0), 1));
+    begin("test.mcd");
+    attach("other.mcd");
+    mclibMerge_refFiles(view + 1);
+    EXPECT_EQ(front().consoleText,
+              "\t==> WARNING: Could not get descr from compound, DIMENSION element skipped!\n"
+              "\t==> WARNING: Could not get descr from compound, MULTILINE element skipped!\n");
+    EXPECT_THAT(held(), ElementsAre("3 colour 1 Default"));
 }
 
 TEST_F(Merge, WithoutItsClipElementNothingOfAReferenceComes) {
