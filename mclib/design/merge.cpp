@@ -2,7 +2,7 @@
 #include "mclib/design/merge.h"
 
 #include <memory>
-#include <vector>
+#include <span>
 
 #include "mchost/mdl/level.h"
 #include "mchost/mdl/matrix.h"
@@ -46,16 +46,18 @@ bool makeShapeOfElement(mdl::Descr& shape, ModelRef* reference, FilePos id) {
 }
 
 bool makeShapeOfPoints(mdl::Descr& shape, const MdlReferenceInfo& info, int32_t view) {
-    std::vector<Point3d> corners;
-    for (int32_t i = 0; i < info.clipCount; ++i) corners.push_back({info.clip[i].x, info.clip[i].y, 0});
+    const auto count = static_cast<size_t>(info.clipCount);
+    const mdl::HostPtr<Point3d> block(static_cast<Point3d*>(dlmSystem_mdlMalloc(count * sizeof(Point3d))));
+    const ElementBuffer element = makeElementBuffers(1);
+    if (!block || !element) return false;
+    const std::span corners(block.get(), count);
+    for (size_t i = 0; i < count; ++i) corners[i] = {info.clip[i].x, info.clip[i].y, 0};
     RotMatrix rotation;
     if (mdlRMatrix_fromView(&rotation, view) == MDL_SUCCESS && !mdlRMatrix_isIdentity(&rotation))
         mdlRMatrix_unrotatePointArray(corners.data(), &rotation, info.clipCount);
     for (Point3d& corner : corners) corner = {corner.x + info.offset.x, corner.y + info.offset.y, corner.z};
     const mdl::CurrTransScope inUor(mdl::CurrTransScope::Begin::uor);
-    const ElementBuffer element = makeElementBuffers(1);
-    return inUor && element &&
-           mdlShape_create(element.get(), nullptr, corners.data(), info.clipCount, 0) == MDL_SUCCESS &&
+    return inUor && mdlShape_create(element.get(), nullptr, corners.data(), info.clipCount, 0) == MDL_SUCCESS &&
            mdlElmdscr_new(shape.out(), nullptr, element.get()) == MDL_SUCCESS;
 }
 

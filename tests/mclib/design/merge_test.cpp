@@ -298,6 +298,29 @@ TEST_F(Merge, CutElementsKeepFillOrderAndKind) {
         << "the second piece, in the direction of the line";
 }
 
+TEST_F(Merge, FilledShapesAreCutAlongTheSameClipInATurnedView) {
+    begin("other.mcd");
+    put(2, (shape(50, 50, 100, 1), 1));
+    begin("test.mcd");
+    open();
+    RotMatrix turned;
+    mdlRMatrix_fromAngle(&turned, 0.6);
+    ASSERT_EQ(mdlView_setRotation(view, &turned), MDL_SUCCESS);
+    const MdlRefPlacement aside = placed(1000, 500, 0, 2);
+    const Point3d clip[] = {{1000, 500, 0}, {1200, 500, 0}, {1200, 700, 0}, {1000, 700, 0}};
+    ASSERT_EQ(mdlRefFile_setClip(clip, 4, attach("other.mcd", &aside)), MDL_SUCCESS);
+    mclibMerge_refFiles(view + 1);
+    EXPECT_THAT(held(), ElementsAre("6 colour 2 Default"));
+    mdl::Descr shape;
+    Point3d low, high;
+    ASSERT_NE(mdlElmdscr_read(shape.out(), 1, nullptr), 0u);
+    ASSERT_EQ(mdlElmdscr_computeRange(&low, &high, shape.get(), nullptr), MDL_SUCCESS);
+    EXPECT_NEAR(low.x, 1100, 1e-6);
+    EXPECT_NEAR(low.y, 600, 1e-6);
+    EXPECT_NEAR(high.x, 1200, 1e-6);
+    EXPECT_NEAR(high.y, 700, 1e-6);
+}
+
 // ---- tags ----
 
 TEST_F(Merge, ATagOfTheDrawingGivesWayToItsText) {
