@@ -109,7 +109,7 @@ double lengthOf(const Line& line) {
 double sampledLength(const Ring& ring, const Line& line) {
     double sum = 0;
     for (size_t i = 1; i < line.size(); ++i) {
-        constexpr int steps = 2000;
+        const int steps = 10 + static_cast<int>(20 * mdlVec_distance(&line[i - 1], &line[i]));
         int inside = 0;
         for (int s = 0; s < steps; ++s) {
             const Point3d p = line[i - 1] + (line[i] - line[i - 1]) * ((s + 0.5) / steps);
