@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -133,9 +134,9 @@ class FileDialog {
             if (added.empty()) continue;
             if (!several) request_.members.clear();
             if (!several) added.resize(1);
+            std::set<std::string> known(request_.members.begin(), request_.members.end());
             for (std::string& name : added)
-                if (std::ranges::find(request_.members, name) == request_.members.end())
-                    request_.members.push_back(std::move(name));
+                if (known.insert(name).second) request_.members.push_back(std::move(name));
         }
         return std::nullopt;
     }

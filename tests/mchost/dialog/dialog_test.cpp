@@ -395,6 +395,8 @@ TEST_F(Dialogs, MenusStandInTheBarAndPopUpAndCallTheirEntries) {
     EXPECT_FALSE(shown->choose(0)) << "the menu has gone";
     EXPECT_EQ(value, 1);
     EXPECT_EQ(over, dialog);
+    session().endApplication(application("owner"));
+    EXPECT_TRUE(host::menuBar().empty()) << "they go with their application";
 }
 
 TEST_F(Dialogs, OptionButtonsCanBeFilledAnew) {
