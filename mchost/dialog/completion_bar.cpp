@@ -30,3 +30,5 @@ void mdlDialog_closeCompletionBar(MdlCompletionBar* bar) noexcept {
     if (bar) mdlOutput_printf(MDL_FIELD_MESSAGE, "%s", "");
     delete bar;
 }
+
+void mdlSystem_enterGraphicsExtended(int32_t) noexcept {}

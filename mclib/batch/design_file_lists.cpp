@@ -1,6 +1,7 @@
 #include "mclib/batch/design_file_lists.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "mchost/mdl/completion_bar.h"
@@ -44,9 +45,9 @@ class Run {
   public:
     explicit Run(Process process)
         : process_(process), before_(tcbP->designFileName), bar_(mdlDialog_openCompletionBar(nullptr)) {
-        mdlSystem_enterGraphics();
+        mdlSystem_enterGraphicsExtended(1);
     }
-    ~Run() { mdlDialog_closeCompletionBar(bar_); }
+    ~Run() { closeBar(); }
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
 
@@ -60,6 +61,7 @@ class Run {
     }
     // Goes back; the number of files that couldn't be opened.
     int end() {
+        closeBar();
         if (!left_) return notOpened_;
         if (!before_.empty() && mdlSystem_newDesignFile(before_.c_str(), 0) != MDL_SUCCESS)
             tellNotOpened(before_.c_str());
@@ -70,6 +72,10 @@ class Run {
     const std::string& before() const { return before_; }
 
   private:
+    void closeBar() {
+        mdlDialog_closeCompletionBar(std::exchange(bar_, nullptr));
+        mdlSystem_enterGraphicsExtended(0);
+    }
     // The message centre has the reason.
     void tellNotOpened(const char* name) {
         ++notOpened_;
