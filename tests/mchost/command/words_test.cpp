@@ -90,11 +90,12 @@ TEST_F(Words, SnapGivesThePointOfTheNearestElement) {
     EXPECT_THAT(key("snap end 7,0"), HasSubstr("No command"));
 }
 
-// A line from 0,0 to 10,0, a text and a vertical line that begin at 2,4, all attached, with a clip that leaves x from 3
-// to 8 of them.
+// A line from 0,0 to 10,0, one across it at 8.4, a text and a vertical line that begin at 2,4, all attached, with a
+// clip that leaves x from 3 to 8 of them.
 TEST_F(Words, WhatClipsTakeAwayIsNeitherSnappedToNorFound) {
     add({{0, 0}, {10, 0}});
     add({{2, 4}, {2, 9}});
+    add({{7.9, -0.5}, {8.9, 0.5}});
     const Point3d origin{2 * uor, 4 * uor, 0};
     const TextSize size{0, 2 * uor, 2 * uor, 0};
     ASSERT_EQ(mdlText_create(dgnBufP, nullptr, "texts", &origin, nullptr, &size, nullptr, 0), MDL_SUCCESS);
@@ -111,13 +112,15 @@ TEST_F(Words, WhatClipsTakeAwayIsNeitherSnappedToNorFound) {
     EXPECT_NEAR(lastPoint().x, 8, 1e-9) << "its visible end";
     EXPECT_EQ(key("snap middle 7,0.2"), "");
     EXPECT_NEAR(lastPoint().x, 5, 1e-9);
-    for (const char* line :
-         {"snap end 7,0", "snap vertex 4,0", "snap nearest 9.5,0", "snap nearest 2,7", "snap vertex 5,5"})
+    for (const char* line : {"snap end 7,0", "snap vertex 4,0", "snap nearest 9.5,0", "snap nearest 2,7",
+                             "snap vertex 5,5", "snap intersection 7.95,-0.1"})
         EXPECT_THAT(key(line), HasSubstr("No element within reach")) << line;
     ASSERT_EQ(mdlRefFile_setClip(nullptr, 0, place), MDL_SUCCESS);
     EXPECT_EQ(key("snap end 7,0"), "");
     EXPECT_NEAR(lastPoint().x, 10, 1e-9);
     EXPECT_EQ(key("snap vertex 5,5"), "");
+    EXPECT_EQ(key("snap intersection 7.95,-0.1"), "");
+    EXPECT_NEAR(lastPoint().x, 8.4, 1e-9);
 }
 
 TEST_F(Words, ModesThatAreOnSnapPointsAndDynamics) {

@@ -152,12 +152,18 @@ TEST_F(ReferenceClips, CornersAreToldAsAViewSeesThem) {
     setClip(outer, {{750, -50, 0},
                     {850, -50, 0},
                     {850, 250, 0},
+                    {880, 250, 0},
+                    {880, 90, 0},
+                    {920, 90, 0},
+                    {920, 250, 0},
                     {950, 250, 0},
                     {950, -50, 0},
                     {1100, -50, 0},
                     {1100, 300, 0},
                     {750, 300, 0}});
-    EXPECT_EQ(areaOf(info(inner, 0).corners), 2 * 50 * 200) << "in two parts";
+    const std::vector<Point3d> parts = info(inner, 0).corners;
+    EXPECT_EQ(areaOf(parts), 50 * 200 + 40 * 110 + 50 * 200);
+    EXPECT_EQ(parts.size(), 5u + 6 + 6) << "each of the three closed, and two ways back to the first";
     MdlReferenceInfo* told = nullptr;
     EXPECT_EQ(mdlRefFile_getInfo(&told, nullptr, 0), MDL_ERROR);
 }
