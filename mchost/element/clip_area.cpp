@@ -182,7 +182,7 @@ bool ClipArea::crossings(std::vector<double>& at, const Point2& a, const Point2&
     at.push_back(0);
     at.push_back(1);
     std::ranges::sort(at);
-    at.erase(std::ranges::unique(at).begin(), at.end());
+    at.erase(std::unique(at.begin(), at.end()), at.end());
     return true;
 }
 
