@@ -59,6 +59,9 @@ class Symbols : public ApplicationTest {
 
 TEST_F(Symbols, TheExampleGoesFromDrawingsToPages) {
     if (!canRun("python3")) GTEST_SKIP() << "there is no python3";
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "python3 can't load libraries that have sanitizers";
+#endif
     ASSERT_EQ(shell("MCLIB_LIBRARIES=" BUILD_DIR "/lib python3 " + examples + "plant.py plant").status, 0);
     const std::string before = read("plant/sheet-1.mcd");
     const Outcome outcome = run(examples + "plant.txt plant --mark doubtful");
