@@ -72,7 +72,7 @@ bool findBoundary(Boundary& boundary, ModelRef* reference, int32_t view) {
     const InfoPtr info(found);
     if (!info) return false;
     if (info->clipCount == 0) return makeShapeOfElement(boundary.shape, reference, info->clipElement);
-    if (!makeShapeOfPoints(boundary.shape, *info, view)) toolSubsystem_printf("Error creating shape from ref fence\n");
+    if (!makeShapeOfPoints(boundary.shape, *info, view)) tellLoss("Error creating shape from ref fence\n");
     return true;
 }
 
@@ -129,6 +129,7 @@ bool mergeReference(ModelRef* reference, int32_t view) {
     }
     if (scan(merging)) return true;
     tell("it can't be scanned, so it isn't merged as a whole.", reference);
+    mdlSystem_noteFailure();
     return false;
 }
 

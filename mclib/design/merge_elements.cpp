@@ -1,4 +1,5 @@
 // Elements of a reference, as a view shows them, copied into the active model.
+#include <cstdio>
 #include <utility>
 
 #include "mchost/mdl/compound.h"
@@ -13,7 +14,7 @@ namespace mc::design {
 namespace {
 
 void copy(const ElementDescr* ed) {
-    if (mdlElmdscr_copy(ed) == 0) toolSubsystem_printf("ERROR - an element couldn't be copied and is left out\n");
+    if (mdlElmdscr_copy(ed) == 0) tellLoss("ERROR - an element couldn't be copied and is left out\n");
 }
 
 // ---- adjusting ----
@@ -69,7 +70,10 @@ bool takeLevelSymbology(MSElementBuffer* element, ModelRef* model) {
 
 void copyAlone(const MSElementBuffer* element, ModelRef* model) {
     mdl::Descr alone;
-    if (mdlElmdscr_new(alone.out(), model, element) == MDL_SUCCESS) copy(alone.get());
+    if (mdlElmdscr_new(alone.out(), model, element) == MDL_SUCCESS)
+        copy(alone.get());
+    else
+        tellLoss("ERROR - an element couldn't be copied and is left out\n");
 }
 
 // Headers of cells and text nodes have no look: their components are asked about. Those of a complex shape have none of
@@ -127,7 +131,7 @@ void fillAs(mdl::Descr& shapes, const MSElementBuffer* source) {
     mdlModify_elementDescr2(shapes.out(), nullptr, MDL_MODIFY_ALL, takeLook, &look, 0);
     if (mdlElement_getFillColor(&look.fill, source) != MDL_SUCCESS || mdlElmdscr_addFill(shapes.get()) != MDL_SUCCESS ||
         mdlElmdscr_setFillColor(shapes.get(), &look.fill) != MDL_SUCCESS)
-        toolSubsystem_printf("ERROR - a shape couldn't be filled\n");
+        tellLoss("ERROR - a shape couldn't be filled\n");
 }
 
 // A filled outline that is cut stays one.
@@ -145,7 +149,9 @@ void clipKeepingFill(const Merging& merging, mdl::Descr& descr) {
             replaceBy(descr, std::exchange(*shapes.out(), nullptr));
             return;
         }
-        toolSubsystem_printf("error in intersection operation, type: %d\n", error);
+        char line[64];
+        std::snprintf(line, sizeof line, "error in intersection operation, type: %d\n", error);
+        tellLoss(line);
     }
     replaceBy(descr, left);
 }
@@ -162,7 +168,7 @@ void mergeCompound(const Merging& merging, const ElementDescr* ed, const char* w
     mdl::Descr parts;
     if (mdlElmdscr_fromCompoundElement(parts.out(), ed->element, merging.reference) != MDL_SUCCESS ||
         mdlElmdscr_transform(parts.get(), &merging.toMaster) != MDL_SUCCESS) {
-        toolSubsystem_printf("%s\n", warning);
+        tellLoss(warning);
         return;
     }
     if (merging.boundary.isClipped)
@@ -173,7 +179,7 @@ void mergeCompound(const Merging& merging, const ElementDescr* ed, const char* w
 void mergeOther(const Merging& merging, const ElementDescr* ed) {
     mdl::Descr descr;
     if (mdlElmdscr_readToMaster(descr.out(), ed->filePos, merging.reference) == 0) {
-        toolSubsystem_printf("ERROR - an element couldn't be read and is left out\n");
+        tellLoss("ERROR - an element couldn't be read and is left out\n");
         return;
     }
     clipKeepingFill(merging, descr);
@@ -182,10 +188,15 @@ void mergeOther(const Merging& merging, const ElementDescr* ed) {
 
 }  // namespace
 
+void tellLoss(const char* line) {
+    toolSubsystem_printf("%s", line);
+    mdlSystem_noteFailure();
+}
+
 ElementDescr* clipped(ElementDescr* ed, ModelRef* model, const ClipDescr* clip, int32_t view) {
     ElementDescr* left = nullptr;
     if (mdlClip_element(&left, ed, model, clip, view) == MDL_SUCCESS) return left;
-    toolSubsystem_printf("Error clipping element!\n");
+    tellLoss("Error clipping element!\n");
     return ed;
 }
 
@@ -199,10 +210,12 @@ void mergeElement(const Merging& merging, const ElementDescr* ed) {
     switch (mdlElement_getType(ed->element)) {
         case MDL_TAG: mergeTag(merging, ed); break;
         case MDL_DIMENSION:
-            mergeCompound(merging, ed, "\t==> WARNING: Could not get descr from compound, DIMENSION element skipped!");
+            mergeCompound(merging, ed,
+                          "\t==> WARNING: Could not get descr from compound, DIMENSION element skipped!\n");
             break;
         case MDL_MULTILINE:
-            mergeCompound(merging, ed, "\t==> WARNING: Could not get descr from compound, MULTILINE element skipped!");
+            mergeCompound(merging, ed,
+                          "\t==> WARNING: Could not get descr from compound, MULTILINE element skipped!\n");
             break;
         default: mergeOther(merging, ed);
     }

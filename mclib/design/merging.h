@@ -34,6 +34,10 @@ struct Merging {
     Boundary boundary;
 };
 
+// A line for the console about what isn't in the drawing as the view showed it, or not at all; whoever asked for the
+// merge hears of it by the exit status too.
+void tellLoss(const char* line);
+
 // Copies an element of the reference, as the view shows it.
 void mergeElement(const Merging& merging, const ElementDescr* ed);
 

@@ -42,6 +42,11 @@ struct TagLook {
     int32_t style;
 };
 
+int notCopied() {
+    design::tellLoss("ERROR - the text of a tag couldn't be added and is left out\n");
+    return MCLIB_ERROR;
+}
+
 }  // namespace
 
 int mclibMerge_textFromTag(MSElementBuffer* out, const MSElementBuffer* tag, FilePos, ModelRef* model) {
@@ -71,14 +76,15 @@ int mclibMerge_replaceTagWithText(const MSElementBuffer* tag, FilePos position, 
                                   const Transform* transform, const ClipDescr* clip, int isClipped) {
     const design::ElementBuffer text = design::makeElementBuffers(1);
     mdl::Descr descr;
-    if (!text || mclibMerge_textFromTag(text.get(), tag, position, model) != MCLIB_SUCCESS ||
-        mdlElmdscr_new(descr.out(), model, text.get()) != MDL_SUCCESS ||
+    if (!text || mclibMerge_textFromTag(text.get(), tag, position, model) != MCLIB_SUCCESS) return MCLIB_ERROR;
+    if (mdlElmdscr_new(descr.out(), model, text.get()) != MDL_SUCCESS ||
         (transform && mdlElmdscr_transform(descr.get(), transform) != MDL_SUCCESS))
-        return MCLIB_ERROR;
+        return notCopied();
     constexpr int32_t anyView = 0;  // the clip knows its own
     if (clip && isClipped) design::replaceBy(descr, design::clipped(descr.get(), model, clip, anyView));
-    if (descr && mdlElmdscr_copy(descr.get()) == 0) return MCLIB_ERROR;
-    if (mdlModelRef_isActiveModel(model)) mdlElement_undoableDelete(tag, position, display);
+    if (descr && mdlElmdscr_copy(descr.get()) == 0) return notCopied();
+    if (mdlModelRef_isActiveModel(model) && mdlElement_undoableDelete(tag, position, display) != MDL_SUCCESS)
+        design::tellLoss("ERROR - a tag couldn't be deleted and stands beside its text\n");
     if (descr && display) mdlElmdscr_display(descr.get(), nullptr, MDL_DRAW);
     return MCLIB_SUCCESS;
 }

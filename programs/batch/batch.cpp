@@ -191,7 +191,8 @@ int run(const Order& order) {
     if (passed > 0) std::printf(", %zu done before", passed);
     if (run.left() > 0) std::printf(", %zu left, which --resume does", run.left());
     std::printf("; %.1f s of work, told in %s\n", totals.seconds, order.log.c_str());
-    return kept && !stopped && totals.failed == 0 && std::fflush(stdout) == 0 ? allGood : someFailed;
+    const bool told = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    return kept && !stopped && totals.failed == 0 && told ? allGood : someFailed;
 }
 
 }  // namespace batch

@@ -412,6 +412,7 @@ TEST_F(Merge, DamagedDimensionsAndMultilinesAreToldAndLeftOut) {
     EXPECT_EQ(front().consoleText,
               "\t==> WARNING: Could not get descr from compound, DIMENSION element skipped!\n"
               "\t==> WARNING: Could not get descr from compound, MULTILINE element skipped!\n");
+    EXPECT_EQ(mdlSystem_failureNoted(), 1);
     EXPECT_THAT(held(), ElementsAre("3 colour 1 Default"));
 }
 
