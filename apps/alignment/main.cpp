@@ -16,7 +16,6 @@
 #include <mclib/app/delivery.hpp>
 #include <mclib/app/last_files.hpp>
 #include <mclib/app/outputs.hpp>
-#include <mclib/app/system_path.hpp>
 #include <mclib/app/tell.hpp>
 #include <mclib/app/utf8.hpp>
 #include <mclib/app/work_file.hpp>
@@ -62,10 +61,7 @@ bool meets(const Road& road) {
 }
 
 fs::path outputBase(const Options& options) {
-    const fs::path name = fs::path(options.input).stem();
-    if (options.out.empty()) return name;
-    const fs::path out = options.out;
-    return out.filename().empty() || fs::is_directory(mcapp::systemPath(out)) ? out / name : out;
+    return mcapp::outputBase(options.out, fs::path(options.input).stem());
 }
 
 // View 1 shows the sheet upright, also to those who label it.

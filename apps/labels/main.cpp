@@ -15,7 +15,6 @@
 #include <mchost/mdl/owned.hpp>
 #include <mclib/app/arguments.hpp>
 #include <mclib/app/outputs.hpp>
-#include <mclib/app/system_path.hpp>
 #include <mclib/app/tell.hpp>
 #include <mclib/app/work_file.hpp>
 #include "commands.h"
@@ -33,10 +32,7 @@ enum ExitStatus { done = 0, failed = 1 };
 constexpr const char* drawingSuffix = ".mcd";
 
 fs::path outputBase(const Options& options) {
-    const fs::path name = fs::path(options.input).stem();
-    if (options.out.empty()) return name;
-    const fs::path out = options.out;
-    return out.filename().empty() || fs::is_directory(mcapp::systemPath(out)) ? out / name : out;
+    return mcapp::outputBase(options.out, fs::path(options.input).stem());
 }
 
 // All that lies in the drawing, turned as view 1 shows it; null after a message.

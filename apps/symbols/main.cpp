@@ -32,10 +32,9 @@ constexpr const char* listSuffix = ".txt";
 
 std::string outputBase(const Options& options) {
     const std::string name = fs::path(options.input).stem().string() + "-list";
-    if (options.out.empty()) return name;
-    const fs::path out = options.out;
-    if (out.filename().empty() || fs::is_directory(mcapp::systemPath(out))) return (out / name).string();
-    return (out.extension() == listSuffix ? fs::path(out).replace_extension() : out).string();
+    fs::path out = mcapp::outputBase(options.out, name);
+    if (out.extension() == listSuffix) out.replace_extension();
+    return out.string();
 }
 
 // Reads and counts; false after a message.

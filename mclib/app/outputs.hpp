@@ -17,6 +17,10 @@ namespace mcapp {
 // A message about a file that isn't whole yet: the folder it lies in tells the user nothing. Always false.
 bool failOutput(const std::string& name, const std::string& what);
 
+// Where files go that are called `name` unless the user tells otherwise: `out` is a folder, a path without suffix, or
+// empty, which is the current folder.
+std::filesystem::path outputBase(const std::filesystem::path& out, const std::filesystem::path& name);
+
 class Outputs {
   public:
     // `base` is a name of the host without suffix.
@@ -52,6 +56,11 @@ namespace fs = std::filesystem;
 
 inline bool failOutput(const std::string& name, const std::string& what) {
     return fail(fs::path(name).filename().string() + ": " + what);
+}
+
+inline fs::path outputBase(const fs::path& out, const fs::path& name) {
+    if (out.empty()) return name;
+    return out.filename().empty() || fs::is_directory(systemPath(out)) ? out / name : out;
 }
 
 inline Outputs::Outputs(const fs::path& base, const std::vector<const char*>& suffixes)
